@@ -1,0 +1,87 @@
+// dictionary.h: the indexed words (`vela_dictionary.vdat`), in the order of their word numbers.
+//
+// A text file; lines end in a line feed, what stands behind the last one is no line, and a line of
+// more than 31999 bytes ends the dictionary.
+//
+//   word offset variantCount     a base word: where its page list lies in the word map (-1: it has
+//                                none), and how many variant lines follow (may be absent: 0)
+//   variant                      another spelling of the base word above
+//
+// The file is mapped and used in place; one pass over it makes every check and notes where each
+// word stands. The indexer's writer of this file is in indexer/.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "output/response.h"
+#include "settings/index_directory.h"
+#include "settings/settings.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+inline constexpr char kDictionaryFileName[] = "vela_dictionary.vdat";
+
+struct DictEntry {
+  std::string_view word;
+  int64_t offset = 0;        // of the page list in the word map; kNoWordList (-1) for none
+  int32_t variantCount = 0;  // as the line says
+  size_t end = 0;            // where the lines behind the entry's own begin
+};
+
+// What stopped the loading: kEnded ends the request at once, kFailed is followed by the closing
+// message of the loader's stage. Either way the message of the cause has been written.
+enum class DictionaryStatus { kOk, kFailed, kEnded };
+
+class Dictionary {
+ public:
+  // Opens and checks the file. On a failure its message has been written.
+  [[nodiscard]] DictionaryStatus Load(const IndexDirectory& directory, const Settings& settings,
+                                      Response& response);
+  // The same over bytes in memory, which must outlive the dictionary.
+  [[nodiscard]] DictionaryStatus Load(std::string_view bytes, const Settings& settings,
+                                      Response& response);
+  void Release();
+
+  // Word numbers 0 up to size() - 1 are in use; it may be less than NumKeywords.
+  int32_t size() const { return count_; }
+
+  std::string_view WordAt(int32_t number) const;
+  DictEntry EntryAt(int32_t number) const;
+
+  // The first word number from `from` on whose word equals `word` byte for byte; -1 for none.
+  int32_t FindExact(std::string_view word, int32_t from) const;
+
+  // The number of stored variants of the word: none when its first variant line was too long or
+  // empty, otherwise its variant lines that are neither.
+  int32_t StoredVariants(int32_t number) const;
+
+  // The text of a word in its spelling `variant`: 0 the word itself, from 1 on its stored variants
+  // in order, and the word itself for a number beyond these.
+  std::string_view DisplayText(int32_t number, int32_t variant) const;
+
+ private:
+  friend class VariantReader;
+  [[nodiscard]] DictionaryStatus ReadLines(const Settings& settings, Response& response);
+
+  FileImage file_;
+  std::string_view bytes_;       // up to where loading went
+  OwnedArray<uint32_t> starts_;  // where each word stands
+  int32_t count_ = 0;
+};
+
+// Goes through the stored variants of one word in order.
+class VariantReader {
+ public:
+  VariantReader(const Dictionary& dictionary, const DictEntry& entry);
+  // The next variant; false when there is none left.
+  bool Next(std::string_view& variant);
+
+ private:
+  std::string_view rest_;
+  int32_t left_;
+  bool first_ = true;
+};
+
+}  // namespace vela

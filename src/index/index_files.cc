@@ -1,0 +1,71 @@
+#include "index/index_files.h"
+
+#include "index/page_data.h"
+#include "index/page_text.h"
+
+namespace vela {
+
+namespace {
+
+void WriteCannotOpen(Response& response, const char* name) {
+  if (response.xml) WriteRaw(response, "<vela:error>");
+  WriteOut(response, "Unable to open %s<br />Check file permissions and that file exists", name);
+  if (response.xml) WriteRaw(response, "</vela:error>\n");
+}
+
+bool OpenPageText(FileImage& file, const IndexDirectory& directory, Response& response) {
+  if (!file.Open(directory, kPageTextFileName, false)) {
+    WriteCannotOpen(response, kPageTextFileName);
+    return false;
+  }
+  if (IsPageTextPlaceholder(file.bytes())) {
+    WriteError(response,
+               "<b>Vela config error:</b> The \"vela_pagetext.vdat\" file is not properly created "
+               "for the search settings specified in \"setting.php\"<br />Please check that you "
+               "have re-indexed and try again.",
+               ErrorEnd::kLineFeed);
+    file.Close();
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory, const Settings& settings,
+                    Response& response) {
+  if (!files.pageData.Open(directory, kPageDataFileName, false)) {
+    WriteCannotOpen(response, kPageDataFileName);
+    return false;
+  }
+  const PageInfoStatus status = LoadPageInfo(files.pages, directory, settings);
+  if (status != PageInfoStatus::kOk) {
+    WritePageInfoError(response, status);
+    WriteCannotOpen(response, kPageInfoFileName);
+    return false;
+  }
+  if (settings.DisplayContext == 1 || settings.AllowExactPhrase == 1) {
+    if (!OpenPageText(files.pageText, directory, response)) return false;
+  }
+  if (!files.wordMap.Open(directory, kWordMapFileName, false)) {
+    WriteError(response,
+               "Can not find one or more of the Vela index files.<br />Please make sure the "
+               "generated index files are uploaded to the same path as this search script.<br />"
+               "Also check file permissions have been set to allow reading.<br />\n",
+               ErrorEnd::kLineFeed);
+    return false;
+  }
+  return true;
+}
+
+void CloseIndexFiles(IndexFiles& files) {
+  files.pageData.Close();
+  files.pageText.Close();
+  files.wordMap.Close();
+  files.pages.file.Close();
+  files.pages.image = {};
+  files.pages.pageCount = 0;
+  files.pages.starts.Release();
+}
+
+}  // namespace vela

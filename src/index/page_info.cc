@@ -1,0 +1,133 @@
+#include "index/page_info.h"
+
+#include <algorithm>
+
+#include "index/byte_cursor.h"
+#include "text/numbers.h"
+
+namespace vela {
+
+namespace {
+
+// Where the fields of a record lie in the two layouts.
+struct RecordLayout {
+  size_t lengthWidth;
+  size_t dataOffset;
+  size_t fileSize;
+  size_t dateTime;
+  size_t boost;
+  size_t fileType;
+  size_t fixedSize;
+};
+constexpr RecordLayout kSmallLayout = {2, 2, 7, 11, 15, 16, 17};
+constexpr RecordLayout kBigLayout = {4, 4, 9, 13, 17, 18, 19};
+
+const RecordLayout& LayoutOf(const PageTable& pages) {
+  return pages.big ? kBigLayout : kSmallLayout;
+}
+
+size_t StartOf(const PageTable& pages, uint32_t page) {
+  if (pages.starts.empty()) return 0;
+  return pages.starts[std::min<size_t>(page, pages.starts.size() - 1)];
+}
+
+uint64_t Field(const PageTable& pages, uint32_t page, size_t offset, size_t width) {
+  return ReadLittleEndian(pages.image, StartOf(pages, page) + offset, width);
+}
+
+// Finds the records' starts. A record of length 0 is the start of every page behind it too, so that
+// the table never needs more entries than the image has bytes.
+PageInfoStatus FindRecords(PageTable& pages) {
+  const size_t lengthWidth = LayoutOf(pages).lengthWidth;
+  const auto wanted = static_cast<size_t>(pages.pageCount);
+  const size_t size = pages.image.size();
+  if (!pages.starts.TryAllocate(std::min(wanted, size + 1))) return PageInfoStatus::kUnreadable;
+  size_t total = 0;
+  for (size_t page = 0; page < wanted; ++page) {
+    if (size - total < lengthWidth) return PageInfoStatus::kRecordBeyondEnd;
+    pages.starts[page] = static_cast<uint32_t>(total);
+    const uint64_t length = ReadLittleEndian(pages.image, total, lengthWidth);
+    if (length > size - total) return PageInfoStatus::kRecordBeyondEnd;
+    if (length == 0) {
+      if (!pages.starts.TryResize(page + 1)) return PageInfoStatus::kUnreadable;
+      break;
+    }
+    total += length;
+  }
+  return total < size ? PageInfoStatus::kSlackAtEnd : PageInfoStatus::kOk;
+}
+
+}  // namespace
+
+PageInfoStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
+                            const Settings& settings) {
+  if (!pages.file.Open(directory, kPageInfoFileName, true)) return PageInfoStatus::kUnreadable;
+  pages.big = settings.UseBigPageInfoData != 0;
+  pages.pageCount = settings.NumPages;
+  pages.categoryBytes = settings.UseCats == 1 && settings.NumCatBytes > 0
+                            ? static_cast<size_t>(settings.NumCatBytes)
+                            : 0;
+  if (settings.PageInfoSize < 0) return PageInfoStatus::kUnreadable;
+  const auto size = static_cast<size_t>(settings.PageInfoSize);
+  if (pages.file.bytes().size() < size) return PageInfoStatus::kTooShort;
+  // One 32-bit reference a page must fit in the memory of the process.
+  if (settings.NumPages < 0 || settings.NumPages > INT32_MAX / 4) {
+    return PageInfoStatus::kUnreadable;
+  }
+  pages.image = pages.file.bytes().substr(0, size);
+  return FindRecords(pages);
+}
+
+void WritePageInfoError(Response& response, PageInfoStatus status) {
+  switch (status) {
+    case PageInfoStatus::kOk:
+    case PageInfoStatus::kUnreadable:
+      break;
+    case PageInfoStatus::kTooShort:
+      WriteRaw(response, "Pageinfo file does not match PageInfoSize specified.");
+      break;
+    case PageInfoStatus::kRecordBeyondEnd:
+      WriteRaw(response, "Pageinfo file and PageInfoSize does not match NumPages specified.");
+      break;
+    case PageInfoStatus::kSlackAtEnd:
+      // Kept: called a warning, it fails the request all the same.
+      WriteRaw(response,
+               "Warning: Pageinfo file and PageInfoSize does not match NumPages specified.");
+      break;
+  }
+}
+
+uint64_t PageDataOffset(const PageTable& pages, uint32_t page) {
+  return Field(pages, page, LayoutOf(pages).dataOffset, 5);
+}
+
+uint32_t PageFileSize(const PageTable& pages, uint32_t page) {
+  return WrapToUint32(Field(pages, page, LayoutOf(pages).fileSize, 4));
+}
+
+int32_t PageDateTime(const PageTable& pages, uint32_t page) {
+  return WrapToInt32(WrapToUint32(Field(pages, page, LayoutOf(pages).dateTime, 4)));
+}
+
+uint8_t PageBoost(const PageTable& pages, uint32_t page) {
+  return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).boost, 1));
+}
+
+uint8_t PageFileType(const PageTable& pages, uint32_t page) {
+  return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).fileType, 1));
+}
+
+bool PageCategoryBit(const PageTable& pages, uint32_t page, size_t index, int bit) {
+  return (Field(pages, page, LayoutOf(pages).fixedSize + index, 1) >> bit & 1) != 0;
+}
+
+std::string_view PageMetaData(const PageTable& pages, uint32_t page) {
+  const RecordLayout& layout = LayoutOf(pages);
+  const size_t start = StartOf(pages, page);
+  const uint64_t length = Field(pages, page, 0, layout.lengthWidth);
+  const size_t skipped = layout.fixedSize + pages.categoryBytes;
+  if (length <= skipped || start + skipped >= pages.image.size()) return {};
+  return pages.image.substr(start + skipped, static_cast<size_t>(length) - skipped);
+}
+
+}  // namespace vela

@@ -1,0 +1,64 @@
+// page_info.h: the facts of every page (`vela_pageinfo.vdat`), one record a page in page order,
+// without a header. Little-endian; not trusted.
+//
+//   small layout  big layout
+//   0, 2 bytes    0, 4 bytes    length of the record, this field included
+//   2, 5          4, 5          position of the page's line in `vela_pagedata.vdat`
+//   7, 4          9, 4          file size in bytes
+//   11, 4         13, 4         date and time, seconds since 1970; 0 for none
+//   15, 1         17, 1         score boost in tenths; 0 leaves scores as they are
+//   16, 1         18, 1         file type
+//   17            19            category set (NumCatBytes, with UseCats 1), then the values of the
+//                               custom meta fields (with UseMetaFields 1)
+//
+// A record that is shorter than its fixed part reads on into what follows it, and as 0 beyond the
+// end of the file. The indexer's writer of this file is in indexer/.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "output/response.h"
+#include "settings/index_directory.h"
+#include "settings/settings.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+inline constexpr char kPageInfoFileName[] = "vela_pageinfo.vdat";
+
+struct PageTable {
+  FileImage file;
+  std::string_view image;       // the PageInfoSize bytes in use
+  bool big = false;             // the layout of the records
+  int32_t pageCount = 0;        // NumPages
+  size_t categoryBytes = 0;     // bytes of the category set that stand ahead of the meta fields
+  OwnedArray<uint32_t> starts;  // offset of each record; the last one serves all pages behind it
+};
+
+// What went wrong with the file; kUnreadable covers a file that cannot be opened and sizes that
+// memory cannot hold.
+enum class PageInfoStatus { kOk, kUnreadable, kTooShort, kRecordBeyondEnd, kSlackAtEnd };
+
+// Opens the file and finds the start of every record.
+[[nodiscard]] PageInfoStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
+                                          const Settings& settings);
+
+// Writes the message of a file that does not fit the settings; nothing for the other outcomes.
+void WritePageInfoError(Response& response, PageInfoStatus status);
+
+// The fields of page `page`, 0 <= page < pageCount.
+uint64_t PageDataOffset(const PageTable& pages, uint32_t page);
+uint32_t PageFileSize(const PageTable& pages, uint32_t page);  // bytes
+int32_t PageDateTime(const PageTable& pages, uint32_t page);   // compared as a signed number
+uint8_t PageBoost(const PageTable& pages, uint32_t page);
+uint8_t PageFileType(const PageTable& pages, uint32_t page);
+
+// Whether byte `index` of the category set has bit `bit` set.
+bool PageCategoryBit(const PageTable& pages, uint32_t page, size_t index, int bit);
+
+// The bytes of the record behind its category set: the values of the meta fields. Empty when the
+// record ends before.
+std::string_view PageMetaData(const PageTable& pages, uint32_t page);
+
+}  // namespace vela

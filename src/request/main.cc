@@ -1,0 +1,47 @@
+// The search program: run by the web server once per request.
+
+#include <csignal>
+#include <cstdlib>
+#include <new>
+#include <span>
+
+#include <unistd.h>
+
+#include "request/driver.h"
+#include "request/search_context.h"
+
+namespace {
+
+// Set up at compile time, so that start-up runs no code for it.
+constinit vela::SearchContext g_context;
+
+// The context is all the state there is, so these two can complete the response from anywhere.
+[[noreturn]] void EndWithMessage(const char* message) {
+  vela::WriteError(g_context.response, message, vela::ErrorEnd::kLineFeed);
+  vela::EndRequest(g_context);
+  _exit(g_context.exitStatus);
+}
+
+void EndOutOfMemory() { EndWithMessage("Error: Out of memory"); }
+
+// A mapped index file that is cut short under the running request raises this.
+void EndVanishedFile(int) {
+  if (g_context.ended) _exit(g_context.exitStatus);
+  EndWithMessage("Error: Corrupted or invalid index files. Please re-index and try again.");
+}
+
+const char* Environment(const char* name) { return getenv(name); }
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::set_new_handler(EndOutOfMemory);
+  struct sigaction action = {};
+  action.sa_handler = EndVanishedFile;
+  action.sa_flags = static_cast<int>(SA_NODEFER);
+  sigaction(SIGBUS, &action, nullptr);
+  const int status = vela::RunRequest(g_context, std::span(argv, static_cast<size_t>(argc)),
+                                      {Environment, STDIN_FILENO});
+  // Everything is written and the kernel frees the rest.
+  _exit(status);
+}

@@ -1,0 +1,75 @@
+#include "request/script_paths.h"
+
+#include <unistd.h>
+
+#include "text/ascii.h"
+
+namespace vela {
+
+namespace {
+
+constexpr size_t kDirectoryArgumentLimit = 260;
+
+int HexValue(char c) {
+  if (IsDigit(c)) return c - '0';
+  const char lower = ToLowerAscii(c);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// Whether `word`, percent-decoded, is `text`.
+bool DecodesTo(std::string_view word, std::string_view text) {
+  size_t at = 0;
+  for (char c : text) {
+    if (at >= word.size()) return false;
+    char decoded = word[at];
+    if (decoded == '%' && at + 2 < word.size()) {
+      const int high = HexValue(word[at + 1]);
+      const int low = HexValue(word[at + 2]);
+      if (high >= 0 && low >= 0) {
+        decoded = static_cast<char>(high * 16 + low);
+        at += 2;
+      }
+    }
+    ++at;
+    if (decoded != c) return false;
+  }
+  return at == word.size();
+}
+
+}  // namespace
+
+void SplitProgramPath(ScriptPaths& paths, std::string_view programPath) {
+  size_t separator = programPath.rfind('\\');
+  if (separator == programPath.npos) separator = programPath.rfind('/');
+  if (separator != programPath.npos) {
+    Set(paths.ScriptFileName, programPath.substr(separator + 1));
+    Set(paths.ScriptDirectory, programPath.substr(0, separator));
+    return;
+  }
+  Set(paths.ScriptFileName, programPath);
+  if (getcwd(paths.ScriptDirectory.bytes, sizeof paths.ScriptDirectory.bytes) == nullptr) {
+    Clear(paths.ScriptDirectory);
+  }
+}
+
+void ReadDirectorySwitch(ScriptPaths& paths, std::span<const char* const> arguments) {
+  for (size_t i = 0; i + 1 < arguments.size(); ++i) {
+    const std::string_view argument = arguments[i];
+    if (argument.size() < 2 || argument[0] != '/' || ToUpperAscii(argument[1]) != 'I') continue;
+    const std::string_view directory = arguments[i + 1];
+    if (directory.size() < kDirectoryArgumentLimit) Set(paths.ScriptDirectory, directory);
+  }
+}
+
+bool AreArgumentsOfQuery(std::span<const char* const> arguments, std::string_view queryString) {
+  if (queryString.empty() || queryString.find('=') != queryString.npos) return false;
+  for (const char* argument : arguments) {
+    if (queryString.data() == nullptr) return false;  // more arguments than words
+    const size_t end = queryString.find('+');
+    if (!DecodesTo(queryString.substr(0, end), argument)) return false;
+    queryString = end == queryString.npos ? std::string_view() : queryString.substr(end + 1);
+  }
+  return queryString.data() == nullptr;
+}
+
+}  // namespace vela

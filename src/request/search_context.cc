@@ -1,0 +1,35 @@
+#include "request/search_context.h"
+
+#include <sys/time.h>
+
+#include "output/template.h"
+
+namespace vela {
+
+double CurrentTime() {
+  timeval now = {};
+  gettimeofday(&now, nullptr);
+  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_usec) / 1e6;
+}
+
+void InitSearchContext(SearchContext& ctx) { ctx.startTime = CurrentTime(); }
+
+void ReleaseSearchContext(SearchContext& ctx) {
+  CloseIndexFiles(ctx.index);
+  ctx.dictionary.Release();
+  ctx.query.terms = TermList();
+  ctx.output = OutputSections();
+  CloseIndexDirectory(ctx.directory);
+}
+
+int EndRequest(SearchContext& ctx) {
+  if (ctx.ended) return 0;
+  ctx.ended = true;
+  FillTemplate(ctx.response, {ctx.settings, ctx.directory, ctx.output, View(ctx.query.display),
+                              View(ctx.paths.ScriptUrl)});
+  Flush(ctx.response);
+  ReleaseSearchContext(ctx);
+  return 0;
+}
+
+}  // namespace vela

@@ -1,0 +1,45 @@
+// search_context.h: the whole state of the one request that a process answers.
+#pragma once
+
+#include "index/dictionary.h"
+#include "index/index_files.h"
+#include "output/ending.h"
+#include "output/response.h"
+#include "output/sections.h"
+#include "request/request_params.h"
+#include "request/script_paths.h"
+#include "search/query.h"
+#include "search/search_request.h"
+#include "settings/index_directory.h"
+#include "settings/settings.h"
+
+namespace vela {
+
+// The sum of one record per room. There is one, handed down by reference and never copied; only
+// the stages of a request take it whole.
+struct SearchContext {
+  double startTime = 0;  // seconds since 1970
+  ScriptPaths paths;
+  IndexDirectory directory;
+  Settings settings;
+  RequestParams request;
+  SearchRequest search;  // the request as settled with the settings
+  Query query;
+  IndexFiles index;
+  Dictionary dictionary;
+  OutputSections output;
+  Response response;
+  bool ended = false;  // the response is complete
+  int exitStatus = 0;
+};
+
+// Seconds since 1970, with microseconds as the fraction.
+double CurrentTime();
+
+// Sets the record up for a request: all at rest, the start time taken.
+void InitSearchContext(SearchContext& ctx);
+
+// Frees everything the stages have taken. A second call does nothing.
+void ReleaseSearchContext(SearchContext& ctx);
+
+}  // namespace vela

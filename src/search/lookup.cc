@@ -1,0 +1,49 @@
+#include "search/lookup.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "text/numbers.h"
+#include "text/wildcard.h"
+
+namespace vela {
+
+MatchBudget MakeMatchBudget(int32_t maxMatches, int32_t termCount) {
+  MatchBudget budget;
+  budget.total = maxMatches;
+  budget.perTerm = maxMatches;
+  if (termCount > 0) {
+    budget.perTerm = static_cast<int32_t>(std::ceil(static_cast<double>(maxMatches) / termCount));
+  }
+  return budget;
+}
+
+int32_t FirstSearchedWord(const Settings& settings) {
+  return std::max(0, SaturateToInt32(int64_t{settings.DictReservedLimit} + 1));
+}
+
+bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view pattern,
+                 bool foldCase) {
+  if (MatchesWildcard(dictionary.WordAt(number), pattern, foldCase)) return true;
+  const DictEntry entry = dictionary.EntryAt(number);
+  if (entry.variantCount <= 0) return false;
+  VariantReader variants(dictionary, entry);
+  std::string_view variant;
+  while (variants.Next(variant)) {
+    if (MatchesWildcard(variant, pattern, foldCase)) return true;
+  }
+  return false;
+}
+
+bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion,
+                    bool& limitReached) {
+  budget.used = WrapAdd32(budget.used, 1);
+  if (isExclusion) return true;
+  if (budget.used > budget.total) {
+    limitReached = true;
+    return false;
+  }
+  return matchedByTerm <= budget.perTerm;
+}
+
+}  // namespace vela

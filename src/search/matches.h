@@ -1,0 +1,58 @@
+// matches.h: the pages that the terms of a query match, gathered term by term.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "index/page_info.h"
+#include "index/word_map.h"
+#include "settings/settings.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+// One page of the index, all zero until a term matches it.
+struct PageMatch {
+  uint32_t score = 0;         // of the word-map records added, saturating softly above 10000
+  uint32_t termsMatched = 0;  // records that touched the page, those of exclusions included
+  uint32_t termsInOrder = 0;  // terms matched without a gap, in query order
+  uint8_t proximityMask = 0;  // AND of the proximity bytes of the records
+  uint64_t firstPosition = 0;  // in the page text file; where the snippets start
+  uint64_t secondPosition = 0;
+  uint64_t thirdPosition = 0;
+};
+
+// All pages of the index and what is counted over them.
+struct Matches {
+  OwnedArray<PageMatch> pages;     // NumPages
+  OwnedArray<uint64_t> touched;    // one bit a page that a record touched
+  int32_t resultCount = 0;         // pages found; during the terms, also counted down by exclusions
+  int32_t fullMatchCount = 0;      // accepted pages that match every effective term
+  uint32_t maxTermsMatched = 0;    // the ranges of the sort keys
+  uint32_t maxScore = 0;
+  int32_t maxDate = 0;
+  int32_t minDate = 0;
+  bool limitReached = false;      // a limit stopped the search: there may be more
+  bool resultsTruncated = false;  // some accepted pages are not in the list
+};
+
+// Where a term stands among the terms of the query.
+struct TermPlace {
+  int32_t index = 0;     // in the term list, from 0
+  int32_t skipped = 0;   // terms passed over so far
+  int32_t excluded = 0;  // exclusions and site restrictions so far
+  bool isExclusion = false;
+};
+
+// Makes the record of every page. False when the memory cannot be had.
+[[nodiscard]] bool AllocateMatches(Matches& matches, int32_t pageCount);
+
+// Adds one record of a matched word to its page. `sort` and `maxContextKeywords` are those of the
+// request and the settings. False when the record names a page that is not in the index.
+[[nodiscard]] bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& record,
+                            const TermPlace& term, int32_t sort, int32_t maxContextKeywords);
+
+// A score times a page's boost, in tenths, rounded; a boost of 0 leaves it.
+uint32_t BoostedScore(uint32_t score, uint8_t boost);
+
+}  // namespace vela

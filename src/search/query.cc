@@ -1,0 +1,125 @@
+#include "search/query.h"
+
+#include <algorithm>
+
+#include "text/edit.h"
+#include "text/lower.h"
+#include "text/word_split.h"
+
+namespace vela {
+
+void NormaliseQuery(QueryText& text, const Settings& settings) {
+  if (settings.MapAccents == 1) {
+    for (const AccentPair& pair : settings.accents) {
+      ReplaceAll(text, View(pair.accent), View(pair.normal));
+    }
+  }
+  const size_t length = View(text).size();
+  if (settings.ToLowerSearchWords == 1) LowerText(text.bytes, length, settings.UseUTF8 == 1);
+  if (settings.AllowExactPhrase == 0) ReplaceCharacters(text.bytes, length, "\"", " ");
+  const size_t separated = SeparateWords(text.bytes, length, View(settings.WordJoinChars));
+  text.bytes[separated] = '\0';
+  const QueryText whole = text;
+  Set(text, TrimAll(View(whole)));
+}
+
+namespace {
+
+// Collects the characters of the terms in one block.
+class TermCollector {
+ public:
+  explicit TermCollector(TermList& list) : list_(list) {}
+
+  void Put(char c) { list_.bytes[end_++] = c; }
+  void Restart() { end_ = start_; }
+  bool isEmpty() const { return end_ == start_; }
+  void Finish() {
+    list_.bytes[end_] = '\0';
+    list_.terms[count_++] = {list_.bytes.data() + start_, end_ - start_};
+    start_ = ++end_;
+  }
+  size_t count() const { return count_; }
+
+ private:
+  TermList& list_;
+  size_t start_ = 0;
+  size_t end_ = 0;
+  size_t count_ = 0;
+};
+
+}  // namespace
+
+bool SplitQuery(std::string_view text, TermList& terms, bool& hasPhrase) {
+  terms = TermList();
+  hasPhrase = false;
+  if (text.empty()) return true;
+  const auto blanks = static_cast<size_t>(std::count(text.begin(), text.end(), ' '));
+  // Every term but the last took a blank of the text, which makes room for its terminator.
+  if (!terms.bytes.TryAllocate(text.size() + 2) || !terms.terms.TryAllocate(blanks + 1)) {
+    terms = TermList();
+    return false;
+  }
+  TermCollector collector(terms);
+  bool insideQuotes = false;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"') {
+      // The "-" of a quoted exclusion stays at the start of the term.
+      if (!insideQuotes && (i == 0 || text[i - 1] != '-')) collector.Restart();
+      insideQuotes = !insideQuotes;
+    } else if (text[i] != ' ' || insideQuotes) {
+      collector.Put(text[i]);
+    } else if (!collector.isEmpty()) {
+      collector.Finish();
+    }
+    if (insideQuotes) hasPhrase = true;
+  }
+  collector.Finish();  // also an empty one, as empty quotes leave behind
+  if (!terms.terms.TryResize(collector.count())) {
+    terms = TermList();
+    return false;
+  }
+  if (text.find('-') != text.npos) {
+    // Exclusions act on what was found before them. Every term keeps its place inside its group.
+    OwnedArray<std::string_view> sorted;
+    if (!sorted.TryAllocate(terms.terms.size())) return false;
+    const auto isExclusion = [](std::string_view term) { return term.starts_with('-'); };
+    auto* out = std::remove_copy_if(terms.terms.begin(), terms.terms.end(), sorted.begin(),
+                                    isExclusion);
+    std::copy_if(terms.terms.begin(), terms.terms.end(), out, isExclusion);
+    terms.terms = std::move(sorted);
+  }
+  return true;
+}
+
+bool ParseQuery(Query& query, const Settings& settings) {
+  query.text = query.typed;
+  NormaliseQuery(query.text, settings);
+  return SplitQuery(View(query.text), query.terms, query.hasPhrase);
+}
+
+bool IsSiteRestriction(std::string_view word, std::string_view& restriction) {
+  for (std::string_view prefix : {"site:", "url:"}) {
+    if (!word.starts_with(prefix)) continue;
+    restriction = word.substr(prefix.size());
+    return true;
+  }
+  return false;
+}
+
+QueryText SubstringTerm(std::string_view term) {
+  QueryText out;
+  std::string_view word = term;
+  if (word.starts_with('-')) word.remove_prefix(1);
+  std::string_view restriction;
+  if (word.empty() || word.find(' ') != word.npos || IsSiteRestriction(word, restriction)) {
+    Set(out, term);
+    return out;
+  }
+  Set(out, term.substr(0, term.size() - word.size()));
+  if (!word.starts_with('*')) Append(out, "*");
+  Append(out, word);
+  if (!word.ends_with('*')) Append(out, "*");
+  return out;
+}
+
+}  // namespace vela

@@ -1,0 +1,53 @@
+// query.h: the query text, brought into the form of the index and cut into terms.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "settings/settings.h"
+#include "text/fixed_text.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+inline constexpr size_t kQuerySize = 2086;         // with terminator
+inline constexpr size_t kDisplayQuerySize = 2135;  // with terminator
+
+using QueryText = FixedText<kQuerySize>;
+using DisplayQuery = FixedText<kDisplayQuerySize>;
+
+// The terms of a query, exclusions (with their "-") behind all others. A term holding a blank came
+// from quotes. Owns the texts.
+struct TermList {
+  OwnedArray<char> bytes;
+  OwnedArray<std::string_view> terms;  // each NUL-terminated; at most 2085 bytes
+  int32_t size() const { return static_cast<int32_t>(terms.size()); }
+  std::string_view operator[](int32_t i) const { return terms[static_cast<size_t>(i)]; }
+};
+
+struct Query {
+  QueryText typed;       // as the request has it
+  QueryText text;        // normalised
+  DisplayQuery display;  // escaped for HTML: as typed first, then normalised
+  TermList terms;
+  bool hasPhrase = false;  // some character lay inside quotes
+};
+
+// Folds accents, lower-cases, and replaces what separates words by blanks, as the settings say.
+void NormaliseQuery(QueryText& text, const Settings& settings);
+
+// Cuts the normalised text into `terms`. False when memory is out.
+[[nodiscard]] bool SplitQuery(std::string_view text, TermList& terms, bool& hasPhrase);
+
+// Normalises what was typed and cuts it into terms. False when memory is out.
+[[nodiscard]] bool ParseQuery(Query& query, const Settings& settings);
+
+// Puts the asterisks of a substring search around the term's word: behind the "-" of an exclusion,
+// and none where one stands already, around an empty word, a phrase or a site restriction.
+QueryText SubstringTerm(std::string_view term);
+
+// Whether the term restricts the search to addresses, and to which text; `word` has no "-".
+bool IsSiteRestriction(std::string_view word, std::string_view& restriction);
+
+}  // namespace vela

@@ -1,0 +1,217 @@
+#include "search/ranking.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace vela {
+
+namespace {
+
+constexpr float kBaseFactor = 1.3f;
+constexpr float kProximityMultiplier = 1.7f;
+// Beyond this many terms the factor grows by 1 a term instead of by a power.
+constexpr uint32_t kPowerTermLimit = 10;
+
+bool SortsByDate(int32_t sort) { return sort > kSortByRelevance; }
+
+int64_t KeyOf(const PageMatch& match, const PageTable& pages, uint32_t page, int32_t sort) {
+  return SortsByDate(sort) ? int64_t{PageDateTime(pages, page)} : int64_t{match.score};
+}
+
+// Calls `visit(page)` for every page that may be a result, in page order, until it gives false.
+template <typename Visit>
+void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
+  if (everyPage) {
+    for (uint32_t page = 0; page < matches.pages.size(); ++page) {
+      if (!visit(page)) return;
+    }
+    return;
+  }
+  for (size_t word = 0; word < matches.touched.size(); ++word) {
+    for (uint64_t bits = matches.touched[word]; bits != 0; bits &= bits - 1) {
+      const auto page = static_cast<uint32_t>(word * 64) +
+                        static_cast<uint32_t>(std::countr_zero(bits));
+      if (!visit(page)) return;
+    }
+  }
+}
+
+// Whether the page passes every filter. Kept: the filters run in this order, and the counts of
+// selected categories include pages that the date range rejects afterwards.
+RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters,
+                      const SearchRequest& request, int32_t effectiveTerms, bool everyPage,
+                      bool& accepted) {
+  accepted = false;
+  if (!everyPage && (match.score == 0 || match.termsMatched == 0)) return RankStatus::kOk;
+  if (filters.hasSiteRestriction) {
+    if (!PassesSiteRestriction(filters, page)) return RankStatus::kOk;
+    if (everyPage) {
+      ++match.score;
+      ++match.termsMatched;
+    }
+  }
+  const int32_t passed = PassedMetaConstraints(filters, page);
+  if (passed < 0) return RankStatus::kOk;
+  if (everyPage) {
+    if (request.metaOnly && passed == 0) return RankStatus::kOk;
+    match.score += static_cast<uint32_t>(passed);
+    match.termsMatched += static_cast<uint32_t>(passed);
+  }
+  if (request.andMode == 1 && static_cast<int32_t>(match.termsInOrder) < effectiveTerms) {
+    return RankStatus::kOk;
+  }
+  switch (TestSelectedCategories(filters, page)) {
+    case CategoryTest::kOut:
+      return RankStatus::kOk;
+    case CategoryTest::kInvalid:
+      return RankStatus::kInvalidCategory;
+    case CategoryTest::kIn:
+      break;
+  }
+  accepted = PassesDateRange(filters, page);
+  return RankStatus::kOk;
+}
+
+// The range of the keys, as the terms have met them.
+bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, int32_t sort) {
+  if (SortsByDate(sort)) return StartHistogram(histogram, matches.minDate, matches.maxDate);
+  return StartHistogram(histogram, 0, int64_t{matches.maxTermsMatched} * matches.maxScore);
+}
+
+RankStatus ListResults(Matches& matches, PageFilters& filters, const Settings& settings,
+                       const SearchRequest& request, const PageTable& pages,
+                       const KeyHistogram& histogram, bool everyPage, ResultList& results) {
+  if (!results.entries.TryAllocate(histogram.total)) return RankStatus::kNoMemory;
+  size_t count = 0;
+  RankStatus status = RankStatus::kOk;
+  ForEachCandidate(matches, everyPage, [&](uint32_t page) {
+    const PageMatch& match = matches.pages[page];
+    if (match.score == 0) return true;
+    if (!CountInAllCategories(filters, page)) {
+      status = RankStatus::kInvalidCategory;
+      return false;
+    }
+    const int32_t bucket = BucketOf(histogram, KeyOf(match, pages, page, request.sort));
+    if (bucket < histogram.firstTaken || bucket > histogram.lastTaken) {
+      matches.resultsTruncated = true;
+      return true;
+    }
+    if (count == results.entries.size()) return true;
+    results.entries[count++] = {page,
+                                FinalScore(match, settings.WeightProximity),
+                                match.termsMatched,
+                                match.firstPosition,
+                                match.secondPosition,
+                                match.thirdPosition};
+    return true;
+  });
+  // Every page of the buckets taken has been met: the list is full.
+  if (count < results.entries.size()) results.entries.Release();
+  return status;
+}
+
+}  // namespace
+
+int32_t BucketOf(const KeyHistogram& histogram, int64_t key) {
+  const int64_t distance = key - histogram.keyMin;
+  if (distance <= 0) return 0;
+  const int64_t bucket = (distance + histogram.width - 1) / histogram.width;
+  return static_cast<int32_t>(std::min<int64_t>(bucket, kBucketCount - 1));
+}
+
+bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax) {
+  const int64_t range = keyMax - keyMin;
+  histogram.keyMin = keyMin;
+  histogram.width = range > kBucketCount - 1 ? (range + kBucketCount - 1) / kBucketCount : 1;
+  return histogram.counts.TryAllocate(kBucketCount);
+}
+
+void TakeBuckets(KeyHistogram& histogram, int32_t most, bool oldestFirst) {
+  histogram.total = 0;
+  const auto isFull = [&] { return int64_t{histogram.total} >= most; };
+  if (oldestFirst) {
+    int32_t next = 0;
+    for (; next < kBucketCount && !isFull(); ++next) {
+      histogram.total += histogram.counts[static_cast<size_t>(next)];
+    }
+    histogram.firstTaken = 0;
+    histogram.lastTaken = next - 1;
+    return;
+  }
+  int32_t next = kBucketCount - 1;
+  for (; next >= 0 && !isFull(); --next) {
+    histogram.total += histogram.counts[static_cast<size_t>(next)];
+  }
+  histogram.firstTaken = next + 1;
+  histogram.lastTaken = kBucketCount - 1;
+}
+
+uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
+  float multiplier = kProximityMultiplier;
+  if (weightProximity != 0) {
+    multiplier = static_cast<float>(weightProximity / 10.0 + kProximityMultiplier);
+  }
+  auto factor = static_cast<float>(match.proximityMask / 255.0 * multiplier + kBaseFactor);
+  if (match.termsMatched > kPowerTermLimit) {
+    factor = static_cast<float>(std::pow(static_cast<double>(factor), double{kPowerTermLimit}) +
+                                (match.termsMatched - kPowerTermLimit));
+  } else if (match.termsMatched > 1) {
+    factor = static_cast<float>(
+        std::pow(static_cast<double>(factor), static_cast<double>(match.termsMatched - 1)));
+  }
+  const double score = static_cast<double>(match.score) * static_cast<double>(factor) + 0.5;
+  // The integer part modulo 2^32; a negative weight can make the factor negative.
+  return static_cast<uint32_t>(static_cast<int64_t>(std::clamp(score, -9.0e18, 9.0e18)));
+}
+
+RankStatus RankMatches(Matches& matches, PageFilters& filters, const Settings& settings,
+                       const SearchRequest& request, const PageTable& pages,
+                       int32_t effectiveTerms, bool everyPage, ResultList& results) {
+  // Kept: exclusions may have counted down to 0 although some pages are left.
+  if (matches.resultCount == 0 && !everyPage) return RankStatus::kOk;
+  KeyHistogram histogram;
+  if (!StartHistogramFor(histogram, matches, request.sort)) return RankStatus::kNoMemory;
+  matches.resultCount = 0;
+  RankStatus status = RankStatus::kOk;
+  ForEachCandidate(matches, everyPage, [&](uint32_t page) {
+    PageMatch& match = matches.pages[page];
+    bool accepted = false;
+    status = AcceptPage(match, page, filters, request, effectiveTerms, everyPage, accepted);
+    if (status != RankStatus::kOk) return false;
+    if (!accepted) {
+      match.score = 0;
+      return true;
+    }
+    if (static_cast<int32_t>(match.termsInOrder) >= effectiveTerms) ++matches.fullMatchCount;
+    if (!SortsByDate(request.sort)) match.score += (match.termsMatched - 1) * matches.maxScore;
+    const int32_t bucket = BucketOf(histogram, KeyOf(match, pages, page, request.sort));
+    ++histogram.counts[static_cast<size_t>(bucket)];
+    ++matches.resultCount;
+    return true;
+  });
+  if (status != RankStatus::kOk) return status;
+  TakeBuckets(histogram, settings.MaxResultsPerQuery, request.sort == kSortOldestFirst);
+  return ListResults(matches, filters, settings, request, pages, histogram, everyPage, results);
+}
+
+void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime) {
+  const auto byScore = [](const ResultEntry& a, const ResultEntry& b) {
+    return a.score != b.score ? a.score > b.score : a.page < b.page;
+  };
+  const bool byDate = useDateTime && (sort == kSortNewestFirst || sort == kSortOldestFirst);
+  if (!byDate) {
+    std::sort(results.entries.begin(), results.entries.end(), byScore);
+    return;
+  }
+  const bool newestFirst = sort == kSortNewestFirst;
+  std::sort(results.entries.begin(), results.entries.end(),
+            [&](const ResultEntry& a, const ResultEntry& b) {
+              const int32_t dateA = PageDateTime(pages, a.page);
+              const int32_t dateB = PageDateTime(pages, b.page);
+              if (dateA != dateB) return newestFirst ? dateA > dateB : dateA < dateB;
+              return byScore(a, b);
+            });
+}
+
+}  // namespace vela

@@ -1,0 +1,69 @@
+// ranking.h: from matched pages to the sorted list of results.
+#pragma once
+
+#include <cstdint>
+
+#include "index/page_info.h"
+#include "search/filters.h"
+#include "search/matches.h"
+#include "search/search_request.h"
+#include "settings/settings.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+// One row of the result list.
+struct ResultEntry {
+  uint32_t page = 0;
+  uint32_t score = 0;  // final relevance, as shown
+  uint32_t termsMatched = 0;
+  uint64_t firstPosition = 0;
+  uint64_t secondPosition = 0;
+  uint64_t thirdPosition = 0;
+};
+
+struct ResultList {
+  OwnedArray<ResultEntry> entries;
+  int32_t size() const { return static_cast<int32_t>(entries.size()); }
+};
+
+// Pages by their sort key, in buckets of equal width, so that the best can be taken without sorting
+// all of them. A bucket is taken whole or not at all.
+inline constexpr int32_t kBucketCount = 10000;
+struct KeyHistogram {
+  OwnedArray<uint32_t> counts;  // kBucketCount
+  int64_t keyMin = 0;
+  int64_t width = 1;
+  int32_t firstTaken = 0;  // the range of buckets taken
+  int32_t lastTaken = -1;
+  uint32_t total = 0;  // pages in them
+};
+
+// The bucket of a key: its distance from keyMin over the width, rounded up, at most the last one. A
+// key below keyMin goes to bucket 0.
+int32_t BucketOf(const KeyHistogram& histogram, int64_t key);
+
+// Buckets from keyMin to keyMax. False when memory is out.
+[[nodiscard]] bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax);
+
+// Takes buckets, from the smallest key on with `oldestFirst` and from the largest otherwise, while
+// fewer than `most` pages are taken.
+void TakeBuckets(KeyHistogram& histogram, int32_t most, bool oldestFirst);
+
+// The final score: the page's score times a factor that grows with the nearness of the terms and
+// with every term matched beyond the first. `weightProximity` is the setting.
+uint32_t FinalScore(const PageMatch& match, int32_t weightProximity);
+
+enum class RankStatus { kOk, kNoMemory, kInvalidCategory };
+
+// Applies the filters to every matched page (to every page when `everyPage` is set), counts those
+// accepted into `matches`, and lists the best of them, unsorted, in `results`.
+[[nodiscard]] RankStatus RankMatches(Matches& matches, PageFilters& filters,
+                                     const Settings& settings, const SearchRequest& request,
+                                     const PageTable& pages, int32_t effectiveTerms,
+                                     bool everyPage, ResultList& results);
+
+// Sorts the list in the order that the request asks for; ties by page number.
+void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime);
+
+}  // namespace vela

@@ -1,0 +1,96 @@
+#include "settings/index_directory.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vela {
+
+IndexDirectory::~IndexDirectory() { CloseIndexDirectory(*this); }
+
+void OpenIndexDirectory(IndexDirectory& directory, std::string_view path) {
+  CloseIndexDirectory(directory);
+  Set(directory.path, path);
+  // The trailing slash makes an empty path the root, as joining the file names to it would.
+  FixedText<513> opened;
+  Set(opened, View(directory.path));
+  Append(opened, "/");
+  directory.descriptor = open(opened.bytes, O_PATH | O_DIRECTORY | O_CLOEXEC);
+}
+
+void CloseIndexDirectory(IndexDirectory& directory) {
+  if (directory.descriptor >= 0) close(directory.descriptor);
+  directory.descriptor = -1;
+}
+
+namespace {
+
+// Reads up to `size` bytes from the descriptor's start; false when memory or the reading fails.
+bool ReadWhole(int descriptor, size_t size, OwnedArray<char>& copy, size_t& filled) {
+  filled = 0;
+  if (!copy.TryAllocate(size)) return false;
+  while (filled < size) {
+    const ssize_t got = read(descriptor, copy.data() + filled, size - filled);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return false;
+    if (got == 0) break;
+    filled += static_cast<size_t>(got);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool FileImage::Open(const IndexDirectory& directory, const char* name, bool wholeSoon) {
+  Close();
+  if (directory.descriptor < 0) return false;
+  // Without O_NONBLOCK a pipe in a file's place would keep the request waiting.
+  const int descriptor =
+      openat(directory.descriptor, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (descriptor < 0) return false;
+  struct stat info;
+  if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
+    close(descriptor);
+    return false;
+  }
+  const auto size = static_cast<size_t>(info.st_size);
+  open_ = true;
+  if (size > 0) {
+    const int flags = MAP_PRIVATE | (wholeSoon ? MAP_POPULATE : 0);
+    void* start = mmap(nullptr, size, PROT_READ, flags, descriptor, 0);
+    if (start != MAP_FAILED) {
+      mapped_ = true;
+      bytes_ = {static_cast<const char*>(start), size};
+    } else {
+      size_t filled = 0;
+      open_ = ReadWhole(descriptor, size, copy_, filled);
+      if (open_) bytes_ = {copy_.data(), filled};
+    }
+  }
+  close(descriptor);
+  return open_;
+}
+
+void FileImage::Close() {
+  if (mapped_) munmap(const_cast<char*>(bytes_.data()), bytes_.size());
+  copy_.Release();
+  bytes_ = {};
+  mapped_ = false;
+  open_ = false;
+}
+
+bool ReadLine(LineReader& reader, size_t limit, std::string_view& line) {
+  if (reader.rest.empty()) return false;
+  line = reader.rest.substr(0, limit);
+  const size_t end = line.find('\n');
+  if (end != line.npos) line = line.substr(0, end + 1);
+  reader.rest.remove_prefix(line.size());
+  return true;
+}
+
+std::string_view UpToNul(std::string_view line) { return line.substr(0, line.find('\0')); }
+
+}  // namespace vela

@@ -1,0 +1,67 @@
+// index_directory.h: the directory that holds the settings, the index files and the template.
+//
+// One handle is taken at the start of a request and every file is opened relative to it, so that
+// replacing the directory by renaming another into its place never mixes two generations.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "text/fixed_text.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+// Owns the handle; closed with its owner or by CloseIndexDirectory. Move is not needed.
+struct IndexDirectory {
+  FixedText<512> path;  // as shown in messages
+  int descriptor = -1;
+
+  IndexDirectory() = default;
+  IndexDirectory(const IndexDirectory&) = delete;
+  IndexDirectory& operator=(const IndexDirectory&) = delete;
+  ~IndexDirectory();
+};
+
+// Takes the handle of `path` (cut to 511 bytes); an empty path is the root. When it cannot be
+// taken, every later open fails.
+void OpenIndexDirectory(IndexDirectory& directory, std::string_view path);
+void CloseIndexDirectory(IndexDirectory& directory);
+
+// A whole file, mapped where that can be and read otherwise. Owns its memory.
+class FileImage {
+ public:
+  FileImage() = default;
+  FileImage(const FileImage&) = delete;
+  FileImage& operator=(const FileImage&) = delete;
+  ~FileImage() { Close(); }
+
+  // Opens a regular file of the directory; anything else (a directory, a pipe) cannot be opened.
+  // With `wholeSoon` the pages are brought in at once, for files that are read from end to end.
+  [[nodiscard]] bool Open(const IndexDirectory& directory, const char* name, bool wholeSoon);
+  void Close();
+
+  bool isOpen() const { return open_; }
+  std::string_view bytes() const { return bytes_; }
+
+ private:
+  bool open_ = false;
+  bool mapped_ = false;
+  std::string_view bytes_;
+  OwnedArray<char> copy_;  // where the file cannot be mapped
+};
+
+// Hands out a text the way a line-oriented read with a buffer of fixed size does.
+struct LineReader {
+  std::string_view rest;
+};
+
+// Takes the next line, its line feed included; of a longer line a piece of `limit` bytes (at least
+// 1). False at the end of the text.
+bool ReadLine(LineReader& reader, size_t limit, std::string_view& line);
+
+// The bytes of a line before its first NUL.
+std::string_view UpToNul(std::string_view line);
+
+}  // namespace vela

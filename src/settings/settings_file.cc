@@ -1,0 +1,308 @@
+#include "settings/settings_file.h"
+
+#include <algorithm>
+
+#include "settings/line_format.h"
+#include "text/edit.h"
+#include "text/numbers.h"
+
+namespace vela {
+
+namespace {
+
+constexpr size_t kLineLimit = 2047;
+constexpr int32_t kDictIdLenLimit = 6;
+
+struct IntegerKey {
+  std::string_view key;
+  int32_t Settings::*field;
+};
+
+constexpr IntegerKey kIntegerKeys[] = {
+    {"UseUTF8", &Settings::UseUTF8},
+    {"Codepage", &Settings::Codepage},
+    {"UseStemming", &Settings::UseStemming},
+    {"StemmingAlgo", &Settings::StemmingAlgo},
+    {"NoCharset", &Settings::NoCharset},
+    {"MinWordLen", &Settings::MinWordLen},
+    {"Highlighting", &Settings::Highlighting},
+    {"HighlightLimit", &Settings::HighlightLimit},
+    {"GotoHighlight", &Settings::GotoHighlight},
+    {"PdfHighlight", &Settings::PdfHighlight},
+    {"FormFormat", &Settings::FormFormat},
+    {"DisplayMetaDesc", &Settings::DisplayMetaDesc},
+    {"DisplayMetaFields", &Settings::DisplayMetaFields},
+    {"DotNetUseFormTags", &Settings::DotNetUseFormTags},
+    {"DotNetUsePostBacks", &Settings::DotNetUsePostBacks},
+    {"UseDateTime", &Settings::UseDateTime},
+    {"DisplayDate", &Settings::DisplayDate},
+    {"DefaultSort", &Settings::DefaultSort},
+    {"DateRangeSearch", &Settings::DateRangeSearch},
+    {"DateRangeFormat", &Settings::DateRangeFormat},
+    {"UseAutoComplete", &Settings::UseAutoComplete},
+    {"DisplayContext", &Settings::DisplayContext},
+    {"DisplayNumber", &Settings::DisplayNumber},
+    {"DisplayTitle", &Settings::DisplayTitle},
+    {"DisplayTerms", &Settings::DisplayTerms},
+    {"DisplayScore", &Settings::DisplayScore},
+    {"DisplayURL", &Settings::DisplayURL},
+    {"TruncateShowURL", &Settings::TruncateShowURL},
+    {"DisplayFilesize", &Settings::DisplayFilesize},
+    {"UseVelaImage", &Settings::UseVelaImage},
+    {"DisplayCatSummary", &Settings::DisplayCatSummary},
+    {"Logging", &Settings::Logging},
+    {"MaxKeyWordLineLen", &Settings::MaxKeyWordLineLen},
+    {"OutputVariantBufferSize", &Settings::OutputVariantBufferSize},
+    {"OutputBasewordBufferSize", &Settings::OutputBasewordBufferSize},
+    {"DictIDLen", &Settings::DictIDLen},
+    {"DictReservedLimit", &Settings::DictReservedLimit},
+    {"DictReservedPrefixes", &Settings::DictReservedPrefixes},
+    {"DictReservedSuffixes", &Settings::DictReservedSuffixes},
+    {"DictReservedNoSpaces", &Settings::DictReservedNoSpaces},
+    {"UseBigPageInfoData", &Settings::UseBigPageInfoData},
+    {"PluginOpenNewWindow", &Settings::PluginOpenNewWindow},
+    {"FileTypePluginStart", &Settings::FileTypePluginStart},
+    {"WordSplit", &Settings::WordSplit},
+    {"VelaInfo", &Settings::VelaInfo},
+    {"Timing", &Settings::Timing},
+    {"SearchAsSubstring", &Settings::SearchAsSubstring},
+    {"ToLowerSearchWords", &Settings::ToLowerSearchWords},
+    {"ContextSize", &Settings::ContextSize},
+    {"MaxContextKeywords", &Settings::MaxContextKeywords},
+    {"MaxResultsPerQuery", &Settings::MaxResultsPerQuery},
+    {"WeightProximity", &Settings::WeightProximity},
+    {"AllowExactPhrase", &Settings::AllowExactPhrase},
+    {"MaxContextSeeks", &Settings::MaxContextSeeks},
+    {"MaxMatches", &Settings::MaxMatches},
+    {"MaxSearchTime", &Settings::MaxSearchTime},
+    {"UseLinkTarget", &Settings::UseLinkTarget},
+    {"Spelling", &Settings::Spelling},
+    {"SpellingWhenLessThan", &Settings::SpellingWhenLessThan},
+    {"NumSpellings", &Settings::NumSpellings},
+    {"Recommended", &Settings::Recommended},
+    {"NumRecommended", &Settings::NumRecommended},
+    {"RecommendedMax", &Settings::RecommendedMax},
+    {"UseCats", &Settings::UseCats},
+    {"SearchMultiCats", &Settings::SearchMultiCats},
+    {"NumKeywords", &Settings::NumKeywords},
+    {"NumPages", &Settings::NumPages},
+    {"NumVariants", &Settings::NumVariants},
+    {"PageInfoSize", &Settings::PageInfoSize},
+    {"DefaultToAnd", &Settings::DefaultToAnd},
+    {"UseXML", &Settings::UseXML},
+    {"XMLHighlight", &Settings::XMLHighlight},
+    {"NumCats", &Settings::NumCats},
+    {"NumCatBytes", &Settings::NumCatBytes},
+    {"UseMetaFields", &Settings::UseMetaFields},
+    {"NumMetaFields", &Settings::NumMetaFields},
+    {"MetaMoneyShowDec", &Settings::MetaMoneyShowDec},
+    {"MapAccents", &Settings::MapAccents},
+};
+
+// A text setting: stores a value, or empties the field for none.
+struct TextKey {
+  std::string_view key;
+  void (*store)(Settings& settings, std::string_view value);
+  bool emptiedFirst;  // a line without a value leaves the field empty
+};
+
+template <auto kField>
+void Store(Settings& settings, std::string_view value) {
+  Set(settings.*kField, value);
+}
+
+constexpr TextKey kTextKeys[] = {
+    {"Charset", Store<&Settings::Charset>, false},
+    {"DatePickerPath", Store<&Settings::DatePickerPath>, false},
+    {"Version", Store<&Settings::Version>, false},
+    {"LogFileName", Store<&Settings::LogFileName>, false},
+    {"LinkTarget", Store<&Settings::LinkTarget>, false},
+    {"WordJoinChars", Store<&Settings::WordJoinChars>, false},
+    {"LinkBackURL", Store<&Settings::LinkBackURL>, true},
+    {"XMLTitle", Store<&Settings::XMLTitle>, true},
+    {"XMLDesc", Store<&Settings::XMLDesc>, true},
+    {"XMLURL", Store<&Settings::XMLURL>, true},
+    {"XMLXSLTURL", Store<&Settings::XMLXSLTURL>, true},
+    {"XMLOpenSearchDescURL", Store<&Settings::XMLOpenSearchDescURL>, true},
+    {"MetaMoneyCurrency", Store<&Settings::MetaMoneyCurrency>, false},
+};
+
+// The next line as text, up to a NUL; false at the end of the file.
+bool NextLine(LineReader& reader, std::string_view& line) {
+  if (!ReadLine(reader, kLineLimit, line)) return false;
+  line = UpToNul(line);
+  return true;
+}
+
+SettingsStatus ReadCategoryNames(Settings& settings, LineReader& reader) {
+  if (settings.NumCats < 1) return SettingsStatus::kOk;
+  settings.categoryNames.Release();
+  std::string_view line;
+  while (settings.categoryNames.size() < settings.NumCats && NextLine(reader, line)) {
+    if (line.empty()) break;  // began with a NUL
+    if (!settings.categoryNames.TryAdd(TrimWhitespace(line))) return SettingsStatus::kNoMemory;
+  }
+  return SettingsStatus::kOk;
+}
+
+bool HasValueList(int32_t type) { return type == kMetaDropDown || type == kMetaMultiple; }
+
+// Reads one definition; kInvalid when the file ends inside it.
+SettingsStatus ReadMetaField(Settings& settings, LineReader& reader, MetaFieldDef& field) {
+  std::string_view lines[6];
+  for (std::string_view& line : lines) {
+    if (!NextLine(reader, line)) return SettingsStatus::kInvalid;
+  }
+  field.type = ReadDecimal32(lines[0]);
+  Set(field.name, TrimWhitespace(lines[1]));
+  Set(field.label, TrimWhitespace(lines[2]));
+  Set(field.extraText, TrimWhitespace(lines[3]));
+  field.method = ReadDecimal32(lines[4]);
+  field.numValues = ReadDecimal32(lines[5]);
+  if (!HasValueList(field.type)) return SettingsStatus::kOk;
+  field.firstValue = settings.metaValues.size();
+  for (int32_t i = 0; i < field.numValues; ++i) {
+    std::string_view line;
+    if (!NextLine(reader, line)) return SettingsStatus::kInvalid;
+    FixedText<65> value;
+    Set(value, TrimWhitespace(line));
+    if (!settings.metaValues.TryAdd(View(value))) return SettingsStatus::kNoMemory;
+  }
+  return SettingsStatus::kOk;
+}
+
+SettingsStatus ReadMetaFields(Settings& settings, LineReader& reader) {
+  if (settings.NumMetaFields < 1) return SettingsStatus::kOk;
+  settings.metaFields.Release();
+  settings.metaValues.Release();
+  for (int32_t i = 0; i < settings.NumMetaFields; ++i) {
+    MetaFieldDef field;
+    const SettingsStatus status = ReadMetaField(settings, reader, field);
+    if (status != SettingsStatus::kOk) return status;
+    if (!settings.metaFields.TryResize(settings.metaFields.size() + 1)) {
+      return SettingsStatus::kNoMemory;
+    }
+    settings.metaFields[settings.metaFields.size() - 1] = field;
+  }
+  return SettingsStatus::kOk;
+}
+
+// Takes the next double-quoted item off the text; false when no pair of quotes is left.
+bool TakeItem(std::string_view& text, std::string_view& item) {
+  const size_t open = text.find('"');
+  if (open == text.npos) return false;
+  const size_t close = text.find('"', open + 1);
+  if (close == text.npos) return false;
+  item = text.substr(open + 1, close - open - 1);
+  text.remove_prefix(close + 1);
+  return true;
+}
+
+SettingsStatus ReadAccentTable(Settings& settings, LineReader& reader) {
+  std::string_view line;
+  std::string_view accents;
+  std::string_view normals;
+  if (NextLine(reader, line)) ParseRest(line, "AccentChars", accents);
+  if (NextLine(reader, line)) ParseRest(line, "NormalChars", normals);
+  const auto quotes = static_cast<size_t>(std::count(accents.begin(), accents.end(), '"'));
+  if (!settings.accents.TryAllocate(quotes / 2)) return SettingsStatus::kNoMemory;
+  settings.hasAccentTable = true;
+  std::string_view item;
+  for (AccentPair& pair : settings.accents) {
+    if (TakeItem(accents, item)) Set(pair.accent, item);
+    if (TakeItem(normals, item)) Set(pair.normal, item);
+  }
+  return SettingsStatus::kOk;
+}
+
+void ReadTextSetting(Settings& settings, const TextKey& key, std::string_view line) {
+  if (key.emptiedFirst) key.store(settings, {});
+  // Kept: a file that names the date picker after the link-back address loses that address.
+  if (key.key == "DatePickerPath") Clear(settings.LinkBackURL);
+  std::string_view value;
+  if (ParseQuoted(line, key.key, value)) key.store(settings, value);
+  if (key.key == "LinkBackURL" && View(settings.LinkBackURL).find('?') != value.npos) {
+    Set(settings.linkBackSeparator, "&amp;");
+  }
+}
+
+// Reads one line, and the further lines of a section that it opens.
+SettingsStatus ReadSettingsLine(Settings& settings, std::string_view line, LineReader& reader) {
+  const std::string_view token = FirstToken(line);
+  if (token.empty()) return SettingsStatus::kOk;
+  for (const IntegerKey& key : kIntegerKeys) {
+    if (key.key != token) continue;
+    int32_t& field = settings.*key.field;
+    ParseInteger(line, token, field);
+    if (token == "DictIDLen" && field >= kDictIdLenLimit) return SettingsStatus::kInvalidDictIdLen;
+    if (token == "MapAccents" && field == 1) return ReadAccentTable(settings, reader);
+    return SettingsStatus::kOk;
+  }
+  for (const TextKey& key : kTextKeys) {
+    if (key.key != token) continue;
+    ReadTextSetting(settings, key, line);
+    return SettingsStatus::kOk;
+  }
+  if (token.starts_with(kLanguageKeyPrefix)) {
+    const LanguageLine result = ReadLanguageString(settings.language, token, line);
+    return result == LanguageLine::kNoMemory ? SettingsStatus::kNoMemory : SettingsStatus::kOk;
+  }
+  if (token == "catnames") return ReadCategoryNames(settings, reader);
+  if (token == "metafields") return ReadMetaFields(settings, reader);
+  return SettingsStatus::kOk;
+}
+
+}  // namespace
+
+SettingsStatus ReadSettings(Settings& settings, std::string_view bytes) {
+  LineReader reader{bytes};
+  std::string_view line;
+  while (NextLine(reader, line)) {
+    const SettingsStatus status = ReadSettingsLine(settings, line, reader);
+    if (status != SettingsStatus::kOk) return status;
+  }
+  // Counts lines, not different keys.
+  const bool complete = settings.language.count >= static_cast<int32_t>(kLanguageStringCount);
+  return complete ? SettingsStatus::kOk : SettingsStatus::kMissingText;
+}
+
+SettingsStatus ReadSettingsFile(Settings& settings, const IndexDirectory& directory) {
+  settings.UseBigPageInfoData = 0;
+  Set(settings.linkBackSeparator, "?");
+  FileImage file;
+  if (!file.Open(directory, kSettingsFileName, true)) return SettingsStatus::kCannotOpen;
+  return ReadSettings(settings, file.bytes());
+}
+
+void WriteSettingsError(Response& response, SettingsStatus status,
+                        const IndexDirectory& directory) {
+  // Kept: the line about the missing text comes ahead of the header.
+  if (status == SettingsStatus::kMissingText) {
+    WriteRaw(response,
+             "Error: Missing text in the settings.vdat file. Check that your VLANG file is valid "
+             "if you have modified it.<br />\n");
+  }
+  WriteRaw(response, "Content-type: text/html\n\n");
+  switch (status) {
+    case SettingsStatus::kOk:
+      break;
+    case SettingsStatus::kInvalid:
+    case SettingsStatus::kMissingText:
+    case SettingsStatus::kInvalidDictIdLen:
+      WriteRaw(response,
+               "Unable to load settings.vdat file.<br />The file appears to be invalid and may "
+               "have been corrupted.");
+      break;
+    case SettingsStatus::kNoMemory:
+      WriteRaw(response,
+               "Unable to load settings.vdat file due to lack of memory.<br />Check that the file "
+               "is valid and not corrupted and that server load is normal.");
+      break;
+    case SettingsStatus::kCannotOpen:
+      WriteOut(response, "Unable to open %s/%s.<br />Check file permissions and that file exists",
+               directory.path.bytes, kSettingsFileName);
+      break;
+  }
+}
+
+}  // namespace vela
