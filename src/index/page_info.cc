@@ -62,7 +62,7 @@ PageInfoStatus FindRecords(PageTable& pages) {
 PageInfoStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
                             const Settings& settings) {
   if (!pages.file.Open(directory, kPageInfoFileName, true)) return PageInfoStatus::kUnreadable;
-  pages.big = settings.UseBigPageInfoData != 0;
+  pages.big = settings.UseBigPageInfoData == 1;
   pages.pageCount = settings.NumPages;
   pages.categoryBytes = settings.UseCats == 1 && settings.NumCatBytes > 0
                             ? static_cast<size_t>(settings.NumCatBytes)

@@ -53,7 +53,6 @@ bool LocalSeconds(const TypedDate& date, bool monthFirst, bool endOfDay, int32_t
 
 bool StartsWithNumber(std::string_view text) {
   if (!text.empty() && (text[0] == '+' || text[0] == '-')) text.remove_prefix(1);
-  if (!text.empty() && text[0] == '.') text.remove_prefix(1);
   return !text.empty() && IsDigit(text[0]);
 }
 

@@ -154,8 +154,8 @@ uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
   }
   auto factor = static_cast<float>(match.proximityMask / 255.0 * multiplier + kBaseFactor);
   if (match.termsMatched > kPowerTermLimit) {
-    factor = static_cast<float>(std::pow(static_cast<double>(factor), double{kPowerTermLimit}) +
-                                (match.termsMatched - kPowerTermLimit));
+    factor = static_cast<float>(std::pow(static_cast<double>(factor), double{kPowerTermLimit}));
+    factor += static_cast<float>(match.termsMatched - kPowerTermLimit);
   } else if (match.termsMatched > 1) {
     factor = static_cast<float>(
         std::pow(static_cast<double>(factor), static_cast<double>(match.termsMatched - 1)));

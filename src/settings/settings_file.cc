@@ -202,7 +202,8 @@ SettingsStatus ReadAccentTable(Settings& settings, LineReader& reader) {
   std::string_view line;
   std::string_view accents;
   std::string_view normals;
-  if (NextLine(reader, line)) ParseRest(line, "AccentChars", accents);
+  if (!NextLine(reader, line)) return SettingsStatus::kOk;
+  ParseRest(line, "AccentChars", accents);
   if (NextLine(reader, line)) ParseRest(line, "NormalChars", normals);
   const auto quotes = static_cast<size_t>(std::count(accents.begin(), accents.end(), '"'));
   if (!settings.accents.TryAllocate(quotes / 2)) return SettingsStatus::kNoMemory;

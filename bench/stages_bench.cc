@@ -1,0 +1,95 @@
+// Splits one search by stage, inside one process, each stage repeated on a warm cache.
+//
+//   stages_bench INDEX_DIRECTORY QUERY [REPEATS]
+//
+// Prints the median time of each stage in microseconds and, for the dictionary, the rate.
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+
+#include "request/search_context.h"
+#include "request/driver.h"
+#include "settings/settings_file.h"
+
+namespace {
+
+double MedianMicroseconds(int repeats, const std::function<void()>& run) {
+  std::vector<double> times;
+  for (int i = 0; i < repeats; ++i) {
+    const auto start = std::chrono::steady_clock::now();
+    run();
+    const auto end = std::chrono::steady_clock::now();
+    times.push_back(std::chrono::duration<double, std::micro>(end - start).count());
+  }
+  std::nth_element(times.begin(), times.begin() + repeats / 2, times.end());
+  return times[static_cast<size_t>(repeats) / 2];
+}
+
+std::string g_queryString;
+
+const char* Environment(const char* name) {
+  const std::string_view key = name;
+  if (key == "REQUEST_METHOD") return "GET";
+  if (key == "QUERY_STRING") return g_queryString.c_str();
+  return nullptr;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc < 3) {
+    fprintf(stderr, "usage: stages_bench INDEX_DIRECTORY QUERY [REPEATS]\n");
+    return 2;
+  }
+  const int repeats = argc > 3 ? atoi(argv[3]) : 51;
+  vela::IndexDirectory directory;
+  vela::OpenIndexDirectory(directory, argv[1]);
+  auto settings = std::make_unique<vela::Settings>();
+  if (vela::ReadSettingsFile(*settings, directory) != vela::SettingsStatus::kOk) return 1;
+  auto response = std::make_unique<vela::Response>();
+  response->descriptor = open("/dev/null", O_WRONLY);
+
+  const double settingsTime = MedianMicroseconds(repeats, [&] {
+    auto fresh = std::make_unique<vela::Settings>();
+    if (vela::ReadSettingsFile(*fresh, directory) != vela::SettingsStatus::kOk) abort();
+  });
+  size_t dictionaryBytes = 0;
+  const double dictionaryTime = MedianMicroseconds(repeats, [&] {
+    vela::Dictionary dictionary;
+    if (dictionary.Load(directory, *settings, *response) != vela::DictionaryStatus::kOk) abort();
+  });
+  {
+    vela::FileImage file;
+    if (file.Open(directory, vela::kDictionaryFileName, false)) dictionaryBytes = file.bytes().size();
+  }
+  size_t pageInfoBytes = 0;
+  const double pageInfoTime = MedianMicroseconds(repeats, [&] {
+    vela::PageTable pages;
+    if (vela::LoadPageInfo(pages, directory, *settings) != vela::PageInfoStatus::kOk) abort();
+    pageInfoBytes = pages.image.size();
+  });
+  g_queryString = std::string("vela_query=") + argv[2];
+  const double wholeTime = MedianMicroseconds(repeats, [&] {
+    auto ctx = std::make_unique<vela::SearchContext>();
+    ctx->response.descriptor = response->descriptor;
+    const char* arguments[] = {"search.cgi", "/I", argv[1]};
+    vela::RunRequest(*ctx, arguments, {Environment, -1});
+  });
+
+  printf("settings    %9.0f us\n", settingsTime);
+  printf("dictionary  %9.0f us  %zu bytes  %.0f MB/s\n", dictionaryTime, dictionaryBytes,
+         static_cast<double>(dictionaryBytes) / dictionaryTime);
+  printf("page info   %9.0f us  %zu bytes\n", pageInfoTime, pageInfoBytes);
+  printf("search and output, and the rest %6.0f us\n",
+         wholeTime - settingsTime - dictionaryTime - pageInfoTime);
+  printf("whole request %7.0f us\n", wholeTime);
+  return 0;
+}
