@@ -1,0 +1,35 @@
+// address.h: the addresses of pages, as they are stored and as links are built from them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vela::indexer {
+
+// The longest address that a result can carry, in bytes.
+constexpr size_t kMaxAddressBytes = 2083;
+
+// Makes `base` end in "/". It must be "http://host...", "https://host..." or begin with "/", and
+// hold neither "?" nor "#"; otherwise IndexError (usage).
+std::string CheckedBaseUrl(const std::string& base);
+
+// The address of the file `path` (relative, "/" between names) below `base`: every byte that is
+// not plain in an address is percent-encoded.
+std::string PageAddress(std::string_view base, std::string_view path);
+
+// Resolves `reference` as a link on the page `page` would be; a fragment is dropped. `page` is an
+// address made by PageAddress. Empty when the result is neither http nor https (nor rooted, when
+// `page` is).
+std::string ResolveAddress(std::string_view page, std::string_view reference);
+
+// True when `address` lies below `base`; http and https count as the same, the host's letters too.
+bool IsBelow(std::string_view address, std::string_view base);
+
+// `address` ready for the page data: "&" as "&amp;", and no byte that would end a field, an
+// attribute or a line.
+std::string StoredAddress(std::string_view address);
+
+// The words of an address: the path below `base` decoded, without the name's extension.
+std::string AddressText(std::string_view address, std::string_view base);
+
+}  // namespace vela::indexer

@@ -1,0 +1,24 @@
+// index_error.h: how a run ends.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace vela::indexer {
+
+// The exit status of the program.
+enum class ExitStatus {
+  kSuccess = 0,
+  kFailed = 1,       // a file or folder could not be read or written; the old index is untouched
+  kUsage = 2,        // the command line is wrong
+  kNothing = 3,      // no page was found to index; the old index is untouched
+  kInterrupted = 4,  // stopped by a signal; the old index is untouched
+};
+
+// Thrown by every stage that cannot go on; the message says what to do about it.
+struct IndexError : std::runtime_error {
+  IndexError(ExitStatus s, const std::string& message) : std::runtime_error(message), status(s) {}
+  ExitStatus status;
+};
+
+}  // namespace vela::indexer

@@ -1,0 +1,136 @@
+#include "indexer/index_folder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "indexer/index_error.h"
+
+namespace vela::indexer {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+[[noreturn]] void Fail(const std::string& what, const std::string& why) {
+  throw IndexError(ExitStatus::kFailed, what + ": " + why + ".");
+}
+
+// Files that belong to an index and must not outlive it, whether this run wrote them or not.
+bool IsIndexFile(const std::string& name) {
+  return name == "settings.vdat" ||
+         (name.starts_with("vela_") && name.ends_with(".vdat") && name != "vela_recommended.vdat");
+}
+
+void LinkOrCopy(const fs::path& from, const fs::path& to);
+
+void CarryFolder(const fs::path& from, const fs::path& to) {
+  fs::create_directory(to, from);  // with its permissions
+  for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
+    LinkOrCopy(entry.path(), to / entry.path().filename());
+  }
+}
+
+void LinkOrCopy(const fs::path& from, const fs::path& to) {
+  switch (fs::symlink_status(from).type()) {
+    case fs::file_type::symlink:
+      fs::copy_symlink(from, to);
+      break;
+    case fs::file_type::directory:
+      CarryFolder(from, to);
+      break;
+    case fs::file_type::regular: {
+      // A link keeps the file itself: a log that is being written goes on in the new folder.
+      std::error_code error;
+      fs::create_hard_link(from, to, error);
+      if (error) fs::copy_file(from, to);
+      break;
+    }
+    default:
+      break;  // pipes and sockets have no place in an index folder
+  }
+}
+
+}  // namespace
+
+IndexFolder::IndexFolder(const fs::path& target) {
+  std::error_code error;
+  target_ = fs::weakly_canonical(fs::absolute(target), error);
+  if (error) Fail("Cannot use " + target.string() + " for --out", error.message());
+  if (!target_.has_filename()) target_ = target_.parent_path();
+  const fs::path parent = target_.parent_path();
+  if (fs::exists(target_) && !fs::is_directory(target_)) {
+    Fail("Cannot use " + target_.string() + " for --out", "it exists and is no folder");
+  }
+  if (!fs::is_directory(parent)) {
+    Fail("Cannot use " + target_.string() + " for --out",
+         "the folder " + parent.string() + " does not exist. Make it first");
+  }
+  std::string name = (parent / ("." + target_.filename().string() + ".new-XXXXXX")).string();
+  if (mkdtemp(name.data()) == nullptr) {
+    Fail("Cannot make a folder in " + parent.string(), strerror(errno));
+  }
+  fresh_ = name;
+}
+
+IndexFolder::~IndexFolder() {
+  std::error_code ignored;
+  if (!fresh_.empty()) fs::remove_all(fresh_, ignored);
+}
+
+bool IndexFolder::OldHas(const std::string& name) const {
+  std::error_code ignored;
+  return fs::exists(target_ / name, ignored);
+}
+
+void IndexFolder::CarryOver() {
+  for (const fs::directory_entry& entry : fs::directory_iterator(target_)) {
+    const std::string name = entry.path().filename().string();
+    if (IsIndexFile(name) || fs::exists(fs::symlink_status(fresh_ / name))) continue;
+    LinkOrCopy(entry.path(), fresh_ / name);
+  }
+}
+
+void IndexFolder::Commit() {
+  try {
+    const bool replaces = fs::exists(target_);
+    struct stat info = {};
+    mode_t mode = 0755;
+    if (replaces) {
+      CarryOver();
+      if (stat(target_.c_str(), &info) == 0) mode = info.st_mode & 07777;
+    } else {
+      const mode_t mask = umask(0);
+      umask(mask);
+      mode = 0777 & ~mask;
+    }
+    if (chmod(fresh_.c_str(), mode) != 0)
+      Fail("Cannot prepare " + fresh_.string(), strerror(errno));
+    if (!replaces) {
+      fs::rename(fresh_, target_);
+      fresh_.clear();
+    } else if (renameat2(AT_FDCWD, fresh_.c_str(), AT_FDCWD, target_.c_str(), RENAME_EXCHANGE) !=
+               0) {
+      // A file system that cannot exchange: the old folder steps aside for a moment.
+      const fs::path aside = fresh_.string() + ".old";
+      fs::rename(target_, aside);
+      std::error_code error;
+      fs::rename(fresh_, target_, error);
+      if (error) {
+        fs::rename(aside, target_);
+        Fail("Cannot put the index into " + target_.string(), error.message());
+      }
+      fresh_ = aside;
+    }
+    // What is left under the temporary name is the old index; the destructor removes it.
+  } catch (const fs::filesystem_error& error) {
+    Fail("Cannot put the index into " + target_.string(), error.what());
+  }
+}
+
+}  // namespace vela::indexer

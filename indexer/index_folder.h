@@ -1,0 +1,40 @@
+// index_folder.h: the folder that the index is written to, and how it takes the place of the old.
+//
+// Everything is written to a new folder beside the target. When it is complete, files of the old
+// folder that the indexer does not write (search.cgi, logs/, an edited template or language file,
+// pictures ...) are carried over as links to the same files, and the two folders change places in
+// one step. A search that runs meanwhile sees the old index or the new one, never a mixture; a run
+// that fails leaves the old one as it was.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace vela::indexer {
+
+class IndexFolder {
+ public:
+  // Makes the new folder. `target` need not exist; its parent must. Throws IndexError.
+  explicit IndexFolder(const std::filesystem::path& target);
+  // Removes what was not put into place.
+  ~IndexFolder();
+  IndexFolder(const IndexFolder&) = delete;
+  IndexFolder& operator=(const IndexFolder&) = delete;
+
+  // Where to write.
+  const std::filesystem::path& fresh() const { return fresh_; }
+  // Where the index will be; absolute, links resolved.
+  const std::filesystem::path& target() const { return target_; }
+  // Whether the old folder has a file of that name.
+  bool OldHas(const std::string& name) const;
+  // Puts the new folder into place and removes the old one.
+  void Commit();
+
+ private:
+  void CarryOver();
+
+  std::filesystem::path target_;
+  std::filesystem::path fresh_;
+};
+
+}  // namespace vela::indexer

@@ -1,0 +1,56 @@
+// page_table_writer.h: vela_pageinfo.vdat and vela_pagedata.vdat, read by src/index/page_info.h and
+// page_data.h.
+//
+//   page info, one record a page, no header:
+//   offset  size  field
+//   0       2     recordLength (17)
+//   2       5     dataOffset, of the page's line in the page data
+//   7       4     fileSize, bytes
+//   11      4     dateTime, seconds since 1970, 0 for none
+//   15      1     boost, tenths; 0 leaves scores as they are
+//   16      1     fileType
+//
+//   page data, one line a page: URL|title|description|image|
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "indexer/out_file.h"
+
+namespace vela::indexer {
+
+enum class FileType : uint8_t { kHtml = 0, kText = 1 };  // below FileTypePluginStart
+
+struct PageEntry {
+  std::string address;      // as StoredAddress made it, at most kMaxAddressBytes
+  std::string title;        // plain text
+  std::string description;  // plain text
+  uint64_t fileSize = 0;
+  int64_t modifiedTime = 0;
+  FileType fileType = FileType::kHtml;
+};
+
+class PageTableWriter {
+ public:
+  PageTableWriter(const std::filesystem::path& info, const std::filesystem::path& data);
+  void AddPage(const PageEntry& page);
+  struct Sizes {
+    uint64_t infoBytes = 0;  // PageInfoSize
+    uint64_t dataBytes = 0;
+  };
+  Sizes Finish();
+
+ private:
+  OutFile info_;
+  OutFile data_;
+};
+
+// Plain text for a field of the page data: safe in HTML, on one line, without "|", at most
+// `maxBytes` bytes. A longer text is cut at a word, or at a character where a word is too long, and
+// ends in an ellipsis.
+std::string StoredText(std::string_view text, size_t maxBytes);
+
+}  // namespace vela::indexer

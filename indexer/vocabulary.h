@@ -1,0 +1,62 @@
+// vocabulary.h: the words of the site while it is read.
+//
+// It stays in memory for the whole run, at about 60 bytes a word, as the search program holds the
+// finished dictionary too. Words are numbered in the order of their first appearance; the numbers
+// of the index files are given at the end (DictionaryOrder).
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+namespace vela::indexer {
+
+constexpr uint32_t kNone32 = 0xFFFFFFFF;
+constexpr size_t kMaxVariants = 255;      // of a word: the token's last byte numbers them
+constexpr size_t kMaxVariantBytes = 126;  // each
+
+struct Variant {
+  const char* text = nullptr;  // owned by the vocabulary
+  uint32_t next = kNone32;     // the word's next variant, in order of first appearance
+  uint8_t length = 0;
+};
+
+struct Word {
+  const char* text = nullptr;   // owned by the vocabulary
+  uint32_t pageCount = 0;       // pages that it finds
+  uint32_t lastPage = kNone32;  // the page that counted it last ...
+  uint32_t slot = 0;            // ... and its place among that page's words
+  uint32_t firstVariant = kNone32;
+  uint32_t lastVariant = kNone32;
+  uint8_t length = 0;
+  uint8_t variantCount = 0;
+};
+
+inline std::string_view TextOf(const Word& word) { return {word.text, word.length}; }
+inline std::string_view TextOf(const Variant& variant) { return {variant.text, variant.length}; }
+
+struct Vocabulary {
+  std::vector<Word> words;
+  std::vector<Variant> variants;
+  std::vector<uint32_t> table;  // open addressing; kNone32 marks a free place
+  std::vector<std::unique_ptr<char[]>> blocks;
+  size_t blockUsed = 0;
+};
+
+// The number of `base` (at most kMaxWordBytes bytes), which is added when it is new.
+uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base);
+
+// The variant byte of `surface` for this word: 0 for the word itself, its place from 1 on among the
+// variants, to which it is added when it is new; 0 as well when there is no more room for it.
+uint8_t FindOrAddVariant(Vocabulary& vocabulary, uint32_t word, std::string_view surface);
+
+// Bytes that the vocabulary takes, nearly.
+size_t MemoryOf(const Vocabulary& vocabulary);
+
+// The words in the order of the dictionary: those on more pages first, so that the search, which
+// goes through the dictionary from its start, meets common words early and the few that are rare
+// late; by their bytes among equals.
+std::vector<uint32_t> DictionaryOrder(const Vocabulary& vocabulary);
+
+}  // namespace vela::indexer

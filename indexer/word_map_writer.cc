@@ -1,0 +1,39 @@
+#include "indexer/word_map_writer.h"
+
+#include "indexer/out_file.h"
+#include "indexer/score.h"
+
+namespace vela::indexer {
+
+WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
+                           const Vocabulary& vocabulary, const std::vector<PageFacts>& pages,
+                           size_t tokenBytes) {
+  WordMapResult result;
+  result.offsets.assign(vocabulary.words.size(), 0);
+  ScoreContext context;
+  context.pages = static_cast<uint32_t>(pages.size());
+  double words = 0;
+  for (const PageFacts& page : pages) words += page.bodyWords;
+  context.averageWords = pages.empty() ? 0 : words / static_cast<double>(pages.size());
+  OutFile file(path);
+  uint32_t current = kNone32;
+  postings.ForEachSorted([&](const Posting& posting) {
+    if (posting.word != current) {
+      current = posting.word;
+      context.pagesWithWord = vocabulary.words[current].pageCount;
+      result.offsets[current] = file.size();
+      file.WriteNumber(context.pagesWithWord, 4);
+    }
+    const PageFacts& page = pages[posting.page];
+    context.pageWords = page.bodyWords;
+    context.titleWords = page.titleWords;
+    file.WriteNumber(WordScore(posting, context), 1);
+    file.WriteNumber(posting.blocks, 1);
+    file.WriteNumber(posting.page, 3);
+    file.WriteNumber((page.firstToken + posting.token) * tokenBytes, 5);
+  });
+  result.fileBytes = file.Finish();
+  return result;
+}
+
+}  // namespace vela::indexer
