@@ -1,0 +1,174 @@
+// damage_test.cc: whatever bytes an index directory holds, a request ends with an answer.
+//
+// One file of a small valid directory at a time is cut, changed byte by byte, or has its numbers
+// replaced; the program must write something, end by itself with status 0 or 1, in time, and
+// without taking more memory than such small files call for.
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/index_builder.h"
+#include "support/recipe.h"
+#include "support/run_program.h"
+#include "support/scratch_directory.h"
+
+namespace vela::support {
+namespace {
+
+const std::filesystem::path kProgram = VELA_SEARCH_PROGRAM;
+const std::filesystem::path kRecipe = VELA_DAMAGE_RECIPE;
+
+// A process under the sanitizers takes much longer to start.
+const size_t kMostRuns = IsSanitized() ? 120 : 700;  // of one kind of damage to one file
+constexpr int64_t kMostKilobytes = 96 * 1024;
+
+// They take turns, so that each kind of damage meets each of them.
+constexpr const char* kQueries[] = {
+    "vela_query=apple+%22pear+plum%22+pea*&vela_cat[]=0&vela_cat[]=1",
+    "vela_query=apple+pear&vela_xml=1&masternode=1&vela_sort=1",
+    "vela_query=plam&vela_datefrom=1/1/2000&vela_dateto=1/1/2010",
+    "vela_query=&year=1999&colour=0",
+    "vela_query=big+-plum+site:a&vela_and=1&vela_sort=2",
+};
+constexpr const char* kSuggestionQuery = "vela_ac=1&vela_query=ap";
+
+IndexBuilder Everything() {
+  IndexBuilder index;
+  ApplyRecipe(ReadWholeFile(kRecipe), kRecipe.parent_path(), index);
+  return index;
+}
+
+// A valid directory in which one file at a time is replaced.
+class DamagedIndex {
+ public:
+  explicit DamagedIndex(std::string name) : name_(std::move(name)) {
+    const IndexBuilder index = Everything();
+    index.WriteTo(scratch_.path());
+    whole_ = index.Files().at(name_);
+  }
+
+  const std::string& whole() const { return whole_; }
+
+  // Answers one request with `bytes` in the file's place.
+  void Try(std::string_view bytes, const std::string& what) {
+    std::ofstream(scratch_.path() / name_, std::ios::binary | std::ios::trunc) << bytes;
+    const bool suggestions = name_.starts_with("vela_autocomplete");
+    const char* query = suggestions ? kSuggestionQuery : kQueries[runs_ % std::size(kQueries)];
+    ++runs_;
+    const Outcome outcome = RunProgram(kProgram, GetRequest(scratch_.path(), query));
+    SCOPED_TRACE(name_ + ": " + what + ", asked for " + query);
+    EXPECT_TRUE(outcome.exitStatus == 0 || outcome.exitStatus == 1) << DescribeEnd(outcome);
+    EXPECT_FALSE(outcome.output.empty());
+    EXPECT_EQ(outcome.errorOutput, "");
+    if (!IsSanitized()) {
+      EXPECT_LT(outcome.residentKilobytes, kMostKilobytes);
+    }
+  }
+
+ private:
+  std::string name_;
+  std::string whole_;
+  ScratchDirectory scratch_;
+  size_t runs_ = 0;
+};
+
+// The distance between two tries that keeps `tries` of them within the limit; odd, so that it does
+// not fall into step with records and lines.
+size_t Stride(size_t tries) { return tries / kMostRuns < 1 ? 1 : tries / kMostRuns * 2 + 1; }
+
+std::vector<std::string> FileNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, bytes] : Everything().Files()) {
+    if (name.ends_with(".vdat") || name == "search_template.html") names.push_back(name);
+  }
+  return names;
+}
+
+std::string TestName(const ::testing::TestParamInfo<std::string>& info) {
+  return info.param.substr(0, info.param.find('.'));
+}
+
+class Damage : public ::testing::TestWithParam<std::string> {};
+INSTANTIATE_TEST_SUITE_P(Files, Damage, ::testing::ValuesIn(FileNames()), TestName);
+
+TEST_P(Damage, WholeFileIsAnswered) {
+  DamagedIndex index(GetParam());
+  for (size_t i = 0; i < std::size(kQueries); ++i) index.Try(index.whole(), "nothing changed");
+}
+
+TEST_P(Damage, CutAtEveryLength) {
+  DamagedIndex index(GetParam());
+  const std::string& whole = index.whole();
+  const size_t stride = Stride(whole.size());
+  for (size_t length = 0; length < whole.size(); length += stride) {
+    index.Try(std::string_view(whole).substr(0, length), "cut to " + std::to_string(length));
+  }
+}
+
+TEST_P(Damage, EveryByteChanged) {
+  constexpr unsigned char kMasks[] = {0x01, 0x80, 0xFF, 0x20};
+  DamagedIndex index(GetParam());
+  const std::string& whole = index.whole();
+  const size_t tries = whole.size() * (std::size(kMasks) + 1);
+  for (size_t i = 0; i < tries; i += Stride(tries)) {
+    const size_t at = i / (std::size(kMasks) + 1);
+    const size_t kind = i % (std::size(kMasks) + 1);
+    std::string bytes = whole;
+    const auto old = static_cast<unsigned char>(bytes[at]);
+    bytes[at] = kind < std::size(kMasks) ? static_cast<char>(old ^ kMasks[kind]) : '\0';
+    index.Try(bytes, "byte " + std::to_string(at) + ", change " + std::to_string(kind));
+  }
+}
+
+TEST_P(Damage, EveryWordOfBytesHuge) {
+  const std::string huge[] = {"\xFF\xFF\xFF\x7F", "\xFF\xFF\xFF\xFF", std::string(4, '\0')};
+  DamagedIndex index(GetParam());
+  const std::string& whole = index.whole();
+  if (whole.size() < 4) return;
+  const size_t tries = (whole.size() - 3) * std::size(huge);
+  for (size_t i = 0; i < tries; i += Stride(tries)) {
+    std::string bytes = whole;
+    bytes.replace(i / std::size(huge), 4, huge[i % std::size(huge)]);
+    index.Try(bytes, "four bytes at " + std::to_string(i / std::size(huge)));
+  }
+}
+
+// Text files: every run of digits becomes a number nobody would write.
+TEST_P(Damage, EveryNumberReplaced) {
+  constexpr const char* kNumbers[] = {
+      "-1", "0", "-2147483648", "2147483647", "99999999999", "18446744073709551615", "65536", "x"};
+  DamagedIndex index(GetParam());
+  const std::string& whole = index.whole();
+  struct Run {
+    size_t at;
+    size_t length;
+  };
+  std::vector<Run> digits;
+  const auto isDigit = [&whole](size_t i) {
+    return isdigit(static_cast<unsigned char>(whole[i])) != 0;
+  };
+  for (size_t i = 0; i < whole.size(); ++i) {
+    if (!isDigit(i)) continue;
+    size_t end = i;
+    while (end < whole.size() && isDigit(end)) ++end;
+    digits.push_back({i, end - i});
+    i = end;
+  }
+  const size_t tries = digits.size() * std::size(kNumbers);
+  for (size_t i = 0; i < tries; i += Stride(tries)) {
+    const Run& run = digits[i / std::size(kNumbers)];
+    std::string bytes = whole;
+    bytes.replace(run.at, run.length, kNumbers[i % std::size(kNumbers)]);
+    index.Try(bytes, std::string("number at ") + std::to_string(run.at) + " becomes " +
+                         kNumbers[i % std::size(kNumbers)]);
+  }
+}
+
+}  // namespace
+}  // namespace vela::support

@@ -1,0 +1,147 @@
+"""Worked examples that hold the model itself to account; run with python3 model_test.py."""
+import unittest
+
+import vela_index
+import vela_page
+import vela_query
+import vela_search
+import vela_text
+from vela_index import Settings
+
+
+class Settled(Settings):
+    def __init__(self, **values):
+        super().__init__(b"x")
+        for key, value in values.items():
+            setattr(self, key, value)
+
+
+class Texts(unittest.TestCase):
+    def test_escape(self):
+        self.assertEqual(vela_text.html_escape(b"a<b & 'c'"), b"a&#60;b &#38; &#39;c&#39;")
+        self.assertEqual(vela_text.html_escape(b"ab<", 7), b"ab")
+        self.assertEqual(vela_text.html_escape(b"ab<", 8), b"ab&#60;")
+
+    def test_url_encode(self):
+        self.assertEqual(vela_text.url_encode(b"a b/c"), b"a+b%2Fc")
+        self.assertEqual(vela_text.url_encode(b"x\ty"), b"x%9")
+
+    def test_wildcard(self):
+        match = vela_text.wildcard
+        self.assertFalse(match(b"Ca*", b"cat", False))
+        self.assertTrue(match(b"Ca*", b"cat", True))
+        self.assertTrue(match(b"c?t", b"cut", False))
+        self.assertFalse(match(b"c?t", b"cart", False))
+        self.assertTrue(match(b"*art*", b"artist", False))
+        self.assertTrue(match(b"*a*b", b"aaab", False))
+        self.assertFalse(match(b"*a*b", b"aaabc", False))
+
+    def test_lower(self):
+        self.assertEqual(vela_text.lower_utf8("ÉΣЖ".encode()), "éσж".encode())
+        self.assertEqual(vela_text.lower_utf8("İx".encode()), b"i\xb0x")
+        self.assertEqual(vela_text.lower_utf8("πр".encode()), "πр".encode())
+        self.assertEqual(vela_text.lower_utf8(b"\xc3A"), b"\xc3A")
+        self.assertEqual(vela_text.lower_utf8(b"\xe9AB\xff C"), b"\xe9AB\xff c")
+        self.assertEqual(vela_text.lower(False, b"\xc9A"), b"\xc9a")
+
+    def test_join_characters(self):
+        self.assertEqual(vela_text.encode_join(b"a-b", b"-"), b"a&#45;b")
+        self.assertEqual(vela_text.decode_join(b"a&#45;b", b"-"), b"a-b")
+        self.assertEqual(vela_text.encode_join(b"\xe9", b"\xe9"), b"&#-23;")
+        self.assertEqual(vela_text.decode_join(b"a&#;b", b"-"), b"a")
+        self.assertEqual(vela_text.decode_join(b"a&#x2d;b", b"-"), b"a-b")
+        self.assertEqual(vela_text.decode_join(b"a&#x2g;b", b"-"), b"a")
+        self.assertEqual(vela_text.encode_join(b"&#45;", b"&#"), b"&#45;")
+
+
+class Forms(unittest.TestCase):
+    def pairs(self, raw):
+        form = vela_query.Form(raw)
+        return [(form.text(n), form.text(v)) for n, v in form.pairs]
+
+    def test_split(self):
+        self.assertEqual(self.pairs(b"q=a%3Db"), [(b"q", b"a"), (b"a", b"b")])
+        self.assertEqual(self.pairs(b"x&y=1"), [(b"x&y", b"1")])
+        self.assertEqual(self.pairs(b"nothing"), [])
+        self.assertEqual(self.pairs(b"a=1&a=2"), [(b"a", b"1"), (b"a", b"2")])
+        self.assertEqual(self.pairs(b"a=%4"), [(b"a", b"@")])
+        self.assertEqual(self.pairs(b"a=x%&b=1"), [(b"a", b"x"), (b"b", b"1")])
+        self.assertEqual(self.pairs(b"a=%G1"), [(b"a", b"\x01")])
+
+    def test_numbers(self):
+        form = vela_query.Form(b"a=++-7&b=-&c=7+days&d=abc&e=%2B5&f=99999999999")
+        found = [form.integer(n, None) for n in (b"a", b"b", b"c", b"d", b"e", b"f", b"g")]
+        self.assertEqual(found, [-7, None, 7, None, 5, 2147483647, None])
+
+    def test_list(self):
+        form = vela_query.Form(b"c[]=2&c[]=9&c[]=3")
+        self.assertEqual(form.integers(b"c[]", 5, 5), [2, 3])
+        self.assertIsNone(vela_query.Form(b"c[]=9&c[]=3").integers(b"c[]", 5, 5))
+
+
+class Queries(unittest.TestCase):
+    def terms(self, query, **values):
+        s = Settled(**values)
+        return vela_query.split_terms(vela_query.normalise(s, query))[0]
+
+    def test_terms(self):
+        self.assertEqual(self.terms(b"g++ -cats e-mail"), [b"g++", b"e", b"mail", b"-cats"])
+        self.assertEqual(self.terms(b"site:example time:now"), [b"site:example", b"time", b"now"])
+        self.assertEqual(self.terms(b'"new york" x', AllowExactPhrase=1), [b"new york", b"x"])
+        self.assertEqual(self.terms(b"   "), [])
+        self.assertEqual(self.terms(b"word,", WordJoinChars=b","), [b"word"])
+        self.assertEqual(self.terms(b'-"a b" c', AllowExactPhrase=1), [b"c", b"-a b"])
+        self.assertEqual(self.terms(b"a--b"), [b"a", b"-b"])
+        self.assertEqual(self.terms(b"c# d#e"), [b"c#", b"d", b"e"])
+        self.assertEqual(self.terms(b'x""', AllowExactPhrase=1), [b""])
+
+
+class Sounds(unittest.TestCase):
+    def test_keys(self):
+        keys = {b"gnome": b"NM", b"Wright": b"RT", b"school": b"SKL", b"nation": b"NXN",
+                b"thing": b"0NK", b"xylo": b"SL", b"bomb": b"BM", b"edge": b"EJ",
+                b"laugh": b"LK", b"fuzzy": b"FS", b"science": b"SNS", b"what": b"WT",
+                b"12": b"", b"accept": b"AKSPT", b"aerial": b"ERL", b"sign": b"SN"}
+        for word, key in keys.items():
+            self.assertEqual(vela_search.sound_key(word), key, word)
+
+
+class Tokens(unittest.TestCase):
+    def all(self, text, join=b""):
+        out, at = [], 0
+        while True:
+            kind, token, at = vela_page.next_token(text, at, join)
+            if not kind:
+                return out
+            out.append(token)
+
+    def test_tokens(self):
+        self.assertEqual(self.all(b"The cat."), [b"The", b" ", b"cat", b"."])
+        self.assertEqual(self.all(b"e-mail- x", b"-"), [b"e-mail", b"-", b" ", b"x"])
+        self.assertEqual(self.all(b"a&#39;b"), [b"a", b"&#39;", b"b"])
+        self.assertEqual(self.all(b"w" * 401 + b" x"), [b"w" * 400])
+
+
+class Scores(unittest.TestCase):
+    def test_days(self):
+        days = vela_search.days_from_civil
+        self.assertEqual(days(1970, 1, 1), 0)
+        self.assertEqual(days(2000, 3, 1), 11017)
+        self.assertEqual(days(2010, 13, 1), days(2011, 1, 1))
+        self.assertEqual(days(2010, 2, 31), days(2010, 3, 3))
+
+    def test_money(self):
+        self.assertEqual([vela_search.money(t) for t in (b"12.50", b"-3.5", b"1.256", b"7", b"5e3")],
+                         [1250, -350, 126, 700, 500])
+
+    def test_end_of_page_text(self):
+        text = vela_index.PageText(bytes(range(1, 9)), 3)
+        text.seek(0)
+        self.assertEqual(text.token(), (3, 0x0201, 3))
+        self.assertTrue(text.eof)
+        self.assertEqual(text.token(), (3, 0x0504, 6))
+        self.assertEqual(text.token(), (0, 0, 0))
+
+
+if __name__ == "__main__":
+    unittest.main()
