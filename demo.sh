@@ -1,0 +1,117 @@
+#!/usr/bin/env bash
+# Builds the search, indexes a site and serves it with its search on this machine.
+#   ./demo.sh [--once] [--site DIR] [--port N] [--query Q]
+#     --once     ask the server one search, print the page it answers and end
+#     --site     the folder of HTML and text files to index (default: examples/library/site)
+#     --port     the port to use when it is free (default: 8080)
+#     --query    the words to search for with --once, or to open the search with
+# Everything is built in build/; packages are installed only when they are missing.
+set -euo pipefail
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+
+site=$project/examples/library/site
+template=$project/examples/library/search_template.html
+query="summer reading"
+port=8080
+once=
+
+usage() {
+  sed -n '2,/^[^#]/s/^# \{0,1\}//p' "$0"
+}
+say() {
+  echo "$@" >&2  # standard output is for the page of --once
+}
+while [ $# -gt 0 ]; do
+  case $1 in
+    --once) once=1 ;;
+    --site | --port | --query)
+      [ $# -ge 2 ] || { say "$1 needs a value"; exit 2; }
+      case $1 in
+        --site) site=$2 template=$project/assets/search_template.html ;;
+        --port) port=$2 ;;
+        --query) query=$2 ;;
+      esac
+      shift
+      ;;
+    -h | --help) usage; exit 0 ;;
+    *) usage >&2; exit 2 ;;
+  esac
+  shift
+done
+[ -d "$site" ] || { say "There is no folder $site"; exit 2; }
+site=$(realpath "$site")
+[[ $port =~ ^[0-9]{1,5}$ && $((10#$port)) -ge 1024 && $((10#$port)) -le 65535 ]] || {
+  say "The port must be a number from 1024 to 65535"
+  exit 2
+}
+port=$((10#$port))
+
+cd "$project"
+scripts/install_packages.sh build serve
+
+say "Building ..."
+mkdir -p build/demo
+log=build/demo/build.log
+if ! { cmake --preset release &&
+  cmake --build --preset release -j "$(nproc)" --target vela_search vela_index; } >$log 2>&1; then
+  tail -40 $log >&2
+  exit 1
+fi
+
+say "Indexing $site ..."
+index=build/demo/index
+rm -rf $index
+build/release/bin/vela_index --site "$site" --base-url / --out $index --template "$template" >&2
+cp build/release/bin/vela_search $index/search.cgi
+
+# The first free port from the wanted one on.
+port_answers() {
+  (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
+}
+wanted=$port
+while port_answers $port; do
+  port=$((port < 65535 ? port + 1 : 1024))
+  [ $port -ne $((wanted + 100)) ] || { say "No free port near $wanted"; exit 1; }
+done
+[ $port -eq $wanted ] || say "Port $wanted is taken; using $port."
+
+scripts/lighttpd_config.sh "$site" $index $port >build/demo/lighttpd.conf
+server_log=$PWD/build/demo/server.log
+PATH=$PATH:/usr/sbin lighttpd -D -f build/demo/lighttpd.conf 2>"$server_log" &
+server=$!
+stop() {
+  trap - EXIT INT TERM
+  kill $server 2>/dev/null || true
+  wait $server 2>/dev/null || true
+}
+trap stop EXIT
+trap 'stop; say; say "Stopped."; exit 0' INT TERM
+
+for _ in $(seq 100); do
+  port_answers $port && break
+  kill -0 $server 2>/dev/null || break
+  sleep 0.05
+done
+if ! kill -0 $server 2>/dev/null || ! port_answers $port; then
+  say "The web server did not start:"
+  cat "$server_log" >&2
+  exit 1
+fi
+
+address=http://127.0.0.1:$port
+if [ -n "$once" ]; then
+  say "Asking $address/search/search.cgi for: $query"
+  curl -sS --fail --noproxy 127.0.0.1 --get --data-urlencode "vela_query=$query" \
+    "$address/search/search.cgi"
+  exit 0
+fi
+say
+say "The site:    $address/"
+say "Its search:  $address/search/search.cgi?vela_query=$(printf %s "$query" |
+  sed 's/%/%25/g; s/+/%2B/g; s/ /+/g; s/&/%26/g; s/#/%23/g; s/"/%22/g')"
+say "Press Ctrl-C to stop."
+wait $server || {
+  say "The web server ended:"
+  cat "$server_log" >&2
+  exit 1
+}
