@@ -145,19 +145,55 @@ int main(int argc, char** argv) {
   number("PageInfoSize", pageInfo.size());
   number("OutputBasewordBufferSize", baseBytes);
   number("OutputVariantBufferSize", variantBytes + 1);
-  for (const char* key :
-       {"FORM_SEARCHFOR", "FORM_SUBMIT_BUTTON", "FORM_RESULTS_PER_PAGE", "FORM_CATEGORY",
-        "FORM_CATEGORY_ALL", "FORM_MATCH", "FORM_ANY_SEARCH_WORDS", "FORM_ALL_SEARCH_WORDS",
-        "NO_QUERY", "RESULTS_FOR", "RESULTS_IN_ALL_CATEGORIES", "RESULTS_IN_CATEGORY", "POWEREDBY",
-        "NO_RESULTS", "RESULT", "RESULTS", "PHRASE_CONTAINS_COMMON_WORDS",
-        "SKIPPED_FOLLOWING_WORDS", "SKIPPED_PHRASE", "SUMMARY_NO_RESULTS_FOUND",
-        "SUMMARY_FOUND_CONTAINING_ALL_TERMS", "SUMMARY_FOUND_CONTAINING_SOME_TERMS",
-        "SUMMARY_FOUND", "PAGES_OF_RESULTS", "POSSIBLY_GET_MORE_RESULTS", "ANY_OF_TERMS",
-        "ALL_CATS", "SORTBY_RELEVANCE", "SORTEDBY_DATE", "SORTEDBY_RELEVANCE", "SORTBY_DATE",
-        "RESULT_TERMS_MATCHED", "RESULT_SCORE", "RESULT_URL", "RESULT_PAGES",
-        "RESULT_PAGES_PREVIOUS", "RESULT_PAGES_NEXT", "SEARCH_TOOK", "SECONDS", "DIDYOUMEAN", "OR",
-        "RECOMMENDED", "MAX_RESULTS", "MORETHAN", "CAT_SUMMARY", "SORTEDBY_DATE_ASC",
-        "FORM_DATE_FROM", "FORM_DATE_TO", "FORM_DATE_BUTTON"}) {
+  for (const char* key : {"FORM_SEARCHFOR",
+                          "FORM_SUBMIT_BUTTON",
+                          "FORM_RESULTS_PER_PAGE",
+                          "FORM_CATEGORY",
+                          "FORM_CATEGORY_ALL",
+                          "FORM_MATCH",
+                          "FORM_ANY_SEARCH_WORDS",
+                          "FORM_ALL_SEARCH_WORDS",
+                          "NO_QUERY",
+                          "RESULTS_FOR",
+                          "RESULTS_IN_ALL_CATEGORIES",
+                          "RESULTS_IN_CATEGORY",
+                          "POWEREDBY",
+                          "NO_RESULTS",
+                          "RESULT",
+                          "RESULTS",
+                          "PHRASE_CONTAINS_COMMON_WORDS",
+                          "SKIPPED_FOLLOWING_WORDS",
+                          "SKIPPED_PHRASE",
+                          "SUMMARY_NO_RESULTS_FOUND",
+                          "SUMMARY_FOUND_CONTAINING_ALL_TERMS",
+                          "SUMMARY_FOUND_CONTAINING_SOME_TERMS",
+                          "SUMMARY_FOUND",
+                          "PAGES_OF_RESULTS",
+                          "POSSIBLY_GET_MORE_RESULTS",
+                          "ANY_OF_TERMS",
+                          "ALL_CATS",
+                          "SORTBY_RELEVANCE",
+                          "SORTEDBY_DATE",
+                          "SORTEDBY_RELEVANCE",
+                          "SORTBY_DATE",
+                          "RESULT_TERMS_MATCHED",
+                          "RESULT_SCORE",
+                          "RESULT_URL",
+                          "RESULT_PAGES",
+                          "RESULT_PAGES_PREVIOUS",
+                          "RESULT_PAGES_NEXT",
+                          "SEARCH_TOOK",
+                          "SECONDS",
+                          "DIDYOUMEAN",
+                          "OR",
+                          "RECOMMENDED",
+                          "MAX_RESULTS",
+                          "MORETHAN",
+                          "CAT_SUMMARY",
+                          "SORTEDBY_DATE_ASC",
+                          "FORM_DATE_FROM",
+                          "FORM_DATE_TO",
+                          "FORM_DATE_BUTTON"}) {
     settings += std::string("STR_") + key + " = \"" + key + "\"\n";
   }
 
@@ -167,7 +203,8 @@ int main(int argc, char** argv) {
   WriteFile(directory / "vela_pageinfo.vdat", pageInfo);
   WriteFile(directory / "vela_pagedata.vdat", pageData);
   WriteFile(directory / "vela_pagetext.vdat", pageText);
-  WriteFile(directory / "search_template.html", "<html><head></head><body>\n<!--VELASEARCH-->\n</body></html>\n");
+  WriteFile(directory / "search_template.html",
+            "<html><head></head><body>\n<!--VELASEARCH-->\n</body></html>\n");
   // Two frequent words and one rare one, for the benchmarks' queries.
   printf("%s %s %s\n", MakeWord(3).c_str(), MakeWord(40).c_str(), MakeWord(words / 2).c_str());
   return 0;

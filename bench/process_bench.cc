@@ -4,17 +4,17 @@
 //
 // Prints the median wall time of both, their ratio, and the search program's peak memory.
 
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
-
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 
 namespace {
 
@@ -72,9 +72,10 @@ int main(int argc, char** argv) {
   }
   const double emptyTime = Median(empty.times);
   const double searchTime = Median(search.times);
-  printf("empty %.0f us, search %.0f us, ratio %.2f, difference %.0f us, peak memory %ld kB "
-         "(empty %ld kB), page faults %ld\n",
-         emptyTime, searchTime, searchTime / emptyTime, searchTime - emptyTime,
-         search.peakKilobytes, empty.peakKilobytes, search.minorFaults);
+  printf(
+      "empty %.0f us, search %.0f us, ratio %.2f, difference %.0f us, peak memory %ld kB "
+      "(empty %ld kB), page faults %ld\n",
+      emptyTime, searchTime, searchTime / emptyTime, searchTime - emptyTime, search.peakKilobytes,
+      empty.peakKilobytes, search.minorFaults);
   return 0;
 }

@@ -4,6 +4,8 @@
 //
 // Prints the median time of each stage in microseconds and, for the dictionary, the rate.
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -13,10 +15,8 @@
 #include <string>
 #include <vector>
 
-#include <fcntl.h>
-
-#include "request/search_context.h"
 #include "request/driver.h"
+#include "request/search_context.h"
 #include "settings/settings_file.h"
 
 namespace {
@@ -68,7 +68,8 @@ int main(int argc, char** argv) {
   });
   {
     vela::FileImage file;
-    if (file.Open(directory, vela::kDictionaryFileName, false)) dictionaryBytes = file.bytes().size();
+    if (file.Open(directory, vela::kDictionaryFileName, false))
+      dictionaryBytes = file.bytes().size();
   }
   size_t pageInfoBytes = 0;
   const double pageInfoTime = MedianMicroseconds(repeats, [&] {

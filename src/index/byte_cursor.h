@@ -7,7 +7,8 @@
 
 namespace vela {
 
-// The little-endian number of up to 8 bytes at `offset`; bytes beyond the end of `bytes` count as 0.
+// The little-endian number of up to 8 bytes at `offset`; bytes beyond the end of `bytes` count as
+// 0.
 inline uint64_t ReadLittleEndian(std::string_view bytes, size_t offset, size_t width) {
   uint64_t value = 0;
   for (size_t i = 0; i < width && offset + i < bytes.size(); ++i) {

@@ -54,7 +54,8 @@ void ReadNumbers(std::string_view rest, int64_t& offset, int32_t& variantCount) 
 // read without looking at the offset digit by digit.
 int32_t ReadVariantCount(std::string_view rest) {
   if (rest.size() >= 3 && rest[rest.size() - 2] == ' ' && rest.back() >= '0' &&
-      rest.back() <= '9' && rest[0] != ' ' && memchr(rest.data(), ' ', rest.size() - 2) == nullptr) {
+      rest.back() <= '9' && rest[0] != ' ' &&
+      memchr(rest.data(), ' ', rest.size() - 2) == nullptr) {
     return rest.back() - '0';
   }
   int64_t offset = 0;
@@ -123,6 +124,7 @@ DictionaryStatus Dictionary::Load(std::string_view bytes, const Settings& settin
 }
 
 DictionaryStatus Dictionary::ReadLines(const Settings& settings, Response& response) {
+  if (bytes_.empty()) return DictionaryStatus::kOk;
   const bool mayHoldNul = memchr(bytes_.data(), '\0', bytes_.size()) != nullptr;
   const int64_t variantBlock = settings.OutputVariantBufferSize != 0
                                    ? settings.OutputVariantBufferSize
@@ -212,7 +214,8 @@ std::string_view Dictionary::WordAt(int32_t number) const {
 DictEntry Dictionary::EntryAt(int32_t number) const {
   DictEntry entry;
   entry.word = WordAt(number);
-  const auto behindWord = static_cast<size_t>(entry.word.data() - bytes_.data()) + entry.word.size();
+  const auto behindWord =
+      static_cast<size_t>(entry.word.data() - bytes_.data()) + entry.word.size();
   const size_t lineEnd = bytes_.find('\n', behindWord);
   entry.end = lineEnd + 1;
   const std::string_view line = UpToNul(bytes_.substr(behindWord, lineEnd - behindWord));

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "index/page_info.h"
+#include "index/recommended.h"
+#include "index/spelling.h"
 #include "output/response.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
@@ -13,9 +15,11 @@ inline constexpr char kWordMapFileName[] = "vela_wordmap.vdat";
 // Each file is open, and its bytes valid, from OpenIndexFiles until it is closed or released.
 struct IndexFiles {
   FileImage pageData;
+  RecommendedTies recommended;  // only with Recommended 1
   PageTable pages;
   FileImage pageText;  // only with DisplayContext or AllowExactPhrase 1
   FileImage wordMap;
+  SpellingTable spelling;  // only with Spelling 1
 };
 
 // Opens the files in order and checks them. False when one is missing or wrong: its message has

@@ -10,8 +10,7 @@ std::string_view LineAt(std::string_view file, uint64_t offset) {
   if (offset >= file.size()) return {};
   LineReader reader{file.substr(static_cast<size_t>(offset))};
   std::string_view line;
-  if (!ReadLine(reader, kPageDataLineLimit, line)) return {};
-  return UpToNul(line);
+  return ReadLine(reader, kPageDataLineLimit, line) ? line : std::string_view();
 }
 
 bool TakeField(std::string_view& line, std::string_view& field) {
@@ -24,8 +23,12 @@ bool TakeField(std::string_view& line, std::string_view& field) {
 
 }  // namespace
 
+uint64_t PageDataLineLength(std::string_view file, uint64_t offset) {
+  return LineAt(file, offset).size();
+}
+
 bool ReadPageData(std::string_view file, uint64_t offset, PageTexts& texts) {
-  std::string_view line = LineAt(file, offset);
+  std::string_view line = UpToNul(LineAt(file, offset));
   PageTexts read;
   texts = {};
   if (!TakeField(line, read.url) || !TakeField(line, read.title) ||
@@ -39,7 +42,7 @@ bool ReadPageData(std::string_view file, uint64_t offset, PageTexts& texts) {
 }
 
 bool ReadPageUrl(std::string_view file, uint64_t offset, std::string_view& url) {
-  std::string_view line = LineAt(file, offset);
+  std::string_view line = UpToNul(LineAt(file, offset));
   url = {};
   std::string_view field;
   if (!TakeField(line, field) || field.empty()) return false;

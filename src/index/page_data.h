@@ -23,6 +23,9 @@ struct PageTexts {
   std::string_view image;
 };
 
+// The bytes of the line at `offset`, its line feed included; 0 beyond the end of the file.
+uint64_t PageDataLineLength(std::string_view file, uint64_t offset);
+
 // Splits the line at `offset`. False, and all texts empty, when it lacks one of the four "|".
 [[nodiscard]] bool ReadPageData(std::string_view file, uint64_t offset, PageTexts& texts);
 

@@ -1,9 +1,11 @@
 // page_text.h: the text of every page as word numbers (`vela_pagetext.vdat`).
 //
 // Tokens of DictIDLen bytes without a header: the word number, little-endian, in all bytes but the
-// last, which numbers the spelling of the word.
+// last, which numbers the spelling of the word. 0 ends a page, 1 a run of text inside one; numbers
+// up to DictReservedLimit are punctuation. The indexer's writer of this file is in indexer/.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace vela {
@@ -14,5 +16,27 @@ inline constexpr char kPageTextFileName[] = "vela_pagetext.vdat";
 // without page text. Kept: at most six bytes are looked at, of which the seventh is then missing,
 // so that the answer is never yes.
 bool IsPageTextPlaceholder(std::string_view file);
+
+struct PageTextToken {
+  uint32_t word = 0;    // 0 at the end of the data
+  uint8_t variant = 0;  // of the word's spellings
+};
+
+// Reads tokens forward from a position. `atEnd` is the end-of-file flag of a stream that is read
+// 128 bytes at a time: raised by a read that comes up short, cleared by positioning.
+struct PageTextReader {
+  std::string_view file;
+  int32_t tokenSize = 0;   // DictIDLen; below 1 nothing is ever read
+  uint64_t position = 0;   // of the next token
+  uint64_t bufferEnd = 0;  // how far the stream has been read
+  bool atEnd = false;
+};
+
+// Positions the reader. Any position can be taken; beyond the end of the file there is no token.
+void SeekPageText(PageTextReader& reader, uint64_t position);
+
+// Reads the next token; the bytes consumed, 0 at the end of the data. Bytes at the end that make no
+// whole token are never returned.
+int32_t ReadPageTextToken(PageTextReader& reader, PageTextToken& token);
 
 }  // namespace vela

@@ -6,9 +6,9 @@
 //   list:    offset 0  4 bytes  count, signed; 0 or less: no records
 //            offset 4           count records
 //   record:  offset 0  1 byte   score
-//            offset 1  1 byte   proximity: bit 7-b is set when the word stands in block b of the page
-//            offset 2  3 bytes  page number
-//            offset 5  5 bytes  position of the occurrence in the page text file
+//            offset 1  1 byte   proximity: bit 7-b is set when the word stands in block b of the
+//            page offset 2  3 bytes  page number offset 5  5 bytes  position of the occurrence in
+//            the page text file
 //
 // The indexer's writer of this file is in indexer/.
 #pragma once
@@ -24,7 +24,7 @@ inline constexpr size_t kWordMapRecordSize = 10;
 inline constexpr int64_t kNoWordList = -1;  // the dictionary offset of a word without a list
 
 struct WordMapRecord {
-  uint8_t score = 0;
+  uint32_t score = 0;  // one byte in the file; a phrase adds those of its words
   uint8_t proximity = 0;
   uint32_t page = 0;      // 24 bits
   uint64_t position = 0;  // 40 bits
@@ -44,7 +44,7 @@ enum class WordListStatus { kOk, kSeekFailed, kMissingData };
 // Finds the list at `offset` of the word-map file. A failed seek has written its message; the other
 // failure writes nothing. `list` is empty unless kOk is returned, and then when the count is 0 or
 // less.
-[[nodiscard]] WordListStatus ReadWordList(Response& response, std::string_view file,
-                                          int64_t offset, WordList& list);
+[[nodiscard]] WordListStatus ReadWordList(Response& response, std::string_view file, int64_t offset,
+                                          WordList& list);
 
 }  // namespace vela

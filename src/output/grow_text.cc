@@ -52,7 +52,8 @@ int32_t GrowText::AppendFormatted(const char* format, va_list arguments) {
     int64_t grown = int64_t{capacity_} + capacity_ / 2;
     if (needed > grown) grown = needed + 1;
     if (grown > INT32_MAX) return -1;
-    char* text = static_cast<char*>(realloc(text_, static_cast<size_t>(grown)));
+    // The terminator gets a byte of its own: the text may fill the capacity.
+    char* text = static_cast<char*>(realloc(text_, static_cast<size_t>(grown) + 1));
     if (text == nullptr) return -1;
     text_ = text;
     capacity_ = static_cast<int32_t>(grown);

@@ -72,8 +72,6 @@ size_t UrlEncode(std::string_view text, char* out, size_t capacity) {
   return written;
 }
 
-bool IsUnsafeInAddress(char c) {
-  return IsControl(c) || memchr("\"'<>&\\", c, 6) != nullptr;
-}
+bool IsUnsafeInAddress(char c) { return IsControl(c) || memchr("\"'<>&\\", c, 6) != nullptr; }
 
 }  // namespace vela

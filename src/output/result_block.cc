@@ -6,9 +6,10 @@
 
 #include "index/meta_data.h"
 #include "index/page_data.h"
-#include "output/markup.h"
+#include "output/context_text.h"
+#include "output/highlighted.h"
+#include "output/target_url.h"
 #include "search/filters.h"
-#include "text/edit.h"
 #include "text/fixed_text.h"
 
 namespace vela {
@@ -32,36 +33,6 @@ struct Result {
 };
 
 int Length(std::string_view text) { return static_cast<int>(text.size()); }
-
-// The page's address with the query in it, so that the page can highlight its words.
-LinkText TargetUrl(const ResultBlocks& blocks, std::string_view url) {
-  const Settings& settings = blocks.settings;
-  LinkText target;
-  Set(target, url);
-  if (settings.GotoHighlight == 1) {
-    BuildUrl(target, url,
-             settings.SearchAsSubstring == 1 ? "vela_highlightsub=" : "vela_highlight=",
-             View(blocks.links.query));
-  }
-  if (settings.PdfHighlight == 1 &&
-      FindNoCase(url, ".pdf", settings.UseUTF8 == 1) != url.npos) {
-    QueryText words = blocks.query.text;
-    auto* end = std::remove(words.bytes, words.bytes + View(words).size(), '"');
-    *end = '\0';
-    Set(target, url);
-    Append(target, "#search=%22");
-    // Inside the address only what could end the attribute is encoded.
-    for (char c : View(words)) {
-      if (c != '\\' && IsUnsafeInAddress(c)) {
-        Appendf(target, "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
-      } else {
-        Append(target, {&c, 1});
-      }
-    }
-    Append(target, "%22");
-  }
-  return target;
-}
 
 // Calls `visit(name)` for each category that holds the page; false when the pages have no bit for
 // one of them.
@@ -128,6 +99,23 @@ void ForEachMetaValue(const ResultBlocks& blocks, uint32_t page, Visit visit) {
   }
 }
 
+// Adds a text of the page, with the words of the query marked.
+void AddText(OutputSections& sections, const ResultBlocks& blocks, std::string_view text) {
+  const Highlighted shown(text, blocks.settings, blocks.highlight);
+  AppendResults(sections, "%s", shown.text());
+}
+
+// Adds the passages around the matches; text as the dictionary holds it, safe for HTML.
+void AddContext(Response& response, OutputSections& sections, const ResultBlocks& blocks,
+                const Result& result) {
+  if (!blocks.showsContext) return;
+  PageTextReader text;
+  text.file = blocks.files.pageText.bytes();
+  text.tokenSize = blocks.settings.DictIDLen;
+  WriteContext(response, sections, {blocks.settings, blocks.dictionary, blocks.highlight, text},
+               result.entry, result.texts.title);
+}
+
 void AddImage(OutputSections& sections, const ResultBlocks& blocks, const Result& result) {
   if (blocks.settings.UseVelaImage != 1 || result.texts.image.empty()) return;
   AppendResults(sections, "<div class=\"result_image\">");
@@ -144,9 +132,11 @@ bool AddTitle(OutputSections& sections, const ResultBlocks& blocks, const Result
     AppendResults(sections, "<b>%d.</b>&nbsp;", result.index + 1);
   }
   AppendResults(sections, "<a href=\"%s\" %s>", result.target.bytes, result.attribute);
-  const std::string_view title =
-      settings.DisplayTitle == 1 ? result.texts.title : result.texts.url;
-  AppendResults(sections, "%.*s", Length(title), title.data());
+  if (settings.DisplayTitle == 1) {
+    AddText(sections, blocks, result.texts.title);
+  } else {
+    AppendResults(sections, "%.*s", Length(result.texts.url), result.texts.url.data());
+  }
   AppendResults(sections, "</a>");
   if (settings.UseCats != 0) {
     AppendResults(sections, "<span class=\"category\">");
@@ -179,8 +169,7 @@ bool ShowsDescription(const ResultBlocks& blocks, const Result& result) {
 void AddDescription(OutputSections& sections, const ResultBlocks& blocks, const Result& result) {
   if (!ShowsDescription(blocks, result)) return;
   AppendResults(sections, "<div class=\"description\">");
-  AppendResults(sections, "%.*s", Length(result.texts.description),
-                result.texts.description.data());
+  AddText(sections, blocks, result.texts.description);
   AppendResults(sections, "</div>\n");
 }
 
@@ -221,8 +210,8 @@ void AddInfoLine(OutputSections& sections, const ResultBlocks& blocks, const Res
   if (settings.DisplayURL == 1) {
     StartPiece(line);
     const std::string_view url = result.texts.url;
-    const bool cut = settings.TruncateShowURL > 0 &&
-                     url.size() > static_cast<size_t>(settings.TruncateShowURL);
+    const bool cut =
+        settings.TruncateShowURL > 0 && url.size() > static_cast<size_t>(settings.TruncateShowURL);
     const std::string_view shown =
         cut ? url.substr(0, static_cast<size_t>(settings.TruncateShowURL)) : url;
     Appendf(line, "%s %.*s%s", Text(language, Str::kResultUrl), Length(shown), shown.data(),
@@ -231,13 +220,15 @@ void AddInfoLine(OutputSections& sections, const ResultBlocks& blocks, const Res
   AppendResults(sections, "<div class=\"infoline\">%s</div>\n", line.bytes);
 }
 
-BlockStatus AddBlock(OutputSections& sections, const ResultBlocks& blocks, const Result& result) {
+BlockStatus AddBlock(Response& response, OutputSections& sections, const ResultBlocks& blocks,
+                     const Result& result) {
   AppendResults(sections, result.index % 2 == 1 ? "<div class=\"result_altblock\">\n"
                                                 : "<div class=\"result_block\">\n");
   AddImage(sections, blocks, result);
   if (!AddTitle(sections, blocks, result)) return BlockStatus::kInvalidCategory;
   AddMetaValues(sections, blocks, result);
   AddDescription(sections, blocks, result);
+  AddContext(response, sections, blocks, result);
   AddInfoLine(sections, blocks, result);
   AppendResults(sections, "</div>\n");
   return BlockStatus::kOk;
@@ -255,7 +246,8 @@ void WriteItemDate(Response& response, const ResultBlocks& blocks, const Result&
   }
 }
 
-BlockStatus WriteItem(Response& response, const ResultBlocks& blocks, const Result& result) {
+BlockStatus WriteItem(Response& response, OutputSections& sections, const ResultBlocks& blocks,
+                      const Result& result) {
   const Settings& settings = blocks.settings;
   const PageTexts& texts = result.texts;
   WriteRaw(response, "<item>\n");
@@ -280,6 +272,7 @@ BlockStatus WriteItem(Response& response, const ResultBlocks& blocks, const Resu
     WriteOut(response, "<description>%.*s</description>\n", Length(texts.description),
              texts.description.data());
   }
+  AddContext(response, sections, blocks, result);
   if (settings.DisplayTerms == 1) {
     WriteOut(response, "<vela:termsMatched>%d</vela:termsMatched>\n",
              static_cast<int32_t>(result.entry.termsMatched));
@@ -304,25 +297,26 @@ BlockStatus WriteResultBlocks(Response& response, OutputSections& sections,
   const int64_t perPage = EffectivePerPage(blocks.request);
   const int64_t first = blocks.request.page > 1 ? perPage * (blocks.request.page - 1) : 0;
   const int64_t end = std::min<int64_t>(results.size(), first + perPage);
-  FixedText<2200> configuredAttribute;
-  if (blocks.settings.UseLinkTarget == 1) {
-    Appendf(configuredAttribute, "target=\"%s\"", blocks.settings.LinkTarget.bytes);
-  }
+  const LinkAttribute configuredAttribute = ConfiguredLinkAttribute(blocks.settings);
   for (int64_t i = first; i < end; ++i) {
-    Result result = {results.entries[static_cast<size_t>(i)], static_cast<int32_t>(i), {}, {},
+    Result result = {results.entries[static_cast<size_t>(i)],
+                     static_cast<int32_t>(i),
+                     {},
+                     {},
                      configuredAttribute.bytes};
     const PageTable& pages = blocks.files.pages;
     const uint32_t page = result.entry.page;
     if (!ReadPageData(blocks.files.pageData.bytes(), PageDataOffset(pages, page), result.texts)) {
       return BlockStatus::kCorruptPageData;
     }
-    result.target = TargetUrl(blocks, result.texts.url);
+    result.target = ResultTarget(blocks.settings, result.texts.url, View(blocks.links.query),
+                                 View(blocks.query.text));
     if (blocks.settings.PluginOpenNewWindow == 1 &&
         PageFileType(pages, page) >= blocks.settings.FileTypePluginStart) {
       result.attribute = "target=\"_blank\"";
     }
-    const BlockStatus status = response.xml ? WriteItem(response, blocks, result)
-                                            : AddBlock(sections, blocks, result);
+    const BlockStatus status = response.xml ? WriteItem(response, sections, blocks, result)
+                                            : AddBlock(response, sections, blocks, result);
     if (status != BlockStatus::kOk) return status;
   }
   return BlockStatus::kOk;

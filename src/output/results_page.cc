@@ -4,14 +4,15 @@
 
 #include "output/markup.h"
 #include "output/response_start.h"
+#include "text/edit.h"
 #include "text/numbers.h"
 
 namespace vela {
 
 namespace {
 
-constexpr int32_t kFewResults = 3;       // fewer lead to the offer of a broader search
-constexpr int64_t kPagesEachSide = 10;   // page links before and behind the current page
+constexpr int32_t kFewResults = 3;      // fewer lead to the offer of a broader search
+constexpr int64_t kPagesEachSide = 10;  // page links before and behind the current page
 constexpr size_t kEscapedTermSize = 5 * kQuerySize;
 
 bool SearchesSomeCategories(const Settings& settings, const SearchRequest& request) {
@@ -51,9 +52,9 @@ void AddSkippedTerms(OutputSections& sections, const ResultsPage& page) {
   const LanguageStrings& language = page.settings.language;
   AppendSection(sections, Section::kSummary, "%s ", Text(language, Str::kSkippedFollowingWords));
   for (int32_t i = 0; i < page.skipped.count; ++i) {
-    AppendSection(sections, Section::kSummary, "%s\"%s\"", i > 0 ? ", " : "",
-                  EscapedRequestText<kEscapedTermSize>(page.skipped.terms[static_cast<size_t>(i)])
-                      .bytes);
+    AppendSection(
+        sections, Section::kSummary, "%s\"%s\"", i > 0 ? ", " : "",
+        EscapedRequestText<kEscapedTermSize>(page.skipped.terms[static_cast<size_t>(i)]).bytes);
   }
   AppendSection(sections, Section::kSummary, "<br /><br />");
   if (page.query.hasPhrase && page.settings.AllowExactPhrase == 1) {
@@ -113,8 +114,7 @@ void WriteXmlCounts(Response& response, const ResultsPage& page) {
   }
   WriteOut(response, "<opensearch:totalResults>%d</opensearch:totalResults>\n",
            page.matches.resultCount);
-  WriteOut(response, "<opensearch:startIndex>%d</opensearch:startIndex>\n",
-           SaturateToInt32(start));
+  WriteOut(response, "<opensearch:startIndex>%d</opensearch:startIndex>\n", SaturateToInt32(start));
   WriteOut(response, "<opensearch:itemsPerPage>%d</opensearch:itemsPerPage>\n",
            page.request.perPage);
 }
@@ -130,15 +130,15 @@ void AddBroaderSearch(OutputSections& sections, const ResultsPage& page) {
     link = MakeLinkf(page.settings,
                      "vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_xml=%d&amp;vela_and=0"
                      "&amp;vela_sort=%d",
-                     links.query.bytes, links.categories.bytes, request.perPage,
-                     links.dates.bytes, links.metaFields.bytes, 0, request.sort);
+                     links.query.bytes, links.categories.bytes, request.perPage, links.dates.bytes,
+                     links.metaFields.bytes, 0, request.sort);
   } else if (SearchesSomeCategories(page.settings, request)) {
     offer = Str::kAllCats;
     link = MakeLinkf(page.settings,
                      "vela_query=%s%s&amp;vela_per_page=%d&amp;vela_cat=-1%s&amp;vela_xml=%d"
                      "&amp;vela_and=%d&amp;vela_sort=%d",
-                     links.query.bytes, links.dates.bytes, request.perPage,
-                     links.metaFields.bytes, 0, request.andMode, request.sort);
+                     links.query.bytes, links.dates.bytes, request.perPage, links.metaFields.bytes,
+                     0, request.andMode, request.sort);
   } else {
     return;
   }
@@ -189,6 +189,34 @@ void WriteCategorySummary(Response& response, OutputSections& sections, const Re
   } else {
     AddCategorySummary(sections, page);
   }
+}
+
+LinkText SuggestionLink(const ResultsPage& page, const char* suggestion) {
+  const SearchRequest& request = page.request;
+  FixedText<sizeof Suggestions::texts[0].bytes> encoded;
+  Set(encoded, suggestion);
+  ReplaceCharacters(encoded.bytes, View(encoded).size(), " ", "+");
+  return MakeLinkf(
+      page.settings, "vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_and=%d&amp;vela_sort=%d",
+      encoded.bytes, page.links.categories.bytes, request.perPage, page.links.dates.bytes,
+      page.links.metaFields.bytes, page.query.terms.size() > 1 ? 0 : request.andMode, request.sort);
+}
+
+void WriteSuggestions(Response& response, OutputSections& sections, const ResultsPage& page) {
+  if (page.suggestions.count == 0) return;
+  const LanguageStrings& language = page.settings.language;
+  for (int32_t i = 0; i < page.suggestions.count; ++i) {
+    const char* text = page.suggestions.texts[i].bytes;
+    if (response.xml) {
+      WriteOut(response, "<vela:spelling>%s</vela:spelling>\n", text);
+      continue;
+    }
+    AppendSection(sections, Section::kSuggestion, "%s%s <a href=\"%s\">%s</a>",
+                  i == 0 ? "<div class=\"suggestion\"><br />" : " ",
+                  Text(language, i == 0 ? Str::kDidYouMean : Str::kOr),
+                  SuggestionLink(page, text).bytes, text);
+  }
+  if (!response.xml) AppendSection(sections, Section::kSuggestion, "?</div>");
 }
 
 // A link to the same page of the same search in another order.
@@ -285,8 +313,7 @@ void WriteHeading(Response& response, OutputSections& sections, const Settings& 
       isFirst = false;
     });
   } else if (settings.UseCats != 0) {
-    AppendSection(sections, Section::kHeading, " %s",
-                  Text(language, Str::kResultsInAllCategories));
+    AppendSection(sections, Section::kHeading, " %s", Text(language, Str::kResultsInAllCategories));
   }
   AppendSection(sections, Section::kHeading, "<br /><br /></div>\n");
   AppendResults(sections, "<div class=\"results\">\n");
@@ -296,11 +323,13 @@ void WriteResultsHead(Response& response, OutputSections& sections, const Result
   if (response.xml) {
     WriteXmlCounts(response, page);
     WriteCategorySummary(response, sections, page);
+    WriteSuggestions(response, sections, page);
     return;
   }
   AddSummary(sections, page);
   AddBroaderSearch(sections, page);
   WriteCategorySummary(response, sections, page);
+  WriteSuggestions(response, sections, page);
   const int64_t pageCount = PageCount(page);
   if (pageCount > 1) {
     AppendSection(sections, Section::kPagesCount,
@@ -324,10 +353,9 @@ void WriteSearchTime(Response& response, OutputSections& sections, const Setting
     WriteOut(response, "<vela:searchtime>%.3f</vela:searchtime>\n", seconds);
     return;
   }
-  AppendSection(sections, Section::kSearchTime,
-                "<div class=\"searchtime\"><br /><br />%s %.3f %s</div>\n",
-                Text(settings.language, Str::kSearchTook), seconds,
-                Text(settings.language, Str::kSeconds));
+  AppendSection(
+      sections, Section::kSearchTime, "<div class=\"searchtime\"><br /><br />%s %.3f %s</div>\n",
+      Text(settings.language, Str::kSearchTook), seconds, Text(settings.language, Str::kSeconds));
 }
 
 }  // namespace vela

@@ -12,16 +12,11 @@
 #include "search/matches.h"
 #include "search/query.h"
 #include "search/search_request.h"
+#include "search/suggestions.h"
+#include "search/term_search.h"
 #include "settings/settings.h"
-#include "text/owned_array.h"
 
 namespace vela {
-
-// The terms that the search passed over, as the visitor should see them.
-struct SkippedTerms {
-  OwnedArray<std::string_view> terms;  // room for every term of the query
-  int32_t count = 0;
-};
 
 // What the page tells of a search. Refers to records that outlive it.
 struct ResultsPage {
@@ -32,6 +27,7 @@ struct ResultsPage {
   const Matches& matches;
   const PageFilters& filters;
   const SkippedTerms& skipped;
+  const Suggestions& suggestions;
 };
 
 // Writes the heading and opens the container of the results.

@@ -67,10 +67,9 @@ void AddCategoryBoxes(const FormInput& in) {
 }
 
 void AddCategoryList(const FormInput& in) {
-  const int32_t selected = in.request.categories.empty() ? kAllCategories
-                                                         : in.request.categories[0];
-  AppendSection(in.sections, Section::kCategories,
-                "<select name=\"vela_cat[]\" id=\"vela_cat\">");
+  const int32_t selected =
+      in.request.categories.empty() ? kAllCategories : in.request.categories[0];
+  AppendSection(in.sections, Section::kCategories, "<select name=\"vela_cat[]\" id=\"vela_cat\">");
   AppendSection(in.sections, Section::kCategories, "<option value=\"-1\">%s</option>",
                 in.Language(Str::kFormCategoryAll));
   for (int32_t i = 0; i < in.settings.categoryNames.size(); ++i) {

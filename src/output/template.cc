@@ -17,9 +17,9 @@ constexpr std::string_view kQueryMarker = "<!--VELA_SHOW_QUERY-->";
 constexpr size_t kLineLimit = 1023;
 
 constexpr Section kFormOrder[] = {
-    Section::kJavaScripts,    Section::kFormStart,         Section::kSearchBox,
-    Section::kSearchButton,   Section::kResultsPerPage,    Section::kMatchOptions,
-    Section::kCategories,     Section::kCustomMetaOptions, Section::kDateRange,
+    Section::kJavaScripts,  Section::kFormStart,         Section::kSearchBox,
+    Section::kSearchButton, Section::kResultsPerPage,    Section::kMatchOptions,
+    Section::kCategories,   Section::kCustomMetaOptions, Section::kDateRange,
     Section::kFormEnd,
 };
 
@@ -48,8 +48,7 @@ void WriteIncludedFile(Response& response, const IndexDirectory& directory, cons
 }
 
 void WriteAutoComplete(Response& response, const PageParts& parts) {
-  constexpr std::string_view kHandler =
-      "function() { VelaAutoComplete_OnLoad('vela_searchbox');}";
+  constexpr std::string_view kHandler = "function() { VelaAutoComplete_OnLoad('vela_searchbox');}";
   FixedText<6144> address;
   AppendSafeAddress(address, parts.scriptUrl);
   WriteRaw(response, "<script language=\"javascript\" type=\"text/javascript\">\n");

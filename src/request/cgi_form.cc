@@ -130,8 +130,8 @@ CgiResult CgiSplit(CgiForm& form, size_t length) {
   char* const data = form.rawData.data();
   // Splitting a decoded value again can only find an "=" that was written as "%3D", so the bytes
   // "=" and "%" bound the number of pairs.
-  const auto most = static_cast<size_t>(std::count_if(
-      data, data + length, [](char c) { return c == '=' || c == '%'; }));
+  const auto most = static_cast<size_t>(
+      std::count_if(data, data + length, [](char c) { return c == '=' || c == '%'; }));
   if (!form.pairs.TryAllocate(most)) return CgiResult::kNoMemory;
   char* start = data;
   for (;;) {

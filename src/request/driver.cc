@@ -1,5 +1,6 @@
 #include "request/driver.h"
 
+#include "index/autocomplete.h"
 #include "request/search_context.h"
 #include "request/start_response.h"
 #include "search/driver.h"
@@ -44,6 +45,15 @@ int LoadDictionary(SearchContext& ctx) {
 }
 
 void AnswerSearch(SearchContext& ctx) {
+  if (ctx.request.AutoComplete != 0) {
+    // The suggestions are no page: no template is filled around them.
+    if (StartResponse(ctx) != 0) {
+      const auto& terms = ctx.query.terms.terms;
+      static_cast<void>(WriteAutoComplete(ctx.response, ctx.directory, ctx.settings,
+                                          {terms.data(), terms.size()}));
+    }
+    return;
+  }
   if (StartResponse(ctx) != 0 && OpenIndex(ctx) != 0 && LoadDictionary(ctx) != 0) RunSearch(ctx);
 }
 
@@ -59,8 +69,8 @@ int RunRequest(SearchContext& ctx, std::span<const char* const> arguments,
   }
   OpenIndexDirectory(ctx.directory, View(ctx.paths.ScriptDirectory));
   if (LoadSettings(ctx) != 0) {
-    switch (ReadRequestParams(ctx.request, ctx.paths.ScriptUrl, source, ctx.settings,
-                              ctx.response)) {
+    switch (
+        ReadRequestParams(ctx.request, ctx.paths.ScriptUrl, source, ctx.settings, ctx.response)) {
       case ParamsStatus::kOk:
         AnswerSearch(ctx);
         break;

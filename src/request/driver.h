@@ -11,7 +11,6 @@ struct SearchContext;
 
 // Answers one request. `arguments` begin with the program's path. The exit status of the process:
 // 0, or 1 for a request that cannot be decoded or names a category that the index cannot have.
-int RunRequest(SearchContext& ctx, std::span<const char* const> arguments,
-               const CgiSource& source);
+int RunRequest(SearchContext& ctx, std::span<const char* const> arguments, const CgiSource& source);
 
 }  // namespace vela

@@ -1,11 +1,11 @@
 // The search program: run by the web server once per request.
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <new>
 #include <span>
-
-#include <unistd.h>
 
 #include "request/driver.h"
 #include "request/search_context.h"

@@ -17,6 +17,7 @@ void InitSearchContext(SearchContext& ctx) { ctx.startTime = CurrentTime(); }
 void ReleaseSearchContext(SearchContext& ctx) {
   CloseIndexFiles(ctx.index);
   ctx.dictionary.Release();
+  ctx.stemmer.Release();
   ctx.query.terms = TermList();
   ctx.output = OutputSections();
   CloseIndexDirectory(ctx.directory);

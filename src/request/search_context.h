@@ -12,6 +12,7 @@
 #include "search/search_request.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
+#include "text/stemmer.h"
 
 namespace vela {
 
@@ -27,6 +28,7 @@ struct SearchContext {
   Query query;
   IndexFiles index;
   Dictionary dictionary;
+  Stemmer stemmer;
   OutputSections output;
   Response response;
   bool ended = false;  // the response is complete

@@ -1,14 +1,17 @@
 #include "search/driver.h"
 
 #include "output/ending.h"
+#include "output/recommended.h"
 #include "output/result_block.h"
 #include "output/results_page.h"
+#include "output/search_log.h"
 #include "request/search_context.h"
 #include "search/filters.h"
-#include "search/lookup.h"
+#include "search/highlight_terms.h"
 #include "search/matches.h"
 #include "search/ranking.h"
-#include "text/wildcard.h"
+#include "search/suggestions.h"
+#include "search/term_search.h"
 
 namespace vela {
 
@@ -16,15 +19,13 @@ namespace {
 
 // What one search gathers on its way.
 struct SearchState {
+  TermSearch terms;
+  HighlightTerms highlight;
   Matches matches;
   PageFilters filters;
-  MatchBudget budget;
-  SkippedTerms skipped;
-  OwnedArray<QueryText> substringTerms;  // the terms with their asterisks
-  int32_t skippedCount = 0;              // terms passed over, which AND mode does not ask for
-  int32_t excludedCount = 0;             // exclusions and site restrictions
-  bool siteOnly = false;                 // every page is a candidate
   ResultList results;
+  LinkParameters links;
+  int32_t recommendedShown = 0;
 };
 
 int EndWithError(SearchContext& ctx, std::string_view message) {
@@ -37,88 +38,76 @@ int EndWithInvalidCategory(SearchContext& ctx) {
   return EndWithError(ctx, "Error: Category number is invalid. Incorrect settings file used?");
 }
 
-bool AllocateState(SearchState& state, const SearchContext& ctx) {
-  const auto termCount = static_cast<size_t>(ctx.query.terms.size());
-  return AllocateMatches(state.matches, ctx.settings.NumPages) &&
-         state.skipped.terms.TryAllocate(termCount) &&
-         PrepareFilters(state.filters, ctx.settings, ctx.search, ctx.index.pages,
-                        ctx.index.pageData.bytes());
-}
-
-// Puts the asterisks of a substring search around every term.
-bool RewriteTerms(SearchState& state, Query& query) {
-  const auto count = static_cast<size_t>(query.terms.size());
-  if (!state.substringTerms.TryAllocate(count)) return false;
-  for (size_t i = 0; i < count; ++i) {
-    state.substringTerms[i] = SubstringTerm(query.terms.terms[i]);
-    query.terms.terms[i] = View(state.substringTerms[i]);
-  }
-  return true;
-}
-
-void ReportSkipped(SearchState& state, std::string_view term) {
-  state.skipped.terms[static_cast<size_t>(state.skipped.count++)] = term;
-}
-
-// Looks one term up and adds what it matches. 0 when the request has ended.
-int SearchTerm(SearchContext& ctx, SearchState& state, int32_t index) {
-  const std::string_view term = ctx.query.terms[index];
-  const bool isShort = static_cast<int64_t>(term.size()) < ctx.settings.MinWordLen;
-  if (isShort) ReportSkipped(state, term);
-  if (isShort || term.empty()) {
-    ++state.skippedCount;
-    return 1;
-  }
-  LookupTerm lookup;
-  lookup.word = term;
-  lookup.isExclusion = term.starts_with('-');
-  if (lookup.isExclusion) lookup.word.remove_prefix(1);
-  std::string_view restriction;
-  const bool isRestriction = IsSiteRestriction(lookup.word, restriction);
-  if (lookup.isExclusion || isRestriction) ++state.excludedCount;
-  if (isRestriction) {
-    state.filters.hasSiteRestriction = true;
-    state.filters.siteRestriction = restriction;
-    state.siteOnly = ctx.query.terms.size() == 1;
-    return 1;
-  }
-  lookup.isWildcard = HasWildcard(lookup.word);
-  const TermPlace place = {index, state.skippedCount, state.excludedCount, lookup.isExclusion};
-  const auto add = [&](const WordMapRecord& record) {
-    return AddMatch(state.matches, ctx.index.pages, record, place, ctx.search.sort,
-                    ctx.settings.MaxContextKeywords);
-  };
-  LookupResult result;
-  switch (LookUpTerm(lookup, ctx.dictionary, ctx.index.wordMap.bytes(), ctx.settings, ctx.response,
-                     state.budget, state.matches.limitReached, result, add)) {
-    case LookupStatus::kOk:
+int CreateStemmer(SearchContext& ctx) {
+  if (ctx.settings.UseStemming != 1) return 1;
+  switch (ctx.stemmer.Create(ctx.settings.StemmingAlgo, ctx.settings.UseUTF8 != 0)) {
+    case StemmerStatus::kOk:
+      return 1;
+    case StemmerStatus::kInvalidAlgorithm:
+      return EndWithError(ctx, "Invalid stemming algorithm specified in settings file.<br />\n");
+    case StemmerStatus::kUnavailable:
       break;
-    case LookupStatus::kSeekFailed:
-      return EndRequest(ctx);
-    case LookupStatus::kMissingData:
-      return EndWithError(ctx, "Error in wordmap file: expected data not found.");
-    case LookupStatus::kInvalidPage:
-      return EndWithError(ctx, "Error in wordmap: page number is invalid.");
   }
-  if (result.hasNoList) ReportSkipped(state, term);
+  return EndWithError(ctx, "Failed to initialize stemmer.<br />\n");
+}
+
+int PrepareSearch(SearchContext& ctx, SearchState& state) {
+  const Settings& settings = ctx.settings;
+  if (!AllocateMatches(state.matches, settings.NumPages) ||
+      !StartTermSearch(state.terms, ctx.query, settings) ||
+      !CollectHighlightTerms(state.highlight, ctx.query.terms, settings.AllowExactPhrase == 1) ||
+      !PrepareFilters(state.filters, settings, ctx.search, ctx.index.pages,
+                      ctx.index.pageData.bytes())) {
+    return EndWithError(ctx, "Out of memory");
+  }
+  state.terms.siteOnly = ctx.search.metaOnly;
+  state.terms.phraseBudget = {settings.MaxContextSeeks, 0, ctx.startTime + settings.MaxSearchTime,
+                              CurrentTime};
+  state.links = MakeLinkParameters(settings, ctx.search, View(ctx.query.text), state.filters.dates);
   return 1;
 }
 
-int SearchTerms(SearchContext& ctx, SearchState& state) {
-  const int32_t termCount = ctx.query.terms.size();
-  state.budget = MakeMatchBudget(ctx.settings.MaxMatches, termCount);
-  state.siteOnly = ctx.search.metaOnly;
-  for (int32_t i = 0; i < termCount && !state.siteOnly; ++i) {
-    if (SearchTerm(ctx, state, i) == 0) return 0;
+int ShowRecommended(SearchContext& ctx, SearchState& state) {
+  if (ctx.settings.Recommended != 1) return 1;
+  const RecommendedInput input = {ctx.settings, ctx.query, View(state.links.query), ctx.index,
+                                  state.highlight};
+  if (!WriteRecommended(ctx.response, ctx.output, input, state.recommendedShown)) {
+    return EndRequest(ctx);
   }
+  return 1;
+}
+
+int LookUpTerms(SearchContext& ctx, SearchState& state) {
+  const TermSearchInput input = {ctx.settings,
+                                 ctx.dictionary,
+                                 ctx.index.pages,
+                                 ctx.index.wordMap.bytes(),
+                                 ctx.index.pageText.bytes(),
+                                 ctx.search.sort,
+                                 ctx.response,
+                                 ctx.stemmer};
+  switch (SearchTerms(state.terms, input, state.matches)) {
+    case TermStatus::kOk:
+      break;
+    case TermStatus::kNoMemory:
+      return EndWithError(ctx, "Out of memory");
+    case TermStatus::kSeekFailed:
+      return EndRequest(ctx);
+    case TermStatus::kMissingData:
+      return EndWithError(ctx, "Error in wordmap file: expected data not found.");
+    case TermStatus::kInvalidPage:
+      return EndWithError(ctx, "Error in wordmap: page number is invalid.");
+  }
+  state.filters.hasSiteRestriction = state.terms.hasSiteRestriction;
+  state.filters.siteRestriction = state.terms.siteRestriction;
   return 1;
 }
 
 int Rank(SearchContext& ctx, SearchState& state) {
   const int32_t effectiveTerms =
-      ctx.query.terms.size() - state.skippedCount - state.excludedCount;
+      ctx.query.terms.size() - state.terms.skippedCount - state.terms.excludedCount;
   switch (RankMatches(state.matches, state.filters, ctx.settings, ctx.search, ctx.index.pages,
-                      effectiveTerms, state.siteOnly, state.results)) {
+                      effectiveTerms, state.terms.siteOnly, state.results)) {
     case RankStatus::kOk:
       break;
     case RankStatus::kNoMemory:
@@ -133,14 +122,15 @@ int Rank(SearchContext& ctx, SearchState& state) {
 }
 
 int Render(SearchContext& ctx, SearchState& state) {
-  const LinkParameters links = MakeLinkParameters(ctx.settings, ctx.search, View(ctx.query.text),
-                                                  state.filters.dates);
-  const ResultsPage page = {ctx.settings,  ctx.search,    ctx.query,    links,
-                            state.matches, state.filters, state.skipped};
+  const Suggestions suggestions =
+      MakeSuggestions(state.terms, ctx.index.spelling, ctx.dictionary, ctx.settings, ctx.stemmer);
+  const ResultsPage page = {ctx.settings,  ctx.search,    ctx.query,           state.links,
+                            state.matches, state.filters, state.terms.skipped, suggestions};
   WriteResultsHead(ctx.response, ctx.output, page);
-  switch (WriteResultBlocks(ctx.response, ctx.output,
-                            {ctx.settings, ctx.search, ctx.query, links, ctx.index},
-                            state.results)) {
+  const bool showsContext = ctx.settings.DisplayContext == 1 && !state.terms.siteOnly;
+  const ResultBlocks blocks = {ctx.settings, ctx.search,     ctx.query,       state.links,
+                               ctx.index,    ctx.dictionary, state.highlight, showsContext};
+  switch (WriteResultBlocks(ctx.response, ctx.output, blocks, state.results)) {
     case BlockStatus::kOk:
       break;
     case BlockStatus::kCorruptPageData:
@@ -153,19 +143,33 @@ int Render(SearchContext& ctx, SearchState& state) {
   return 1;
 }
 
+void FinishSearch(SearchContext& ctx, const SearchState& state) {
+  SearchLogEntry entry;
+  entry.endTime = CurrentTime();
+  entry.seconds = entry.endTime - ctx.startTime;
+  WriteSearchTime(ctx.response, ctx.output, ctx.settings, entry.seconds);
+  if (ctx.settings.Logging != 1) return;
+  entry.remoteAddress = View(ctx.request.RemoteAddr);
+  entry.query = View(ctx.request.Query);
+  entry.matches = state.matches.resultCount;
+  entry.page = ctx.request.PageDefaulted ? 0 : ctx.search.page;
+  entry.recommended = state.recommendedShown;
+  WriteSearchLog(ctx.response, ctx.directory, ctx.settings, ctx.search, entry);
+}
+
 }  // namespace
 
 int RunSearch(SearchContext& ctx) {
+  if (CreateStemmer(ctx) == 0) return 0;
   SearchState state;
   WriteHeading(ctx.response, ctx.output, ctx.settings, ctx.search, ctx.query);
-  if (!AllocateState(state, ctx) ||
-      (ctx.settings.SearchAsSubstring == 1 && !RewriteTerms(state, ctx.query))) {
-    return EndWithError(ctx, "Out of memory");
+  if (PrepareSearch(ctx, state) == 0 || ShowRecommended(ctx, state) == 0 ||
+      LookUpTerms(ctx, state) == 0) {
+    return 0;
   }
-  if (SearchTerms(ctx, state) == 0) return 0;
   ctx.index.wordMap.Close();
   if (Rank(ctx, state) == 0 || Render(ctx, state) == 0) return 0;
-  WriteSearchTime(ctx.response, ctx.output, ctx.settings, CurrentTime() - ctx.startTime);
+  FinishSearch(ctx, state);
   return EndRequest(ctx);
 }
 

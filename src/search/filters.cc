@@ -224,8 +224,7 @@ bool PrepareFilters(PageFilters& filters, const Settings& settings, const Search
   const size_t fields = std::min(settings.metaFields.size(), request.metaValues.size());
   if (!filters.metaConstraints.TryAllocate(fields)) return false;
   for (size_t i = 0; i < fields; ++i) {
-    filters.metaConstraints[i] =
-        ReadMetaConstraint(settings.metaFields[i], request.metaValues[i]);
+    filters.metaConstraints[i] = ReadMetaConstraint(settings.metaFields[i], request.metaValues[i]);
   }
   return true;
 }
@@ -234,8 +233,7 @@ bool PassesSiteRestriction(const PageFilters& filters, uint32_t page) {
   std::string_view url;
   const bool read = ReadPageUrl(filters.pageData, PageDataOffset(*filters.pages, page), url);
   if (!read) url = {};  // a page without an address holds only the empty restriction
-  const size_t at =
-      FindNoCase(url, filters.siteRestriction, filters.settings->UseUTF8 == 1);
+  const size_t at = FindNoCase(url, filters.siteRestriction, filters.settings->UseUTF8 == 1);
   return at != url.npos;
 }
 

@@ -34,8 +34,8 @@ CategoryTest TestCategory(const PageTable& pages, const Settings& settings, uint
 // What the request asks of one meta field.
 struct MetaConstraint {
   bool active = false;
-  int32_t number = 0;      // numeric, money (hundredths), drop-down (index)
-  std::string_view text;   // text, trimmed
+  int32_t number = 0;       // numeric, money (hundredths), drop-down (index)
+  std::string_view text;    // text, trimmed
   uint8_t chosen[32] = {};  // multiple choice: a bit for each index asked for
 };
 
@@ -57,8 +57,8 @@ struct PageFilters {
   std::string_view siteRestriction;
   OwnedArray<MetaConstraint> metaConstraints;  // one per field, or none
   DateRange dates;
-  bool countsCategories = false;         // the category summary is asked for and applies
-  OwnedArray<uint32_t> categoryCounts;   // one per category name while countsCategories
+  bool countsCategories = false;        // the category summary is asked for and applies
+  OwnedArray<uint32_t> categoryCounts;  // one per category name while countsCategories
 };
 
 // Prepares the filters but for the site restriction. False when memory is out. What is handed in

@@ -30,9 +30,9 @@ struct LookupTerm {
 };
 
 struct LookupResult {
-  int64_t records = 0;      // word-map records read for the term
-  int32_t firstWord = -1;   // the first dictionary word matched
-  bool hasNoList = false;   // an exact word that is in the dictionary but on no page
+  int64_t records = 0;     // word-map records read for the term
+  int32_t firstWord = -1;  // the first dictionary word matched
+  bool hasNoList = false;  // an exact word that is in the dictionary but on no page
 };
 
 // The first word number behind the reserved ones.

@@ -13,10 +13,10 @@ namespace vela {
 
 // One page of the index, all zero until a term matches it.
 struct PageMatch {
-  uint32_t score = 0;         // of the word-map records added, saturating softly above 10000
-  uint32_t termsMatched = 0;  // records that touched the page, those of exclusions included
-  uint32_t termsInOrder = 0;  // terms matched without a gap, in query order
-  uint8_t proximityMask = 0;  // AND of the proximity bytes of the records
+  uint32_t score = 0;          // of the word-map records added, saturating softly above 10000
+  uint32_t termsMatched = 0;   // records that touched the page, those of exclusions included
+  uint32_t termsInOrder = 0;   // terms matched without a gap, in query order
+  uint8_t proximityMask = 0;   // AND of the proximity bytes of the records
   uint64_t firstPosition = 0;  // in the page text file; where the snippets start
   uint64_t secondPosition = 0;
   uint64_t thirdPosition = 0;
@@ -24,11 +24,11 @@ struct PageMatch {
 
 // All pages of the index and what is counted over them.
 struct Matches {
-  OwnedArray<PageMatch> pages;     // NumPages
-  OwnedArray<uint64_t> touched;    // one bit a page that a record touched
-  int32_t resultCount = 0;         // pages found; during the terms, also counted down by exclusions
-  int32_t fullMatchCount = 0;      // accepted pages that match every effective term
-  uint32_t maxTermsMatched = 0;    // the ranges of the sort keys
+  OwnedArray<PageMatch> pages;   // NumPages
+  OwnedArray<uint64_t> touched;  // one bit a page that a record touched
+  int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
+  int32_t fullMatchCount = 0;    // accepted pages that match every effective term
+  uint32_t maxTermsMatched = 0;  // the ranges of the sort keys
   uint32_t maxScore = 0;
   int32_t maxDate = 0;
   int32_t minDate = 0;

@@ -83,8 +83,8 @@ bool SplitQuery(std::string_view text, TermList& terms, bool& hasPhrase) {
     OwnedArray<std::string_view> sorted;
     if (!sorted.TryAllocate(terms.terms.size())) return false;
     const auto isExclusion = [](std::string_view term) { return term.starts_with('-'); };
-    auto* out = std::remove_copy_if(terms.terms.begin(), terms.terms.end(), sorted.begin(),
-                                    isExclusion);
+    auto* out =
+        std::remove_copy_if(terms.terms.begin(), terms.terms.end(), sorted.begin(), isExclusion);
     std::copy_if(terms.terms.begin(), terms.terms.end(), out, isExclusion);
     terms.terms = std::move(sorted);
   }

@@ -30,8 +30,8 @@ void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
   }
   for (size_t word = 0; word < matches.touched.size(); ++word) {
     for (uint64_t bits = matches.touched[word]; bits != 0; bits &= bits - 1) {
-      const auto page = static_cast<uint32_t>(word * 64) +
-                        static_cast<uint32_t>(std::countr_zero(bits));
+      const auto page =
+          static_cast<uint32_t>(word * 64) + static_cast<uint32_t>(std::countr_zero(bits));
       if (!visit(page)) return;
     }
   }
@@ -166,8 +166,8 @@ uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
 }
 
 RankStatus RankMatches(Matches& matches, PageFilters& filters, const Settings& settings,
-                       const SearchRequest& request, const PageTable& pages,
-                       int32_t effectiveTerms, bool everyPage, ResultList& results) {
+                       const SearchRequest& request, const PageTable& pages, int32_t effectiveTerms,
+                       bool everyPage, ResultList& results) {
   // Kept: exclusions may have counted down to 0 although some pages are left.
   if (matches.resultCount == 0 && !everyPage) return RankStatus::kOk;
   KeyHistogram histogram;

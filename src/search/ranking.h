@@ -60,8 +60,8 @@ enum class RankStatus { kOk, kNoMemory, kInvalidCategory };
 // accepted into `matches`, and lists the best of them, unsorted, in `results`.
 [[nodiscard]] RankStatus RankMatches(Matches& matches, PageFilters& filters,
                                      const Settings& settings, const SearchRequest& request,
-                                     const PageTable& pages, int32_t effectiveTerms,
-                                     bool everyPage, ResultList& results);
+                                     const PageTable& pages, int32_t effectiveTerms, bool everyPage,
+                                     ResultList& results);
 
 // Sorts the list in the order that the request asks for; ties by page number.
 void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime);

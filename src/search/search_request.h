@@ -11,9 +11,9 @@ namespace vela {
 
 // The request's value for one custom meta field.
 struct MetaValue {
-  std::string_view text;      // fields without several choices; decoded, as typed
-  uint8_t chosenCount = 0;    // multiple choice: how many values the request names
-  uint8_t chosen[255] = {};   // their list numbers; 255 stands for none
+  std::string_view text;     // fields without several choices; decoded, as typed
+  uint8_t chosenCount = 0;   // multiple choice: how many values the request names
+  uint8_t chosen[255] = {};  // their list numbers; 255 stands for none
 };
 
 inline constexpr int32_t kAllCategories = -1;
@@ -31,11 +31,11 @@ struct SearchRequest {
   int32_t page = 1;      // counts from 1; below 1 shows the first page
   int32_t andMode = 0;   // 1: pages must match every term
   int32_t sort = kSortByRelevance;
-  int32_t masterNode = 0;                 // 1 asks for the settings in XML
-  std::span<const int32_t> categories;    // empty without categories; first -1: all of them
-  int32_t lastTimeFrom = 0;               // both above 0: the date range in seconds
+  int32_t masterNode = 0;               // 1 asks for the settings in XML
+  std::span<const int32_t> categories;  // empty without categories; first -1: all of them
+  int32_t lastTimeFrom = 0;             // both above 0: the date range in seconds
   int32_t lastTimeTo = 0;
-  FixedText<15> dateFrom;                 // as typed
+  FixedText<15> dateFrom;  // as typed
   FixedText<17> dateTo;
   std::span<const MetaValue> metaValues;  // one per meta field, or none
   bool metaOnly = false;                  // no query, only constraints on meta fields

@@ -187,6 +187,12 @@ SettingsStatus ReadMetaFields(Settings& settings, LineReader& reader) {
   return SettingsStatus::kOk;
 }
 
+void TruncateMetaFields(Settings& settings) {
+  const auto most = static_cast<size_t>(std::max(settings.NumMetaFields, 0));
+  if (settings.metaFields.size() <= most) return;
+  if (most == 0 || !settings.metaFields.TryResize(most)) settings.metaFields.Release();
+}
+
 // Takes the next double-quoted item off the text; false when no pair of quotes is left.
 bool TakeItem(std::string_view& text, std::string_view& item) {
   const size_t open = text.find('"');
@@ -262,6 +268,9 @@ SettingsStatus ReadSettings(Settings& settings, std::string_view bytes) {
     const SettingsStatus status = ReadSettingsLine(settings, line, reader);
     if (status != SettingsStatus::kOk) return status;
   }
+  // A later line may have lowered the counts that the sections were read with.
+  settings.categoryNames.Truncate(std::max(settings.NumCats, 0));
+  TruncateMetaFields(settings);
   // Counts lines, not different keys.
   const bool complete = settings.language.count >= static_cast<int32_t>(kLanguageStringCount);
   return complete ? SettingsStatus::kOk : SettingsStatus::kMissingText;

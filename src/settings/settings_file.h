@@ -35,7 +35,6 @@ enum class SettingsStatus : int {
 
 // Writes the whole response of a request whose settings could not be read: no template is filled
 // and nothing is wrapped, since the request has not been looked at yet.
-void WriteSettingsError(Response& response, SettingsStatus status,
-                        const IndexDirectory& directory);
+void WriteSettingsError(Response& response, SettingsStatus status, const IndexDirectory& directory);
 
 }  // namespace vela

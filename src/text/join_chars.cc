@@ -72,7 +72,7 @@ size_t EncodeJoinChars(std::string_view text, char* out, std::string_view joinCh
         c == '#' && at > 0 && at + 2 < text.size() && text[at - 1] == '&' && endsSoon(at);
     if (listed && !opensReference && !hashOfReference) {
       const auto value = static_cast<signed char>(c);
-      written += static_cast<size_t>(snprintf(out + written, 40, "&#%d;", value));
+      written += static_cast<size_t>(snprintf(out + written, 9, "&#%d;", value));
     } else {
       out[written++] = c;
     }

@@ -16,7 +16,7 @@ size_t DecodeJoinChars(std::string_view text, char* out, std::string_view joinCh
 
 // Writes `text` to `out` with every character of `joinChars` written as a decimal reference, unless
 // it belongs to a reference already. Bytes from 0x80 up give negative numbers. `out` must hold
-// 40 * text.size() + 1 bytes. Returns the length written; a terminator follows it.
+// 8 * text.size() + 1 bytes. Returns the length written; a terminator follows it.
 size_t EncodeJoinChars(std::string_view text, char* out, std::string_view joinChars);
 
 }  // namespace vela

@@ -14,6 +14,9 @@ class TextList {
   // Adds a copy at the end; false when memory is out, the list then is as before.
   [[nodiscard]] bool TryAdd(std::string_view text);
 
+  // Keeps the first `count` texts, at most.
+  void Truncate(int32_t count) { count_ = count < count_ ? count : count_; }
+
   int32_t size() const { return count_; }
   // The text number `i` (0 up to size() - 1); valid until the next TryAdd.
   const char* At(int32_t i) const { return bytes_.data() + starts_[static_cast<size_t>(i)]; }

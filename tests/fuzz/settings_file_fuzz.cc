@@ -18,7 +18,6 @@ namespace {
 std::string Listing(std::string_view file, SettingsStatus& status) {
   const auto settings = std::make_unique<Settings>();
   status = ReadSettings(*settings, file);
-  VELA_CHECK(settings->categoryNames.size() <= 1 || settings->NumCats > 1);
   for (size_t i = 0; i < settings->metaFields.size(); ++i) {
     const MetaFieldDef& field = settings->metaFields[i];
     VELA_CHECK(MetaListValue(*settings, field, -1) == nullptr);

@@ -84,7 +84,7 @@ TEST(Dictionary, TwoVariantLinesBelongToTheEntryBeforeThem) {
 }
 
 TEST(Dictionary, OffsetOfMinusOneMarksAWordWithoutPages) {
-  ExpectWords("run -1 0\n", {{"run", kNoWordList, 0, {}}});
+  ExpectWords("run -1 0\n", {{"run", -1, 0, {}}});
 }
 
 TEST(Dictionary, LinesTable) {

@@ -24,7 +24,7 @@ std::string CannotOpen(const std::string& name) {
 
 IndexBuilder OnePage() {
   IndexBuilder builder;
-  builder.Set("DictIDLen", "4").Page({"a.html", "A", "", ""});
+  builder.Set("DictIDLen", "4").Page(support::NewPage("a.html"));
   return builder;
 }
 

@@ -77,6 +77,16 @@ inline std::string Repeat(std::string_view text, size_t count) {
   return out;
 }
 
+inline PageFields NewPage(std::string_view url, std::string_view title = "",
+                          std::string_view description = "", std::string_view image = "") {
+  PageFields page;
+  page.url = url;
+  page.title = title;
+  page.description = description;
+  page.image = image;
+  return page;
+}
+
 // A directory with the named files in it, open for the program.
 struct OpenDirectory {
   ScratchDirectory scratch;

@@ -39,7 +39,9 @@ TEST(MetaData, Numbers) {
       ByteCursor cursor{c.bytes};
       const MetaData data = TakeMetaData(cursor, Field(type));
       EXPECT_EQ(data.hasValue, c.hasValue);
-      if (c.hasValue) EXPECT_EQ(data.number, c.number);
+      if (c.hasValue) {
+        EXPECT_EQ(data.number, c.number);
+      }
     }
   }
 }
@@ -62,7 +64,9 @@ TEST(MetaData, DropDown) {
     ByteCursor cursor{c.bytes};
     const MetaData data = TakeMetaData(cursor, Field(kMetaDropDown));
     EXPECT_EQ(data.hasValue, c.hasValue);
-    if (c.hasValue) EXPECT_EQ(data.number, c.number);
+    if (c.hasValue) {
+      EXPECT_EQ(data.number, c.number);
+    }
   }
 }
 
@@ -83,7 +87,9 @@ TEST(MetaData, MultipleChoice) {
     ByteCursor cursor{c.bytes};
     const MetaData data = TakeMetaData(cursor, Field(kMetaMultiple));
     EXPECT_EQ(data.hasValue, c.hasValue);
-    if (c.hasValue) EXPECT_EQ(data.indexes, c.indexes);
+    if (c.hasValue) {
+      EXPECT_EQ(data.indexes, c.indexes);
+    }
   }
 }
 
@@ -105,7 +111,9 @@ TEST(MetaData, Text) {
       ByteCursor cursor{c.bytes};
       const MetaData data = TakeMetaData(cursor, Field(type));
       EXPECT_EQ(data.hasValue, c.hasValue);
-      if (c.hasValue) EXPECT_EQ(data.text, c.text);
+      if (c.hasValue) {
+        EXPECT_EQ(data.text, c.text);
+      }
     }
   }
 }

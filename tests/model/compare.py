@@ -88,6 +88,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--cases", type=int, default=2000)
     parser.add_argument("--features", default=",".join(generate.FEATURES))
+    parser.add_argument("--seconds", type=float, default=1e9, help="stop after this time")
     parser.add_argument("--only", type=int, help="run only this case of the seed")
     parser.add_argument("--stop-after", type=int, default=10)
     parser.add_argument("--keep", default=None, help="where directories of differences are kept")
@@ -105,6 +106,8 @@ def main():
     index = directory = None
     ran = here = 0
     for number in range(options.cases):
+        if time.time() - started > options.seconds:
+            break
         if number % PER_INDEX == 0:
             block = number // PER_INDEX
             here = 0

@@ -435,6 +435,8 @@ def damage(r, x, features):
                         "NumMetaFields", "DictIDLen", "NumSpellings", "NumRecommended",
                         "StemmingAlgo", "UseBigPageInfoData", "DictReservedLimit", "NumKeywords"))
         value = r.choice((-1, 0, 1, 2, 5, 6, 7, 100, 99999))
+        if key == "NumCats":
+            value = r.choice((10, 100, 99999))
         name = "settings.vdat"
         x.files[name] += b"%s = %d\n" % (key.encode(), value)
         if key == "StemmingAlgo" and "stemming" in features:

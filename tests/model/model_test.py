@@ -122,6 +122,91 @@ class Tokens(unittest.TestCase):
         self.assertEqual(self.all(b"w" * 401 + b" x"), [b"w" * 400])
 
 
+class Word:
+    def __init__(self, word, *variants):
+        self.word, self.variants, self.offset = word, list(variants), 0
+
+
+class Snippets(unittest.TestCase):
+    """Five reserved entries (2 no blank before, 3 opening bracket, 4 no blanks), then words."""
+
+    def context(self, tokens, **values):
+        c = vela_page.Context()
+        c.s = Settled(DictIDLen=2, NumKeywords=9, DictReservedLimit=4, DictReservedSuffixes=2,
+                      DictReservedPrefixes=3, DictReservedNoSpaces=4, ContextSize=4,
+                      MaxContextKeywords=3, MaxContextSeeks=100, Highlighting=1,
+                      ToLowerSearchWords=1, **values)
+        c.dictionary = [Word(w) for w in (b"\1", b"\2", b",", b"(", b"-", b"big", b"cat")]
+        c.dictionary += [Word(b"dog", b"Dog", b"DOGS"), Word(b"red")]
+        c.highlights = []
+        c.seeks, c.limit_reached = 0, False
+        c.pagetext = vela_index.PageText(
+            b"".join(bytes(t if isinstance(t, tuple) else (t, 0)) for t in tokens), 2)
+        return c
+
+    def snippet(self, c, positions, title=b"title"):
+        entry = vela_search.Entry()
+        entry.terms = len(positions)
+        entry.positions = tuple(positions) + (0,) * (3 - len(positions))
+        vela_search.snippets(c, entry, title)
+        return bytes(c.results)
+
+    def test_spacing_and_mark(self):
+        # red cat , dog ( red: the match is dog (offset 6), two tokens before it are shown.
+        c = self.context([8, 6, 2, 7, 3, 8, 4, 5, 0])
+        self.assertEqual(self.snippet(c, [6]), b'<div class="context">\n <b>...</b>  cat, '
+                         b'<span class="highlight">dog</span> ( <b>...</b></div>\n')
+        c = self.context([7, 3, 8, 4, 5, 0])
+        self.assertEqual(piece(c, [(7, 1), (3, 0), (8, 0), (4, 0), (5, 0)]), b" Dog (red-big")
+        self.assertEqual(piece(c, [(7, 2), (7, 3)]), b" DOGS dog")
+
+    def test_page_before_is_left_out(self):
+        c = self.context([5, 5, 0, 6, 7, 8, 5, 0])
+        self.assertEqual(self.snippet(c, [6]), b'<div class="context">\n <b>...</b>  <span class='
+                         b'"highlight">cat</span> dog red big <b>...</b></div>\n')
+
+    def test_title_switches_off(self):
+        c = self.context([0, 6, 7, 0])
+        self.assertEqual(self.snippet(c, [2], b"cat dog "), b'<div class="context">\n</div>\n')
+
+    def test_phrase_marks(self):
+        c = self.context([])
+        term = vela_search.Term(b"big cat", False)
+        term.phrase = [b"big", b"cat"]
+        c.highlights = [term]
+        marks = [0] * 4
+        vela_search.mark_terms(c, [(7, 0), (5, 0), (2, 0), (6, 0)], marks)
+        self.assertEqual(marks, [0, 2, 0, 3])
+
+    def verify(self, tokens, ids, record, lists=None):
+        c = self.context(tokens)
+        phrase = vela_search.Phrase()
+        phrase.ids = ids
+        phrase.lists = [[record]] + (lists or [[] for _ in ids[1:]])
+        return vela_search.verify_phrase(c, phrase, record)
+
+    def test_phrase(self):
+        # score, flags, page, position
+        record = (2, 1, 0, 0)
+        self.assertEqual(self.verify([5, 2, 6, 0], [5, 6], record), (2, 1, 0, 0))
+        self.assertIsNone(self.verify([6, 5, 0], [5, 6], record))
+        self.assertEqual(self.verify([5, 5, 6, 0], [5, 6], record), (2, 1, 0, 2))
+        # One occurrence more than the score byte says is not looked at: 3 > 2 ends.
+        self.assertEqual(self.verify([5, 7, 5, 7, 5, 6, 0], [5, 6], record), (2, 1, 0, 8))
+        self.assertIsNone(self.verify([5, 7, 5, 7, 5, 7, 5, 6, 0], [5, 6], record))
+        # The identifier 1 ends a pass, 0 the verification.
+        self.assertEqual(self.verify([5, 1, 5, 6, 0], [5, 6], record), (2, 1, 0, 4))
+        self.assertIsNone(self.verify([5, 0, 5, 6, 0], [5, 6], record))
+        # Neighbouring bits: 1 and 2 follow each other, 1 and 4 do not.
+        near = [[(7, 1, 0, 2)]]
+        self.assertEqual(self.verify([5, 6, 0], [5, 6], (2, 2, 0, 0), near), (9, 2, 0, 0))
+        self.assertIsNone(self.verify([5, 6, 0], [5, 6], (2, 4, 0, 0), near))
+
+
+def piece(c, slots):
+    return vela_search.piece_text(c, slots, [0] * len(slots))[0]
+
+
 class Scores(unittest.TestCase):
     def test_days(self):
         days = vela_search.days_from_civil

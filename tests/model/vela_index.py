@@ -231,7 +231,7 @@ class PageInfo:
         self.s = settings
         self.image = image
         self.starts = []
-        self.fixed = 19 if settings.UseBigPageInfoData else 17
+        self.fixed = 19 if settings.UseBigPageInfoData == 1 else 17
         self.length_size = self.fixed - 15
 
     def number(self, at, size):

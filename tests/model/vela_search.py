@@ -468,8 +468,8 @@ def page_url(c, page):
     c.pagedata.at = c.info.data_offset(page)
     line = c.pagedata.line()
     if not line or b"|" not in line:
-        return None
-    return line.split(b"|", 1)[0][: vela_page.LINK] or None
+        return b""
+    return line.split(b"|", 1)[0][: vela_page.LINK]
 
 
 def accept(c, number, page):
@@ -477,8 +477,7 @@ def accept(c, number, page):
     if not c.site_only and (page.score == 0 or page.terms == 0):
         return False
     if c.restriction is not None:
-        url = page_url(c, number)
-        if url is None or find_no_case(s, url, c.restriction) < 0:
+        if find_no_case(s, page_url(c, number), c.restriction) < 0:
             return False
         if c.site_only:
             page.score += 1

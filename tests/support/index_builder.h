@@ -27,16 +27,16 @@ extern const LanguageText kLanguageTexts[kLanguageTextCount];
 
 // One record of the page-info file and one line of the page-data file.
 struct PageFields {
-  std::string url;
-  std::string title;
-  std::string description;
-  std::string image;
+  std::string url = {};
+  std::string title = {};
+  std::string description = {};
+  std::string image = {};
   uint32_t fileSize = 0;  // bytes
   uint32_t dateTime = 0;  // seconds since 1970
   uint8_t boost = 0;      // tenths, 0 leaves the score alone
   uint8_t fileType = 0;
-  std::string categoryBits;  // NumCatBytes bytes, stored as they stand
-  std::string metaData;      // stored as it stands
+  std::string categoryBits = {};  // NumCatBytes bytes, stored as they stand
+  std::string metaData = {};      // stored as it stands
 };
 
 // One occurrence record of the word map.

@@ -51,12 +51,9 @@ TEST(FixedText, AppendCutsBehindWhatIsThere) {
     std::string_view input;
     std::string_view expected;
   } cases[] = {
-      {"nothing to nothing", "", "", ""},
-      {"nothing to something", "abc", "", "abc"},
-      {"one below full", "abc", "def", "abcdef"},
-      {"full", "abc", "defg", "abcdefg"},
-      {"one over", "abc", "defgh", "abcdefg"},
-      {"to a full text", "abcdefg", "h", "abcdefg"},
+      {"nothing to nothing", "", "", ""},         {"nothing to something", "abc", "", "abc"},
+      {"one below full", "abc", "def", "abcdef"}, {"full", "abc", "defg", "abcdefg"},
+      {"one over", "abc", "defgh", "abcdefg"},    {"to a full text", "abcdefg", "h", "abcdefg"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);

@@ -53,7 +53,8 @@ TEST(Lower, Utf8LengthComesFromTheFirstByte) {
     int first;
     int last;
     size_t length;
-  } ranges[] = {{0x00, 0xBF, 1}, {0xC0, 0xDF, 2}, {0xE0, 0xEF, 3}, {0xF0, 0xF7, 4}, {0xF8, 0xFF, 1}};
+  } ranges[] = {
+      {0x00, 0xBF, 1}, {0xC0, 0xDF, 2}, {0xE0, 0xEF, 3}, {0xF0, 0xF7, 4}, {0xF8, 0xFF, 1}};
   for (const auto& range : ranges) {
     for (int byte = range.first; byte <= range.last; ++byte) {
       SCOPED_TRACE(byte);
@@ -75,8 +76,13 @@ TEST(Lower, CapitalEWithAcuteGivesSmallEWithAcute) {
 
 TEST(Lower, ALoneContinuationByteGivesItself) {
   EXPECT_EQ(Character("\x80"), "\x80");
-  EXPECT_EQ(Character("\xBF" "A"), "\xBF");
-  EXPECT_EQ(Utf8("\x80" "A"), "\x80" "a");
+  EXPECT_EQ(Character("\xBF"
+                      "A"),
+            "\xBF");
+  EXPECT_EQ(Utf8("\x80"
+                 "A"),
+            "\x80"
+            "a");
 }
 
 TEST(Lower, AnEmptyTextGivesNothing) {
@@ -156,7 +162,12 @@ TEST(Lower, CapitalIWithDotLeavesAStrayByte) {
 TEST(Lower, SmallPiAndSmallErAreLeftAlone) {
   EXPECT_EQ(Utf8("\xCF\x80"), "\xCF\x80");
   EXPECT_EQ(Utf8("\xD1\x80"), "\xD1\x80");
-  EXPECT_EQ(Utf8("A\xCF\x80" "B\xD1\x80" "C"), "a\xCF\x80" "b\xD1\x80" "c");
+  EXPECT_EQ(Utf8("A\xCF\x80"
+                 "B\xD1\x80"
+                 "C"),
+            "a\xCF\x80"
+            "b\xD1\x80"
+            "c");
 }
 
 TEST(Lower, MalformedTextGivesItself) {
@@ -165,18 +176,58 @@ TEST(Lower, MalformedTextGivesItself) {
     std::string_view input;
     std::string_view expected;
   } cases[] = {
-      {"a lead of two takes the next byte along", "\xC3" "AB", "\xC3" "Ab"},
-      {"a lead of three takes two along", "\xE4" "ABC", "\xE4" "ABc"},
-      {"a lead of four takes three along", "\xF0" "ABCD", "\xF0" "ABCd"},
+      {"a lead of two takes the next byte along",
+       "\xC3"
+       "AB",
+       "\xC3"
+       "Ab"},
+      {"a lead of three takes two along",
+       "\xE4"
+       "ABC",
+       "\xE4"
+       "ABc"},
+      {"a lead of four takes three along",
+       "\xF0"
+       "ABCD",
+       "\xF0"
+       "ABCd"},
       {"a lead at the end", "A\xC3", "a\xC3"},
       {"a sequence cut at the end", "A\xE1\xB8", "a\xE1\xB8"},
-      {"a lead of four before two letters at the end", "\xF0" "AB", "\xF0" "AB"},
-      {"an overlong A", "\xC1\x81" "B", "\xC1\x81" "b"},
-      {"an overlong e with acute", "\xE0\x83\x89" "B", "\xE0\x83\x89" "b"},
-      {"half of a surrogate pair", "\xED\xA0\x80" "B", "\xED\xA0\x80" "b"},
-      {"above the last character", "\xF7\xBF\xBF\xBF" "B", "\xF7\xBF\xBF\xBF" "b"},
-      {"0xF8 has length one", "\xF8" "AB", "\xF8" "ab"},
-      {"0xFF has length one", "\xFF" "AB", "\xFF" "ab"},
+      {"a lead of four before two letters at the end",
+       "\xF0"
+       "AB",
+       "\xF0"
+       "AB"},
+      {"an overlong A",
+       "\xC1\x81"
+       "B",
+       "\xC1\x81"
+       "b"},
+      {"an overlong e with acute",
+       "\xE0\x83\x89"
+       "B",
+       "\xE0\x83\x89"
+       "b"},
+      {"half of a surrogate pair",
+       "\xED\xA0\x80"
+       "B",
+       "\xED\xA0\x80"
+       "b"},
+      {"above the last character",
+       "\xF7\xBF\xBF\xBF"
+       "B",
+       "\xF7\xBF\xBF\xBF"
+       "b"},
+      {"0xF8 has length one",
+       "\xF8"
+       "AB",
+       "\xF8"
+       "ab"},
+      {"0xFF has length one",
+       "\xFF"
+       "AB",
+       "\xFF"
+       "ab"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);

@@ -69,8 +69,14 @@ TEST(Numbers, ScanDecimalSaturates) {
       {"text", "abc", 0, 0},
       {"blanks alone", "   ", 0, 0},
       {"hexadecimal is a zero", "0x10", 0, 1},
-      {"a NUL ends the number", "12\0" "34"sv, 12, 2},
-      {"a NUL before the number", "\0" "34"sv, 0, 0},
+      {"a NUL ends the number",
+       "12\0"
+       "34"sv,
+       12, 2},
+      {"a NUL before the number",
+       "\0"
+       "34"sv,
+       0, 0},
       {"the greatest", "2147483647", INT32_MAX, 10},
       {"one above", "2147483648", INT32_MAX, 10},
       {"the smallest", "-2147483648", INT32_MIN, 11},

@@ -60,6 +60,21 @@ TEST_F(TextListTest, AFailedAddLeavesTheList) {
   }
 }
 
+TEST_F(TextListTest, TruncateKeepsTheFirst) {
+  TextList list;
+  for (const char* text : {"a", "b", "c"}) ASSERT_TRUE(list.TryAdd(text));
+  list.Truncate(5);
+  EXPECT_EQ(list.size(), 3);
+  list.Truncate(1);
+  EXPECT_EQ(list.size(), 1);
+  ASSERT_TRUE(list.TryAdd("d"));
+  EXPECT_EQ(list.size(), 2);
+  EXPECT_STREQ(list.At(0), "a");
+  EXPECT_STREQ(list.At(1), "d");
+  list.Truncate(0);
+  EXPECT_EQ(list.size(), 0);
+}
+
 TEST_F(TextListTest, ReleaseEmpties) {
   TextList list;
   ASSERT_TRUE(list.TryAdd("text"));

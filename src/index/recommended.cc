@@ -1,0 +1,45 @@
+#include "index/recommended.h"
+
+#include <algorithm>
+
+#include "index/spelling.h"
+#include "text/numbers.h"
+
+namespace vela {
+
+namespace {
+
+constexpr size_t kKeywordLimit = 500;
+constexpr int64_t kTableBytesPerTie = 512;
+
+}  // namespace
+
+RecommendedStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& directory,
+                                  const Settings& settings) {
+  FileImage file;
+  if (!file.Open(directory, kRecommendedFileName, true)) return RecommendedStatus::kCannotOpen;
+  const int64_t wanted = int64_t{settings.NumRecommended} + 1;
+  if (settings.NumRecommended < 0 || wanted * kTableBytesPerTie > INT32_MAX) {
+    return RecommendedStatus::kNoMemory;
+  }
+  const auto most = static_cast<int64_t>(file.bytes().size() / 2) + 1;
+  if (!ties.dataOffsets.TryAllocate(static_cast<size_t>(std::min(wanted, most)))) {
+    return RecommendedStatus::kNoMemory;
+  }
+  LineReader reader{file.bytes()};
+  std::string_view line;
+  while (ties.keywords.size() < settings.NumRecommended &&
+         ReadLine(reader, KeyWordLineSize(settings) - 1, line)) {
+    line = UpToNul(line);
+    const size_t blank = line.rfind(' ');
+    if (blank == line.npos || blank == 0) continue;
+    ties.dataOffsets[static_cast<size_t>(ties.keywords.size())] =
+        ReadDecimalWrap64(line.substr(blank));
+    if (!ties.keywords.TryAdd(line.substr(0, std::min(blank, kKeywordLimit)))) {
+      return RecommendedStatus::kNoMemory;
+    }
+  }
+  return RecommendedStatus::kOk;
+}
+
+}  // namespace vela

@@ -1,0 +1,129 @@
+#include "output/context_text.h"
+
+#include "text/fixed_text.h"
+
+namespace vela {
+
+namespace {
+
+constexpr size_t kPassageLimit = 2048;  // bytes of a piece, marks included
+using Passage = FixedText<kPassageLimit + 1>;
+
+struct Marks {
+  std::string_view open;
+  std::string_view close;
+};
+
+Marks MarksFor(const Response& response, const Settings& settings) {
+  if (!response.xml) return {"<span class=\"highlight\">", "</span>"};
+  if (settings.XMLHighlight == 1) return {"<vela:highlight>", "</vela:highlight>"};
+  return {};
+}
+
+// Tells by the classes of the reserved word numbers where a blank stands.
+class Spacing {
+ public:
+  explicit Spacing(const Settings& settings)
+      : prefixes_(settings.DictReservedPrefixes),
+        suffixes_(settings.DictReservedSuffixes),
+        noSpaces_(settings.DictReservedNoSpaces) {}
+
+  bool TakesBlank(int32_t word) {
+    const bool blank = Decide(word);
+    previous_ = word;
+    hasPrevious_ = true;
+    return blank;
+  }
+
+ private:
+  bool Decide(int32_t word) {
+    if (nextWithoutBlank_) {
+      nextWithoutBlank_ = false;
+      return false;
+    }
+    if (word <= noSpaces_) {
+      if (suffixes_ < word && word <= prefixes_) {
+        nextWithoutBlank_ = true;
+        return true;
+      }
+      if (word > prefixes_) nextWithoutBlank_ = true;
+      return false;
+    }
+    return !hasPrevious_ || previous_ <= prefixes_ || previous_ > noSpaces_;
+  }
+
+  int32_t prefixes_;
+  int32_t suffixes_;
+  int32_t noSpaces_;
+  int32_t previous_ = 0;
+  bool hasPrevious_ = false;
+  bool nextWithoutBlank_ = false;
+};
+
+// Builds the text of a piece, with marks and without.
+void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const Marks& marks,
+                  Passage& marked, Passage& plain) {
+  Spacing spacing(source.settings);
+  size_t used = 0;
+  for (int32_t i = 0; i < piece.count; ++i) {
+    const SnippetSlot& slot = piece.slots[static_cast<size_t>(i)];
+    const std::string_view blank = spacing.TakesBlank(slot.word) ? " " : "";
+    const bool opens = slot.mark == SlotMark::kWhole || slot.mark == SlotMark::kOpen;
+    const bool closes = slot.mark == SlotMark::kWhole || slot.mark == SlotMark::kClose;
+    const std::string_view open = opens ? marks.open : "";
+    const std::string_view close = closes ? marks.close : "";
+    const std::string_view word = slot.word < source.dictionary.size()
+                                      ? source.dictionary.DisplayText(slot.word, slot.variant)
+                                      : std::string_view();
+    const size_t added = blank.size() + open.size() + word.size() + close.size();
+    if (used + added > kPassageLimit) return;
+    used += added;
+    for (std::string_view part : {blank, open, word, close}) Append(marked, part);
+    Append(plain, blank);
+    Append(plain, word);
+  }
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+  const size_t first = text.find_first_not_of(' ');
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+void Write(Response& response, OutputSections& sections, const char* text) {
+  if (response.xml) {
+    WriteRaw(response, text);
+  } else {
+    AppendResults(sections, "%s", text);
+  }
+}
+
+}  // namespace
+
+void WriteContext(Response& response, OutputSections& sections, const SnippetSource& source,
+                  const ResultEntry& entry, std::string_view title) {
+  const Marks marks = MarksFor(response, source.settings);
+  Write(response, sections, response.xml ? "<vela:context>" : "<div class=\"context\">\n");
+  SnippetWalk walk = StartSnippets(source.settings, entry);
+  SnippetPiece piece;
+  bool isWritten = false;
+  while (NextPiece(walk, source, entry, piece) == SnippetStatus::kPiece) {
+    for (int32_t i = 0; i < piece.damagedTokens; ++i) {
+      Write(response, sections,
+            "Critical error with pagetext file. Check that your files are from the same indexing "
+            "session.");
+    }
+    Passage marked;
+    Passage plain;
+    BuildPassage(source, piece, marks, marked, plain);
+    // A passage that says what the title says is worth nothing.
+    if (!isWritten && TrimBlanks(View(plain)) == TrimBlanks(title)) break;
+    Write(response, sections, response.xml ? " ... " : " <b>...</b> ");
+    Write(response, sections, marked.bytes);
+    isWritten = true;
+  }
+  if (isWritten) Write(response, sections, response.xml ? " ..." : " <b>...</b>");
+  Write(response, sections, response.xml ? "</vela:context>\n" : "</div>\n");
+}
+
+}  // namespace vela

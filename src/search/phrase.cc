@@ -1,0 +1,155 @@
+#include "search/phrase.h"
+
+#include <algorithm>
+
+#include "search/highlight_terms.h"
+#include "text/numbers.h"
+
+namespace vela {
+
+namespace {
+
+// Past the limit of seeks by this much, distant words are rejected without reading the text.
+constexpr int64_t kSeeksBeforeCheapReject = 50;
+
+bool IsSortedByPage(const WordList& list) {
+  for (int32_t i = 1; i < list.size(); ++i) {
+    if (RecordAt(list, i - 1).page > RecordAt(list, i).page) return false;
+  }
+  return true;
+}
+
+// The index of the first record of the page; -1 when the list has none.
+int32_t FindPage(const PhraseWord& word, uint32_t page) {
+  const int32_t size = word.list.size();
+  int32_t low = 0;
+  if (word.isSorted) {
+    int32_t high = size;
+    while (low < high) {
+      const int32_t middle = low + (high - low) / 2;
+      if (RecordAt(word.list, middle).page < page) {
+        low = middle + 1;
+      } else {
+        high = middle;
+      }
+    }
+    return low < size && RecordAt(word.list, low).page == page ? low : -1;
+  }
+  for (; low < size; ++low) {
+    if (RecordAt(word.list, low).page == page) return low;
+  }
+  return -1;
+}
+
+// Reads tokens from the reader's position on until the phrase is found, its page ends, or the
+// first word has been met more often than its score says it occurs.
+bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& settings,
+                  PageTextReader& text, uint64_t& start) {
+  const auto count = phrase.words.size();
+  const auto isWord = [&](size_t k, uint32_t number) {
+    return number == static_cast<uint32_t>(phrase.words[k].number);
+  };
+  uint32_t occurrences = 0;
+  for (;;) {
+    PageTextToken token;
+    for (size_t k = 0; k < count;) {
+      uint64_t position = 0;
+      int32_t consumed = 0;
+      do {
+        position = text.position;
+        consumed = ReadPageTextToken(text, token);
+      } while (consumed != 0 && token.word > 1 &&
+               int64_t{token.word} <= settings.DictReservedLimit);
+      if (token.word <= 1 || int64_t{token.word} >= settings.NumKeywords) break;
+      if (!isWord(k, token.word)) {
+        if (k == 0 || !isWord(0, token.word)) break;
+        k = 0;
+      }
+      if (k == 0) {
+        ++occurrences;
+        start = position;
+      }
+      if (++k == count) return true;
+    }
+    if (token.word == 0 || firstScore < occurrences) return false;
+  }
+}
+
+}  // namespace
+
+LookupStatus PreparePhrase(Phrase& phrase, std::string_view words, const Dictionary& dictionary,
+                           std::string_view wordMap, Response& response, bool& noMemory) {
+  phrase = Phrase();
+  size_t count = 0;
+  std::string_view word;
+  for (std::string_view rest = words; NextPhraseWord(rest, word);) ++count;
+  OwnedArray<PhraseWord> prepared;
+  noMemory = !prepared.TryAllocate(count);
+  if (noMemory || count == 0) return LookupStatus::kOk;
+  size_t k = 0;
+  for (std::string_view rest = words; NextPhraseWord(rest, word); ++k) {
+    prepared[k].number = dictionary.FindExact(word, 0);
+    if (prepared[k].number < 0) return LookupStatus::kOk;
+  }
+  for (PhraseWord& entry : prepared) {
+    const int64_t offset = dictionary.EntryAt(entry.number).offset;
+    if (offset == kNoWordList) continue;
+    switch (ReadWordList(response, wordMap, offset, entry.list)) {
+      case WordListStatus::kSeekFailed:
+        return LookupStatus::kSeekFailed;
+      case WordListStatus::kMissingData:
+        return LookupStatus::kMissingData;
+      case WordListStatus::kOk:
+        entry.isSorted = IsSortedByPage(entry.list);
+        break;
+    }
+  }
+  phrase.words = std::move(prepared);
+  return LookupStatus::kOk;
+}
+
+CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candidate,
+                              const Settings& settings, PageTextReader& text, PhraseBudget& budget,
+                              WordMapRecord& found) {
+  const auto count = static_cast<int64_t>(phrase.words.size());
+  const int64_t tokenSize = settings.DictIDLen;
+  const auto position = static_cast<int64_t>(candidate.position);
+  int64_t furthest = position;
+  int64_t furthestWord = 0;
+  uint32_t score = candidate.score;
+  for (int64_t k = 1; k < count; ++k) {
+    const PhraseWord& word = phrase.words[static_cast<size_t>(k)];
+    if (word.list.bytes.empty()) continue;
+    const int32_t index = FindPage(word, candidate.page);
+    if (index < 0) return CandidateResult::kRejected;
+    const WordMapRecord other = RecordAt(word.list, index);
+    const int f = candidate.proximity;
+    const int g = other.proximity;
+    if ((g & f) == 0 && (f & (2 * g)) == 0) return CandidateResult::kRejected;
+    if (static_cast<int64_t>(other.position) > furthest) {
+      furthest = static_cast<int64_t>(other.position);
+      furthestWord = k;
+    }
+    score += other.score;
+  }
+  if (budget.seeksDone > budget.maxSeeks + kSeeksBeforeCheapReject &&
+      position + tokenSize * (count + 3) <= furthest) {
+    return CandidateResult::kRejected;
+  }
+  budget.seeksDone = WrapAdd32(budget.seeksDone, 1);
+  if (budget.seeksDone > budget.maxSeeks || budget.now() > budget.deadline) {
+    return CandidateResult::kStop;
+  }
+  const int64_t from = std::max(position, furthest - tokenSize * (furthestWord + 3));
+  SeekPageText(text, static_cast<uint64_t>(from));
+  uint64_t start = 0;
+  if (!VerifyPhrase(phrase, candidate.score, settings, text, start)) {
+    return CandidateResult::kRejected;
+  }
+  found = candidate;
+  found.score = score;
+  found.position = start;
+  return CandidateResult::kFound;
+}
+
+}  // namespace vela

@@ -1,0 +1,50 @@
+// phrase.h: quoted phrases, whose words must stand one after another.
+//
+// Candidates come from the word-map lists of the words; each is confirmed in the page text.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "index/dictionary.h"
+#include "index/page_text.h"
+#include "index/word_map.h"
+#include "output/response.h"
+#include "search/lookup.h"
+#include "settings/settings.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+struct PhraseWord {
+  int32_t number = -1;  // in the dictionary
+  WordList list;
+  bool isSorted = false;  // by page: searched by halving
+};
+
+struct Phrase {
+  OwnedArray<PhraseWord> words;  // empty: the phrase matches nothing
+};
+
+// How far the verification of phrases may go, over all phrases of a query.
+struct PhraseBudget {
+  int32_t maxSeeks = 0;   // MaxContextSeeks
+  int32_t seeksDone = 0;  // candidates verified so far
+  double deadline = 0;    // seconds since 1970
+  double (*now)() = nullptr;
+};
+
+// Looks every word of the phrase up and reads its list. kOk also when the phrase matches nothing.
+[[nodiscard]] LookupStatus PreparePhrase(Phrase& phrase, std::string_view words,
+                                         const Dictionary& dictionary, std::string_view wordMap,
+                                         Response& response, bool& noMemory);
+
+enum class CandidateResult { kRejected, kFound, kStop };
+
+// Tests one record of the first word. kFound: `found` is the record to add, with the score of all
+// words and the position where the phrase begins. kStop: a limit was reached and the term ends.
+CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candidate,
+                              const Settings& settings, PageTextReader& text, PhraseBudget& budget,
+                              WordMapRecord& found);
+
+}  // namespace vela

@@ -1,0 +1,83 @@
+#include "search/suggestions.h"
+
+#include <algorithm>
+
+#include "text/lower.h"
+#include "text/sound_key.h"
+
+namespace vela {
+
+namespace {
+
+// A dictionary word as it is suggested; false when the slot is empty.
+bool CandidateWord(int32_t number, const Dictionary& dictionary, const Settings& settings,
+                   Stemmer& stemmer, QueryText& word) {
+  if (number <= 0 || number >= dictionary.size()) return false;
+  Set(word, dictionary.DisplayText(number, 1));
+  const bool utf8 = settings.UseUTF8 == 1;
+  LowerText(word.bytes, View(word).size(), utf8);
+  if (settings.UseStemming == 1) StemText(word, stemmer, utf8);
+  return true;
+}
+
+// Looks for words that sound like the term; stores the first that differs and, behind it, the
+// others of its entry. The number stored.
+int32_t FindAlike(std::string_view term, const SpellingTable& spelling,
+                  const Dictionary& dictionary, const Settings& settings, Stemmer& stemmer,
+                  QueryText (&alike)[Suggestions::kMost]) {
+  const SoundKey key = MakeSoundKey(term);
+  if (IsEmpty(key)) return 0;
+  for (int32_t i = 0; i < spelling.count; ++i) {
+    const SpellingEntry& entry = spelling.entries[static_cast<size_t>(i)];
+    const int order = View(entry.key).compare(View(key));
+    if (order > 0) return 0;
+    if (order < 0) continue;
+    int32_t found = 0;
+    for (int32_t number : entry.words) {
+      QueryText word;
+      if (!CandidateWord(number, dictionary, settings, stemmer, word)) continue;
+      if (View(word) != term) alike[found++] = word;
+    }
+    if (found > 0) return found;
+  }
+  return 0;
+}
+
+}  // namespace
+
+Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spelling,
+                            const Dictionary& dictionary, const Settings& settings,
+                            Stemmer& stemmer) {
+  Suggestions suggestions;
+  const auto isRare = [&](const SearchedTerm& term) {
+    return term.records < settings.SpellingWhenLessThan;
+  };
+  if (settings.Spelling != 1 || !spelling.isLoaded ||
+      std::none_of(search.terms.begin(), search.terms.end(), isRare)) {
+    return suggestions;
+  }
+  bool isOffered = false;
+  QueryText alike[Suggestions::kMost];
+  for (size_t i = 0; i < search.terms.size(); ++i) {
+    const SearchedTerm& term = search.terms[i];
+    std::string_view piece = View(term.word);
+    if (isRare(term)) {
+      const int32_t found =
+          FindAlike(View(term.word), spelling, dictionary, settings, stemmer, alike);
+      if (found == 0) continue;
+      isOffered = true;
+      piece = View(alike[0]);
+      if (search.terms.size() == 1) {
+        suggestions.count = found;
+        for (int32_t k = 1; k < found; ++k) Set(suggestions.texts[k], View(alike[k]));
+      }
+    }
+    if (i > 0) Append(suggestions.texts[0], " ");
+    Append(suggestions.texts[0], piece);
+  }
+  if (!isOffered) return Suggestions();
+  suggestions.count = std::max(suggestions.count, 1);
+  return suggestions;
+}
+
+}  // namespace vela

@@ -1,0 +1,28 @@
+// suggestions.h: another spelling of a query that found little.
+#pragma once
+
+#include <cstdint>
+
+#include "index/dictionary.h"
+#include "index/spelling.h"
+#include "search/query.h"
+#include "search/term_search.h"
+#include "settings/settings.h"
+#include "text/stemmer.h"
+
+namespace vela {
+
+struct Suggestions {
+  // The suggested query, and for a query of one term up to two alternatives.
+  static constexpr int32_t kMost = 3;
+  FixedText<4172> texts[kMost];  // a suggestion may be longer than the query was
+  int32_t count = 0;             // 0: nothing to suggest
+};
+
+// Replaces each term with fewer records than SpellingWhenLessThan by a dictionary word that sounds
+// alike; one for which there is none is left out.
+Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spelling,
+                            const Dictionary& dictionary, const Settings& settings,
+                            Stemmer& stemmer);
+
+}  // namespace vela
