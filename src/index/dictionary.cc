@@ -105,7 +105,8 @@ DictionaryStatus Dictionary::Load(std::string_view bytes, const Settings& settin
   const size_t wanted = static_cast<size_t>(
       std::min<int64_t>(std::max<int64_t>(words, 0), static_cast<int64_t>(bytes.size() / 2) + 2));
   if (settings.NumKeywords < 0 || words * kTableBytesPerWord > INT32_MAX ||
-      bytes.size() > UINT32_MAX || !starts_.TryAllocate(wanted)) {
+      bytes.size() > UINT32_MAX || !starts_.TryAllocate(wanted) ||
+      !variantBits_.TryAllocate(wanted / 64 + 1)) {
     WriteError(response, "Error: out of memory", ErrorEnd::kPlain);
     return DictionaryStatus::kEnded;
   }
@@ -180,6 +181,9 @@ DictionaryStatus Dictionary::ReadLines(const Settings& settings, Response& respo
     starts_[static_cast<size_t>(entry)] = static_cast<uint32_t>(start - bytes_.data());
     if (blank < lineEnd) {
       remaining = ReadVariantCount({blank + 1, static_cast<size_t>(lineEnd - blank - 1)});
+      if (remaining > 0) {
+        variantBits_[static_cast<size_t>(entry) / 64] |= uint64_t{1} << (entry % 64);
+      }
     }
     ++entry;
     if (entry > settings.NumKeywords) {
@@ -201,6 +205,7 @@ void Dictionary::Release() {
   file_.Close();
   bytes_ = {};
   starts_.Release();
+  variantBits_.Release();
   count_ = 0;
 }
 

@@ -53,6 +53,11 @@ class Dictionary {
   // The first word number from `from` on whose word equals `word` byte for byte; -1 for none.
   int32_t FindExact(std::string_view word, int32_t from) const;
 
+  // Whether variant lines follow the word; costs nothing, unlike looking for them.
+  bool HasVariants(int32_t number) const {
+    return (variantBits_[static_cast<size_t>(number) / 64] >> (number % 64) & 1) != 0;
+  }
+
   // The number of stored variants of the word: none when its first variant line was too long or
   // empty, otherwise its variant lines that are neither.
   int32_t StoredVariants(int32_t number) const;
@@ -66,8 +71,9 @@ class Dictionary {
   [[nodiscard]] DictionaryStatus ReadLines(const Settings& settings, Response& response);
 
   FileImage file_;
-  std::string_view bytes_;       // up to where loading went
-  OwnedArray<uint32_t> starts_;  // where each word stands
+  std::string_view bytes_;            // up to where loading went
+  OwnedArray<uint32_t> starts_;       // where each word stands
+  OwnedArray<uint64_t> variantBits_;  // one bit a word
   int32_t count_ = 0;
 };
 

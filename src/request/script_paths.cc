@@ -16,24 +16,34 @@ int HexValue(char c) {
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Whether `word`, percent-decoded, is `text`.
-bool DecodesTo(std::string_view word, std::string_view text) {
-  size_t at = 0;
-  for (char c : text) {
-    if (at >= word.size()) return false;
-    char decoded = word[at];
-    if (decoded == '%' && at + 2 < word.size()) {
-      const int high = HexValue(word[at + 1]);
-      const int low = HexValue(word[at + 2]);
-      if (high >= 0 && low >= 0) {
-        decoded = static_cast<char>(high * 16 + low);
-        at += 2;
-      }
+// Takes the next byte off a percent-encoded word.
+char TakeDecoded(std::string_view& word) {
+  char decoded = word[0];
+  size_t length = 1;
+  if (decoded == '%' && word.size() > 2) {
+    const int high = HexValue(word[1]);
+    const int low = HexValue(word[2]);
+    if (high >= 0 && low >= 0) {
+      decoded = static_cast<char>(high * 16 + low);
+      length = 3;
     }
-    ++at;
-    if (decoded != c) return false;
   }
-  return at == word.size();
+  word.remove_prefix(length);
+  return decoded;
+}
+
+// Whether `argument` is the word, percent-decoded. Some servers put a backslash before characters
+// that mean something to a shell.
+bool IsDecodedWord(std::string_view argument, std::string_view word) {
+  while (!word.empty()) {
+    const char decoded = TakeDecoded(word);
+    if (argument.size() > 1 && argument[0] == '\\' && argument[1] == decoded) {
+      argument.remove_prefix(1);
+    }
+    if (!argument.starts_with(decoded)) return false;
+    argument.remove_prefix(1);
+  }
+  return argument.empty();
 }
 
 }  // namespace
@@ -66,10 +76,10 @@ bool AreArgumentsOfQuery(std::span<const char* const> arguments, std::string_vie
   for (const char* argument : arguments) {
     if (queryString.data() == nullptr) return false;  // more arguments than words
     const size_t end = queryString.find('+');
-    if (!DecodesTo(queryString.substr(0, end), argument)) return false;
+    if (!IsDecodedWord(argument, queryString.substr(0, end))) return false;
     queryString = end == queryString.npos ? std::string_view() : queryString.substr(end + 1);
   }
-  return queryString.data() == nullptr;
+  return !arguments.empty();
 }
 
 }  // namespace vela

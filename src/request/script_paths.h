@@ -24,7 +24,8 @@ void SplitProgramPath(ScriptPaths& paths, std::string_view programPath);
 void ReadDirectorySwitch(ScriptPaths& paths, std::span<const char* const> arguments);
 
 // Whether the arguments are the words of a query string without "=", which a web server hands to
-// the program as arguments: a visitor must not choose the index directory with them.
+// the program as arguments: a visitor must not choose the index directory with them. Servers may
+// hand over the first words only, and may put backslashes before shell characters.
 bool AreArgumentsOfQuery(std::span<const char* const> arguments, std::string_view queryString);
 
 }  // namespace vela

@@ -25,9 +25,8 @@ int32_t FirstSearchedWord(const Settings& settings) {
 bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view pattern,
                  bool foldCase) {
   if (MatchesWildcard(dictionary.WordAt(number), pattern, foldCase)) return true;
-  const DictEntry entry = dictionary.EntryAt(number);
-  if (entry.variantCount <= 0) return false;
-  VariantReader variants(dictionary, entry);
+  if (!dictionary.HasVariants(number)) return false;
+  VariantReader variants(dictionary, dictionary.EntryAt(number));
   std::string_view variant;
   while (variants.Next(variant)) {
     if (MatchesWildcard(variant, pattern, foldCase)) return true;

@@ -15,8 +15,8 @@ namespace vela {
 struct Suggestions {
   // The suggested query, and for a query of one term up to two alternatives.
   static constexpr int32_t kMost = 3;
-  FixedText<4172> texts[kMost];  // a suggestion may be longer than the query was
-  int32_t count = 0;             // 0: nothing to suggest
+  FixedText<10240> texts[kMost];  // a suggestion may be longer than the query was
+  int32_t count = 0;              // 0: nothing to suggest
 };
 
 // Replaces each term with fewer records than SpellingWhenLessThan by a dictionary word that sounds

@@ -42,6 +42,7 @@ class OwnedArray {
     count_ = 0;
     if (g_failAllocationNumber > 0 && --g_failAllocationNumber == 0) return false;
     if (count == 0) return true;
+    if (count > SIZE_MAX / sizeof(T)) return false;
     data_ = static_cast<T*>(calloc(count, sizeof(T)));
     if (data_ == nullptr) return false;
     count_ = count;

@@ -3,6 +3,7 @@
 #include "request/cgi_form.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <array>
 #include <csignal>
@@ -340,6 +341,15 @@ TEST_F(CgiFormTest, ContentLengths) {
     EXPECT_EQ(CgiReadForm(form_, request.source()), c.result);
     EXPECT_EQ(PairsOf(form_), c.pairs);
   }
+}
+
+TEST_F(CgiFormTest, OfANegativeLengthNothingIsRead) {
+  FakeRequest request;
+  request.Post("a=1", "-1");
+  EXPECT_EQ(CgiReadForm(form_, request.source()), CgiResult::kInput);
+  char rest[8] = {};
+  EXPECT_EQ(read(request.source().bodyDescriptor, rest, 3), 3);
+  EXPECT_STREQ(rest, "a=1");
 }
 
 TEST_F(CgiFormTest, ANulInABodyEndsIt) {
