@@ -187,6 +187,8 @@ def make_index(r, features):
                 variant = r.choice((0, 0, 0, 1, 2, 3, 255))
                 first, flags, count = seen.get(word, (len(text), 0, 0))
                 seen[word] = (first, flags | 1 << (len(text) // id_len % 8), count + 1)
+            if chance(r, 0.004):
+                number = r.choice((0, 1, len(all_words), len(all_words) + 1, 200))
             if (number >> 8 * (id_len - 1)) == 0:
                 text += number.to_bytes(id_len - 1, "little") + bytes([variant])
         for word, (first, flags, count) in seen.items():

@@ -906,6 +906,7 @@ def show_recommended(c, offset):
 # ---- spelling suggestions -----------------------------------------------------------------------
 
 VOWELS = "AEIOU"
+LONGEST_SUGGESTION = 4171  # bytes; a bound that only the program names
 
 
 def sound_key(word):
@@ -1031,7 +1032,7 @@ def suggest(c):
                 continue
             offered += 1
         text += (b" " if i else b"") + piece
-    return [text] + alternatives if offered else []
+    return [text[:LONGEST_SUGGESTION]] + alternatives if offered else []
 
 
 def spelling_word(c, number):

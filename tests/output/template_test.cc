@@ -29,7 +29,7 @@ struct Page {
     }
     AppendResults(sections, "[results]");
   }
-  std::string Fill(bool xml = false) {
+  std::string Filled(bool xml = false) {
     CapturedResponse captured(xml);
     FillTemplate(captured.response,
                  {settings, site.directory, sections, displayQuery, scriptUrl});
@@ -37,7 +37,7 @@ struct Page {
   }
   std::string Fill(std::string_view text) {
     site.Write("search_template.html", text);
-    return Fill();
+    return Filled();
   }
 };
 
@@ -67,13 +67,13 @@ TEST(Template, MarkerWithLowerCasePrefixIsCopied) {
 TEST(Template, XmlNeverOpensTheTemplate) {
   Page page;  // there is no template file
   page.settings.UseAutoComplete = 1;
-  EXPECT_EQ(page.Fill(true), "</channel>\n</rss>");
+  EXPECT_EQ(page.Filled(true), "</channel>\n</rss>");
 }
 
 TEST(Template, Missing) {
   Page page;
   page.settings.UseAutoComplete = 1;
-  EXPECT_EQ(page.Fill(), "Error: Could not open template file.");
+  EXPECT_EQ(page.Filled(), "Error: Could not open template file.");
 }
 
 TEST(Template, EverySectionMarker) {

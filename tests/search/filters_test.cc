@@ -392,7 +392,7 @@ TEST(MetaConstraint, NumbersTable) {
       {"money rounded up", kMetaMoney, "12.345", true, 1235},
       {"money rounded up to a whole", kMetaMoney, "0.995", true, 100},
       {"money with a point at the end", kMetaMoney, "12.", true, 1200},
-      {"money with a point at the start", kMetaMoney, ".5", true, 50},
+      {"money without digits before the point", kMetaMoney, ".5", false, 0},
       {"money negative", kMetaMoney, "-1.50", true, -150},
       {"money with a plus sign", kMetaMoney, "+1.50", true, 150},
       {"money with an exponent, which is passed over", kMetaMoney, "1e3", true, 100},

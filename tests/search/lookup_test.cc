@@ -24,12 +24,12 @@ struct Lookup {
 };
 
 // One search of several terms over a site.
-struct Run {
+struct TermRun {
   LoadedSite& site;
   MatchBudget budget;
   bool limitReached = false;
 
-  Run(LoadedSite& loaded, int32_t maxMatches, int32_t termCount)
+  TermRun(LoadedSite& loaded, int32_t maxMatches, int32_t termCount)
       : site(loaded), budget(MakeMatchBudget(maxMatches, termCount)) {}
 
   Lookup Find(const std::string& word, bool isWildcard, bool isExclusion = false) {
@@ -58,7 +58,7 @@ IndexBuilder Words(const std::vector<std::string>& words) {
 
 Pages PagesOf(const IndexBuilder& builder, const std::string& word, bool isWildcard) {
   LoadedSite site(builder);
-  Run run(site, 1000, 1);
+  TermRun run(site, 1000, 1);
   const Lookup lookup = run.Find(word, isWildcard);
   EXPECT_EQ(lookup.status, LookupStatus::kOk);
   EXPECT_FALSE(run.limitReached);
@@ -81,7 +81,7 @@ TEST(Lookup, SubstringTermMatchesInsideWords) {
 
 TEST(Lookup, LaterPositiveTermsReadNothingOnceTheLimitIsPassed) {
   LoadedSite site(Words({"oak", "oat", "elm"}));
-  Run run(site, 2, 1);
+  TermRun run(site, 2, 1);
   EXPECT_EQ(run.Find("oa*", true).pages, (Pages{2, 3}));
   EXPECT_FALSE(run.limitReached);
   EXPECT_EQ(run.Find("elm", false).pages, Pages{});
@@ -116,7 +116,7 @@ TEST(Lookup, ExactTable) {
     SCOPED_TRACE(c.what);
     LoadedSite site(builder);
     site.settings.ToLowerSearchWords = 1;  // exact words compare byte by byte all the same
-    Run run(site, 1000, 1);
+    TermRun run(site, 1000, 1);
     const Lookup lookup = run.Find(c.word, false);
     EXPECT_EQ(lookup.status, LookupStatus::kOk);
     EXPECT_EQ(lookup.pages, c.pages);
@@ -150,7 +150,7 @@ TEST(Lookup, WildcardTable) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     LoadedSite site(builder);
-    Run run(site, 1000, 1);
+    TermRun run(site, 1000, 1);
     const Lookup lookup = run.Find(c.pattern, true);
     EXPECT_EQ(lookup.status, LookupStatus::kOk);
     EXPECT_EQ(lookup.pages, c.pages);
@@ -205,7 +205,7 @@ TEST(MatchBudget, SharesAreRoundedUp) {
 
 TEST(MatchBudget, OneTermsShareEndsItsScanWithoutTheFlag) {
   LoadedSite site(Words({"oak", "oat", "oar", "elm"}));
-  Run run(site, 4, 2);
+  TermRun run(site, 4, 2);
   EXPECT_EQ(run.Find("oa*", true).pages, (Pages{2, 3}));
   EXPECT_FALSE(run.limitReached);
   // The third match counted, although it was not read: one is left for the whole search.
@@ -216,7 +216,7 @@ TEST(MatchBudget, OneTermsShareEndsItsScanWithoutTheFlag) {
 
 TEST(MatchBudget, ExclusionsCountButAreNotStopped) {
   LoadedSite site(Words({"oak", "oat", "oar", "elm"}));
-  Run run(site, 3, 1);
+  TermRun run(site, 3, 1);
   EXPECT_EQ(run.Find("oa*", true, true).pages, (Pages{2, 3, 4}));
   EXPECT_FALSE(run.limitReached);
   EXPECT_EQ(run.budget.used, 3);
@@ -227,14 +227,14 @@ TEST(MatchBudget, ExclusionsCountButAreNotStopped) {
 TEST(MatchBudget, WordsWithoutListsDoNotCount) {
   LoadedSite site(
       Words({"oak"}).WordWithOffset("oat", "-1").Word("oar", {{5, 10, 0, 0}}));
-  Run run(site, 2, 1);
+  TermRun run(site, 2, 1);
   EXPECT_EQ(run.Find("oa*", true).pages, (Pages{2, 5}));
   EXPECT_FALSE(run.limitReached);
 }
 
 TEST(MatchBudget, OfNothing) {
   LoadedSite site(Words({"oak"}));
-  Run run(site, 0, 1);
+  TermRun run(site, 0, 1);
   EXPECT_EQ(run.Find("elm", false).pages, Pages{});
   EXPECT_FALSE(run.limitReached);
   EXPECT_EQ(run.Find("oak", false).pages, Pages{});
@@ -256,7 +256,7 @@ TEST(Lookup, DamagedLists) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     LoadedSite site(Words({"oak"}).WordWithOffset("bad", c.offset));
-    Run run(site, 1000, 1);
+    TermRun run(site, 1000, 1);
     EXPECT_EQ(run.Find("bad", false).status, c.status);
     EXPECT_EQ(site.loading.Text(), c.text);
   }
@@ -264,7 +264,7 @@ TEST(Lookup, DamagedLists) {
 
 TEST(Lookup, RefusedRecordEndsTheLookup) {
   LoadedSite site(Words({}).Word("oak", {{2, 1, 0, 0}, {100, 1, 0, 0}, {3, 1, 0, 0}}));
-  Run run(site, 1000, 1);
+  TermRun run(site, 1000, 1);
   const Lookup lookup = run.Find("oak", false);
   EXPECT_EQ(lookup.status, LookupStatus::kInvalidPage);
   EXPECT_EQ(lookup.pages, Pages{2});

@@ -87,14 +87,14 @@ std::string PageInfoRecord(const PageFields& page, uint64_t dataOffset, bool big
   return record + rest;
 }
 
-std::string WordList(const std::vector<Occurrence>& occurrences) {
+std::string WordList(const std::vector<Occurrence>& occurrences, uint64_t tokenBytes) {
   std::string list;
   PutLittleEndian(list, occurrences.size(), 4);
   for (const Occurrence& o : occurrences) {
     PutLittleEndian(list, o.score, 1);
     PutLittleEndian(list, o.flags, 1);
     PutLittleEndian(list, o.page, 3);
-    PutLittleEndian(list, o.position, 5);
+    PutLittleEndian(list, o.isToken ? o.position * tokenBytes : o.position, 5);
   }
   return list;
 }
@@ -176,6 +176,30 @@ IndexBuilder& IndexBuilder::Tokens(const std::vector<PageTextToken>& tokens) {
   return *this;
 }
 
+uint32_t IndexBuilder::WordNumber(std::string_view word) const {
+  const auto found = std::find_if(words_.begin(), words_.end(),
+                                  [word](const WordLine& line) { return line.word == word; });
+  if (found == words_.end()) throw std::runtime_error("no such word: " + std::string(word));
+  return static_cast<uint32_t>(found - words_.begin());
+}
+
+IndexBuilder& IndexBuilder::Spelling(std::string_view key, const std::vector<int64_t>& words) {
+  std::string line(key);
+  for (const int64_t word : words) line += " " + std::to_string(word);
+  spellingLines_.push_back(std::move(line));
+  return *this;
+}
+
+IndexBuilder& IndexBuilder::Recommend(size_t page, std::string_view keywords) {
+  recommendedLines_.push_back({page, std::string(keywords)});
+  return *this;
+}
+
+IndexBuilder& IndexBuilder::Suggest(std::string_view suggestion) {
+  suggestions_.emplace_back(suggestion);
+  return *this;
+}
+
 IndexBuilder& IndexBuilder::File(std::string_view name, std::string_view bytes) {
   files_[std::string(name)] = bytes;
   return *this;
@@ -188,6 +212,11 @@ IndexBuilder& IndexBuilder::Omit(std::string_view name) {
 
 IndexBuilder& IndexBuilder::Directory(std::string_view name) {
   changes_.push_back({Change::Kind::kDirectory, std::string(name), 0, {}});
+  return *this;
+}
+
+IndexBuilder& IndexBuilder::Folder(std::string_view name) {
+  folders_.emplace_back(name);
   return *this;
 }
 
@@ -236,8 +265,10 @@ std::string IndexBuilder::SettingsFile(const std::map<std::string, std::string>&
 std::map<std::string, std::string> IndexBuilder::Files() const {
   std::string pageData;
   std::string pageInfo;
+  std::vector<size_t> dataOffsets;
   const bool big = Number("UseBigPageInfoData") != 0;
   for (const PageFields& page : pages_) {
+    dataOffsets.push_back(pageData.size());
     pageInfo += PageInfoRecord(page, pageData.size(), big);
     pageData += PageDataLine(page);
   }
@@ -247,10 +278,11 @@ std::map<std::string, std::string> IndexBuilder::Files() const {
   size_t baseWordBytes = 0;
   size_t variantBytes = 0;
   size_t variantCount = 0;
+  const auto tokenBytes = static_cast<size_t>(Number("DictIDLen"));
   for (const WordLine& word : words_) {
     std::string offset = word.offset;
     if (offset.empty()) offset = word.hasList ? std::to_string(wordMap.size()) : "-1";
-    if (word.hasList) wordMap += WordList(word.occurrences);
+    if (word.hasList) wordMap += WordList(word.occurrences, tokenBytes);
     dictionary += word.word + " " + offset + " " + std::to_string(word.variants.size()) + "\n";
     baseWordBytes += word.word.size() + 1;
     for (const std::string& variant : word.variants) {
@@ -261,26 +293,41 @@ std::map<std::string, std::string> IndexBuilder::Files() const {
   }
 
   std::string pageText;
-  const auto tokenBytes = static_cast<size_t>(Number("DictIDLen"));
   for (const PageTextToken& token : tokens_) {
     PutLittleEndian(pageText, token.word, tokenBytes - 1);
     PutLittleEndian(pageText, token.variant, 1);
   }
 
-  std::map<std::string, std::string> files;
-  files["settings.vdat"] = SettingsFile({
+  std::string spelling;
+  for (const std::string& line : spellingLines_) spelling += line + "\n";
+  std::string recommended;
+  for (const RecommendedLine& line : recommendedLines_) {
+    recommended += line.keywords + " " + std::to_string(dataOffsets.at(line.page)) + "\n";
+  }
+  std::string suggestions;
+  for (const std::string& line : suggestions_) suggestions += line + "\n";
+
+  std::map<std::string, std::string> derived = {
       {"NumPages", std::to_string(pages_.size())},
       {"PageInfoSize", std::to_string(pageInfo.size())},
       {"NumKeywords", std::to_string(words_.size())},
       {"NumVariants", std::to_string(variantCount)},
       {"OutputBasewordBufferSize", std::to_string(baseWordBytes)},
       {"OutputVariantBufferSize", std::to_string(variantBytes)},
-  });
+  };
+  if (!spelling.empty()) derived["NumSpellings"] = std::to_string(spellingLines_.size());
+  if (!recommended.empty()) derived["NumRecommended"] = std::to_string(recommendedLines_.size());
+
+  std::map<std::string, std::string> files;
+  files["settings.vdat"] = SettingsFile(derived);
   files["vela_pagedata.vdat"] = pageData;
   files["vela_pageinfo.vdat"] = pageInfo;
   files["vela_dictionary.vdat"] = dictionary;
   files["vela_wordmap.vdat"] = wordMap;
   files["vela_pagetext.vdat"] = pageText;
+  if (!spelling.empty()) files["vela_spelling.vdat"] = spelling;
+  if (!recommended.empty()) files["vela_recommended.vdat"] = recommended;
+  if (!suggestions.empty()) files["vela_autocomplete.vdat"] = suggestions;
   for (const auto& [name, bytes] : files_) files[name] = bytes;
 
   for (const Change& change : changes_) {
@@ -313,7 +360,11 @@ std::map<std::string, std::string> IndexBuilder::Files() const {
 
 void IndexBuilder::WriteTo(const std::filesystem::path& directory) const {
   std::filesystem::create_directories(directory);
-  for (const auto& [name, bytes] : Files()) WriteFile(directory / name, bytes);
+  for (const std::string& name : folders_) std::filesystem::create_directories(directory / name);
+  for (const auto& [name, bytes] : Files()) {
+    std::filesystem::create_directories((directory / name).parent_path());
+    WriteFile(directory / name, bytes);
+  }
   for (const Change& change : changes_) {
     if (change.kind == Change::Kind::kDirectory) {
       std::filesystem::create_directories(directory / change.name);

@@ -44,7 +44,8 @@ struct Occurrence {
   uint32_t page = 0;
   uint8_t score = 0;
   uint8_t flags = 0;
-  uint64_t position = 0;  // byte offset in the page-text file, 40 bits
+  uint64_t position = 0;  // in the page-text file, 40 bits: a byte offset, or
+  bool isToken = false;   // the number of a token, times DictIDLen
 };
 
 // One token of the page-text file.
@@ -79,12 +80,23 @@ class IndexBuilder {
   // Appends tokens to the page-text file; their width follows DictIDLen.
   IndexBuilder& Tokens(const std::vector<PageTextToken>& tokens);
 
-  // Replaces a whole file, or adds one that the builder does not know.
+  // The number of a dictionary word. Throws std::runtime_error when there is no such word.
+  uint32_t WordNumber(std::string_view word) const;
+
+  // One line of the spelling, the recommended and the autocomplete file. A recommended page is
+  // given by its number; its line need not be there yet.
+  IndexBuilder& Spelling(std::string_view key, const std::vector<int64_t>& words);
+  IndexBuilder& Recommend(size_t page, std::string_view keywords);
+  IndexBuilder& Suggest(std::string_view suggestion);
+
+  // Replaces a whole file, or adds one that the builder does not know. The name may lie in a
+  // folder.
   IndexBuilder& File(std::string_view name, std::string_view bytes);
 
   // Changes to the finished files, made in the order of the calls.
   IndexBuilder& Omit(std::string_view name);
   IndexBuilder& Directory(std::string_view name);  // a directory stands in the file's place
+  IndexBuilder& Folder(std::string_view name);     // one more directory, empty
   IndexBuilder& Link(std::string_view name, std::string_view target);  // a symbolic link does
   IndexBuilder& Cut(std::string_view name, size_t length);
   IndexBuilder& Patch(std::string_view name, size_t offset, std::string_view bytes);
@@ -107,6 +119,10 @@ class IndexBuilder {
     std::vector<Occurrence> occurrences;
     std::vector<std::string> variants;
   };
+  struct RecommendedLine {
+    size_t page = 0;
+    std::string keywords;
+  };
   struct Change {
     enum class Kind { kOmit, kDirectory, kLink, kCut, kPatch, kAppend } kind;
     std::string name;
@@ -123,6 +139,10 @@ class IndexBuilder {
   std::vector<PageFields> pages_;
   std::vector<WordLine> words_;
   std::vector<PageTextToken> tokens_;
+  std::vector<std::string> spellingLines_;
+  std::vector<RecommendedLine> recommendedLines_;
+  std::vector<std::string> suggestions_;
+  std::vector<std::string> folders_;
   std::map<std::string, std::string> files_;
   std::vector<Change> changes_;
 };

@@ -110,22 +110,39 @@ void ParseWord(std::string_view text, IndexBuilder& index) {
     o.page = static_cast<uint32_t>(ParseNumber(numbers[0]));
     o.score = static_cast<uint8_t>(ParseNumber(numbers[1]));
     if (numbers.size() > 2) o.flags = static_cast<uint8_t>(ParseNumber(numbers[2], 16));
-    if (numbers.size() > 3) o.position = ParseNumber(numbers[3]);
+    if (numbers.size() > 3) {
+      o.isToken = numbers[3].starts_with('#');
+      o.position = ParseNumber(o.isToken ? numbers[3].substr(1) : numbers[3]);
+    }
     occurrences.push_back(o);
   }
   index.Word(word, occurrences);
 }
 
+// A word's number, given as it is or by the word.
+uint32_t ParseWordNumber(const std::string& text, const IndexBuilder& index) {
+  const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+  return isNumber ? static_cast<uint32_t>(ParseNumber(text)) : index.WordNumber(Unescape(text));
+}
+
 void ParseTokens(std::string_view text, IndexBuilder& index) {
-  std::vector<PageTextToken> tokens;
   for (const std::string& part : SplitBlanks(text)) {
-    const std::vector<std::string> numbers = SplitAt(part, ':');
+    const std::vector<std::string> times = SplitAt(part, '*');
+    const std::vector<std::string> pieces = SplitAt(times.at(0), ':');
     PageTextToken token;
-    token.word = static_cast<uint32_t>(ParseNumber(numbers.at(0)));
-    if (numbers.size() > 1) token.variant = static_cast<uint8_t>(ParseNumber(numbers[1]));
-    tokens.push_back(token);
+    token.word = ParseWordNumber(pieces.at(0), index);
+    if (pieces.size() > 1) token.variant = static_cast<uint8_t>(ParseNumber(pieces[1]));
+    const size_t count = times.size() > 1 ? ParseNumber(times[1]) : 1;
+    index.Tokens(std::vector<PageTextToken>(count, token));
   }
-  index.Tokens(tokens);
+}
+
+void ParseSpelling(std::string_view text, IndexBuilder& index) {
+  const std::vector<std::string> parts = SplitBlanks(text);
+  if (parts.empty()) throw std::runtime_error("a spelling line without a key");
+  std::vector<int64_t> words;
+  for (size_t i = 1; i < parts.size(); ++i) words.push_back(ParseWordNumber(parts[i], index));
+  index.Spelling(Unescape(parts[0]), words);
 }
 
 // Splits "KEY = VALUE".
@@ -200,6 +217,16 @@ struct RecipeReader {
       index.Variant(Unescape(rest));
     } else if (verb == "tokens") {
       ParseTokens(rest, index);
+    } else if (verb == "spelling") {
+      ParseSpelling(rest, index);
+    } else if (verb == "recommend") {
+      std::string_view keywords;
+      const uint64_t page = ParseNumber(FirstWord(rest, keywords));
+      index.Recommend(page, Unescape(keywords));
+    } else if (verb == "suggest") {
+      index.Suggest(Unescape(rest));
+    } else if (verb == "folder") {
+      index.Folder(rest);
     } else if (verb == "file") {
       file = rest;
       index.File(file, "");

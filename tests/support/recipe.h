@@ -7,13 +7,16 @@
 //   drop KEY                           the line is left out, a derived one too
 //   settings                           the "|" lines below follow the keys in the settings file
 //   page URL|TITLE|DESCRIPTION|IMAGE| [size=N] [date=N] [boost=N] [type=N] [cats=HEX] [meta=BYTES]
-//   word WORD [PAGE:SCORE[:FLAGS-HEX[:POSITION]]]...
+//   word WORD [PAGE:SCORE[:FLAGS-HEX[:POSITION]]]...    POSITION: a byte, or #N for token N
 //   word WORD offset=N                 a list position given by hand
 //   word WORD empty                    a list of no records
 //   variant TEXT                       a variant spelling of the word above
-//   tokens WORD-NUMBER[:VARIANT]...    page text
+//   tokens WORD[:VARIANT][*TIMES]...   page text; WORD is a number or a word above
+//   spelling KEY WORD...               a line of the spelling file; WORD as in tokens
+//   recommend PAGE KEYWORDS            a line of the recommended file
+//   suggest TEXT                       a line of the autocomplete file
 //   file NAME                          the "|" lines below are the file
-//   omit NAME | directory NAME | link NAME TARGET | cut NAME LENGTH
+//   omit NAME | directory NAME | folder NAME | link NAME TARGET | cut NAME LENGTH
 //   patch NAME OFFSET BYTES | append NAME BYTES
 //
 // A "|" line ends with a line feed unless a lone "\" stands at its end. BYTES and "|" lines know
