@@ -58,26 +58,30 @@ if ! { cmake --preset release &&
   exit 1
 fi
 
-say "Indexing $site ..."
-index=build/demo/index
-rm -rf $index
-build/release/bin/vela_index --site "$site" --base-url / --out $index --template "$template" >&2
-cp build/release/bin/vela_search $index/search.cgi
-
 # The first free port from the wanted one on.
 port_answers() {
   (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
 }
 wanted=$port
 while port_answers $port; do
-  port=$((port < 65535 ? port + 1 : 1024))
-  [ $port -ne $((wanted + 100)) ] || { say "No free port near $wanted"; exit 1; }
+  port=$((port + 1))
+  if [ $port -gt 65535 ] || [ $port -ge $((wanted + 100)) ]; then
+    say "No free port from $wanted on"
+    exit 1
+  fi
 done
 [ $port -eq $wanted ] || say "Port $wanted is taken; using $port."
 
-scripts/lighttpd_config.sh "$site" $index $port >build/demo/lighttpd.conf
-server_log=$PWD/build/demo/server.log
-PATH=$PATH:/usr/sbin lighttpd -D -f build/demo/lighttpd.conf 2>"$server_log" &
+say "Indexing $site ..."
+work=build/demo/$port  # another demo may be running on another port
+mkdir -p $work
+index=$work/index
+build/release/bin/vela_index --site "$site" --base-url / --out $index --template "$template" >&2
+cp build/release/bin/vela_search $index/search.cgi
+
+scripts/lighttpd_config.sh "$site" $index $port >$work/lighttpd.conf
+server_log=$work/server.log
+PATH=$PATH:/usr/sbin lighttpd -D -f $work/lighttpd.conf 2>"$server_log" &
 server=$!
 stop() {
   trap - EXIT INT TERM

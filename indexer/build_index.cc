@@ -77,7 +77,7 @@ bool IsWithin(const fs::path& inner, const fs::path& outer) {
 
 fs::path ResolvedSite(const std::string& site) {
   std::error_code error;
-  const fs::path resolved = fs::canonical(site, error);
+  fs::path resolved = fs::canonical(site, error);
   if (error || !fs::is_directory(resolved)) {
     throw IndexError(ExitStatus::kFailed, "Cannot read the site folder " + site + ": " +
                                               (error ? error.message() : "it is no folder") +
@@ -118,7 +118,7 @@ std::string ChooseAddress(const PageContent& content, const std::string& own,
                           const std::string& base, Collection& collection, std::string& reason) {
   if (content.canonical.empty()) return own;
   const std::string from = content.base.empty() ? own : ResolveAddress(own, content.base);
-  const std::string canonical = ResolveAddress(from.empty() ? own : from, content.canonical);
+  std::string canonical = ResolveAddress(from.empty() ? own : from, content.canonical);
   // An address elsewhere names the original of a copy: here the copy is what visitors can reach.
   if (canonical.empty() || canonical == own || !IsBelow(canonical, base)) return own;
   if (collection.siteAddresses.contains(canonical) ||

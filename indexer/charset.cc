@@ -52,13 +52,12 @@ std::string ValueAfter(std::string_view tag, std::string_view name) {
 std::string DeclaredCharset(std::string_view bytes) {
   const std::string head = LowerAsciiCopy(bytes.substr(0, kDeclarationBytes));
   if (head.starts_with("<?xml")) {
-    const std::string name =
-        ValueAfter(std::string_view(head).substr(0, head.find('>')), "encoding");
+    std::string name = ValueAfter(std::string_view(head).substr(0, head.find('>')), "encoding");
     if (!name.empty()) return name;
   }
   for (size_t at = head.find("<meta"); at != head.npos; at = head.find("<meta", at + 5)) {
     const size_t end = head.find('>', at);
-    const std::string name =
+    std::string name =
         ValueAfter(std::string_view(head).substr(at, end == head.npos ? end : end - at), "charset");
     if (!name.empty()) return name;
   }

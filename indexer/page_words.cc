@@ -48,6 +48,15 @@ uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, Vocabulary& vo
   return wordCount;
 }
 
+uint32_t CountDistinctWords(const PageWords& words, size_t firstToken) {
+  std::vector<uint32_t> numbers;
+  for (size_t i = firstToken; i < words.tokens.size(); ++i) {
+    if (words.tokens[i].number >= kWordBase) numbers.push_back(words.tokens[i].number);
+  }
+  std::ranges::sort(numbers);
+  return static_cast<uint32_t>(std::unique(numbers.begin(), numbers.end()) - numbers.begin());
+}
+
 void AddOne(uint8_t& count) {
   if (count < 255) ++count;
 }
@@ -69,6 +78,7 @@ void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageWords& out
       out.lastTokens.push_back(kNone32);
     }
     Posting& posting = out.postings[word.slot];
+    if (occurrence.zone == kInTitle) word.inTitle = true;
     posting.zones |= occurrence.zone;
     // Title, description and address belong to the page as a whole and count as its beginning.
     const uint32_t block = occurrence.inBody ? occurrence.place / blockWords : 0;
@@ -101,11 +111,17 @@ void CutPage(const PageContent& page, const std::string& title, const std::strin
     if (count == 0) words.tokens.resize(before);
     return count;
   };
-  words.titleWords = addRun(title, kInTitle);
+  const size_t beforeTitle = words.tokens.size();
+  addRun(title, kInTitle);
+  words.titleWords = CountDistinctWords(words, beforeTitle);
   addRun(page.description, kInDescription);
   addRun(address, kInAddress);
   words.tokens.push_back({kPageEnd, 0});
   CollectPostings(pageNumber, vocabulary, words);
+  for (const Posting& posting : words.postings) {
+    Word& word = vocabulary.words[posting.word];
+    word.mostOnPage = std::max(word.mostOnPage, posting.total);
+  }
 }
 
 }  // namespace vela::indexer

@@ -25,7 +25,7 @@ struct PageWords {
   std::vector<PageToken> tokens;  // body, title, description, address; a page end closes them
   std::vector<Posting> postings;  // in order of the words' first appearance
   uint32_t bodyWords = 0;         // words of the running text
-  uint32_t titleWords = 0;
+  uint32_t titleWords = 0;        // different ones
 
   // A found form at its place, before the page's blocks are known.
   struct Occurrence {

@@ -34,8 +34,8 @@ struct RunReader {
 
 }  // namespace
 
-PostingRuns::PostingRuns(std::filesystem::path folder, size_t memoryBytes)
-    : path_(std::move(folder) / "postings.tmp") {
+PostingRuns::PostingRuns(const std::filesystem::path& folder, size_t memoryBytes)
+    : path_(folder / "postings.tmp") {
   SetMemory(memoryBytes);
 }
 

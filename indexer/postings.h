@@ -35,7 +35,7 @@ struct Posting {
 class PostingRuns {
  public:
   // `folder` is where the temporary file may lie, `memoryBytes` what may be held at a time.
-  PostingRuns(std::filesystem::path folder, size_t memoryBytes);
+  PostingRuns(const std::filesystem::path& folder, size_t memoryBytes);
   ~PostingRuns();
   PostingRuns(const PostingRuns&) = delete;
   PostingRuns& operator=(const PostingRuns&) = delete;

@@ -1,5 +1,6 @@
 #include "indexer/progress.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace vela::indexer {
@@ -31,7 +32,8 @@ void Progress::Step(uint64_t done) {
     snprintf(text, sizeof text, ", %.0f a second", rate);
     line += text;
     if (total_ > done) {
-      const auto left = static_cast<uint64_t>(static_cast<double>(total_ - done) / rate + 0.5);
+      const auto left =
+          static_cast<uint64_t>(std::llround(static_cast<double>(total_ - done) / rate));
       if (left >= 60) {
         snprintf(text, sizeof text, ", %llu min %llu s left",
                  static_cast<unsigned long long>(left / 60),

@@ -125,7 +125,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   addText("LinkBackURL", "search.cgi");
   addText("LogFileName", ".//logs//searchwords.log");
   for (const auto& [key, value] : kDefaults) add(key, static_cast<uint64_t>(value));
-  text.append("WeightProximity = ").append(std::to_string(ProximityWeight())).append("\n");
+  text.append("WeightProximity = ").append(std::to_string(kProximityWeight)).append("\n");
 
   const ReservedNumbers reserved = ReservedLimits();
   add("DictIDLen", facts.tokenBytes);

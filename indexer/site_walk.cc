@@ -80,7 +80,7 @@ std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules,
     while (entries != fs::directory_iterator()) {
       const fs::directory_entry& entry = *entries;
       const std::string name = entry.path().filename().string();
-      const std::string path = folder.empty() ? name : folder + "/" + name;
+      const std::string path = folder.empty() ? name : (fs::path(folder) / name).string();
       const fs::file_type type = entry.symlink_status(error).type();
       if (error) {
         AddSkipped(skipped, "file cannot be read", path);

@@ -59,14 +59,15 @@ void WriteSigns(ChunkCut& cut, size_t end, SymbolForm first, SymbolForm others) 
   }
 }
 
-// A form that no query can hold is no use: a quote ends a term, "*" and "?" make a pattern of it,
-// and "<" and ">" are kept out of the dictionary, whose words are shown as they stand.
+// A form that no query can hold is no use: a quote ends a term, "*" and "?" make a pattern of it, a
+// colon stays only in a restriction to a site; and "<" and ">" are kept out of the dictionary, whose
+// words are shown as they stand.
 bool IsFindable(std::string_view form) {
-  return !form.empty() && form.size() <= kMaxWordBytes && form.find_first_of("\"*?<>") == form.npos;
+  return !form.empty() && form.size() <= kMaxWordBytes && form.find_first_of("\"*?:<>") == form.npos;
 }
 
 void AddForm(ChunkCut& cut, size_t token, std::string text) {
-  if (!IsFindable(text)) return;
+  if (!IsFindable(text) || text == cut.out.tokens[token].base) return;
   cut.out.forms.push_back({static_cast<uint32_t>(token), std::move(text)});
 }
 
@@ -236,8 +237,8 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   closeChain();
 }
 
-// "#" and "++" stay in a query only at the very end of a word, so "c++," is "c" there, while the
-// page text has "c++": the query's form is added.
+// What stands behind a word decides whether a query keeps "#", "++" or "_" at its end: "c++," is "c"
+// there, while the page text has "c++". The query's form is added.
 void AddQueryForms(ChunkCut& cut) {
   const size_t token = FirstWordFrom(cut, 0);
   if (token == cut.out.tokens.size()) return;
@@ -369,7 +370,7 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
   }
   WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
   const bool trimmed = first > 0 || last < characters.size();
-  if (trimmed && chunk.find_first_of("#+") != chunk.npos) AddQueryForms(cut);
+  if (trimmed && chunk.find_first_of("#+_") != chunk.npos) AddQueryForms(cut);
   if (cut.afterWord) {
     WriteSigns(cut, characters.size(), SymbolForm::kSuffix, SymbolForm::kSuffix);
   } else {

@@ -31,6 +31,8 @@ struct Word {
   uint32_t lastVariant = kNone32;
   uint8_t length = 0;
   uint8_t variantCount = 0;
+  uint8_t mostOnPage = 0;  // occurrences on the page that has most of them, up to 255
+  bool inTitle = false;    // some page has it in its title
 };
 
 inline std::string_view TextOf(const Word& word) { return {word.text, word.length}; }

@@ -20,7 +20,10 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
   postings.ForEachSorted([&](const Posting& posting) {
     if (posting.word != current) {
       current = posting.word;
-      context.pagesWithWord = vocabulary.words[current].pageCount;
+      const Word& word = vocabulary.words[current];
+      context.pagesWithWord = word.pageCount;
+      context.inSomeTitle = word.inTitle;
+      context.mostOnPage = word.mostOnPage;
       result.offsets[current] = file.size();
       file.WriteNumber(context.pagesWithWord, 4);
     }

@@ -73,8 +73,8 @@ void ExpectFailure(std::string_view bytes, const Settings& settings, DictionaryS
   }
 }
 
-void ExpectWrappedFailure(std::string_view bytes, const Settings& settings,
-                          DictionaryStatus status, const std::string& message) {
+void ExpectWrappedFailure(std::string_view bytes, const Settings& settings, DictionaryStatus status,
+                          const std::string& message) {
   ExpectFailure(bytes, settings, status, message, "<vela:error>" + message + "</vela:error>");
 }
 
@@ -94,43 +94,50 @@ TEST(Dictionary, LinesTable) {
     std::vector<Word> words;
   } cases[] = {
       {"an empty file is an empty dictionary", "", {}},
-      {"carriage returns before line feeds", "run 40 1\r\nruns\r\nwalk 50 0\r\n",
+      {"carriage returns before line feeds",
+       "run 40 1\r\nruns\r\nwalk 50 0\r\n",
        {{"run", 40, 1, {"runs"}}, {"walk", 50, 0, {}}}},
-      {"a carriage return behind the offset", "run 40\r\nwalk 50\r\n",
+      {"a carriage return behind the offset",
+       "run 40\r\nwalk 50\r\n",
        {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
       {"no variant count", "run 40\nwalk 50 0\n", {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
       {"no offset leaves 0", "run \nwalk 50 0\n", {{"run", 0, 0, {}}, {"walk", 50, 0, {}}}},
       {"blanks before the word", "   run 40 0\n", {{"run", 40, 0, {}}}},
       {"several blanks between the numbers", "run   40   1\nruns\n", {{"run", 40, 1, {"runs"}}}},
-      {"a line of blanks holds no word", "  \nrun 40 0\n \nwalk 50 0\n",
+      {"a line of blanks holds no word",
+       "  \nrun 40 0\n \nwalk 50 0\n",
        {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
       {"letters end a number", "run 4x9 1x\nruns\n", {{"run", 4, 1, {"runs"}}}},
       {"no digit is 0", "run x y\nwalk - 0\n", {{"run", 0, 0, {}}, {"walk", 0, 0, {}}}},
       {"only one minus sign", "run --5 0\n", {{"run", 0, 0, {}}}},
       {"a plus sign is no digit", "run +5 0\n", {{"run", 0, 0, {}}}},
       {"a 40-bit offset", "run 1099511627775 0\n", {{"run", 1099511627775, 0, {}}}},
-      {"the largest offset", "run 9223372036854775807 0\n",
-       {{"run", INT64_MAX, 0, {}}}},
+      {"the largest offset", "run 9223372036854775807 0\n", {{"run", INT64_MAX, 0, {}}}},
       {"an offset wraps at 64 bits", "run 18446744073709551621 0\n", {{"run", 5, 0, {}}}},
       {"a wrapped offset can be -1", "run 18446744073709551615 0\n", {{"run", -1, 0, {}}}},
-      {"a count wraps at 32 bits", "run 40 4294967297\nruns\nwalk 50 0\n",
+      {"a count wraps at 32 bits",
+       "run 40 4294967297\nruns\nwalk 50 0\n",
        {{"run", 40, 1, {"runs"}}, {"walk", 50, 0, {}}}},
-      {"a negative count takes no variant lines", "run 40 -2\nwalk 50 0\n",
+      {"a negative count takes no variant lines",
+       "run 40 -2\nwalk 50 0\n",
        {{"run", 40, -2, {}}, {"walk", 50, 0, {}}}},
       {"more variants promised than lines left", "run 40 5\nruns\n", {{"run", 40, 5, {"runs"}}}},
-      {"a variant line holds one token", "run 40 1\nruns fast\nwalk 50 0\n",
+      {"a variant line holds one token",
+       "run 40 1\nruns fast\nwalk 50 0\n",
        {{"run", 40, 1, {"runs"}}, {"walk", 50, 0, {}}}},
       {"a variant behind blanks", "run 40 1\n  runs\n", {{"run", 40, 1, {"runs"}}}},
       {"the last line lacks its line feed", "run 40 0\nwalk 50 0", {{"run", 40, 0, {}}}},
       {"a last variant lacks its line feed", "run 40 1\nruns", {{"run", 40, 1, {}}}},
-      {"a NUL ends a line", "run 40\0 1\nwalk 50 0\n"s,
-       {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
-      {"a NUL ends a variant", "run 40 1\nru\0ns\nwalk 50 0\n"s,
+      {"a NUL ends a line", "run 40\0 1\nwalk 50 0\n"s, {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
+      {"a NUL ends a variant",
+       "run 40 1\nru\0ns\nwalk 50 0\n"s,
        {{"run", 40, 1, {"ru"}}, {"walk", 50, 0, {}}}},
       {"accented bytes", "\xE9t\xE9 40 0\n", {{"\xE9t\xE9", 40, 0, {}}}},
-      {"an empty variant line moves the count on", "run 40 2\nruns\n\nwalk 50 0\n",
+      {"an empty variant line moves the count on",
+       "run 40 2\nruns\n\nwalk 50 0\n",
        {{"run", 40, 2, {"runs"}}, {"walk", 50, 0, {}}}},
-      {"an empty first variant line leaves no variants", "run 40 2\n\nruns\nwalk 50 0\n",
+      {"an empty first variant line leaves no variants",
+       "run 40 2\n\nruns\nwalk 50 0\n",
        {{"run", 40, 2, {}}, {"walk", 50, 0, {}}}},
       {"a word twice", "run 40 0\nrun 50 0\n", {{"run", 40, 0, {}}, {"run", 50, 0, {}}}},
   };
@@ -143,8 +150,7 @@ TEST(Dictionary, LinesTable) {
 TEST(Dictionary, VariantOf400CharactersIsDropped) {
   const std::string kept = Repeat("v", 399);
   const std::string dropped = Repeat("v", 400);
-  ExpectWords("run 40 1\n" + kept + "\nwalk 50 0\n",
-              {{"run", 40, 1, {kept}}, {"walk", 50, 0, {}}});
+  ExpectWords("run 40 1\n" + kept + "\nwalk 50 0\n", {{"run", 40, 1, {kept}}, {"walk", 50, 0, {}}});
   ExpectWords("run 40 2\nruns\n" + dropped + "\nwalk 50 0\n",
               {{"run", 40, 2, {"runs"}}, {"walk", 50, 0, {}}});
 }
@@ -302,8 +308,7 @@ TEST(Dictionary, VariantBlockSizes) {
     Prepare(settings);
     settings.OutputVariantBufferSize = c.blockSize;
     settings.NumVariants = c.numVariants;
-    const std::string message =
-        c.accepted ? "" : "Error: Out of memory for storing word variants.";
+    const std::string message = c.accepted ? "" : "Error: Out of memory for storing word variants.";
     ExpectFailure("run 40 0\n", settings,
                   c.accepted ? DictionaryStatus::kOk : DictionaryStatus::kFailed, message,
                   message.empty() ? "" : "<vela:error>" + message + "</vela:error>");

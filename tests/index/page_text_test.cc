@@ -17,5 +17,84 @@ TEST(PageText, PlaceholderIsNeverSeen) {
   EXPECT_FALSE(IsPageTextPlaceholder(""));
 }
 
+TEST(PageText, TokenOfFourBytes) {
+  const std::string file = "\x05\x01\x00\x07"s;
+  PageTextReader reader;
+  reader.file = file;
+  reader.tokenSize = 4;
+  SeekPageText(reader, 0);
+  PageTextToken token;
+  EXPECT_EQ(ReadPageTextToken(reader, token), 4);
+  EXPECT_EQ(token.word, 261u);
+  EXPECT_EQ(token.variant, 7);
+  EXPECT_EQ(ReadPageTextToken(reader, token), 0);
+  EXPECT_EQ(token.word, 0u);
+}
+
+TEST(PageText, TokenSizes) {
+  const std::string file = "\xF1\xF2\xF3\xF4\xF5"s;
+  const struct {
+    int32_t size;
+    uint32_t word;
+    uint8_t variant;
+  } cases[] = {
+      {1, 0, 0xF1}, {2, 0xF1, 0xF2}, {3, 0xF2F1, 0xF3}, {4, 0xF3F2F1, 0xF4}, {5, 0xF4F3F2F1, 0xF5}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.size);
+    PageTextReader reader;
+    reader.file = file;
+    reader.tokenSize = c.size;
+    SeekPageText(reader, 0);
+    PageTextToken token;
+    EXPECT_EQ(ReadPageTextToken(reader, token), c.size);
+    EXPECT_EQ(token.word, c.word);
+    EXPECT_EQ(token.variant, c.variant);
+  }
+}
+
+TEST(PageText, TrailingBytesAreNoToken) {
+  // 43 tokens of 3 bytes pass the 128 bytes read at a time; two bytes are left over.
+  std::string file;
+  for (int i = 0; i < 43; ++i) {
+    file += static_cast<char>(i + 1);
+    file += "\0\x09"s;
+  }
+  file += "\x50\x50";
+  PageTextReader reader;
+  reader.file = file;
+  reader.tokenSize = 3;
+  SeekPageText(reader, 0);
+  PageTextToken token;
+  for (uint32_t i = 0; i < 43; ++i) {
+    ASSERT_EQ(ReadPageTextToken(reader, token), 3);
+    EXPECT_EQ(token.word, i + 1);
+  }
+  EXPECT_EQ(ReadPageTextToken(reader, token), 0);
+  EXPECT_EQ(ReadPageTextToken(reader, token), 0);
+}
+
+TEST(PageText, NothingFromBeforeASeekIsReturned) {
+  const std::string file = "\x01\x00\x02\x00\x03\x00\x04\x00"s;
+  PageTextReader reader;
+  reader.file = file;
+  reader.tokenSize = 2;
+  SeekPageText(reader, 0);
+  PageTextToken token;
+  EXPECT_EQ(ReadPageTextToken(reader, token), 2);
+  EXPECT_EQ(token.word, 1u);
+  SeekPageText(reader, 6);
+  EXPECT_EQ(ReadPageTextToken(reader, token), 2);
+  EXPECT_EQ(token.word, 4u);
+  EXPECT_EQ(ReadPageTextToken(reader, token), 0);
+  SeekPageText(reader, 2);
+  EXPECT_EQ(ReadPageTextToken(reader, token), 2);
+  EXPECT_EQ(token.word, 2u);
+  for (uint64_t behind : {uint64_t{8}, uint64_t{1000}, UINT64_MAX}) {
+    SeekPageText(reader, behind);
+    EXPECT_EQ(ReadPageTextToken(reader, token), 0);
+    EXPECT_EQ(token.word, 0u);
+  }
+}
+
 }  // namespace
 }  // namespace vela

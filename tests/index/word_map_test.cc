@@ -56,8 +56,7 @@ TEST(WordMap, ListsTable) {
     int32_t records;
   } cases[] = {
       {"a count of 0 yields no records", LittleEndian(0, 4), 0, WordListStatus::kOk, 0},
-      {"a negative count means none", LittleEndian(0xFFFFFFFF, 4) + one, 0, WordListStatus::kOk,
-       0},
+      {"a negative count means none", LittleEndian(0xFFFFFFFF, 4) + one, 0, WordListStatus::kOk, 0},
       {"the most negative count", LittleEndian(0x80000000, 4) + one, 0, WordListStatus::kOk, 0},
       {"one record that ends the file", LittleEndian(1, 4) + one, 0, WordListStatus::kOk, 1},
       {"one byte is missing", LittleEndian(1, 4) + one.substr(1), 0, WordListStatus::kMissingData,
@@ -70,8 +69,7 @@ TEST(WordMap, ListsTable) {
       {"the count is cut", LittleEndian(0, 3), 0, WordListStatus::kMissingData, 0},
       {"at the end of the file", LittleEndian(0, 4), 4, WordListStatus::kMissingData, 0},
       {"behind the end of the file", LittleEndian(0, 4), 1000, WordListStatus::kMissingData, 0},
-      {"as far behind as there is", LittleEndian(0, 4), INT64_MAX, WordListStatus::kMissingData,
-       0},
+      {"as far behind as there is", LittleEndian(0, 4), INT64_MAX, WordListStatus::kMissingData, 0},
       {"an empty file", "", 0, WordListStatus::kMissingData, 0},
   };
   for (const auto& c : cases) {

@@ -436,7 +436,8 @@ def damage(r, x, features):
                         "OutputVariantBufferSize", "NumVariants", "NumCats", "NumCatBytes",
                         "NumMetaFields", "DictIDLen", "NumSpellings", "NumRecommended",
                         "StemmingAlgo", "UseBigPageInfoData", "DictReservedLimit", "NumKeywords"))
-        value = r.choice((-1, 0, 1, 2, 5, 6, 7, 100, 99999))
+        value = r.choice((-1, 0, 1, 2, 5, 6, 7, 100, 99999, 107374181, 107374182, 134217726,
+                          134217727, 214748364, 214748365, 2147483647, -2147483648, 99999999999))
         if key == "NumCats":
             value = r.choice((10, 100, 99999))
         name = "settings.vdat"

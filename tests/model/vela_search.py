@@ -4,7 +4,7 @@ import math
 import vela_index
 import vela_page
 from vela_query import is_site, substring_term
-from vela_text import (DIGITS, atoi, find_no_case, lower, read_number, strip_ws,
+from vela_text import (DIGITS, INT_MAX, atoi, find_no_case, lower, read_number, strip_ws,
                        to_float, url_encode, wildcard, word_equal)
 
 MISSING = (b"Can not find one or more of the Vela index files.<br />Please make sure the generated"
@@ -27,7 +27,7 @@ def open_index_files(c):
         data = vela_index.read_file(c.path(b"vela_recommended.vdat"))
         if data is None:
             c.fail(MISSING, wrapped=False)
-        if s.NumRecommended < 0:
+        if s.NumRecommended < 0 or (s.NumRecommended + 1) * 512 > INT_MAX:
             c.fail(b"Error: out of memory", line_feed=False)
         c.recommended = vela_index.load_recommended(data, s)
     load_page_info(c)
@@ -59,6 +59,8 @@ def load_page_info(c):
     message = None
     if len(data) < s.PageInfoSize:
         message = b"Pageinfo file does not match PageInfoSize specified."
+    elif s.NumPages * 4 > INT_MAX:
+        c.fail(unable)  # the table of record positions, four bytes each, cannot be had
     else:
         c.info = vela_index.PageInfo(s, data[: s.PageInfoSize])
         message = c.info.walk()
@@ -906,7 +908,6 @@ def show_recommended(c, offset):
 # ---- spelling suggestions -----------------------------------------------------------------------
 
 VOWELS = "AEIOU"
-LONGEST_SUGGESTION = 4171  # bytes; a bound that only the program names
 
 
 def sound_key(word):
@@ -1032,7 +1033,7 @@ def suggest(c):
                 continue
             offered += 1
         text += (b" " if i else b"") + piece
-    return [text[:LONGEST_SUGGESTION]] + alternatives if offered else []
+    return [text] + alternatives if offered else []
 
 
 def spelling_word(c, number):

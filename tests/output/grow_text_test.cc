@@ -77,8 +77,10 @@ TEST(GrowText, OneWriteIsCutAt10239) {
     int written;
     size_t kept;
   } cases[] = {
-      {"one below", 10238, 10238}, {"as much as is kept", 10239, 10239},
-      {"one above", 10240, 10239}, {"much more", 12000, 10239},
+      {"one below", 10238, 10238},
+      {"as much as is kept", 10239, 10239},
+      {"one above", 10240, 10239},
+      {"much more", 12000, 10239},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);

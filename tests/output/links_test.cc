@@ -116,8 +116,7 @@ TEST(LinkParameters, MetaFieldsFollowTheirDefinitions) {
   values[2].text = "3";
   SearchRequest request;
   request.metaValues = values;
-  EXPECT_EQ(View(MakeLinkParameters(settings, request, "", {}).metaFields),
-            "&amp;a=1&amp;c=3");
+  EXPECT_EQ(View(MakeLinkParameters(settings, request, "", {}).metaFields), "&amp;a=1&amp;c=3");
 }
 
 TEST(Link, SeparatorOfTheSettings) {

@@ -184,7 +184,10 @@ TEST(AppendSafeAddress, Table) {
       {"quotes", "a\"b'c", "a%22b%27c"},
       {"brackets", "<b>", "%3Cb%3E"},
       {"ampersand and backslash", "a&b\\c", "a%26b%5Cc"},
-      {"control bytes", "a\nb\tc\x01" "d\x7F", "a%0Ab%09c%01d%7F"},
+      {"control bytes",
+       "a\nb\tc\x01"
+       "d\x7F",
+       "a%0Ab%09c%01d%7F"},
       {"blanks and bytes from 0x80 on stay", "a b\xE9", "a b\xE9"},
   };
   for (const auto& c : cases) {

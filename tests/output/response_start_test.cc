@@ -92,7 +92,8 @@ TEST(StartResponse, PerPageIsCappedAndSelected) {
 TEST(StartResponse, Page11At10PerPageIsBeyondALimitOf100) {
   Start eleventh("oak");
   eleventh.ctx.request.Page = 11;
-  EXPECT_EQ(eleventh.Run(), std::string(kHtmlHeader) + "<!--Vela Search Engine 7-->\nToo far.<br />");
+  EXPECT_EQ(eleventh.Run(),
+            std::string(kHtmlHeader) + "<!--Vela Search Engine 7-->\nToo far.<br />");
   EXPECT_FALSE(eleventh.goesOn);
   Start tenth("oak");
   tenth.ctx.request.Page = 10;

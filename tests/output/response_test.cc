@@ -56,9 +56,8 @@ TEST(Response, WritesKeepTheirOrder) {
 
 TEST(Response, PiecesAroundTheBufferSize) {
   for (size_t first : {size_t{0}, size_t{1}, Response::kBufferSize - 1, Response::kBufferSize}) {
-    for (size_t second :
-         {size_t{0}, size_t{1}, Response::kBufferSize - 1, Response::kBufferSize,
-          Response::kBufferSize + 1}) {
+    for (size_t second : {size_t{0}, size_t{1}, Response::kBufferSize - 1, Response::kBufferSize,
+                          Response::kBufferSize + 1}) {
       CapturedResponse captured;
       WriteRaw(captured.response, Repeat("a", first));
       WriteRaw(captured.response, Repeat("b", second));
@@ -135,9 +134,10 @@ TEST(PoweredBy, OnlyWhenTheSettingsWantIt) {
     ASSERT_TRUE(AllocateSections(sections, 10));
     AppendPoweredBy(sections, settings);
     EXPECT_EQ(SectionText(sections, Section::kPageNumbers),
-              wanted != 1 ? ""
-                          : "\n<center><p><small>Run by <a href=\"https://vela-search.example/\" "
-                            "target=\"_blank\"><b>Vela Search Engine</b></a></small></p></center>\n");
+              wanted != 1
+                  ? ""
+                  : "\n<center><p><small>Run by <a href=\"https://vela-search.example/\" "
+                    "target=\"_blank\"><b>Vela Search Engine</b></a></small></p></center>\n");
   }
 }
 

@@ -49,8 +49,8 @@ struct Blocks {
     }
   }
   std::string Write() {
-    const ResultBlocks blocks = {site.settings, request,    query, links, site.files,
-                                 site.dictionary, highlight};
+    const ResultBlocks blocks = {site.settings, request,         query,    links,
+                                 site.files,    site.dictionary, highlight};
     status = WriteResultBlocks(captured.response, sections, blocks, results);
     return captured.response.xml ? captured.Text() : std::string(sections.results.view());
   }
@@ -76,8 +76,7 @@ std::string Block(const std::string& inside, const std::string& infoLine = "") {
          "</div>\n</div>\n";
 }
 
-constexpr char kPlainTitle[] =
-    "<div class=\"result_title\"><a href=\"a.html\" >A</a></div>\n";
+constexpr char kPlainTitle[] = "<div class=\"result_title\"><a href=\"a.html\" >A</a></div>\n";
 
 TEST(ResultBlock, Plain) {
   Blocks blocks(Pages({NewPage("a.html", "A", "about", "i.png")}));
@@ -90,11 +89,14 @@ TEST(ResultBlock, OddIndexesHaveTheOtherClass) {
   const std::string info = "<div class=\"infoline\"></div>\n</div>\n";
   EXPECT_EQ(blocks.Write(),
             "<div class=\"result_block\">\n"
-            "<div class=\"result_title\"><a href=\"0.html\" >T0</a></div>\n" + info +
-            "<div class=\"result_altblock\">\n"
-            "<div class=\"result_title\"><a href=\"1.html\" >T1</a></div>\n" + info +
-            "<div class=\"result_block\">\n"
-            "<div class=\"result_title\"><a href=\"2.html\" >T2</a></div>\n" + info);
+            "<div class=\"result_title\"><a href=\"0.html\" >T0</a></div>\n" +
+                info +
+                "<div class=\"result_altblock\">\n"
+                "<div class=\"result_title\"><a href=\"1.html\" >T1</a></div>\n" +
+                info +
+                "<div class=\"result_block\">\n"
+                "<div class=\"result_title\"><a href=\"2.html\" >T2</a></div>\n" +
+                info);
 }
 
 // The titles of the blocks written, without their "T".
@@ -187,8 +189,7 @@ TEST(ResultBlock, TargetsTable) {
        "a.PDF?x#search=%22red oak%22"},
       {"no document", "a.html", 0, 1, 0, "a.html"},
       {"the document wins", "a.pdf", 1, 1, 0, "a.pdf#search=%22red oak%22"},
-      {"a document without its setting", "a.pdf", 1, 0, 0,
-       "a.pdf?vela_highlight=red+%22oak%22"},
+      {"a document without its setting", "a.pdf", 1, 0, 0, "a.pdf?vela_highlight=red+%22oak%22"},
       {"other values are off", "a.pdf", 2, 2, 0, "a.pdf"},
       {"cut at 2083 bytes", "", 1, 0, 0, "?vela_highlight=red+%22oak%22"},
   };
@@ -208,16 +209,17 @@ TEST(ResultBlock, TargetIsCutAt2083Bytes) {
   Blocks blocks(Pages({NewPage(url, "A")}));
   blocks.site.settings.GotoHighlight = 1;
   EXPECT_EQ(blocks.Write(), Block("<div class=\"result_title\"><a href=\"" + url +
-                                  "?vela_highli\" >A</a></div>\n"));
+                                  "?vela_highlig\" >A</a></div>\n"));
 }
 
 TEST(ResultBlock, QueryInADocumentLinkCannotEndTheAttribute) {
   Blocks blocks(Pages({NewPage("a.pdf", "A")}));
   blocks.site.settings.PdfHighlight = 1;
   Set(blocks.query.text, "<b>'&\x01 c\xE9=");
-  EXPECT_EQ(blocks.Write(),
-            Block("<div class=\"result_title\"><a href=\"a.pdf#search=%22%3Cb%3E%27%26%01 c\xE9=%22\""
-                  " >A</a></div>\n"));
+  EXPECT_EQ(
+      blocks.Write(),
+      Block("<div class=\"result_title\"><a href=\"a.pdf#search=%22%3Cb%3E%27%26%01 c\xE9=%22\""
+            " >A</a></div>\n"));
 }
 
 TEST(ResultBlock, LinkAttributes) {
@@ -322,7 +324,8 @@ TEST(InfoLine, Table) {
     Shown shown;
     const char* expected;
   } cases[] = {
-      {"everything", {1, 1, 1, 1, 1, 0},
+      {"everything",
+       {1, 1, 1, 1, 1, 0},
        "Words: 2&nbsp; - &nbsp;Score: 260&nbsp; - &nbsp;03 Feb 2010&nbsp; - &nbsp;3k&nbsp; - "
        "&nbsp;At: http://a.example/docs/oak.html"},
       {"terms", {1, 0, 0, 0, 0, 0}, "Words: 2"},
@@ -330,19 +333,20 @@ TEST(InfoLine, Table) {
       {"date", {0, 0, 1, 0, 0, 0}, "03 Feb 2010"},
       {"size", {0, 0, 0, 1, 0, 0}, "3k"},
       {"address", {0, 0, 0, 0, 1, 0}, "At: http://a.example/docs/oak.html"},
-      {"terms and address", {1, 0, 0, 0, 1, 0},
+      {"terms and address",
+       {1, 0, 0, 0, 1, 0},
        "Words: 2&nbsp; - &nbsp;At: http://a.example/docs/oak.html"},
-      {"the address has 30 characters, 20 are shown", {0, 0, 0, 0, 1, 20},
+      {"the address has 30 characters, 20 are shown",
+       {0, 0, 0, 0, 1, 20},
        "At: http://a.example/doc..."},
       {"as long as is shown", {0, 0, 0, 0, 1, 30}, "At: http://a.example/docs/oak.html"},
       {"one less is shown", {0, 0, 0, 0, 1, 29}, "At: http://a.example/docs/oak.htm..."},
-      {"a negative number cuts nothing", {0, 0, 0, 0, 1, -5},
-       "At: http://a.example/docs/oak.html"},
+      {"a negative number cuts nothing", {0, 0, 0, 0, 1, -5}, "At: http://a.example/docs/oak.html"},
       {"other values are off", {2, 2, 2, 2, 2, 0}, ""},
   };
   PageFields page = NewPage("http://a.example/docs/oak.html", "A");
-  page.fileSize = 4000;          // 3.9 kilobytes
-  page.dateTime = 1265155200;    // 2010-02-03 00:00:00 UTC
+  page.fileSize = 4000;        // 3.9 kilobytes
+  page.dateTime = 1265155200;  // 2010-02-03 00:00:00 UTC
   ASSERT_EQ(page.url.size(), 30u);
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -376,8 +380,7 @@ TEST(InfoLine, SizesAndDates) {
       {"the largest size", 0xFFFFFFFF, 0, 1, "Score: 1&nbsp; - &nbsp;4194303k"},
       {"the first second", 1, 1, 1, "Score: 1&nbsp; - &nbsp;01 Jan 1970&nbsp; - &nbsp;1k"},
       {"a date before 1970 is not shown", 1, 0xFFFFFFFF, 1, "Score: 1&nbsp; - &nbsp;1k"},
-      {"the last second", 1, 0x7FFFFFFF, 1,
-       "Score: 1&nbsp; - &nbsp;19 Jan 2038&nbsp; - &nbsp;1k"},
+      {"the last second", 1, 0x7FFFFFFF, 1, "Score: 1&nbsp; - &nbsp;19 Jan 2038&nbsp; - &nbsp;1k"},
       {"scores are unsigned", 1, 0, 0xFFFFFFFF, "Score: 4294967295&nbsp; - &nbsp;1k"},
   };
   for (const auto& c : cases) {
@@ -443,9 +446,9 @@ TEST(MetaValues, InTheOrderOfTheirDefinitionsBehindTheCategories) {
   PageFields page = NewPage("a.html", "A");
   page.metaData = "oak\0"s + LittleEndian(0x80000000, 4) + LittleEndian(7, 4);
   Blocks blocks(Pages({page}));
-  DefineMetaFields(blocks.site.settings, {{"wood", 1, "", 0},
-                                          {"none", kMetaNumeric, "", 0},
-                                          {"size", kMetaNumeric, "", 0}});
+  DefineMetaFields(
+      blocks.site.settings,
+      {{"wood", 1, "", 0}, {"none", kMetaNumeric, "", 0}, {"size", kMetaNumeric, "", 0}});
   EXPECT_EQ(blocks.Write(), Block(kPlainTitle));  // not shown without DisplayMetaFields
   blocks.site.settings.DisplayMetaFields = 1;
   ASSERT_TRUE(AllocateSections(blocks.sections, 10));
@@ -477,8 +480,8 @@ TEST(Item, InXml) {
   settings.DisplayFilesize = settings.DisplayURL = 1;
   // Read again: the categories and fields were not known when the file was loaded.
   CloseIndexFiles(blocks.site.files);
-  ASSERT_TRUE(OpenIndexFiles(blocks.site.files, blocks.site.directory, settings,
-                             blocks.captured.response));
+  ASSERT_TRUE(
+      OpenIndexFiles(blocks.site.files, blocks.site.directory, settings, blocks.captured.response));
   const std::string text = blocks.Write();
   EXPECT_TRUE(text.starts_with("<item>\n")) << text;
   EXPECT_TRUE(text.ends_with("</item>\n")) << text;

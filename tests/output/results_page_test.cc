@@ -82,8 +82,8 @@ TEST(Heading, Table) {
     page.settings.UseCats = c.useCats;
     page.request.categories = c.selected;
     page.Heading();
-    EXPECT_EQ(page[Section::kHeading], "<div class=\"searchheading\">" + std::string(c.expected) +
-                                           "<br /><br /></div>\n");
+    EXPECT_EQ(page[Section::kHeading],
+              "<div class=\"searchheading\">" + std::string(c.expected) + "<br /><br /></div>\n");
     EXPECT_EQ(page.sections.results.view(), "<div class=\"results\">\n");
     EXPECT_EQ(page.captured.Text(), "");
   }
@@ -98,7 +98,9 @@ TEST(Heading, InXml) {
   } cases[] = {
       {"without categories", 0, {}, ""},
       {"all", 1, {-1}, "<vela:searchcategory>All</vela:searchcategory>\n"},
-      {"two", 1, {1, 0},
+      {"two",
+       1,
+       {1, 0},
        "<vela:searchcategory>books</vela:searchcategory>\n"
        "<vela:searchcategory>maps</vela:searchcategory>\n"},
   };
@@ -177,14 +179,16 @@ TEST(Summary, SkippedTermsWithoutAPhrase) {
   Page page("a b");
   page.Skip({"a"});
   page.Head();
-  EXPECT_EQ(page[Section::kSummary], "<div class=\"summary\">\nSkipped: \"a\"<br /><br />Found "
-                                     "nothing.<br />\n</div>\n");
+  EXPECT_EQ(page[Section::kSummary],
+            "<div class=\"summary\">\nSkipped: \"a\"<br /><br />Found "
+            "nothing.<br />\n</div>\n");
   Page grouped("\"red oak\" a");
   grouped.settings.AllowExactPhrase = 2;  // quotes only group
   grouped.Skip({"a"});
   grouped.Head();
-  EXPECT_EQ(grouped[Section::kSummary], "<div class=\"summary\">\nSkipped: \"a\"<br /><br />Found "
-                                        "nothing.<br />\n</div>\n");
+  EXPECT_EQ(grouped[Section::kSummary],
+            "<div class=\"summary\">\nSkipped: \"a\"<br /><br />Found "
+            "nothing.<br />\n</div>\n");
 }
 
 TEST(OneResult, HasNoPagesCountAndNoSortingLinks) {
@@ -197,8 +201,7 @@ TEST(OneResult, HasNoPagesCountAndNoSortingLinks) {
   EXPECT_EQ(page[Section::kPagesCount], "");
   EXPECT_EQ(page[Section::kSorting], "");
   EXPECT_EQ(page[Section::kPageNumbers], "");
-  EXPECT_EQ(page[Section::kSummary],
-            "<div class=\"summary\">\n1 page found. <br />\n</div>\n");
+  EXPECT_EQ(page[Section::kSummary], "<div class=\"summary\">\n1 page found. <br />\n</div>\n");
   EXPECT_EQ(page.sections.results.view(), "</div>\n");
 }
 
@@ -330,8 +333,7 @@ TEST(XmlCounts, StartIndexTable) {
                                         "</opensearch:totalResults>\n<opensearch:startIndex>" +
                                         c.start +
                                         "</opensearch:startIndex>\n<opensearch:itemsPerPage>" +
-                                        std::to_string(c.perPage) +
-                                        "</opensearch:itemsPerPage>\n");
+                                        std::to_string(c.perPage) + "</opensearch:itemsPerPage>\n");
   }
 }
 
@@ -356,8 +358,9 @@ TEST(PagesCount, Table) {
 }
 
 std::string SortAddress(const char* sort) {
-  return std::string("s.cgi?vela_query=q[c]&amp;vela_page=3&amp;vela_per_page=10[d][m]&amp;"
-                     "vela_and=1&amp;vela_xml=0&amp;vela_sort=") +
+  return std::string(
+             "s.cgi?vela_query=q[c]&amp;vela_page=3&amp;vela_per_page=10[d][m]&amp;"
+             "vela_and=1&amp;vela_xml=0&amp;vela_sort=") +
          sort;
 }
 
@@ -367,10 +370,8 @@ TEST(SortingLinks, Table) {
     int32_t sort;
     std::string expected;
   } cases[] = {
-      {"by relevance", 0,
-       "<b>By rank</b> / <a href=\"" + SortAddress("1") + "\">Sort by date</a>"},
-      {"below that", -3,
-       "<b>By rank</b> / <a href=\"" + SortAddress("1") + "\">Sort by date</a>"},
+      {"by relevance", 0, "<b>By rank</b> / <a href=\"" + SortAddress("1") + "\">Sort by date</a>"},
+      {"below that", -3, "<b>By rank</b> / <a href=\"" + SortAddress("1") + "\">Sort by date</a>"},
       {"newest first", 1,
        "<a href=\"" + SortAddress("0") + "\">Sort by rank</a> / <a href=\"" + SortAddress("2") +
            "\">By newest</a>"},
@@ -415,9 +416,8 @@ std::string PageLinks(int current, int first, int last, bool next, int perPage =
   std::string links = "<div class=\"result_pages\">Sheets: ";
   if (current > 1) links += PageAddress(current - 1, perPage) + "&lt;&lt; Back</a> ";
   for (int number = first; number <= last; ++number) {
-    links += number == current
-                 ? std::to_string(number) + " "
-                 : PageAddress(number, perPage) + std::to_string(number) + "</a> ";
+    links += number == current ? std::to_string(number) + " "
+                               : PageAddress(number, perPage) + std::to_string(number) + "</a> ";
   }
   if (next) links += PageAddress(current + 1, perPage) + "On &gt;&gt;</a> ";
   return links + "</div>";
@@ -528,15 +528,21 @@ TEST(SpellingSuggestion, LinksTable) {
     std::string expected;
   } cases[] = {
       {"none", "oak", {}, ""},
-      {"one term", "okk", {"oak"},
+      {"one term",
+       "okk",
+       {"oak"},
        "<div class=\"suggestion\"><br />Perhaps <a href=\"s.cgi?vela_query=oak[c]&amp;"
        "vela_per_page=10[d][m]&amp;vela_and=1&amp;vela_sort=2\">oak</a>?</div>"},
-      {"alternatives", "okk", {"oak", "oka"},
+      {"alternatives",
+       "okk",
+       {"oak", "oka"},
        "<div class=\"suggestion\"><br />Perhaps <a href=\"s.cgi?vela_query=oak[c]&amp;"
        "vela_per_page=10[d][m]&amp;vela_and=1&amp;vela_sort=2\">oak</a> or "
        "<a href=\"s.cgi?vela_query=oka[c]&amp;"
        "vela_per_page=10[d][m]&amp;vela_and=1&amp;vela_sort=2\">oka</a>?</div>"},
-      {"several terms search for any", "red okk", {"red oak"},
+      {"several terms search for any",
+       "red okk",
+       {"red oak"},
        "<div class=\"suggestion\"><br />Perhaps <a href=\"s.cgi?vela_query=red+oak[c]&amp;"
        "vela_per_page=10[d][m]&amp;vela_and=0&amp;vela_sort=2\">red oak</a>?</div>"},
   };

@@ -66,9 +66,9 @@ TEST(SearchForm, BasicFormByteByByte) {
               "size=\"20\" value=\"oak\" id=\"vela_searchbox\" class=\"vela_searchbox\" />\n");
     EXPECT_EQ(form[Section::kSearchButton],
               "<input type=\"submit\" value=\"Go\" class=\"vela_button\" />\n");
-    for (Section section : {Section::kResultsPerPage, Section::kMatchOptions, Section::kCategories,
-                            Section::kCustomMetaOptions, Section::kDateRange,
-                            Section::kJavaScripts}) {
+    for (Section section :
+         {Section::kResultsPerPage, Section::kMatchOptions, Section::kCategories,
+          Section::kCustomMetaOptions, Section::kDateRange, Section::kJavaScripts}) {
       EXPECT_EQ(form[section], "");
     }
   }

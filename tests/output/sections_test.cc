@@ -24,11 +24,11 @@ TEST(Sections, StartEmptyWithRoomFor100Bytes) {
 }
 
 TEST(Sections, MarkersStandInSectionOrder) {
-  const char* const names[] = {
-      "FORMSTART",  "FORMEND",      "SEARCHBOX",         "SEARCHBUTTON", "RESULTSPERPAGE",
-      "MATCHOPTIONS", "CATEGORIES", "CUSTOMMETAOPTIONS", "HEADING",      "SUMMARY",
-      "SUGGESTION", "PAGESCOUNT",   "SORTING",           "SEARCHTIME",   "RECOMMENDED",
-      "PAGENUMBERS", "CATSUMMARY",  "JAVASCRIPTS",       "DATERANGE"};
+  const char* const names[] = {"FORMSTART",      "FORMEND",      "SEARCHBOX",   "SEARCHBUTTON",
+                               "RESULTSPERPAGE", "MATCHOPTIONS", "CATEGORIES",  "CUSTOMMETAOPTIONS",
+                               "HEADING",        "SUMMARY",      "SUGGESTION",  "PAGESCOUNT",
+                               "SORTING",        "SEARCHTIME",   "RECOMMENDED", "PAGENUMBERS",
+                               "CATSUMMARY",     "JAVASCRIPTS",  "DATERANGE"};
   ASSERT_EQ(std::size(names), kSectionCount);
   for (size_t i = 0; i < kSectionCount; ++i) {
     EXPECT_EQ(kSectionMarkers[i], std::string("<!--VELA_SHOW_") + names[i] + "-->");

@@ -31,8 +31,7 @@ struct Page {
   }
   std::string Filled(bool xml = false) {
     CapturedResponse captured(xml);
-    FillTemplate(captured.response,
-                 {settings, site.directory, sections, displayQuery, scriptUrl});
+    FillTemplate(captured.response, {settings, site.directory, sections, displayQuery, scriptUrl});
     return captured.Text();
   }
   std::string Fill(std::string_view text) {
@@ -144,12 +143,9 @@ TEST(Template, MarkerAtTheEndOfAPieceAndAcrossTwo) {
     size_t before;
     bool replaced;
   } cases[] = {
-      {"ends with the piece", 999, true},
-      {"one byte in the next piece", 1000, false},
-      {"one byte in this piece", 1022, false},
-      {"starts the next piece", 1023, true},
-      {"ends with the second piece", 2022, true},
-      {"across the second and the third", 2023, false},
+      {"ends with the piece", 999, true},         {"one byte in the next piece", 1000, false},
+      {"one byte in this piece", 1022, false},    {"starts the next piece", 1023, true},
+      {"ends with the second piece", 2022, true}, {"across the second and the third", 2023, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -232,10 +228,10 @@ TEST(HeadScripts, Table) {
   } cases[] = {
       {"none are needed", 0, 0, "<head>\n</head>\n", "<head>\n</head>\n"},
       {"other values need none", 2, -1, "<head>\n</head>\n", "<head>\n</head>\n"},
-      {"autocomplete", 1, 0, "<head>\n</head>\n", "<head>\n" + std::string(kAutoComplete) +
-                                                      "</head>\n"},
-      {"date picker", 0, 1, "<head>\n</head>\n", "<head>\n" + std::string(kDatePicker) +
-                                                     "</head>\n"},
+      {"autocomplete", 1, 0, "<head>\n</head>\n",
+       "<head>\n" + std::string(kAutoComplete) + "</head>\n"},
+      {"date picker", 0, 1, "<head>\n</head>\n",
+       "<head>\n" + std::string(kDatePicker) + "</head>\n"},
       {"both", 1, 1, "<head>\n</head>\n", "<head>\n" + both + "</head>\n"},
       {"before the line, not before the tag", 0, 1, "<head><title>T</title></head><body>\n",
        kDatePicker + "<head><title>T</title></head><body>\n"s},
@@ -266,9 +262,10 @@ TEST(HeadScripts, LongIncludedLinesAreCopiedWhole) {
   ScriptPage page(0, 1);
   const std::string script = Repeat("x", 5000);
   page.site.Write("vela_datepicker.js", script);
-  EXPECT_EQ(page.Fill("</head>\n"), "<style>\n.day {}\n</style>\n"
-                                    "<script language=\"javascript\" type=\"text/javascript\">\n" +
-                                        script + "</script>\n</head>\n");
+  EXPECT_EQ(page.Fill("</head>\n"),
+            "<style>\n.day {}\n</style>\n"
+            "<script language=\"javascript\" type=\"text/javascript\">\n" +
+                script + "</script>\n</head>\n");
 }
 
 TEST(HeadScripts, AddressCannotEndItsText) {

@@ -103,27 +103,65 @@ TEST(Driver, SearchesTable) {
       {"no such word", "yew", 0, {}, "", "Found nothing."},
       {"no terms", "  ", 0, {}, "", "Found nothing."},
       // Scores A 10, B 30, C 40, D 40; the largest is 40: A 10, B 70, C 80, D 40.
-      {"any of two words", "red oak", 0, {}, "C=104 B=91 D=52 A=13",
+      {"any of two words",
+       "red oak",
+       0,
+       {},
+       "C=104 B=91 D=52 A=13",
        "2 pages with all words. 2 pages with some words. "},
       {"both words", "red oak", 1, {}, "C=104 B=91", "2 pages with all words. "},
-      {"an excluded word", "red -oak", 0, {}, "A=13", "1 page with all words. "},
-      // "-oak red" comes to the same: exclusions are searched last.
-      {"the excluded word first", "-oak red", 0, {}, "A=13", "1 page with all words. "},
-      {"an excluded word in AND mode", "-oak red tree", 1, {}, "A=36",
-       "1 page with all words. "},
+      {"an excluded word", "red -elm", 0, {}, "C=39 B=26", "2 pages with all words. "},
+      // Exclusions are searched last.
+      {"the excluded word first", "-elm red", 0, {}, "C=39 B=26", "2 pages with all words. "},
+      // Scores B 28, C 38, the largest 38: keys B 66, C 76.
+      {"an excluded word in AND mode",
+       "-elm red tree",
+       1,
+       {},
+       "C=99 B=86",
+       "2 pages with all words. "},
+      // Kept: "oak" stands on three pages, which counts the three of "red" down to none.
+      {"an excluded word that counts everything down", "red -oak", 0, {}, "", "Found nothing."},
       {"only an excluded word", "-oak", 0, {}, "", "Found nothing."},
       {"an excluded word that is unknown", "elm -yew", 0, {}, "A=6", "1 page with all words. "},
-      {"a word on no page is skipped", "ash", 0, {}, "",
+      {"a word on no page is skipped",
+       "ash",
+       0,
+       {},
+       "",
        "Skipped: \"ash\"<br /><br />Found nothing."},
       {"a reserved word is not found", "&", 0, {{"WordJoinChars", "\"&\""}}, "", "Found nothing."},
-      {"a short word is skipped", "red of", 0, {{"MinWordLen", "3"}}, "C=39 B=26 A=13",
+      {"a short word is skipped",
+       "red of",
+       0,
+       {{"MinWordLen", "3"}},
+       "C=39 B=26 A=13",
        "Skipped: \"of\"<br /><br />3 pages with all words. "},
       {"a wildcard", "?ak", 0, {}, "D=52 C=13 B=13", ""},
-      {"a restriction alone lists with score 1", "site:b.html", 0, {}, "B=1", "1 page found. "},
+      {"a restriction alone lists with score 1",
+       "site:b.html",
+       0,
+       {{"WordJoinChars", "\".\""}},
+       "B=1",
+       "1 page found. "},
       {"a restriction that fits none", "url:nowhere", 0, {}, "", "Found nothing."},
-      {"a restriction and a word", "oak site:d.html", 0, {}, "D=52", "1 page with all words. "},
-      {"an excluded restriction restricts, too", "-site:b.html", 0, {}, "B=1", "1 page found. "},
-      {"a restriction in AND mode", "site:c.html red oak", 1, {}, "C=104",
+      {"a restriction and a word",
+       "oak site:d.html",
+       0,
+       {{"WordJoinChars", "\".\""}},
+       "D=52",
+       "1 page with all words. "},
+      {"an excluded restriction restricts, too",
+       "-site:b.html",
+       0,
+       {{"WordJoinChars", "\".\""}},
+       "B=1",
+       "1 page found. "},
+      {"a restriction in AND mode",
+       "site:c.html red oak",
+       1,
+       {{"WordJoinChars", "\".\""}},
+       "C=104",
        "1 page with all words. "},
   };
   for (const auto& c : cases) {
@@ -245,6 +283,57 @@ TEST(Driver, StemmingAlgorithm16EndsTheRequest) {
   builder.Set("UseStemming", "1").Set("StemmingAlgo", "16");
   Search search(builder);
   EXPECT_EQ(search.Run("red"), "Invalid stemming algorithm specified in settings file.<br />\nend");
+}
+
+// "new york" on pages A and D, "york new" on B, "new, york" on C; words 0 to 2 are reserved, and 0
+// ends the text of a page.
+IndexBuilder Cities(const char* maxContextSeeks) {
+  IndexBuilder builder;
+  builder.Set("DictIDLen", "4")
+      .Set("DictReservedLimit", "2")
+      .Set("MaxMatches", "1000")
+      .Set("MaxContextSeeks", maxContextSeeks)
+      .Set("AllowExactPhrase", "1")
+      .Set("DisplayTitle", "1")
+      .Set("DisplayScore", "1")
+      .File("search_template.html", "<!--VELA_SHOW_SUMMARY--><!--VELA_SHOW_RESULTS-->end");
+  for (const char* title : {"A", "B", "C", "D"}) {
+    builder.Page(NewPage("http://a.example/" + std::string(title) + ".html", title));
+  }
+  builder.Word("&").Word("&").Word(",");
+  builder.Word("new", {{0, 10, 0x80, 0}, {1, 10, 0x80, 16}, {2, 20, 0x80, 24}, {3, 30, 0x80, 40}});
+  builder.Word("york", {{0, 5, 0x80, 4}, {1, 5, 0x80, 12}, {2, 5, 0x80, 32}, {3, 5, 0x80, 44}});
+  builder.Tokens({{3}, {4}, {0}, {4}, {3}, {0}, {3}, {2}, {4}, {0}, {3}, {4}, {0}});
+  return builder;
+}
+
+TEST(Driver, PhraseSearch) {
+  Search search(Cities("10"));
+  const std::string response = search.Run("\"new york\"");
+  // The scores of both words: 35, 25 and 15, times 128 / 255 * 1.7 + 1.3.
+  EXPECT_EQ(Found(response), "D=75 C=54 A=32");
+  EXPECT_EQ(SummaryOf(response), "3 pages found. ");
+}
+
+TEST(Driver, PhraseSearchStoppedByItsSeeksShowsThePagesVerified) {
+  Search search(Cities("2"));
+  const std::string response = search.Run("\"new york\"");
+  EXPECT_EQ(Found(response), "A=32");
+  EXPECT_EQ(SummaryOf(response), "Stopped early.<br /><br />1 page found. ");
+}
+
+TEST(Driver, NoSeeksStopAtTheFirstCandidate) {
+  Search search(Cities("0"));
+  const std::string response = search.Run("\"new york\"");
+  EXPECT_EQ(Found(response), "");
+  EXPECT_EQ(SummaryOf(response), "Stopped early.<br /><br />Found nothing.");
+}
+
+TEST(Driver, PhraseWithAnUnknownWordFindsNothing) {
+  Search search(Cities("10"));
+  const std::string response = search.Run("\"new paris\"");
+  EXPECT_EQ(Found(response), "");
+  EXPECT_EQ(SummaryOf(response), "Found nothing.");
 }
 
 TEST(Driver, MetaFieldsAlone) {

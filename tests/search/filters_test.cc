@@ -58,9 +58,7 @@ TEST(DateRange, FormatTellsDayFromMonth) {
   EXPECT_EQ(RangeOf("02/03/2010", "02/03/2010", 2).from, kSecondOfMarch);
 }
 
-TEST(DateRange, DayZeroDisablesTheRange) {
-  EXPECT_FALSE(RangeOf("0/5/2010", "1/6/2010", 0).valid);
-}
+TEST(DateRange, DayZeroDisablesTheRange) { EXPECT_FALSE(RangeOf("0/5/2010", "1/6/2010", 0).valid); }
 
 TEST(DateRange, TypedTable) {
   const LocalTime utc("UTC0");
@@ -588,8 +586,7 @@ TEST(MetaFilter, CountsConstraintsPassed) {
                                              {"wood", 1, "Wood", 0},
                                              {"color", kMetaDropDown, "Color", 0, {"red", "blue"}},
                                              {"price", kMetaMoney, "Price", 1}};
-  const std::string full =
-      LittleEndian(10, 4) + "red oak" + '\0' + '\x01' + LittleEndian(1250, 4);
+  const std::string full = LittleEndian(10, 4) + "red oak" + '\0' + '\x01' + LittleEndian(1250, 4);
   const struct {
     const char* what;
     std::string metaData;
@@ -602,9 +599,13 @@ TEST(MetaFilter, CountsConstraintsPassed) {
       {"the last fails", full, {"10", "oak", "1", "12.49"}, -1},
       {"the first fails", full, {"11", "", "", ""}, -1},
       {"unconstrained by -1", full, {"", "", "-1", "13"}, 1},
-      {"data that ends early has no value", full.substr(0, full.size() - 1), {"", "", "", "99"},
+      {"data that ends early has no value",
+       full.substr(0, full.size() - 1),
+       {"", "", "", "99"},
        -1},
-      {"and the fields before have theirs", full.substr(0, full.size() - 1), {"9", "oak", "1", ""},
+      {"and the fields before have theirs",
+       full.substr(0, full.size() - 1),
+       {"9", "oak", "1", ""},
        3},
       {"no data at all", "", {"", "", "", ""}, 0},
       {"no data but a constraint", "", {"1", "", "", ""}, -1},

@@ -92,9 +92,10 @@ TEST(Lookup, LaterPositiveTermsReadNothingOnceTheLimitIsPassed) {
 }
 
 TEST(Lookup, ExactTable) {
-  const IndexBuilder builder =
-      Words({"oak", "Oak", "oak"}).Variant("oaks").WordWithOffset("elm", "-1").WordWithEmptyList(
-          "yew");
+  const IndexBuilder builder = Words({"oak", "Oak", "oak"})
+                                   .Variant("oaks")
+                                   .WordWithOffset("elm", "-1")
+                                   .WordWithEmptyList("yew");
   const struct {
     const char* what;
     const char* word;
@@ -225,8 +226,7 @@ TEST(MatchBudget, ExclusionsCountButAreNotStopped) {
 }
 
 TEST(MatchBudget, WordsWithoutListsDoNotCount) {
-  LoadedSite site(
-      Words({"oak"}).WordWithOffset("oat", "-1").Word("oar", {{5, 10, 0, 0}}));
+  LoadedSite site(Words({"oak"}).WordWithOffset("oat", "-1").Word("oar", {{5, 10, 0, 0}}));
   TermRun run(site, 2, 1);
   EXPECT_EQ(run.Find("oa*", true).pages, (Pages{2, 5}));
   EXPECT_FALSE(run.limitReached);

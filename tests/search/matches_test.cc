@@ -59,10 +59,10 @@ TEST(BoostedScore, Table) {
       {"200 by 1.5", 200, 15, 300},
       {"no boost", 200, 0, 200},
       {"unchanged", 200, 10, 200},
-      {"rounded down", 3, 18, 5},   // 5.4
-      {"rounded up", 4, 19, 8},     // 7.6
-      {"half", 1, 5, 1},            // 0.5
-      {"below half", 1, 4, 0},      // 0.4
+      {"rounded down", 3, 18, 5},  // 5.4
+      {"rounded up", 4, 19, 8},    // 7.6
+      {"half", 1, 5, 1},           // 0.5
+      {"below half", 1, 4, 0},     // 0.4
       {"nothing stays nothing", 0, 255, 0},
       {"the largest", 255, 255, 6503},  // 6502.5
   };

@@ -224,10 +224,14 @@ void DefineAccents(Settings& settings,
 
 TEST(NormaliseQuery, Accents) {
   Settings settings;
-  DefineAccents(settings, {{"\xC3\xA9", "e"}, {"\xC3\x9F", "ss"}, {"x", "y"}, {"y", "z"},
-                           {"", "!"}, {"q", ""}});
+  DefineAccents(
+      settings,
+      {{"\xC3\xA9", "e"}, {"\xC3\x9F", "ss"}, {"x", "y"}, {"y", "z"}, {"", "!"}, {"q", ""}});
   EXPECT_EQ(Normalised("\xC3\xA9t\xC3\xA9", settings), "ete");
-  EXPECT_EQ(Normalised("stra\xC3\x9F" "e", settings), "strasse");
+  EXPECT_EQ(Normalised("stra\xC3\x9F"
+                       "e",
+                       settings),
+            "strasse");
   EXPECT_EQ(Normalised("xy", settings), "zz");   // one pair after the other
   EXPECT_EQ(Normalised("aqb", settings), "ab");  // an empty partner
   settings.MapAccents = 0;
@@ -247,11 +251,22 @@ TEST(NormaliseQuery, ReplacementThatPasses2085BytesIsNotMade) {
   Settings settings;
   DefineAccents(settings, {{"\xDF", "ss"}, {"a", "bb"}});
   const std::string tail = Repeat("x", 2083);
-  EXPECT_EQ(Normalised("\xDF" + tail, settings), "ss" + tail);            // 2085
-  EXPECT_EQ(Normalised("\xDF" "x" + tail, settings), "\xDF" "x" + tail);  // would be 2086
+  EXPECT_EQ(Normalised("\xDF" + tail, settings), "ss" + tail);  // 2085
+  EXPECT_EQ(Normalised("\xDF"
+                       "x" +
+                           tail,
+                       settings),
+            "\xDF"
+            "x" +
+                tail);  // would be 2086
   // A pair that does not fit does not stop the pairs behind it from being tried.
-  EXPECT_EQ(Normalised("\xDF\xDF" "a" + Repeat("x", 2081), settings),
-            "\xDF\xDF" "bb" + Repeat("x", 2081));
+  EXPECT_EQ(Normalised("\xDF\xDF"
+                       "a" +
+                           Repeat("x", 2081),
+                       settings),
+            "\xDF\xDF"
+            "bb" +
+                Repeat("x", 2081));
 }
 
 TEST(NormaliseQuery, FullBuffer) {
@@ -296,7 +311,9 @@ TEST(SplitQuery, Table) {
       {"a blank in quotes", "\" \"", {" "}, true},
       {"three quotes", "\"a\"\"b c", {"b c"}, true},
       {"exclusions go to the end", "-a b", {"b", "-a"}, false},
-      {"the order inside both groups stays", "-a b -c d -e f", {"b", "d", "f", "-a", "-c", "-e"},
+      {"the order inside both groups stays",
+       "-a b -c d -e f",
+       {"b", "d", "f", "-a", "-c", "-e"},
        false},
       {"a lone hyphen is an exclusion", "a - b", {"a", "b", "-"}, false},
       {"only exclusions", "-b -a", {"-b", "-a"}, false},
@@ -405,14 +422,10 @@ TEST(SiteRestriction, Table) {
     bool isRestriction;
     const char* restriction;
   } cases[] = {
-      {"site", "site:docs", true, "docs"},
-      {"url", "url:docs", true, "docs"},
-      {"empty", "site:", true, ""},
-      {"a second colon", "url:a:b", true, "a:b"},
-      {"upper case", "Site:docs", false, ""},
-      {"inside a word", "mysite:docs", false, ""},
-      {"no colon", "site", false, ""},
-      {"an empty word", "", false, ""},
+      {"site", "site:docs", true, "docs"},    {"url", "url:docs", true, "docs"},
+      {"empty", "site:", true, ""},           {"a second colon", "url:a:b", true, "a:b"},
+      {"upper case", "Site:docs", false, ""}, {"inside a word", "mysite:docs", false, ""},
+      {"no colon", "site", false, ""},        {"an empty word", "", false, ""},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);

@@ -178,8 +178,7 @@ struct Ranking {
     EXPECT_TRUE(AllocateMatches(matches, site.settings.NumPages));
   }
   void Add(uint32_t page, uint8_t score, const TermPlace& term = {}) {
-    ASSERT_TRUE(
-        AddMatch(matches, site.files.pages, {score, 0, page, 0}, term, request.sort, 10));
+    ASSERT_TRUE(AddMatch(matches, site.files.pages, {score, 0, page, 0}, term, request.sort, 10));
   }
   RankStatus Rank(int32_t effectiveTerms) {
     EXPECT_TRUE(PrepareFilters(filters, site.settings, request, site.files.pages,
@@ -240,7 +239,11 @@ TEST(RankMatches, CapKeepsWholeBuckets) {
       {"no room", 1, 0, {100, 300}, {}, true},
       // A range of 20000 has width 2: half of 19997 is rounded up to the last bucket, 9999, which
       // also takes the quotient 10000.
-      {"dates that share a bucket stay together", 1, 1, {0, 19996, 19997, 19998, 20000}, {2, 3, 4},
+      {"dates that share a bucket stay together",
+       1,
+       1,
+       {0, 19996, 19997, 19998, 20000},
+       {2, 3, 4},
        true},
       {"the oldest date has a bucket of its own", 2, 1, {0, 1, 2, 3, 20000}, {0}, true},
       {"rounded up, two dates share the next", 2, 2, {0, 1, 2, 3, 20000}, {0, 1, 2}, true},

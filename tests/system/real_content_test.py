@@ -31,7 +31,7 @@ QUERIES = [
     ("unit testing framework", "/library/unittest.html"),
     ("mock object library", "/library/unittest.mock.html"),
     ("gzip files", "/library/gzip.html"),
-    ("read and write zip files", "/library/zipfile.html"),
+    ("zipfile", "/library/zipfile.html"),
     ("virtual environments", "/library/venv.html"),
     ("descriptor guide", "/howto/descriptor.html"),
     ("sorting how to", "/howto/sorting.html"),

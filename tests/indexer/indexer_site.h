@@ -1,0 +1,64 @@
+// indexer_site.h: a small site on disk, and its index, for the tests of the indexer.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include "indexer/build_index.h"
+#include "support/scratch_directory.h"
+
+namespace vela::indexer {
+
+inline void WriteFile(const std::filesystem::path& path, std::string_view content) {
+  std::filesystem::create_directories(path.parent_path());
+  std::ofstream(path, std::ios::binary).write(content.data(), std::ssize(content));
+}
+
+inline std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// The time of every file of a site, so that its index does not depend on when the test runs.
+inline void SetTime(const std::filesystem::path& path, int64_t seconds) {
+  const struct timespec times[2] = {{seconds, 0}, {seconds, 0}};
+  utimensat(AT_FDCWD, path.c_str(), times, 0);
+}
+
+struct TestSite {
+  support::ScratchDirectory scratch;
+  std::filesystem::path folder = scratch.path() / "site";
+  std::filesystem::path index = scratch.path() / "index";
+  Options options;
+
+  TestSite() {
+    std::filesystem::create_directory(folder);
+    options.site = folder.string();
+    options.baseUrl = "https://x.example/";
+    options.out = index.string();
+    options.quiet = true;
+  }
+  void Add(const std::string& path, std::string_view content, int64_t time = 1000000000) const {
+    WriteFile(folder / path, content);
+    SetTime(folder / path, time);
+  }
+  IndexSummary Build() const {
+    Progress progress(false);
+    const volatile std::sig_atomic_t stop = 0;
+    return BuildIndex(options, progress, stop);
+  }
+  std::string Read(const std::string& name) const { return ReadFile(index / name); }
+};
+
+inline constexpr const char* kIndexFiles[] = {
+    "settings.vdat",      "vela_dictionary.vdat", "vela_wordmap.vdat",
+    "vela_pageinfo.vdat", "vela_pagedata.vdat",   "vela_pagetext.vdat",
+};
+
+}  // namespace vela::indexer
