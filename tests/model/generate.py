@@ -432,7 +432,8 @@ def damage(r, x, features):
     elif kind == 5:
         x.files[name] = (body or b"") + bytes([r.choice((0x41, 0x0A, 0x20, 1))]) * r.randint(1, 3)
     elif kind == 6 and x.files.get("settings.vdat"):
-        key = r.choice(("NumCatBytes", "NumCatBytes", "NumKeywords", "NumPages", "PageInfoSize", "OutputBasewordBufferSize",
+        key = r.choice(("NumCatBytes", "NumCatBytes", "NumKeywords", "NumPages", "PageInfoSize",
+                        "OutputBasewordBufferSize",
                         "OutputVariantBufferSize", "NumVariants", "NumCats", "NumCatBytes",
                         "NumMetaFields", "DictIDLen", "NumSpellings", "NumRecommended",
                         "StemmingAlgo", "UseBigPageInfoData", "DictReservedLimit", "NumKeywords"))
