@@ -146,8 +146,9 @@ std::string ResolveAddress(std::string_view page, std::string_view reference) {
   if (colon < reference.find_first_of("/?#")) return {};  // another scheme
   if (reference.starts_with("//")) {
     if (from.root.empty()) return {};
-    const AddressParts to = SplitAddress(std::string(from.root.substr(0, from.root.find("//"))) +
-                                         std::string(reference));
+    std::string absolute(from.root.substr(0, from.root.find("//")));
+    absolute += reference;
+    const AddressParts to = SplitAddress(absolute);
     return std::string(to.root) + RemoveDotSegments(to.path) + std::string(to.rest);
   }
   const AddressParts to = SplitAddress(reference);
@@ -193,7 +194,7 @@ std::string AddressText(std::string_view address, std::string_view base) {
   if (dot != path.npos && dot > name) path = path.substr(0, dot);
   std::string text;
   for (size_t i = 0; i < path.size(); ++i) {
-    if (path[i] == '%' && i + 2 < path.size() + 0 && HexValue(path[i + 1]) >= 0 &&
+    if (path[i] == '%' && i + 2 < path.size() && HexValue(path[i + 1]) >= 0 &&
         HexValue(path[i + 2]) >= 0) {
       text += static_cast<char>(HexValue(path[i + 1]) * 16 + HexValue(path[i + 2]));
       i += 2;

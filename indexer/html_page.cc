@@ -157,6 +157,11 @@ bool IsInline(GumboTag tag) {
             GUMBO_TAG_TT,     GUMBO_TAG_U,      GUMBO_TAG_VAR,     GUMBO_TAG_WBR});
 }
 
+// Takes no room on the page: a word goes on behind it.
+bool IsInvisible(GumboTag tag) {
+  return IsOneOf(tag, {GUMBO_TAG_SCRIPT, GUMBO_TAG_STYLE, GUMBO_TAG_TEMPLATE, GUMBO_TAG_NOSCRIPT});
+}
+
 // Never part of what a visitor reads on a page.
 bool IsNeverText(GumboTag tag) {
   return IsOneOf(tag, {GUMBO_TAG_SCRIPT, GUMBO_TAG_STYLE, GUMBO_TAG_TEMPLATE, GUMBO_TAG_NOSCRIPT,
@@ -337,7 +342,7 @@ void CollectText(const GumboNode* root, bool withPageFrame, PageContent& page) {
     }
     if (IsNeverText(element.tag) || IsHidden(element) || surrounding == Surrounding::kNavigation ||
         (surrounding == Surrounding::kPageFrame && !withPageFrame)) {
-      if (!IsInline(element.tag)) out.Break();
+      if (!IsInline(element.tag) && !IsInvisible(element.tag)) out.Break();
       continue;
     }
     if (element.tag == GUMBO_TAG_IMG || element.tag == GUMBO_TAG_AREA) {

@@ -79,7 +79,7 @@ void PageTableWriter::AddPage(const PageEntry& page) {
   info_.WriteNumber(std::min<uint64_t>(page.fileSize, kMaxSize), 4);
   const bool dated = page.modifiedTime > 0 && page.modifiedTime <= kMaxTime;
   info_.WriteNumber(dated ? static_cast<uint64_t>(page.modifiedTime) : 0, 4);
-  info_.WriteNumber(page.boost, 1);
+  info_.WriteNumber(0, 1);
   info_.WriteNumber(static_cast<uint64_t>(page.fileType), 1);
 
   data_.Write(page.address);

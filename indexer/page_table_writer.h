@@ -30,7 +30,6 @@ struct PageEntry {
   std::string description;  // plain text
   uint64_t fileSize = 0;
   int64_t modifiedTime = 0;
-  uint8_t boost = 0;
   FileType fileType = FileType::kHtml;
 };
 

@@ -60,10 +60,11 @@ void WriteSigns(ChunkCut& cut, size_t end, SymbolForm first, SymbolForm others) 
 }
 
 // A form that no query can hold is no use: a quote ends a term, "*" and "?" make a pattern of it, a
-// colon stays only in a restriction to a site; and "<" and ">" are kept out of the dictionary, whose
-// words are shown as they stand.
+// colon stays only in a restriction to a site; and "<" and ">" are kept out of the dictionary,
+// whose words are shown as they stand.
 bool IsFindable(std::string_view form) {
-  return !form.empty() && form.size() <= kMaxWordBytes && form.find_first_of("\"*?:<>") == form.npos;
+  return !form.empty() && form.size() <= kMaxWordBytes &&
+         form.find_first_of("\"*?:<>") == form.npos;
 }
 
 void AddForm(ChunkCut& cut, size_t token, std::string text) {
@@ -127,12 +128,14 @@ void WriteWord(ChunkCut& cut, size_t first, size_t last) {
 // exclusion) and runs of dots, trailing hyphens and dots.
 void TrimPiece(const ChunkCut& cut, size_t& first, size_t& last) {
   const auto& characters = cut.out.characters;
+  bool ellipsis = false;
   while (first < last) {
     const char byte = ByteOf(cut, characters[first]);
     const bool startsName =
-        byte == '.' && first + 1 < last &&
+        byte == '.' && !ellipsis && first + 1 < last &&
         (IsWord(characters[first + 1]) || ByteOf(cut, characters[first + 1]) == '_');
     if (!IsOneOf(byte, "-+#.") || startsName) break;
+    ellipsis = byte == '.';
     ++first;
   }
   while (first < last && IsOneOf(ByteOf(cut, characters[last - 1]), "-.")) --last;
@@ -237,8 +240,8 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   closeChain();
 }
 
-// What stands behind a word decides whether a query keeps "#", "++" or "_" at its end: "c++," is "c"
-// there, while the page text has "c++". The query's form is added.
+// What stands behind a word decides whether a query keeps "#", "++" or "_" at its end: "c++," is
+// "c" there, while the page text has "c++". The query's form is added.
 void AddQueryForms(ChunkCut& cut) {
   const size_t token = FirstWordFrom(cut, 0);
   if (token == cut.out.tokens.size()) return;

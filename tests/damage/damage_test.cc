@@ -35,6 +35,8 @@ constexpr const char* kQueries[] = {
     "vela_query=plam&vela_datefrom=1/1/2000&vela_dateto=1/1/2010",
     "vela_query=&year=1999&colour=0",
     "vela_query=big+-plum+site:a&vela_and=1&vela_sort=2",
+    "vela_query=pl*+aple&vela_cat=2&vela_and=1",
+    "vela_query=%22plum+apples%22+aple&vela_xml=1",
 };
 constexpr const char* kSuggestionQuery = "vela_ac=1&vela_query=ap";
 
@@ -77,6 +79,47 @@ class DamagedIndex {
   ScratchDirectory scratch_;
   size_t runs_ = 0;
 };
+
+// The damage is worth little where the undamaged directory leaves a reader unused.
+TEST(WholeIndex, EveryFeatureShows) {
+  constexpr const char* kTraces[] = {
+      "<span class=\"highlight\">",  // highlighted HTML
+      "<vela:highlight>",            // highlighted XML
+      "<div class=\"context\">\n <b>...</b>",
+      "<vela:context> ...",
+      "<div class=\"recommended\">",
+      "<vela:recommended>",
+      "Perhaps <a href=",
+      "<vela:spelling>",
+      "<div class=\"cat_summary\">",
+      "<vela:categorySummary>",
+      "<div class=\"result_custommeta\">",
+      "<vela:price>EUR 12.34</vela:price>",
+      "<div class=\"description\">",
+      "<div class=\"result_image\">",
+      "<div class=\"sorting\">",
+      "<div class=\"searchtime\">",
+      "<vela:searchtime>",
+      "<vela:setting name=\"AccentChars\">",
+      "vela_highlight=",
+      "#search=",
+      "target=\"_blank\"",
+      "target=\"_top\"",
+      "suggest();",
+      "pick();",
+      "<form method=",
+  };
+  const ScratchDirectory scratch;
+  Everything().WriteTo(scratch.path());
+  std::string answers;
+  for (const char* query : kQueries) {
+    answers += RunProgram(kProgram, GetRequest(scratch.path(), query)).output;
+  }
+  for (const char* trace : kTraces) EXPECT_NE(answers.find(trace), answers.npos) << trace;
+  EXPECT_TRUE(std::filesystem::exists(scratch.path() / "logs" / "searchwords.log"));
+  const Outcome suggestions = RunProgram(kProgram, GetRequest(scratch.path(), kSuggestionQuery));
+  EXPECT_NE(suggestions.output.find("VelaAutoComplete_UseSuggestion"), std::string::npos);
+}
 
 // The distance between two tries that keeps `tries` of them within the limit; odd, so that it does
 // not fall into step with records and lines.

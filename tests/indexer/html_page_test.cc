@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "indexer/charset.h"
+
 namespace vela::indexer {
 namespace {
 
@@ -26,7 +28,7 @@ TEST(HtmlPage, TakesTheTextAndLeavesTheRest) {
        "onetwo three four"},
       {"cells and items are apart", "<table><tr><td>a<td>b</table><ul><li>c<li>d</ul>", "a b c d"},
       {"headings are known", "<h1>Top</h1>text<h3>Sub <i>part</i></h3>more",
-       "<1> Top text <3> Sub part more"},
+       "<1>Top text <3>Sub part more"},
       {"scripts, styles, templates",
        "a<script>x=1</script><style>p{}</style><template>t</template><noscript>n</noscript>b",
        "ab"},

@@ -1,6 +1,7 @@
 // indexer_site.h: a small site on disk, and its index, for the tests of the indexer.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <csignal>

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -338,7 +339,7 @@ TEST(SearchForm, MetaFieldsTable) {
     std::vector<MetaValue> metaValues(1);
     metaValues[0].text = c.text;
     metaValues[0].chosenCount = static_cast<uint8_t>(c.chosen.size());
-    for (size_t i = 0; i < c.chosen.size(); ++i) metaValues[0].chosen[i] = c.chosen[i];
+    std::copy(c.chosen.begin(), c.chosen.end(), metaValues[0].chosen);
     form.request.metaValues = metaValues;
     form.Fill();
     EXPECT_EQ(form[Section::kCustomMetaOptions],

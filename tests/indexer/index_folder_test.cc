@@ -1,0 +1,114 @@
+#include "indexer/index_folder.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/index_error.h"
+#include "indexer_site.h"
+
+namespace vela::indexer {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> NamesIn(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST(IndexFolder, AppearsOnlyWhenComplete) {
+  const support::ScratchDirectory scratch;
+  {
+    IndexFolder folder(scratch.path() / "index");
+    WriteFile(folder.fresh() / "settings.vdat", "new");
+    EXPECT_FALSE(fs::exists(scratch.path() / "index"));
+    folder.Commit();
+  }
+  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"index"});
+  EXPECT_EQ(ReadFile(scratch.path() / "index/settings.vdat"), "new");
+}
+
+TEST(IndexFolder, LeavesNothingWhenItIsNotCommitted) {
+  const support::ScratchDirectory scratch;
+  WriteFile(scratch.path() / "index/settings.vdat", "old");
+  {
+    const IndexFolder folder(scratch.path() / "index");
+    WriteFile(folder.fresh() / "settings.vdat", "new");
+  }
+  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"index"});
+  EXPECT_EQ(ReadFile(scratch.path() / "index/settings.vdat"), "old");
+}
+
+TEST(IndexFolder, CarriesOverWhatIsNotOfTheIndex) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  for (const char* name :
+       {"settings.vdat", "vela_dictionary.vdat", "vela_spelling.vdat", "vela_recommended.vdat",
+        "search.cgi", "logs/searchwords.log", "search_template.html", "style.css"}) {
+    WriteFile(index / name, std::string("old ") + name);
+  }
+  fs::create_symlink("search.cgi", index / "link.cgi");
+  fs::permissions(index / "search.cgi", fs::perms::owner_all);
+  fs::permissions(index, fs::perms::owner_all | fs::perms::group_exec);
+  {
+    IndexFolder folder(index);
+    EXPECT_TRUE(folder.OldHas("search_template.html"));
+    EXPECT_FALSE(folder.OldHas("other.html"));
+    WriteFile(folder.fresh() / "settings.vdat", "new");
+    WriteFile(folder.fresh() / "style.css", "new");
+    folder.Commit();
+  }
+  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"index"});
+  // Files of the old index that the new one has no use for would not fit it.
+  EXPECT_EQ(NamesIn(index),
+            (std::vector<std::string>{"link.cgi", "logs", "search.cgi", "search_template.html",
+                                      "settings.vdat", "style.css", "vela_recommended.vdat"}));
+  EXPECT_EQ(ReadFile(index / "settings.vdat"), "new");
+  EXPECT_EQ(ReadFile(index / "style.css"), "new");
+  EXPECT_EQ(ReadFile(index / "search_template.html"), "old search_template.html");
+  EXPECT_EQ(ReadFile(index / "logs/searchwords.log"), "old logs/searchwords.log");
+  EXPECT_EQ(fs::read_symlink(index / "link.cgi"), "search.cgi");
+  EXPECT_EQ(fs::status(index / "search.cgi").permissions(), fs::perms::owner_all);
+  EXPECT_EQ(fs::status(index).permissions(), fs::perms::owner_all | fs::perms::group_exec);
+}
+
+TEST(IndexFolder, ALogGoesOnInTheNewFolder) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  WriteFile(index / "search.log", "before\n");
+  std::ofstream log(index / "search.log", std::ios::app);
+  {
+    IndexFolder folder(index);
+    folder.Commit();
+  }
+  log << "after\n" << std::flush;
+  EXPECT_EQ(ReadFile(index / "search.log"), "before\nafter\n");
+}
+
+TEST(IndexFolder, GoesWhereALinkLeads) {
+  const support::ScratchDirectory scratch;
+  fs::create_directory(scratch.path() / "real");
+  fs::create_directory_symlink("real", scratch.path() / "index");
+  {
+    IndexFolder folder(scratch.path() / "index/");
+    EXPECT_EQ(folder.target().filename(), "real");
+    WriteFile(folder.fresh() / "settings.vdat", "new");
+    folder.Commit();
+  }
+  EXPECT_TRUE(fs::is_symlink(scratch.path() / "index"));
+  EXPECT_EQ(ReadFile(scratch.path() / "real/settings.vdat"), "new");
+}
+
+TEST(IndexFolder, RefusesWhatItCannotReplace) {
+  const support::ScratchDirectory scratch;
+  WriteFile(scratch.path() / "file", "x");
+  EXPECT_THROW(IndexFolder(scratch.path() / "file"), IndexError);
+  EXPECT_THROW(IndexFolder(scratch.path() / "none/index"), IndexError);
+  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"file"});
+}
+
+}  // namespace
+}  // namespace vela::indexer
