@@ -240,6 +240,16 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   closeChain();
 }
 
+bool HasWordCharacter(std::string_view text) {
+  size_t length = 0;
+  for (size_t at = 0; at < text.size(); at += length) {
+    if (ClassifyCharacter(DecodeCharacter(text, at, length)).kind == CharacterKind::kWord) {
+      return true;
+    }
+  }
+  return false;
+}
+
 // What stands behind a word decides whether a query keeps "#", "++" or "_" at its end: "c++," is
 // "c" there, while the page text has "c++". The query's form is added.
 void AddQueryForms(ChunkCut& cut) {
@@ -248,7 +258,7 @@ void AddQueryForms(ChunkCut& cut) {
   cut.out.scratch = cut.out.lower + ' ';
   ForEachQueryWord(cut.out.scratch, [&](std::string_view word) {
     word.remove_prefix(std::min(word.find_first_not_of('-'), word.size()));
-    if (std::ranges::any_of(word, IsAsciiAlnum)) AddForm(cut, token, std::string(word));
+    if (HasWordCharacter(word)) AddForm(cut, token, std::string(word));
   });
 }
 

@@ -12,7 +12,7 @@ start=$(date +%s%N)
 for ((i = 0; i < runs; ++i)); do "$stripped.none" >/dev/null 2>&1 || true; done
 none=$(date +%s%N)
 chmod +x "$stripped"
-for ((i = 0; i < runs; ++i)); do REQUEST_METHOD=GET QUERY_STRING= "$stripped" >/dev/null; done
+for ((i = 0; i < runs; ++i)); do REQUEST_METHOD=GET QUERY_STRING='' "$stripped" >/dev/null; done
 end=$(date +%s%N)
 shell_us=$(((none - start) / runs / 1000))
 run_us=$(((end - none) / runs / 1000))

@@ -72,6 +72,9 @@ size_t UrlEncode(std::string_view text, char* out, size_t capacity) {
   return written;
 }
 
-bool IsUnsafeInAddress(char c) { return IsControl(c) || memchr("\"'<>&\\", c, 6) != nullptr; }
+bool IsUnsafeInAddress(char c) {
+  constexpr std::string_view kUnsafe = "\"'<>&\\";
+  return IsControl(c) || kUnsafe.find(c) != kUnsafe.npos;
+}
 
 }  // namespace vela

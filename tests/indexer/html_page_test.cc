@@ -48,7 +48,7 @@ TEST(HtmlPage, TakesTheTextAndLeavesTheRest) {
        "text note"},
       {"roles of what surrounds",
        "<div role=banner>b</div><div role='contentinfo x'>c</div>text"
-       "<div role=complementary>d</div><form role=search>e</form>",
+       "<div role=complementary>d</div><form role=search><label>e</label></form>",
        "text"},
       {"hidden parts", "<p hidden>a<p style='display : none'>b<p aria-hidden=true>c<p>d", "d"},
       {"a link for skipping to the content", "<a href=#main>Skip</a><p>text <a href=#x>to x</a>",
