@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures how well the search ranks, on a test collection with judged answers.
 
-    bench/relevance.py COLLECTION [--bin build/release/bin] [--all-words] [--title-only]
+    bench/relevance.py COLLECTION [--bin build/release/bin] [--keywords] [--all-words]
 
 COLLECTION is a folder with three files in the Cranfield layout: cran.all.1400 (documents: .I number,
 .T title, .A author, .B source, .W text), cran.qry (questions; they count from 1 in file order) and

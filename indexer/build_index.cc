@@ -265,7 +265,7 @@ IndexSummary BuildIndex(const Options& options, Progress& progress,
                      "The site holds more text than one index can address. "
                      "Index its parts into several folders.");
   }
-  progress.Begin("Sorting words", collection.postings.count());
+  progress.Begin("Sorting words", 0);
   summary.runs = collection.postings.runCount();
   const WordMapResult wordMap = WriteWordMap(fresh / "vela_wordmap.vdat", collection.postings,
                                              vocabulary, collection.pages, facts.tokenBytes);
