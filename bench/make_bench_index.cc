@@ -205,7 +205,9 @@ int main(int argc, char** argv) {
   WriteFile(directory / "vela_pagetext.vdat", pageText);
   WriteFile(directory / "search_template.html",
             "<html><head></head><body>\n<!--VELASEARCH-->\n</body></html>\n");
-  // Two frequent words and one rare one, for the benchmarks' queries.
-  printf("%s %s %s\n", MakeWord(3).c_str(), MakeWord(40).c_str(), MakeWord(words / 2).c_str());
+  // For the benchmarks' queries: two frequent words, a rare one, and the two most frequent ones,
+  // which stand beside each other on many pages.
+  printf("%s %s %s %s %s\n", MakeWord(3).c_str(), MakeWord(40).c_str(), MakeWord(words / 2).c_str(),
+         MakeWord(0).c_str(), MakeWord(1).c_str());
   return 0;
 }

@@ -1,8 +1,10 @@
-// Times whole processes: the search program against an empty one, by turns in one run.
+// Times whole processes: searches against an empty program and against each other, by turns in one
+// run.
 //
-//   process_bench RUNS EMPTY_PROGRAM SEARCH_PROGRAM INDEX_DIRECTORY QUERY
+//   process_bench RUNS EMPTY_PROGRAM SEARCH_PROGRAM (INDEX_DIRECTORY QUERY)...
 //
-// Prints the median wall time of both, their ratio, and the search program's peak memory.
+// Prints for each search its median wall time, how it compares with the empty program and with the
+// first search, and its peak memory.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -53,29 +55,36 @@ double Median(std::vector<double> times) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 6) {
+  if (argc < 6 || argc % 2 != 0) {
     fprintf(stderr,
-            "usage: process_bench RUNS EMPTY_PROGRAM SEARCH_PROGRAM INDEX_DIRECTORY QUERY\n");
+            "usage: process_bench RUNS EMPTY_PROGRAM SEARCH_PROGRAM (INDEX_DIRECTORY QUERY)...\n");
     return 2;
   }
   const int runs = atoi(argv[1]);
-  std::string query = std::string("QUERY_STRING=vela_query=") + argv[5];
+  const auto searches = static_cast<size_t>(argc - 4) / 2;
+  std::vector<Figures> figures(searches);
+  Figures empty;
   std::string method = "REQUEST_METHOD=GET";
   std::string script = "SCRIPT_NAME=/search.cgi";
-  char* environment[] = {method.data(), query.data(), script.data(), nullptr};
   std::string directorySwitch = "/I";
-  Figures empty;
-  Figures search;
-  for (int i = 0; i < runs; ++i) {
-    RunOnce(empty, {argv[2]}, environment);
-    RunOnce(search, {argv[3], directorySwitch.data(), argv[4]}, environment);
+  for (int run = 0; run < runs; ++run) {
+    for (size_t i = 0; i < searches; ++i) {
+      std::string query = std::string("QUERY_STRING=vela_query=") + argv[5 + 2 * i];
+      char* environment[] = {method.data(), query.data(), script.data(), nullptr};
+      RunOnce(empty, {argv[2]}, environment);
+      RunOnce(figures[i], {argv[3], directorySwitch.data(), argv[4 + 2 * i]}, environment);
+    }
   }
   const double emptyTime = Median(empty.times);
-  const double searchTime = Median(search.times);
-  printf(
-      "empty %.0f us, search %.0f us, ratio %.2f, difference %.0f us, peak memory %ld kB "
-      "(empty %ld kB), page faults %ld\n",
-      emptyTime, searchTime, searchTime / emptyTime, searchTime - emptyTime, search.peakKilobytes,
-      empty.peakKilobytes, search.minorFaults);
+  const double firstTime = Median(figures[0].times);
+  printf("empty program %.0f us, peak memory %ld kB\n", emptyTime, empty.peakKilobytes);
+  for (size_t i = 0; i < searches; ++i) {
+    const double time = Median(figures[i].times);
+    printf(
+        "%s: %.0f us (%.2f times empty, %+.0f us; against the first %+.0f us), "
+        "peak memory %ld kB, page faults %ld\n",
+        argv[5 + 2 * i], time, time / emptyTime, time - emptyTime, time - firstTime,
+        figures[i].peakKilobytes, figures[i].minorFaults);
+  }
   return 0;
 }

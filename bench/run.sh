@@ -17,7 +17,7 @@ echo "== 20000 pages, 200000 words"
 if [ ! -e "$work/words" ]; then
   "$bin/make_bench_index" "$work/large" 20000 200000 >"$work/words"
 fi
-read -r first second rare <"$work/words"
+read -r first second rare _ <"$work/words"
 echo "two frequent words: $first $second"
 "$bin/stages_bench" "$work/large" "$first+$second"
 "$bin/process_bench" 100 "$bin/empty_program" "$bin/vela_search" "$work/large" "$first+$second"
@@ -25,5 +25,20 @@ echo "one rare word: $rare"
 "$bin/process_bench" 100 "$bin/empty_program" "$bin/vela_search" "$work/large" "$rare"
 echo "a pattern: ba*"
 "$bin/process_bench" 100 "$bin/empty_program" "$bin/vela_search" "$work/large" "ba*"
+
+echo "== context, highlighting and phrases on the same pages"
+marked=$work/marked
+mkdir -p "$marked"
+ln -sf "$work"/large/vela_*.vdat "$work/large/search_template.html" "$marked"
+{
+  cat "$work/large/settings.vdat"
+  printf '%s = 1\n' DisplayContext Highlighting AllowExactPhrase
+} >"$marked/settings.vdat"
+read -r _ _ _ common next <"$work/words"
+phrase="%22$common+$next%22"
+"$bin/process_bench" 100 "$bin/empty_program" "$bin/vela_search" "$work/large" "$first+$second" \
+  "$marked" "$first+$second" "$marked" "$phrase"
+echo "the phrase by stages:"
+"$bin/stages_bench" "$marked" "$phrase"
 echo "== bytes of the index files"
 (cd "$work/large" && wc -c -- *.vdat)

@@ -2,8 +2,8 @@
 //
 //   stages_bench INDEX_DIRECTORY QUERY [REPEATS]
 //
-// Prints the median time of each stage in microseconds, the bytes each reads and, for the
-// dictionary, the rate.
+// Prints the median time of each stage in microseconds, the bytes each reads, for the dictionary
+// the rate and for phrases how many places of the page text were looked at.
 
 #include <fcntl.h>
 
@@ -88,10 +88,12 @@ int main(int argc, char** argv) {
   }
   std::string typed = argv[2];
   std::replace(typed.begin(), typed.end(), '+', ' ');
+  for (size_t at; (at = typed.find("%22")) != typed.npos;) typed.replace(at, 3, "\"");
   vela::SearchRequest request;
   vela::Stemmer stemmer;
   int64_t records = 0;
   int32_t results = 0;
+  int32_t seeks = 0;
   const double searchTime = MedianMicroseconds(repeats, [&] {
     auto query = std::make_unique<vela::Query>();
     vela::Set(query->typed, typed);
@@ -119,6 +121,7 @@ int main(int argc, char** argv) {
     records = 0;
     for (const vela::SearchedTerm& term : terms.terms) records += term.records;
     results = matches.resultCount;
+    seeks = terms.phraseBudget.seeksDone;
   });
   g_queryString = std::string("vela_query=") + argv[2];
   const double wholeTime = MedianMicroseconds(repeats, [&] {
@@ -134,6 +137,9 @@ int main(int argc, char** argv) {
   printf("page info   %9.0f us  %zu bytes\n", pageInfoTime, pageInfoBytes);
   printf("search      %9.0f us  %lld bytes of page lists, %d results\n", searchTime,
          static_cast<long long>(records * 10), results);
+  if (seeks != 0) {
+    printf("phrases     %9d seeks of at most %d\n", seeks, settings->MaxContextSeeks);
+  }
   printf("output, and the rest %4.0f us\n",
          wholeTime - settingsTime - dictionaryTime - pageInfoTime - searchTime);
   printf("whole request %7.0f us\n", wholeTime);
