@@ -1,6 +1,7 @@
 #include "output/highlight.h"
 
 #include <algorithm>
+#include <bitset>
 #include <cstring>
 
 #include "text/ascii.h"
@@ -119,10 +120,19 @@ bool HighlightText(std::string_view text, const HighlightTerms& terms, const Hig
   const size_t decodedLength = DecodeJoinChars(text, decoded.data(), rules.joinChars);
   Writer out(collected.data());
   Tokenizer tokenizer{{decoded.data(), decodedLength}};
+  // What begins no phrase here begins none farther on in the same run of punctuation, ahead of the
+  // same word; asking once keeps the walk linear.
+  std::bitset<256> failed;
   std::string_view token;
-  while (NextToken(tokenizer, rules.joinChars, token) != TokenKind::kNone) {
-    const std::string_view run =
-        token == " " ? std::string_view() : MatchedRun(tokenizer, token, terms, rules);
+  for (TokenKind kind; (kind = NextToken(tokenizer, rules.joinChars, token)) != TokenKind::kNone;) {
+    const bool isMark = kind == TokenKind::kSingle && token.size() == 1;
+    const auto mark = static_cast<unsigned char>(token[0]);
+    if (kind == TokenKind::kWord) failed.reset();
+    const std::string_view run = token == " " || (isMark && failed[mark])
+                                     ? std::string_view()
+                                     : MatchedRun(tokenizer, token, terms, rules);
+    if (run.size() > token.size()) failed.reset();
+    if (run.empty() && isMark) failed.set(mark);
     if (run.empty()) {
       out.Put(token);
     } else {

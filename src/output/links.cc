@@ -10,8 +10,8 @@ namespace vela {
 
 namespace {
 
-// The text of the date parameters, escaped to fit.
-constexpr size_t kDateTextSize = 14;
+// The text of the date parameters, escaped to fit: 14 bytes and a NUL.
+constexpr size_t kDateTextSize = 15;
 
 void AppendCategories(LinkText& out, const Settings& settings, const SearchRequest& request) {
   if (settings.UseCats == 0 || SearchesAllCategories(request)) return;

@@ -135,7 +135,9 @@ bool MatchesKeyword(const RecommendedInput& input, std::string_view keyword) {
   for (int32_t i = 0; i < input.query.terms.size(); ++i) {
     const std::string_view term = input.query.terms[i];
     bool matches = false;
-    if (HasWildcard(term)) {
+    // In a substring search the words of a phrase stand for themselves.
+    const bool isPlainPhrase = settings.SearchAsSubstring == 1 && IsPhrase(term, settings);
+    if (HasWildcard(term) && !isPlainPhrase) {
       matches = MatchesWildcard(keyword, term, mode.foldCase);
     } else if (settings.SearchAsSubstring == 1) {
       matches = FindNoCase(keyword, term, mode.utf8) != keyword.npos;

@@ -40,6 +40,8 @@ int main(int argc, char** argv) {
   action.sa_handler = EndVanishedFile;
   action.sa_flags = static_cast<int>(SA_NODEFER);
   sigaction(SIGBUS, &action, nullptr);
+  // A visitor who does not wait for the end is no reason to leave the search out of the log.
+  signal(SIGPIPE, SIG_IGN);
   const int status = vela::RunRequest(g_context, std::span(argv, static_cast<size_t>(argc)),
                                       {Environment, STDIN_FILENO});
   // Everything is written and the kernel frees the rest.

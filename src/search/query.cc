@@ -106,12 +106,16 @@ bool IsSiteRestriction(std::string_view word, std::string_view& restriction) {
   return false;
 }
 
-QueryText SubstringTerm(std::string_view term) {
+bool IsPhrase(std::string_view term, const Settings& settings) {
+  return settings.AllowExactPhrase == 1 && term.find(' ') != term.npos;
+}
+
+QueryText SubstringTerm(std::string_view term, const Settings& settings) {
   QueryText out;
   std::string_view word = term;
   if (word.starts_with('-')) word.remove_prefix(1);
   std::string_view restriction;
-  if (word.empty() || word.find(' ') != word.npos || IsSiteRestriction(word, restriction)) {
+  if (word.empty() || IsPhrase(word, settings) || IsSiteRestriction(word, restriction)) {
     Set(out, term);
     return out;
   }

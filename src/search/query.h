@@ -43,9 +43,12 @@ void NormaliseQuery(QueryText& text, const Settings& settings);
 // Normalises what was typed and cuts it into terms. False when memory is out.
 [[nodiscard]] bool ParseQuery(Query& query, const Settings& settings);
 
+// Whether the term, with or without its "-", is a phrase: several words, where phrases are allowed.
+bool IsPhrase(std::string_view term, const Settings& settings);
+
 // Puts the asterisks of a substring search around the term's word: behind the "-" of an exclusion,
 // and none where one stands already, around an empty word, a phrase or a site restriction.
-QueryText SubstringTerm(std::string_view term);
+QueryText SubstringTerm(std::string_view term, const Settings& settings);
 
 // Whether the term restricts the search to addresses, and to which text; `word` has no "-".
 bool IsSiteRestriction(std::string_view word, std::string_view& restriction);

@@ -168,9 +168,12 @@ uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
 RankStatus RankMatches(Matches& matches, PageFilters& filters, const Settings& settings,
                        const SearchRequest& request, const PageTable& pages, int32_t effectiveTerms,
                        bool everyPage, ResultList& results) {
-  // Kept: exclusions may have counted down to 0 although some pages are left.
-  if (matches.resultCount == 0 && !everyPage) return RankStatus::kOk;
   KeyHistogram histogram;
+  // Kept: exclusions may have counted down to 0 although some pages are left, which then are in no
+  // result. Their categories are looked at all the same.
+  if (matches.resultCount == 0 && !everyPage) {
+    return ListResults(matches, filters, settings, request, pages, histogram, everyPage, results);
+  }
   if (!StartHistogramFor(histogram, matches, request.sort)) return RankStatus::kNoMemory;
   matches.resultCount = 0;
   RankStatus status = RankStatus::kOk;

@@ -125,8 +125,7 @@ TermStatus SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t 
     return TermStatus::kOk;
   }
   const TermPlace place = {index, search.skippedCount, search.excludedCount, isExclusion};
-  const bool isPhrase =
-      input.settings.AllowExactPhrase == 1 && View(term.word).find(' ') != std::string_view::npos;
+  const bool isPhrase = IsPhrase(View(term.word), input.settings);
   return isPhrase ? SearchPhrase(search, input, term, place, matches)
                   : SearchWord(search, input, term, place, matches);
 }
@@ -140,7 +139,7 @@ bool StartTermSearch(TermSearch& search, Query& query, const Settings& settings)
     SearchedTerm& term = search.terms[i];
     std::string_view& listed = query.terms.terms[i];
     if (settings.SearchAsSubstring == 1) {
-      term.shown = SubstringTerm(listed);
+      term.shown = SubstringTerm(listed, settings);
     } else {
       Set(term.shown, listed);
     }

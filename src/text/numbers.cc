@@ -4,14 +4,20 @@
 
 namespace vela {
 
+namespace {
+
+// Passes over leading white space and one sign; true for "-".
+bool SkipToDigits(std::string_view text, size_t& at) {
+  while (at < text.size() && IsSpace(text[at])) ++at;
+  if (at == text.size() || (text[at] != '+' && text[at] != '-')) return false;
+  return text[at++] == '-';
+}
+
+}  // namespace
+
 DecimalResult ScanDecimal32(std::string_view text) {
   size_t at = 0;
-  while (at < text.size() && IsSpace(text[at])) ++at;
-  bool negative = false;
-  if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
-    negative = text[at] == '-';
-    ++at;
-  }
+  const bool negative = SkipToDigits(text, at);
   if (at == text.size() || !IsDigit(text[at])) return {};
   int64_t magnitude = 0;
   for (; at < text.size() && IsDigit(text[at]); ++at) {
@@ -22,6 +28,19 @@ DecimalResult ScanDecimal32(std::string_view text) {
 }
 
 int32_t ReadDecimal32(std::string_view text) { return ScanDecimal32(text).value; }
+
+int64_t ReadDecimal64(std::string_view text) {
+  size_t at = 0;
+  const bool negative = SkipToDigits(text, at);
+  int64_t value = 0;
+  for (; at < text.size() && IsDigit(text[at]); ++at) {
+    const int64_t digit = negative ? '0' - text[at] : text[at] - '0';
+    if (__builtin_mul_overflow(value, 10, &value) || __builtin_add_overflow(value, digit, &value)) {
+      return negative ? INT64_MIN : INT64_MAX;
+    }
+  }
+  return value;
+}
 
 namespace {
 

@@ -44,6 +44,9 @@ DecimalResult ScanDecimal32(std::string_view text);
 // The value of ScanDecimal32, 0 when there is no number.
 int32_t ReadDecimal32(std::string_view text);
 
+// The same for 64 bits.
+int64_t ReadDecimal64(std::string_view text);
+
 // The reader of the dictionary and spelling files: leading blanks, one "-", digits up to the first
 // other byte; wraps modulo 2^32 (2^64). An empty number is 0.
 int32_t ReadDecimalWrap32(std::string_view text);

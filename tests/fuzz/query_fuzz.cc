@@ -46,7 +46,7 @@ void CheckQuery(const Query& query, const Settings& settings) {
     if (settings.AllowExactPhrase == 0) VELA_CHECK(term.find(' ') == std::string_view::npos);
     if (HasExclusionMark(term)) exclusionsBegan = true;
     VELA_CHECK(!exclusionsBegan || HasExclusionMark(term));
-    const QueryText wide = SubstringTerm(term);
+    const QueryText wide = SubstringTerm(term, settings);
     VELA_CHECK(View(wide).size() < kQuerySize);
   }
   VELA_CHECK(!query.hasPhrase || settings.AllowExactPhrase != 0);

@@ -42,7 +42,7 @@ def make_index(r, features):
     s["UseUTF8"] = int(x.utf8)
     s["Charset"] = b'"utf-8"' if x.utf8 else b'"iso-8859-1"'
     if "phrase" in features:
-        setting("AllowExactPhrase", 0, 1, 1, 1, 2 if chance(r, 0.1) else 1)
+        setting("AllowExactPhrase", 0, 1, 1, 1, 2 if chance(r, 0.3) else 1)
     if "context" in features:
         setting("DisplayContext", 0, 1)
     setting("ContextSize", 0, 1, 3, 6, 10, 20, 33, 100)
@@ -304,7 +304,8 @@ def make_index(r, features):
                                 r.choice(words)[:2] + b"*", r.choice(words) + b" " +
                                 r.choice(words), b" , ", b"?" + r.choice(words)[1:]))
             where = r.choice(starts[:-1]) if chance(r, 0.97) else r.choice((-1, len(data), 3))
-            lines.append(b"%s %d" % (keyword, where))
+            lines.append(b"%s %s%d" % (keyword, b"+" if chance(r, 0.03) and where > 0 else b"",
+                                       where))
         if chance(r, 0.2):
             lines.append(b"noblank")
         s["NumRecommended"] = len(lines) + r.choice((0, 0, -1, 2))
@@ -489,6 +490,9 @@ def make_query(r, x, features):
                 pair = phrase_from(r, x)
                 if pair:
                     word = b'"%s"' % pair
+            if chance(r, 0.1):
+                at = r.randrange(len(word))
+                word = word[:at] + r.choice((b"*", b"?")) + word[at + 1 :]
         elif dice < 0.88:
             word = r.choice((b"c++", b"c#", b"e-mail", b"a-b-c", b"--x", b"+", b"a+b", b"&", b"<b>",
                              b"' onx", b"%", b"a.b", b".", b"$5", b"a_b", b"a, b", b"()", b"[;!]",
@@ -561,7 +565,8 @@ def make_request(r, x, features):
         add(b"vela_ac", r.choice((b"1", b"1", b"0", b"-1")), 0.06)
     if "dates" in features and chance(r, 0.2):
         dates = (b"1/3/2010", b"31/03/2010", b"3/31/2010", b"1/1/1971", b"30/12/2037", b"0/5/2010",
-                 b"x", b"1/2", b"29/03/2010", b"3/29/2010", b"1/1/2010<", b"5/6/7", b"1/13/2010")
+                 b"x", b"1/2", b"29/03/2010", b"3/29/2010", b"1/1/2010<", b"5/6/7", b"1/13/2010",
+                 b"1/1/1970'a", b"1/1/1960&x", b"31/12/1969", b"1/1/1960")
         add(b"vela_datefrom", r.choice(dates), 0.9)
         add(b"vela_dateto", r.choice(dates), 0.9)
         add(b"vela_ltimefrom", r.choice((b"0", b"1000", b"1268000000")), 0.2)

@@ -320,7 +320,7 @@ def add_record(c, number, exclude, record):
 
 
 def in_category(c, page, number):
-    index = -(-(number + 1) // 8) - 1
+    index = -(-(number + 1) // 8) - 1 if number >= 8 else 0
     if index >= c.s.NumCatBytes:
         c.fail(b"Error: Category number is invalid. Incorrect settings file used?", status=1)
     if number < 0:
@@ -367,7 +367,7 @@ def read_date_range(c):
             if s.DateRangeFormat == 1:
                 day, month = month, day
             moment = days_from_civil(year, month, day) * 86400 + seconds - c.utc_offset
-            if not -(2**31) <= moment < 2**31:
+            if not -(2**31) <= moment < 2**31 or moment == -1:
                 return
             ends.append(moment)
         c.range = tuple(ends)

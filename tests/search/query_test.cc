@@ -381,6 +381,8 @@ TEST(ParseQuery, Table) {
 }
 
 TEST(SubstringTerm, Table) {
+  Settings settings;
+  settings.AllowExactPhrase = 1;
   const struct {
     const char* what;
     const char* term;
@@ -406,13 +408,22 @@ TEST(SubstringTerm, Table) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(View(SubstringTerm(c.term)), c.expected);
+    EXPECT_EQ(View(SubstringTerm(c.term, settings)), c.expected);
   }
 }
 
+// Where quotes only group words, what they hold is a term like any other.
+TEST(SubstringTerm, GroupedWordsWithoutPhrases) {
+  Settings settings;
+  settings.AllowExactPhrase = 2;
+  EXPECT_EQ(View(SubstringTerm("red oak", settings)), "*red oak*");
+  EXPECT_EQ(View(SubstringTerm("-red oak", settings)), "-*red oak*");
+}
+
 TEST(SubstringTerm, FullTerm) {
-  EXPECT_EQ(View(SubstringTerm(Repeat("x", 2083))), "*" + Repeat("x", 2083) + "*");
-  EXPECT_EQ(View(SubstringTerm(Repeat("x", 2085))).size(), 2085u);
+  const Settings settings;
+  EXPECT_EQ(View(SubstringTerm(Repeat("x", 2083), settings)), "*" + Repeat("x", 2083) + "*");
+  EXPECT_EQ(View(SubstringTerm(Repeat("x", 2085), settings)).size(), 2085u);
 }
 
 TEST(SiteRestriction, Table) {

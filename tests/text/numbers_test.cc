@@ -104,6 +104,32 @@ TEST(Numbers, ScanDecimalReadsAHundredThousandDigits) {
   EXPECT_EQ(result.consumed, digits.size());
 }
 
+TEST(Numbers, ReadDecimal64Saturates) {
+  const struct {
+    const char* what;
+    const char* input;
+    int64_t value;
+  } cases[] = {
+      {"empty", "", 0},
+      {"a number behind white space", " \t28", 28},
+      {"a sign", "+28", 28},
+      {"a minus", "-28", -28},
+      {"two signs", "+-28", 0},
+      {"behind letters", "x28", 0},
+      {"before letters", "28x", 28},
+      {"the largest", "9223372036854775807", INT64_MAX},
+      {"one above", "9223372036854775808", INT64_MAX},
+      {"the smallest", "-9223372036854775808", INT64_MIN},
+      {"one below", "-9223372036854775809", INT64_MIN},
+      {"above 64 bits", "18446744073709551615", INT64_MAX},
+      {"far above", "99999999999999999999999999", INT64_MAX},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(ReadDecimal64(c.input), c.value);
+  }
+}
+
 TEST(Numbers, ReadDecimalWrapIsModulo) {
   const struct {
     const char* what;

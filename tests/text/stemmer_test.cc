@@ -95,6 +95,46 @@ TEST(Stemmer, EveryAlgorithmInSingleBytes) {
   }
 }
 
+// Each word has a letter outside ASCII on which its stem depends, so that a stemmer for another
+// encoding would give another one.
+TEST(Stemmer, LettersOutsideAsciiInBothEncodings) {
+  const struct {
+    int32_t algorithm;
+    const char* utf8;
+    const char* utf8Stem;
+    const char* singleByte;  // null: there is no such encoding
+    const char* singleByteStem;
+  } cases[] = {
+      {0, "b\u00F8gerne", "b\u00F8g", "b\xF8gerne", "b\xF8g"},
+      {1, "caf\u00E9", "caf", "caf\xE9", "caf"},
+      {3, "kyl\u00E4ss\u00E4", "kyl\u00E4", "kyl\xE4ss\xE4", "kyl\xE4"},
+      {4, "aim\u00E9es", "aim",
+       "aim\xE9"
+       "es",
+       "aim"},
+      {5, "h\u00E4user", "haus", "h\xE4user", "haus"},
+      {6, "h\u00E1zban", "h\u00E1z", "h\xE1zban", "h\xE1z"},
+      {7, "citt\u00E0", "citt", "citt\xE0", "citt"},
+      {8, "b\u00F8kene", "b\u00F8k", "b\xF8kene", "b\xF8k"},
+      {10, "caf\u00E9", "caf", "caf\xE9", "caf"},
+      {11, "cas\u0103", "cas", "cas\xE3", "cas"},
+      {12, "\u043A\u043D\u0438\u0433\u0438", "\u043A\u043D\u0438\u0433", "\xCB\xCE\xC9\xC7\xC9",
+       "\xCB\xCE\xC9\xC7"},
+      {13, "caf\u00E9", "caf", "caf\xE9", "caf"},
+      {14, "g\u00E4ster", "g\u00E4st", "g\xE4ster", "g\xE4st"},
+      {15, "g\u00F6zler", "g\u00F6z", nullptr, nullptr},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(StemmingAlgorithmName(c.algorithm));
+    Stemmer stemmer;
+    ASSERT_EQ(stemmer.Create(c.algorithm, true), StemmerStatus::kOk);
+    EXPECT_EQ(Stemmed(stemmer, c.utf8), c.utf8Stem);
+    if (c.singleByte == nullptr) continue;
+    ASSERT_EQ(stemmer.Create(c.algorithm, false), StemmerStatus::kOk);
+    EXPECT_EQ(Stemmed(stemmer, c.singleByte), c.singleByteStem);
+  }
+}
+
 TEST(Stemmer, RussianWithoutUtf8StemsKoi8) {
   Stemmer stemmer;
   ASSERT_EQ(stemmer.Create(kRussian, false), StemmerStatus::kOk);
