@@ -126,6 +126,18 @@ CgiResult CgiReadForm(CgiForm& form, const CgiSource& source) {
   return result;
 }
 
+void CgiDiscardBody(const CgiSource& source) {
+  char piece[4096];
+  int32_t rest = ReadDecimal32(CgiEnv(source, "CONTENT_LENGTH"));
+  while (rest > 0) {
+    const ssize_t got =
+        read(source.bodyDescriptor, piece, std::min(sizeof piece, static_cast<size_t>(rest)));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return;
+    rest -= static_cast<int32_t>(got);
+  }
+}
+
 CgiResult CgiSplit(CgiForm& form, size_t length) {
   char* const data = form.rawData.data();
   // Splitting a decoded value again can only find an "=" that was written as "%3D", so the bytes

@@ -68,10 +68,12 @@ int RunRequest(SearchContext& ctx, std::span<const char* const> arguments,
     ReadDirectorySwitch(ctx.paths, further);
   }
   OpenIndexDirectory(ctx.directory, View(ctx.paths.ScriptDirectory));
+  bool isRead = false;
   if (LoadSettings(ctx) != 0) {
     switch (
         ReadRequestParams(ctx.request, ctx.paths.ScriptUrl, source, ctx.settings, ctx.response)) {
       case ParamsStatus::kOk:
+        isRead = true;
         AnswerSearch(ctx);
         break;
       case ParamsStatus::kNoMemory:
@@ -82,6 +84,7 @@ int RunRequest(SearchContext& ctx, std::span<const char* const> arguments,
     }
   }
   Flush(ctx.response);
+  if (!isRead) CgiDiscardBody(source);
   ReleaseRequestData(ctx.request);
   return ctx.exitStatus;
 }

@@ -583,5 +583,30 @@ TEST_F(CgiFormTest, ASecondReadingReplacesTheFirst) {
   EXPECT_EQ(PairsOf(form_), (Pairs{{"b", "2"}}));
 }
 
+TEST_F(CgiFormTest, RefusedBodyIsReadToItsAnnouncedEnd) {
+  FakeRequest request;
+  request.Post(std::string(10000, 'x'), "9000", 1000);
+  request.Set("CONTENT_TYPE", "text/plain");
+  EXPECT_EQ(CgiReadForm(form_, request.source()), CgiResult::kContentType);
+  CgiDiscardBody(request.source());
+  std::string rest(10000, '\0');
+  size_t left = 0;
+  for (ssize_t got; (got = read(request.source().bodyDescriptor, rest.data(), rest.size())) > 0;) {
+    left += static_cast<size_t>(got);
+  }
+  EXPECT_EQ(left, 1000u);
+}
+
+TEST_F(CgiFormTest, RefusedBodyMayEndEarlyOrNotBeThere) {
+  FakeRequest request;
+  request.Post("abc", "2147483647");
+  CgiDiscardBody(request.source());
+  char byte;
+  EXPECT_EQ(read(request.source().bodyDescriptor, &byte, 1), 0);
+  FakeRequest none("vela_query=a");
+  none.Set("CONTENT_LENGTH", "5");
+  CgiDiscardBody(none.source());  // its descriptor is none
+}
+
 }  // namespace
 }  // namespace vela
