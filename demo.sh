@@ -2,15 +2,17 @@
 # Builds the search, indexes a site and serves it with its search on this machine.
 #   ./demo.sh [--once] [--site DIR] [--port N] [--query Q]
 #     --once     ask the server one search, print the page it answers and end
-#     --site     the folder of HTML and text files to index (default: examples/library/site)
+#     --site     the folder of HTML and text files to index (default: the library of examples/,
+#                with every part of the search switched on; docs/features.md tells what to try)
 #     --port     the port to use when it is free (default: 8080)
 #     --query    the words to search for with --once, or to open the search with
 # Everything is built in build/; packages are installed only when they are missing.
 set -euo pipefail
 project=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 
-site=$project/examples/library/site
-template=$project/examples/library/search_template.html
+example=$project/examples/library
+site=$example/site
+config=$example/vela_index.toml
 query="summer reading"
 port=8080
 once=
@@ -27,7 +29,7 @@ while [ $# -gt 0 ]; do
     --site | --port | --query)
       [ $# -ge 2 ] || { say "$1 needs a value"; exit 2; }
       case $1 in
-        --site) site=$2 template=$project/assets/search_template.html ;;
+        --site) site=$2 config= ;;
         --port) port=$2 ;;
         --query) query=$2 ;;
       esac
@@ -76,7 +78,15 @@ say "Indexing $site ..."
 work=build/demo/$port  # another demo may be running on another port
 mkdir -p $work
 index=$work/index
-build/release/bin/vela_index --site "$site" --base-url / --out $index --template "$template" >&2
+if [ -n "$config" ]; then
+  # The configuration names the search's own address, with the port of a demo that found it free.
+  sed "s|127\.0\.0\.1:8080|127.0.0.1:$port|" "$config" >$work/vela_index.toml
+  cp "$example/recommended.txt" "$example/search_template.html" $work
+  build/release/bin/vela_index --config $work/vela_index.toml --site "$site" --out $index >&2
+else
+  build/release/bin/vela_index --site "$site" --base-url / --out $index \
+    --template "$project/assets/search_template.html" >&2
+fi
 cp build/release/bin/vela_search $index/search.cgi
 
 scripts/lighttpd_config.sh "$site" $index $port >$work/lighttpd.conf
@@ -113,6 +123,10 @@ say
 say "The site:    $address/"
 say "Its search:  $address/search/search.cgi?vela_query=$(printf %s "$query" |
   sed 's/%/%25/g; s/+/%2B/g; s/ /+/g; s/&/%26/g; s/#/%23/g; s/"/%22/g')"
+[ -z "$config" ] || {
+  say "What to try: docs/features.md"
+  say "Its log:     $work/searches.log"
+}
 say "Press Ctrl-C to stop."
 wait $server || {
   say "The web server ended:"

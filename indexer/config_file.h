@@ -2,7 +2,7 @@
 //
 // assets/vela_index.example.toml shows every key with its meaning; docs/man/vela_index.toml.5 lists
 // them. A key that is not known, a value of another type and a value out of range are refused with
-// a message that names the line.
+// a message that names the line and what to do.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@
 namespace vela::indexer {
 
 // Reads the file into `options`, whose fields hold the defaults before. Paths in the file are
-// taken from the folder that it lies in. Throws IndexError (usage).
+// taken from the folder that it lies in. Throws IndexError (usage; failed when it cannot be read).
 void ReadConfigFile(const std::string& path, Options& options);
 
 // The same for the content of a file called `path`.

@@ -9,7 +9,7 @@ namespace vela::indexer {
 
 DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabulary& vocabulary,
                                 const std::vector<uint32_t>& order,
-                                const std::vector<uint64_t>& offsets) {
+                                const std::vector<uint64_t>& offsets, const IndexCharset& charset) {
   DictionarySizes sizes;
   OutFile file(path);
   const auto writeBase = [&](std::string_view text, const std::string& numbers) {
@@ -18,7 +18,9 @@ DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabul
     ++sizes.entries;
     sizes.baseBytes += text.size() + 1;
   };
-  for (const std::string& text : ReservedTexts()) writeBase(text, " -1 0\n");
+  for (const std::string& text : ReservedTexts()) {
+    writeBase(charset.WithReferences(text), " -1 0\n");
+  }
   for (const uint32_t number : order) {
     const Word& word = vocabulary.words[number];
     writeBase(TextOf(word), " " + std::to_string(offsets[number]) + " " +

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "indexer/index_charset.h"
 #include "indexer/vocabulary.h"
 
 namespace vela::indexer {
@@ -18,10 +19,10 @@ struct DictionarySizes {
   uint64_t fileBytes = 0;
 };
 
-// Writes the reserved entries and then the words in `order`. `offsets` holds the place of each
-// word's list in the word map, by its number in the vocabulary.
+// Writes the reserved entries, in the character set, and then the words in `order`. `offsets` holds
+// the place of each word's list in the word map, by its number in the vocabulary.
 DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabulary& vocabulary,
                                 const std::vector<uint32_t>& order,
-                                const std::vector<uint64_t>& offsets);
+                                const std::vector<uint64_t>& offsets, const IndexCharset& charset);
 
 }  // namespace vela::indexer

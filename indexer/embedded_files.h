@@ -1,4 +1,4 @@
-// embedded_files.h: the default template and the language files, as part of the program.
+// embedded_files.h: the files of the assets folder, as part of the program.
 #pragma once
 
 #include <span>
@@ -7,7 +7,7 @@
 namespace vela::indexer {
 
 struct EmbeddedFile {
-  std::string_view name;  // without a directory: "search_template.html", "english.vlang"
+  std::string_view name;  // without a directory: "vela_search.css", "english.vlang"
   std::string_view content;
 };
 

@@ -248,23 +248,28 @@ std::string PlainText(const GumboNode* node) {
   return CollapseBlanks(text);
 }
 
-void ReadMeta(const GumboElement& element, PageContent& page, std::string& openGraph) {
+// More or longer meta elements than this are not meant for readers.
+constexpr size_t kMaxMetas = 300;
+constexpr size_t kMaxMetaBytes = 20000;
+
+void ReadMeta(const GumboElement& element, PageContent& page) {
   const char* content = Attribute(element, "content");
   if (content == nullptr) return;
-  const std::string name = LowerAscii(Attribute(element, "name"));
-  if (name == "description" && page.description.empty()) {
-    page.description = content;
-  } else if (name == "robots" || name == "velabot") {
+  std::string name = LowerAscii(Attribute(element, "name"));
+  if (name.empty()) name = LowerAscii(Attribute(element, "property"));
+  if (name == "robots" || name == "velabot") {
     const std::string rules = LowerAscii(content);
     if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) page.noindex = true;
-  } else if (LowerAscii(Attribute(element, "property")) == "og:description" && openGraph.empty()) {
-    openGraph = content;
   }
+  if (name.empty() || page.metas.size() == kMaxMetas || strlen(content) > kMaxMetaBytes) return;
+  std::string text = content;
+  CleanText(text);
+  text = CollapseBlanks(text);
+  if (!text.empty()) page.metas.emplace_back(std::move(name), std::move(text));
 }
 
 // Title, meta elements, links and base, wherever they stand.
 void ReadHeadElements(const GumboNode* root, PageContent& page) {
-  std::string openGraph;
   bool haveTitle = false;
   std::vector<const GumboNode*> open = {root};
   while (!open.empty()) {
@@ -279,13 +284,19 @@ void ReadHeadElements(const GumboNode* root, PageContent& page) {
         haveTitle = haveTitle || !page.title.empty();
         break;
       case GUMBO_TAG_META:
-        ReadMeta(element, page, openGraph);
+        ReadMeta(element, page);
         break;
       case GUMBO_TAG_LINK:
         if (const char* href = Attribute(element, "href");
             href != nullptr && page.canonical.empty() &&
             HoldsWord(LowerAscii(Attribute(element, "rel")), "canonical")) {
           page.canonical = href;
+        }
+        break;
+      case GUMBO_TAG_TIME:
+        if (page.time.empty()) {
+          const char* time = Attribute(element, "datetime");
+          page.time = time != nullptr ? time : PlainText(node);
         }
         break;
       case GUMBO_TAG_BASE:
@@ -300,9 +311,9 @@ void ReadHeadElements(const GumboNode* root, PageContent& page) {
       open.push_back(static_cast<const GumboNode*>(element.children.data[i]));
     }
   }
-  if (page.description.empty()) page.description = openGraph;
-  CleanText(page.description);
-  page.description = CollapseBlanks(page.description);
+  for (const char* name : {"description", "og:description"}) {
+    if (page.description.empty()) page.description = MetaContent(page, name);
+  }
 }
 
 // One open element on the way down.

@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "indexer/index_error.h"
+#include "indexer/open_search.h"
 
 namespace vela::indexer {
 
@@ -23,8 +24,8 @@ namespace {
 
 // Files that belong to an index and must not outlive it, whether this run wrote them or not.
 bool IsIndexFile(const std::string& name) {
-  return name == "settings.vdat" ||
-         (name.starts_with("vela_") && name.ends_with(".vdat") && name != "vela_recommended.vdat");
+  return name == "settings.vdat" || name == kOpenSearchName ||
+         (name.starts_with("vela_") && name.ends_with(".vdat"));
 }
 
 void LinkOrCopy(const fs::path& from, const fs::path& to);

@@ -3,91 +3,54 @@
 #include <algorithm>
 #include <limits>
 
-#include "text/lower.h"
+#include "indexer/category_set.h"
+#include "indexer/meta_values.h"
+#include "indexer/stored_text.h"
 
 namespace vela::indexer {
 
 namespace {
 
-// With an address of 2083 bytes and the four "|" a line stays below the 7260 bytes that the search
-// program reads.
+// With two addresses of 2083 bytes and the four "|" a line stays below the 7260 bytes that the
+// search program reads.
 constexpr size_t kMaxTitleBytes = 1000;
 constexpr size_t kMaxDescriptionBytes = 2000;
-constexpr size_t kRecordBytes = 17;
-constexpr std::string_view kEllipsis = "\u2026";
+constexpr size_t kFixedBytes = 17;
 
-std::string_view Escaped(char c) {
-  switch (c) {
-    case '&':
-      return "&#38;";
-    case '<':
-      return "&#60;";
-    case '>':
-      return "&#62;";
-    case '"':
-      return "&#34;";
-    case '\'':
-      return "&#39;";
-    case '|':
-      return "&#124;";
-    default:
-      return {};
-  }
-}
+// A record of the small layout says its length in 16 bits.
+constexpr size_t kMostMetaBytes = kMostFields * (kMostFieldTextBytes + 1);
+static_assert(kMostListValues + 1 <= kMostFieldTextBytes + 1);
+static_assert(kFixedBytes + CategoryBytes(kMostCategories) + kMostMetaBytes <= 65535);
 
 }  // namespace
 
-std::string StoredText(std::string_view text, size_t maxBytes) {
-  std::string out;
-  size_t wordEnd = 0;  // of the last whole word that leaves room for the ellipsis
-  size_t characterEnd = 0;
-  for (size_t i = 0; i < text.size();) {
-    const size_t length =
-        std::min(Utf8Length(static_cast<unsigned char>(text[i])), text.size() - i);
-    const bool blank = static_cast<unsigned char>(text[i]) <= 0x20;
-    if (out.size() + kEllipsis.size() <= maxBytes) {
-      characterEnd = out.size();
-      if (blank) wordEnd = out.size();
-    }
-    const std::string_view escaped = Escaped(text[i]);
-    if (blank) {
-      out += ' ';
-    } else if (!escaped.empty()) {
-      out += escaped;
-    } else {
-      out += text.substr(i, length);
-    }
-    i += length;
-    if (out.size() > maxBytes) {
-      out.resize(wordEnd > maxBytes / 2 ? wordEnd : characterEnd);
-      out += kEllipsis;
-      return out;
-    }
-  }
-  return out;
-}
-
 PageTableWriter::PageTableWriter(const std::filesystem::path& info,
-                                 const std::filesystem::path& data)
-    : info_(info), data_(data) {}
+                                 const std::filesystem::path& data, const IndexCharset& charset)
+    : info_(info), data_(data), charset_(charset) {}
 
-void PageTableWriter::AddPage(const PageEntry& page) {
+uint64_t PageTableWriter::AddPage(const PageEntry& page) {
   constexpr auto kMaxSize = std::numeric_limits<uint32_t>::max();
   constexpr auto kMaxTime = std::numeric_limits<int32_t>::max();
-  info_.WriteNumber(kRecordBytes, 2);
-  info_.WriteNumber(data_.size(), 5);
+  const uint64_t dataOffset = data_.size();
+  info_.WriteNumber(kFixedBytes + page.categories.size() + page.metaValues.size(), 2);
+  info_.WriteNumber(dataOffset, 5);
   info_.WriteNumber(std::min<uint64_t>(page.fileSize, kMaxSize), 4);
-  const bool dated = page.modifiedTime > 0 && page.modifiedTime <= kMaxTime;
-  info_.WriteNumber(dated ? static_cast<uint64_t>(page.modifiedTime) : 0, 4);
-  info_.WriteNumber(0, 1);
+  const bool dated = page.time > 0 && page.time <= kMaxTime;
+  info_.WriteNumber(dated ? static_cast<uint64_t>(page.time) : 0, 4);
+  info_.WriteNumber(page.boost, 1);
   info_.WriteNumber(static_cast<uint64_t>(page.fileType), 1);
+  info_.Write(page.categories);
+  info_.Write(page.metaValues);
 
   data_.Write(page.address);
   data_.Write("|");
-  data_.Write(StoredText(page.title, kMaxTitleBytes));
+  data_.Write(StoredText(page.title, kMaxTitleBytes, charset_));
   data_.Write("|");
-  data_.Write(StoredText(page.description, kMaxDescriptionBytes));
-  data_.Write("||\n");
+  data_.Write(StoredText(page.description, kMaxDescriptionBytes, charset_));
+  data_.Write("|");
+  data_.Write(page.image);
+  data_.Write("|\n");
+  return dataOffset;
 }
 
 PageTableWriter::Sizes PageTableWriter::Finish() {

@@ -15,31 +15,46 @@ uint8_t HeadingZone(uint8_t level) {
   return level <= 3 ? kInHeading : kInSmallHeading;
 }
 
+// What the tokens of a page are made with and go to.
+struct PageCut {
+  WordForms& forms;
+  Vocabulary& vocabulary;
+  PageWords& out;
+};
+
 // Cuts one run of text and appends its tokens. Returns the number of its words.
-uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, Vocabulary& vocabulary,
-                PageWords& out) {
+uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
+  PageWords& out = cut.out;
   uint32_t wordCount = 0;
   for (std::string_view chunk = NextChunk(text); !chunk.empty(); chunk = NextChunk(text)) {
     CutChunk(chunk, out.chunk);
-    const auto firstToken = static_cast<uint32_t>(out.tokens.size());
     const uint32_t firstPlace = inBody ? out.bodyWords : 0;
     uint32_t place = firstPlace;
     out.places.clear();
+    out.written.clear();
     for (const TextToken& token : out.chunk.tokens) {
+      const auto written = static_cast<uint32_t>(out.tokens.size());
       out.places.push_back(place);
+      out.written.push_back(written);
       if (token.reserved != 0) {
         out.tokens.push_back({token.reserved, 0});
         continue;
       }
-      const uint32_t word = FindOrAddWord(vocabulary, token.base);
-      const uint8_t variant = FindOrAddVariant(vocabulary, word, token.surface);
-      out.occurrences.push_back(
-          {word, static_cast<uint32_t>(out.tokens.size()), place, zone, inBody});
+      const std::string_view base = cut.forms.Base(token.base);
+      if (base.empty()) continue;
+      const uint32_t word = FindOrAddWord(cut.vocabulary, base);
+      const uint8_t variant =
+          FindOrAddVariant(cut.vocabulary, word, cut.forms.Surface(token.surface));
+      cut.vocabulary.words[word].isWritten = true;
+      out.occurrences.push_back({word, written, place, zone, inBody});
       out.tokens.push_back({kWordBase + word, variant});
       ++place;
     }
     for (const FoundForm& form : out.chunk.forms) {
-      out.occurrences.push_back({FindOrAddWord(vocabulary, form.text), firstToken + form.token,
+      const std::string_view base = cut.forms.FoundBase(form.text);
+      // A word that could not be written has no place of its own.
+      if (base.empty() || out.written[form.token] >= out.tokens.size()) continue;
+      out.occurrences.push_back({FindOrAddWord(cut.vocabulary, base), out.written[form.token],
                                  out.places[form.token], zone, inBody});
     }
     wordCount += place - firstPlace;
@@ -94,20 +109,21 @@ void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageWords& out
 }  // namespace
 
 void CutPage(const PageContent& page, const std::string& title, const std::string& address,
-             uint32_t pageNumber, Vocabulary& vocabulary, PageWords& words) {
+             uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary, PageWords& words) {
+  const PageCut cut = {forms, vocabulary, words};
   words.tokens.clear();
   words.postings.clear();
   words.occurrences.clear();
   words.lastTokens.clear();
   words.bodyWords = 0;
   for (const TextRun& run : page.body) {
-    CutRun(run.text, HeadingZone(run.headingLevel), true, vocabulary, words);
+    CutRun(run.text, HeadingZone(run.headingLevel), true, cut);
   }
   // Behind the body, so that snippets show the body and phrases find all of it.
   const auto addRun = [&](const std::string& text, Zone zone) {
     const size_t before = words.tokens.size();
     if (before != 0) words.tokens.push_back({kRunEnd, 0});
-    const uint32_t count = CutRun(text, zone, false, vocabulary, words);
+    const uint32_t count = CutRun(text, zone, false, cut);
     if (count == 0) words.tokens.resize(before);
     return count;
   };

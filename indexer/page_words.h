@@ -9,6 +9,7 @@
 #include "indexer/postings.h"
 #include "indexer/text_words.h"
 #include "indexer/vocabulary.h"
+#include "indexer/word_forms.h"
 
 namespace vela::indexer {
 
@@ -38,12 +39,13 @@ struct PageWords {
   std::vector<Occurrence> occurrences;
   std::vector<uint32_t> lastTokens;  // beside `postings`: the token counted last
   std::vector<uint32_t> places;      // of the chunk's tokens among the body's words
+  std::vector<uint32_t> written;     // of the chunk's tokens among the page's tokens
   ChunkTokens chunk;
 };
 
-// Cuts `page` and fills `words`; new words join the vocabulary. `title` is the one shown for the
-// page, `address` the text of its address.
+// Cuts `page` and fills `words`; new words join the vocabulary in the form that `forms` gives them.
+// `title` is the one shown for the page, `address` the text of its address.
 void CutPage(const PageContent& page, const std::string& title, const std::string& address,
-             uint32_t pageNumber, Vocabulary& vocabulary, PageWords& words);
+             uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary, PageWords& words);
 
 }  // namespace vela::indexer

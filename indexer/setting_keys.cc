@@ -14,7 +14,6 @@ constexpr int32_t kMega = 1 << 20;
 constexpr NumberKey kNumberKeys[] = {
     {"NoCharset", 0, 0, 1},
     {"MinWordLen", 1, 0, 100},  // "C", "5" and the "t" of "don't" are words
-    {"ToLowerSearchWords", 1, 0, 1},
     {"SearchAsSubstring", 0, 0, 1},
     {"DefaultToAnd", 0, 0, 1},  // pages with all words come first anyway
     {"DefaultSort", 0, 0, 2},
@@ -61,7 +60,7 @@ constexpr NumberKey kNumberKeys[] = {
     {"SpellingWhenLessThan", 1, 0, kAny},
     {"RecommendedMax", 3, 1, 1000},
     {"MetaMoneyShowDec", 1, 0, 1},
-    {"MaxKeyWordLineLen", 256, 2, kMega},
+    {"MaxKeyWordLineLen", 256, 64, kMega},
     {"WeightProximity", kProximityWeight, -100, 100},
 };
 
@@ -95,6 +94,7 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"MapAccents", "it follows from charset in [index]"},
     {"UseStemming", "it follows from stemming in [index]"},
     {"StemmingAlgo", "it follows from stemming in [index]"},
+    {"ToLowerSearchWords", "the words of the index are in lower case"},
     {"WordJoinChars", "pages and queries must be cut at the same characters"},
     {"UseAutoComplete", "it follows from [suggestions]"},
     {"Spelling", "it follows from [spelling]"},
@@ -108,7 +108,7 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"UseMetaFields", "it follows from the [[field]] tables"},
     {"NumMetaFields", "it follows from the [[field]] tables"},
     {"metafields", "it follows from the [[field]] tables"},
-    {"UseBigPageInfoData", "it follows from the [[field]] tables"},
+    {"UseBigPageInfoData", "the records of pages never need it"},
     {"DictIDLen", kFollows},
     {"DictReservedLimit", kFollows},
     {"DictReservedPrefixes", kFollows},

@@ -20,7 +20,7 @@ struct TextKey {
   uint32_t mostBytes;  // what the search program keeps of it
 };
 
-// How a results page looks and how far a search goes. The order of the file.
+// How a results page looks and how far a search goes, in the order of the file.
 std::span<const NumberKey> NumberKeys();
 std::span<const TextKey> TextKeys();
 

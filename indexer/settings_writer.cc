@@ -1,12 +1,16 @@
 #include "indexer/settings_writer.h"
 
+#include <algorithm>
 #include <limits>
 #include <map>
 #include <vector>
 
+#include "indexer/category_set.h"
 #include "indexer/index_error.h"
+#include "indexer/meta_values.h"
 #include "indexer/out_file.h"
-#include "indexer/score.h"
+#include "indexer/setting_keys.h"
+#include "indexer/stored_text.h"
 #include "indexer/symbols.h"
 #include "indexer/text_words.h"
 #include "settings/language_strings.h"
@@ -17,51 +21,92 @@ namespace {
 
 // What the search program reads of a line.
 constexpr size_t kMaxLineBytes = 2046;
+constexpr std::string_view kLineLengthKey = "MaxKeyWordLineLen";
 
-// How a results page looks and how far a search goes. The owner of a site edits these in the file.
-constexpr std::pair<std::string_view, int32_t> kDefaults[] = {
-    {"NoCharset", 0},
-    {"UseStemming", 0},
-    {"MinWordLen", 1},  // "C", "5" and the "t" of "don't" are words
-    {"ToLowerSearchWords", 1},
-    {"SearchAsSubstring", 0},
-    {"DefaultToAnd", 0},  // pages with all words come first anyway
-    {"DefaultSort", 0},
-    {"MapAccents", 0},  // words are in the dictionary with and without their accents
-    {"FormFormat", 2},
-    {"DisplayNumber", 1},
-    {"DisplayTitle", 1},
-    {"DisplayMetaDesc", 1},
-    {"DisplayContext", 1},
-    {"DisplayTerms", 0},
-    {"DisplayScore", 0},
-    {"DisplayDate", 1},
-    {"DisplayFilesize", 1},
-    {"DisplayURL", 1},
-    {"TruncateShowURL", 90},
-    {"UseDateTime", 1},
-    {"Highlighting", 1},
-    {"HighlightLimit", 30},
-    {"GotoHighlight", 0},
-    {"ContextSize", 30},
-    {"MaxContextKeywords", 3},
-    {"AllowExactPhrase", 1},
-    {"MaxContextSeeks", 10000},
-    {"MaxMatches", 100000},
-    {"MaxResultsPerQuery", 1000},
-    {"MaxSearchTime", 10},
-    {"VelaInfo", 1},
-    {"Timing", 1},
-    {"Logging", 0},
-    {"UseXML", 0},
-    {"Spelling", 0},
-    {"Recommended", 0},
-    {"UseAutoComplete", 0},
-    {"UseCats", 0},
-    {"UseMetaFields", 0},
-    {"UseBigPageInfoData", 0},
-    {"MaxKeyWordLineLen", 256},
+// The lines of the file as they are put together.
+struct SettingsText {
+  const IndexCharset& charset;
+  std::string text;
+
+  void Add(std::string_view key, int64_t value) {
+    if (value > std::numeric_limits<int32_t>::max()) {
+      throw IndexError(ExitStatus::kFailed, "The site is too large for one index (" +
+                                                std::string(key) + " = " + std::to_string(value) +
+                                                "). Index its parts into several folders.");
+    }
+    text.append(key).append(" = ").append(std::to_string(value)).append("\n");
+  }
+  void AddCount(std::string_view key, uint64_t value) {
+    Add(key, static_cast<int64_t>(std::min<uint64_t>(value, std::numeric_limits<int64_t>::max())));
+  }
+  void AddText(std::string_view key, std::string_view value) {
+    text.append(key).append(" = \"").append(charset.WithReferences(value)).append("\"\n");
+  }
+  void AddLine(std::string_view line) { text.append(line).append("\n"); }
 };
+
+void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
+  for (const NumberKey& key : NumberKeys()) {
+    if (key.key == kLineLengthKey) continue;
+    const auto given = config.settings.find(key.key);
+    int32_t value = given == config.settings.end() ? key.value : given->second.number;
+    if (key.key == "UseVelaImage" && !config.images) value = 0;
+    out.Add(key.key, value);
+  }
+  for (const TextKey& key : TextKeys()) {
+    const auto given = config.settings.find(key.key);
+    out.AddText(key.key, given == config.settings.end() ? key.value : given->second.text);
+  }
+}
+
+void AddCharset(const IndexCharset& charset, SettingsText& out) {
+  out.Add("UseUTF8", charset.utf8() ? 1 : 0);
+  out.AddText("Charset", charset.name());
+  out.Add("Codepage", charset.codepage());
+  // In UTF-8 the program folds case by itself. Accents need no table: words are in the dictionary
+  // with and without them.
+  out.Add("MapAccents", charset.uppers().empty() ? 0 : 1);
+  if (charset.uppers().empty()) return;
+  const auto addItems = [&out](std::string_view key, std::string_view letters) {
+    out.text.append(key);
+    for (size_t i = 0; i < letters.size(); ++i) {
+      out.text.append(i == 0 ? " = \"" : ",\"") += letters[i];
+      out.text += '"';
+    }
+    out.text += '\n';
+  };
+  addItems("AccentChars", charset.uppers());
+  addItems("NormalChars", charset.lowers());
+}
+
+void AddCategories(const std::vector<CategoryRule>& categories, SettingsText& out) {
+  out.Add("UseCats", categories.empty() ? 0 : 1);
+  if (categories.empty()) return;
+  out.AddCount("NumCats", categories.size());
+  out.AddCount("NumCatBytes", CategoryBytes(categories.size()));
+  out.AddLine("catnames");
+  for (const CategoryRule& category : categories) {
+    out.AddLine(StoredText(category.name, out.charset));
+  }
+}
+
+void AddFields(const std::vector<FieldRule>& fields, SettingsText& out) {
+  out.Add("UseMetaFields", fields.empty() ? 0 : 1);
+  if (fields.empty()) return;
+  out.AddCount("NumMetaFields", fields.size());
+  out.AddLine("metafields");
+  for (const FieldRule& field : fields) {
+    out.AddLine(std::to_string(field.kind));
+    out.AddLine(field.name);
+    out.AddLine(StoredText(field.label, kMostFieldLabelBytes, out.charset));
+    out.AddLine({});  // a text that the search program reads and shows nowhere
+    out.AddLine(std::to_string(field.method));
+    out.AddLine(std::to_string(field.values.size()));
+    for (const std::string& value : field.values) {
+      out.AddLine(StoredText(value, kMostListValueBytes, out.charset));
+    }
+  }
+}
 
 std::string TrimmedLine(std::string_view line) {
   const size_t begin = line.find_first_not_of(" \t\r");
@@ -103,45 +148,52 @@ std::string CheckedLanguage(std::string_view content, const std::string& name) {
   return checked;
 }
 
+size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
+  size_t length = 0;
+  for (const NumberKey& key : NumberKeys()) {
+    if (key.key == kLineLengthKey) length = static_cast<size_t>(key.value);
+  }
+  const auto given = config.settings.find(kLineLengthKey);
+  if (given != config.settings.end()) length = static_cast<size_t>(given->second.number);
+  return std::max(length, longestRecommended + 1);
+}
+
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
+                       const SiteConfig& config, const IndexCharset& charset,
                        const std::string& language) {
-  std::string text;
-  const auto add = [&](std::string_view key, uint64_t value) {
-    if (value > std::numeric_limits<int32_t>::max()) {
-      throw IndexError(ExitStatus::kFailed, "The site is too large for one index (" +
-                                                std::string(key) + " = " + std::to_string(value) +
-                                                "). Index its parts into several folders.");
-    }
-    text.append(key).append(" = ").append(std::to_string(value)).append("\n");
-  };
-  const auto addText = [&](std::string_view key, std::string_view value) {
-    text.append(key).append(" = \"").append(value).append("\"\n");
-  };
-  addText("Version", VELA_VERSION);
-  add("UseUTF8", 1);
-  addText("Charset", "utf-8");
-  add("Codepage", 65001);
-  addText("WordJoinChars", kWordJoinChars);
-  addText("LinkBackURL", "search.cgi");
-  addText("LogFileName", ".//logs//searchwords.log");
-  for (const auto& [key, value] : kDefaults) add(key, static_cast<uint64_t>(value));
-  text.append("WeightProximity = ").append(std::to_string(kProximityWeight)).append("\n");
+  SettingsText out{charset, {}};
+  out.AddText("Version", VELA_VERSION);
+  AddCharset(charset, out);
+  out.AddText("WordJoinChars", kWordJoinChars);
+  out.Add("ToLowerSearchWords", 1);
+  out.Add("UseStemming", config.stemming < 0 ? 0 : 1);
+  if (config.stemming >= 0) out.Add("StemmingAlgo", config.stemming);
+  AddOwnersKeys(config, out);
+  AddCategories(config.categories, out);
+  AddFields(config.fields, out);
+  out.Add("Spelling", facts.spellings == 0 ? 0 : 1);
+  out.AddCount("NumSpellings", facts.spellings);
+  out.Add("Recommended", facts.recommended == 0 ? 0 : 1);
+  out.AddCount("NumRecommended", facts.recommended);
+  out.Add("UseAutoComplete", facts.autocomplete == 0 ? 0 : 1);
+  out.AddCount(kLineLengthKey, facts.lineLength);
 
   const ReservedNumbers reserved = ReservedLimits();
-  add("DictIDLen", facts.tokenBytes);
-  add("DictReservedLimit", reserved.limit);
-  add("DictReservedPrefixes", reserved.prefixes);
-  add("DictReservedSuffixes", reserved.suffixes);
-  add("DictReservedNoSpaces", reserved.noSpaces);
-  add("NumKeywords", facts.dictionary.entries);
-  add("NumVariants", facts.dictionary.variants);
-  add("OutputBasewordBufferSize", facts.dictionary.baseBytes);
-  add("OutputVariantBufferSize", facts.dictionary.variantBytes);
-  add("NumPages", facts.pages);
-  add("PageInfoSize", facts.pageInfoBytes);
-  text += language;
+  out.Add("UseBigPageInfoData", 0);
+  out.AddCount("DictIDLen", facts.tokenBytes);
+  out.Add("DictReservedLimit", reserved.limit);
+  out.Add("DictReservedPrefixes", reserved.prefixes);
+  out.Add("DictReservedSuffixes", reserved.suffixes);
+  out.Add("DictReservedNoSpaces", reserved.noSpaces);
+  out.AddCount("NumKeywords", facts.dictionary.entries);
+  out.AddCount("NumVariants", facts.dictionary.variants);
+  out.AddCount("OutputBasewordBufferSize", facts.dictionary.baseBytes);
+  out.AddCount("OutputVariantBufferSize", facts.dictionary.variantBytes);
+  out.AddCount("NumPages", facts.pages);
+  out.AddCount("PageInfoSize", facts.pageInfoBytes);
+  out.text += charset.WithReferences(language);
   OutFile file(path);
-  file.Write(text);
+  file.Write(out.text);
   return file.Finish();
 }
 

@@ -7,6 +7,8 @@
 #include <string_view>
 
 #include "indexer/dictionary_writer.h"
+#include "indexer/index_charset.h"
+#include "indexer/site_config.h"
 
 namespace vela::indexer {
 
@@ -14,7 +16,11 @@ struct IndexFacts {
   DictionarySizes dictionary;
   uint64_t pages = 0;
   uint64_t pageInfoBytes = 0;
-  size_t tokenBytes = 0;  // DictIDLen
+  size_t tokenBytes = 0;      // DictIDLen
+  uint64_t spellings = 0;     // NumSpellings
+  uint64_t recommended = 0;   // NumRecommended
+  uint64_t autocomplete = 0;  // lines of its file
+  size_t lineLength = 256;    // MaxKeyWordLineLen; see KeyWordLineLength
 };
 
 // Checks the content of a language file, lines `STR_KEY = "text"` for each of the 49 keys, and
@@ -22,9 +28,15 @@ struct IndexFacts {
 // is how the file is called in the message.
 std::string CheckedLanguage(std::string_view content, const std::string& name);
 
-// Writes every setting that a good results page needs. `language` comes from CheckedLanguage.
-// Returns the size of the file. The search program rejects numbers above 2147483647: IndexError.
+// MaxKeyWordLineLen: what the configuration says, and at least so much that the longest line of the
+// recommended file, its line feed included, can be read in one piece.
+size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended);
+
+// Writes every setting that a good results page needs, with what the configuration says instead of
+// the defaults. `language` comes from CheckedLanguage. Returns the size of the file. The search
+// program rejects numbers above 2147483647: IndexError.
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
+                       const SiteConfig& config, const IndexCharset& charset,
                        const std::string& language);
 
 }  // namespace vela::indexer

@@ -12,33 +12,38 @@
 
 namespace vela::indexer {
 
-// A category and the addresses of its pages; see CategorySet.
+// A category and the addresses of its pages; see FitsAddressPattern (category_set.h).
 struct CategoryRule {
   std::string name;
   std::vector<std::string> pages;
 };
 
-// A custom meta field. `meta` is the name of the meta elements that give its value.
+// Pages whose scores are multiplied.
+struct BoostRule {
+  std::vector<std::string> pages;
+  uint8_t tenths = 10;
+};
+
+// A custom meta field.
 struct FieldRule {
-  std::string name;
-  std::string meta;
-  std::string label;
-  std::string extraText;
+  std::string name;           // in request parameters and beside the value in a result
+  std::string meta;           // name of the meta elements that give its value
+  std::string label;          // in the form
   int32_t kind = kTextField;  // a MetaKind or kTextField
-  int32_t method = 0;         // how the search compares; see src/search/filters.h
+  int32_t method = 0;         // how the search compares; see MeetsConstraint (search/filters.h)
   std::vector<std::string> values;
 
   static constexpr int32_t kTextField = 1;
 };
 
-// Pages that the owner puts first for some words.
+// A page that the owner puts first for some words.
 struct RecommendedRule {
   std::string keywords;  // several are separated by ","
-  std::string address;
-  std::string where;  // for messages: the file and line, or the table
+  std::string address;   // absolute, or from the site's address on
+  std::string where;     // for messages: the file and line
 };
 
-// Where a page's date comes from, tried in the order given.
+// Where a page's date comes from.
 enum class DateSource : uint8_t { kMeta, kTime, kFile };
 
 // The value of a key of settings.vdat.
@@ -49,20 +54,33 @@ struct SettingValue {
 };
 
 struct SiteConfig {
+  std::vector<std::string> htmlEndings = {"html", "htm", "xhtml", "xht", "shtml"};
+  std::vector<std::string> textEndings = {"txt", "text", "md"};
+
   std::string charset = "utf-8";
-  int32_t stemming = -1;  // a number of src/text/stemmer.h; -1: off
+  int32_t stemming = -1;  // a number of text/stemmer.h; -1: off
   bool images = true;
-  std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};
+  std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
 
   std::vector<CategoryRule> categories;
   std::vector<FieldRule> fields;
+  std::vector<BoostRule> boosts;  // the first that fits a page holds
   std::vector<RecommendedRule> recommended;
+  std::string recommendedFile;  // its lines join `recommended`; empty: none
 
   bool spelling = true;
   bool suggestions = true;
   uint32_t mostSuggestions = 5000;
 
-  // Keys of settings.vdat that differ from the defaults, from the tables that are made for them
+  std::string searchAddress;  // of the search on the web, absolute; empty: not known
+  std::string searchName;
+  std::string searchDescription;
+  std::string styleSheet = "vela_results.xsl";  // of XML answers; empty: none
+
+  bool logging = false;
+  std::string logFile = "logs/searchwords.log";  // from the index folder on
+
+  // Keys of settings.vdat that differ from the defaults: from the tables that are made for them
   // and, winning over those, from the table [settings].
   std::map<std::string, SettingValue, std::less<>> settings;
 };

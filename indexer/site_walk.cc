@@ -3,6 +3,7 @@
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "indexer/index_error.h"
@@ -13,28 +14,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Extension {
-  std::string_view name;
-  FileKind kind;
-};
-constexpr Extension kExtensions[] = {
-    {".html", FileKind::kHtml}, {".htm", FileKind::kHtml},   {".xhtml", FileKind::kHtml},
-    {".xht", FileKind::kHtml},  {".shtml", FileKind::kHtml}, {".txt", FileKind::kText},
-    {".text", FileKind::kText}, {".md", FileKind::kText},
-};
-
-// Null when the name is not that of a page.
-const Extension* FindExtension(const std::string& name) {
+// None when the name is not that of a page.
+std::optional<FileKind> KindOf(const std::string& name, const WalkRules& rules) {
   const size_t dot = name.rfind('.');
-  if (dot == name.npos) return nullptr;
-  std::string extension = name.substr(dot);
-  for (char& c : extension) {
+  if (dot == name.npos) return {};
+  std::string ending = name.substr(dot + 1);
+  for (char& c : ending) {
     if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 0x20);
   }
-  for (const Extension& e : kExtensions) {
-    if (e.name == extension) return &e;
+  if (std::ranges::find(rules.htmlEndings, ending) != rules.htmlEndings.end()) {
+    return FileKind::kHtml;
   }
-  return nullptr;
+  if (std::ranges::find(rules.textEndings, ending) != rules.textEndings.end()) {
+    return FileKind::kText;
+  }
+  return {};
 }
 
 // Folders that tools make beside a site and that repeat its pages or hold none.
@@ -88,14 +82,14 @@ std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules,
         // Left out on purpose: no reason to report.
       } else if (type == fs::file_type::symlink) {
         // A link into the site is indexed where its target lies; one out of it never.
-        if (FindExtension(name) != nullptr || entry.is_directory(error)) {
+        if (KindOf(name, rules).has_value() || entry.is_directory(error)) {
           AddSkipped(skipped, "symbolic link", path);
         }
       } else if (type == fs::file_type::directory) {
         if (entry.path() != rules.excludedFolder) folders.push_back(path);
-      } else if (const Extension* extension = FindExtension(name); extension != nullptr) {
+      } else if (const std::optional<FileKind> kind = KindOf(name, rules); kind.has_value()) {
         if (type == fs::file_type::regular) {
-          files.push_back({path, extension->kind});
+          files.push_back({path, *kind});
         } else {
           AddSkipped(skipped, "not a regular file", path);
         }

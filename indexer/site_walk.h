@@ -32,6 +32,9 @@ void AddSkipped(SkippedFiles& skipped, const std::string& reason, const std::str
 struct WalkRules {
   std::vector<std::string> excluded;     // shell patterns, tried on a name and on a relative path
   std::filesystem::path excludedFolder;  // absolute; the index folder, when it lies in the site
+  // What follows the last dot of a page's name, in lower case.
+  std::vector<std::string> htmlEndings;
+  std::vector<std::string> textEndings;
 };
 
 // Lists the pages below `site` in ascending byte order of their paths. Symbolic links are not

@@ -33,6 +33,7 @@ struct Word {
   uint8_t variantCount = 0;
   uint8_t mostOnPage = 0;  // occurrences on the page that has most of them, up to 255
   bool inTitle = false;    // some page has it in its title
+  bool isWritten = false;  // pages write it; others only help to find one ("cafe" for "café")
 };
 
 inline std::string_view TextOf(const Word& word) { return {word.text, word.length}; }

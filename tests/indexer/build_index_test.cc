@@ -280,7 +280,7 @@ TEST(BuildIndex, TheTemplateOfTheOwnerStays) {
   site.Build();
   EXPECT_EQ(site.Read("search_template.html"), "edited");
   WriteFile(site.scratch.path() / "given.html", "given");
-  site.options.templateFile = (site.scratch.path() / "given.html").string();
+  site.options.templateName = (site.scratch.path() / "given.html").string();
   site.Build();
   EXPECT_EQ(site.Read("search_template.html"), "given");
 }
@@ -308,7 +308,7 @@ TEST(BuildIndex, RefusesWrongOptions) {
   site.options.language = "/nonexistent.vlang";
   EXPECT_EQ(statusOf(site), ExitStatus::kFailed);
   site.options = good;
-  site.options.templateFile = "/nonexistent.html";
+  site.options.templateName = "/nonexistent.html";
   EXPECT_EQ(statusOf(site), ExitStatus::kFailed);
   site.options = good;
   site.options.site = "/nonexistent";

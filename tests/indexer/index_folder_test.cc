@@ -65,7 +65,7 @@ TEST(IndexFolder, CarriesOverWhatIsNotOfTheIndex) {
   // Files of the old index that the new one has no use for would not fit it.
   EXPECT_EQ(NamesIn(index),
             (std::vector<std::string>{"link.cgi", "logs", "search.cgi", "search_template.html",
-                                      "settings.vdat", "style.css", "vela_recommended.vdat"}));
+                                      "settings.vdat", "style.css"}));
   EXPECT_EQ(ReadFile(index / "settings.vdat"), "new");
   EXPECT_EQ(ReadFile(index / "style.css"), "new");
   EXPECT_EQ(ReadFile(index / "search_template.html"), "old search_template.html");

@@ -18,7 +18,7 @@ TEST(Options, ReadsAll) {
   EXPECT_EQ(parsed.options.site, "s");
   EXPECT_EQ(parsed.options.baseUrl, "/");
   EXPECT_EQ(parsed.options.out, "o");
-  EXPECT_EQ(parsed.options.templateFile, "t");
+  EXPECT_EQ(parsed.options.templateName, "t");
   EXPECT_EQ(parsed.options.language, "german");
   EXPECT_EQ(parsed.options.exclude, (std::vector<std::string>{"a", "b*"}));
   EXPECT_EQ(parsed.options.memoryMegabytes, 8u);

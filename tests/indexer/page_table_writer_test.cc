@@ -11,10 +11,22 @@ using namespace std::string_literals;
 
 TEST(PageTable, WritesRecordsAndLines) {
   const support::ScratchDirectory scratch;
-  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data");
-  writer.AddPage({"/a.html", "A & B", "", 0x01020304, 0x11223344, FileType::kHtml});
-  writer.AddPage({"/b.txt", "pipe | \"quote\"", "it's <b>", uint64_t{1} << 33, 0, FileType::kText});
-  writer.AddPage({"/c", "", "", 0, int64_t{1} << 31, FileType::kHtml});
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  const auto add = [&](const std::string& address, const std::string& title,
+                       const std::string& description, uint64_t size, int64_t time, FileType type) {
+    PageEntry entry;
+    entry.address = address;
+    entry.title = title;
+    entry.description = description;
+    entry.fileSize = size;
+    entry.time = time;
+    entry.fileType = type;
+    writer.AddPage(entry);
+  };
+  add("/a.html", "A & B", "", 0x01020304, 0x11223344, FileType::kHtml);
+  add("/b.txt", "pipe | \"quote\"", "it's <b>", uint64_t{1} << 33, 0, FileType::kText);
+  add("/c", "", "", 0, int64_t{1} << 31, FileType::kHtml);
   const PageTableWriter::Sizes sizes = writer.Finish();
   // The first line has 21 bytes; the second "/b.txt|" 7, the title 27, "|" 1, the description 20
   // and "||" with the line feed 3, that is 58; the third 7.
@@ -42,32 +54,38 @@ TEST(PageTable, WritesRecordsAndLines) {
   EXPECT_EQ(sizes.dataBytes, 86u);
 }
 
-TEST(PageTable, StoredTextIsCutAtAWord) {
-  EXPECT_EQ(StoredText("short", 5), "short");
-  EXPECT_EQ(StoredText("one two three", 13), "one two three");
-  EXPECT_EQ(StoredText("one two three", 12), "one two\u2026");
-  EXPECT_EQ(StoredText("one two three", 10), "one two\u2026");
-  EXPECT_EQ(StoredText("tab\tand\nline", 50), "tab and line");
-}
-
-TEST(PageTable, StoredTextIsNeverCutInsideACharacter) {
-  EXPECT_EQ(StoredText("\u00E9\u00E9\u00E9\u00E9", 7), "\u00E9\u00E9\u2026");
-  EXPECT_EQ(StoredText("\u00E9\u00E9\u00E9\u00E9", 8), "\u00E9\u00E9\u00E9\u00E9");
-  EXPECT_EQ(StoredText("abcdefgh&&", 14), "abcdefgh\u2026");  // nor inside a reference
-  for (size_t room = 3; room < 60; ++room) {
-    const std::string stored =
-        StoredText("Fran\u00E7ois & \"co\" \u20AC \U0001F600 <tag> word word", room);
-    EXPECT_LE(stored.size(), room);
-    const size_t open = stored.rfind('&');
-    EXPECT_TRUE(open == stored.npos || stored.find(';', open) != stored.npos) << stored;
-  }
+TEST(PageTable, ARecordHoldsCategoriesBoostAndMetaValues) {
+  const support::ScratchDirectory scratch;
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageEntry entry;
+  entry.address = "/a";
+  entry.title = "A";
+  entry.image = "/a.png";
+  entry.boost = 15;
+  entry.categories = "\x01\x80"s;
+  entry.metaValues = "new\0"s;
+  EXPECT_EQ(writer.AddPage(entry), 0u);
+  EXPECT_EQ(writer.AddPage(entry), 14u);  // behind "/a|A||/a.png|" and its line feed
+  writer.Finish();
+  EXPECT_EQ(ReadFile(scratch.path() / "data"), "/a|A||/a.png|\n/a|A||/a.png|\n");
+  EXPECT_EQ(ReadFile(scratch.path() / "info").substr(0, 23),
+            "\x17\0"
+            "\0\0\0\0\0"
+            "\0\0\0\0"
+            "\0\0\0\0"
+            "\x0F\0"
+            "\x01\x80new\0"s);
 }
 
 TEST(PageTable, TheLongestLineIsRead) {
   const support::ScratchDirectory scratch;
-  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data");
-  const std::string marks(10000, '&');
-  writer.AddPage({std::string(2083, 'a'), marks, marks, 1, 1, FileType::kHtml});
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageEntry entry;
+  entry.address = entry.image = std::string(2083, 'a');
+  entry.title = entry.description = std::string(10000, '&');
+  writer.AddPage(entry);
   EXPECT_LE(writer.Finish().dataBytes, 7260u);
 }
 

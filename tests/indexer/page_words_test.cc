@@ -41,7 +41,9 @@ CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
   PageContent page;
   page.body = body;
   page.description = description;
-  CutPage(page, title, address, 0, result.vocabulary, result.words);
+  const IndexCharset utf8;
+  WordForms forms(utf8, -1);
+  CutPage(page, title, address, 0, forms, result.vocabulary, result.words);
   return result;
 }
 
@@ -140,8 +142,10 @@ TEST(PageWords, VariantsAreThoseOfTheSite) {
   PageWords words;
   PageContent page;
   page.body = {{"Cat CAT cat", 0}};
-  CutPage(page, "x", "", 0, vocabulary, words);
-  CutPage(page, "x", "", 1, vocabulary, words);
+  const IndexCharset utf8;
+  WordForms forms(utf8, -1);
+  CutPage(page, "x", "", 0, forms, vocabulary, words);
+  CutPage(page, "x", "", 1, forms, vocabulary, words);
   EXPECT_EQ(words.tokens[0].variant, 1);
   EXPECT_EQ(words.tokens[1].variant, 2);
   EXPECT_EQ(words.tokens[2].variant, 0);

@@ -61,7 +61,7 @@ TEST(SettingsWriter, RefusesNumbersThatTheSearchCannotRead) {
   const support::ScratchDirectory scratch;
   IndexFacts facts;
   facts.pages = uint64_t{1} << 31;
-  EXPECT_THROW(WriteSettings(scratch.path() / "settings.vdat", facts, ""), IndexError);
+  EXPECT_THROW(WriteSettings(scratch.path() / "settings.vdat", facts, {}, {}, ""), IndexError);
 }
 
 }  // namespace

@@ -15,7 +15,9 @@ struct Walk {
   SkippedFiles skipped;
 };
 
-Walk WalkOf(const TestSite& site, const WalkRules& rules = {}) {
+Walk WalkOf(const TestSite& site, WalkRules rules = {}) {
+  rules.htmlEndings = SiteConfig().htmlEndings;
+  rules.textEndings = SiteConfig().textEndings;
   Walk walk;
   for (const SiteFile& file : WalkSite(site.folder, rules, walk.skipped)) {
     walk.paths.push_back(file.path + (file.kind == FileKind::kHtml ? " html" : " text"));
@@ -43,7 +45,7 @@ TEST(SiteWalk, LeavesOutHiddenAndExcludedNames) {
                            "sub/drafts/b.html", "old-1.html", "keep.html", "sub/keep.html"}) {
     site.Add(path, "x");
   }
-  const Walk walk = WalkOf(site, {{"drafts", "old-*.html", "sub/keep.html"}, {}});
+  const Walk walk = WalkOf(site, {{"drafts", "old-*.html", "sub/keep.html"}, {}, {}, {}});
   EXPECT_EQ(walk.paths, std::vector<std::string>{"keep.html html"});
 }
 
@@ -75,7 +77,7 @@ TEST(SiteWalk, LeavesOutTheIndexInsideTheSite) {
   const TestSite site;
   site.Add("a.html", "x");
   site.Add("search/search_template.html", "x");
-  const Walk walk = WalkOf(site, {{}, site.folder / "search"});
+  const Walk walk = WalkOf(site, {{}, site.folder / "search", {}, {}});
   EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
 }
 

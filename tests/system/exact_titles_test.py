@@ -3,6 +3,7 @@
 
 import unittest
 
+import sample_library
 import support
 
 
@@ -25,6 +26,9 @@ class ExactTitles(unittest.TestCase):
     def test_sample_site(self):
         site = support.SAMPLE_SITE
         self.check_site(site, support.build_index(site, "sample"), 40)
+
+    def test_sample_site_as_configured(self):
+        self.check_site(support.SAMPLE_SITE, sample_library.build_library("library"), 60)
 
     def test_real_content(self):
         site = support.REAL_CONTENT

@@ -1,0 +1,57 @@
+// page_collection.h: everything that grows while the site's files are read, and how a file joins
+// it.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "indexer/index_charset.h"
+#include "indexer/options.h"
+#include "indexer/page_table_writer.h"
+#include "indexer/page_text_writer.h"
+#include "indexer/page_words.h"
+#include "indexer/postings.h"
+#include "indexer/recommended_writer.h"
+#include "indexer/site_walk.h"
+#include "indexer/suggestion_list.h"
+#include "indexer/vocabulary.h"
+#include "indexer/word_forms.h"
+#include "indexer/word_map_writer.h"
+
+namespace vela::indexer {
+
+// What is the same for all pages. The referenced objects outlive the collection.
+struct SiteInput {
+  const std::filesystem::path& site;
+  const std::string& base;  // the site's address, ending in "/"
+  const Options& options;
+  const IndexCharset& charset;
+};
+
+struct PageCollection {
+  // `folder` is where the index is written.
+  PageCollection(const SiteInput& siteInput, const std::filesystem::path& folder);
+
+  SiteInput input;
+  WordForms forms;
+  Vocabulary vocabulary;
+  PostingRuns postings;
+  PageTextWriter pageText;
+  PageTableWriter pageTable;
+  std::vector<PageFacts> pages;
+  PageOffsets recommended;  // the pages that the owner recommends
+  SuggestionList suggestions;
+  std::unordered_set<std::string> siteAddresses;  // of all files of the walk
+  std::unordered_set<std::string> usedAddresses;  // canonical ones that are none of those
+  PageWords words;
+  SkippedFiles remarks;      // values of meta fields that were left out
+  uint64_t sourceBytes = 0;  // of the pages' files
+};
+
+// Reads one file into the collection. Returns the reason when it is left out. Throws IndexError
+// when the index is full or cannot be written.
+std::string AddFile(const SiteFile& file, PageCollection& collection);
+
+}  // namespace vela::indexer

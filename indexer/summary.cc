@@ -1,0 +1,48 @@
+#include "indexer/summary.h"
+
+#include <cstdio>
+
+#include "indexer/progress.h"
+
+namespace vela::indexer {
+
+namespace {
+
+void AddGroups(const SkippedFiles& files, std::string& text) {
+  for (const auto& [reason, group] : files.byReason) {
+    text += "  " + CountText(group.count) + "  " + reason + ": ";
+    for (size_t i = 0; i < group.examples.size(); ++i) {
+      text += (i == 0 ? "" : ", ") + group.examples[i];
+    }
+    text += group.count > group.examples.size() ? ", ...\n" : "\n";
+  }
+}
+
+}  // namespace
+
+std::string SummaryText(const IndexSummary& summary, const Options& options, double seconds) {
+  char time[40];
+  snprintf(time, sizeof time, "%.1f seconds", seconds);
+  std::string text = "Indexed " + CountText(summary.pages) +
+                     (summary.pages == 1 ? " page" : " pages") + " with " +
+                     CountText(summary.words) + " different words in " + time + ".\n";
+  text += "Read " + BytesText(summary.sourceBytes) + ", wrote " + BytesText(summary.indexBytes) +
+          " to " + options.out + ".\n";
+  if (summary.runs != 0) {
+    text += "The memory for words was full " + CountText(summary.runs) +
+            " times; more of it (--memory) makes this faster.\n";
+  }
+  if (summary.skipped.total != 0) {
+    text += "Left out " + CountText(summary.skipped.total) +
+            (summary.skipped.total == 1 ? " file:\n" : " files:\n");
+    AddGroups(summary.skipped, text);
+  }
+  if (summary.remarks.total != 0) {
+    text += "Meta elements that do not fit their field:\n";
+    AddGroups(summary.remarks, text);
+  }
+  for (const std::string& warning : summary.warnings) text += "Warning: " + warning + ".\n";
+  return text;
+}
+
+}  // namespace vela::indexer
