@@ -33,8 +33,7 @@ RecommendedStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& d
     line = UpToNul(line);
     const size_t blank = line.rfind(' ');
     if (blank == line.npos || blank == 0) continue;
-    ties.dataOffsets[static_cast<size_t>(ties.keywords.size())] =
-        ReadDecimal64(line.substr(blank));
+    ties.dataOffsets[static_cast<size_t>(ties.keywords.size())] = ReadDecimal64(line.substr(blank));
     if (!ties.keywords.TryAdd(line.substr(0, std::min(blank, kKeywordLimit)))) {
       return RecommendedStatus::kNoMemory;
     }

@@ -53,8 +53,8 @@ const char* CgiEnv(const CgiSource& source, const char* name);
 // failure.
 [[nodiscard]] CgiResult CgiReadForm(CgiForm& form, const CgiSource& source);
 
-// Reads the body of a request that was refused, up to its announced length, and forgets it: some web
-// servers lose the answer of a program that ends while they still send. Call it last of all.
+// Reads the body of a request that was refused, up to its announced length, and forgets it: some
+// web servers lose the answer of a program that ends while they still send. Call it last of all.
 void CgiDiscardBody(const CgiSource& source);
 
 // Splits and decodes the raw data of `length` bytes, which a NUL follows. A name runs to the next
