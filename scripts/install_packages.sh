@@ -7,10 +7,11 @@ cd "$(dirname "$0")"
 
 missing=()
 for group in "$@"; do
-  while read -r package; do
+  while read -r package command; do
+    if [ -n "$command" ] && command -v "$command" >/dev/null; then continue; fi
     state=$(dpkg-query -W -f '${db:Status-Abbrev}' "$package" 2>/dev/null || true)
     [[ $state == ii* ]] || missing+=("$package")
-  done < <(awk -v group="$group" '$1 == group { print $2 }' packages.txt)
+  done < <(awk -v group="$group" '$1 == group { print $2, $3 }' packages.txt)
 done
 [ ${#missing[@]} -gt 0 ] || exit 0
 

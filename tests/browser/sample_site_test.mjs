@@ -1,0 +1,94 @@
+// The sample site as the demo serves it: indexed by vela_index with its own configuration.
+import assert from 'node:assert/strict';
+import { execFileSync } from 'node:child_process';
+import { copyFileSync, mkdirSync, rmSync } from 'node:fs';
+import path from 'node:path';
+import { after, before, test } from 'node:test';
+import { assertAccessible, assertFits, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { bin, project, work } from './support/environment.mjs';
+import { get, serve } from './support/server.mjs';
+import { assertValidHtml } from './support/valid_html.mjs';
+
+const example = path.join(project, 'examples/library');
+const servers = {};
+let browser, page;
+
+// Indexes the sample site with a template of its own or a built-in one, and serves it.
+async function library(name, template) {
+  const folder = path.join(work, name);
+  rmSync(folder, { recursive: true, force: true });
+  mkdirSync(folder, { recursive: true });
+  for (const file of ['vela_index.toml', 'recommended.txt', 'search_template.html']) {
+    copyFileSync(path.join(example, file), path.join(folder, file));
+  }
+  const index = path.join(folder, 'index');
+  execFileSync(path.join(bin, 'vela_index'), ['--config', path.join(folder, 'vela_index.toml'), '--quiet',
+    '--site', path.join(example, 'site'), '--out', index, ...(template ? ['--template', template] : [])]);
+  copyFileSync(path.join(bin, 'vela_search'), path.join(index, 'search.cgi'));
+  return serve(index, { site: path.join(example, 'site') });
+}
+
+before(async () => {
+  servers.own = await library('own_template');
+  servers.default = await library('default_template', 'default');
+  browser = await launch();
+});
+after(async () => {
+  await browser?.close();
+  for (const server of Object.values(servers)) await server.stop();
+});
+
+test('what the pages link is delivered, the index is not', async () => {
+  const status = async (name) => (await get(`${servers.default.origin}/search/${name}`)).status;
+  for (const name of ['vela_search.css', 'vela_autocomplete.js', 'vela_autocomplete.css', 'vela_datepicker.js',
+    'vela_datepicker.css', 'vela_results.xsl', 'vela_opensearch.xml']) assert.equal(await status(name), 200, name);
+  for (const name of ['settings.vdat', 'vela_dictionary.vdat', 'search_template.html']) assert.equal(await status(name), 403, name);
+});
+
+const STATES = [
+  ['start', ''],
+  ['results', '?vela_query=summer+reading'],
+  ['narrow', '?vela_query=summer+reading', { viewport: { width: 320, height: 640 } }],
+  ['dark', '?vela_query=library', { colorScheme: 'dark' }],
+  ['options', '?vela_query=library&vela_cat[]=0', {}, true],
+  ['misspelt', '?vela_query=poetri'],
+];
+for (const template of ['own', 'default']) {
+  for (const [name, query, options, unfolded] of STATES) {
+    test(`${template} template: ${name}`, async () => {
+      page = await openPage(browser, options);
+      await page.goto(servers[template].search + query);
+      if (unfolded) await page.locator('details summary').first().click({ timeout: 1000 }).catch(() => {});
+      await shot(page, `library_${template}_${name}`);
+      if (query.includes('summer')) assert.match(await page.locator('.result_title').first().innerText(), /Summer reading/i);
+      if (name === 'misspelt') assert.match(await page.locator('.suggestion').innerText(), /poetry/);
+      await assertFits(page);
+      await assertAccessible(page);
+      await closePage(page);
+      await assertValidHtml((await get(servers[template].search + query)).body);
+    });
+  }
+}
+
+test('typing in the library: a suggestion leads to its page', async () => {
+  page = await openPage(browser);
+  await page.goto(servers.own.search);
+  await page.locator('#vela_searchbox').pressSequentially('summ');
+  await page.waitForSelector('[role=option]');
+  await page.keyboard.press('ArrowDown');
+  await shot(page, 'library_own_suggestions');
+  await page.keyboard.press('Enter');
+  await page.waitForSelector('.result_title a');
+  await closePage(page);
+});
+
+test('the XML answer of the library can be read', async () => {
+  page = await openPage(browser);
+  await page.goto(`${servers.own.search}?vela_xml=1&vela_query=library`);
+  await page.waitForSelector('.result_title a');
+  await page.evaluate(() => document.querySelector('xslt-warning-banner')?.remove());
+  await shot(page, 'library_xml');
+  await assertFits(page);
+  await assertAccessible(page, ['xslt-warning-banner']);
+  await closePage(page);
+});

@@ -1,0 +1,103 @@
+// The templates for sites that have a look of their own.
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import path from 'node:path';
+import { after, before, test } from 'node:test';
+import { assertAccessible, assertFits, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assets } from './support/environment.mjs';
+import { makeGarden } from './support/garden.mjs';
+import { get, serve } from './support/server.mjs';
+import { assertValidHtml } from './support/valid_html.mjs';
+
+const servers = {};
+let browser;
+before(async () => {
+  for (const name of ['minimal', 'embed']) {
+    servers[name] = await serve(makeGarden(name, { template: `search_template_${name}.html` }));
+  }
+  browser = await launch();
+});
+after(async () => {
+  await browser?.close();
+  for (const server of Object.values(servers)) await server.stop();
+});
+
+for (const [state, query] of [['start', ''], ['results', '?vela_query=garden+rose'], ['corrections', '?vela_query=roze']]) {
+  test(`minimal: ${state}`, async () => {
+    const page = await openPage(browser);
+    await page.goto(servers.minimal.search + query);
+    await shot(page, `minimal_${state}`);
+    await assertAccessible(page);
+    await closePage(page);
+    const { body } = await get(servers.minimal.search + query);
+    await assertValidHtml(body);
+    assert.ok(!body.includes('vela_search.css'));
+  });
+}
+
+test('minimal: suggestions, the calendar and paging work', async () => {
+  const page = await openPage(browser);
+  await page.goto(`${servers.minimal.search}?vela_query=garden`);
+  await page.locator('.result_pages a', { hasText: 'Next' }).click();
+  await page.locator('#vela_searchbox').fill('');
+  await page.locator('#vela_searchbox').pressSequentially('glas');
+  await page.waitForSelector('[role=option]');
+  await shot(page, 'minimal_suggestions');
+  await page.keyboard.press('Escape');
+  await page.locator('#vela_datefrom + input').click();
+  await page.waitForSelector('dialog[open]');
+  await shot(page, 'minimal_date_picker');
+  await assertAccessible(page);
+  await closePage(page);
+});
+
+// A site's page around the answer, as a server-side include makes it. With `style` the site links
+// the search's style sheet.
+async function embedded(page, query, style) {
+  const { body } = await get(servers.embed.search + query);
+  const link = style ? '<link rel="stylesheet" href="/search/vela_search.css">' : '';
+  const whole = `<!DOCTYPE html><html lang="en"><head><meta charset="utf-8"><title>Holm Garden: search</title>${link}
+    <meta name="viewport" content="width=device-width, initial-scale=1">
+    <style>body { margin: 2rem; font-family: Georgia, serif; background: #fbf8f1; color: #222; } a { color: #14563b; }</style></head>
+    <body><header><p><a href="/">Holm Garden</a></p></header><main><h1>Search the garden</h1>${body}</main></body></html>`;
+  const address = `${servers.embed.origin}/whole.html`;
+  await page.route(address, (route) => route.fulfill({ contentType: 'text/html; charset=utf-8', body: whole }));
+  await page.goto(address);
+}
+
+test('embed: nothing but the search', async () => {
+  assert.equal(readFileSync(path.join(assets, 'search_template_embed.html'), 'utf8'), '<!--VELASEARCH-->\n');
+  const { body } = await get(`${servers.embed.search}?vela_query=garden`);
+  assert.match(body, /^<form /);
+  for (const element of ['<html', '<head', '<body', '<link', '<title']) assert.ok(!body.includes(element), element);
+});
+
+for (const [name, style, options] of [['with_the_style_sheet', true, {}], ['without_style', false, {}],
+  ['dark_visitor', true, { colorScheme: 'dark' }], ['narrow', true, { viewport: { width: 320, height: 640 } }]]) {
+  test(`embed: ${name.replaceAll('_', ' ')}`, async () => {
+    const page = await openPage(browser, options);
+    await embedded(page, '?vela_query=garden+rose', style);
+    await shot(page, `embed_${name}`);
+    if (style) await assertFits(page);
+    // The site's text keeps its own look; a light page stays light for those who prefer dark.
+    const look = await page.locator('.result_title a').first().evaluate((a) => getComputedStyle(a).color);
+    assert.equal(look, 'rgb(20, 86, 59)');
+    assert.match(await page.locator('.description').first().evaluate((e) => getComputedStyle(e).fontFamily), /Georgia/);
+    assert.equal(await page.locator('.description').first().evaluate((e) => getComputedStyle(e).color), 'rgb(34, 34, 34)');
+    if (style) await assertAccessible(page);
+    await closePage(page);
+  });
+}
+
+test('embed: suggestions and the calendar work', async () => {
+  const page = await openPage(browser);
+  await embedded(page, '?vela_query=garden', true);
+  await page.locator('#vela_searchbox').fill('');
+  await page.locator('#vela_searchbox').pressSequentially('glas');
+  await page.waitForSelector('[role=option]');
+  await page.keyboard.press('Escape');
+  await page.locator('#vela_datefrom + input').click();
+  await page.waitForSelector('dialog[open]');
+  await shot(page, 'embed_date_picker');
+  await closePage(page);
+});
