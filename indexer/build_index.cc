@@ -162,7 +162,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                      "--out is replaced as a whole and must not hold the site "
                      "itself. Give a folder of its own for the index.");
   }
-  WriteTemplate(options.templateName, charset, folder);
+  WriteTemplate(options.templateName, options.language, charset, folder);
 
   Run run = {options, progress, stop, folder, {}};
   PageCollection collection({site, base, options, charset}, folder.fresh());

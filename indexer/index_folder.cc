@@ -28,10 +28,24 @@ bool IsIndexFile(const std::string& name) {
          (name.starts_with("vela_") && name.ends_with(".vdat"));
 }
 
+// Gives the folder `to` the owner and permissions of `from`: a log folder stays the web server's.
+// Only root can give folders away; for others the folder is their own as all they make.
+void TakeOwnerAndMode(const fs::path& from, const fs::path& to) {
+  struct stat info = {};
+  if (stat(from.c_str(), &info) != 0) Fail("Cannot read " + from.string(), strerror(errno));
+  if (geteuid() == 0 && chown(to.c_str(), info.st_uid, info.st_gid) != 0) {
+    Fail("Cannot give " + to.string() + " its owner", strerror(errno));
+  }
+  if (chmod(to.c_str(), info.st_mode & 07777) != 0) {
+    Fail("Cannot prepare " + to.string(), strerror(errno));
+  }
+}
+
 void LinkOrCopy(const fs::path& from, const fs::path& to);
 
 void CarryFolder(const fs::path& from, const fs::path& to) {
-  fs::create_directory(to, from);  // with its permissions
+  fs::create_directory(to);
+  TakeOwnerAndMode(from, to);
   for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
     LinkOrCopy(entry.path(), to / entry.path().filename());
   }
@@ -100,18 +114,16 @@ void IndexFolder::CarryOver() {
 void IndexFolder::Commit() {
   try {
     const bool replaces = fs::exists(target_);
-    struct stat info = {};
-    mode_t mode = 0755;
     if (replaces) {
       CarryOver();
-      if (stat(target_.c_str(), &info) == 0) mode = info.st_mode & 07777;
+      TakeOwnerAndMode(target_, fresh_);
     } else {
       const mode_t mask = umask(0);
       umask(mask);
-      mode = 0777 & ~mask;
+      if (chmod(fresh_.c_str(), 0777 & ~mask) != 0) {
+        Fail("Cannot prepare " + fresh_.string(), strerror(errno));
+      }
     }
-    if (chmod(fresh_.c_str(), mode) != 0)
-      Fail("Cannot prepare " + fresh_.string(), strerror(errno));
     if (!replaces) {
       fs::rename(fresh_, target_);
       fresh_.clear();

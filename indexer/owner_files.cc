@@ -6,6 +6,7 @@
 #include "indexer/file_reading.h"
 #include "indexer/index_error.h"
 #include "indexer/settings_writer.h"
+#include "indexer/template_words.h"
 
 namespace vela::indexer {
 
@@ -67,7 +68,8 @@ std::string LoadLanguage(const std::string& language) {
   return CheckedLanguage(file->content, language);
 }
 
-std::string LoadTemplate(const std::string& name, const IndexCharset& charset) {
+std::string LoadTemplate(const std::string& name, const std::string& language,
+                         const IndexCharset& charset) {
   const BuiltInTemplate* builtIn = FindTemplate(name);
   if (builtIn == nullptr) return ReadOwnersFile(name, "--template");
   const EmbeddedFile* file = FindEmbeddedFile(builtIn->file);
@@ -75,7 +77,9 @@ std::string LoadTemplate(const std::string& name, const IndexCharset& charset) {
     throw IndexError(ExitStatus::kUsage, "This vela_index was built without the template \"" +
                                              name + "\". Give --template default or a file.");
   }
-  std::string content = charset.WithReferences(file->content);
+  std::string page(file->content);
+  TranslateTemplate(page, language);
+  std::string content = charset.WithReferences(page);
   constexpr std::string_view kUtf8Meta = "<meta charset=\"utf-8\">";
   const size_t at = content.find(kUtf8Meta);
   if (!charset.utf8() && at != content.npos) {

@@ -15,8 +15,9 @@ std::string ReadOwnersFile(const std::string& path, const std::string& option);
 std::string LoadLanguage(const std::string& language);
 
 // "default", "minimal" and "embed" are built in; anything else is a file. A built-in template is
-// brought into the character set of the index.
-std::string LoadTemplate(const std::string& name, const IndexCharset& charset);
+// brought into the language of the search page and the character set of the index.
+std::string LoadTemplate(const std::string& name, const std::string& language,
+                         const IndexCharset& charset);
 
 // Whether the name stands for a built-in template.
 bool IsBuiltInTemplate(const std::string& name);

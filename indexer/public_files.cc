@@ -27,11 +27,11 @@ bool IsPublic(std::string_view name) {
 
 }  // namespace
 
-void WriteTemplate(const std::string& name, const IndexCharset& charset,
-                   const IndexFolder& folder) {
+void WriteTemplate(const std::string& name, const std::string& language,
+                   const IndexCharset& charset, const IndexFolder& folder) {
   if (name.empty() && folder.OldHas(kTemplateName)) return;
   WriteWhole(folder.fresh() / kTemplateName,
-             LoadTemplate(name.empty() ? "default" : name, charset));
+             LoadTemplate(name.empty() ? "default" : name, language, charset));
 }
 
 void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,

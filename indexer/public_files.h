@@ -12,7 +12,8 @@ namespace vela::indexer {
 
 // Writes search_template.html. `name` is the one that the owner gave (see LoadTemplate); empty: the
 // one that the index has is kept, and a first index gets the default.
-void WriteTemplate(const std::string& name, const IndexCharset& charset, const IndexFolder& folder);
+void WriteTemplate(const std::string& name, const std::string& language,
+                   const IndexCharset& charset, const IndexFolder& folder);
 
 // Writes the styles, scripts and style sheets that come with the program, always anew, and
 // vela_opensearch.xml when the address of the search is known. Makes the folder of the search log

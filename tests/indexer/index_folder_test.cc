@@ -1,6 +1,8 @@
 #include "indexer/index_folder.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "indexer/index_error.h"
 #include "indexer_site.h"
@@ -86,6 +88,31 @@ TEST(IndexFolder, ALogGoesOnInTheNewFolder) {
   }
   log << "after\n" << std::flush;
   EXPECT_EQ(ReadFile(index / "search.log"), "before\nafter\n");
+}
+
+// Otherwise the web server could begin no new log after the next run of the indexer.
+TEST(IndexFolder, FoldersKeepOwnerAndPermissions) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  fs::create_directories(index / "logs");
+  // Only root may give something away; 33 is another user.
+  const uid_t owner = geteuid() == 0 ? 33 : geteuid();
+  const gid_t group = geteuid() == 0 ? 33 : getegid();
+  for (const fs::path& folder : {index, index / "logs"}) {
+    ASSERT_EQ(chown(folder.c_str(), owner, group), 0);
+    ASSERT_EQ(chmod(folder.c_str(), 0777), 0);  // more than the usual mask leaves
+  }
+  {
+    IndexFolder folder(index);
+    folder.Commit();
+  }
+  for (const fs::path& folder : {index, index / "logs"}) {
+    struct stat info = {};
+    ASSERT_EQ(stat(folder.c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, owner) << folder;
+    EXPECT_EQ(info.st_gid, group) << folder;
+    EXPECT_EQ(info.st_mode & 07777, 0777u) << folder;
+  }
 }
 
 TEST(IndexFolder, GoesWhereALinkLeads) {
