@@ -40,5 +40,18 @@ phrase="%22$common+$next%22"
   "$marked" "$first+$second" "$marked" "$phrase"
 echo "the phrase by stages:"
 "$bin/stages_bench" "$marked" "$phrase"
+echo "== completion from 10000 suggestions"
+completion=$work/completion
+mkdir -p "$completion"
+{
+  cat "$work/large/settings.vdat"
+  printf '%s\n' 'UseAutoComplete = 1' 'MaxKeyWordLineLen = 256'
+} >"$completion/settings.vdat"
+# Two words of the dictionary each, from behind its reserved ones.
+awk 'NF > 1 && NR > 20 { print before, $1; before = $1; if (++lines == 10000) exit }' \
+  "$work/large/vela_dictionary.vdat" >"$completion/vela_autocomplete.vdat"
+"$bin/process_bench" 300 "$bin/empty_program" "$bin/vela_search" \
+  "$completion" "ba&vela_ac=1" "$completion" "b&vela_ac=1"
+
 echo "== bytes of the index files"
 (cd "$work/large" && wc -c -- *.vdat)
