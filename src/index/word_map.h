@@ -6,9 +6,9 @@
 //   list:    offset 0  4 bytes  count, signed; 0 or less: no records
 //            offset 4           count records
 //   record:  offset 0  1 byte   score
-//            offset 1  1 byte   proximity: bit 7-b is set when the word stands in block b of the
-//            page offset 2  3 bytes  page number offset 5  5 bytes  position of the occurrence in
-//            the page text file
+//            offset 1  1 byte   proximity: bit 7-b for block b of the page
+//            offset 2  3 bytes  page number
+//            offset 5  5 bytes  position in the page text file
 //
 // The indexer's writer of this file is in indexer/.
 #pragma once

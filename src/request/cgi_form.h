@@ -1,6 +1,8 @@
 // cgi_form.h: the form of one request, decoded from the CGI environment.
 //
-// Names are kept as sent, values are decoded. Every operation gives a result code.
+// Names are kept as sent, values are decoded. Every operation gives a result code. The search
+// itself has no use for CgiGetReal, CgiCountValues, the walk over all pairs and
+// CgiStripMetacharacters; they complete the interface.
 #pragma once
 
 #include <cstdint>

@@ -20,7 +20,7 @@ struct MatchBudget {
 
 MatchBudget MakeMatchBudget(int32_t maxMatches, int32_t termCount);
 
-enum class LookupStatus { kOk, kSeekFailed, kMissingData, kInvalidPage };
+enum class LookupStatus { kOk, kSeekFailed, kMissingData, kInvalidPage, kNoMemory };
 
 // One term as it is looked up: without its "-", with its asterisks.
 struct LookupTerm {

@@ -78,14 +78,14 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
 }  // namespace
 
 LookupStatus PreparePhrase(Phrase& phrase, std::string_view words, const Dictionary& dictionary,
-                           std::string_view wordMap, Response& response, bool& noMemory) {
+                           std::string_view wordMap, Response& response) {
   phrase = Phrase();
   size_t count = 0;
   std::string_view word;
   for (std::string_view rest = words; NextPhraseWord(rest, word);) ++count;
   OwnedArray<PhraseWord> prepared;
-  noMemory = !prepared.TryAllocate(count);
-  if (noMemory || count == 0) return LookupStatus::kOk;
+  if (!prepared.TryAllocate(count)) return LookupStatus::kNoMemory;
+  if (count == 0) return LookupStatus::kOk;
   size_t k = 0;
   for (std::string_view rest = words; NextPhraseWord(rest, word); ++k) {
     prepared[k].number = dictionary.FindExact(word, 0);

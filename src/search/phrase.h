@@ -35,9 +35,10 @@ struct PhraseBudget {
 };
 
 // Looks every word of the phrase up and reads its list. kOk also when the phrase matches nothing.
+// A failed seek has written its message. After any other status the phrase is empty.
 [[nodiscard]] LookupStatus PreparePhrase(Phrase& phrase, std::string_view words,
                                          const Dictionary& dictionary, std::string_view wordMap,
-                                         Response& response, bool& noMemory);
+                                         Response& response);
 
 enum class CandidateResult { kRejected, kFound, kStop };
 

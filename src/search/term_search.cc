@@ -18,6 +18,8 @@ TermStatus FromLookup(LookupStatus status) {
       return TermStatus::kMissingData;
     case LookupStatus::kInvalidPage:
       return TermStatus::kInvalidPage;
+    case LookupStatus::kNoMemory:
+      return TermStatus::kNoMemory;
   }
   return TermStatus::kOk;
 }
@@ -45,10 +47,8 @@ TermStatus SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
     words = StemPhrase(View(term.word), input.stemmer, settings.UseUTF8 == 1);
   }
   Phrase phrase;
-  bool noMemory = false;
   const LookupStatus prepared =
-      PreparePhrase(phrase, View(words), input.dictionary, input.wordMap, input.response, noMemory);
-  if (noMemory) return TermStatus::kNoMemory;
+      PreparePhrase(phrase, View(words), input.dictionary, input.wordMap, input.response);
   if (prepared != LookupStatus::kOk) return FromLookup(prepared);
   if (phrase.words.empty()) return TermStatus::kOk;
   const PhraseWord& first = phrase.words[0];

@@ -4,8 +4,9 @@
 // three sections: "catnames" followed by one name a line, "metafields" followed by six lines a
 // definition (type, name, label, extra text, method, number of list values) and its list values,
 // and "MapAccents = 1" followed by the lines AccentChars and NormalChars with quoted items. Lines
-// may come in any order, but a section needs its count before it. Unknown keys are passed over. A
-// line is read in pieces of at most 2047 bytes.
+// may come in any order, but a section needs its count before it, and DatePickerPath empties a
+// LinkBackURL before it. Unknown keys are passed over. A line is read in pieces of at most 2047
+// bytes.
 #pragma once
 
 #include "output/response.h"

@@ -184,10 +184,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   // Only words of one list position are candidates, so the lists themselves may stay empty.
   Phrase phrase;
-  bool noMemory = false;
   const std::string none(4, '\0');
-  VELA_CHECK(PreparePhrase(phrase, input.phrase, dictionary, none, *response, noMemory) ==
-             LookupStatus::kOk);
+  VELA_CHECK(PreparePhrase(phrase, input.phrase, dictionary, none, *response) == LookupStatus::kOk);
   CheckPhrase(phrase, *settings, text, input);
   return 0;
 }

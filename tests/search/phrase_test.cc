@@ -52,12 +52,11 @@ struct Verification {
   PhraseBudget budget;
   WordMapRecord found;
   LookupStatus prepared;
-  bool noMemory = false;
 
   explicit Verification(const IndexBuilder& builder, const std::string& words = "new york")
       : site(builder) {
     prepared = PreparePhrase(phrase, words, site.dictionary, site.files.wordMap.bytes(),
-                             site.loading.response, noMemory);
+                             site.loading.response);
     text.file = site.files.pageText.bytes();
     text.tokenSize = site.settings.DictIDLen;
     g_now = 100;
@@ -86,7 +85,6 @@ TEST(PreparePhrase, OneWordMissingAndNothingMatches) {
     SCOPED_TRACE(words);
     Verification v(Site({}, {}), words);
     EXPECT_EQ(v.prepared, LookupStatus::kOk);
-    EXPECT_FALSE(v.noMemory);
     EXPECT_TRUE(v.phrase.words.empty());
   }
 }
@@ -124,9 +122,9 @@ TEST(PreparePhrase, OutOfMemory) {
   Verification v(Site({}, {}));
   g_failAllocationNumber = 1;
   v.prepared = PreparePhrase(v.phrase, "new york", v.site.dictionary, v.site.files.wordMap.bytes(),
-                             v.site.loading.response, v.noMemory);
+                             v.site.loading.response);
   g_failAllocationNumber = 0;
-  EXPECT_TRUE(v.noMemory);
+  EXPECT_EQ(v.prepared, LookupStatus::kNoMemory);
   EXPECT_TRUE(v.phrase.words.empty());
 }
 
