@@ -1,47 +1,47 @@
-// vela_autocomplete.js: suggestions below the search box while a visitor types.
-//
-// The search program writes this into its page; others: <script defer src="..." data-box="ID">.
-var VelaAutoComplete_URL;  // if not set, made from the form's address
+// Suggestions below a search box: <script defer src="..." data-box="ID">
+var VelaAutoComplete_URL;  // by default the form's
 (function () {
-  const PAUSE = 120;  // ms without a key
-  const MOST = 8;     // suggestions shown
-  const SPOKEN = {
-    de: 'Vorschläge', es: 'Sugerencias', it: 'Suggerimenti', nl: 'Suggesties', pl: 'Podpowiedzi',
-    pt: 'Sugestões', ru: 'Подсказки', sv: 'Förslag',
+  const PAUSE = 120;  // ms
+  const MOST = 8;
+  const SPOKEN = {  // ASCII
+    de: 'Vorschl\xe4ge', es: 'Sugerencias', it: 'Suggerimenti', nl: 'Suggesties', pl: 'Podpowiedzi',
+    pt: 'Sugest\xf5es', sv: 'F\xf6rslag',
+    ru: '\u041f\u043e\u0434\u0441\u043a\u0430\u0437\u043a\u0438',
   };
-  let use = () => {};  // of the box used last
+  let use = () => {};
 
   const set = (element, attributes) => {
     for (const name in attributes) element.setAttribute(name, attributes[name]);
+    return element;
   };
+  const make = (tag, attributes) => set(document.createElement(tag), attributes);
 
   window.VelaAutoComplete_UseSuggestion = (text) => use(text);
 
   window.VelaAutoComplete_OnLoad = (id) => {
     const box = document.getElementById(id);
-    if (!box || !box.form || box.getAttribute('role')) return;
-    const url = VelaAutoComplete_URL || box.form.action.replace(/[?#].*/, '') + '?vela_ac=1';
+    if (!box?.form || box.getAttribute('role')) return;
+    const action = box.form.getAttribute('action') || '';
+    const url = VelaAutoComplete_URL || action.replace(/[?#].*/, '') + '?vela_ac=1';
     const spoken = SPOKEN[document.documentElement.lang.slice(0, 2)] || 'Suggestions';
     const answers = new Map();
     let request, timer, active = -1, typed = '';
 
-    const list = document.createElement('ul');
-    const status = document.createElement('div');
-    list.id = id + '_list';
-    list.hidden = true;
-    set(list, { class: 'vela_ac_list', role: 'listbox', 'aria-label': spoken });
-    set(status, { class: 'vela_ac_status', role: 'status' });
+    const list = make('ul', {
+      id: id + '_list', hidden: '', class: 'vela_ac_list', role: 'listbox', 'aria-label': spoken,
+    });
+    const status = make('div', { class: 'vela_ac_status', role: 'status' });
     set(box, {
       role: 'combobox', autocomplete: 'off', 'aria-autocomplete': 'list',
       'aria-expanded': false, 'aria-controls': list.id,
     });
-    box.after(list, status);
+    (box.closest('label') || box).after(list, status);
 
     function cancel() {
       clearTimeout(timer);
-      const overtaken = request;
+      const old = request;
       request = null;
-      if (overtaken) overtaken.abort();
+      old?.abort();
     }
 
     function close() {
@@ -53,39 +53,42 @@ var VelaAutoComplete_URL;  // if not set, made from the form's address
     }
 
     function place() {
-      const { offsetLeft: x, offsetTop: y, offsetWidth: w, offsetHeight: h } = box;
-      list.style.cssText = `left:${x}px;top:${y + h}px;width:${w}px`;
+      const { left: x, bottom: y, width: w } = box.getBoundingClientRect();
+      list.style.cssText = `left:0;top:0;width:${w}px`;
+      const { left, top } = list.getBoundingClientRect();
+      list.style.translate = `${x - left}px ${y + 4 - top}px`;
     }
 
     function mark(index) {
       active = index;
-      [...list.children].forEach((item, i) => set(item, { 'aria-selected': i === index }));
-      const item = list.children[index];
+      const items = [...list.children], item = items[index];
+      items.forEach((each, i) => set(each, { 'aria-selected': i === index }));
       set(box, { 'aria-activedescendant': item ? item.id : '' });
-      if (item) item.scrollIntoView({ block: 'nearest' });
+      if (!item) return;
+      cancel();  // an answer would unmark
+      item.scrollIntoView({ block: 'nearest' });
     }
 
     function show(texts) {
       const start = typed.toLowerCase();
-      // First what begins with all that was typed, then with its last word.
+      // What starts with all of it, then with its last word.
       const starts = [start, start.split(' ').pop(), ''];
       const rank = (text) => starts.findIndex((s) => text.toLowerCase().startsWith(s));
       const best = texts.filter((text) => text.toLowerCase() !== start)
         .sort((a, b) => rank(a) - rank(b)).slice(0, MOST);
       if (!best.length) return close();
       list.replaceChildren(...best.map((text, i) => {
-        const item = document.createElement('li');
-        const added = document.createElement('b');
+        const item = make('li', { id: list.id + i, class: 'vela_ac_item', role: 'option' });
+        const added = make('b');
         const kept = rank(text) ? 0 : typed.length;
         added.textContent = text.slice(kept);
         item.append(text.slice(0, kept), added);
-        set(item, { id: list.id + i, class: 'vela_ac_item', role: 'option' });
         item.onclick = () => take(text);
         return item;
       }));
       mark(-1);
-      place();
       list.hidden = false;
+      place();
       set(box, { 'aria-expanded': true });
       status.textContent = spoken + ': ' + best.length;
     }
@@ -96,17 +99,18 @@ var VelaAutoComplete_URL;  // if not set, made from the form's address
       typed = box.value.trim().replace(/\s+/g, ' ');
       if (!typed) return close();
       if (answers.has(typed)) return show(answers.get(typed));
-      // A link's address is encoded in the page's character set, as a form's is.
-      const link = document.createElement('a');
-      link.href = url + '&vela_query=' + typed.replace(/[&#+%]/g, encodeURIComponent);
+      // A link is encoded in the page's character set.
+      const query = typed.replace(/[&#+%]/g, encodeURIComponent);
+      const link = make('a', { href: url + '&vela_query=' + query });
       const mine = request = new XMLHttpRequest();
       mine.onloadend = () => {
         if (mine !== request) return;
         if (mine.status !== 200) return close();
-        // A parsed document runs and loads nothing, and only text is taken from it.
+        // Parsing runs nothing; only text is taken.
         const html = mine.response.replace(/ onclick="[^"]*"/g, '');
-        const links = [...new DOMParser().parseFromString(html, 'text/html').links];
-        const texts = [...new Set(links.map((a) => a.textContent.trim()))].filter((t) => t);
+        const page = new DOMParser().parseFromString(html, 'text/html');
+        const links = [...page.querySelectorAll('a.vela_ac_item')];
+        const texts = [...new Set(links.map((a) => a.textContent.trim()))].filter(Boolean);
         answers.set(typed, texts);
         show(texts);
       };
@@ -118,7 +122,6 @@ var VelaAutoComplete_URL;  // if not set, made from the form's address
       box.value = text;
       close();
     }
-
     function take(text) {
       fill(text);
       box.form.requestSubmit();
@@ -126,6 +129,7 @@ var VelaAutoComplete_URL;  // if not set, made from the form's address
 
     box.addEventListener('input', () => {
       clearTimeout(timer);
+      mark(-1);
       timer = setTimeout(ask, PAUSE);
     });
     box.addEventListener('blur', close);
@@ -135,7 +139,7 @@ var VelaAutoComplete_URL;  // if not set, made from the form's address
       if (event.isComposing || event.ctrlKey || event.metaKey) return;
       const key = event.key, last = list.children.length - 1, chosen = list.children[active];
       if (list.hidden) {
-        if (key !== 'ArrowDown' && key !== 'ArrowUp') return;
+        if (!/^Arrow(Up|Down)/.test(key)) return;
         ask();
       } else if (key === 'ArrowDown') mark(active < last ? active + 1 : -1);
       else if (key === 'ArrowUp') mark(active < 0 ? last : active - 1);
@@ -151,6 +155,6 @@ var VelaAutoComplete_URL;  // if not set, made from the form's address
     });
   };
 
-  const own = document.currentScript && document.currentScript.dataset.box;
+  const own = document.currentScript?.dataset.box;
   if (own) VelaAutoComplete_OnLoad(own);
 })();

@@ -7,9 +7,9 @@
 (function () {
   'use strict';
   const DAY = 86400000;  // all dates are midnights in UTC, in milliseconds
-  const CLOSE = {
-    de: 'Schließen', es: 'Cerrar', fr: 'Fermer', it: 'Chiudi', nl: 'Sluiten', pl: 'Zamknij',
-    pt: 'Fechar', ru: 'Закрыть', sv: 'Stäng', en: 'Close',
+  const CLOSE = {  // in ASCII: the page has any character set
+    de: 'Schlie\xdfen', es: 'Cerrar', fr: 'Fermer', it: 'Chiudi', nl: 'Sluiten', pl: 'Zamknij',
+    pt: 'Fechar', ru: '\u0417\u0430\u043a\u0440\u044b\u0442\u044c', sv: 'St\xe4ng', en: 'Close',
   };
   const pageLanguage = document.documentElement.lang;
   const language = (() => {
@@ -95,7 +95,7 @@
     const opener = document.activeElement && document.activeElement.type === 'button' ?
       document.activeElement : field.nextElementSibling || field;
     const dialog = make('dialog', { class: 'vela_dp' });
-    dialog.setAttribute('aria-label', [opener !== field && opener.value, label].filter(Boolean).join(' – '));
+    dialog.setAttribute('aria-label', [opener !== field && opener.value, label].filter(Boolean).join(' \u2013 '));
 
     function button(name, sign, action) {
       const made = make('button', { type: 'button', 'aria-label': name, title: name }, sign);
@@ -106,8 +106,8 @@
       go(addMonths(current, unit === 'year' ? 12 * count : count)));
     const title = make('h2', { 'aria-live': 'polite', class: 'vela_dp_title' });
     const head = make('div', { class: 'vela_dp_head' });
-    head.append(step('year', -1, '«'), step('month', -1, '‹'), title, step('month', 1, '›'),
-      step('year', 1, '»'));
+    head.append(step('year', -1, '\xab'), step('month', -1, '\u2039'), title, step('month', 1, '\u203a'),
+      step('year', 1, '\xbb'));
 
     const table = make('table', { role: 'grid' });
     const names = table.createTHead().insertRow();
@@ -169,7 +169,7 @@
     function choose(date) {
       if (!isFree(date)) return;
       write(field, order, date);
-      if (other && !other.value.trim()) write(other, order, isEnd ? 0 : Math.max(now, date));
+      if (other && !other.value.trim()) write(other, order, isEnd ? Math.min(0, date) : Math.max(now, date));
       dialog.close();
     }
 

@@ -96,12 +96,16 @@
         <div class="results"><xsl:apply-templates select="item"/></div>
       </xsl:if>
       <xsl:if test="$total &gt; $shown and $shown &gt; 0">
-        <!-- The links keep the rest of the address as it is, which only a script can see. -->
-        <div class="result_pages" id="vela_pages" data-per-page="{opensearch:itemsPerPage}" data-total="{$total}"/>
+        <!-- The links keep the rest of the address as it is, which only a script can see. The answer to
+             a form sent with POST has no query there; what was searched for is in the box. -->
+        <div class="result_pages" id="vela_pages" data-first="{$first}" data-per-page="{opensearch:itemsPerPage}" data-total="{$total}"/>
         <script>
           var pages = document.getElementById('vela_pages');
-          var page = Number((/[?&amp;]vela_page=(\d+)/.exec(location.search) || [0, 1])[1]) || 1;
-          var rest = location.search.replace(/([?&amp;])vela_page=[^&amp;]*&amp;?/g, '$1').replace(/&amp;$/, '');
+          var page = Math.floor((pages.dataset.first - 1) / pages.dataset.perPage) + 1;
+          var box = document.getElementById('vela_searchbox');
+          var asked = /[?&amp;]vela_query=/.test(location.search) ? location.search :
+            '?vela_xml=1&amp;vela_query=' + encodeURIComponent(box.value);
+          var rest = asked.replace(/([?&amp;])vela_page=[^&amp;]*&amp;?/g, '$1').replace(/&amp;$/, '');
           function link(number, text) {
             var made = document.createElement('a');
             made.href = rest + '&amp;vela_page=' + number;

@@ -7,7 +7,8 @@
 #                 link to the newest of the indexes in /PATH.versions/, where the search log is kept,
 #                 too, when there is a folder /PATH.versions/logs.
 #     --keep      how many indexes stay on each server, at least 2 (default: 2)
-#     --rollback  puts the index before the present one back in place
+#     --rollback  puts the index before the present one back in place; the next distribution deletes
+#                 the one that was taken back
 #     --rsh       how other hosts are reached (default: ssh -o BatchMode=yes -o ConnectTimeout=10)
 # The new index is tried out on every server before the first one is switched to it: when a server
 # cannot be reached or its search does not answer, all of them keep the index they have.
@@ -57,11 +58,18 @@ if [ -z "$rollback" ]; then
 else
   [ $# -ge 1 ] || wrong "at least one target is needed; --help tells more"
 fi
+places=()
 for target in "$@"; do
   path=$target
   [[ $target == /* ]] || path=${target#*:}
   [[ $path == /?* && $path != */ && $path != *$'\n'* && $target != -* && $target != :* ]] ||
     wrong "$target is no target: [USER@]HOST:/PATH or /PATH is needed, without a slash at its end"
+  place=$path
+  [[ $target == /* ]] || { place=${target%%:*}; place=${place#*@}:$path; }
+  for other in ${places[@]+"${places[@]}"}; do
+    [ "$place" != "$other" ] || wrong "$target is named twice"
+  done
+  places+=("$place")
 done
 
 # Runs the shell script of standard input on the target's host, with the target's path and the
@@ -93,11 +101,16 @@ if [ -e "$1" ]; then echo present; fi
 try_step='
 set -eu
 cd "$1.versions/.incoming-$2"
-# The search tries to log this request, which must not touch the log of the visitors.
-mkdir logs
+# Without the log, which may lie anywhere and is there for the searches of visitors.
+mkdir trial
+cd trial
+ln -s ../* .
+rm trial settings.vdat
+sed "s/^Logging *=.*/Logging = 0/" ../settings.vdat >settings.vdat
 answer=$(REQUEST_METHOD=GET QUERY_STRING="vela_query=search&vela_xml=1" SCRIPT_NAME=/search.cgi \
   REMOTE_ADDR=127.0.0.1 ./search.cgi </dev/null)
-rm -rf logs
+cd ..
+rm -rf trial
 good=
 case $answer in
   *"<vela:error>"*) ;;
@@ -110,16 +123,23 @@ if [ -z "$good" ]; then
 fi
 if [ -d ../logs ]; then ln -s ../logs logs; fi
 cd ..
-mv ".incoming-$2" "$2"
+mv -T ".incoming-$2" "$2"
 '
 # "mv -T" replaces the link in one step.
 switch_step='
 set -eu
 versions=$(basename "$1").versions
+before=
+if [ -L "$1" ]; then before=$(basename "$(readlink "$1")"); fi
 ln -s "$versions/$2" "$1.next-$2"
 mv -T "$1.next-$2" "$1"
 cd "$1.versions"
 present=$(basename "$(readlink "$1")")
+# What lies between the two was taken back with --rollback, which must not lead to it again.
+ls -1 | grep "^[0-9]*T[0-9.]*Z$" | sed -n "/^$before\$/,/^$present\$/p" |
+  grep -vx -e "$before" -e "$present" | while IFS= read -r old; do
+  rm -rf "./$old" || echo "$1.versions/$old stays" >&2
+done
 ls -1r | grep "^[0-9]*T[0-9.]*Z$" | tail -n "+$(($3 + 1))" | while IFS= read -r old; do
   if [ "$old" != "$present" ]; then rm -rf "./$old" || echo "$1.versions/$old stays" >&2; fi
 done

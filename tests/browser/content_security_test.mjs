@@ -10,15 +10,20 @@ import { project } from './support/environment.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { serve } from './support/server.mjs';
 
-let browser, server, page, policy;
-before(async () => {
-  const index = makeGarden('content_security');
+async function makePolicy(index, query) {
   const text = readFileSync(path.join(project, 'docs/content_security.md'), 'utf8');
   const program = /```python\n([^]*?)```/.exec(text)[1];
   const open = await serve(index);
-  const addresses = [`${open.search}?vela_query=a`, `${open.origin}/search/vela_results.xsl`];
-  policy = execFileSync('python3', ['-c', program, ...addresses], { encoding: 'utf8' }).trim();
+  const addresses = [`${open.search}?vela_query=${query}`, `${open.origin}/search/vela_results.xsl`];
+  const made = execFileSync('python3', ['-c', program, ...addresses], { encoding: 'utf8' }).trim();
   await open.stop();
+  return made;
+}
+
+let browser, server, page, policy;
+before(async () => {
+  const index = makeGarden('content_security');
+  policy = await makePolicy(index, 'a');
   server = await serve(index, { headers: { 'Content-Security-Policy': policy } });
   browser = await launch();
 });
@@ -38,6 +43,11 @@ test('the policy allows nothing at large', () => {
   // Two scripts of the program, one of the template, one of the XML view, two buttons.
   assert.equal(policy.match(/script-src ([^;]*)/)[1].match(/'sha256-/g).length, 6);
   assert.equal(policy.match(/style-src ([^;]*)/)[1].match(/'sha256-/g).length, 2);
+});
+
+test('it is the same for an index in a single-byte character set', async () => {
+  const settings = { Charset: '"iso-8859-1"', UseUTF8: 0 };
+  assert.equal(await makePolicy(makeGarden('content_security_latin1', { settings }), 'caf%E9'), policy);
 });
 
 test('under it the page has its style, suggestions, calendar and category boxes', async () => {

@@ -134,6 +134,18 @@ test('with the mouse: months, years, today', async () => {
   await closePage(page);
 });
 
+test('an end long ago is no earlier than the beginning filled in for it', async () => {
+  await visit();
+  await page.locator('#vela_dateto').fill('05/03/1969');
+  await open('vela_dateto');
+  assert.equal(await focused(), 'Wednesday, March 5, 1969');
+  await page.keyboard.press('Enter');
+  await closed();
+  assert.equal(await value('vela_dateto'), '05/03/1969');
+  assert.equal(await value('vela_datefrom'), '05/03/1969');
+  await closePage(page);
+});
+
 test('the chosen range filters', async () => {
   await visit();
   await open('vela_dateto');

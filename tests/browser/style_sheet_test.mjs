@@ -70,6 +70,12 @@ test('what goes into every page stays small and cannot end its element', () => {
   assert.ok(Buffer.byteLength(asset('vela_datepicker.js')) < 11000);
 });
 
+test('what goes into every page is read alike in any character set', () => {
+  const files = readdirSync(assets).filter((name) => /^vela_.*\.js$|^vela_(autocomplete|datepicker)\.css$/.test(name));
+  assert.ok(files.length >= 4, files.join());
+  for (const name of files) assert.deepEqual(asset(name).match(/[^\n\x20-\x7e]/g), null, name);
+});
+
 test('the program can read the files in lines', () => {
   for (const name of readdirSync(assets).filter((file) => /\.(css|js|html)$/.test(file))) {
     for (const line of asset(name).split('\n')) assert.ok(Buffer.byteLength(line) < 1023, name);

@@ -29,6 +29,18 @@ async function visit(options) {
   await page.goto(server.search);
   box = page.locator('#vela_searchbox');
 }
+// A page of the site around that form, whose box has the id "own".
+async function visitForm(form, { charset = 'utf-8', lang = 'en' } = {}) {
+  page = await openPage(browser);
+  await page.route(/own\.html/, (route) => route.fulfill({
+    contentType: `text/html; charset=${charset}`,
+    body: `<!DOCTYPE html><html lang="${lang}"><title>Own</title>` +
+      '<link rel="stylesheet" href="/search/vela_autocomplete.css">' +
+      `${form}<script src="/search/vela_autocomplete.js" data-box="own"></script>`,
+  }));
+  await page.goto(`${server.origin}/own.html`);
+  box = page.locator('#own');
+}
 async function type(text) {
   await box.pressSequentially(text);
   await open();
@@ -94,6 +106,19 @@ test('Enter without a marked suggestion searches for what was typed', async () =
   await type('glas');
   await page.keyboard.press('Enter');
   await page.waitForURL(/vela_query=glas&/);
+  await closePage(page);
+});
+
+test('typing on after a suggestion was marked searches for what was typed', async () => {
+  await visit();
+  await type('glas');
+  await page.keyboard.press('ArrowDown');
+  assert.equal(await active(), 'glasshouse');
+  await page.keyboard.press('x');
+  assert.equal(await active(), '');
+  assert.equal(await page.locator('[aria-selected=true]').count(), 0);
+  await page.keyboard.press('Enter');
+  await page.waitForURL(/vela_query=glasx&/);
   await closePage(page);
 });
 
@@ -184,6 +209,38 @@ test('an overtaken request is given up', async () => {
   await closePage(page);
 });
 
+test('a late answer does not take away the mark', async () => {
+  await visit();
+  await type('gl');
+  let release;
+  const held = new Promise((resolve) => { release = resolve; });
+  await page.route(/vela_query=gla$/, async (route) => { await held; await route.continue().catch(() => {}); });
+  const given = page.waitForEvent('requestfailed', isAsking);
+  const asked = page.waitForRequest(/vela_query=gla$/);
+  await page.keyboard.press('a');
+  await asked;
+  await page.keyboard.press('ArrowDown');
+  await given;  // nobody waits for it any longer
+  release();
+  assert.equal(await active(), 'glasshouse');
+  await page.keyboard.press('Enter');
+  await page.waitForURL(/vela_query=glasshouse&/);
+  await closePage(page);
+});
+
+test('a page that is no answer, such as one to log in, gives no list', async () => {
+  await visit();
+  await type('gl');
+  await page.route(/vela_query=gla$/, (route) => route.fulfill({
+    contentType: 'text/html',
+    body: '<!DOCTYPE html><title>Log in</title><a href="/glance">Glance</a> <a class="button" href="/gladly">Gladly</a>',
+  }));
+  await page.keyboard.press('a');
+  await closed();
+  assert.equal(await page.locator('[role=status]').innerText(), '');
+  await closePage(page);
+});
+
 test('errors are silent, and the next question is asked again', async () => {
   await visit();
   let answer = { status: 500, body: '<a class="vela_ac_item">no</a>' };
@@ -236,17 +293,50 @@ test('any page of the site can have them', async () => {
 });
 
 test('text is sent in the character set of the page', async () => {
-  page = await openPage(browser);
-  await page.goto(server.origin);
   // A page in a single-byte encoding: "é" is one byte there.
-  await page.route(/old\.html/, (route) => route.fulfill({
-    contentType: 'text/html; charset=iso-8859-1',
-    body: '<!DOCTYPE html><html lang="fr"><title>Old</title><form action="/search/search.cgi"><label>Mot ' +
-      '<input id="old" name="vela_query"></label></form><script src="/search/vela_autocomplete.js" data-box="old"></script>',
-  }));
-  await page.goto(`${server.origin}/old.html`);
+  await visitForm('<form action="/search/search.cgi"><label>Mot <input id="own" name="vela_query"></label></form>',
+    { charset: 'iso-8859-1', lang: 'fr' });
   const asked = page.waitForRequest(isAsking);
-  await page.locator('#old').pressSequentially('ét&a+');
+  await box.pressSequentially('ét&a+');
   assert.match((await asked).url(), /vela_query=%E9t%26a%2B$/);
+  await closePage(page);
+});
+
+test('the list is under its box in a table, and in what is moved or scrolled', async () => {
+  const input = '<input id="own" name="vela_query" aria-label="Word">';
+  for (const [around, behind] of [
+    ['<table style="margin: 90px"><tr><td>Word<td style="padding: 20px">', '</table>'],
+    ['<div style="position: relative; margin: 70px; border: 9px solid">', '</div>'],
+    ['<div style="transform: translate(60px, 50px)"><table><tr><td>', '</table></div>'],
+    ['<div style="position: relative; height: 300px; overflow: auto"><p style="height: 400px"></p>',
+      '<p style="height: 400px"></p></div>'],
+  ]) {
+    await visitForm(`<form action="/search/search.cgi">${around}${input}${behind}</form>`);
+    await type('glas');
+    const [field, list] = [await box.boundingBox(), await page.locator('.vela_ac_list').boundingBox()];
+    const gap = list.y - field.y - field.height;
+    assert.ok(Math.abs(list.x - field.x) < 1 && Math.abs(list.width - field.width) < 1 && gap >= 0 && gap < 8,
+      `${around}: ${JSON.stringify([field, list])}`);
+    await closePage(page);
+  }
+});
+
+test('a box inside its label keeps its name', async () => {
+  await visitForm('<form action="/search/search.cgi"><label>Word <input id="own" name="vela_query"></label></form>');
+  await type('glas');
+  assert.equal(await page.getByRole('combobox', { name: 'Word', exact: true }).count(), 1);
+  assert.equal(await page.locator('label *').count(), 1);
+  await page.locator('[role=option]').click();
+  await page.waitForURL(/vela_query=glasshouse/);
+  await closePage(page);
+});
+
+test('a form may have a field named "action"', async () => {
+  await visitForm('<form action="/search/search.cgi?x=1"><input type="hidden" name="action" value="find">' +
+    '<input id="own" name="vela_query" aria-label="Word"></form>');
+  const asked = page.waitForRequest(isAsking);
+  await type('glas');
+  assert.equal((await asked).url(), `${server.search}?vela_ac=1&vela_query=glas`);
+  assert.deepEqual(await shown(), ['glasshouse']);
   await closePage(page);
 });

@@ -69,6 +69,31 @@ test('pages follow one another, whatever else was asked', async () => {
   await closePage(page);
 });
 
+test('pages follow the answer to a form sent with POST', async () => {
+  page = await openPage(browser);
+  await page.goto(server.origin);
+  await page.evaluate((action) => {
+    const form = document.createElement('form');
+    Object.assign(form, { action, method: 'post' });
+    for (const [name, value] of [['vela_xml', 1], ['vela_query', 'garden sun'], ['vela_page', 2]]) {
+      form.append(Object.assign(document.createElement('input'), { type: 'hidden', name, value }));
+    }
+    document.body.append(form);
+    form.submit();
+  }, server.search);
+  await page.waitForSelector('.result_pages a');
+  const range = /^11–20 of \d+ results$/;
+  assert.match((await text('.summary')).trim(), range);
+  assert.match(await page.locator('.result_pages').innerText(), /Page 2/);
+  const second = await titles();
+  await page.locator('.result_pages a', { hasText: 'Next' }).click();
+  await page.waitForURL(/\?vela_xml=1&vela_query=garden%20sun&vela_page=3$/);
+  await page.locator('.result_pages a', { hasText: 'Previous' }).click();
+  await page.waitForURL(/&vela_page=2$/);
+  assert.deepEqual(await titles(), second);
+  await closePage(page);
+});
+
 test('another question can be asked', async () => {
   await visit('vela_query=apple');
   await page.locator('#vela_searchbox').fill('rose & red');

@@ -91,6 +91,9 @@ class DistributeTest(unittest.TestCase):
             ([self.index, "web1:relative"], "web1:relative is no target"),
             ([self.index, "/x/"], "/x/ is no target"),
             ([self.index, ":/x"], ":/x is no target"),
+            ([self.index, "/x", "/y", "/x"], "/x is named twice"),
+            ([self.index, "web1:/x", "me@web1:/x"], "me@web1:/x is named twice"),
+            (["--rollback", "/x@y", "/x@y"], "/x@y is named twice"),
         ]:
             with self.subTest(arguments):
                 done = self.run_script(*arguments)
@@ -140,9 +143,37 @@ class DistributeTest(unittest.TestCase):
         self.assertIn("there is no index before", done.stderr)
         for link in self.links:
             self.assertEqual(self.pages_found(link), 3)
-        self.distribute("--keep", "3")
+        for _ in range(2):
+            self.distribute("--keep", "3")
         for link in self.links:
             self.assertEqual(len(self.versions(link)), 3)
+
+    def test_an_index_that_was_taken_back_does_not_return(self):
+        self.distribute()
+        good = [link.readlink() for link in self.links]
+        self.add_page("a bad lighthouse")
+        self.distribute()
+        self.distribute("--rollback")
+        self.assertEqual([link.readlink() for link in self.links], good)
+        self.add_page("nothing")
+        self.distribute()
+        for link, first in zip(self.links, good):
+            self.assertEqual(self.versions(link),
+                             [first.name, link.readlink().name])
+            self.assertEqual(self.pages_found(link), 2)
+        self.distribute("--rollback")
+        self.assertEqual([link.readlink() for link in self.links], good)
+
+    def test_a_log_outside_is_left_to_the_visitors(self):
+        outside = self.place.root / "searches.log"
+        for file in (outside, "../searches.log"):
+            change_settings(self.index, Logging=1, LogFileName=f'"{file}"')
+            self.distribute()
+        self.assertEqual(list(self.place.root.rglob("searches.log")), [])
+        self.assertFalse(list(self.place.root.rglob("trial")))
+        self.pages_found(self.first)
+        self.assertEqual([path.name for path in self.place.root.rglob("searches.log")],
+                         ["searches.log"])
 
     def test_what_is_the_same_takes_no_space(self):
         self.distribute()

@@ -26,7 +26,6 @@ REFUSES_LONG_ADDRESS = {"apache": 414, "nginx": 414, "lighttpd": 431, "caddy": N
 REFUSES_LARGE_BODY = {"apache": 413, "nginx": 413, "lighttpd": 413, "caddy": 413, "demo": None}
 REFUSES_UNKNOWN_LENGTH = {"apache": 411, "nginx": None, "lighttpd": None, "caddy": 411,
                           "demo": None}
-REFUSES_NO_FORM = {"apache": 415, "nginx": 415, "lighttpd": None, "caddy": 415, "demo": None}
 
 HEADERS = {
     "Content-Security-Policy":
@@ -139,9 +138,6 @@ class ServerTest(unittest.TestCase):
         for what, method, query, content_type, body in BAD_REQUESTS:
             with self.subTest(what):
                 answer, page = self.search(method, query, content_type, body)
-                if REFUSES_NO_FORM[SERVER]:
-                    self.assertEqual(answer.status, REFUSES_NO_FORM[SERVER])
-                    continue
                 by_hand = run_by_hand(self.by_hand, method, query, content_type, body)
                 self.assertEqual(by_hand[0], 1)
                 self.assertEqual(by_hand[2], b"<H3>MIME content type error</H3>\n")
@@ -228,6 +224,15 @@ class ServerTest(unittest.TestCase):
             answer, _ = self.ask("GET", address)
             self.assertIn(answer.status, (403, 404), address)
 
+    def test_other_spellings_lead_nowhere(self):
+        for address in ("/search/SEARCH.CGI", "/search/Search.cgi", "/search/search.cgi.",
+                        "/search/search.cgi%20", "/search/search.cgi%0a", "/search/harbour.css%0a",
+                        "/search/vela_opensearch.xml%0a", "/search/harbour.css%20"):
+            with self.subTest(address):
+                answer, body = self.ask("GET", address + "?vela_query=harbour")
+                self.assertIn(answer.status, (400, 403, 404))
+                self.assertNotIn(b"vela_searchform", body)
+
     def test_the_site_is_served(self):
         answer, body = self.ask("GET", "/walks/cliffs.html")
         self.assertEqual(answer.status, 200)
@@ -235,7 +240,8 @@ class ServerTest(unittest.TestCase):
         if SERVER != "demo":
             answer, _ = self.ask("GET", "/search")
             self.assertEqual(answer.status, 301)
-            self.assertTrue(answer.headers["Location"].endswith(SEARCH))
+            # Without "http://": the visitor may have come to a balancer by https.
+            self.assertEqual(answer.headers["Location"], SEARCH)
 
     def test_searches_at_one_time_get_their_own_answers(self):
         queries = ["lighthouse", "harbour", "seals", "dogs", "crème", "steep", "spring", "maps"] * 5
