@@ -5,16 +5,17 @@
 
 #include "indexer/charset.h"
 #include "indexer/index_error.h"
+#include "text/ascii.h"
 
 namespace vela::indexer {
 
 namespace {
 
-bool IsAlnum(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+// What stands in an address as it is.
+bool IsPlain(char c) {
+  constexpr std::string_view kPlain = "-._~/@:,;=+$!*()";
+  return IsAlphaNumeric(c) || kPlain.find(c) != kPlain.npos;
 }
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; }
 
 void AppendEncoded(std::string& out, char c) {
   constexpr char kHex[] = "0123456789ABCDEF";
@@ -25,7 +26,7 @@ void AppendEncoded(std::string& out, char c) {
 }
 
 int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
+  if (IsDigit(c)) return c - '0';
   if (c >= 'a' && c <= 'f') return c - 'a' + 10;
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;
@@ -82,14 +83,14 @@ std::string RemoveDotSegments(std::string_view path) {
 bool StartsWithNoCase(std::string_view text, std::string_view start) {
   return text.size() >= start.size() &&
          std::equal(start.begin(), start.end(), text.begin(),
-                    [](char a, char b) { return LowerAscii(a) == LowerAscii(b); });
+                    [](char a, char b) { return ToLowerAscii(a) == ToLowerAscii(b); });
 }
 
 // Behind the scheme, in lower case up to the path: what two spellings of one address share.
 std::string Comparable(std::string_view address) {
   const AddressParts parts = SplitAddress(address);
   std::string out(parts.root.substr(std::min(parts.root.find("://"), parts.root.size())));
-  std::ranges::transform(out, out.begin(), LowerAscii);
+  std::ranges::transform(out, out.begin(), ToLowerAscii);
   return out.append(parts.path).append(parts.rest);
 }
 
@@ -98,36 +99,65 @@ std::string Comparable(std::string_view address) {
 std::string CheckedBaseUrl(const std::string& base) {
   const bool http = StartsWithNoCase(base, "http://") || StartsWithNoCase(base, "https://");
   const size_t host = base.find("//") + 2;
-  if (!(http && base.size() > host && base[host] != '/') && !base.starts_with('/')) {
-    throw IndexError(ExitStatus::kUsage,
-                     "--base-url must begin with http:// or https:// and a host, or with \"/\" for "
-                     "addresses on the server that runs the search: \"" +
-                         base + "\" does not.");
+  const bool rooted = base.starts_with('/') && !base.starts_with("//");
+  if (!(http && base.size() > host && base[host] != '/') && !rooted) {
+    throw IndexError(
+        ExitStatus::kUsage,
+        "base_url (--base-url) must begin with http:// or https:// and a host, or with \"/\" for "
+        "addresses on the server that runs the search: \"" +
+            base + "\" does not.");
   }
   std::string checked = base;
   for (const char c : base) {
     if (c == '?' || c == '#' || static_cast<unsigned char>(c) <= 0x20 || c == '"' || c == '<' ||
         c == '>' || c == '|') {
       throw IndexError(ExitStatus::kUsage,
-                       "--base-url may not hold blanks, quotes or any of ? # < > |: \"" + base +
-                           "\". Give the address of the site's top folder.");
+                       "base_url (--base-url) may not hold blanks, quotes or any of ? # < > |: \"" +
+                           base + "\". Give the address of the site's top folder.");
     }
   }
   if (!checked.ends_with('/')) checked += '/';
-  return checked;
+  return AsEncoded(checked);
 }
 
 std::string PageAddress(std::string_view base, std::string_view path) {
-  constexpr std::string_view kPlain = "-._~/@:,;=+$!*()";
   std::string address(base);
   for (const char c : path) {
-    if (IsAlnum(c) || kPlain.find(c) != kPlain.npos) {
+    if (IsPlain(c)) {
       address += c;
     } else {
       AppendEncoded(address, c);
     }
   }
   return address;
+}
+
+std::string AsEncoded(std::string_view address) {
+  const size_t scheme = address.find("://");
+  const bool hasHost = scheme != address.npos && address.find_first_of("/?#") == scheme + 1;
+  std::string out(address.substr(0, hasHost ? address.find_first_of("/?#", scheme + 3) : 0));
+  bool inPath = true;
+  for (size_t i = out.size(); i < address.size(); ++i) {
+    const char c = address[i];
+    if (c == '?') inPath = false;
+    const int high = c == '%' && i + 2 < address.size() ? HexValue(address[i + 1]) : -1;
+    const int low = high >= 0 ? HexValue(address[i + 2]) : -1;
+    if (low >= 0) {
+      const char decoded = static_cast<char>(high * 16 + low);
+      i += 2;
+      // An escaped "/" or "*" divides and matches nothing; a query keeps its escapes.
+      if (inPath && IsPlain(decoded) && decoded != '/' && decoded != '*') {
+        out += decoded;
+      } else {
+        AppendEncoded(out, decoded);
+      }
+    } else if (IsPlain(c) || c == '?' || c == '#' || (!inPath && c == '&')) {
+      out += c;
+    } else {
+      AppendEncoded(out, c);
+    }
+  }
+  return out;
 }
 
 std::string ResolveAddress(std::string_view page, std::string_view reference) {
@@ -161,11 +191,18 @@ std::string ResolveAddress(std::string_view page, std::string_view reference) {
   } else if (rest.empty()) {
     rest = from.rest;
   }
-  return std::string(from.root) + RemoveDotSegments(path) + rest;
+  path = RemoveDotSegments(path);
+  if (from.root.empty() && path.starts_with("//")) return {};  // would name another host
+  return std::string(from.root) + path + rest;
 }
 
 bool IsBelow(std::string_view address, std::string_view base) {
   return Comparable(address).starts_with(Comparable(base));
+}
+
+std::string InSpellingOf(std::string_view base, std::string_view address) {
+  std::string out(SplitAddress(base).root);
+  return out.append(address.substr(SplitAddress(address).root.size()));
 }
 
 std::string StoredAddress(std::string_view address) {

@@ -9,13 +9,17 @@ namespace vela::indexer {
 // The longest address that a result can carry, in bytes.
 constexpr size_t kMaxAddressBytes = 2083;
 
-// Makes `base` end in "/". It must be "http://host...", "https://host..." or begin with "/", and
-// hold neither "?" nor "#"; otherwise IndexError (usage).
+// Makes `base` end in "/". It must be "http://host...", "https://host..." or begin with one "/",
+// and hold neither "?" nor "#"; otherwise IndexError (usage).
 std::string CheckedBaseUrl(const std::string& base);
 
 // The address of the file `path` (relative, "/" between names) below `base`: every byte that is
 // not plain in an address is percent-encoded.
 std::string PageAddress(std::string_view base, std::string_view path);
+
+// An address that a person wrote, whole or from somewhere on ("Über uns.html", "%c3%9cber..."), in
+// the one form that PageAddress gives. "?" begins a query, whose escapes stay; "#" stays too.
+std::string AsEncoded(std::string_view address);
 
 // Resolves `reference` as a link on the page `page` would be; a fragment is dropped. `page` is an
 // address made by PageAddress. Empty when the result is neither http nor https (nor rooted, when
@@ -24,6 +28,9 @@ std::string ResolveAddress(std::string_view page, std::string_view reference);
 
 // True when `address` lies below `base`; http and https count as the same, the host's letters too.
 bool IsBelow(std::string_view address, std::string_view base);
+
+// `address`, which lies below `base`, with the scheme and host as `base` spells them.
+std::string InSpellingOf(std::string_view base, std::string_view address);
 
 // `address` ready for the page data: "&" as "&amp;", and no byte that would end a field, an
 // attribute or a line.

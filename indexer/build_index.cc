@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 #include "indexer/address.h"
 #include "indexer/autocomplete_writer.h"
@@ -124,6 +125,7 @@ uint64_t WriteHelp(Run& run, PageCollection& collection, IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
   const SiteConfig& config = run.options.config;
   const IndexCharset& charset = collection.input.charset;
+  std::ranges::move(UnusedRules(collection), std::back_inserter(run.summary.warnings));
   uint64_t bytes = 0;
   size_t longest = 0;
   if (!config.recommended.empty()) {
@@ -133,7 +135,7 @@ uint64_t WriteHelp(Run& run, PageCollection& collection, IndexFacts& facts) {
     facts.recommended = sizes.entries;
     longest = sizes.longestLine;
     bytes += sizes.fileBytes;
-    run.summary.warnings = std::move(sizes.unknown);
+    std::ranges::move(sizes.unknown, std::back_inserter(run.summary.warnings));
   }
   facts.lineLength = KeyWordLineLength(config, longest);
   if (config.suggestions) {
@@ -162,9 +164,10 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                      "--out is replaced as a whole and must not hold the site "
                      "itself. Give a folder of its own for the index.");
   }
-  WriteTemplate(options.templateName, options.language, charset, folder);
 
   Run run = {options, progress, stop, folder, {}};
+  const std::string templateWarning = WriteTemplate(options, charset, folder);
+  if (!templateWarning.empty()) run.summary.warnings.push_back(templateWarning);
   PageCollection collection({site, base, options, charset}, folder.fresh());
   ReadPages(run, collection);
   collection.words = {};

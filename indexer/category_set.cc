@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "indexer/address.h"
 #include "text/wildcard.h"
 
 namespace vela::indexer {
@@ -17,6 +18,18 @@ std::string_view PathOf(std::string_view address) {
 }
 
 }  // namespace
+
+std::string AddressPattern(std::string_view written) {
+  std::string pattern;
+  for (const char c : AsEncoded(written)) {
+    if (c == '#') {
+      pattern += "%23";
+    } else {
+      pattern += c;
+    }
+  }
+  return pattern;
+}
 
 bool FitsAddressPattern(std::string_view address, std::string_view base, std::string_view pattern) {
   if (pattern.find("://") != pattern.npos) return MatchesWildcard(address, pattern, true);
@@ -41,6 +54,11 @@ std::string CategorySet(const std::vector<CategoryRule>& categories, const PageA
     set[c / 8] = static_cast<char>(static_cast<unsigned char>(set[c / 8]) | 1U << (c % 8));
   }
   return set;
+}
+
+bool HasCategory(std::string_view set, size_t category) {
+  const unsigned bits = static_cast<unsigned char>(set[category / 8]);
+  return (bits >> (category % 8) & 1U) != 0;
 }
 
 }  // namespace vela::indexer

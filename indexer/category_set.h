@@ -26,6 +26,11 @@ struct PageAddresses {
   std::span<const std::string> all;
 };
 
+// A pattern as the owner wrote it, in the form in which FitsAddressPattern takes it: characters
+// that are not plain in an address are percent-encoded. No page's address holds a "#", so that it
+// means the character in a name.
+std::string AddressPattern(std::string_view written);
+
 // Whether the address fits the pattern, in which "*" stands for any run of characters and "?" for
 // one. A pattern with "://" is compared with the whole address, one that begins with "/" with its
 // path, any other with what stands behind `base`. The case of ASCII letters does not count.
@@ -36,5 +41,7 @@ bool FitsAnyPattern(const PageAddresses& page, const std::vector<std::string>& p
 
 // The page's set of CategoryBytes bytes; empty without categories.
 std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page);
+
+bool HasCategory(std::string_view set, size_t category);
 
 }  // namespace vela::indexer

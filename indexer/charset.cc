@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "indexer/lower_ascii.h"
+
 namespace vela::indexer {
 
 namespace {
@@ -19,14 +21,6 @@ namespace {
 constexpr size_t kDeclarationBytes = 4096;
 // More than this is never needed to recognise a character set.
 constexpr size_t kDetectionBytes = 256 * 1024;
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c; }
-
-std::string LowerAsciiCopy(std::string_view text) {
-  std::string lower(text);
-  std::ranges::transform(lower, lower.begin(), LowerAscii);
-  return lower;
-}
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 
@@ -121,6 +115,13 @@ bool Convert(std::string_view bytes, const std::string& charset, std::string& ut
   return true;
 }
 
+// False when there is no such converter, or one that a declaration in ASCII cannot be true of.
+bool ReadsAscii(const std::string& charset) {
+  constexpr std::string_view kSample = "<meta charset=";
+  std::string utf8;
+  return Convert(kSample, charset, utf8) && utf8 == kSample;
+}
+
 void RepairUtf8(std::string_view bytes, std::string& utf8) {
   const icu::UnicodeString text = icu::UnicodeString::fromUTF8(
       icu::StringPiece(bytes.data(), static_cast<int32_t>(bytes.size())));
@@ -184,7 +185,8 @@ std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8
     }
   } else {
     if (LooksBinary(bytes)) return "binary file";
-    const std::string declared = isHtml ? ConverterName(DeclaredCharset(bytes)) : std::string();
+    std::string declared = isHtml ? ConverterName(DeclaredCharset(bytes)) : std::string();
+    if (!declared.empty() && !ReadsAscii(declared)) declared.clear();
     const bool valid = IsValidUtf8(bytes);
     if (valid && (declared.empty() || declared == "utf-8")) {
       utf8.assign(bytes);
@@ -236,6 +238,8 @@ void CleanText(std::string& text) {
     UChar32 c = 0;
     U8_NEXT(bytes, i, length, c);
     switch (c) {
+      case 0xFFFE:  // no characters, and not allowed in XML
+      case 0xFFFF:
       case 0x00AD:  // soft hyphen
       case 0x200B:  // zero-width space: a place where a long word may break
       case 0x200E:  // marks of the writing direction

@@ -9,7 +9,9 @@
 #include <cstring>
 #include <filesystem>
 
+#include "indexer/address.h"
 #include "indexer/category_set.h"
+#include "indexer/charset.h"
 #include "indexer/config_table.h"
 #include "indexer/embedded_files.h"
 #include "indexer/index_error.h"
@@ -17,6 +19,10 @@
 #include "indexer/owner_files.h"
 #include "indexer/recommended_writer.h"
 #include "indexer/setting_keys.h"
+#include "indexer/stored_text.h"
+#include "indexer/word_forms.h"
+#include "settings/settings.h"
+#include "text/ascii.h"
 #include "text/stemmer.h"
 
 namespace vela::indexer {
@@ -41,13 +47,26 @@ struct ConfigSource {
   std::string Path(const std::string& path) const { return (folder / path).string(); }
 };
 
+// Runs a check whose message names no place: `key`, which the table has, is where the fault is.
+template <typename Check>
+void CheckAt(const ConfigTable& table, std::string_view key, Check check) {
+  try {
+    check();
+  } catch (const IndexError& error) {
+    // Files that cannot be read are no faults of the configuration.
+    if (error.status == ExitStatus::kUsage) table.Refuse(key, error.what());
+  }
+}
+
 void SetNumber(std::string_view key, int64_t value, SiteConfig& config) {
   config.settings[std::string(key)] = {false, static_cast<int32_t>(value), {}};
 }
 
 void ReadSite(ConfigTable table, const ConfigSource& source, Options& options) {
   if (table.Text("folder", kMostPathBytes, options.site)) options.site = source.Path(options.site);
-  table.Text("base_url", kMostAddressBytes, options.baseUrl);
+  if (table.Text("base_url", kMostAddressBytes, options.baseUrl)) {
+    CheckAt(table, "base_url", [&] { CheckedBaseUrl(options.baseUrl); });
+  }
   if (table.Text("out", kMostPathBytes, options.out)) options.out = source.Path(options.out);
   table.Texts("exclude", kMostPathBytes, options.exclude);
   SiteConfig& config = options.config;
@@ -56,7 +75,7 @@ void ReadSite(ConfigTable table, const ConfigSource& source, Options& options) {
     if (!table.Texts(key, kMostNameBytes, *endings)) continue;
     for (std::string& ending : *endings) {
       if (ending.starts_with('.')) ending.erase(0, 1);
-      const auto isPlain = [](char c) { return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'); };
+      const auto isPlain = [](char c) { return IsLower(c) || IsDigit(c); };
       if (ending.empty() || !std::ranges::all_of(ending, isPlain)) {
         table.Refuse(key, "\"" + ending +
                               "\" is no ending of file names. Give small letters and digits, as "
@@ -69,9 +88,11 @@ void ReadSite(ConfigTable table, const ConfigSource& source, Options& options) {
     name = source.Path(name);
   }
   std::string& language = options.language;
-  if (table.Text("language", kMostPathBytes, language) &&
-      (language.ends_with(".vlang") || language.find('/') != language.npos)) {
-    language = source.Path(language);
+  if (table.Text("language", kMostPathBytes, language)) {
+    if (language.ends_with(".vlang") || language.find('/') != language.npos) {
+      language = source.Path(language);
+    }
+    CheckAt(table, "language", [&] { LoadLanguage(language); });
   }
   table.Finish();
 }
@@ -80,7 +101,12 @@ void ReadStemming(ConfigTable& table, SiteConfig& config) {
   std::vector<std::string_view> names = {"off"};
   for (int32_t i = 0; i < kStemmingAlgorithmCount; ++i) names.push_back(StemmingAlgorithmName(i));
   size_t place = 0;
-  if (table.Choice("stemming", names, place)) config.stemming = static_cast<int32_t>(place) - 1;
+  if (!table.Choice("stemming", names, place)) return;
+  config.stemming = static_cast<int32_t>(place) - 1;
+  CheckAt(table, "stemming", [&] {
+    const IndexCharset charset(config.charset);
+    const WordForms forms(charset, config.stemming);
+  });
 }
 
 void ReadIndex(ConfigTable table, Options& options) {
@@ -93,11 +119,7 @@ void ReadIndex(ConfigTable table, Options& options) {
     options.maxFileMegabytes = static_cast<uint64_t>(number);
   }
   if (table.Text("charset", kMostNameBytes, config.charset)) {
-    try {
-      const IndexCharset charset(config.charset);
-    } catch (const IndexError& error) {
-      table.Refuse("charset", error.what());
-    }
+    CheckAt(table, "charset", [&] { const IndexCharset charset(config.charset); });
   }
   ReadStemming(table, config);
   std::vector<std::string> names;
@@ -166,7 +188,8 @@ void ReadRecommended(ConfigTable table, const ConfigSource& source, SiteConfig& 
     }
     // The table is sorted by its keys; the first of two that fit a query is shown first.
     std::ranges::sort(config.recommended, {}, [&](const RecommendedRule& rule) {
-      return pages->get(rule.keywords)->source().begin.line;
+      const toml::source_position at = pages->get(rule.keywords)->source().begin;
+      return std::pair(at.line, at.column);
     });
   }
   table.Finish();
@@ -189,6 +212,7 @@ void ReadPages(ConfigTable& table, const std::string& what, std::vector<std::str
   if (!table.Texts("pages", kMostPatternBytes, pages) || pages.empty()) {
     table.RefuseWhole(what + " needs pages = [\"news/*\"], the addresses of its pages.");
   }
+  for (std::string& pattern : pages) pattern = AddressPattern(pattern);
 }
 
 void ReadCategory(ConfigTable table, SiteConfig& config) {
@@ -209,6 +233,7 @@ void ReadBoost(ConfigTable table, SiteConfig& config) {
     table.RefuseWhole("A [[boost]] needs factor = 1.5, by which scores are multiplied.");
   }
   rule.tenths = static_cast<uint8_t>(std::lround(factor * 10));
+  rule.where = table.Where();
   table.Finish();
   config.boosts.push_back(std::move(rule));
 }
@@ -229,9 +254,8 @@ const FieldKind kFieldKinds[] = {
 };
 
 bool IsParameterName(const std::string& name) {
-  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-  return !name.empty() && isLetter(name[0]) && std::ranges::all_of(name, [&](char c) {
-    return isLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '-';
+  return !name.empty() && IsAlpha(name[0]) && std::ranges::all_of(name, [](char c) {
+    return IsAlphaNumeric(c) || c == '_' || c == '-';
   });
 }
 
@@ -246,7 +270,7 @@ void CheckFieldName(const ConfigTable& table, const std::string& name, const Sit
   }
 }
 
-void CheckFieldValues(ConfigTable& table, const FieldRule& rule, bool given) {
+void CheckFieldValues(ConfigTable& table, FieldRule& rule, bool given) {
   const bool list = rule.kind == kMetaDropDown || rule.kind == kMetaMultiple;
   if (given && !list) {
     table.Refuse("values", "Only fields of kind choice and choices have values.");
@@ -256,7 +280,9 @@ void CheckFieldValues(ConfigTable& table, const FieldRule& rule, bool given) {
                       "\" needs values = [\"one\", \"two\"], at most " +
                       std::to_string(kMostListValues) + ".");
   }
-  for (const std::string& value : rule.values) {
+  for (std::string& value : rule.values) {
+    CleanText(value);  // as those of the pages are
+    value = CollapseBlanks(value);
     const bool separates = rule.kind == kMetaMultiple && value.find_first_of(",;") != value.npos;
     if (value.empty() || separates) {
       table.Refuse("values",
@@ -301,6 +327,8 @@ void ReadSettingsTable(ConfigTable table, const toml::table* settings, const Con
     if (value.find('"') != value.npos) {
       table.Refuse(key.key, std::string(key.key) + " in [settings] cannot hold a double quote.");
     }
+    // What names the search in a feed is text, as in [search]; the others are pieces of a page.
+    if (key.key == "XMLTitle" || key.key == "XMLDesc") value = StoredText(value, IndexCharset());
     config.settings[std::string(key.key)] = {true, 0, value};
   }
   if (settings == nullptr) return;

@@ -28,6 +28,10 @@ const toml::node* ConfigTable::Find(std::string_view key) {
   return table_ == nullptr ? nullptr : table_->get(key);
 }
 
+std::string ConfigTable::Where() const {
+  return file_ + ", line " + std::to_string(table_->source().begin.line);
+}
+
 void ConfigTable::Refuse(std::string_view key, const std::string& text) const {
   RefuseConfig(file_, table_->get(key)->source(), text);
 }

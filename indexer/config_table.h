@@ -39,6 +39,8 @@ class ConfigTable {
   // [[key]]; empty when there are none.
   std::vector<const toml::table*> Tables(std::string_view key);
 
+  // For messages: the file and the line at which the table, which is there, begins.
+  std::string Where() const;
   // Refuses the value of `key`, which is there.
   [[noreturn]] void Refuse(std::string_view key, const std::string& text) const;
   // The table lacks something: names the line in which it begins.

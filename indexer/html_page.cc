@@ -11,14 +11,14 @@
 #include <vector>
 
 #include "indexer/charset.h"
+#include "indexer/lower_ascii.h"
+#include "indexer/markup_limits.h"
+#include "text/lower.h"
 
 namespace vela::indexer {
 
 namespace {
 
-// Elements whose end tag no page leaves out; deeper nesting than this makes the parser, which looks
-// through its open elements at every tag, slow beyond use.
-constexpr int32_t kMaxDepth = 2000;
 // Nodes of a page take ten to thirty times the markup; a page that makes the parser repeat elements
 // without end is given up here.
 constexpr size_t kMaxTreeFactor = 60;
@@ -86,48 +86,12 @@ GumboOutput* Parse(Arena& arena, std::string_view html) {
   return gumbo_parse_with_options(&options, html.data(), html.size());
 }
 
-bool IsNameByte(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-';
-}
-
-// Elements that are empty, or whose end tags pages may leave out: they nest only inside others.
-constexpr std::string_view kUncounted[] = {
-    "area",  "base",     "body",   "br",   "col",   "colgroup", "dd",    "dt",
-    "embed", "head",     "hr",     "html", "img",   "input",    "li",    "link",
-    "meta",  "optgroup", "option", "p",    "param", "rp",       "rt",    "source",
-    "tbody", "td",       "tfoot",  "th",   "thead", "tr",       "track", "wbr",
-};
-
-// An upper estimate of how deep the elements nest, from the tags alone.
-bool NestsTooDeep(std::string_view html) {
-  int32_t depth = 0;
-  for (size_t at = html.find('<'); at != html.npos; at = html.find('<', at)) {
-    const bool closes = at + 1 < html.size() && html[at + 1] == '/';
-    at += closes ? 2 : 1;
-    std::string name;
-    while (at < html.size() && IsNameByte(html[at]) && name.size() < 16) {
-      const char c = html[at++];
-      name += c >= 'A' && c <= 'Z' ? static_cast<char>(c + 0x20) : c;
-    }
-    if (name.empty() || std::ranges::binary_search(kUncounted, name)) continue;
-    depth = closes ? std::max(0, depth - 1) : depth + 1;
-    if (depth > kMaxDepth) return true;
-  }
-  return false;
-}
-
 const char* Attribute(const GumboElement& element, const char* name) {
   const GumboAttribute* attribute = gumbo_get_attribute(&element.attributes, name);
   return attribute == nullptr ? nullptr : attribute->value;
 }
 
-std::string LowerAscii(const char* text) {
-  std::string lower(text == nullptr ? "" : text);
-  for (char& c : lower) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 0x20);
-  }
-  return lower;
-}
+std::string LowerAscii(const char* text) { return LowerAsciiCopy(text == nullptr ? "" : text); }
 
 // True when the blank- or comma-separated list `text` holds `word`.
 bool HoldsWord(const std::string& text, std::string_view word) {
@@ -255,8 +219,10 @@ constexpr size_t kMaxMetaBytes = 20000;
 void ReadMeta(const GumboElement& element, PageContent& page) {
   const char* content = Attribute(element, "content");
   if (content == nullptr) return;
-  std::string name = LowerAscii(Attribute(element, "name"));
-  if (name.empty()) name = LowerAscii(Attribute(element, "property"));
+  const char* given = Attribute(element, "name");
+  if (given == nullptr || *given == '\0') given = Attribute(element, "property");
+  std::string name(given == nullptr ? "" : given);
+  LowerUtf8(name.data(), name.size());  // the owner's fields may have any name
   if (name == "robots" || name == "velabot") {
     const std::string rules = LowerAscii(content);
     if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) page.noindex = true;
@@ -380,7 +346,7 @@ void CollectText(const GumboNode* root, bool withPageFrame, PageContent& page) {
 
 std::string ParseHtmlPage(std::string_view html, PageContent& page) {
   page = PageContent();
-  if (NestsTooDeep(html)) return "markup nests too deep";
+  if (std::string reason = TooMuchMarkup(html); !reason.empty()) return reason;
   const auto arena = std::make_unique<Arena>();
   arena->limit = kMinTreeBytes + html.size() * kMaxTreeFactor;
   const GumboOutput* tree = Parse(*arena, html);

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "indexer/index_error.h"
+#include "indexer/lower_ascii.h"
 #include "indexer/symbols.h"
 #include "text/lower.h"
 
@@ -31,12 +32,6 @@ constexpr NamedSet kCodepages[] = {
     {"koi8-r", 20866},      {"koi8-u", 21866},      {"ibm866", 866},        {"windows-874", 874},
     {"iso-8859-10", 0},     {"iso-8859-14", 0},
 };
-
-std::string LowerAsciiCopy(std::string_view text) {
-  std::string lower(text);
-  LowerSingleByte(lower.data(), lower.size());
-  return lower;
-}
 
 [[noreturn]] void RefuseName(const std::string& name) {
   std::string names = "utf-8";

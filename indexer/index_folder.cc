@@ -45,10 +45,23 @@ void LinkOrCopy(const fs::path& from, const fs::path& to);
 
 void CarryFolder(const fs::path& from, const fs::path& to) {
   fs::create_directory(to);
-  TakeOwnerAndMode(from, to);
   for (const fs::directory_entry& entry : fs::directory_iterator(from)) {
     LinkOrCopy(entry.path(), to / entry.path().filename());
   }
+  TakeOwnerAndMode(from, to);  // at the end, since it may take away the right to write
+}
+
+// Carried-over folders may be read-only, and then only an owner who changes that can remove them.
+void RemoveFolder(const fs::path& folder) {
+  std::error_code ignored;
+  fs::permissions(folder, fs::perms::owner_all, fs::perm_options::add, ignored);
+  std::error_code error;
+  for (fs::recursive_directory_iterator at(folder, error), end; !error && at != end;
+       at.increment(error)) {
+    if (at->symlink_status(ignored).type() != fs::file_type::directory) continue;
+    fs::permissions(at->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+  }
+  fs::remove_all(folder, ignored);
 }
 
 void LinkOrCopy(const fs::path& from, const fs::path& to) {
@@ -88,14 +101,19 @@ IndexFolder::IndexFolder(const fs::path& target) {
   }
   std::string name = (parent / ("." + target_.filename().string() + ".new-XXXXXX")).string();
   if (mkdtemp(name.data()) == nullptr) {
-    Fail("Cannot make a folder in " + parent.string(), strerror(errno));
+    const int number = errno;
+    std::string why = strerror(number);
+    if (number == EACCES || number == EPERM || number == EROFS) {
+      why += ". The new index is made beside " + target_.string() +
+             " and then takes its place: let the user who runs vela_index write there";
+    }
+    Fail("Cannot make a folder in " + parent.string(), why);
   }
   fresh_ = name;
 }
 
 IndexFolder::~IndexFolder() {
-  std::error_code ignored;
-  if (!fresh_.empty()) fs::remove_all(fresh_, ignored);
+  if (!fresh_.empty()) RemoveFolder(fresh_);
 }
 
 bool IndexFolder::OldHas(const std::string& name) const {
@@ -124,6 +142,7 @@ void IndexFolder::Commit() {
         Fail("Cannot prepare " + fresh_.string(), strerror(errno));
       }
     }
+    for (const fs::path& folder : needed_) fs::create_directories(fresh_ / folder);
     if (!replaces) {
       fs::rename(fresh_, target_);
       fresh_.clear();

@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace vela::indexer {
 
@@ -27,6 +28,8 @@ class IndexFolder {
   const std::filesystem::path& target() const { return target_; }
   // Whether the old folder has a file of that name.
   bool OldHas(const std::string& name) const;
+  // Asks for a folder of that path in the index; what the old one has of it comes along.
+  void Need(const std::filesystem::path& folder) { needed_.push_back(folder); }
   // Puts the new folder into place and removes the old one.
   void Commit();
 
@@ -35,6 +38,7 @@ class IndexFolder {
 
   std::filesystem::path target_;
   std::filesystem::path fresh_;
+  std::vector<std::filesystem::path> needed_;
 };
 
 }  // namespace vela::indexer

@@ -5,6 +5,8 @@
 #include <limits>
 
 #include "indexer/stored_text.h"
+#include "settings/settings.h"
+#include "text/ascii.h"
 #include "text/lower.h"
 
 namespace vela::indexer {
@@ -14,11 +16,9 @@ namespace {
 constexpr int32_t kNoNumber = std::numeric_limits<int32_t>::min();
 constexpr char kNoIndex = '\xFF';
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 // "$", "EUR", the bytes of other currency signs, and blanks.
 bool IsCurrencyByte(char c) {
-  return c == '$' || c == ' ' || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+  return c == '$' || c == ' ' || IsUpper(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
 std::string Lowered(std::string text) {

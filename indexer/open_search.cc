@@ -83,8 +83,11 @@ std::string OpenSearchDocument(const SiteConfig& config, bool suggestions,
 void AddXmlSettings(const std::string& siteAddress, SiteConfig& config) {
   const std::string& address = config.searchAddress.empty() ? siteAddress : config.searchAddress;
   if (config.searchName.empty()) config.searchName = HostOf(address);
+  if (config.searchDescription.empty()) {
+    config.searchDescription = "Search";
+    if (!config.searchName.empty()) config.searchDescription += " " + config.searchName;
+  }
   if (config.searchName.empty()) config.searchName = "Search";
-  if (config.searchDescription.empty()) config.searchDescription = "Search " + config.searchName;
   constexpr size_t kMostTitle = 1000;
   constexpr size_t kMostDescription = 1900;
   const IndexCharset utf8;  // texts of settings are brought into the character set at the end

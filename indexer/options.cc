@@ -95,6 +95,16 @@ void CheckComplete(const Options& options) {
   }
 }
 
+// --init reads nothing, so that an option beside it would be lost without a word.
+void CheckInitAlone(const CLI::App& app) {
+  for (const CLI::Option* option : app.get_options()) {
+    if (option->count() == 0 || option->get_name() == "--init") continue;
+    throw IndexError(ExitStatus::kUsage, "--init writes an example and ends: it does not go with " +
+                                             option->get_name() +
+                                             ". Give --init alone, then change the file.");
+  }
+}
+
 }  // namespace
 
 ParsedOptions ParseOptions(int argc, const char* const* argv) {
@@ -102,9 +112,13 @@ ParsedOptions ParseOptions(int argc, const char* const* argv) {
   CommandLine line;
   CLI::App app("Indexes a folder of web pages for Vela Search.", "vela_index");
   AddOptions(app, line);
+  app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
+    return "vela_index: " + CLI::FailureMessage::simple(failed, error);
+  });
   try {
     app.parse(argc, argv);
     if (app.count("--init") != 0) {
+      CheckInitAlone(app);
       if (line.initFile.empty()) line.initFile = kDefaultConfigName;
       WriteExampleConfig(line.initFile);
       printf("Wrote %s. Change it, then run: vela_index --config %s\n", line.initFile.c_str(),

@@ -5,6 +5,7 @@
 #include "indexer/embedded_files.h"
 #include "indexer/file_reading.h"
 #include "indexer/index_error.h"
+#include "indexer/open_search.h"
 #include "indexer/settings_writer.h"
 #include "indexer/template_words.h"
 
@@ -31,6 +32,14 @@ const BuiltInTemplate* FindTemplate(const std::string& name) {
     if (each.name == name) return &each;
   }
   return nullptr;
+}
+
+// Takes out the line that links to the description of the search.
+void RemoveOpenSearchLink(std::string& page) {
+  const size_t at = page.find(kOpenSearchName);
+  if (at == page.npos) return;
+  const size_t begin = page.rfind('\n', at) + 1;
+  page.erase(begin, page.find('\n', at) + 1 - begin);
 }
 
 }  // namespace
@@ -68,7 +77,7 @@ std::string LoadLanguage(const std::string& language) {
   return CheckedLanguage(file->content, language);
 }
 
-std::string LoadTemplate(const std::string& name, const std::string& language,
+std::string LoadTemplate(const std::string& name, const Options& options,
                          const IndexCharset& charset) {
   const BuiltInTemplate* builtIn = FindTemplate(name);
   if (builtIn == nullptr) return ReadOwnersFile(name, "--template");
@@ -78,7 +87,8 @@ std::string LoadTemplate(const std::string& name, const std::string& language,
                                              name + "\". Give --template default or a file.");
   }
   std::string page(file->content);
-  TranslateTemplate(page, language);
+  TranslateTemplate(page, options.language);
+  if (options.config.searchAddress.empty()) RemoveOpenSearchLink(page);
   std::string content = charset.WithReferences(page);
   constexpr std::string_view kUtf8Meta = "<meta charset=\"utf-8\">";
   const size_t at = content.find(kUtf8Meta);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "indexer/index_charset.h"
+#include "indexer/options.h"
 
 namespace vela::indexer {
 
@@ -15,8 +16,9 @@ std::string ReadOwnersFile(const std::string& path, const std::string& option);
 std::string LoadLanguage(const std::string& language);
 
 // "default", "minimal" and "embed" are built in; anything else is a file. A built-in template is
-// brought into the language of the search page and the character set of the index.
-std::string LoadTemplate(const std::string& name, const std::string& language,
+// brought into the language of the search page and the character set of the index, and links to
+// vela_opensearch.xml only when that is written, for a search whose address is known.
+std::string LoadTemplate(const std::string& name, const Options& options,
                          const IndexCharset& charset);
 
 // Whether the name stands for a built-in template.

@@ -41,17 +41,31 @@ std::string LinkBase(const PageContent& content, const std::string& own) {
   return from.empty() ? own : from;
 }
 
+// Whether `from` was left out as a copy of `own`, or of a copy of it: one of them must stay.
+bool LeadsBack(const std::unordered_map<std::string, std::string>& copies, const std::string& from,
+               const std::string& own) {
+  constexpr int kMostSteps = 100;
+  auto copy = copies.find(from);
+  for (int step = 0; step < kMostSteps && copy != copies.end(); ++step) {
+    if (copy->second == own) return true;
+    copy = copies.find(copy->second);
+  }
+  return false;
+}
+
 // The address to store for the page, or an empty text and the reason to leave the page out.
 std::string ChooseAddress(const PageContent& content, const std::string& own,
                           PageCollection& collection, std::string& reason) {
   if (content.canonical.empty()) return own;
-  std::string canonical = ResolveAddress(LinkBase(content, own), content.canonical);
+  std::string canonical = AsEncoded(ResolveAddress(LinkBase(content, own), content.canonical));
   // An address elsewhere names the original of a copy: here the copy is what visitors can reach.
-  if (canonical.empty() || canonical == own || !IsBelow(canonical, collection.input.base)) {
-    return own;
-  }
-  if (collection.siteAddresses.contains(canonical) ||
-      !collection.usedAddresses.insert(canonical).second) {
+  if (canonical.empty() || !IsBelow(canonical, collection.input.base)) return own;
+  canonical = InSpellingOf(collection.input.base, canonical);
+  if (canonical == own) return own;
+  const bool isFile = collection.siteAddresses.contains(canonical);
+  if (isFile && LeadsBack(collection.copies, canonical, own)) return own;
+  if (isFile || !collection.usedAddresses.insert(canonical).second) {
+    if (isFile) collection.copies.emplace(own, canonical);
     reason = "copy of another page (canonical address)";
     return {};
   }
@@ -72,6 +86,12 @@ void Configure(const PageContent& content, const PageAddresses& addresses, const
                PageCollection& collection, PageEntry& entry) {
   const SiteConfig& config = collection.input.options.config;
   entry.categories = CategorySet(config.categories, addresses);
+  collection.usedCategories.resize(entry.categories.size());
+  std::ranges::transform(
+      entry.categories, collection.usedCategories, collection.usedCategories.begin(),
+      [](char one, char all) {
+        return static_cast<char>(static_cast<unsigned>(one) | static_cast<unsigned>(all));
+      });
   std::vector<MetaRemark> remarks;
   entry.metaValues =
       EncodeMetaValues(config.fields, collection.input.charset, content.metas, remarks);
@@ -81,10 +101,15 @@ void Configure(const PageContent& content, const PageAddresses& addresses, const
     example.append(" (\"").append(isLong ? "..." : remark.value).append("\")");
     AddSkipped(collection.remarks, remark.reason, example);
   }
-  for (const BoostRule& boost : config.boosts) {
+  bool boosted = false;
+  for (size_t i = 0; i < config.boosts.size(); ++i) {
+    const BoostRule& boost = config.boosts[i];
+    // Behind the first that fits, a look only for whether the owner must be told about the rule.
+    if (boosted && collection.usedBoosts[i]) continue;
     if (!FitsAnyPattern(addresses, boost.pages)) continue;
-    entry.boost = boost.tenths;
-    break;
+    collection.usedBoosts[i] = true;
+    if (!boosted) entry.boost = boost.tenths;
+    boosted = true;
   }
 }
 
@@ -110,7 +135,8 @@ PageCollection::PageCollection(const SiteInput& siteInput, const std::filesystem
       forms(input.charset, input.options.config.stemming),
       postings(folder, input.options.memoryMegabytes * kMegabyte),
       pageText(folder),
-      pageTable(folder / "vela_pageinfo.vdat", folder / "vela_pagedata.vdat", input.charset) {}
+      pageTable(folder / "vela_pageinfo.vdat", folder / "vela_pagedata.vdat", input.charset),
+      usedBoosts(input.options.config.boosts.size()) {}
 
 std::string AddFile(const SiteFile& file, PageCollection& collection) {
   const SiteInput& input = collection.input;
@@ -163,6 +189,20 @@ std::string AddFile(const SiteFile& file, PageCollection& collection) {
   if (config.suggestions) collection.suggestions.AddPage(content, entry.title);
   collection.sourceBytes += bytes.size;
   return {};
+}
+
+std::vector<std::string> UnusedRules(const PageCollection& collection) {
+  const SiteConfig& config = collection.input.options.config;
+  std::vector<std::string> unused;
+  for (size_t c = 0; c < config.categories.size(); ++c) {
+    if (HasCategory(collection.usedCategories, c)) continue;
+    unused.push_back("the category \"" + config.categories[c].name + "\" fits no page");
+  }
+  for (size_t i = 0; i < config.boosts.size(); ++i) {
+    if (collection.usedBoosts[i]) continue;
+    unused.push_back(config.boosts[i].where + ": this [[boost]] fits no page");
+  }
+  return unused;
 }
 
 }  // namespace vela::indexer

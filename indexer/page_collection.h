@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -43,15 +44,21 @@ struct PageCollection {
   std::vector<PageFacts> pages;
   PageOffsets recommended;  // the pages that the owner recommends
   SuggestionList suggestions;
-  std::unordered_set<std::string> siteAddresses;  // of all files of the walk
-  std::unordered_set<std::string> usedAddresses;  // canonical ones that are none of those
+  std::unordered_set<std::string> siteAddresses;        // of all files of the walk
+  std::unordered_set<std::string> usedAddresses;        // canonical ones that are none of those
+  std::unordered_map<std::string, std::string> copies;  // left out, and of which file of the site
   PageWords words;
-  SkippedFiles remarks;      // values of meta fields that were left out
-  uint64_t sourceBytes = 0;  // of the pages' files
+  SkippedFiles remarks;          // values of meta fields that were left out
+  std::string usedCategories;    // the sets of all pages in one; empty before the first page
+  std::vector<bool> usedBoosts;  // beside the configured ones: whether one of the pages fits it
+  uint64_t sourceBytes = 0;      // of the pages' files
 };
 
 // Reads one file into the collection. Returns the reason when it is left out. Throws IndexError
 // when the index is full or cannot be written.
 std::string AddFile(const SiteFile& file, PageCollection& collection);
+
+// What to tell the owner when all files are read: the categories and boosts that fit no page.
+std::vector<std::string> UnusedRules(const PageCollection& collection);
 
 }  // namespace vela::indexer

@@ -54,8 +54,11 @@ uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut&
       const std::string_view base = cut.forms.FoundBase(form.text);
       // A word that could not be written has no place of its own.
       if (base.empty() || out.written[form.token] >= out.tokens.size()) continue;
-      out.occurrences.push_back({FindOrAddWord(cut.vocabulary, base), out.written[form.token],
-                                 out.places[form.token], zone, inBody});
+      const uint32_t word = FindOrAddWord(cut.vocabulary, base);
+      // Beside its stem, so that a pattern such as "cafe*" meets it whole.
+      FindOrAddVariant(cut.vocabulary, word, cut.forms.Surface(form.text));
+      out.occurrences.push_back(
+          {word, out.written[form.token], out.places[form.token], zone, inBody});
     }
     wordCount += place - firstPlace;
     if (inBody) out.bodyWords = place;

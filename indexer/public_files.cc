@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "indexer/embedded_files.h"
+#include "indexer/file_reading.h"
 #include "indexer/open_search.h"
 #include "indexer/out_file.h"
 #include "indexer/owner_files.h"
@@ -14,11 +15,18 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kTemplateName[] = "search_template.html";
+constexpr uint64_t kLargestTemplate = uint64_t{4} << 20;
 
 void WriteWhole(const fs::path& path, std::string_view content) {
   OutFile file(path);
   file.Write(content);
   file.Finish();
+}
+
+// The markers of src/output/template.h with which results come out.
+bool ShowsResults(std::string_view page) {
+  return page.find("<!--VELASEARCH-->") != page.npos ||
+         page.find("<!--VELA_SHOW_RESULTS-->") != page.npos;
 }
 
 bool IsPublic(std::string_view name) {
@@ -27,15 +35,30 @@ bool IsPublic(std::string_view name) {
 
 }  // namespace
 
-void WriteTemplate(const std::string& name, const std::string& language,
-                   const IndexCharset& charset, const IndexFolder& folder) {
-  if (name.empty() && folder.OldHas(kTemplateName)) return;
-  WriteWhole(folder.fresh() / kTemplateName,
-             LoadTemplate(name.empty() ? "default" : name, language, charset));
+std::string WriteTemplate(const Options& options, const IndexCharset& charset,
+                          const IndexFolder& folder) {
+  std::string name = options.templateName;
+  std::string page;
+  if (name.empty() && folder.OldHas(kTemplateName)) {
+    name = (folder.target() / kTemplateName).string();
+    std::error_code error;
+    FileContent kept;
+    // One that this user cannot read is kept all the same: the web server may be able to.
+    const std::string real = fs::canonical(name, error).string();
+    if (!ReadSiteFile(real, kLargestTemplate, kept).empty()) return {};
+    page = std::move(kept.bytes);
+  } else {
+    if (name.empty()) name = "default";
+    page = LoadTemplate(name, options, charset);
+    WriteWhole(folder.fresh() / kTemplateName, page);
+  }
+  if (ShowsResults(page)) return {};
+  return "the template " + name +
+         " shows no results: it has neither <!--VELASEARCH--> nor <!--VELA_SHOW_RESULTS-->";
 }
 
 void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,
-                      const IndexFolder& folder) {
+                      IndexFolder& folder) {
   for (const EmbeddedFile& file : EmbeddedFiles()) {
     if (IsPublic(file.name)) WriteWhole(folder.fresh() / file.name, file.content);
   }
@@ -43,12 +66,8 @@ void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCha
     WriteWhole(folder.fresh() / kOpenSearchName, OpenSearchDocument(config, suggestions, charset));
   }
   if (config.logging) {
-    const fs::path logs = fs::path(config.logFile).parent_path();
-    const std::string first = logs.empty() ? "" : logs.begin()->string();
-    // One that the old index has comes along with its logs and permissions.
-    if (!first.empty() && first != ".." && !folder.OldHas(first)) {
-      fs::create_directories(folder.fresh() / logs);
-    }
+    const fs::path logs = fs::path(config.logFile).lexically_normal().parent_path();
+    if (!logs.empty() && *logs.begin() != "..") folder.Need(logs);
   }
 }
 

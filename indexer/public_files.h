@@ -6,19 +6,20 @@
 
 #include "indexer/index_charset.h"
 #include "indexer/index_folder.h"
-#include "indexer/site_config.h"
+#include "indexer/options.h"
 
 namespace vela::indexer {
 
-// Writes search_template.html. `name` is the one that the owner gave (see LoadTemplate); empty: the
-// one that the index has is kept, and a first index gets the default.
-void WriteTemplate(const std::string& name, const std::string& language,
-                   const IndexCharset& charset, const IndexFolder& folder);
+// Writes search_template.html, the one that options.templateName gives (see LoadTemplate); when
+// that is empty, the one that the index has is kept, and a first index gets the default. Returns
+// what to warn the owner of: a template in which no result would be shown; empty when all is well.
+std::string WriteTemplate(const Options& options, const IndexCharset& charset,
+                          const IndexFolder& folder);
 
 // Writes the styles, scripts and style sheets that come with the program, always anew, and
-// vela_opensearch.xml when the address of the search is known. Makes the folder of the search log
-// when searches are logged and it is not there.
+// vela_opensearch.xml when the address of the search is known. Asks for the folder of the search
+// log when searches are logged.
 void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,
-                      const IndexFolder& folder);
+                      IndexFolder& folder);
 
 }  // namespace vela::indexer

@@ -21,6 +21,10 @@ std::string Trimmed(std::string_view text) {
   return std::string(text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1));
 }
 
+std::string AddressOf(const RecommendedRule& rule, const std::string& base) {
+  return ResolveAddress(base, AsEncoded(rule.address));
+}
+
 // One keyword as a query that says the same would be compared with it.
 std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
   std::string text(keyword);
@@ -78,7 +82,7 @@ std::vector<RecommendedRule> ReadRecommendedRules(std::string_view text, const s
 
 PageOffsets WantedPages(const std::vector<RecommendedRule>& rules, const std::string& base) {
   PageOffsets pages;
-  for (const RecommendedRule& rule : rules) pages[ResolveAddress(base, rule.address)] = kNotRead;
+  for (const RecommendedRule& rule : rules) pages[AddressOf(rule, base)] = kNotRead;
   return pages;
 }
 
@@ -101,7 +105,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
   RecommendedSizes sizes;
   OutFile file(path);
   for (const RecommendedRule& rule : rules) {
-    const auto page = pages.find(ResolveAddress(base, rule.address));
+    const auto page = pages.find(AddressOf(rule, base));
     if (page == pages.end() || page->second == kNotRead) {
       sizes.unknown.push_back(rule.where + ": there is no page " + rule.address + " to recommend");
       continue;

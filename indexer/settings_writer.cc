@@ -55,7 +55,15 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
   }
   for (const TextKey& key : TextKeys()) {
     const auto given = config.settings.find(key.key);
-    out.AddText(key.key, given == config.settings.end() ? key.value : given->second.text);
+    const std::string_view value = given == config.settings.end() ? key.value : given->second.text;
+    // References for what the character set lacks make a text longer than it was when it was read.
+    if (out.charset.WithReferences(value).size() > key.mostBytes) {
+      throw IndexError(ExitStatus::kUsage, std::string(key.key) + " is too long when written in " +
+                                               out.charset.name() + ", with more than " +
+                                               std::to_string(key.mostBytes) +
+                                               " bytes. Make it shorter.");
+    }
+    out.AddText(key.key, value);
   }
 }
 
@@ -128,10 +136,10 @@ std::string CheckedLanguage(std::string_view content, const std::string& name) {
     const size_t open = line.find('"');
     if (open == line.npos || line.find('"', open + 1) != line.size() - 1 ||
         line.size() > kMaxLineBytes) {
-      throw IndexError(ExitStatus::kFailed, "The language file " + name +
-                                                " has a line that is not of the form KEY = "
-                                                "\"text\": " +
-                                                line.substr(0, 80));
+      throw IndexError(ExitStatus::kUsage, "The language file " + name +
+                                               " has a line that is not of the form KEY = "
+                                               "\"text\": " +
+                                               line.substr(0, 80));
     }
     lines[line.substr(0, keyEnd)] = line.substr(open);
   }
@@ -139,9 +147,9 @@ std::string CheckedLanguage(std::string_view content, const std::string& name) {
   for (const std::string_view key : kLanguageKeys) {
     const auto found = lines.find(key);
     if (found == lines.end()) {
-      throw IndexError(ExitStatus::kFailed, "The language file " + name + " lacks the text " +
-                                                std::string(key) + ". Add the line " +
-                                                std::string(key) + " = \"...\".");
+      throw IndexError(ExitStatus::kUsage, "The language file " + name + " lacks the text " +
+                                               std::string(key) + ". Add the line " +
+                                               std::string(key) + " = \"...\".");
     }
     checked.append(key).append(" = ").append(found->second).append("\n");
   }

@@ -8,20 +8,19 @@
 #include <string>
 #include <vector>
 
-#include "settings/settings.h"
-
 namespace vela::indexer {
 
 // A category and the addresses of its pages; see FitsAddressPattern (category_set.h).
 struct CategoryRule {
   std::string name;
-  std::vector<std::string> pages;
+  std::vector<std::string> pages;  // made by AddressPattern
 };
 
 // Pages whose scores are multiplied.
 struct BoostRule {
-  std::vector<std::string> pages;
+  std::vector<std::string> pages;  // made by AddressPattern
   uint8_t tenths = 10;
+  std::string where;  // for messages: the file and line
 };
 
 // A custom meta field.

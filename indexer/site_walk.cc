@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "indexer/index_error.h"
+#include "indexer/lower_ascii.h"
 
 namespace vela::indexer {
 
@@ -18,10 +19,7 @@ namespace {
 std::optional<FileKind> KindOf(const std::string& name, const WalkRules& rules) {
   const size_t dot = name.rfind('.');
   if (dot == name.npos) return {};
-  std::string ending = name.substr(dot + 1);
-  for (char& c : ending) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 0x20);
-  }
+  const std::string ending = LowerAsciiCopy(std::string_view(name).substr(dot + 1));
   if (std::ranges::find(rules.htmlEndings, ending) != rules.htmlEndings.end()) {
     return FileKind::kHtml;
   }
@@ -37,7 +35,8 @@ constexpr std::string_view kNeverPages[] = {"_sources", "node_modules", "cgi-bin
 bool IsExcluded(const std::string& name, const std::string& path, const WalkRules& rules) {
   if (name.starts_with('.')) return true;
   if (std::ranges::find(kNeverPages, name) != std::end(kNeverPages)) return true;
-  for (const std::string& pattern : rules.excluded) {
+  for (std::string pattern : rules.excluded) {
+    if (pattern.ends_with('/')) pattern.pop_back();  // "drafts/" is a folder
     if (fnmatch(pattern.c_str(), name.c_str(), 0) == 0) return true;
     if (fnmatch(pattern.c_str(), path.c_str(), 0) == 0) return true;
   }

@@ -6,6 +6,7 @@
 
 #include "indexer/out_file.h"
 #include "indexer/symbols.h"
+#include "text/ascii.h"
 #include "text/sound_key.h"
 
 namespace vela::indexer {
@@ -18,8 +19,7 @@ constexpr size_t kShortestWord = 2;
 // A digit or a sign says that the word is a name or a number, which nobody means by another word.
 bool IsPlainWord(std::string_view text) {
   return text.size() >= kShortestWord && std::ranges::all_of(text, [](char c) {
-           return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                  static_cast<unsigned char>(c) >= 0x80;
+           return IsAlpha(c) || static_cast<unsigned char>(c) >= 0x80;
          });
 }
 

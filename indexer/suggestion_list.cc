@@ -185,14 +185,13 @@ void SuggestionList::AddPage(const PageContent& page, const std::string& title) 
     if (endings_.size() < kMaxEndings || endings_.contains(text)) ++endings_[text];
   }
   AddEdgeWords(offered.substr(0, ending));
-  std::vector<std::string> seen;  // a heading counts once a page
+  std::unordered_set<std::string> seen;  // a heading counts once a page
   for (const TextRun& run : page.body) {
     if (run.headingLevel >= 1 && run.headingLevel <= kLowestHeading) {
       const std::string heading = Offered(run.text);
-      if (std::ranges::find(seen, heading) == seen.end()) {
+      if (seen.insert(heading).second) {
         Add(heading, kHeadingWeight, false);
         AddEdgeWords(heading);
-        seen.push_back(heading);
       }
     } else if (run.headingLevel == 0) {
       AddPhrases(run.text);

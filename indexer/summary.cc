@@ -1,18 +1,26 @@
 #include "indexer/summary.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "indexer/progress.h"
+#include "text/ascii.h"
 
 namespace vela::indexer {
 
 namespace {
 
+// What a file or page is called may hold bytes that a terminal obeys.
+std::string Shown(std::string text) {
+  std::ranges::replace_if(text, IsControl, '?');
+  return text;
+}
+
 void AddGroups(const SkippedFiles& files, std::string& text) {
   for (const auto& [reason, group] : files.byReason) {
-    text += "  " + CountText(group.count) + "  " + reason + ": ";
+    text += "  " + CountText(group.count) + "  " + Shown(reason) + ": ";
     for (size_t i = 0; i < group.examples.size(); ++i) {
-      text += (i == 0 ? "" : ", ") + group.examples[i];
+      text += (i == 0 ? "" : ", ") + Shown(group.examples[i]);
     }
     text += group.count > group.examples.size() ? ", ...\n" : "\n";
   }
@@ -41,7 +49,7 @@ std::string SummaryText(const IndexSummary& summary, const Options& options, dou
     text += "Meta elements that do not fit their field:\n";
     AddGroups(summary.remarks, text);
   }
-  for (const std::string& warning : summary.warnings) text += "Warning: " + warning + ".\n";
+  for (const std::string& warning : summary.warnings) text += "Warning: " + Shown(warning) + ".\n";
   return text;
 }
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "text/ascii.h"
 #include "text/lower.h"
 #include "text/word_split.h"
 
@@ -15,10 +16,6 @@ namespace {
 
 // More signs in a row than this are a ruler or a drawing, not text.
 constexpr size_t kMaxSignsInARow = 4;
-
-bool IsAsciiAlnum(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-}
 
 // A cut of one chunk under way.
 struct ChunkCut {
@@ -363,7 +360,7 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
   out.surface.assign(chunk);
   out.lower.assign(chunk);
   LowerUtf8(out.lower.data(), out.lower.size());
-  if (std::ranges::all_of(chunk, IsAsciiAlnum)) {
+  if (std::ranges::all_of(chunk, IsAlphaNumeric)) {
     if (chunk.size() <= kMaxWordBytes) out.tokens.push_back({0, out.lower, out.surface});
     return;
   }
@@ -400,10 +397,12 @@ std::vector<std::string> PlainForms(std::string_view surface) {
   if (U_FAILURE(status)) return {};
   std::string plain;
   std::string written;
+  std::string withoutSharpS;  // other letters as they are: "GRÖSSE", and so all of Switzerland
   for (size_t i = 0; i < surface.size();) {
     size_t length = 0;
     const char32_t c = DecodeCharacter(surface, i, length);
     std::string letter(surface.substr(i, length));
+    withoutSharpS += c == 0x00DF || c == 0x1E9E ? "ss" : letter;
     i += length;
     std::string spelled(WrittenOut(c));
     if (const std::string_view pair = PlainPair(c); !pair.empty()) {
@@ -425,10 +424,12 @@ std::vector<std::string> PlainForms(std::string_view surface) {
     written += spelled.empty() ? letter : spelled;
   }
   std::string lower(surface);
-  for (std::string* text : {&lower, &plain, &written}) LowerUtf8(text->data(), text->size());
+  LowerUtf8(lower.data(), lower.size());
   std::vector<std::string> forms;
-  if (plain != lower) forms.push_back(plain);
-  if (written != lower && written != plain) forms.push_back(written);
+  for (std::string* form : {&plain, &written, &withoutSharpS}) {
+    LowerUtf8(form->data(), form->size());
+    if (*form != lower && std::ranges::find(forms, *form) == forms.end()) forms.push_back(*form);
+  }
   return forms;
 }
 

@@ -12,9 +12,10 @@ TEST(Address, ChecksTheBase) {
   EXPECT_EQ(CheckedBaseUrl("http://x.example/docs/"), "http://x.example/docs/");
   EXPECT_EQ(CheckedBaseUrl("/"), "/");
   EXPECT_EQ(CheckedBaseUrl("/docs"), "/docs/");
-  for (const char* wrong : {"", "x.example", "ftp://x.example/", "javascript:alert(1)", "https://",
-                            "https:///path", "https://x.example/?q", "https://x.example/#a",
-                            "https://x.example/a b", "https://x.example/\"", "https://x|y/"}) {
+  for (const char* wrong :
+       {"", "x.example", "ftp://x.example/", "javascript:alert(1)", "https://", "https:///path",
+        "https://x.example/?q", "https://x.example/#a", "https://x.example/a b",
+        "https://x.example/\"", "https://x|y/", "//x.example/"}) {
     SCOPED_TRACE(wrong);
     EXPECT_THROW(CheckedBaseUrl(wrong), IndexError);
   }
@@ -26,6 +27,32 @@ TEST(Address, EncodesPaths) {
             "/a%20b/c%26d%25e%3Ff%23g%7Ch%22i%27j%3Ck%3E.html");
   EXPECT_EQ(PageAddress("/", "caf\xC3\xA9.html"), "/caf%C3%A9.html");
   EXPECT_EQ(PageAddress("/", "\xFF.html"), "/%FF.html");
+}
+
+TEST(Address, EncodesWhatPeopleWrite) {
+  const struct {
+    const char *what, *written, *expected;
+  } kCases[] = {
+      {"a blank and an umlaut", "Preis liste/\u00DCber.html", "Preis%20liste/%C3%9Cber.html"},
+      {"digits of an escape in capitals", "%c3%9cber.html", "%C3%9Cber.html"},
+      {"an escape that nothing needs", "%61b%2Dc.html", "ab-c.html"},
+      {"an apostrophe, as PageAddress has it", "bike's.html", "bike%27s.html"},
+      {"an escaped slash parts no folders", "a%2fb", "a%2Fb"},
+      {"an escaped star is no wildcard", "a%2ab", "a%2Ab"},
+      {"a percent sign that begins no escape", "100%.html", "100%25.html"},
+      {"cut short", "a%4", "a%254"},
+      {"a query keeps its escapes", "a%26?b=%61%26c&d=\u00E9#e", "a%26?b=%61%26c&d=%C3%A9#e"},
+      {"the host stays", "https://X.example/a b", "https://X.example/a%20b"},
+      {"a host alone", "https://x.example", "https://x.example"},
+      {"a host with a query", "https://x.example?q=\u00E9", "https://x.example?q=%C3%A9"},
+      {"no host in a query", "\u00E9?u=https://x.example/", "%C3%A9?u=https://x.example/"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(AsEncoded(c.written), c.expected);
+    EXPECT_EQ(AsEncoded(c.expected), c.expected);
+  }
+  EXPECT_EQ(CheckedBaseUrl("https://x.example/\u00DCber"), "https://x.example/%C3%9Cber/");
 }
 
 TEST(Address, Resolves) {
@@ -56,6 +83,10 @@ TEST(Address, Resolves) {
   }
   EXPECT_EQ(ResolveAddress("/a/b.html", "c.html"), "/a/c.html");
   EXPECT_EQ(ResolveAddress("/a/b.html", "//y.example/c"), "");
+  // Would begin with "//" and so name another host.
+  EXPECT_EQ(ResolveAddress("/a/b.html", "/.//y.example/c"), "");
+  EXPECT_EQ(ResolveAddress("/a/b.html", "..//y.example/c"), "");
+  EXPECT_EQ(ResolveAddress(page, "/.//y.example/c"), "https://x.example//y.example/c");
 }
 
 TEST(Address, TellsWhatLiesBelow) {

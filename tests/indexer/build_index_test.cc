@@ -210,6 +210,103 @@ TEST(BuildIndex, HonoursCanonicalAddresses) {
   EXPECT_EQ(summary.skipped.byReason.at("copy of another page (canonical address)").count, 2u);
 }
 
+TEST(BuildIndex, ACanonicalAddressMayBeSpelledInManyWays) {
+  const TestSite site;
+  site.Add("\u00DCber uns.html", "original");
+  site.Add("bike's.html", "original too");
+  site.Add("copy1.html", "<meta charset=utf-8><link rel=canonical href='/\u00DCber uns.html'>copy");
+  site.Add("copy2.html", "<link rel=canonical href='/%c3%9cber%20uns.html'>copy");
+  site.Add("copy3.html", "<link rel=canonical href=\"bike's.html\">copy");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 2u);
+  EXPECT_EQ(summary.skipped.byReason.at("copy of another page (canonical address)").count, 3u);
+}
+
+TEST(BuildIndex, OneOfPagesThatNameEachOtherStays) {
+  const TestSite site;
+  site.Add("a.html", "<link rel=canonical href=b.html>text");
+  site.Add("b.html", "<link rel=canonical href=c.html>text");
+  site.Add("c.html", "<link rel=canonical href=a.html>text");
+  site.Add("d.html", "<link rel=canonical href=a.html>text");
+  EXPECT_EQ(site.Build().pages, 1u);
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"), "https://x.example/c.html|c.html|||\n");
+}
+
+TEST(BuildIndex, ACanonicalAddressMayNameTheHostInAnotherWay) {
+  const TestSite site;
+  site.Add("a.html", "<link rel=canonical href=http://X.Example/a.html>own");
+  site.Add("b.html", "<link rel=canonical href=http://x.example/a.html>copy");
+  site.Add("c.html", "<link rel=canonical href=http://x.example/C>pretty");
+  site.Build();
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"),
+            "https://x.example/a.html|a.html|||\n"
+            "https://x.example/C|c.html|||\n");
+}
+
+TEST(BuildIndex, TheLogHasItsFolder) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.config.logging = true;
+  site.options.config.logFile = "./logs/s.log";
+  site.Build();
+  EXPECT_TRUE(fs::is_directory(site.index / "logs"));
+  WriteFile(site.index / "logs/s.log", "a line");
+  site.options.config.logFile = "logs/deep/s.log";
+  site.Build();
+  EXPECT_TRUE(fs::is_directory(site.index / "logs/deep"));
+  EXPECT_EQ(site.Read("logs/s.log"), "a line");
+  site.options.config.logFile = "../logs/s.log";
+  site.Build();
+  EXPECT_FALSE(fs::exists(site.scratch.path() / "logs"));
+}
+
+TEST(BuildIndex, ASettingMustFitInItsCharacterSetToo) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.config.charset = "iso-8859-1";
+  std::string text;  // 600 letters of two bytes that become references of seven
+  for (int i = 0; i < 600; ++i) text += "\u0416";
+  site.options.config.settings["XMLDesc"] = {true, 0, text};
+  EXPECT_THROW(site.Build(), IndexError);
+}
+
+TEST(BuildIndex, NoNameReachesTheTerminalAsACommand) {
+  const TestSite site;
+  site.Add("a.html", "x");
+  site.Add("b\x1B[2J\n.html", "");
+  const std::string text = SummaryText(site.Build(), site.options, 1);
+  EXPECT_NE(text.find("no text: b?[2J?.html\n"), std::string::npos) << text;
+}
+
+TEST(BuildIndex, ACanonicalAddressDoesNotLeadOffTheSite) {
+  TestSite site;
+  site.options.baseUrl = "/";
+  site.Add("a.html", "<link rel=canonical href='/.//evil.example/x.html'>text");
+  site.Build();
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"), "/a.html|a.html|||\n");
+}
+
+TEST(BuildIndex, TellsOfRulesThatFitNoPage) {
+  TestSite site;
+  site.Add("news/a.html", "text");
+  site.Add("b.html", "text");
+  SiteConfig& config = site.options.config;
+  config.categories = {{"News", {"news/*"}}, {"Nothing", {"none/*", "new/*"}}, {"All", {"*"}}};
+  config.boosts = {{{"b.*"}, 20, "x.toml, line 1"},
+                   {{"*.php"}, 20, "x.toml, line 2"},
+                   {{"*b.html"}, 20, "x.toml, line 3"}};  // fits, if behind the first
+  config.recommended = {{"word", "c.html", "x.toml, line 4"}};
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.warnings, (std::vector<std::string>{
+                                  "the category \"Nothing\" fits no page",
+                                  "x.toml, line 2: this [[boost]] fits no page",
+                                  "x.toml, line 4: there is no page c.html to recommend",
+                              }));
+  EXPECT_NE(SummaryText(summary, site.options, 1)
+                .find("Warning: the category \"Nothing\" fits no page.\n"),
+            std::string::npos);
+}
+
 TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
   const TestSite site;
   site.Add("a.html", "text");
@@ -283,6 +380,47 @@ TEST(BuildIndex, TheTemplateOfTheOwnerStays) {
   site.options.templateName = (site.scratch.path() / "given.html").string();
   site.Build();
   EXPECT_EQ(site.Read("search_template.html"), "given");
+}
+
+TEST(BuildIndex, ATemplateThatShowsNoResultsIsToldOf) {
+  TestSite site;
+  site.Add("a.html", "x");
+  const fs::path given = site.scratch.path() / "given.html";
+  const auto warnings = [&](std::string_view page) {
+    WriteFile(given, page);
+    site.options.templateName = given.string();
+    return site.Build().warnings;
+  };
+  EXPECT_TRUE(warnings("<p><!--VELASEARCH-->").empty());
+  EXPECT_TRUE(warnings("<p><!--VELA_SHOW_RESULTS-->").empty());
+  const std::string missing =
+      " shows no results: it has neither <!--VELASEARCH--> nor <!--VELA_SHOW_RESULTS-->";
+  EXPECT_EQ(warnings("<!--VELA_SHOW_SEARCHFORM--> <!-- VELASEARCH -->"),
+            std::vector<std::string>{"the template " + given.string() + missing});
+  site.options.templateName.clear();  // the one that is there now stays
+  EXPECT_EQ(site.Build().warnings,
+            std::vector<std::string>{"the template " +
+                                     (site.index / "search_template.html").string() + missing});
+  for (const char* builtIn : {"default", "minimal", "embed"}) {
+    site.options.templateName = builtIn;
+    EXPECT_TRUE(site.Build().warnings.empty()) << builtIn;
+  }
+}
+
+TEST(BuildIndex, TheTemplateLinksToTheDescriptionThatThereIs) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.config.searchAddress = "https://x.example/search/search.cgi";
+  site.options.templateName = "default";
+  site.Build();
+  const std::string linked = site.Read("search_template.html");
+  const size_t link = linked.find("  <link rel=\"search\"");
+  ASSERT_NE(link, std::string::npos);
+  const size_t end = linked.find('\n', link) + 1;
+  EXPECT_NE(linked.substr(link, end - link).find("vela_opensearch.xml"), std::string::npos);
+  site.options.config.searchAddress.clear();
+  site.Build();
+  EXPECT_EQ(site.Read("search_template.html"), linked.substr(0, link) + linked.substr(end));
 }
 
 TEST(BuildIndex, RefusesWrongOptions) {

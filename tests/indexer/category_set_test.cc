@@ -33,6 +33,30 @@ TEST(CategorySet, PatternsFitAddresses) {
   EXPECT_FALSE(FitsAddressPattern("/other/a.html", "/docs/", "*"));
 }
 
+TEST(CategorySet, PatternsAreWrittenAsPeopleWriteThem) {
+  const struct {
+    const char* what;
+    const char* written;
+    bool fits;
+  } kCases[] = {
+      {"a blank and an accent", "Mein Caf\u00E9/*", true},
+      {"encoded", "Mein%20Caf%C3%A9/*", true},
+      {"encoded in small letters", "mein%20caf%c3%a9/*", true},
+      {"the sign of a number", "*/c#'s.html", true},
+      {"the whole path", "/docs/Mein Caf\u00E9/c#?s.html",
+       false},  // the apostrophe has three bytes
+      {"the whole address", "https://x.example/docs/Mein Caf\u00E9/*", true},
+      {"another accent", "Mein Caf\u00E8/*", false},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(FitsAddressPattern("https://x.example/docs/Mein%20Caf%C3%A9/c%23%27s.html",
+                                 "https://x.example/docs/", AddressPattern(c.written)),
+              c.fits);
+  }
+  EXPECT_EQ(AddressPattern("news/?*.html"), "news/?*.html");
+}
+
 TEST(CategorySet, CategoryEightIsTheFirstBitOfTheSecondByte) {
   std::vector<CategoryRule> rules(10);
   for (size_t i = 0; i < rules.size(); ++i) {
@@ -44,6 +68,10 @@ TEST(CategorySet, CategoryEightIsTheFirstBitOfTheSecondByte) {
   EXPECT_EQ(CategorySet(rules, {"/", a}), "\x11\x01"s);
   EXPECT_EQ(CategorySet(rules, {"/", both}), "\xFF\x03"s);
   EXPECT_EQ(CategorySet({}, {"/", a}), "");
+  EXPECT_TRUE(HasCategory("\x11\x01", 8));
+  EXPECT_TRUE(HasCategory("\x11\x01", 4));
+  EXPECT_FALSE(HasCategory("\x11\x01", 1));
+  EXPECT_FALSE(HasCategory("\x11\x01", 9));
   EXPECT_EQ(CategoryBytes(8), 1u);
   EXPECT_EQ(CategoryBytes(9), 2u);
 }

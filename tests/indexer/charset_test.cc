@@ -59,6 +59,16 @@ TEST(Charset, FindsTheCharacterSet) {
   }
 }
 
+TEST(Charset, ADeclarationThatCannotBeTrueIsIgnored) {
+  for (const char* name : {"unicode", "utf16", "ucs-2", "utf-32", "iso-10646-ucs-2", "ebcdic-us"}) {
+    SCOPED_TRACE(name);
+    const std::string page = "<meta charset=" + std::string(name) + ">caf";
+    std::string text;
+    EXPECT_EQ(ConvertToUtf8(page + "\u00E9", true, text), "");
+    EXPECT_EQ(text, page + "\u00E9");
+  }
+}
+
 TEST(Charset, DetectsByStatistics) {
   // "Die Größe der Bücher über Österreich läßt sich schön lösen." in windows-1252.
   const std::string bytes =
@@ -93,6 +103,11 @@ TEST(Charset, CleansText) {
       {"a soft hyphen vanishes", "in\u00ADdex", "index"},
       {"a place to break vanishes", "long\u200Bname", "longname"},
       {"hyphens of Unicode", "e\u2010mail e\u2011mail", "e-mail e-mail"},
+      {"no characters",
+       "a\uFFFE"
+       "b\uFFFF"
+       "c",
+       "abc"},
       {"a dash stays", "1\u20132", "1\u20132"},
       {"composed characters", "Cafe\u0301 u\u0308ber", "Caf\u00E9 \u00FCber"},
       {"a mark of the writing direction vanishes", "a\u200Fb", "ab"},

@@ -5,6 +5,7 @@
 #include "indexer/embedded_files.h"
 #include "indexer/index_error.h"
 #include "indexer_site.h"
+#include "settings/settings.h"
 
 namespace vela::indexer {
 namespace {
@@ -258,6 +259,66 @@ TEST(ConfigFile, TheRecommendedFileLiesBesideIt) {
   ASSERT_EQ(options.config.recommended.size(), 1u);
   EXPECT_EQ(options.config.recommended[0].keywords, "hours, times");
   EXPECT_TRUE(options.config.recommended[0].where.ends_with("r.txt, line 2"));
+}
+
+TEST(ConfigFile, EveryFaultHasItsLine) {
+  const support::ScratchDirectory scratch;
+  const std::string language = (scratch.path() / "short.vlang").string();
+  WriteFile(language, "STR_FORM_SUBMIT_BUTTON = \"Go\"\n");
+  const struct {
+    std::string text;
+    const char* start;
+  } kCases[] = {
+      {"[site]\nbase_url = \"x.example\"\n",
+       "/owner/vela_index.toml, line 2: base_url (--base-url) "},
+      {"[site]\n\nlanguage = \"klingon\"\n",
+       "/owner/vela_index.toml, line 3: There is no built-in language \"klingon\"."},
+      {"[site]\nlanguage = \"" + language + "\"\n",
+       "/owner/vela_index.toml, line 2: The language file "},
+      {"[index]\nstemming = \"turkish\"\ncharset = \"iso-8859-9\"\n",
+       "/owner/vela_index.toml, line 2: "},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_TRUE(MessageOf(c.text).starts_with(c.start)) << MessageOf(c.text);
+  }
+}
+
+TEST(ConfigFile, ValuesAreCleanedAsThoseOfThePages) {
+  const SiteConfig config = Read(
+                                "[[field]]\nname = \"f\"\nkind = \"choice\"\n"
+                                "values = [\"Cafe\u0301\", \" a\u00A0 b\"]\n")
+                                .config;
+  EXPECT_EQ(config.fields[0].values, (std::vector<std::string>{"Caf\u00E9", "a b"}));
+}
+
+TEST(ConfigFile, TextsOfFeedsAreEscaped) {
+  const SiteConfig config =
+      Read("[settings]\nXMLTitle = \"A & <B>\"\nMetaMoneyCurrency = \"&#36;\"\n").config;
+  EXPECT_EQ(config.settings.at("XMLTitle").text, "A &#38; &#60;B&#62;");
+  EXPECT_EQ(config.settings.at("MetaMoneyCurrency").text, "&#36;");
+}
+
+TEST(ConfigFile, RecommendedPagesOfOneLineStayInOrder) {
+  const SiteConfig config =
+      Read("[recommended]\npages = { zoo = \"z.html\", art = \"a.html\" }\n").config;
+  ASSERT_EQ(config.recommended.size(), 2u);
+  EXPECT_EQ(config.recommended[0].keywords, "zoo");
+}
+
+TEST(ConfigFile, PatternsAreEncodedAsAddressesAre) {
+  const SiteConfig config = Read(R"([[category]]
+name = "C"
+pages = ["Mein Caf\u00E9/*", "a%2fb?.html"]
+[[boost]]
+pages = ["it's/*"]
+factor = 2
+)")
+                                .config;
+  EXPECT_EQ(config.categories[0].pages,
+            (std::vector<std::string>{"Mein%20Caf%C3%A9/*", "a%2Fb?.html"}));
+  EXPECT_EQ(config.boosts[0].pages, std::vector<std::string>{"it%27s/*"});
+  EXPECT_EQ(config.boosts[0].where, "/owner/vela_index.toml, line 4");
 }
 
 }  // namespace

@@ -115,6 +115,40 @@ TEST(IndexFolder, FoldersKeepOwnerAndPermissions) {
   }
 }
 
+// As root every folder is writable: the test is another user then.
+TEST(IndexFolder, AReadOnlyFolderIsCarriedOverAgainAndAgain) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  WriteFile(index / "pictures/old/a.png", "picture");
+  const uid_t user = geteuid();
+  const uid_t other = user == 0 ? 65534 : user;
+  for (const fs::path& path : {scratch.path(), index, index / "pictures", index / "pictures/old",
+                               index / "pictures/old/a.png"}) {
+    ASSERT_EQ(chown(path.c_str(), other, static_cast<gid_t>(-1)), 0);
+  }
+  ASSERT_EQ(chmod((index / "pictures/old").c_str(), 0555), 0);
+  ASSERT_EQ(chmod((index / "pictures").c_str(), 0555), 0);
+  ASSERT_EQ(seteuid(other), 0);
+  std::string message;
+  try {
+    for (int run = 0; run < 2; ++run) {
+      IndexFolder folder(index);
+      folder.Commit();
+    }
+  } catch (const std::exception& error) {
+    message = error.what();
+  }
+  ASSERT_EQ(seteuid(user), 0);
+  EXPECT_EQ(message, "");
+  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"index"});
+  EXPECT_EQ(ReadFile(index / "pictures/old/a.png"), "picture");
+  EXPECT_EQ(fs::status(index / "pictures/old").permissions(), fs::perms(0555));
+  // So that the scratch directory can be removed.
+  for (const char* name : {"pictures", "pictures/old"}) {
+    ASSERT_EQ(chmod((index / name).c_str(), 0755), 0);
+  }
+}
+
 TEST(IndexFolder, GoesWhereALinkLeads) {
   const support::ScratchDirectory scratch;
   fs::create_directory(scratch.path() / "real");
@@ -135,6 +169,27 @@ TEST(IndexFolder, RefusesWhatItCannotReplace) {
   EXPECT_THROW(IndexFolder(scratch.path() / "file"), IndexError);
   EXPECT_THROW(IndexFolder(scratch.path() / "none/index"), IndexError);
   EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"file"});
+}
+
+TEST(IndexFolder, SaysWhereItMustBeAbleToWrite) {
+  const support::ScratchDirectory scratch;
+  ASSERT_EQ(chmod(scratch.path().c_str(), 0555), 0);
+  const uid_t user = geteuid();
+  // Root may write anywhere.
+  ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);
+  std::string message;
+  try {
+    const IndexFolder folder(scratch.path() / "index");
+  } catch (const IndexError& error) {
+    message = error.what();
+  }
+  ASSERT_EQ(seteuid(user), 0);
+  ASSERT_EQ(chmod(scratch.path().c_str(), 0700), 0);
+  EXPECT_EQ(message, "Cannot make a folder in " + scratch.path().string() +
+                         ": Permission denied. The new index is made beside " +
+                         (scratch.path() / "index").string() +
+                         " and then takes its place: let the user who runs vela_index write "
+                         "there.");
 }
 
 }  // namespace

@@ -53,6 +53,8 @@ TEST(OpenSearch, SettlesWhatTheXmlAnswerSays) {
   SiteConfig rooted;
   AddXmlSettings("/", rooted);
   EXPECT_EQ(rooted.settings.at("XMLTitle").text, "Search");
+  EXPECT_EQ(rooted.settings.at("XMLDesc").text, "Search");
+  EXPECT_EQ(unknown.settings.at("XMLDesc").text, "Search x.example");
 }
 
 }  // namespace

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "support/scratch_directory.h"
+
 namespace vela::indexer {
 namespace {
 
@@ -42,8 +46,23 @@ TEST(Options, WrongArgumentsEndWithStatus2) {
     SCOPED_TRACE(c.what);
     testing::internal::CaptureStderr();
     EXPECT_EQ(Parse(c.arguments).exitStatus, 2);
-    EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with("vela_index: "));
   }
+}
+
+TEST(Options, InitTakesNoOtherOption) {
+  const support::ScratchDirectory scratch;
+  const std::string file = (scratch.path() / "new.toml").string();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Parse({"--init", file.c_str(), "--config", "x"}).exitStatus, 2);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "vela_index: --init writes an example and ends: it does not go with --config. Give "
+            "--init alone, then change the file.\n");
+  EXPECT_FALSE(std::filesystem::exists(file));
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(Parse({"--init", file.c_str()}).exitStatus, 0);
+  testing::internal::GetCapturedStdout();
+  EXPECT_TRUE(std::filesystem::exists(file));
 }
 
 TEST(Options, HelpAndVersionEndWithStatus0) {

@@ -54,5 +54,22 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
   EXPECT_NE(sizes.unknown[2].find("too long"), std::string::npos);
 }
 
+TEST(RecommendedWriter, AddressesAreWrittenAsPeopleWriteThem) {
+  const support::ScratchDirectory scratch;
+  const std::string base = "https://x.example/";
+  const std::vector<RecommendedRule> rules = {
+      {"list", "notes/Preis liste.txt", "line 1"},
+      {"about", "https://x.example/\u00DCber.html#top", "line 2"},
+      {"encoded", "%c3%9cber.html", "line 3"},
+  };
+  PageOffsets pages = WantedPages(rules, base);
+  NotePage(pages, std::vector<std::string>{"https://x.example/notes/Preis%20liste.txt"}, 7);
+  NotePage(pages, std::vector<std::string>{"https://x.example/%C3%9Cber.html"}, 9);
+  const RecommendedSizes sizes =
+      WriteRecommended(scratch.path() / "r", rules, pages, base, IndexCharset());
+  EXPECT_EQ(ReadFile(scratch.path() / "r"), "list 7\nabout 9\nencoded 9\n");
+  EXPECT_TRUE(sizes.unknown.empty());
+}
+
 }  // namespace
 }  // namespace vela::indexer

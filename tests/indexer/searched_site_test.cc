@@ -86,6 +86,15 @@ TEST(SearchedSite, RecommendedPagesAreShown) {
   EXPECT_FALSE(Holds(site.Ask("vela_query=coffee"), "<div class=\"recommended\">"));
 }
 
+TEST(SearchedSite, AWordWithASharpSIsFoundHoweverItIsTyped) {
+  SearchedSite site;
+  site.Add("a.html", "<meta charset=utf-8><title>T</title>Die Gr\u00F6\u00DFe.");
+  site.Build();
+  for (const char* query : {"gr%C3%B6%C3%9Fe", "GR%C3%96SSE", "gr%C3%B6sse", "groesse", "Grosse"}) {
+    EXPECT_EQ(site.Found(query), "a.html ") << query;
+  }
+}
+
 TEST(SearchedSite, MoreThanEightCategories) {
   SearchedSite site;
   std::string toml;
@@ -157,6 +166,19 @@ values = ["Art", "Sport", "Music"]
   }
 }
 
+TEST(SearchedSite, NamesAndValuesOfFieldsMayBeWrittenInManyWays) {
+  SearchedSite site;
+  site.Configure(
+      "[[field]]\nname = \"size\"\nmeta = \"Gr\u00F6\u00DFe\"\nkind = \"choice\"\n"
+      "values = [\"Gro\u00DF\", \"\u00DCberGross\"]\n");
+  site.Add("a.html",
+           "<meta charset=utf-8><title>A</title>"
+           "<meta name='GR\u00D6\u00DFE' content='U\u0308bergross'>word");
+  site.Build();
+  EXPECT_EQ(site.Found("word&size=1"), "a.html ");
+  EXPECT_EQ(site.Found("word&size=0"), "");
+}
+
 TEST(SearchedSite, StemmingFindsInflections) {
   const struct {
     const char* language;
@@ -184,6 +206,17 @@ TEST(SearchedSite, StemmingFindsInflections) {
       // "were" and "was" have no stem in common.
       EXPECT_EQ(site.Found(query), isPhrase ? "" : "a.html ");
     }
+  }
+}
+
+TEST(SearchedSite, PatternsMeetWholeWordsOfAStemmedIndex) {
+  SearchedSite site;
+  site.Configure("[index]\nstemming = \"english\"\n");
+  site.Add("a.html", "<meta charset=utf-8><title>T</title>caf\u00E9s, e-books, na\u00EFve");
+  site.Build();
+  for (const char* query :
+       {"cafes*", "books*", "naive*", "caf%C3%A9s*", "e-books*", "cafe", "book"}) {
+    EXPECT_EQ(site.Found(query), "a.html ") << query;
   }
 }
 

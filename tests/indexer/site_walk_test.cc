@@ -47,6 +47,8 @@ TEST(SiteWalk, LeavesOutHiddenAndExcludedNames) {
   }
   const Walk walk = WalkOf(site, {{"drafts", "old-*.html", "sub/keep.html"}, {}, {}, {}});
   EXPECT_EQ(walk.paths, std::vector<std::string>{"keep.html html"});
+  const Walk slashed = WalkOf(site, {{"drafts/", "old-*.html", "sub/"}, {}, {}, {}});
+  EXPECT_EQ(slashed.paths, std::vector<std::string>{"keep.html html"});
 }
 
 TEST(SiteWalk, FollowsNoSymbolicLink) {

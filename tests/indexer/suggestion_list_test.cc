@@ -29,6 +29,17 @@ TEST(SuggestionList, TitlesHeadingsAndFrequentPhrases) {
                                 "Dinner time", "Story"}));
 }
 
+TEST(SuggestionList, AHeadingCountsOnceAPage) {
+  SuggestionList list;
+  PageContent twice = Page("Twice", "x");
+  twice.body.push_back({"Twice", 2});
+  twice.body.push_back({"Twice", 3});
+  list.AddPage(twice, "");
+  list.AddPage(Page("Once", "x"), "");
+  list.AddPage(Page("Once", "x"), "");
+  EXPECT_EQ(list.Take(), (Texts{"Once", "Twice"}));  // 2 + 2, and 2
+}
+
 TEST(SuggestionList, NoTwoDifferInCaseAlone) {
   SuggestionList list;
   list.AddPage(Page("ABOUT US", "x"), "About us");
