@@ -4,7 +4,7 @@ import { execFileSync } from 'node:child_process';
 import { copyFileSync, mkdirSync, rmSync } from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
 import { bin, project, work } from './support/environment.mjs';
 import { get, serve } from './support/server.mjs';
 import { assertValidHtml } from './support/valid_html.mjs';
@@ -77,8 +77,8 @@ test('typing in the library: a suggestion leads to its page', async () => {
   await page.waitForSelector('[role=option]');
   await page.keyboard.press('ArrowDown');
   await shot(page, 'library_own_suggestions');
-  await page.keyboard.press('Enter');
-  await page.waitForSelector('.result_title a');
+  await follow(page, () => page.keyboard.press('Enter'));
+  assert.ok(await page.locator('.result_title a').count() > 0);
   await closePage(page);
 });
 

@@ -1,7 +1,7 @@
 // The suggestions below the search box.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { assertAccessible, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, closePage, launch, openPage, shot, typeQuickly } from './support/browser.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { get, serve } from './support/server.mjs';
 
@@ -26,12 +26,14 @@ const active = () => page.evaluate(() => {
 
 async function visit(options) {
   page = await openPage(browser, options);
+  await page.clock.install();
   await page.goto(server.search);
   box = page.locator('#vela_searchbox');
 }
 // A page of the site around that form, whose box has the id "own".
 async function visitForm(form, { charset = 'utf-8', lang = 'en' } = {}) {
   page = await openPage(browser);
+  await page.clock.install();
   await page.route(/own\.html/, (route) => route.fulfill({
     contentType: `text/html; charset=${charset}`,
     body: `<!DOCTYPE html><html lang="${lang}"><title>Own</title>` +
@@ -41,8 +43,9 @@ async function visitForm(form, { charset = 'utf-8', lang = 'en' } = {}) {
   await page.goto(`${server.origin}/own.html`);
   box = page.locator('#own');
 }
+const keys = (text) => typeQuickly(page, box, text);
 async function type(text) {
-  await box.pressSequentially(text);
+  await keys(text);
   await open();
 }
 
@@ -199,7 +202,7 @@ test('an overtaken request is given up', async () => {
   await page.route(/vela_query=gl$/, async (route) => { await held; await route.continue().catch(() => {}); });
   const given = page.waitForEvent('requestfailed', isAsking);
   const first = page.waitForRequest(isAsking);
-  await box.pressSequentially('gl');
+  await keys('gl');
   await first;
   await box.fill('app');
   assert.match((await given).failure().errorText, /ABORTED/);
@@ -246,7 +249,7 @@ test('errors are silent, and the next question is asked again', async () => {
   let answer = { status: 500, body: '<a class="vela_ac_item">no</a>' };
   await page.route(/vela_ac=1/, (route) => answer ? route.fulfill(answer) : route.continue());
   const failed = page.waitForResponse(isAsking);
-  await box.pressSequentially('gl');
+  await keys('gl');
   assert.equal((await failed).status(), 500);
   await closed();
   answer = { status: 200, contentType: 'text/html', body: 'Can not find the index file.<br />' };
@@ -280,6 +283,7 @@ test('markup in a suggestion stays text', async () => {
 
 test('any page of the site can have them', async () => {
   page = await openPage(browser);
+  await page.clock.install();
   await page.goto(server.origin);
   box = page.locator('#site_search');
   await type('glas');
@@ -297,7 +301,7 @@ test('text is sent in the character set of the page', async () => {
   await visitForm('<form action="/search/search.cgi"><label>Mot <input id="own" name="vela_query"></label></form>',
     { charset: 'iso-8859-1', lang: 'fr' });
   const asked = page.waitForRequest(isAsking);
-  await box.pressSequentially('ét&a+');
+  await keys('ét&a+');
   assert.match((await asked).url(), /vela_query=%E9t%26a%2B$/);
   await closePage(page);
 });

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
 import { assets } from './support/environment.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { get, serve } from './support/server.mjs';
@@ -38,7 +38,7 @@ for (const [state, query] of [['start', ''], ['results', '?vela_query=garden+ros
 test('minimal: suggestions, the calendar and paging work', async () => {
   const page = await openPage(browser);
   await page.goto(`${servers.minimal.search}?vela_query=garden`);
-  await page.locator('.result_pages a', { hasText: 'Next' }).click();
+  await follow(page, () => page.locator('.result_pages a', { hasText: 'Next' }).click());
   await page.locator('#vela_searchbox').fill('');
   await page.locator('#vela_searchbox').pressSequentially('glas');
   await page.waitForSelector('[role=option]');

@@ -1,7 +1,7 @@
 // The XML answer in a browser, made readable by vela_results.xsl.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { serve } from './support/server.mjs';
 
@@ -55,14 +55,14 @@ test('pages follow one another, whatever else was asked', async () => {
   assert.equal((await text('.summary')).trim(), '1–10 of 23 results');
   assert.equal((await page.locator('.result_pages').innerText()).split('\n').join(' '), 'Page 1 Next »');
   const first = await titles();
-  await page.locator('.result_pages a').click();
-  await page.waitForURL(/vela_page=2/);
+  await follow(page, () => page.locator('.result_pages a').click());
+  assert.match(page.url(), /vela_page=2/);
   await page.waitForSelector('.result_pages a');
   assert.match(page.url(), /vela_xml=1&vela_query=garden&vela_cat(\[\]|%5B%5D)=0&vela_sort=1&vela_page=2$/);
   assert.equal((await text('.summary')).trim(), '11–20 of 23 results');
   assert.ok(!first.includes((await titles())[0]));
-  await page.locator('.result_pages a', { hasText: 'Next' }).click();
-  await page.waitForURL(/vela_page=3/);
+  await follow(page, () => page.locator('.result_pages a', { hasText: 'Next' }).click());
+  assert.match(page.url(), /vela_page=3/);
   await page.waitForSelector('.result_pages a');
   assert.equal((await text('.summary')).trim(), '21–23 of 23 results');
   assert.equal(await page.locator('.result_pages a').count(), 1);
@@ -86,10 +86,11 @@ test('pages follow the answer to a form sent with POST', async () => {
   assert.match((await text('.summary')).trim(), range);
   assert.match(await page.locator('.result_pages').innerText(), /Page 2/);
   const second = await titles();
-  await page.locator('.result_pages a', { hasText: 'Next' }).click();
-  await page.waitForURL(/\?vela_xml=1&vela_query=garden%20sun&vela_page=3$/);
-  await page.locator('.result_pages a', { hasText: 'Previous' }).click();
-  await page.waitForURL(/&vela_page=2$/);
+  await follow(page, () => page.locator('.result_pages a', { hasText: 'Next' }).click());
+  assert.match(page.url(), /\?vela_xml=1&vela_query=garden%20sun&vela_page=3$/);
+  await follow(page, () => page.locator('.result_pages a', { hasText: 'Previous' }).click());
+  assert.match(page.url(), /&vela_page=2$/);
+  await page.waitForSelector('.result_pages a');
   assert.deepEqual(await titles(), second);
   await closePage(page);
 });

@@ -45,6 +45,20 @@ export async function openPage(browser, options = {}) {
   return page;
 }
 
+// Does what leads to another page, and waits until that one is there.
+export async function follow(page, action) {
+  await Promise.all([page.waitForEvent('load'), action()]);
+}
+
+// Types with no pause between the keys as the page sees it, however slow the machine is. The page's
+// clock has to be installed.
+export async function typeQuickly(page, box, text) {
+  const hour = 3600 * 1000;
+  await page.clock.pauseAt(await page.evaluate(() => Date.now()) + hour);
+  await box.pressSequentially(text);
+  await page.clock.resume();
+}
+
 // Ends the page's window; whatever was noted fails the test.
 export async function closePage(page) {
   await page.context().close();
