@@ -608,14 +608,14 @@ def make_request(r, x, features):
     arguments = []
     if chance(r, 0.05):
         arguments = r.choice(([b"/i"], [b"/I", b"d" * 260], [b"-x", b"/i"], [b"I", b"/none"],
-                              [b"/index", b"/tmp/no such place"], [b"/I", b"/i", b"/none"]))
+                              [b"/index", b"/none/such place"], [b"/I", b"/i", b"/none"]))
     dice = r.random()
     if dice < 0.75 and len(body) < 60000:
         env[b"REQUEST_METHOD"] = b"GET"
         env[b"QUERY_STRING"] = body.replace(b"\0", b"")
         if chance(r, 0.01):
-            env[b"QUERY_STRING"] = r.choice((b"/I+/tmp", b"%2fI+/none", b"a"))
-            arguments = r.choice(([b"/I", b"/tmp"], [b"/I", b"/none"], [b"a"]))
+            env[b"QUERY_STRING"] = r.choice((b"/I+/usr", b"%2fI+/none", b"a"))
+            arguments = r.choice(([b"/I", b"/usr"], [b"/I", b"/none"], [b"a"]))
     elif dice < 0.97:
         env[b"REQUEST_METHOD"] = b"POST"
         env[b"CONTENT_TYPE"] = b"application/x-www-form-urlencoded"

@@ -76,23 +76,32 @@ class RealServer(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.index = sample_library.build_library("library")
-        cls.port = free_port()
+        # Another program may take the free port before the server does.
+        for _ in range(3):
+            if cls.start(free_port()):
+                return
+            cls.tearDownClass()
+        raise AssertionError((support.WORK / "server.log").read_text())
+
+    @classmethod
+    def start(cls, port):
+        cls.port = port
         config = support.WORK / "lighttpd.conf"
         config.write_bytes(subprocess.run(
             [support.PROJECT / "scripts/lighttpd_config.sh", support.SAMPLE_SITE, cls.index,
-             str(cls.port)],
+             str(port)],
             check=True, stdout=subprocess.PIPE).stdout)
         program = shutil.which("lighttpd", path=os.environ["PATH"] + ":/usr/sbin")
         cls.log = open(support.WORK / "server.log", "wb")
         cls.server = subprocess.Popen([program, "-D", "-f", config], stderr=cls.log)
-        for _ in range(200):
+        while cls.server.poll() is None:
+            time.sleep(0.05)
             try:
-                socket.create_connection(("127.0.0.1", cls.port)).close()
-                return
+                socket.create_connection(("127.0.0.1", port)).close()
+                return cls.server.poll() is None
             except OSError:
-                time.sleep(0.05)
-        cls.tearDownClass()
-        raise AssertionError((support.WORK / "server.log").read_text())
+                pass
+        return False
 
     @classmethod
     def tearDownClass(cls):

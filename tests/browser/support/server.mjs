@@ -17,23 +17,24 @@ function freePort() {
   });
 }
 
-// Resolves once something answers on the port; rejects when the server has ended before.
-function answers(port, child) {
-  return new Promise((resolve, reject) => {
-    child.once('exit', (code) => reject(new Error(`lighttpd ended with ${code}`)));
-    const attempt = () => {
-      const socket = net.connect(port, '127.0.0.1');
-      socket.on('connect', () => { socket.destroy(); resolve(); });
-      socket.on('error', () => setTimeout(attempt, 20));
-    };
-    attempt();
+// Starts lighttpd with a configuration. Resolves to the process once it answers on the port, or to
+// nothing when it ended before, as it does when another program has taken the port.
+async function start(file, port) {
+  const child = spawn(lighttpd, ['-D', '-f', file], { stdio: ['ignore', 'ignore', 'ignore'] });
+  const runs = () => child.exitCode === null && child.signalCode === null;
+  const answers = () => new Promise((resolve) => {
+    const socket = net.connect(port, '127.0.0.1');
+    socket.on('connect', () => { socket.destroy(); resolve(true); });
+    socket.on('error', () => resolve(false));
   });
+  while (runs()) {
+    await new Promise((resolve) => { setTimeout(resolve, 20); });
+    if (await answers() && runs()) return child;
+  }
 }
 
-// Serves `site` at / and the index directory at /search/. `headers` are added to every answer.
-// Returns { origin, search, stop }, `search` being the address of the search program.
-export async function serve(index, { site = ownSite, headers = {} } = {}) {
-  const port = await freePort();
+// Returns the file's path.
+function writeConfiguration(site, index, port, headers) {
   let configuration = execFileSync(path.join(project, 'scripts/lighttpd_config.sh'),
     [site, index, String(port)], { encoding: 'utf8' });
   if (Object.keys(headers).length) {
@@ -43,14 +44,23 @@ export async function serve(index, { site = ownSite, headers = {} } = {}) {
   }
   const file = path.join(work, `lighttpd_${port}.conf`);
   writeFileSync(file, configuration);
-  const child = spawn(lighttpd, ['-D', '-f', file], { stdio: ['ignore', 'ignore', 'ignore'] });
-  await answers(port, child);
+  return file;
+}
+
+// Serves `site` at / and the index directory at /search/. `headers` are added to every answer.
+// Returns { origin, search, stop }, `search` being the address of the search program.
+export async function serve(index, { site = ownSite, headers = {} } = {}) {
+  let child, port;
+  for (let attempt = 0; !child; attempt++) {
+    if (attempt === 3) throw new Error('lighttpd did not start');
+    port = await freePort();
+    child = await start(writeConfiguration(site, index, port, headers), port);
+  }
   const origin = `http://127.0.0.1:${port}`;
   return {
     origin,
     search: `${origin}/search/search.cgi`,
     stop: () => new Promise((resolve) => {
-      child.removeAllListeners('exit');
       child.once('exit', resolve);
       child.kill();
     }),
