@@ -7,6 +7,7 @@
 #include "text/ascii.h"
 #include "text/edit.h"
 #include "text/join_chars.h"
+#include "text/wildcard.h"
 
 namespace vela {
 
@@ -62,13 +63,20 @@ bool MatchPhrase(Tokenizer& tokenizer, std::string_view token, std::string_view 
   return true;
 }
 
+// Whether a token is what the term, which is no phrase, asks for. A pattern is also its own match
+// where it folds letters that patterns take as they are.
+bool MatchesToken(TextMode mode, const HighlightTerm& term, std::string_view token) {
+  return MatchesTerm(mode, term, token) ||
+         (term.isWildcard && HasWildcard(token) && WordCompare(mode, term.text, token) == 0);
+}
+
 // The run of text that matches a term from `token` on; empty when none does.
 std::string_view MatchedRun(Tokenizer& tokenizer, std::string_view token,
                             const HighlightTerms& terms, const HighlightRules& rules) {
   for (const HighlightTerm& term : terms) {
     std::string_view run = token;
     const bool matches = term.isPhrase ? MatchPhrase(tokenizer, token, term.text, rules, run)
-                                       : MatchesTerm(rules.mode, term, token);
+                                       : MatchesToken(rules.mode, term, token);
     if (matches) return run;
   }
   return {};

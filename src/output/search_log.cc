@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <ctime>
 
+#include "output/grow_text.h"
 #include "text/ascii.h"
 #include "text/edit.h"
 #include "text/fixed_text.h"
@@ -16,8 +17,7 @@ namespace vela {
 namespace {
 
 constexpr size_t kLoggedQuerySize = 2085;  // with terminator
-// Names of categories make the longest lines.
-using LogLine = FixedText<16384>;
+constexpr int32_t kUsualLineSize = 4096;   // more with many names of categories
 
 struct ErrorText {
   int number;
@@ -37,41 +37,42 @@ constexpr ErrorText kErrorTexts[] = {
     {EDEADLK, "Resource deadlock. "},
 };
 
-void AppendCategories(LogLine& line, const Settings& settings, const SearchRequest& request) {
+bool AppendCategories(GrowText& line, const Settings& settings, const SearchRequest& request) {
   if (settings.UseCats == 0) {
-    Append(line, ", No cats");
-    return;
+    return line.Appendf(", No cats") >= 0;
   }
   if (SearchesAllCategories(request)) {
-    Append(line, ", \"Cat = All\"");
-    return;
+    return line.Appendf(", \"Cat = All\"") >= 0;
   }
-  Append(line, ", \"Cat = ");
+  if (line.Appendf(", \"Cat = ") < 0) return false;
   bool isFirst = true;
   for (int32_t category : request.categories) {
     if (category < 0 || category >= settings.categoryNames.size()) continue;
-    if (!isFirst) Append(line, "; ");
-    Append(line, settings.categoryNames.At(category));
+    const std::string_view name = settings.categoryNames.At(category);
+    if (line.Appendf("%s%.*s", isFirst ? "" : "; ", static_cast<int>(name.size()), name.data()) <
+        0) {
+      return false;
+    }
     isFirst = false;
   }
-  Append(line, "\"");
+  return line.Appendf("\"") >= 0;
 }
 
-LogLine MakeLine(const char* query, const Settings& settings, const SearchRequest& request,
-                 const SearchLogEntry& entry) {
-  LogLine line;
+// False when memory is out.
+bool MakeLine(GrowText& line, const char* query, const Settings& settings,
+              const SearchRequest& request, const SearchLogEntry& entry) {
+  if (!line.TryCreate(kUsualLineSize)) return false;
   const auto seconds = static_cast<time_t>(entry.endTime);
   tm day = {};
   localtime_r(&seconds, &day);
-  Appendf(line, "%d-%02d-%02d, %02d:%02d:%02d, %.*s, \"%s\", Matches = %d", day.tm_year + 1900,
-          day.tm_mon + 1, day.tm_mday, day.tm_hour, day.tm_min, day.tm_sec,
-          static_cast<int>(entry.remoteAddress.size()), entry.remoteAddress.data(), query,
-          entry.matches);
-  Append(line, request.andMode == 1 ? ", AND" : ", OR");
-  Appendf(line, ", PerPage = %d, PageNum = %d", request.perPage, entry.page);
-  AppendCategories(line, settings, request);
-  Appendf(line, ", Time = %.3f, Rec = %d\r\n", entry.seconds, entry.recommended);
-  return line;
+  return line.Appendf("%d-%02d-%02d, %02d:%02d:%02d, %.*s, \"%s\", Matches = %d",
+                      day.tm_year + 1900, day.tm_mon + 1, day.tm_mday, day.tm_hour, day.tm_min,
+                      day.tm_sec, static_cast<int>(entry.remoteAddress.size()),
+                      entry.remoteAddress.data(), query, entry.matches) >= 0 &&
+         line.Appendf("%s, PerPage = %d, PageNum = %d", request.andMode == 1 ? ", AND" : ", OR",
+                      request.perPage, entry.page) >= 0 &&
+         AppendCategories(line, settings, request) &&
+         line.Appendf(", Time = %.3f, Rec = %d\r\n", entry.seconds, entry.recommended) >= 0;
 }
 
 void ReportOpenError(Response& response, int number, const char* logFileName) {
@@ -101,7 +102,8 @@ void WriteSearchLog(Response& response, const IndexDirectory& directory, const S
   Set(query, entry.query);
   if (entry.query.size() >= kLoggedQuerySize || !ReplaceAll(query, "\"", "\"\"")) return;
   std::replace_if(query.bytes, query.bytes + View(query).size(), IsControl, ' ');
-  const LogLine line = MakeLine(query.bytes, settings, request, entry);
+  GrowText line;
+  const bool isMade = MakeLine(line, query.bytes, settings, request, entry);
   // The name stands below the index directory even when it begins with a slash.
   FixedText<260> path;
   Append(path, "./");
@@ -112,8 +114,9 @@ void WriteSearchLog(Response& response, const IndexDirectory& directory, const S
     ReportOpenError(response, errno, settings.LogFileName.bytes);
     return;
   }
-  const ssize_t written = write(descriptor, line.bytes, View(line).size());
-  static_cast<void>(written);  // a full disk costs the line, not the answer
+  // A full disk, and memory that is out, cost the line, not the answer.
+  const ssize_t written = isMade ? write(descriptor, line.view().data(), line.view().size()) : 0;
+  static_cast<void>(written);
   close(descriptor);
 }
 

@@ -55,7 +55,8 @@ int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
   if (!AllocateMatches(state.matches, settings.NumPages) ||
       !StartTermSearch(state.terms, ctx.query, settings) ||
-      !CollectHighlightTerms(state.highlight, ctx.query.terms, settings.AllowExactPhrase == 1) ||
+      (settings.Highlighting == 1 &&
+       !CollectHighlightTerms(state.highlight, ctx.query.terms, settings.AllowExactPhrase == 1)) ||
       !PrepareFilters(state.filters, settings, ctx.search, ctx.index.pages,
                       ctx.index.pageData.bytes())) {
     return EndWithError(ctx, "Out of memory");

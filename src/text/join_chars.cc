@@ -13,24 +13,34 @@ namespace {
 // A reference is at most this long, its ";" not counted.
 constexpr size_t kReferenceLimit = 8;
 
+// The value of a hexadecimal digit, or -1.
+int HexDigit(char c) {
+  if (IsDigit(c)) return c - '0';
+  const char lower = ToLowerAscii(c);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// A hexadecimal number as the C library reads it, white space, sign and "0x" included; 0 when
+// anything follows it.
+int32_t ReadHexadecimal(std::string_view text) {
+  while (!text.empty() && IsSpace(text[0])) text.remove_prefix(1);
+  const bool isNegative = text.starts_with('-');
+  if (isNegative || text.starts_with('+')) text.remove_prefix(1);
+  if ((text.starts_with("0x") || text.starts_with("0X")) && text.size() > 2) text.remove_prefix(2);
+  int32_t value = 0;
+  for (char c : text) {
+    const int digit = HexDigit(c);
+    if (digit < 0) return 0;
+    value = value * 16 + digit;  // at most five digits: cannot overflow
+  }
+  return isNegative ? -value : value;
+}
+
 // The number of the reference whose text lies between "&#" and ";".
 int32_t ReferenceNumber(std::string_view digits) {
   const int32_t decimal = ReadDecimal32(digits);
-  if (decimal != 0 || digits.empty() || digits[0] != 'x') return decimal;
-  uint32_t value = 0;
-  for (char c : digits.substr(1)) {
-    const char lower = ToLowerAscii(c);
-    uint32_t digit = 0;
-    if (IsDigit(c)) {
-      digit = static_cast<uint32_t>(c - '0');
-    } else if (lower >= 'a' && lower <= 'f') {
-      digit = static_cast<uint32_t>(lower - 'a' + 10);
-    } else {
-      return 0;
-    }
-    value = value * 16 + digit;  // at most five digits: cannot overflow
-  }
-  return WrapToInt32(value);
+  if (decimal != 0 || !digits.starts_with('x')) return decimal;
+  return ReadHexadecimal(digits.substr(1));
 }
 
 }  // namespace

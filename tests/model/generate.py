@@ -50,7 +50,7 @@ def make_index(r, features):
     setting("MaxContextSeeks", 0 if chance(r, 0.3) else 2, 3, 20, 500, 500, 500, 500)
     s["MaxSearchTime"] = 0 if chance(r, 0.03) else 30
     if "highlight" in features:
-        setting("Highlighting", 0, 1, 1)
+        setting("Highlighting", 0, 1, 1, 1, 2 if chance(r, 0.2) else 1)
         setting("GotoHighlight", 0, 0, 1)
         setting("XMLHighlight", 0, 1)
     setting("PdfHighlight", 0, 0, 1)

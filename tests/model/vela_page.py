@@ -427,7 +427,7 @@ def highlight(c, text):
         if token != b" ":
             for term in c.highlights:
                 if term.phrase is None:
-                    if term_matches(s, term, token):
+                    if term_matches(s, term, token) or word_equal(s, term.text, token):
                         out += b"[;!]" + token + b"[!;]"
                         marked = True
                         break

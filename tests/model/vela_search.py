@@ -128,7 +128,7 @@ def run_search(c):
             wild = False
         c.terms.append(Term(text, wild))
     c.highlights = []
-    for term in c.terms:
+    for term in c.terms if s.Highlighting == 1 else ():
         if term.text.startswith(b"-") or is_site(term.text):
             continue
         shown = Term(term.text, term.wild)

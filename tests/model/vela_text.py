@@ -3,6 +3,7 @@
 Every text here is a bytes object without its terminator. A text that may hold a NUL byte is
 passed through cstr() where it becomes a C string.
 """
+import re
 import struct
 
 SPACES = b" \t\n\v\f\r"
@@ -255,12 +256,9 @@ def decode_join(text, join):
             if 0 <= end and end - i < 8:
                 number = atoi(text[i + 2 :])
                 if number == 0 and text[i + 2] == 0x78:
-                    digits = text[i + 3 : end]
-                    try:
-                        ok = digits and all(c in b"0123456789abcdefABCDEF" for c in digits)
-                        number = int(digits, 16) if ok else 0
-                    except ValueError:
-                        number = 0
+                    found = re.fullmatch(rb"[ \t-\r]*([+-]?)(?:0[xX])?([0-9a-fA-F]+)",
+                                         text[i + 3 : end])
+                    number = int(found[1] + found[2], 16) if found else 0
                 byte = number & 0xFF
                 if byte == 0 or byte in join:
                     out.append(byte)

@@ -109,6 +109,24 @@ TEST(SearchLog, CategoriesTable) {
   }
 }
 
+TEST(SearchLog, NamesOfManyCategoriesStandInFull) {
+  Log log;
+  const std::string name(94, 'n');
+  DefineCategories(log.settings, std::vector<std::string>(200, name));
+  log.settings.UseCats = 1;
+  std::vector<int32_t> selected;
+  std::string names;
+  for (int32_t category = 0; category < 200; ++category) {
+    selected.push_back(category);
+    names += (category > 0 ? "; " : "") + name;
+  }
+  log.request.categories = selected;
+  const std::string line = log.Line();
+  const std::string expected = ", \"Cat = " + names + "\", Time = 0.042, Rec = 0\r\n";
+  ASSERT_GT(line.size(), expected.size());
+  EXPECT_EQ(line.substr(line.size() - expected.size()), expected);
+}
+
 TEST(SearchLog, LocalTime) {
   Log log;
   setenv("TZ", "EST5", 1);
