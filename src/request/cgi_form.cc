@@ -34,9 +34,8 @@ constexpr std::string_view kMetacharacters = "&;`'\"|*?~<>^()[]{}$\\";
 int HexDigit(char c) { return c < 'A' ? c - '0' : (c & 0xDF) - 55; }
 
 // Decodes the value in place: first every "+" becomes a blank, then each "%" and two bytes one
-// byte. Digits that are missing at the end count as 0. What holds nothing to decode is only looked
-// at by the C library's fast search: the last value of a request may be decoded once for each "="
-// in it.
+// byte. Digits that are missing at the end count as 0. The C library's fast search passes over
+// the rest, because the last value of a request may be decoded once for each "=" in it.
 void DecodeValue(char* value) {
   for (char* plus = strchr(value, '+'); plus != nullptr; plus = strchr(plus + 1, '+')) *plus = ' ';
   const char* from = value;
@@ -149,16 +148,20 @@ CgiResult CgiSplit(CgiForm& form, size_t length) {
       std::count_if(data, data + length, [](char c) { return c == '=' || c == '%'; }));
   if (!form.pairs.TryAllocate(most)) return CgiResult::kNoMemory;
   char* start = data;
+  bool isPlain = false;  // whether only "=" is left to look for, so that a row of them costs little
   for (;;) {
     char* const equals = strchr(start, '=');
     if (equals == nullptr) return CgiResult::kOk;
     *equals = '\0';
     char* const value = equals + 1;
-    char* const ampersand = strchr(value, '&');
+    char* const ampersand = isPlain ? nullptr : strchr(value, '&');
     if (ampersand != nullptr) *ampersand = '\0';
     form.pairs[static_cast<size_t>(form.pairCount)] = {start, value};
     ++form.pairCount;
-    DecodeValue(value);
+    if (!isPlain) {
+      DecodeValue(value);
+      isPlain = ampersand == nullptr && strpbrk(value, "&+%") == nullptr;
+    }
     start = ampersand != nullptr ? ampersand + 1 : value;
   }
 }
