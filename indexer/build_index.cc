@@ -4,18 +4,18 @@
 #include <filesystem>
 #include <iterator>
 
-#include "indexer/address.h"
-#include "indexer/autocomplete_writer.h"
-#include "indexer/dictionary_writer.h"
-#include "indexer/index_error.h"
-#include "indexer/index_folder.h"
-#include "indexer/open_search.h"
-#include "indexer/owner_files.h"
-#include "indexer/page_collection.h"
-#include "indexer/public_files.h"
-#include "indexer/settings_writer.h"
-#include "indexer/spelling_writer.h"
-#include "indexer/symbols.h"
+#include "indexer/collect/page_collection.h"
+#include "indexer/publish/index_folder.h"
+#include "indexer/publish/open_search.h"
+#include "indexer/publish/owner_files.h"
+#include "indexer/publish/public_files.h"
+#include "indexer/report/index_error.h"
+#include "indexer/site/address.h"
+#include "indexer/words/symbols.h"
+#include "indexer/write/autocomplete_writer.h"
+#include "indexer/write/dictionary_writer.h"
+#include "indexer/write/settings_writer.h"
+#include "indexer/write/spelling_writer.h"
 
 namespace vela::indexer {
 

@@ -3,9 +3,9 @@
 
 #include <csignal>
 
-#include "indexer/options.h"
-#include "indexer/progress.h"
-#include "indexer/summary.h"
+#include "indexer/config/options.h"
+#include "indexer/report/progress.h"
+#include "indexer/report/summary.h"
 
 namespace vela::indexer {
 

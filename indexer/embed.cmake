@@ -12,7 +12,7 @@ foreach(path IN LISTS FILES)
   math(EXPR number "${number} + 1")
 endforeach()
 file(WRITE ${OUTPUT} "// Made by embed.cmake.
-#include \"indexer/embedded_files.h\"
+#include \"indexer/config/embedded_files.h\"
 
 namespace vela::indexer {
 namespace {

@@ -7,9 +7,9 @@
 #include <exception>
 
 #include "indexer/build_index.h"
-#include "indexer/index_error.h"
-#include "indexer/options.h"
-#include "indexer/progress.h"
+#include "indexer/config/options.h"
+#include "indexer/report/index_error.h"
+#include "indexer/report/progress.h"
 
 namespace {
 volatile std::sig_atomic_t g_stop = 0;

@@ -1,0 +1,40 @@
+// meta_values.h: the values of the custom meta fields, from a page's meta elements to its record.
+//
+// Read by TakeMetaData (src/index/meta_data.h), which draws the format.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "indexer/config/site_config.h"
+#include "indexer/extract/page.h"
+#include "indexer/words/index_charset.h"
+
+namespace vela::indexer {
+
+constexpr size_t kMostFields = 100;
+constexpr size_t kMostListValues = 255;      // an index is one byte, and 255 stands for no value
+constexpr size_t kMostFieldTextBytes = 500;  // of a text in a record
+constexpr size_t kMostListValueBytes = 64;
+constexpr size_t kMostFieldNameBytes = 103;
+constexpr size_t kMostFieldLabelBytes = 100;
+
+// What a page says that does not fit its field, for the summary.
+struct MetaRemark {
+  std::string reason;  // "price: no amount"
+  std::string value;
+};
+
+// The values of one page in the order of the fields. What does not fit its field is left out and
+// described in `remarks`.
+std::string EncodeMetaValues(const std::vector<FieldRule>& fields, const IndexCharset& charset,
+                             std::span<const MetaElement> elements,
+                             std::vector<MetaRemark>& remarks);
+
+// "4.50", "£4", "-3,25" in hundredths. False when the text is no amount or one beyond 32 bits.
+bool ReadAmount(std::string_view text, int32_t& hundredths);
+
+}  // namespace vela::indexer

@@ -1,0 +1,146 @@
+#include "indexer/collect/page_tokens.h"
+
+#include <algorithm>
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr uint32_t kBlocks = 8;
+constexpr uint32_t kSmallestBlock = 32;  // words
+
+uint8_t HeadingZone(uint8_t level) {
+  if (level == 0) return 0;
+  if (level == 1) return kInMainHeading;
+  return level <= 3 ? kInHeading : kInSmallHeading;
+}
+
+// What the tokens of a page are made with and go to.
+struct PageCut {
+  WordForms& forms;
+  Vocabulary& vocabulary;
+  PageWords& out;
+};
+
+// Cuts one run of text and appends its tokens. Returns the number of its words.
+uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
+  PageWords& out = cut.out;
+  uint32_t wordCount = 0;
+  for (std::string_view chunk = NextChunk(text); !chunk.empty(); chunk = NextChunk(text)) {
+    CutChunk(chunk, out.chunk);
+    const uint32_t firstPlace = inBody ? out.bodyWords : 0;
+    uint32_t place = firstPlace;
+    out.places.clear();
+    out.written.clear();
+    for (const TextToken& token : out.chunk.tokens) {
+      const auto written = static_cast<uint32_t>(out.tokens.size());
+      out.places.push_back(place);
+      out.written.push_back(written);
+      if (token.reserved != 0) {
+        out.tokens.push_back({token.reserved, 0});
+        continue;
+      }
+      const std::string_view base = cut.forms.Base(token.base);
+      if (base.empty()) continue;
+      const uint32_t word = FindOrAddWord(cut.vocabulary, base);
+      const uint8_t variant =
+          FindOrAddVariant(cut.vocabulary, word, cut.forms.Surface(token.surface));
+      cut.vocabulary.words[word].isWritten = true;
+      out.occurrences.push_back({word, written, place, zone, inBody});
+      out.tokens.push_back({kWordBase + word, variant});
+      ++place;
+    }
+    for (const FoundForm& form : out.chunk.forms) {
+      const std::string_view base = cut.forms.FoundBase(form.text);
+      // A word that could not be written has no place of its own.
+      if (base.empty() || out.written[form.token] >= out.tokens.size()) continue;
+      const uint32_t word = FindOrAddWord(cut.vocabulary, base);
+      // Beside its stem, so that a pattern such as "cafe*" meets it whole.
+      FindOrAddVariant(cut.vocabulary, word, cut.forms.Surface(form.text));
+      out.occurrences.push_back(
+          {word, out.written[form.token], out.places[form.token], zone, inBody});
+    }
+    wordCount += place - firstPlace;
+    if (inBody) out.bodyWords = place;
+  }
+  return wordCount;
+}
+
+uint32_t CountDistinctWords(const PageWords& words, size_t firstToken) {
+  std::vector<uint32_t> numbers;
+  for (size_t i = firstToken; i < words.tokens.size(); ++i) {
+    if (words.tokens[i].number >= kWordBase) numbers.push_back(words.tokens[i].number);
+  }
+  std::ranges::sort(numbers);
+  return static_cast<uint32_t>(std::unique(numbers.begin(), numbers.end()) - numbers.begin());
+}
+
+void AddOne(uint8_t& count) {
+  if (count < 255) ++count;
+}
+
+void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageWords& out) {
+  const uint32_t blockWords =
+      std::max(kSmallestBlock, out.bodyWords / kBlocks + (out.bodyWords % kBlocks != 0 ? 1 : 0));
+  for (const PageWords::Occurrence& occurrence : out.occurrences) {
+    Word& word = vocabulary.words[occurrence.word];
+    if (word.lastPage != pageNumber) {
+      word.lastPage = pageNumber;
+      word.slot = static_cast<uint32_t>(out.postings.size());
+      ++word.pageCount;
+      Posting posting;
+      posting.word = occurrence.word;
+      posting.page = pageNumber;
+      posting.token = occurrence.token;
+      out.postings.push_back(posting);
+      out.lastTokens.push_back(kNone32);
+    }
+    Posting& posting = out.postings[word.slot];
+    if (occurrence.zone == kInTitle) word.inTitle = true;
+    posting.zones |= occurrence.zone;
+    // Title, description and address belong to the page as a whole and count as its beginning.
+    const uint32_t block = occurrence.inBody ? occurrence.place / blockWords : 0;
+    posting.blocks |= static_cast<uint8_t>(0x80U >> block);
+    // A word and a part of it that reads the same ("a-a") are one occurrence.
+    if (out.lastTokens[word.slot] == occurrence.token) continue;
+    out.lastTokens[word.slot] = occurrence.token;
+    AddOne(posting.total);
+    if (occurrence.inBody) AddOne(posting.body);
+  }
+}
+
+}  // namespace
+
+void CutPage(const PageContent& page, const std::string& title, const std::string& address,
+             uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary, PageWords& words) {
+  const PageCut cut = {forms, vocabulary, words};
+  words.tokens.clear();
+  words.postings.clear();
+  words.occurrences.clear();
+  words.lastTokens.clear();
+  words.bodyWords = 0;
+  for (const TextRun& run : page.body) {
+    CutRun(run.text, HeadingZone(run.headingLevel), true, cut);
+  }
+  // Behind the body, so that snippets show the body and phrases find all of it.
+  const auto addRun = [&](const std::string& text, Zone zone) {
+    const size_t before = words.tokens.size();
+    if (before != 0) words.tokens.push_back({kRunEnd, 0});
+    const uint32_t count = CutRun(text, zone, false, cut);
+    if (count == 0) words.tokens.resize(before);
+    return count;
+  };
+  const size_t beforeTitle = words.tokens.size();
+  addRun(title, kInTitle);
+  words.titleWords = CountDistinctWords(words, beforeTitle);
+  addRun(page.description, kInDescription);
+  addRun(address, kInAddress);
+  words.tokens.push_back({kPageEnd, 0});
+  CollectPostings(pageNumber, vocabulary, words);
+  for (const Posting& posting : words.postings) {
+    Word& word = vocabulary.words[posting.word];
+    word.mostOnPage = std::max(word.mostOnPage, posting.total);
+  }
+}
+
+}  // namespace vela::indexer

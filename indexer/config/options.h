@@ -1,0 +1,38 @@
+// options.h: the command line, on top of the configuration file.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "indexer/config/site_config.h"
+
+namespace vela::indexer {
+
+constexpr uint64_t kMostMemoryMegabytes = uint64_t{1} << 20;
+constexpr uint64_t kMostFileMegabytes = 500;
+
+struct Options {
+  std::string site;
+  std::string baseUrl;
+  std::string out;
+  std::string templateName;  // see LoadTemplate; empty: the one the index has, or the default
+  std::string language = "english";  // a name that comes with the program, or a .vlang file
+  std::vector<std::string> exclude;
+  uint64_t memoryMegabytes = 256;
+  uint64_t maxFileMegabytes = 20;
+  bool quiet = false;
+  SiteConfig config;
+};
+
+// Reads the arguments, and the configuration file that they name. An exit status instead of options
+// means that all is said and done: help, version and --init on standard output (0), a message on
+// standard error about a wrong argument or configuration (2) or a file (1).
+struct ParsedOptions {
+  Options options;
+  std::optional<int> exitStatus;
+};
+ParsedOptions ParseOptions(int argc, const char* const* argv);
+
+}  // namespace vela::indexer

@@ -1,0 +1,139 @@
+#include "indexer/config/setting_keys.h"
+
+#include <limits>
+
+#include "indexer/collect/score.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr int32_t kAny = std::numeric_limits<int32_t>::max();
+constexpr int32_t kMega = 1 << 20;
+
+constexpr NumberKey kNumberKeys[] = {
+    {"NoCharset", 0, 0, 1},
+    {"MinWordLen", 1, 0, 100},  // "C", "5" and the "t" of "don't" are words
+    {"SearchAsSubstring", 0, 0, 1},
+    {"DefaultToAnd", 0, 0, 1},  // pages with all words come first anyway
+    {"DefaultSort", 0, 0, 2},
+    {"WordSplit", 0, 0, 1},
+    {"FormFormat", 2, 0, 2},
+    {"DotNetUseFormTags", 1, 0, 1},
+    {"DotNetUsePostBacks", 0, 0, 1},
+    {"DisplayNumber", 1, 0, 1},
+    {"DisplayTitle", 1, 0, 1},
+    {"DisplayMetaDesc", 1, 0, 1},
+    {"DisplayMetaFields", 1, 0, 1},
+    {"DisplayContext", 1, 0, 1},
+    {"DisplayTerms", 0, 0, 1},
+    {"DisplayScore", 0, 0, 1},
+    {"DisplayDate", 1, 0, 1},
+    {"DisplayFilesize", 1, 0, 1},
+    {"DisplayURL", 1, 0, 1},
+    {"TruncateShowURL", 90, 0, 2083},
+    {"UseVelaImage", 1, 0, 1},
+    {"DisplayCatSummary", 1, 0, 1},
+    {"SearchMultiCats", 0, 0, 1},
+    {"UseDateTime", 1, 0, 1},
+    {"DateRangeSearch", 0, 0, 1},
+    {"DateRangeFormat", 0, 0, 1},
+    {"Highlighting", 1, 0, 1},
+    {"HighlightLimit", 30, 0, kAny},
+    {"GotoHighlight", 0, 0, 1},
+    {"PdfHighlight", 0, 0, 1},
+    {"ContextSize", 30, 0, 1000},
+    {"MaxContextKeywords", 3, 0, 100},
+    {"AllowExactPhrase", 1, 0, 1},
+    {"MaxContextSeeks", 10000, 0, kAny},
+    {"MaxMatches", 100000, 1, kAny},
+    {"MaxResultsPerQuery", 1000, 1, kAny},
+    {"MaxSearchTime", 10, 1, kAny},
+    {"UseLinkTarget", 0, 0, 1},
+    {"PluginOpenNewWindow", 0, 0, 1},
+    {"FileTypePluginStart", 4, 0, 256},
+    {"VelaInfo", 1, 0, 1},
+    {"Timing", 1, 0, 1},
+    {"Logging", 0, 0, 1},
+    {"UseXML", 0, 0, 1},
+    {"XMLHighlight", 0, 0, 1},
+    {"SpellingWhenLessThan", 1, 0, kAny},
+    {"RecommendedMax", 3, 1, 1000},
+    {"MetaMoneyShowDec", 1, 0, 1},
+    {"MaxKeyWordLineLen", 256, 64, kMega},
+    {"WeightProximity", kProximityWeight, -100, 100},
+};
+
+// DatePickerPath stands before LinkBackURL: the search program forgets the latter when it reads the
+// former.
+constexpr TextKey kTextKeys[] = {
+    {"LogFileName", ".//logs//searchwords.log", 255},
+    {"LinkTarget", "", 2047},
+    {"DatePickerPath", "", 2083},
+    {"LinkBackURL", "search.cgi", 2047},
+    {"XMLTitle", "", 1024},
+    {"XMLDesc", "", 2000},
+    {"XMLURL", "", 2083},
+    {"XMLXSLTURL", "", 2083},
+    {"XMLOpenSearchDescURL", "", 2083},
+    {"MetaMoneyCurrency", "&#36;", 63},
+};
+
+struct RefusedKey {
+  std::string_view key;
+  std::string_view reason;
+};
+
+constexpr std::string_view kFollows = "it follows from the pages that were read";
+
+constexpr RefusedKey kRefusedKeys[] = {
+    {"Version", "it names the indexer"},
+    {"UseUTF8", "it follows from charset in [index]"},
+    {"Charset", "it follows from charset in [index]"},
+    {"Codepage", "it follows from charset in [index]"},
+    {"MapAccents", "it follows from charset in [index]"},
+    {"UseStemming", "it follows from stemming in [index]"},
+    {"StemmingAlgo", "it follows from stemming in [index]"},
+    {"ToLowerSearchWords", "the words of the index are in lower case"},
+    {"WordJoinChars", "pages and queries must be cut at the same characters"},
+    {"UseAutoComplete", "it follows from [suggestions]"},
+    {"Spelling", "it follows from [spelling]"},
+    {"NumSpellings", kFollows},
+    {"Recommended", "it follows from [recommended]"},
+    {"NumRecommended", kFollows},
+    {"UseCats", "it follows from the [[category]] tables"},
+    {"NumCats", "it follows from the [[category]] tables"},
+    {"NumCatBytes", "it follows from the [[category]] tables"},
+    {"catnames", "it follows from the [[category]] tables"},
+    {"UseMetaFields", "it follows from the [[field]] tables"},
+    {"NumMetaFields", "it follows from the [[field]] tables"},
+    {"metafields", "it follows from the [[field]] tables"},
+    {"UseBigPageInfoData", "the records of pages never need it"},
+    {"DictIDLen", kFollows},
+    {"DictReservedLimit", kFollows},
+    {"DictReservedPrefixes", kFollows},
+    {"DictReservedSuffixes", kFollows},
+    {"DictReservedNoSpaces", kFollows},
+    {"NumKeywords", kFollows},
+    {"NumPages", kFollows},
+    {"NumVariants", kFollows},
+    {"PageInfoSize", kFollows},
+    {"OutputVariantBufferSize", kFollows},
+    {"OutputBasewordBufferSize", kFollows},
+};
+
+}  // namespace
+
+std::span<const NumberKey> NumberKeys() { return kNumberKeys; }
+
+std::span<const TextKey> TextKeys() { return kTextKeys; }
+
+std::string_view RefusedKeyReason(std::string_view key) {
+  for (const RefusedKey& refused : kRefusedKeys) {
+    if (refused.key == key) return refused.reason;
+  }
+  if (key.starts_with("STR_")) return "texts come from the language file (language in [site])";
+  return {};
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,24 @@
+// page_date.h: when a page was written or changed.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "indexer/config/site_config.h"
+#include "indexer/extract/page.h"
+
+namespace vela::indexer {
+
+// A date as meta and time elements have it: "2026-03-05", "2026-03-05T18:30", with seconds, and
+// with an offset ("Z", "+01:00") or without (then UTC). Seconds since 1970; noon of the day when
+// there is no time, so that it is the same day wherever it is shown. 0 for anything else and for
+// what lies outside 1970 to 2037.
+int64_t ReadDate(std::string_view text);
+
+// The page's date from the first of `sources` that has one: its meta elements
+// (article:modified_time, article:published_time, dcterms.modified, dcterms.date, dc.date,
+// last-modified, date, in this order), its first time element, or `fileTime`. 0 for none.
+int64_t PageDate(const PageContent& page, int64_t fileTime, const std::vector<DateSource>& sources);
+
+}  // namespace vela::indexer

@@ -1,0 +1,74 @@
+#include "indexer/publish/public_files.h"
+
+#include <filesystem>
+
+#include "indexer/config/embedded_files.h"
+#include "indexer/publish/open_search.h"
+#include "indexer/publish/owner_files.h"
+#include "indexer/source/file_reading.h"
+#include "indexer/write/out_file.h"
+
+namespace vela::indexer {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kTemplateName[] = "search_template.html";
+constexpr uint64_t kLargestTemplate = uint64_t{4} << 20;
+
+void WriteWhole(const fs::path& path, std::string_view content) {
+  OutFile file(path);
+  file.Write(content);
+  file.Finish();
+}
+
+// The markers of src/output/template.h with which results come out.
+bool ShowsResults(std::string_view page) {
+  return page.find("<!--VELASEARCH-->") != page.npos ||
+         page.find("<!--VELA_SHOW_RESULTS-->") != page.npos;
+}
+
+bool IsPublic(std::string_view name) {
+  return name.ends_with(".css") || name.ends_with(".js") || name.ends_with(".xsl");
+}
+
+}  // namespace
+
+std::string WriteTemplate(const Options& options, const IndexCharset& charset,
+                          const IndexFolder& folder) {
+  std::string name = options.templateName;
+  std::string page;
+  if (name.empty() && folder.OldHas(kTemplateName)) {
+    name = (folder.target() / kTemplateName).string();
+    std::error_code error;
+    FileContent kept;
+    // One that this user cannot read is kept all the same: the web server may be able to.
+    const std::string real = fs::canonical(name, error).string();
+    if (!ReadSiteFile(real, kLargestTemplate, kept).empty()) return {};
+    page = std::move(kept.bytes);
+  } else {
+    if (name.empty()) name = "default";
+    page = LoadTemplate(name, options, charset);
+    WriteWhole(folder.fresh() / kTemplateName, page);
+  }
+  if (ShowsResults(page)) return {};
+  return "the template " + name +
+         " shows no results: it has neither <!--VELASEARCH--> nor <!--VELA_SHOW_RESULTS-->";
+}
+
+void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,
+                      IndexFolder& folder) {
+  for (const EmbeddedFile& file : EmbeddedFiles()) {
+    if (IsPublic(file.name)) WriteWhole(folder.fresh() / file.name, file.content);
+  }
+  if (!config.searchAddress.empty()) {
+    WriteWhole(folder.fresh() / kOpenSearchName, OpenSearchDocument(config, suggestions, charset));
+  }
+  if (config.logging) {
+    const fs::path logs = fs::path(config.logFile).lexically_normal().parent_path();
+    if (!logs.empty() && *logs.begin() != "..") folder.Need(logs);
+  }
+}
+
+}  // namespace vela::indexer

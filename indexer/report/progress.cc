@@ -1,0 +1,83 @@
+#include "indexer/report/progress.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace vela::indexer {
+
+namespace {
+constexpr std::chrono::milliseconds kInterval(200);
+}
+
+void Progress::Begin(const std::string& stage, uint64_t total) {
+  Clear();
+  stage_ = stage;
+  total_ = total;
+  begun_ = Clock::now();
+  shownAt_ = Clock::time_point();
+  Step(0);
+}
+
+void Progress::Step(uint64_t done) {
+  if (!shown_) return;
+  const Clock::time_point now = Clock::now();
+  if (now - shownAt_ < kInterval) return;
+  shownAt_ = now;
+  const double seconds = std::chrono::duration<double>(now - begun_).count();
+  std::string line = stage_;
+  if (total_ != 0) line += " " + CountText(done) + " of " + CountText(total_);
+  if (done != 0 && seconds > 0.5) {
+    const double rate = static_cast<double>(done) / seconds;
+    char text[80];
+    snprintf(text, sizeof text, ", %.0f a second", rate);
+    line += text;
+    if (total_ > done) {
+      const auto left =
+          static_cast<uint64_t>(std::llround(static_cast<double>(total_ - done) / rate));
+      if (left >= 60) {
+        snprintf(text, sizeof text, ", %llu min %llu s left",
+                 static_cast<unsigned long long>(left / 60),
+                 static_cast<unsigned long long>(left % 60));
+      } else {
+        snprintf(text, sizeof text, ", %llu s left", static_cast<unsigned long long>(left));
+      }
+      line += text;
+    }
+  }
+  fprintf(stderr, "\r\033[K%s", line.c_str());
+  fflush(stderr);
+  onLine_ = true;
+}
+
+void Progress::Clear() {
+  if (onLine_) {
+    fputs("\r\033[K", stderr);
+    fflush(stderr);
+  }
+  onLine_ = false;
+}
+
+std::string BytesText(uint64_t bytes) {
+  constexpr const char* kUnits[] = {"kB", "MB", "GB", "TB"};
+  if (bytes < 1000) return std::to_string(bytes) + " bytes";
+  double value = static_cast<double>(bytes) / 1000;
+  size_t unit = 0;
+  while (value >= 999.5 && unit + 1 < std::size(kUnits)) {
+    value /= 1000;
+    ++unit;
+  }
+  char text[40];
+  snprintf(text, sizeof text, value < 9.95 ? "%.1f %s" : "%.0f %s", value, kUnits[unit]);
+  return text;
+}
+
+std::string CountText(uint64_t count) {
+  std::string text = std::to_string(count);
+  for (size_t at = text.size(); at > 3;) {
+    at -= 3;
+    text.insert(at, ",");
+  }
+  return text;
+}
+
+}  // namespace vela::indexer

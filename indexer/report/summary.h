@@ -1,0 +1,28 @@
+// summary.h: what a run did, for the person who started it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "indexer/config/options.h"
+#include "indexer/source/folder_walk.h"
+
+namespace vela::indexer {
+
+struct IndexSummary {
+  uint64_t pages = 0;
+  uint64_t words = 0;        // different ones, reserved entries not counted
+  uint64_t occurrences = 0;  // words and signs of the page text
+  uint64_t sourceBytes = 0;  // of the pages' files
+  uint64_t indexBytes = 0;   // of the files written
+  uint64_t runs = 0;         // how often the memory for words was full
+  SkippedFiles skipped;
+  SkippedFiles remarks;               // values of meta fields that were left out
+  std::vector<std::string> warnings;  // what of the configuration had no use
+};
+
+// The lines for a person at the end of a run.
+std::string SummaryText(const IndexSummary& summary, const Options& options, double seconds);
+
+}  // namespace vela::indexer

@@ -1,0 +1,41 @@
+#include "indexer/source/file_reading.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace vela::indexer {
+
+std::string ReadSiteFile(const std::string& path, uint64_t maxBytes, FileContent& out) {
+  out.bytes.clear();
+  // Opened without following a link and without waiting for a writer, should the entry have become
+  // a link or a pipe since the walk.
+  const int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return errno == EACCES ? "no permission to read" : "file cannot be opened";
+  struct stat info = {};
+  std::string reason;
+  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+    reason = "not a regular file";
+  } else if (static_cast<uint64_t>(info.st_size) > maxBytes) {
+    reason = "larger than the limit (--max-file-size)";
+  } else {
+    out.size = static_cast<uint64_t>(info.st_size);
+    out.modifiedTime = info.st_mtime;
+    out.bytes.resize(static_cast<size_t>(info.st_size));
+    size_t used = 0;
+    while (used < out.bytes.size()) {
+      const ssize_t got = read(fd, out.bytes.data() + used, out.bytes.size() - used);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) reason = "read error";
+      if (got <= 0) break;  // a file that shrank meanwhile ends here
+      used += static_cast<size_t>(got);
+    }
+    out.bytes.resize(used);
+  }
+  close(fd);
+  return reason;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,102 @@
+#include "indexer/words/symbols.h"
+
+#include <unicode/uchar.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace vela::indexer {
+
+namespace {
+
+// Ascending, for the search. Signs that words are never cut at (currency-like letters, emoji,
+// mathematical letters) are not in here: they are parts of words, as they are in a query.
+constexpr char32_t kSymbols[] = {
+    U'!',   U'"',   U'#',   U'$',   U'%',   U'&',   U'\'',  U'(',   U')',   U'*',   U'+',   U',',
+    U'-',   U'.',   U'/',   U':',   U';',   U'<',   U'=',   U'>',   U'?',   U'@',   U'[',   U'\\',
+    U']',   U'^',   U'_',   U'`',   U'{',   U'|',   U'}',   U'~',   0x00A1, 0x00A3, 0x00A7, 0x00A9,
+    0x00AB, 0x00AC, 0x00AE, 0x00B0, 0x00B1, 0x00B4, 0x00B7, 0x00BB, 0x00BF, 0x00D7, 0x00F7, 0x060C,
+    0x061B, 0x061F, 0x0964, 0x0965, 0x2012, 0x2013, 0x2014, 0x2015, 0x2018, 0x2019, 0x201A, 0x201C,
+    0x201D, 0x201E, 0x2020, 0x2021, 0x2022, 0x2026, 0x2030, 0x2032, 0x2033, 0x2039, 0x203A, 0x2044,
+    0x20AC, 0x2122, 0x2190, 0x2191, 0x2192, 0x2193, 0x21D2, 0x2212, 0x2248, 0x2260, 0x2264, 0x2265,
+    0x25CF, 0x2605, 0x2713, 0x3001, 0x3002, 0x3008, 0x3009, 0x300A, 0x300B, 0x300C, 0x300D, 0x300E,
+    0x300F, 0x3010, 0x3011, 0x30FB, 0xFF01, 0xFF08, 0xFF09, 0xFF0C, 0xFF1A, 0xFF1B, 0xFF1F,
+};
+constexpr auto kSymbolCount = static_cast<uint32_t>(std::size(kSymbols));
+static_assert(std::is_sorted(std::begin(kSymbols), std::end(kSymbols)));
+static_assert(kSymbolCount <= 255);
+
+constexpr uint32_t kFirstReserved = 2;
+
+std::string HtmlText(char32_t c) {
+  switch (c) {
+    case U'"':
+    case U'&':
+    case U'\'':
+    case U'<':
+    case U'>':
+      return "&#" + std::to_string(static_cast<uint32_t>(c)) + ";";
+    default:
+      break;
+  }
+  uint8_t bytes[U8_MAX_LENGTH];
+  size_t length = 0;
+  U8_APPEND_UNSAFE(bytes, length, c);
+  return std::string(reinterpret_cast<const char*>(bytes), length);
+}
+
+}  // namespace
+
+ReservedNumbers ReservedLimits() {
+  ReservedNumbers numbers;
+  numbers.suffixes = kFirstReserved - 1 + 2 * kSymbolCount;
+  numbers.prefixes = numbers.suffixes + kSymbolCount;
+  numbers.noSpaces = numbers.prefixes + kSymbolCount;
+  numbers.limit = numbers.noSpaces;
+  return numbers;
+}
+
+CharacterClass ClassifyCharacter(char32_t c) {
+  if (c < 0x80) {
+    const bool letter = (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
+    if (letter || (c >= U'0' && c <= U'9')) return {};
+  }
+  const auto* found = std::lower_bound(std::begin(kSymbols), std::end(kSymbols), c);
+  if (found != std::end(kSymbols) && *found == c) {
+    return {CharacterKind::kSymbol, static_cast<uint8_t>(found - std::begin(kSymbols))};
+  }
+  const bool dropped = c == 0xFFFD || u_ispunct(static_cast<UChar32>(c)) != 0 || c < 0x80;
+  return {dropped ? CharacterKind::kDropped : CharacterKind::kWord, 0};
+}
+
+uint32_t ReservedNumber(uint8_t symbol, SymbolForm form) {
+  return kFirstReserved + static_cast<uint32_t>(form) * kSymbolCount + symbol;
+}
+
+std::vector<std::string> ReservedTexts() {
+  // The two marks are never shown; no query holds a bracket, so no phrase finds them.
+  std::vector<std::string> texts = {"(page)", "(run)"};
+  for (const SymbolForm form :
+       {SymbolForm::kSuffix, SymbolForm::kAlone, SymbolForm::kPrefix, SymbolForm::kBetween}) {
+    for (const char32_t c : kSymbols) {
+      texts.push_back((form == SymbolForm::kAlone ? "&#32;" : "") + HtmlText(c));
+    }
+  }
+  return texts;
+}
+
+char32_t DecodeCharacter(std::string_view text, size_t at, size_t& length) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  if (bytes[at] < 0x80) {
+    length = 1;
+    return bytes[at];
+  }
+  size_t i = at;
+  UChar32 c = 0;
+  U8_NEXT(bytes, i, text.size(), c);
+  length = c < 0 ? 1 : i - at;
+  return c < 0 ? 0xFFFD : static_cast<char32_t>(c);
+}
+
+}  // namespace vela::indexer

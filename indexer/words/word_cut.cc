@@ -1,0 +1,436 @@
+#include "indexer/words/word_cut.h"
+
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <algorithm>
+
+#include "text/ascii.h"
+#include "text/lower.h"
+#include "text/word_split.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// More signs in a row than this are a ruler or a drawing, not text.
+constexpr size_t kMaxSignsInARow = 4;
+
+// A cut of one chunk under way.
+struct ChunkCut {
+  ChunkTokens& out;
+  size_t next = 0;         // the first character whose sign is not written yet
+  bool afterWord = false;  // a word was written
+};
+
+char ByteOf(const ChunkCut& cut, const ChunkCharacter& c) { return cut.out.lower[c.at]; }
+
+bool IsWord(const ChunkCharacter& c) { return c.kind.kind == CharacterKind::kWord; }
+
+bool IsOneOf(char byte, std::string_view set) { return set.find(byte) != set.npos; }
+
+// The first character at or behind byte `at`.
+size_t CharacterAt(const ChunkCut& cut, size_t at) {
+  const auto& characters = cut.out.characters;
+  const auto found = std::ranges::lower_bound(characters, at, {}, &ChunkCharacter::at);
+  return static_cast<size_t>(found - characters.begin());
+}
+
+size_t ByteAt(const ChunkCut& cut, size_t character) {
+  const auto& characters = cut.out.characters;
+  return character < characters.size() ? characters[character].at : cut.out.lower.size();
+}
+
+// Writes the signs among the characters next .. end. The first has the form `first`, the others
+// the form `others`.
+void WriteSigns(ChunkCut& cut, size_t end, SymbolForm first, SymbolForm others) {
+  size_t written = 0;
+  for (; cut.next < end; ++cut.next) {
+    const CharacterClass kind = cut.out.characters[cut.next].kind;
+    if (kind.kind != CharacterKind::kSymbol || written == kMaxSignsInARow) continue;
+    TextToken token;
+    token.reserved = ReservedNumber(kind.symbol, written == 0 ? first : others);
+    cut.out.tokens.push_back(token);
+    ++written;
+  }
+}
+
+// A form that no query can hold is no use: a quote ends a term, "*" and "?" make a pattern of it, a
+// colon stays only in a restriction to a site; and "<" and ">" are kept out of the dictionary,
+// whose words are shown as they stand.
+bool IsFindable(std::string_view form) {
+  return !form.empty() && form.size() <= kMaxWordBytes &&
+         form.find_first_of("\"*?:<>") == form.npos;
+}
+
+void AddForm(ChunkCut& cut, size_t token, std::string text) {
+  if (!IsFindable(text) || text == cut.out.tokens[token].base) return;
+  cut.out.forms.push_back({static_cast<uint32_t>(token), std::move(text)});
+}
+
+void AddPlainForms(ChunkCut& cut, size_t token, std::string_view surface) {
+  for (std::string& form : PlainForms(surface)) AddForm(cut, token, std::move(form));
+}
+
+// Calls `use(first, last)` for each longest run of word characters among first .. last.
+template <typename Use>
+void ForEachPart(const ChunkCut& cut, size_t first, size_t last, Use use) {
+  for (size_t i = first; i < last;) {
+    if (!IsWord(cut.out.characters[i])) {
+      ++i;
+      continue;
+    }
+    size_t end = i;
+    while (end < last && IsWord(cut.out.characters[end])) ++end;
+    use(i, end);
+    i = end;
+  }
+}
+
+// Writes the characters first .. last as one word, and the signs before them.
+void WriteWord(ChunkCut& cut, size_t first, size_t last) {
+  const size_t begin = ByteAt(cut, first);
+  const size_t length = ByteAt(cut, last) - begin;
+  if (length > kMaxWordBytes) {
+    const auto words =
+        std::ranges::count_if(cut.out.characters.begin() + static_cast<ptrdiff_t>(first),
+                              cut.out.characters.begin() + static_cast<ptrdiff_t>(last), IsWord);
+    if (static_cast<size_t>(words) == last - first) {
+      cut.next = last;
+      return;
+    }
+    ForEachPart(cut, first, last, [&](size_t a, size_t b) { WriteWord(cut, a, b); });
+    return;
+  }
+  WriteSigns(cut, first, cut.afterWord ? SymbolForm::kBetween : SymbolForm::kPrefix,
+             SymbolForm::kBetween);
+  cut.next = last;
+  cut.afterWord = true;
+  const std::string_view lower = cut.out.lower;
+  const std::string_view surface = cut.out.surface;
+  const size_t token = cut.out.tokens.size();
+  cut.out.tokens.push_back({0, lower.substr(begin, length), surface.substr(begin, length)});
+  AddPlainForms(cut, token, surface.substr(begin, length));
+  ForEachPart(cut, first, last, [&](size_t a, size_t b) {
+    if (a == first && b == last) return;
+    const size_t partBegin = ByteAt(cut, a);
+    const size_t partLength = ByteAt(cut, b) - partBegin;
+    AddForm(cut, token, std::string(lower.substr(partBegin, partLength)));
+    AddPlainForms(cut, token, surface.substr(partBegin, partLength));
+  });
+}
+
+// Takes off first .. last what a query keeps and a visitor does not mean: leading hyphens (an
+// exclusion) and runs of dots, trailing hyphens and dots.
+void TrimPiece(const ChunkCut& cut, size_t& first, size_t& last) {
+  const auto& characters = cut.out.characters;
+  bool ellipsis = false;
+  while (first < last) {
+    const char byte = ByteOf(cut, characters[first]);
+    const bool startsName =
+        byte == '.' && !ellipsis && first + 1 < last &&
+        (IsWord(characters[first + 1]) || ByteOf(cut, characters[first + 1]) == '_');
+    if (!IsOneOf(byte, "-+#.") || startsName) break;
+    ellipsis = byte == '.';
+    ++first;
+  }
+  while (first < last && IsOneOf(ByteOf(cut, characters[last - 1]), "-.")) --last;
+}
+
+// Writes one word of the query's cut, bytes begin .. end, as the pieces that signs inside leave.
+void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
+  const auto& characters = cut.out.characters;
+  const size_t firstToken = cut.out.tokens.size();
+  const size_t stop = CharacterAt(cut, end);
+  bool whole = true;  // the word is one piece, untrimmed
+  size_t i = CharacterAt(cut, begin);
+  while (i < stop) {
+    size_t last = i;
+    const auto inPiece = [&](const ChunkCharacter& c) {
+      return IsWord(c) || (c.length == 1 && IsOneOf(ByteOf(cut, c), ".-_#+"));
+    };
+    while (last < stop && inPiece(characters[last])) ++last;
+    if (last == i) {
+      whole = false;
+      ++i;
+      continue;
+    }
+    const size_t after = last;
+    TrimPiece(cut, i, last);
+    const bool hasWord = std::any_of(characters.begin() + static_cast<ptrdiff_t>(i),
+                                     characters.begin() + static_cast<ptrdiff_t>(last), IsWord);
+    if (hasWord) {
+      whole = whole && ByteAt(cut, i) == begin && ByteAt(cut, last) == end;
+      WriteWord(cut, i, last);
+    } else {
+      whole = false;
+    }
+    i = after;
+  }
+  // The signs before the first piece are tokens too: the forms belong to the word behind them.
+  size_t token = firstToken;
+  while (token < cut.out.tokens.size() && cut.out.tokens[token].reserved != 0) ++token;
+  if (whole || token == cut.out.tokens.size()) return;
+  std::string_view form = std::string_view(cut.out.lower).substr(begin, end - begin);
+  form.remove_prefix(std::min(form.find_first_not_of('-'), form.size()));
+  AddForm(cut, token, std::string(form));
+}
+
+// Words that a plain apostrophe joins are one word in a query typed with the curly one. `begin` and
+// `end` enclose them all.
+void AddCurlyForm(ChunkCut& cut, size_t token, size_t begin, size_t end) {
+  std::string form;
+  for (const char c : std::string_view(cut.out.lower).substr(begin, end - begin)) {
+    if (c == '\'') {
+      form += "\u2019";
+    } else {
+      form += c;
+    }
+  }
+  form.erase(0, form.find_first_not_of('-'));
+  AddForm(cut, token, std::move(form));
+}
+
+size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
+  while (token < cut.out.tokens.size() && cut.out.tokens[token].reserved != 0) ++token;
+  return token;
+}
+
+// Calls `use(word)` for each word that the query's cut makes of `text`, which it changes.
+template <typename Use>
+void ForEachQueryWord(std::string& text, Use use) {
+  text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
+  for (size_t begin = text.find_first_not_of(' '); begin != text.npos;) {
+    const size_t end = std::min(text.find(' ', begin), text.size());
+    use(std::string_view(text).substr(begin, end - begin));
+    begin = text.find_first_not_of(' ', end);
+  }
+}
+
+void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
+  std::string& scratch = cut.out.scratch;
+  scratch.assign(cut.out.lower, coreBegin, coreEnd - coreBegin);
+  scratch += ' ';  // as inside a query
+  size_t at = coreBegin;
+  size_t chainBegin = coreBegin;  // of words joined by apostrophes
+  size_t chainToken = 0;
+  bool chained = false;
+  const auto closeChain = [&] {
+    const size_t token = FirstWordFrom(cut, chainToken);
+    if (chained && token < cut.out.tokens.size()) AddCurlyForm(cut, token, chainBegin, at);
+  };
+  ForEachQueryWord(scratch, [&](std::string_view word) {
+    // The cut only blanks and drops bytes, so its words follow one another in the chunk.
+    const size_t begin = cut.out.lower.find(word, at);
+    if (begin == std::string::npos) return;
+    const bool joined = at > coreBegin && begin == at + 1 && cut.out.lower[at] == '\'';
+    if (!joined) {
+      closeChain();
+      chainBegin = begin;
+      chainToken = cut.out.tokens.size();
+    }
+    chained = joined;
+    at = begin + word.size();
+    WriteCutWord(cut, begin, at);
+  });
+  closeChain();
+}
+
+bool HasWordCharacter(std::string_view text) {
+  size_t length = 0;
+  for (size_t at = 0; at < text.size(); at += length) {
+    if (ClassifyCharacter(DecodeCharacter(text, at, length)).kind == CharacterKind::kWord) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// What stands behind a word decides whether a query keeps "#", "++" or "_" at its end: "c++," is
+// "c" there, while the page text has "c++". The query's form is added.
+void AddQueryForms(ChunkCut& cut) {
+  const size_t token = FirstWordFrom(cut, 0);
+  if (token == cut.out.tokens.size()) return;
+  cut.out.scratch = cut.out.lower + ' ';
+  ForEachQueryWord(cut.out.scratch, [&](std::string_view word) {
+    word.remove_prefix(std::min(word.find_first_not_of('-'), word.size()));
+    if (HasWordCharacter(word)) AddForm(cut, token, std::string(word));
+  });
+}
+
+void ClassifyChunk(ChunkTokens& out) {
+  out.characters.clear();
+  for (size_t i = 0; i < out.surface.size();) {
+    size_t length = 0;
+    const char32_t c = DecodeCharacter(out.surface, i, length);
+    out.characters.push_back(
+        {static_cast<uint32_t>(i), static_cast<uint32_t>(length), ClassifyCharacter(c)});
+    i += length;
+  }
+}
+
+char32_t PlainLetter(char32_t c) {
+  switch (c) {
+    case 0x00D8:
+    case 0x00F8:
+      return U'o';
+    case 0x0110:
+    case 0x0111:
+    case 0x00D0:
+    case 0x00F0:
+      return U'd';
+    case 0x0131:
+      return U'i';
+    case 0x0141:
+    case 0x0142:
+      return U'l';
+    case 0x0401:
+    case 0x0451:
+      return 0x0435;
+    default:
+      return c;
+  }
+}
+
+std::string_view PlainPair(char32_t c) {
+  switch (c) {
+    case 0x00DF:
+    case 0x1E9E:
+      return "ss";
+    case 0x00C6:
+    case 0x00E6:
+      return "ae";
+    case 0x0152:
+    case 0x0153:
+      return "oe";
+    case 0x00DE:
+    case 0x00FE:
+      return "th";
+    default:
+      return {};
+  }
+}
+
+// What German, Danish and Swedish write where a letter is missing.
+std::string_view WrittenOut(char32_t c) {
+  switch (c) {
+    case 0x00C4:
+    case 0x00E4:
+      return "ae";
+    case 0x00D6:
+    case 0x00F6:
+    case 0x00D8:
+    case 0x00F8:
+      return "oe";
+    case 0x00DC:
+    case 0x00FC:
+      return "ue";
+    case 0x00C5:
+    case 0x00E5:
+      return "aa";
+    default:
+      return {};
+  }
+}
+
+// Scripts in which a mark over a letter may be left out in typing. In others marks are vowels.
+bool HasOptionalMarks(char32_t c) {
+  return (c >= 0xC0 && c < 0x250) || (c >= 0x370 && c < 0x400) || (c >= 0x1E00 && c < 0x2000) ||
+         c == 0x401 || c == 0x451;
+}
+
+}  // namespace
+
+std::string_view NextChunk(std::string_view& text) {
+  const size_t begin = text.find_first_not_of(' ');
+  if (begin == text.npos) {
+    text = {};
+    return {};
+  }
+  const size_t end = std::min(text.find(' ', begin), text.size());
+  const std::string_view chunk = text.substr(begin, end - begin);
+  text.remove_prefix(end);
+  return chunk;
+}
+
+void CutChunk(std::string_view chunk, ChunkTokens& out) {
+  out.tokens.clear();
+  out.forms.clear();
+  out.surface.assign(chunk);
+  out.lower.assign(chunk);
+  LowerUtf8(out.lower.data(), out.lower.size());
+  if (std::ranges::all_of(chunk, IsAlphaNumeric)) {
+    if (chunk.size() <= kMaxWordBytes) out.tokens.push_back({0, out.lower, out.surface});
+    return;
+  }
+  ClassifyChunk(out);
+  ChunkCut cut{out};
+  const auto& characters = out.characters;
+  // Signs around the chunk go first, so that they do not hide a "#" or "++" at its end.
+  size_t first = 0;
+  size_t last = characters.size();
+  while (first < last && !IsWord(characters[first]) &&
+         !IsOneOf(ByteOf(cut, characters[first]), "._")) {
+    ++first;
+  }
+  while (last > first && !IsWord(characters[last - 1]) &&
+         !IsOneOf(ByteOf(cut, characters[last - 1]), "#+-_")) {
+    --last;
+  }
+  WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
+  const bool trimmed = first > 0 || last < characters.size();
+  if (trimmed && chunk.find_first_of("#+_") != chunk.npos) AddQueryForms(cut);
+  if (cut.afterWord) {
+    WriteSigns(cut, characters.size(), SymbolForm::kSuffix, SymbolForm::kSuffix);
+  } else {
+    WriteSigns(cut, characters.size(), SymbolForm::kAlone, SymbolForm::kSuffix);
+  }
+}
+
+std::vector<std::string> PlainForms(std::string_view surface) {
+  if (std::ranges::all_of(surface, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    return {};
+  }
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
+  if (U_FAILURE(status)) return {};
+  std::string plain;
+  std::string written;
+  std::string withoutSharpS;  // other letters as they are: "GRÖSSE", and so all of Switzerland
+  for (size_t i = 0; i < surface.size();) {
+    size_t length = 0;
+    const char32_t c = DecodeCharacter(surface, i, length);
+    std::string letter(surface.substr(i, length));
+    withoutSharpS += c == 0x00DF || c == 0x1E9E ? "ss" : letter;
+    i += length;
+    std::string spelled(WrittenOut(c));
+    if (const std::string_view pair = PlainPair(c); !pair.empty()) {
+      letter = pair;
+    } else if (HasOptionalMarks(c)) {
+      icu::UnicodeString parts;
+      if (PlainLetter(c) != c) {
+        parts = static_cast<UChar32>(PlainLetter(c));
+      } else if (!nfd->getDecomposition(static_cast<UChar32>(c), parts)) {
+        parts = static_cast<UChar32>(c);
+      }
+      letter.clear();
+      for (int32_t k = 0; k < parts.length(); k = parts.moveIndex32(k, 1)) {
+        const UChar32 part = parts.char32At(k);
+        if (u_charType(part) != U_NON_SPACING_MARK) icu::UnicodeString(part).toUTF8String(letter);
+      }
+    }
+    plain += letter;
+    written += spelled.empty() ? letter : spelled;
+  }
+  std::string lower(surface);
+  LowerUtf8(lower.data(), lower.size());
+  std::vector<std::string> forms;
+  for (std::string* form : {&plain, &written, &withoutSharpS}) {
+    LowerUtf8(form->data(), form->size());
+    if (*form != lower && std::ranges::find(forms, *form) == forms.end()) forms.push_back(*form);
+  }
+  return forms;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,67 @@
+// word_cut.h: where the words of a text begin and end.
+//
+// A text is cut at its blanks into chunks, and a chunk by the code that cuts queries, so that what
+// a visitor types meets what the index holds. On top of that, signs that a query keeps but that
+// belong to no word (quotes, ";", "=", dashes ...) are taken off the ends of words and cut words
+// apart; and a word can be found by more than its own form:
+//   parts    of a joined word ("node.js" by "node" and "js");
+//   wholes   of words that signs inside cut apart, as the query would have them ("a=b");
+//   plain    forms without accents ("cafe" for "café", "ue" as well as "u" for "ü", "ss" for "ß").
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "indexer/words/symbols.h"
+
+namespace vela::indexer {
+
+// The characters that join two words into one, as the setting WordJoinChars has them. Signs inside
+// numbers, names and compounds; "#" and "++" at a word's end stay without being listed. An
+// apostrophe is left out on purpose: "library's" is found by "library", "l'heure" by "heure".
+constexpr std::string_view kWordJoinChars = ".-_";
+
+// Longer words are no words: they are neither stored nor found, only their parts are.
+constexpr size_t kMaxWordBytes = 120;
+
+struct TextToken {
+  uint32_t reserved = 0;     // a sign; 0 for a word
+  std::string_view base;     // of a word: lower-cased, as the dictionary has it
+  std::string_view surface;  // as the page writes it
+};
+
+// A further form that finds the word `token`.
+struct FoundForm {
+  uint32_t token = 0;  // its place in `tokens`
+  std::string text;
+};
+
+// One character of a chunk.
+struct ChunkCharacter {
+  uint32_t at = 0;
+  uint32_t length = 0;
+  CharacterClass kind;
+};
+
+// The tokens of one chunk. All views point into this record and hold until the next cut.
+struct ChunkTokens {
+  std::vector<TextToken> tokens;
+  std::vector<FoundForm> forms;
+  std::string surface, lower, scratch;
+  std::vector<ChunkCharacter> characters;
+};
+
+// Takes the next chunk (a run without blanks) off the start of clean text (see CleanText).
+// Empty when there is none.
+std::string_view NextChunk(std::string_view& text);
+
+// Cuts one chunk.
+void CutChunk(std::string_view chunk, ChunkTokens& out);
+
+// The forms of `surface` without accents, lower-cased: at most three, none for plain ASCII.
+// "größe" gives "grosse", "groesse" and, as it is written where there is no ß, "grösse".
+std::vector<std::string> PlainForms(std::string_view surface);
+
+}  // namespace vela::indexer

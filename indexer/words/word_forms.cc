@@ -1,0 +1,76 @@
+#include "indexer/words/word_forms.h"
+
+#include "indexer/report/index_error.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr size_t kMaxStoredBytes = 250;  // of a word in the vocabulary
+constexpr int32_t kHungarian = 6;
+constexpr int32_t kRomanian = 11;
+constexpr int32_t kRussian = 12;
+constexpr int32_t kTurkish = 15;
+
+// The stemmer reads bytes; in a set where its letters stand elsewhere it would cut at random.
+bool SetFitsStemmer(const std::string& set, int32_t algorithm) {
+  if (set == "utf-8") return true;
+  switch (algorithm) {
+    case kHungarian:
+    case kRomanian:
+      return set == "iso-8859-2";
+    case kRussian:
+      return set == "koi8-r";
+    case kTurkish:
+      return false;
+    default:
+      return set == "iso-8859-1" || set == "iso-8859-15" || set == "windows-1252";
+  }
+}
+
+}  // namespace
+
+WordForms::WordForms(const IndexCharset& charset, int32_t stemming) : charset_(charset) {
+  if (stemming < 0) return;
+  const std::string name = StemmingAlgorithmName(stemming);
+  if (!SetFitsStemmer(charset.name(), stemming)) {
+    throw IndexError(ExitStatus::kUsage, "Words cannot be stemmed as " + name +
+                                             " in the character set " + charset.name() +
+                                             ". Set charset = \"utf-8\", or leave stemming out.");
+  }
+  if (stemmer_.Create(stemming, charset.utf8()) != StemmerStatus::kOk) {
+    throw IndexError(ExitStatus::kUsage, "The stemming library has no " + name +
+                                             " for the character set " + charset.name() + ".");
+  }
+  stems_ = true;
+}
+
+std::string_view WordForms::Stemmed(std::string_view word) {
+  if (!stems_) return word;
+  Set(stem_, word);
+  stemmer_.StemWord(stem_);
+  const std::string_view stem = View(stem_);
+  return stem.size() <= kMaxStoredBytes ? stem : word;
+}
+
+std::string_view WordForms::Base(std::string_view lower) {
+  if (charset_.utf8()) return Stemmed(lower);
+  if (charset_.Exactly(lower, base_)) return Stemmed(base_);
+  base_ = charset_.WithReferences(lower);
+  if (base_.size() > kMaxStoredBytes) base_.clear();
+  return base_;
+}
+
+std::string_view WordForms::Surface(std::string_view surface) {
+  if (charset_.utf8()) return surface;
+  surface_ = charset_.WithReferences(surface);
+  return surface_;
+}
+
+std::string_view WordForms::FoundBase(std::string_view lower) {
+  if (charset_.utf8()) return Stemmed(lower);
+  if (!charset_.Exactly(lower, base_)) return {};
+  return Stemmed(base_);
+}
+
+}  // namespace vela::indexer

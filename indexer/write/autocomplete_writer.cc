@@ -1,0 +1,27 @@
+#include "indexer/write/autocomplete_writer.h"
+
+#include "indexer/words/stored_text.h"
+#include "indexer/write/out_file.h"
+
+namespace vela::indexer {
+
+AutocompleteSizes WriteAutocomplete(const std::filesystem::path& path,
+                                    std::span<const std::string> texts, uint64_t mostLines,
+                                    size_t lineLength, const IndexCharset& charset) {
+  AutocompleteSizes sizes;
+  OutFile file(path);
+  std::string exact;
+  for (const std::string& text : texts) {
+    if (sizes.lines == mostLines) break;
+    if (!charset.utf8() && !charset.Exactly(text, exact)) continue;
+    const std::string line = StoredText(text, charset);
+    if (line.size() + 2 > lineLength) continue;
+    file.Write(line);
+    file.Write("\n");
+    ++sizes.lines;
+  }
+  sizes.fileBytes = file.Finish();
+  return sizes;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,25 @@
+// autocomplete_writer.h: vela_autocomplete.vdat, read by src/index/autocomplete.h: one suggestion a
+// line, in the order in which they are shown.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+
+#include "indexer/words/index_charset.h"
+
+namespace vela::indexer {
+
+struct AutocompleteSizes {
+  uint64_t lines = 0;
+  uint64_t fileBytes = 0;
+};
+
+// Writes the first `mostLines` of `texts` (see SuggestionList::Take) that the character set has and
+// that fit a line: `lineLength`, the setting MaxKeyWordLineLen, leaves lineLength - 2 bytes.
+AutocompleteSizes WriteAutocomplete(const std::filesystem::path& path,
+                                    std::span<const std::string> texts, uint64_t mostLines,
+                                    size_t lineLength, const IndexCharset& charset);
+
+}  // namespace vela::indexer

@@ -1,0 +1,28 @@
+// dictionary_writer.h: vela_dictionary.vdat, read by src/index/dictionary.h.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+#include "indexer/collect/vocabulary.h"
+#include "indexer/words/index_charset.h"
+
+namespace vela::indexer {
+
+// What the settings must say about the dictionary.
+struct DictionarySizes {
+  uint64_t entries = 0;       // NumKeywords, the reserved ones included
+  uint64_t variants = 0;      // NumVariants
+  uint64_t baseBytes = 0;     // OutputBasewordBufferSize: each word with its terminator
+  uint64_t variantBytes = 0;  // OutputVariantBufferSize: length byte, variant, terminator
+  uint64_t fileBytes = 0;
+};
+
+// Writes the reserved entries, in the character set, and then the words in `order`. `offsets` holds
+// the place of each word's list in the word map, by its number in the vocabulary.
+DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabulary& vocabulary,
+                                const std::vector<uint32_t>& order,
+                                const std::vector<uint64_t>& offsets, const IndexCharset& charset);
+
+}  // namespace vela::indexer

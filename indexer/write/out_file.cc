@@ -1,0 +1,77 @@
+#include "indexer/write/out_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "indexer/report/index_error.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr size_t kBufferBytes = 128 * 1024;
+
+[[noreturn]] void Fail(const std::filesystem::path& path) {
+  throw IndexError(ExitStatus::kFailed, "Cannot write " + path.string() + ": " + strerror(errno) +
+                                            ". Check the permissions and the free space there.");
+}
+
+}  // namespace
+
+OutFile::OutFile(const std::filesystem::path& path) : path_(path) {
+  fd_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  if (fd_ < 0) Fail(path_);
+  buffer_.reserve(kBufferBytes);
+}
+
+OutFile::~OutFile() {
+  if (fd_ >= 0) close(fd_);
+}
+
+void OutFile::Write(std::string_view bytes) {
+  if (buffer_.size() + bytes.size() > kBufferBytes) Flush();
+  buffer_ += bytes;
+  if (buffer_.size() >= kBufferBytes) Flush();
+}
+
+void OutFile::WriteNumber(uint64_t value, size_t bytes) {
+  char out[8];
+  for (size_t i = 0; i < bytes; ++i) out[i] = static_cast<char>(value >> (8 * i) & 0xFF);
+  Write(std::string_view(out, bytes));
+}
+
+void OutFile::Flush() {
+  size_t done = 0;
+  while (done < buffer_.size()) {
+    const ssize_t wrote = write(fd_, buffer_.data() + done, buffer_.size() - done);
+    if (wrote < 0 && errno == EINTR) continue;
+    if (wrote < 0) Fail(path_);
+    done += static_cast<size_t>(wrote);
+  }
+  written_ += done;
+  buffer_.clear();
+}
+
+void OutFile::Close() {
+  Flush();
+  if (close(std::exchange(fd_, -1)) != 0) Fail(path_);
+}
+
+uint64_t OutFile::Finish() {
+  Flush();
+  const int fd = fd_;
+  fd_ = -1;
+  const bool synced = fsync(fd) == 0;
+  const int error = errno;
+  if (close(fd) != 0 || !synced) {
+    if (!synced) errno = error;
+    Fail(path_);
+  }
+  return written_;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,66 @@
+#include "indexer/write/page_text_writer.h"
+
+#include <array>
+#include <fstream>
+
+#include "indexer/report/index_error.h"
+#include "indexer/words/symbols.h"
+
+namespace vela::indexer {
+
+namespace {
+constexpr size_t kWaitingBytes = 5;  // 4 of the number, 1 of the variant
+}
+
+PageTextWriter::PageTextWriter(const std::filesystem::path& folder)
+    : temporary_(folder / "pagetext.tmp") {
+  waiting_.emplace(temporary_);
+}
+
+void PageTextWriter::AddPage(const std::vector<PageToken>& tokens) {
+  for (const PageToken& token : tokens) {
+    waiting_->WriteNumber(uint64_t{token.variant} << 32 | token.number, kWaitingBytes);
+  }
+  tokens_ += tokens.size();
+}
+
+uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
+                                const std::vector<uint32_t>& order, size_t tokenBytes) {
+  waiting_->Close();
+  waiting_.reset();
+  const uint32_t firstWord = ReservedLimits().limit + 1;
+  std::vector<uint32_t> numbers(order.size());
+  for (uint32_t place = 0; place < order.size(); ++place) numbers[order[place]] = firstWord + place;
+
+  OutFile out(path);
+  std::ifstream in(temporary_, std::ios::binary);
+  std::vector<char> buffer(kWaitingBytes * 16384);
+  while (in) {
+    in.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    const auto got = static_cast<size_t>(in.gcount());
+    for (size_t i = 0; i + kWaitingBytes <= got; i += kWaitingBytes) {
+      uint32_t number = 0;
+      for (size_t b = 4; b-- > 0;) {
+        number = number << 8 | static_cast<unsigned char>(buffer[i + b]);
+      }
+      if (number >= kWordBase) number = numbers[number - kWordBase];
+      const auto variant = static_cast<unsigned char>(buffer[i + 4]);
+      out.WriteNumber(number | uint64_t{variant} << (8 * (tokenBytes - 1)), tokenBytes);
+    }
+  }
+  if (out.size() != tokens_ * tokenBytes) {
+    throw IndexError(ExitStatus::kFailed, "Cannot read the temporary file " + temporary_.string() +
+                                              " back. Check the disk it lies on.");
+  }
+  in.close();
+  std::filesystem::remove(temporary_);
+  return out.Finish();
+}
+
+size_t TokenBytes(uint64_t entries) {
+  size_t bytes = 1;
+  while (entries >> (8 * bytes) != 0) ++bytes;
+  return bytes + 1;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,128 @@
+#include "indexer/write/recommended_writer.h"
+
+#include <algorithm>
+
+#include "indexer/extract/charset.h"
+#include "indexer/report/index_error.h"
+#include "indexer/site/address.h"
+#include "indexer/words/word_cut.h"
+#include "indexer/write/out_file.h"
+#include "text/lower.h"
+#include "text/word_split.h"
+
+namespace vela::indexer {
+
+namespace {
+
+std::string Trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r";
+  const size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == text.npos) return {};
+  return std::string(text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1));
+}
+
+std::string AddressOf(const RecommendedRule& rule, const std::string& base) {
+  return ResolveAddress(base, AsEncoded(rule.address));
+}
+
+// One keyword as a query that says the same would be compared with it.
+std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
+  std::string text(keyword);
+  CleanText(text);
+  LowerUtf8(text.data(), text.size());
+  std::erase(text, '"');
+  text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
+  std::string form;
+  if (!charset.Exactly(CollapseBlanks(text), form)) return {};
+  return form;
+}
+
+std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
+  std::string forms;
+  while (!keywords.empty()) {
+    const size_t end = std::min(keywords.find(','), keywords.size());
+    const std::string_view keyword = keywords.substr(0, end);
+    keywords.remove_prefix(std::min(end + 1, keywords.size()));
+    std::vector<std::string> spellings = PlainForms(keyword);  // "cafe" for "café" as well
+    spellings.emplace(spellings.begin(), keyword);
+    for (const std::string& spelling : spellings) {
+      const std::string form = QueryForm(spelling, charset);
+      if (!form.empty()) forms.append(forms.empty() ? "" : ",").append(form);
+    }
+  }
+  return forms;
+}
+
+}  // namespace
+
+std::vector<RecommendedRule> ReadRecommendedRules(std::string_view text, const std::string& path) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  if (!IsValidUtf8(text)) {
+    throw IndexError(ExitStatus::kUsage, path + " is not written in UTF-8. Save it so.");
+  }
+  std::vector<RecommendedRule> rules;
+  for (size_t number = 1; !text.empty(); ++number) {
+    const size_t end = std::min(text.find('\n'), text.size());
+    const std::string line = Trimmed(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (line.empty() || line.starts_with('#')) continue;
+    const size_t equals = std::min(line.find('='), line.size());
+    RecommendedRule rule;
+    rule.keywords = Trimmed(std::string_view(line).substr(0, equals));
+    rule.address = Trimmed(std::string_view(line).substr(std::min(equals + 1, line.size())));
+    rule.where = path + ", line " + std::to_string(number);
+    if (rule.keywords.empty() || rule.address.empty()) {
+      throw IndexError(ExitStatus::kUsage,
+                       rule.where + ": \"" + line + "\" is not of the form KEYWORDS = ADDRESS.");
+    }
+    rules.push_back(std::move(rule));
+  }
+  return rules;
+}
+
+PageOffsets WantedPages(const std::vector<RecommendedRule>& rules, const std::string& base) {
+  PageOffsets pages;
+  for (const RecommendedRule& rule : rules) pages[AddressOf(rule, base)] = kNotRead;
+  return pages;
+}
+
+void NotePage(PageOffsets& pages, std::span<const std::string> addresses, uint64_t offset) {
+  const auto note = [&](const std::string& address) {
+    const auto found = pages.find(address);
+    if (found != pages.end() && found->second == kNotRead) found->second = offset;
+  };
+  for (const std::string& address : addresses) {
+    note(address);
+    const size_t name = address.rfind('/') + 1;
+    if (std::string_view(address).substr(name).starts_with("index.")) note(address.substr(0, name));
+  }
+}
+
+RecommendedSizes WriteRecommended(const std::filesystem::path& path,
+                                  const std::vector<RecommendedRule>& rules,
+                                  const PageOffsets& pages, const std::string& base,
+                                  const IndexCharset& charset) {
+  RecommendedSizes sizes;
+  OutFile file(path);
+  for (const RecommendedRule& rule : rules) {
+    const auto page = pages.find(AddressOf(rule, base));
+    if (page == pages.end() || page->second == kNotRead) {
+      sizes.unknown.push_back(rule.where + ": there is no page " + rule.address + " to recommend");
+      continue;
+    }
+    const std::string keywords = QueryForms(rule.keywords, charset);
+    if (keywords.empty() || keywords.size() > kMostKeywordBytes) {
+      sizes.unknown.push_back(rule.where + ": the keywords of " + rule.address +
+                              (keywords.empty() ? " hold no word" : " are too long"));
+      continue;
+    }
+    const std::string line = keywords + " " + std::to_string(page->second) + "\n";
+    sizes.longestLine = std::max(sizes.longestLine, line.size());
+    file.Write(line);
+    ++sizes.entries;
+  }
+  sizes.fileBytes = file.Finish();
+  return sizes;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,208 @@
+#include "indexer/write/settings_writer.h"
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <vector>
+
+#include "indexer/collect/meta_values.h"
+#include "indexer/config/setting_keys.h"
+#include "indexer/report/index_error.h"
+#include "indexer/site/category_set.h"
+#include "indexer/words/stored_text.h"
+#include "indexer/words/symbols.h"
+#include "indexer/words/word_cut.h"
+#include "indexer/write/out_file.h"
+#include "settings/language_strings.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// What the search program reads of a line.
+constexpr size_t kMaxLineBytes = 2046;
+constexpr std::string_view kLineLengthKey = "MaxKeyWordLineLen";
+
+// The lines of the file as they are put together.
+struct SettingsText {
+  const IndexCharset& charset;
+  std::string text;
+
+  void Add(std::string_view key, int64_t value) {
+    if (value > std::numeric_limits<int32_t>::max()) {
+      throw IndexError(ExitStatus::kFailed, "The site is too large for one index (" +
+                                                std::string(key) + " = " + std::to_string(value) +
+                                                "). Index its parts into several folders.");
+    }
+    text.append(key).append(" = ").append(std::to_string(value)).append("\n");
+  }
+  void AddCount(std::string_view key, uint64_t value) {
+    Add(key, static_cast<int64_t>(std::min<uint64_t>(value, std::numeric_limits<int64_t>::max())));
+  }
+  void AddText(std::string_view key, std::string_view value) {
+    text.append(key).append(" = \"").append(charset.WithReferences(value)).append("\"\n");
+  }
+  void AddLine(std::string_view line) { text.append(line).append("\n"); }
+};
+
+void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
+  for (const NumberKey& key : NumberKeys()) {
+    if (key.key == kLineLengthKey) continue;
+    const auto given = config.settings.find(key.key);
+    int32_t value = given == config.settings.end() ? key.value : given->second.number;
+    if (key.key == "UseVelaImage" && !config.images) value = 0;
+    out.Add(key.key, value);
+  }
+  for (const TextKey& key : TextKeys()) {
+    const auto given = config.settings.find(key.key);
+    const std::string_view value = given == config.settings.end() ? key.value : given->second.text;
+    // References for what the character set lacks make a text longer than it was when it was read.
+    if (out.charset.WithReferences(value).size() > key.mostBytes) {
+      throw IndexError(ExitStatus::kUsage, std::string(key.key) + " is too long when written in " +
+                                               out.charset.name() + ", with more than " +
+                                               std::to_string(key.mostBytes) +
+                                               " bytes. Make it shorter.");
+    }
+    out.AddText(key.key, value);
+  }
+}
+
+void AddCharset(const IndexCharset& charset, SettingsText& out) {
+  out.Add("UseUTF8", charset.utf8() ? 1 : 0);
+  out.AddText("Charset", charset.name());
+  out.Add("Codepage", charset.codepage());
+  // In UTF-8 the program folds case by itself. Accents need no table: words are in the dictionary
+  // with and without them.
+  out.Add("MapAccents", charset.uppers().empty() ? 0 : 1);
+  if (charset.uppers().empty()) return;
+  const auto addItems = [&out](std::string_view key, std::string_view letters) {
+    out.text.append(key);
+    for (size_t i = 0; i < letters.size(); ++i) {
+      out.text.append(i == 0 ? " = \"" : ",\"") += letters[i];
+      out.text += '"';
+    }
+    out.text += '\n';
+  };
+  addItems("AccentChars", charset.uppers());
+  addItems("NormalChars", charset.lowers());
+}
+
+void AddCategories(const std::vector<CategoryRule>& categories, SettingsText& out) {
+  out.Add("UseCats", categories.empty() ? 0 : 1);
+  if (categories.empty()) return;
+  out.AddCount("NumCats", categories.size());
+  out.AddCount("NumCatBytes", CategoryBytes(categories.size()));
+  out.AddLine("catnames");
+  for (const CategoryRule& category : categories) {
+    out.AddLine(StoredText(category.name, out.charset));
+  }
+}
+
+void AddFields(const std::vector<FieldRule>& fields, SettingsText& out) {
+  out.Add("UseMetaFields", fields.empty() ? 0 : 1);
+  if (fields.empty()) return;
+  out.AddCount("NumMetaFields", fields.size());
+  out.AddLine("metafields");
+  for (const FieldRule& field : fields) {
+    out.AddLine(std::to_string(field.kind));
+    out.AddLine(field.name);
+    out.AddLine(StoredText(field.label, kMostFieldLabelBytes, out.charset));
+    out.AddLine({});  // a text that the search program reads and shows nowhere
+    out.AddLine(std::to_string(field.method));
+    out.AddLine(std::to_string(field.values.size()));
+    for (const std::string& value : field.values) {
+      out.AddLine(StoredText(value, kMostListValueBytes, out.charset));
+    }
+  }
+}
+
+std::string TrimmedLine(std::string_view line) {
+  const size_t begin = line.find_first_not_of(" \t\r");
+  if (begin == line.npos) return {};
+  return std::string(line.substr(begin, line.find_last_not_of(" \t\r") - begin + 1));
+}
+
+}  // namespace
+
+std::string CheckedLanguage(std::string_view content, const std::string& name) {
+  if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
+  std::map<std::string, std::string, std::less<>> lines;
+  while (!content.empty()) {
+    const size_t end = std::min(content.find('\n'), content.size());
+    const std::string line = TrimmedLine(content.substr(0, end));
+    content.remove_prefix(std::min(end + 1, content.size()));
+    const size_t keyEnd = line.find_first_of(" \t=");
+    if (!line.starts_with(kLanguageKeyPrefix) || keyEnd == line.npos) continue;
+    const size_t open = line.find('"');
+    if (open == line.npos || line.find('"', open + 1) != line.size() - 1 ||
+        line.size() > kMaxLineBytes) {
+      throw IndexError(ExitStatus::kUsage, "The language file " + name +
+                                               " has a line that is not of the form KEY = "
+                                               "\"text\": " +
+                                               line.substr(0, 80));
+    }
+    lines[line.substr(0, keyEnd)] = line.substr(open);
+  }
+  std::string checked;
+  for (const std::string_view key : kLanguageKeys) {
+    const auto found = lines.find(key);
+    if (found == lines.end()) {
+      throw IndexError(ExitStatus::kUsage, "The language file " + name + " lacks the text " +
+                                               std::string(key) + ". Add the line " +
+                                               std::string(key) + " = \"...\".");
+    }
+    checked.append(key).append(" = ").append(found->second).append("\n");
+  }
+  return checked;
+}
+
+size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
+  size_t length = 0;
+  for (const NumberKey& key : NumberKeys()) {
+    if (key.key == kLineLengthKey) length = static_cast<size_t>(key.value);
+  }
+  const auto given = config.settings.find(kLineLengthKey);
+  if (given != config.settings.end()) length = static_cast<size_t>(given->second.number);
+  return std::max(length, longestRecommended + 1);
+}
+
+uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
+                       const SiteConfig& config, const IndexCharset& charset,
+                       const std::string& language) {
+  SettingsText out{charset, {}};
+  out.AddText("Version", VELA_VERSION);
+  AddCharset(charset, out);
+  out.AddText("WordJoinChars", kWordJoinChars);
+  out.Add("ToLowerSearchWords", 1);
+  out.Add("UseStemming", config.stemming < 0 ? 0 : 1);
+  if (config.stemming >= 0) out.Add("StemmingAlgo", config.stemming);
+  AddOwnersKeys(config, out);
+  AddCategories(config.categories, out);
+  AddFields(config.fields, out);
+  out.Add("Spelling", facts.spellings == 0 ? 0 : 1);
+  out.AddCount("NumSpellings", facts.spellings);
+  out.Add("Recommended", facts.recommended == 0 ? 0 : 1);
+  out.AddCount("NumRecommended", facts.recommended);
+  out.Add("UseAutoComplete", facts.autocomplete == 0 ? 0 : 1);
+  out.AddCount(kLineLengthKey, facts.lineLength);
+
+  const ReservedNumbers reserved = ReservedLimits();
+  out.Add("UseBigPageInfoData", 0);
+  out.AddCount("DictIDLen", facts.tokenBytes);
+  out.Add("DictReservedLimit", reserved.limit);
+  out.Add("DictReservedPrefixes", reserved.prefixes);
+  out.Add("DictReservedSuffixes", reserved.suffixes);
+  out.Add("DictReservedNoSpaces", reserved.noSpaces);
+  out.AddCount("NumKeywords", facts.dictionary.entries);
+  out.AddCount("NumVariants", facts.dictionary.variants);
+  out.AddCount("OutputBasewordBufferSize", facts.dictionary.baseBytes);
+  out.AddCount("OutputVariantBufferSize", facts.dictionary.variantBytes);
+  out.AddCount("NumPages", facts.pages);
+  out.AddCount("PageInfoSize", facts.pageInfoBytes);
+  out.text += charset.WithReferences(language);
+  OutFile file(path);
+  file.Write(out.text);
+  return file.Finish();
+}
+
+}  // namespace vela::indexer

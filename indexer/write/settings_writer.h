@@ -1,0 +1,42 @@
+// settings_writer.h: settings.vdat, read by src/settings/settings_file.h.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "indexer/config/site_config.h"
+#include "indexer/words/index_charset.h"
+#include "indexer/write/dictionary_writer.h"
+
+namespace vela::indexer {
+
+struct IndexFacts {
+  DictionarySizes dictionary;
+  uint64_t pages = 0;
+  uint64_t pageInfoBytes = 0;
+  size_t tokenBytes = 0;      // DictIDLen
+  uint64_t spellings = 0;     // NumSpellings
+  uint64_t recommended = 0;   // NumRecommended
+  uint64_t autocomplete = 0;  // lines of its file
+  size_t lineLength = 256;    // MaxKeyWordLineLen; see KeyWordLineLength
+};
+
+// Checks the content of a language file, lines `STR_KEY = "text"` for each of the 49 keys, and
+// returns those lines in the order of the keys. Throws IndexError naming what is missing; `name`
+// is how the file is called in the message.
+std::string CheckedLanguage(std::string_view content, const std::string& name);
+
+// MaxKeyWordLineLen: what the configuration says, and at least so much that the longest line of the
+// recommended file, its line feed included, can be read in one piece.
+size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended);
+
+// Writes every setting that a good results page needs, with what the configuration says instead of
+// the defaults. `language` comes from CheckedLanguage. Returns the size of the file. The search
+// program rejects numbers above 2147483647: IndexError.
+uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
+                       const SiteConfig& config, const IndexCharset& charset,
+                       const std::string& language);
+
+}  // namespace vela::indexer

@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""Keeps the documents in step with the programs: settings, markers, options, keys, links."""
+import os
+import re
+import subprocess
+import sys
+import tomllib
+import unittest
+from pathlib import Path
+
+PROJECT = Path(__file__).resolve().parents[3]
+DOCS = PROJECT / "docs"
+BIN = Path(os.environ["VELA_BIN"])
+
+
+def text(*parts):
+    return PROJECT.joinpath(*parts).read_text(encoding="utf-8")
+
+
+def settings_rows():
+    """The rows of docs/settings.md: key, default, meaning and example; a row may name two keys."""
+    rows = {}
+    for line in text("docs", "settings.md").splitlines():
+        cells = [cell.strip() for cell in line.strip("|").split(" | ")]
+        keys = re.findall(r"`(\w+)`", cells[0])
+        if not line.startswith("| `") or len(cells) != 4:
+            continue
+        defaults = [value.strip() for value in cells[1].split(",")]
+        for index, key in enumerate(keys):
+            default = defaults[min(index, len(defaults) - 1)].strip("`")
+            rows[key] = (default, cells[2], cells[3])
+    return rows
+
+
+class Settings(unittest.TestCase):
+    def test_every_key_has_a_row_and_every_row_a_key(self):
+        source = text("src", "settings", "settings_file.cc")
+        keys = set(re.findall(r'\{"(\w+)", &Settings::', source))
+        keys |= set(re.findall(r'\{"(\w+)", Store<', source))
+        self.assertGreater(len(keys), 80)
+        self.assertEqual(set(settings_rows()), keys | {"catnames", "metafields"})
+
+    def test_every_row_tells_meaning_and_example(self):
+        for key, (_, meaning, example) in settings_rows().items():
+            with self.subTest(key=key):
+                self.assertTrue(meaning)
+                self.assertIn("`", example)
+
+    def test_the_defaults_of_numbers(self):
+        rows = settings_rows()
+        fields = re.findall(r"int32_t (\w+) = (-?\d+);", text("src", "settings", "settings.h"))
+        checked = 0
+        for key, value in fields:
+            if key in rows:
+                self.assertEqual(rows[key][0], value, key)
+                checked += 1
+        self.assertGreater(checked, 70)
+
+
+class Template(unittest.TestCase):
+    def test_every_marker_is_described(self):
+        source = text("src", "output", "template.cc") + text("src", "output", "sections.h")
+        markers = set(re.findall(r"VELA_SHOW_\w+|VELASEARCH", source))
+        self.assertGreater(len(markers), 15)
+        page = text("docs", "template.md")
+        self.assertEqual([name for name in sorted(markers) if name not in page], [])
+
+
+class Manual(unittest.TestCase):
+    def test_options_of_help_and_manual(self):
+        told = subprocess.run([BIN / "vela_index", "--help"], capture_output=True, text=True,
+                              check=True).stdout
+        of_help = set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", told, re.M))
+        page = text("docs", "man", "vela_index.1").replace("\\-", "-")
+        of_manual = set(re.findall(r"--[a-z][\w-]+", page.split(".SH OPTIONS")[1]))
+        self.assertGreater(len(of_help), 10)
+        self.assertEqual(of_help, of_manual)
+
+    def test_keys_of_the_example_and_the_manual(self):
+        example = text("assets", "vela_index.example.toml")
+        keys = set(re.findall(r"^(?:# )?(\w+) = ", example, re.M))
+        page = text("docs", "man", "vela_index.toml.5")
+        self.assertGreater(len(keys), 40)
+        self.assertEqual([key for key in sorted(keys) if key not in page], [])
+        tomllib.loads(example)
+
+    def test_pages_are_well_formed(self):
+        pages = sorted((DOCS / "man").iterdir())
+        self.assertEqual([page.name for page in pages],
+                         ["vela_index.1", "vela_index.toml.5", "vela_search.1"])
+        for page in pages:
+            run = subprocess.run(["groff", "-man", "-Tutf8", "-ww", page], capture_output=True,
+                                 text=True, check=True)
+            self.assertEqual(run.stderr, "", page.name)
+
+
+class Links(unittest.TestCase):
+    def test_links_lead_somewhere(self):
+        pages = [PROJECT / "README.md", *sorted(PROJECT.glob("*/**/*.md"))]
+        pages = [page for page in pages
+                 if not {"build", "node_modules"} & set(page.relative_to(PROJECT).parts)]
+        links = 0
+        for page in pages:
+            plain = re.sub(r"```.*?```", "", page.read_text(encoding="utf-8"), flags=re.S)
+            for link in re.findall(r"\]\(([^)#]+)[^)]*\)", plain):
+                if "://" not in link:
+                    links += 1
+                    self.assertTrue((page.parent / link).exists(), f"{page.name}: {link}")
+        self.assertGreater(links, 15)
+
+
+if __name__ == "__main__":
+    sys.exit(unittest.main(verbosity=2))

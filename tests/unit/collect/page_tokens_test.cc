@@ -1,0 +1,157 @@
+#include "indexer/collect/page_tokens.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/words/symbols.h"
+
+namespace vela::indexer {
+namespace {
+
+struct CutResult {
+  Vocabulary vocabulary;
+  PageWords words;
+
+  const Posting* Find(std::string_view text) const {
+    for (const Posting& posting : words.postings) {
+      if (TextOf(vocabulary.words[posting.word]) == text) return &posting;
+    }
+    return nullptr;
+  }
+  // The base words of the tokens; ends of runs as "|", of the page as "."
+  std::string Tokens() const {
+    std::string line;
+    for (const PageToken& token : words.tokens) {
+      if (token.number == kRunEnd) {
+        line += "| ";
+      } else if (token.number == kPageEnd) {
+        line += ".";
+      } else if (token.number >= kWordBase) {
+        line.append(TextOf(vocabulary.words[token.number - kWordBase])).append(" ");
+      } else {
+        line += "# ";
+      }
+    }
+    return line;
+  }
+};
+
+CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
+                const std::string& description = "", const std::string& address = "") {
+  CutResult result;
+  PageContent page;
+  page.body = body;
+  page.description = description;
+  const IndexCharset utf8;
+  WordForms forms(utf8, -1);
+  CutPage(page, title, address, 0, forms, result.vocabulary, result.words);
+  return result;
+}
+
+// "w0 w1 w2 ..." of so many words.
+std::string Words(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += "w" + std::to_string(i) + " ";
+  return text;
+}
+
+TEST(PageWords, RunsStandInOrder) {
+  EXPECT_EQ(CutOf({{"One two.", 0}, {"three", 2}}, "Title", "About it", "dir page").Tokens(),
+            "one two # three | title | about it | dir page .");
+  EXPECT_EQ(CutOf({}, "Title").Tokens(), "title .");
+  EXPECT_EQ(CutOf({{"body", 0}}, "...", "", "a").Tokens(), "body | a .");
+  EXPECT_EQ(CutOf({}, "").Tokens(), ".");
+}
+
+TEST(PageWords, PositionIsTheFirstTokenOfTheBody) {
+  const CutResult page = CutOf({{"a (b) c node.js c", 0}}, "Title c", "only-here b", "x");
+  EXPECT_EQ(page.Tokens(), "a # b # c node.js c | title c | only-here b | x .");
+  EXPECT_EQ(page.Find("a")->token, 0u);
+  EXPECT_EQ(page.Find("b")->token, 2u);
+  EXPECT_EQ(page.Find("c")->token, 4u);
+  EXPECT_EQ(page.Find("node.js")->token, 5u);
+  EXPECT_EQ(page.Find("js")->token, 5u);  // a part stands where its word stands
+  EXPECT_EQ(page.Find("title")->token, 8u);
+  EXPECT_EQ(page.Find("only-here")->token, 11u);
+  EXPECT_EQ(page.Find("x")->token, 14u);
+}
+
+TEST(PageWords, CountsOccurrences) {
+  const CutResult page = CutOf({{"b b a-a", 0}, {"b", 1}}, "b c", "b");
+  EXPECT_EQ(page.Find("b")->total, 5);
+  EXPECT_EQ(page.Find("b")->body, 3);
+  EXPECT_EQ(page.Find("a")->total, 1);  // both parts of one word
+  EXPECT_EQ(page.Find("c")->total, 1);
+  EXPECT_EQ(page.Find("c")->body, 0);
+  std::string many;
+  for (int i = 0; i < 300; ++i) many += "x ";
+  EXPECT_EQ(CutOf({{many, 0}}, "t").Find("x")->total, 255);
+}
+
+TEST(PageWords, KnowsTheZones) {
+  const CutResult page = CutOf({{"a b", 1}, {"a c", 3}, {"d", 6}, {"e", 0}}, "a", "b", "c");
+  EXPECT_EQ(page.Find("a")->zones, kInMainHeading | kInHeading | kInTitle);
+  EXPECT_EQ(page.Find("b")->zones, kInMainHeading | kInDescription);
+  EXPECT_EQ(page.Find("c")->zones, kInHeading | kInAddress);
+  EXPECT_EQ(page.Find("d")->zones, kInSmallHeading);
+  EXPECT_EQ(page.Find("e")->zones, 0);
+  EXPECT_TRUE(page.vocabulary.words[page.Find("a")->word].inTitle);
+  EXPECT_FALSE(page.vocabulary.words[page.Find("b")->word].inTitle);
+}
+
+TEST(PageWords, BlocksOfAShortPageHave32Words) {
+  const CutResult page = CutOf({{Words(65), 0}}, "t");
+  EXPECT_EQ(page.Find("w0")->blocks, 0x80);
+  EXPECT_EQ(page.Find("w31")->blocks, 0x80);
+  EXPECT_EQ(page.Find("w32")->blocks, 0x40);
+  EXPECT_EQ(page.Find("w63")->blocks, 0x40);
+  EXPECT_EQ(page.Find("w64")->blocks, 0x20);
+  EXPECT_EQ(page.Find("t")->blocks, 0x80);
+}
+
+TEST(PageWords, BlocksOfALongPageAreEighths) {
+  // ceil(257 / 8) = 33 words a block: the seventh ends with word 230, the last has 26.
+  const CutResult page = CutOf({{Words(257), 0}}, "t");
+  EXPECT_EQ(page.Find("w32")->blocks, 0x80);
+  EXPECT_EQ(page.Find("w33")->blocks, 0x40);
+  EXPECT_EQ(page.Find("w230")->blocks, 0x02);
+  EXPECT_EQ(page.Find("w231")->blocks, 0x01);
+  EXPECT_EQ(page.Find("w256")->blocks, 0x01);
+}
+
+TEST(PageWords, SignsAreNoWords) {
+  std::string text;
+  for (int i = 0; i < 31; ++i) text += "( ; ";
+  const CutResult page = CutOf({{text + Words(33), 0}}, "t");
+  EXPECT_EQ(page.words.bodyWords, 33u);
+  EXPECT_EQ(page.Find("w31")->blocks, 0x80);
+  EXPECT_EQ(page.Find("w32")->blocks, 0x40);
+}
+
+TEST(PageWords, AWordCollectsItsBlocks) {
+  const CutResult page = CutOf({{"x " + Words(40) + "x", 0}}, "t");
+  EXPECT_EQ(page.Find("x")->blocks, 0xC0);
+}
+
+TEST(PageWords, CountsDifferentTitleWords) {
+  EXPECT_EQ(CutOf({}, "Python and the python — 3.11.").words.titleWords, 4u);
+  EXPECT_EQ(CutOf({{"body words", 0}}, "One").words.titleWords, 1u);
+}
+
+TEST(PageWords, VariantsAreThoseOfTheSite) {
+  Vocabulary vocabulary;
+  PageWords words;
+  PageContent page;
+  page.body = {{"Cat CAT cat", 0}};
+  const IndexCharset utf8;
+  WordForms forms(utf8, -1);
+  CutPage(page, "x", "", 0, forms, vocabulary, words);
+  CutPage(page, "x", "", 1, forms, vocabulary, words);
+  EXPECT_EQ(words.tokens[0].variant, 1);
+  EXPECT_EQ(words.tokens[1].variant, 2);
+  EXPECT_EQ(words.tokens[2].variant, 0);
+  EXPECT_EQ(vocabulary.words[0].pageCount, 2u);
+  EXPECT_EQ(vocabulary.words[0].mostOnPage, 3);
+}
+
+}  // namespace
+}  // namespace vela::indexer

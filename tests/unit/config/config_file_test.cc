@@ -1,0 +1,325 @@
+#include "indexer/config/config_file.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/config/embedded_files.h"
+#include "indexer/report/index_error.h"
+#include "settings/settings.h"
+#include "support/indexer_site.h"
+
+namespace vela::indexer {
+namespace {
+
+Options Read(std::string_view text) {
+  Options options;
+  ReadConfigText(text, "/owner/vela_index.toml", options);
+  return options;
+}
+
+// The message about a wrong file.
+std::string MessageOf(std::string_view text) {
+  try {
+    Read(text);
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kUsage);
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(ConfigFile, AnEmptyFileLeavesTheDefaults) {
+  const Options options = Read("");
+  EXPECT_EQ(options.site, "");
+  EXPECT_EQ(options.language, "english");
+  EXPECT_EQ(options.config.charset, "utf-8");
+  EXPECT_EQ(options.config.stemming, -1);
+  EXPECT_TRUE(options.config.spelling);
+}
+
+TEST(ConfigFile, ReadsTheSite) {
+  const Options options = Read(R"([site]
+folder = "pages"
+base_url = "/"
+out = "/srv/search"
+exclude = ["drafts", "*.old"]
+html = ["html", ".php"]
+text = []
+template = "minimal"
+language = "mine.vlang"
+[index]
+memory = 8
+max_file_size = 3
+charset = "Windows-1252"
+stemming = "german"
+dates = ["time", "meta"]
+images = false
+)");
+  EXPECT_EQ(options.site, "/owner/pages");  // from the file's folder on
+  EXPECT_EQ(options.baseUrl, "/");
+  EXPECT_EQ(options.out, "/srv/search");
+  EXPECT_EQ(options.exclude, (std::vector<std::string>{"drafts", "*.old"}));
+  EXPECT_EQ(options.config.htmlEndings, (std::vector<std::string>{"html", "php"}));
+  EXPECT_TRUE(options.config.textEndings.empty());
+  EXPECT_EQ(options.templateName, "minimal");
+  EXPECT_EQ(options.language, "/owner/mine.vlang");
+  EXPECT_EQ(options.memoryMegabytes, 8u);
+  EXPECT_EQ(options.maxFileMegabytes, 3u);
+  EXPECT_EQ(options.config.charset, "Windows-1252");
+  EXPECT_EQ(options.config.stemming, 5);
+  EXPECT_EQ(options.config.dates, (std::vector<DateSource>{DateSource::kTime, DateSource::kMeta}));
+  EXPECT_FALSE(options.config.images);
+}
+
+TEST(ConfigFile, ReadsWhatTheSearchOffers) {
+  const SiteConfig config = Read(R"([search]
+address = "https://x.example/search/search.cgi"
+name = "X"
+description = "All of X"
+style_sheet = ""
+[spelling]
+use = false
+below = 4
+[suggestions]
+use = false
+most = 7
+[recommended]
+most = 2
+[recommended.pages]
+"zeal, zest" = "z.html"
+about = "a.html"
+[log]
+use = true
+file = "logs/a.log"
+[[category]]
+name = "News"
+pages = ["news/*"]
+[[boost]]
+pages = ["help/*"]
+factor = 2.5
+[[field]]
+name = "price"
+kind = "money"
+compare = "at_most"
+[[field]]
+name = "topic"
+meta = "dc.subject"
+label = "Topic"
+kind = "choices"
+compare = "all"
+values = ["Art", "Sport"]
+[settings]
+DefaultToAnd = 1
+LinkTarget = "_blank"
+)")
+                                .config;
+  EXPECT_EQ(config.searchAddress, "https://x.example/search/search.cgi");
+  EXPECT_EQ(config.searchName, "X");
+  EXPECT_EQ(config.searchDescription, "All of X");
+  EXPECT_EQ(config.styleSheet, "");
+  EXPECT_FALSE(config.spelling);
+  EXPECT_EQ(config.settings.at("SpellingWhenLessThan").number, 4);
+  EXPECT_FALSE(config.suggestions);
+  EXPECT_EQ(config.mostSuggestions, 7u);
+  EXPECT_EQ(config.settings.at("RecommendedMax").number, 2);
+  ASSERT_EQ(config.recommended.size(), 2u);
+  EXPECT_EQ(config.recommended[0].keywords, "zeal, zest");  // in the order of the file
+  EXPECT_EQ(config.recommended[1].address, "a.html");
+  EXPECT_EQ(config.recommended[1].where, "/owner/vela_index.toml, line 16");
+  EXPECT_EQ(config.settings.at("Logging").number, 1);
+  EXPECT_EQ(config.settings.at("LogFileName").text, "logs/a.log");
+  ASSERT_EQ(config.categories.size(), 1u);
+  EXPECT_EQ(config.categories[0].pages, std::vector<std::string>{"news/*"});
+  ASSERT_EQ(config.boosts.size(), 1u);
+  EXPECT_EQ(config.boosts[0].tenths, 25);
+  ASSERT_EQ(config.fields.size(), 2u);
+  EXPECT_EQ(config.fields[0].meta, "price");
+  EXPECT_EQ(config.fields[0].kind, kMetaMoney);
+  EXPECT_EQ(config.fields[0].method, 1);
+  EXPECT_EQ(config.fields[1].meta, "dc.subject");
+  EXPECT_EQ(config.fields[1].label, "Topic");
+  EXPECT_EQ(config.fields[1].kind, kMetaMultiple);
+  EXPECT_EQ(config.fields[1].method, 1);
+  EXPECT_EQ(config.fields[1].values.size(), 2u);
+  EXPECT_EQ(config.settings.at("DefaultToAnd").number, 1);
+  EXPECT_EQ(config.settings.at("LinkTarget").text, "_blank");
+}
+
+TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
+  const struct {
+    const char* text;
+    const char* line;
+    const char* message;
+  } kCases[] = {
+      {"[site\n", "line 1: ", "Texts stand in quotes"},
+      {"a = 1\n", "line 1: ", "there is no \"a\" in the file. Known there: site, index"},
+      {"\n[sight]\n", "line 2: ", "there is no \"sight\""},
+      {"[site]\nfoldr = \"x\"\n", "line 2: ", "no \"foldr\" in [site]. Known there: folder"},
+      {"[site]\nfolder = 3\n", "line 2: ", "folder in [site] must be a text in quotes"},
+      {"[site]\nexclude = \"x\"\n", "line 2: ", "must be a list"},
+      {"[site]\nexclude = [\"x\", 1]\n", "line 2: ", "must be a text in quotes"},
+      {"[site]\nhtml = [\"a b\"]\n", "line 2: ", "no ending of file names"},
+      {"site = 1\n", "line 1: ", "must be a table: write [site]"},
+      {"[index]\nmemory = 0\n", "line 2: ", "whole number from 1 to 1048576"},
+      {"[index]\nmemory = \"8\"\n", "line 2: ", "without quotes"},
+      {"[index]\nimages = 1\n", "line 2: ", "must be true or false"},
+      {"[index]\ncharset = \"big5\"\n", "line 2: ", "Give one of utf-8, iso-8859-1"},
+      {"[index]\nstemming = \"klingon\"\n", "line 2: ", "Give one of off, danish"},
+      {"[index]\ndates = [\"moon\"]\n", "line 2: ", "Give some of meta, time, file"},
+      {"[search]\naddress = \"/search.cgi\"\n", "line 2: ", "must be the whole address"},
+      {"[log]\nfile = \"/var/log/x\"\n", "line 2: ", "a path from the index folder on"},
+      {"[[category]]\npages = [\"a\"]\n", "line 1: ", "needs name"},
+      {"[[category]]\nname = \"N\"\n", "line 1: ", "The category \"N\" needs pages"},
+      {"[category]\nname = \"N\"\n", "line 1: ", "write [[category]] before each"},
+      {"[[boost]]\npages = [\"a\"]\n", "line 1: ", "needs factor"},
+      {"[[boost]]\npages = [\"a\"]\nfactor = 26\n", "line 3: ", "a number from 0.1 to 25.5"},
+      {"[[field]]\nname = \"a b\"\n", "line 2: ", "cannot name a field"},
+      {"[[field]]\nname = \"vela_query\"\n", "line 2: ", "cannot name a field"},
+      {"[[field]]\nname = \"a\"\n[[field]]\nname = \"a\"\n", "line 4: ", "another field \"a\""},
+      {"[[field]]\nname = \"a\"\nkind = \"date\"\n",
+       "line 3: ", "Give one of text, number, money, choice, choices"},
+      {"[[field]]\nname = \"a\"\ncompare = \"at_most\"\n",
+       "line 3: ", "Give one of contains, equal, begins"},
+      {"[[field]]\nname = \"a\"\nvalues = [\"x\"]\n", "line 3: ", "Only fields of kind choice"},
+      {"[[field]]\nname = \"a\"\nkind = \"choice\"\n", "line 1: ", "needs values"},
+      {"[[field]]\nname = \"a\"\nkind = \"choices\"\nvalues = [\"x, y\"]\n", "line 4: ", "comma"},
+      {"[settings]\nDefaultSort = 3\n", "line 2: ", "whole number from 0 to 2"},
+      {"[settings]\nLinkTarget = 'a\"b'\n", "line 2: ", "cannot hold a double quote"},
+      {"[settings]\nNumPages = 3\n", "line 2: ", "NumPages cannot be set: it follows"},
+      {"[settings]\nSTR_OR = \"or\"\n", "line 2: ", "texts come from the language file"},
+      {"[settings]\nNoSuch = 3\n", "line 2: ", "there is no \"NoSuch\" in [settings]"},
+      {"[site]\nout = \"a\\nb\"\n", "line 2: ", "a text of one line"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.text);
+    const std::string message = MessageOf(c.text);
+    EXPECT_NE(message.find(c.line), std::string::npos) << message;
+    EXPECT_NE(message.find(c.message), std::string::npos) << message;
+    EXPECT_TRUE(message.starts_with("/owner/vela_index.toml, line "));
+  }
+}
+
+TEST(ConfigFile, TooLongTextsAreRefused) {
+  const std::string fits(255, 'a');
+  EXPECT_EQ(MessageOf("[log]\nfile = \"" + fits + "\"\n"), "no error");
+  EXPECT_NE(MessageOf("[log]\nfile = \"" + fits + "a\"\n").find("at most 255 are possible"),
+            std::string::npos);
+}
+
+// What stands behind "# " and looks like a line of the file, taken as one.
+std::string WithRemarksTaken(std::string_view example) {
+  std::string text;
+  while (!example.empty()) {
+    std::string line(example.substr(0, example.find('\n')));
+    example.remove_prefix(std::min(line.size() + 1, example.size()));
+    const std::string inner = line.starts_with("# ") ? line.substr(2) : "";
+    const size_t equals = inner.find(" = ");
+    const bool isKey = equals != inner.npos && inner.find(' ') == equals;
+    const bool isQuoted = inner.starts_with('"') && equals != inner.npos;
+    if (isKey || isQuoted || inner.starts_with('[')) line = inner;
+    text += line + "\n";
+  }
+  return text;
+}
+
+TEST(ConfigFile, TheExampleIsRightAsItStandsAndWithItsRemarksTaken) {
+  const EmbeddedFile* example = FindEmbeddedFile("vela_index.example.toml");
+  ASSERT_NE(example, nullptr);
+  const Options plain = Read(example->content);
+  EXPECT_EQ(plain.site, "/owner/site");
+  EXPECT_EQ(plain.out, "/owner/search");
+  std::string taken = WithRemarksTaken(example->content);
+  const size_t file = taken.find("file = \"recommended.txt\"");
+  ASSERT_NE(file, std::string::npos);
+  taken.insert(file, "# ");  // the example's file does not exist
+  const SiteConfig config = Read(taken).config;
+  EXPECT_EQ(config.categories.size(), 1u);
+  EXPECT_EQ(config.fields.size(), 1u);
+  EXPECT_EQ(config.boosts.size(), 1u);
+  EXPECT_EQ(config.recommended.size(), 2u);
+  EXPECT_EQ(config.stemming, -1);
+  EXPECT_TRUE(config.settings.contains("MaxSearchTime"));
+}
+
+TEST(ConfigFile, TheExampleIsNeverWrittenOverAFile) {
+  const support::ScratchDirectory scratch;
+  const std::string path = (scratch.path() / "c.toml").string();
+  WriteExampleConfig(path);
+  const std::string written = ReadFile(path);
+  EXPECT_TRUE(written.starts_with("# vela_index.toml"));
+  EXPECT_THROW(WriteExampleConfig(path), IndexError);
+  EXPECT_EQ(ReadFile(path), written);
+}
+
+TEST(ConfigFile, TheRecommendedFileLiesBesideIt) {
+  const support::ScratchDirectory scratch;
+  WriteFile(scratch.path() / "c.toml", "[recommended]\nfile = \"r.txt\"\n");
+  WriteFile(scratch.path() / "r.txt", "# mine\nhours, times = h.html\n");
+  Options options;
+  ReadConfigFile((scratch.path() / "c.toml").string(), options);
+  ASSERT_EQ(options.config.recommended.size(), 1u);
+  EXPECT_EQ(options.config.recommended[0].keywords, "hours, times");
+  EXPECT_TRUE(options.config.recommended[0].where.ends_with("r.txt, line 2"));
+}
+
+TEST(ConfigFile, EveryFaultHasItsLine) {
+  const support::ScratchDirectory scratch;
+  const std::string language = (scratch.path() / "short.vlang").string();
+  WriteFile(language, "STR_FORM_SUBMIT_BUTTON = \"Go\"\n");
+  const struct {
+    std::string text;
+    const char* start;
+  } kCases[] = {
+      {"[site]\nbase_url = \"x.example\"\n",
+       "/owner/vela_index.toml, line 2: base_url (--base-url) "},
+      {"[site]\n\nlanguage = \"klingon\"\n",
+       "/owner/vela_index.toml, line 3: There is no built-in language \"klingon\"."},
+      {"[site]\nlanguage = \"" + language + "\"\n",
+       "/owner/vela_index.toml, line 2: The language file "},
+      {"[index]\nstemming = \"turkish\"\ncharset = \"iso-8859-9\"\n",
+       "/owner/vela_index.toml, line 2: "},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_TRUE(MessageOf(c.text).starts_with(c.start)) << MessageOf(c.text);
+  }
+}
+
+TEST(ConfigFile, ValuesAreCleanedAsThoseOfThePages) {
+  const SiteConfig config = Read(
+                                "[[field]]\nname = \"f\"\nkind = \"choice\"\n"
+                                "values = [\"Cafe\u0301\", \" a\u00A0 b\"]\n")
+                                .config;
+  EXPECT_EQ(config.fields[0].values, (std::vector<std::string>{"Caf\u00E9", "a b"}));
+}
+
+TEST(ConfigFile, TextsOfFeedsAreEscaped) {
+  const SiteConfig config =
+      Read("[settings]\nXMLTitle = \"A & <B>\"\nMetaMoneyCurrency = \"&#36;\"\n").config;
+  EXPECT_EQ(config.settings.at("XMLTitle").text, "A &#38; &#60;B&#62;");
+  EXPECT_EQ(config.settings.at("MetaMoneyCurrency").text, "&#36;");
+}
+
+TEST(ConfigFile, RecommendedPagesOfOneLineStayInOrder) {
+  const SiteConfig config =
+      Read("[recommended]\npages = { zoo = \"z.html\", art = \"a.html\" }\n").config;
+  ASSERT_EQ(config.recommended.size(), 2u);
+  EXPECT_EQ(config.recommended[0].keywords, "zoo");
+}
+
+TEST(ConfigFile, PatternsAreEncodedAsAddressesAre) {
+  const SiteConfig config = Read(R"([[category]]
+name = "C"
+pages = ["Mein Caf\u00E9/*", "a%2fb?.html"]
+[[boost]]
+pages = ["it's/*"]
+factor = 2
+)")
+                                .config;
+  EXPECT_EQ(config.categories[0].pages,
+            (std::vector<std::string>{"Mein%20Caf%C3%A9/*", "a%2Fb?.html"}));
+  EXPECT_EQ(config.boosts[0].pages, std::vector<std::string>{"it%27s/*"});
+  EXPECT_EQ(config.boosts[0].where, "/owner/vela_index.toml, line 4");
+}
+
+}  // namespace
+}  // namespace vela::indexer

@@ -1,0 +1,78 @@
+#include "indexer/config/options.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/scratch_directory.h"
+
+namespace vela::indexer {
+namespace {
+
+ParsedOptions Parse(std::vector<const char*> arguments) {
+  arguments.insert(arguments.begin(), "vela_index");
+  return ParseOptions(static_cast<int>(arguments.size()), arguments.data());
+}
+
+TEST(Options, ReadsAll) {
+  const ParsedOptions parsed = Parse({"--site", "s", "--base-url", "/", "--out", "o", "--template",
+                                      "t", "--language", "german", "--exclude", "a", "--exclude",
+                                      "b*", "--memory", "8", "--max-file-size", "3", "--quiet"});
+  ASSERT_FALSE(parsed.exitStatus.has_value());
+  EXPECT_EQ(parsed.options.site, "s");
+  EXPECT_EQ(parsed.options.baseUrl, "/");
+  EXPECT_EQ(parsed.options.out, "o");
+  EXPECT_EQ(parsed.options.templateName, "t");
+  EXPECT_EQ(parsed.options.language, "german");
+  EXPECT_EQ(parsed.options.exclude, (std::vector<std::string>{"a", "b*"}));
+  EXPECT_EQ(parsed.options.memoryMegabytes, 8u);
+  EXPECT_EQ(parsed.options.maxFileMegabytes, 3u);
+  EXPECT_TRUE(parsed.options.quiet);
+}
+
+TEST(Options, WrongArgumentsEndWithStatus2) {
+  const struct {
+    const char* what;
+    std::vector<const char*> arguments;
+  } kCases[] = {
+      {"nothing", {}},
+      {"no base", {"--site", "s", "--out", "o"}},
+      {"unknown option", {"--site", "s", "--base-url", "/", "--out", "o", "--wrong"}},
+      {"no number", {"--site", "s", "--base-url", "/", "--out", "o", "--memory", "much"}},
+      {"out of range", {"--site", "s", "--base-url", "/", "--out", "o", "--memory", "0"}},
+      {"word without an option", {"--site", "s", "--base-url", "/", "--out", "o", "word"}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(Parse(c.arguments).exitStatus, 2);
+    EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with("vela_index: "));
+  }
+}
+
+TEST(Options, InitTakesNoOtherOption) {
+  const support::ScratchDirectory scratch;
+  const std::string file = (scratch.path() / "new.toml").string();
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Parse({"--init", file.c_str(), "--config", "x"}).exitStatus, 2);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "vela_index: --init writes an example and ends: it does not go with --config. Give "
+            "--init alone, then change the file.\n");
+  EXPECT_FALSE(std::filesystem::exists(file));
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(Parse({"--init", file.c_str()}).exitStatus, 0);
+  testing::internal::GetCapturedStdout();
+  EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+TEST(Options, HelpAndVersionEndWithStatus0) {
+  for (const char* option : {"--help", "--version"}) {
+    SCOPED_TRACE(option);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(Parse({option}).exitStatus, 0);
+    EXPECT_NE(testing::internal::GetCapturedStdout().find("vela_index"), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer

@@ -1,0 +1,424 @@
+#include "index/dictionary.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/loaded_site.h"
+
+namespace vela {
+namespace {
+
+using namespace std::string_literals;
+using support::CapturedResponse;
+using support::OpenDirectory;
+using support::Repeat;
+
+void Prepare(Settings& settings) {
+  settings.NumKeywords = 10;
+  settings.OutputBasewordBufferSize = 1000;
+  settings.OutputVariantBufferSize = 1000;
+}
+
+struct Word {
+  std::string word;
+  int64_t offset;
+  int32_t variantCount;
+  std::vector<std::string> variants;
+};
+
+std::vector<std::string> VariantsOf(const Dictionary& dictionary, int32_t number) {
+  std::vector<std::string> variants;
+  VariantReader reader(dictionary, dictionary.EntryAt(number));
+  std::string_view variant;
+  while (reader.Next(variant)) variants.emplace_back(variant);
+  return variants;
+}
+
+void ExpectWords(const std::string& bytes, const std::vector<Word>& words,
+                 const Settings& settings) {
+  CapturedResponse captured;
+  Dictionary dictionary;
+  ASSERT_EQ(dictionary.Load(bytes, settings, captured.response), DictionaryStatus::kOk);
+  EXPECT_EQ(captured.Text(), "");
+  ASSERT_EQ(dictionary.size(), static_cast<int32_t>(words.size()));
+  for (int32_t i = 0; i < dictionary.size(); ++i) {
+    const Word& expected = words[static_cast<size_t>(i)];
+    SCOPED_TRACE(expected.word);
+    const DictEntry entry = dictionary.EntryAt(i);
+    EXPECT_EQ(dictionary.WordAt(i), expected.word);
+    EXPECT_EQ(entry.word, expected.word);
+    EXPECT_EQ(entry.offset, expected.offset);
+    EXPECT_EQ(entry.variantCount, expected.variantCount);
+    EXPECT_EQ(VariantsOf(dictionary, i), expected.variants);
+    EXPECT_EQ(dictionary.StoredVariants(i), static_cast<int32_t>(expected.variants.size()));
+  }
+}
+
+void ExpectWords(const std::string& bytes, const std::vector<Word>& words) {
+  Settings settings;
+  Prepare(settings);
+  ExpectWords(bytes, words, settings);
+}
+
+void ExpectFailure(std::string_view bytes, const Settings& settings, DictionaryStatus status,
+                   const std::string& html, const std::string& xml) {
+  for (bool isXml : {false, true}) {
+    SCOPED_TRACE(isXml ? "xml" : "html");
+    CapturedResponse captured(isXml);
+    Dictionary dictionary;
+    EXPECT_EQ(dictionary.Load(bytes, settings, captured.response), status);
+    EXPECT_EQ(captured.Text(), isXml ? xml : html);
+  }
+}
+
+void ExpectWrappedFailure(std::string_view bytes, const Settings& settings, DictionaryStatus status,
+                          const std::string& message) {
+  ExpectFailure(bytes, settings, status, message, "<vela:error>" + message + "</vela:error>");
+}
+
+TEST(Dictionary, TwoVariantLinesBelongToTheEntryBeforeThem) {
+  ExpectWords("run 40 2\nruns\nrunning\nwalk 50 0\n",
+              {{"run", 40, 2, {"runs", "running"}}, {"walk", 50, 0, {}}});
+}
+
+TEST(Dictionary, OffsetOfMinusOneMarksAWordWithoutPages) {
+  ExpectWords("run -1 0\n", {{"run", -1, 0, {}}});
+}
+
+TEST(Dictionary, LinesTable) {
+  const struct {
+    const char* what;
+    std::string bytes;
+    std::vector<Word> words;
+  } cases[] = {
+      {"an empty file is an empty dictionary", "", {}},
+      {"carriage returns before line feeds",
+       "run 40 1\r\nruns\r\nwalk 50 0\r\n",
+       {{"run", 40, 1, {"runs"}}, {"walk", 50, 0, {}}}},
+      {"a carriage return behind the offset",
+       "run 40\r\nwalk 50\r\n",
+       {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
+      {"no variant count", "run 40\nwalk 50 0\n", {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
+      {"no offset leaves 0", "run \nwalk 50 0\n", {{"run", 0, 0, {}}, {"walk", 50, 0, {}}}},
+      {"blanks before the word", "   run 40 0\n", {{"run", 40, 0, {}}}},
+      {"several blanks between the numbers", "run   40   1\nruns\n", {{"run", 40, 1, {"runs"}}}},
+      {"a line of blanks holds no word",
+       "  \nrun 40 0\n \nwalk 50 0\n",
+       {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
+      {"letters end a number", "run 4x9 1x\nruns\n", {{"run", 4, 1, {"runs"}}}},
+      {"no digit is 0", "run x y\nwalk - 0\n", {{"run", 0, 0, {}}, {"walk", 0, 0, {}}}},
+      {"only one minus sign", "run --5 0\n", {{"run", 0, 0, {}}}},
+      {"a plus sign is no digit", "run +5 0\n", {{"run", 0, 0, {}}}},
+      {"a 40-bit offset", "run 1099511627775 0\n", {{"run", 1099511627775, 0, {}}}},
+      {"the largest offset", "run 9223372036854775807 0\n", {{"run", INT64_MAX, 0, {}}}},
+      {"an offset wraps at 64 bits", "run 18446744073709551621 0\n", {{"run", 5, 0, {}}}},
+      {"a wrapped offset can be -1", "run 18446744073709551615 0\n", {{"run", -1, 0, {}}}},
+      {"a count wraps at 32 bits",
+       "run 40 4294967297\nruns\nwalk 50 0\n",
+       {{"run", 40, 1, {"runs"}}, {"walk", 50, 0, {}}}},
+      {"a negative count takes no variant lines",
+       "run 40 -2\nwalk 50 0\n",
+       {{"run", 40, -2, {}}, {"walk", 50, 0, {}}}},
+      {"more variants promised than lines left", "run 40 5\nruns\n", {{"run", 40, 5, {"runs"}}}},
+      {"a variant line holds one token",
+       "run 40 1\nruns fast\nwalk 50 0\n",
+       {{"run", 40, 1, {"runs"}}, {"walk", 50, 0, {}}}},
+      {"a variant behind blanks", "run 40 1\n  runs\n", {{"run", 40, 1, {"runs"}}}},
+      {"the last line lacks its line feed", "run 40 0\nwalk 50 0", {{"run", 40, 0, {}}}},
+      {"a last variant lacks its line feed", "run 40 1\nruns", {{"run", 40, 1, {}}}},
+      {"a NUL ends a line", "run 40\0 1\nwalk 50 0\n"s, {{"run", 40, 0, {}}, {"walk", 50, 0, {}}}},
+      {"a NUL ends a variant",
+       "run 40 1\nru\0ns\nwalk 50 0\n"s,
+       {{"run", 40, 1, {"ru"}}, {"walk", 50, 0, {}}}},
+      {"accented bytes", "\xE9t\xE9 40 0\n", {{"\xE9t\xE9", 40, 0, {}}}},
+      {"an empty variant line moves the count on",
+       "run 40 2\nruns\n\nwalk 50 0\n",
+       {{"run", 40, 2, {"runs"}}, {"walk", 50, 0, {}}}},
+      {"an empty first variant line leaves no variants",
+       "run 40 2\n\nruns\nwalk 50 0\n",
+       {{"run", 40, 2, {}}, {"walk", 50, 0, {}}}},
+      {"a word twice", "run 40 0\nrun 50 0\n", {{"run", 40, 0, {}}, {"run", 50, 0, {}}}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    ExpectWords(c.bytes, c.words);
+  }
+}
+
+TEST(Dictionary, VariantOf400CharactersIsDropped) {
+  const std::string kept = Repeat("v", 399);
+  const std::string dropped = Repeat("v", 400);
+  ExpectWords("run 40 1\n" + kept + "\nwalk 50 0\n", {{"run", 40, 1, {kept}}, {"walk", 50, 0, {}}});
+  ExpectWords("run 40 2\nruns\n" + dropped + "\nwalk 50 0\n",
+              {{"run", 40, 2, {"runs"}}, {"walk", 50, 0, {}}});
+}
+
+TEST(Dictionary, DroppedFirstVariantLeavesTheWordWithoutVariants) {
+  ExpectWords("run 40 2\n" + Repeat("v", 400) + "\nruns\nwalk 50 0\n",
+              {{"run", 40, 2, {}}, {"walk", 50, 0, {}}});
+}
+
+TEST(Dictionary, LongLine) {
+  Settings settings;
+  Prepare(settings);
+  settings.OutputBasewordBufferSize = 40000;
+  const std::string word = Repeat("w", 31900);
+  ExpectWords(word + " 7 0\nwalk 50 0\n", {{word, 7, 0, {}}, {"walk", 50, 0, {}}}, settings);
+}
+
+TEST(Dictionary, LineOfMoreThanTheLimitEndsTheDictionary) {
+  ExpectWords("run 40 0\n" + Repeat("w", 33000) + " 7 0\nwalk 50 0\n", {{"run", 40, 0, {}}});
+}
+
+TEST(Dictionary, OneWordMoreThanNumKeywords) {
+  Settings settings;
+  Prepare(settings);
+  settings.NumKeywords = 2;
+  ExpectWrappedFailure("a 1 0\nb 2 0\nc 3 0\n", settings, DictionaryStatus::kEnded,
+                       "Error: Dictionary data (entry 3) does not match NumKeywords (2) specified "
+                       "in settings.vdat<br />");
+}
+
+TEST(Dictionary, NumKeywordsTable) {
+  const struct {
+    const char* what;
+    int32_t numKeywords;
+    DictionaryStatus status;
+    const char* message;
+  } cases[] = {
+      {"more than the words", 100, DictionaryStatus::kOk, ""},
+      {"as many as the words", 2, DictionaryStatus::kOk, ""},
+      {"one less", 1, DictionaryStatus::kEnded,
+       "Error: Dictionary data (entry 2) does not match NumKeywords (1) specified in "
+       "settings.vdat<br />"},
+      {"none", 0, DictionaryStatus::kEnded,
+       "Error: Dictionary data (entry 1) does not match NumKeywords (0) specified in "
+       "settings.vdat<br />"},
+      {"negative", -1, DictionaryStatus::kEnded, "Error: out of memory"},
+      {"the most negative", INT32_MIN, DictionaryStatus::kEnded, "Error: out of memory"},
+      {"the table just fits into 2147483647 bytes", 107374181, DictionaryStatus::kOk, ""},
+      {"the table does not fit", 107374182, DictionaryStatus::kEnded, "Error: out of memory"},
+      {"the largest", INT32_MAX, DictionaryStatus::kEnded, "Error: out of memory"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Settings settings;
+    Prepare(settings);
+    settings.NumKeywords = c.numKeywords;
+    const std::string message = c.message;
+    ExpectFailure("a 1 0\nb 2 0\n", settings, c.status, message,
+                  message.empty() ? "" : "<vela:error>" + message + "</vela:error>");
+  }
+}
+
+TEST(Dictionary, LineWithoutBlankIsCorrupt) {
+  Settings settings;
+  Prepare(settings);
+  const struct {
+    const char* what;
+    std::string bytes;
+    const char* number;
+  } cases[] = {
+      {"the first line", "run\nwalk 50 0\n", "0"},
+      {"the third line", "run 40 0\nwalk 50 0\nswim\n", "2"},
+      {"behind variants", "run 40 1\nruns\nswim\n", "1"},
+      {"an empty line", "run 40 0\n\n", "1"},
+      {"with a carriage return", "run 40 0\nswim\r\n", "1"},
+      {"a NUL before the blank", "run\0 40 0\n"s, "0"},
+      {"a tab is no blank", "run\t40\t0\n", "0"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    ExpectWrappedFailure(c.bytes, settings, DictionaryStatus::kEnded,
+                         "Error: Corrupted dictionary data. Invalid dictionary entry at record #" +
+                             std::string(c.number) + "<br />");
+  }
+}
+
+TEST(Dictionary, BaseWordBlock) {
+  Settings settings;
+  Prepare(settings);
+  const std::string bytes = "ab 1 0\ncd 2 0\n";  // 3 bytes each, with the NUL
+  settings.OutputBasewordBufferSize = 6;
+  ExpectFailure(bytes, settings, DictionaryStatus::kOk, "", "");
+  settings.OutputBasewordBufferSize = 5;
+  ExpectWrappedFailure(bytes, settings, DictionaryStatus::kEnded,
+                       "Error: Out of memory for storing base words. Settings file have been "
+                       "modified or invalid.");
+}
+
+TEST(Dictionary, BaseWordBlockOfNoSizeIsNotWrapped) {
+  Settings settings;
+  Prepare(settings);
+  const std::string message = "Error: Could not allocate memory for storing base words.<br />";
+  for (int32_t size : {0, -1, INT32_MIN}) {
+    SCOPED_TRACE(size);
+    settings.OutputBasewordBufferSize = size;
+    ExpectFailure("ab 1 0\n", settings, DictionaryStatus::kFailed, message, message);
+  }
+}
+
+TEST(Dictionary, VariantBlock) {
+  Settings settings;
+  Prepare(settings);
+  const std::string bytes = "run 40 2\nab\ncde\n";  // 4 and 5 bytes with length and NUL
+  settings.OutputVariantBufferSize = 9;
+  ExpectFailure(bytes, settings, DictionaryStatus::kOk, "", "");
+  settings.OutputVariantBufferSize = 8;
+  ExpectWrappedFailure(bytes, settings, DictionaryStatus::kEnded,
+                       "Error: Out of memory for storing word variants. Settings file have been "
+                       "modified or invalid.");
+}
+
+TEST(Dictionary, VariantBlockOfOneHundredVariantsHasOneThousandBytes) {
+  Settings settings;
+  Prepare(settings);
+  settings.OutputVariantBufferSize = 0;
+  settings.NumVariants = 100;
+  // Eight characters take ten bytes.
+  ExpectFailure("run 40 100\n" + Repeat("abcdefgh\n", 100), settings, DictionaryStatus::kOk, "",
+                "");
+  ExpectWrappedFailure("run 40 100\n" + Repeat("abcdefgh\n", 99) + "abcdefghi\n", settings,
+                       DictionaryStatus::kEnded,
+                       "Error: Out of memory for storing word variants. Settings file have been "
+                       "modified or invalid.");
+}
+
+TEST(Dictionary, VariantBlockSizes) {
+  const struct {
+    const char* what;
+    int32_t blockSize;
+    int32_t numVariants;
+    bool accepted;
+  } cases[] = {
+      {"no variants at all", 0, 0, true},
+      {"a negative block", -1, 5, false},
+      {"a negative count", 0, -1, false},
+      {"a negative count that does not matter", 10, -1, true},
+      {"the largest block", INT32_MAX, 0, true},
+      {"the largest count whose block fits", 0, 214748364, true},
+      {"one more", 0, 214748365, false},
+      {"the largest count", 0, INT32_MAX, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Settings settings;
+    Prepare(settings);
+    settings.OutputVariantBufferSize = c.blockSize;
+    settings.NumVariants = c.numVariants;
+    const std::string message = c.accepted ? "" : "Error: Out of memory for storing word variants.";
+    ExpectFailure("run 40 0\n", settings,
+                  c.accepted ? DictionaryStatus::kOk : DictionaryStatus::kFailed, message,
+                  message.empty() ? "" : "<vela:error>" + message + "</vela:error>");
+  }
+}
+
+TEST(Dictionary, FileMissing) {
+  const std::string message =
+      "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
+      "files are uploaded to the same path as this search script.<br />Also check file permissions "
+      "have been set to allow reading.<br />\n";
+  for (bool xml : {false, true}) {
+    OpenDirectory site;
+    Settings settings;
+    Prepare(settings);
+    CapturedResponse captured(xml);
+    Dictionary dictionary;
+    EXPECT_EQ(dictionary.Load(site.directory, settings, captured.response),
+              DictionaryStatus::kFailed);
+    EXPECT_EQ(captured.Text(), message);
+  }
+}
+
+TEST(Dictionary, ReadFromItsFile) {
+  OpenDirectory site;
+  site.Write("vela_dictionary.vdat", "run 40 1\nruns\n");
+  Settings settings;
+  Prepare(settings);
+  CapturedResponse captured;
+  Dictionary dictionary;
+  ASSERT_EQ(dictionary.Load(site.directory, settings, captured.response), DictionaryStatus::kOk);
+  ASSERT_EQ(dictionary.size(), 1);
+  EXPECT_EQ(dictionary.WordAt(0), "run");
+  dictionary.Release();
+  EXPECT_EQ(dictionary.size(), 0);
+}
+
+TEST(Dictionary, EmptyFile) {
+  OpenDirectory site;
+  site.Write("vela_dictionary.vdat", "");
+  Settings settings;
+  Prepare(settings);
+  CapturedResponse captured;
+  Dictionary dictionary;
+  ASSERT_EQ(dictionary.Load(site.directory, settings, captured.response), DictionaryStatus::kOk);
+  EXPECT_EQ(dictionary.size(), 0);
+  EXPECT_EQ(dictionary.FindExact("run", 0), -1);
+}
+
+TEST(Dictionary, FailedTableAllocation) {
+  Settings settings;
+  Prepare(settings);
+  CapturedResponse captured;
+  Dictionary dictionary;
+  g_failAllocationNumber = 1;
+  EXPECT_EQ(dictionary.Load("run 40 0\n", settings, captured.response), DictionaryStatus::kEnded);
+  g_failAllocationNumber = 0;
+  EXPECT_EQ(captured.Text(), "Error: out of memory");
+}
+
+TEST(Dictionary, FindExact) {
+  const std::string bytes =
+      "a 1 0\nab 2 0\nabcdefgh 3 0\nabcdefghi 4 0\nabcdefgh1 5 0\nab 6 0\nz 7 1\nzz\nlast 8 0\n";
+  Settings settings;
+  Prepare(settings);
+  CapturedResponse captured;
+  Dictionary dictionary;
+  ASSERT_EQ(dictionary.Load(bytes, settings, captured.response), DictionaryStatus::kOk);
+  const struct {
+    const char* what;
+    std::string word;
+    int32_t from;
+    int32_t expected;
+  } cases[] = {
+      {"a word of one letter is no beginning", "a", 0, 0},
+      {"the first of two", "ab", 0, 1},
+      {"the second of two", "ab", 2, 5},
+      {"eight letters", "abcdefgh", 0, 2},
+      {"nine letters", "abcdefghi", 0, 3},
+      {"nine letters, another end", "abcdefgh1", 0, 4},
+      {"the last word of the file", "last", 0, 7},
+      {"from itself on", "last", 7, 7},
+      {"behind the last", "last", 8, -1},
+      {"other case", "AB", 0, -1},
+      {"a variant is no word", "zz", 0, -1},
+      {"only the beginning of a word", "abc", 0, -1},
+      {"a word with its offset", "ab 2", 0, -1},
+      {"an empty word", "", 0, -1},
+      {"longer than the rest of the file", "lastlastlast", 0, -1},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(dictionary.FindExact(c.word, c.from), c.expected);
+  }
+}
+
+TEST(Dictionary, DisplayTextByVariantNumber) {
+  const std::string bytes = "run 40 3\nRun\n\nRUN\nwalk 50 0\n";
+  Settings settings;
+  Prepare(settings);
+  CapturedResponse captured;
+  Dictionary dictionary;
+  ASSERT_EQ(dictionary.Load(bytes, settings, captured.response), DictionaryStatus::kOk);
+  EXPECT_EQ(dictionary.DisplayText(0, 0), "run");
+  EXPECT_EQ(dictionary.DisplayText(0, 1), "Run");
+  EXPECT_EQ(dictionary.DisplayText(0, 2), "RUN");  // the empty line is not stored
+  EXPECT_EQ(dictionary.DisplayText(0, 3), "run");  // beyond the stored ones
+  EXPECT_EQ(dictionary.DisplayText(0, 255), "run");
+  EXPECT_EQ(dictionary.DisplayText(1, 1), "walk");
+}
+
+}  // namespace
+}  // namespace vela

@@ -1,0 +1,470 @@
+#include "indexer/build_index.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/report/index_error.h"
+#include "indexer/words/symbols.h"
+#include "support/indexer_site.h"
+
+namespace vela::indexer {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+// The value of a number in the settings; -1 when it is not there.
+int64_t Setting(const TestSite& site, const std::string& key) {
+  const std::string settings = "\n" + site.Read("settings.vdat");
+  const size_t at = settings.find("\n" + key + " = ");
+  return at == settings.npos ? -1 : std::stoll(settings.substr(at + key.size() + 4));
+}
+
+// The dictionary behind its reserved entries.
+std::string DictionaryWords(const TestSite& site) {
+  const std::string dictionary = site.Read("vela_dictionary.vdat");
+  size_t at = 0;
+  for (uint32_t i = 0; i <= ReservedLimits().limit; ++i) at = dictionary.find('\n', at) + 1;
+  return dictionary.substr(at);
+}
+
+TEST(BuildIndex, WritesATinySite) {
+  const TestSite site;
+  const std::string html = "<title>Cat</title><body>A cat, a dog.";
+  site.Add("a.html", html, 0x3B9ACA00);
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 1u);
+  EXPECT_EQ(summary.words, 3u);
+  EXPECT_EQ(summary.occurrences, 11u);
+
+  // All three words are on one page: they stand in the order of their bytes. Their lists stand in
+  // the order in which the words came: a, cat, dog, of one record each.
+  EXPECT_EQ(DictionaryWords(site), "a 0 1\nA\ncat 14 1\nCat\ndog 28 0\n");
+
+  // 2 + 11 and 2 + 13: "," and "." are the 12th and the 14th sign, as suffixes. There are 107 signs
+  // of four forms, so the reserved numbers end at 429 and the words are 430, 431 and 432. The body,
+  // the title and the address; 1 ends a run, 0 the page.
+  EXPECT_EQ(site.Read("vela_pagetext.vdat"),
+            "\xAE\x01\x01"
+            "\xAF\x01\0"
+            "\x0D\0\0"
+            "\xAE\x01\0"
+            "\xB0\x01\0"
+            "\x0F\0\0"
+            "\x01\0\0"
+            "\xAF\x01\x01"
+            "\x01\0\0"
+            "\xAE\x01\0"
+            "\0\0\0"s);
+  EXPECT_EQ(Setting(site, "DictIDLen"), 3);
+  EXPECT_EQ(Setting(site, "DictReservedLimit"), 429);
+  EXPECT_EQ(Setting(site, "DictReservedSuffixes"), 215);
+  EXPECT_EQ(Setting(site, "DictReservedPrefixes"), 322);
+  EXPECT_EQ(Setting(site, "DictReservedNoSpaces"), 429);
+
+  // On the only page every word is as rare as can be. "a": twice in the text, 90 x 2 / (2 + 2), and
+  // in the address, 40. "cat": 228 in a title, 19 more in a title of one word, and up to 8 for the
+  // rest of the page, 90 x 1 / (1 + 2) of 100. "dog": 90 x 1 / (1 + 2).
+  EXPECT_EQ(site.Read("vela_wordmap.vdat"),
+            "\x01\0\0\0"
+            "\x55\x80"
+            "\0\0\0"
+            "\0\0\0\0\0"  // 85, first block, page 0, position 0
+            "\x01\0\0\0"
+            "\xF9\x80"
+            "\0\0\0"
+            "\x03\0\0\0\0"  // 249, position 3
+            "\x01\0\0\0"
+            "\x1E\x80"
+            "\0\0\0"
+            "\x0C\0\0\0\0"s);  // 30, position 12
+
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"), "https://x.example/a.html|Cat|||\n");
+  EXPECT_EQ(site.Read("vela_pageinfo.vdat"),
+            "\x11\0"
+            "\0\0\0\0\0"
+            "\x25\0\0\0"
+            "\0\xCA\x9A\x3B"
+            "\0\0"s);
+  EXPECT_EQ(html.size(), 0x25u);
+  EXPECT_EQ(Setting(site, "NumPages"), 1);
+  EXPECT_EQ(Setting(site, "PageInfoSize"), 17);
+  EXPECT_EQ(Setting(site, "NumKeywords"), 433);
+  EXPECT_EQ(Setting(site, "NumVariants"), 2);
+  EXPECT_EQ(Setting(site, "OutputVariantBufferSize"), 3 + 5);  // length byte, text, terminator
+  int64_t baseBytes = 2 + 4 + 4;
+  for (const std::string& text : ReservedTexts()) baseBytes += std::ssize(text) + 1;
+  EXPECT_EQ(Setting(site, "OutputBasewordBufferSize"), baseBytes);
+
+  const std::string settings = site.Read("settings.vdat");
+  for (const char* line : {"UseUTF8 = 1\n", "Charset = \"utf-8\"\n", "WordJoinChars = \".-_\"\n",
+                           "ToLowerSearchWords = 1\n", "LinkBackURL = \"search.cgi\"\n",
+                           "STR_FORM_SUBMIT_BUTTON = \"", "DisplayContext = 1\n"}) {
+    EXPECT_NE(settings.find(line), std::string::npos) << line;
+  }
+  EXPECT_NE(site.Read("search_template.html").find("<!--VELA"), std::string::npos);
+}
+
+TEST(BuildIndex, MoreCommonWordsComeFirst) {
+  const TestSite site;
+  site.Add("1.txt", "zebra rare common");
+  site.Add("2.txt", "zebra common");
+  site.Add("3.txt", "common");
+  site.Build();
+  const std::string words = DictionaryWords(site);
+  EXPECT_LT(words.find("common "), words.find("zebra "));
+  EXPECT_LT(words.find("zebra "), words.find("rare "));
+}
+
+// A site large enough that a megabyte does not hold its words.
+void AddLargeSite(const TestSite& site) {
+  for (int page = 0; page < 60; ++page) {
+    std::string text = "<title>Page " + std::to_string(page) + "</title><p>";
+    for (int word = 0; word < 3000; ++word) {
+      text += "Word" + std::to_string((word * 37 + page * 101) % 20011) + ", w" +
+              std::to_string(word % 97) + " ";
+    }
+    site.Add("p" + std::to_string(page) + ".html", text);
+  }
+}
+
+TEST(BuildIndex, TheSameSiteGivesTheSameBytes) {
+  TestSite site;
+  AddLargeSite(site);
+  site.Build();
+  std::vector<std::string> first;
+  for (const char* name : kIndexFiles) first.push_back(site.Read(name));
+  site.Build();
+  for (size_t i = 0; i < first.size(); ++i) {
+    EXPECT_TRUE(site.Read(kIndexFiles[i]) == first[i]) << kIndexFiles[i];
+  }
+}
+
+TEST(BuildIndex, LittleMemoryGivesTheSameBytes) {
+  TestSite site;
+  AddLargeSite(site);
+  EXPECT_EQ(site.Build().runs, 0u);
+  std::vector<std::string> first;
+  for (const char* name : kIndexFiles) first.push_back(site.Read(name));
+  site.options.memoryMegabytes = 1;
+  EXPECT_GT(site.Build().runs, 1u);
+  for (size_t i = 0; i < first.size(); ++i) {
+    EXPECT_TRUE(site.Read(kIndexFiles[i]) == first[i]) << kIndexFiles[i];
+  }
+}
+
+TEST(BuildIndex, SaysWhatItLeavesOut) {
+  TestSite site;
+  site.options.maxFileMegabytes = 1;
+  site.Add("good.html", "text");
+  site.Add("hidden.html", "<meta name=robots content=noindex>text");
+  site.Add("empty.html", "<p> </p>");
+  site.Add("large.html", std::string((size_t{1} << 20) + 1, 'x'));
+  site.Add("binary.txt", std::string(100, '\x02'));
+  std::string deep;
+  for (int i = 0; i < 5000; ++i) deep += "<div>";
+  site.Add("deep.html", deep);
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 1u);
+  EXPECT_EQ(summary.skipped.total, 5u);
+  const std::string text = SummaryText(summary, site.options, 1.5);
+  for (const char* line : {"Indexed 1 page with 4 different words in 1.5 seconds.",
+                           "Left out 5 files:", "noindex: hidden.html", "no text: empty.html",
+                           "larger than the limit (--max-file-size): large.html",
+                           "binary file: binary.txt", "markup nests too deep: deep.html"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
+  }
+}
+
+TEST(BuildIndex, TitlesComeFromWhatThereIs) {
+  const TestSite site;
+  site.Add("1.html", "<title> The  title </title><h1>Heading</h1>");
+  site.Add("2.html", "<h2>Second</h2><h1>Main heading</h1>text");
+  site.Add("3.html", "<p>Only text");
+  site.Add("4.txt", "# First line\n\nText");
+  site.Add("5.txt", std::string(200, 'x') + " long first line");
+  site.Build();
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"),
+            "https://x.example/1.html|The title|||\n"
+            "https://x.example/2.html|Main heading|||\n"
+            "https://x.example/3.html|3.html|||\n"
+            "https://x.example/4.txt|First line|||\n"
+            "https://x.example/5.txt|5.txt|||\n");
+}
+
+TEST(BuildIndex, HonoursCanonicalAddresses) {
+  const TestSite site;
+  site.Add("a.html", "<link rel=canonical href=a.html>own");
+  site.Add("b.html", "<link rel=canonical href=/a.html>copy of a");
+  site.Add("c.html", "<link rel=canonical href=https://elsewhere.example/c>original elsewhere");
+  site.Add("d.html", "<link rel=canonical href=/pretty?x=1&y=2>pretty address");
+  site.Add("e.html", "<link rel=canonical href=/pretty?x=1&y=2>its copy");
+  site.Add("f.html", "<link rel=canonical href=file:///f>local");
+  site.Add("g/h.html", "<base href=/other/><link rel=canonical href=i>based");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"),
+            "https://x.example/a.html|a.html|||\n"
+            "https://x.example/c.html|c.html|||\n"
+            "https://x.example/pretty?x=1&amp;y=2|d.html|||\n"
+            "https://x.example/f.html|f.html|||\n"
+            "https://x.example/other/i|h.html|||\n");
+  EXPECT_EQ(summary.skipped.byReason.at("copy of another page (canonical address)").count, 2u);
+}
+
+TEST(BuildIndex, ACanonicalAddressMayBeSpelledInManyWays) {
+  const TestSite site;
+  site.Add("\u00DCber uns.html", "original");
+  site.Add("bike's.html", "original too");
+  site.Add("copy1.html", "<meta charset=utf-8><link rel=canonical href='/\u00DCber uns.html'>copy");
+  site.Add("copy2.html", "<link rel=canonical href='/%c3%9cber%20uns.html'>copy");
+  site.Add("copy3.html", "<link rel=canonical href=\"bike's.html\">copy");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 2u);
+  EXPECT_EQ(summary.skipped.byReason.at("copy of another page (canonical address)").count, 3u);
+}
+
+TEST(BuildIndex, OneOfPagesThatNameEachOtherStays) {
+  const TestSite site;
+  site.Add("a.html", "<link rel=canonical href=b.html>text");
+  site.Add("b.html", "<link rel=canonical href=c.html>text");
+  site.Add("c.html", "<link rel=canonical href=a.html>text");
+  site.Add("d.html", "<link rel=canonical href=a.html>text");
+  EXPECT_EQ(site.Build().pages, 1u);
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"), "https://x.example/c.html|c.html|||\n");
+}
+
+TEST(BuildIndex, ACanonicalAddressMayNameTheHostInAnotherWay) {
+  const TestSite site;
+  site.Add("a.html", "<link rel=canonical href=http://X.Example/a.html>own");
+  site.Add("b.html", "<link rel=canonical href=http://x.example/a.html>copy");
+  site.Add("c.html", "<link rel=canonical href=http://x.example/C>pretty");
+  site.Build();
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"),
+            "https://x.example/a.html|a.html|||\n"
+            "https://x.example/C|c.html|||\n");
+}
+
+TEST(BuildIndex, TheLogHasItsFolder) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.config.logging = true;
+  site.options.config.logFile = "./logs/s.log";
+  site.Build();
+  EXPECT_TRUE(fs::is_directory(site.index / "logs"));
+  WriteFile(site.index / "logs/s.log", "a line");
+  site.options.config.logFile = "logs/deep/s.log";
+  site.Build();
+  EXPECT_TRUE(fs::is_directory(site.index / "logs/deep"));
+  EXPECT_EQ(site.Read("logs/s.log"), "a line");
+  site.options.config.logFile = "../logs/s.log";
+  site.Build();
+  EXPECT_FALSE(fs::exists(site.scratch.path() / "logs"));
+}
+
+TEST(BuildIndex, ASettingMustFitInItsCharacterSetToo) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.config.charset = "iso-8859-1";
+  std::string text;  // 600 letters of two bytes that become references of seven
+  for (int i = 0; i < 600; ++i) text += "\u0416";
+  site.options.config.settings["XMLDesc"] = {true, 0, text};
+  EXPECT_THROW(site.Build(), IndexError);
+}
+
+TEST(BuildIndex, NoNameReachesTheTerminalAsACommand) {
+  const TestSite site;
+  site.Add("a.html", "x");
+  site.Add("b\x1B[2J\n.html", "");
+  const std::string text = SummaryText(site.Build(), site.options, 1);
+  EXPECT_NE(text.find("no text: b?[2J?.html\n"), std::string::npos) << text;
+}
+
+TEST(BuildIndex, ACanonicalAddressDoesNotLeadOffTheSite) {
+  TestSite site;
+  site.options.baseUrl = "/";
+  site.Add("a.html", "<link rel=canonical href='/.//evil.example/x.html'>text");
+  site.Build();
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"), "/a.html|a.html|||\n");
+}
+
+TEST(BuildIndex, TellsOfRulesThatFitNoPage) {
+  TestSite site;
+  site.Add("news/a.html", "text");
+  site.Add("b.html", "text");
+  SiteConfig& config = site.options.config;
+  config.categories = {{"News", {"news/*"}}, {"Nothing", {"none/*", "new/*"}}, {"All", {"*"}}};
+  config.boosts = {{{"b.*"}, 20, "x.toml, line 1"},
+                   {{"*.php"}, 20, "x.toml, line 2"},
+                   {{"*b.html"}, 20, "x.toml, line 3"}};  // fits, if behind the first
+  config.recommended = {{"word", "c.html", "x.toml, line 4"}};
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.warnings, (std::vector<std::string>{
+                                  "the category \"Nothing\" fits no page",
+                                  "x.toml, line 2: this [[boost]] fits no page",
+                                  "x.toml, line 4: there is no page c.html to recommend",
+                              }));
+  EXPECT_NE(SummaryText(summary, site.options, 1)
+                .find("Warning: the category \"Nothing\" fits no page.\n"),
+            std::string::npos);
+}
+
+TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
+  const TestSite site;
+  site.Add("a.html", "text");
+  std::string folder;
+  for (int i = 0; i < 12; ++i) folder += std::string(200, 'x') + "/";
+  site.Add(folder + "b.html", "text");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 1u);
+  EXPECT_EQ(summary.skipped.byReason.at("address too long").count, 1u);
+}
+
+TEST(BuildIndex, NothingStoredCanBecomeMarkup) {
+  const TestSite site;
+  site.Add("a.html",
+           "<title>&lt;script&gt;alert(1)&lt;/script&gt; | \"x\"</title>"
+           "<meta name=description content=\"<img src=x onerror='y'> | &\">"
+           "<p>&lt;script&gt;alert(1)&lt;/script&gt; a&lt;b x&amp;y 'q' \"r\" &amp;lt; "
+           "&lt;!--VELASEARCH-->");
+  site.Build();
+  for (const char* name : {"vela_dictionary.vdat", "vela_pagedata.vdat"}) {
+    const std::string content = site.Read(name);
+    EXPECT_EQ(content.find_first_of("<>\"'"), std::string::npos) << name;
+    for (size_t at = content.find('&'); at != content.npos; at = content.find('&', at + 1)) {
+      EXPECT_EQ(content[at + 1], '#') << name;
+    }
+  }
+  const std::string line = site.Read("vela_pagedata.vdat");
+  EXPECT_EQ(std::count(line.begin(), line.end(), '|'), 4);
+}
+
+TEST(BuildIndex, KeepsTheOldIndexWhenNothingIsFound) {
+  const TestSite site;
+  site.Add("a.html", "<meta name=robots content=none>x");
+  WriteFile(site.index / "settings.vdat", "old");
+  try {
+    site.Build();
+    FAIL();
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kNothing);
+    EXPECT_NE(std::string(error.what()).find("noindex"), std::string::npos);
+  }
+  EXPECT_EQ(site.Read("settings.vdat"), "old");
+  EXPECT_EQ(std::distance(fs::directory_iterator(site.scratch.path()), fs::directory_iterator()),
+            2);
+}
+
+TEST(BuildIndex, KeepsTheOldIndexWhenStopped) {
+  const TestSite site;
+  site.Add("a.html", "x");
+  WriteFile(site.index / "settings.vdat", "old");
+  Progress progress(false);
+  const volatile std::sig_atomic_t stop = 1;
+  try {
+    BuildIndex(site.options, progress, stop);
+    FAIL();
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kInterrupted);
+  }
+  EXPECT_EQ(site.Read("settings.vdat"), "old");
+  EXPECT_EQ(std::distance(fs::directory_iterator(site.scratch.path()), fs::directory_iterator()),
+            2);
+}
+
+TEST(BuildIndex, TheTemplateOfTheOwnerStays) {
+  TestSite site;
+  site.Add("a.html", "x");
+  WriteFile(site.index / "search_template.html", "edited");
+  site.Build();
+  EXPECT_EQ(site.Read("search_template.html"), "edited");
+  WriteFile(site.scratch.path() / "given.html", "given");
+  site.options.templateName = (site.scratch.path() / "given.html").string();
+  site.Build();
+  EXPECT_EQ(site.Read("search_template.html"), "given");
+}
+
+TEST(BuildIndex, ATemplateThatShowsNoResultsIsToldOf) {
+  TestSite site;
+  site.Add("a.html", "x");
+  const fs::path given = site.scratch.path() / "given.html";
+  const auto warnings = [&](std::string_view page) {
+    WriteFile(given, page);
+    site.options.templateName = given.string();
+    return site.Build().warnings;
+  };
+  EXPECT_TRUE(warnings("<p><!--VELASEARCH-->").empty());
+  EXPECT_TRUE(warnings("<p><!--VELA_SHOW_RESULTS-->").empty());
+  const std::string missing =
+      " shows no results: it has neither <!--VELASEARCH--> nor <!--VELA_SHOW_RESULTS-->";
+  EXPECT_EQ(warnings("<!--VELA_SHOW_SEARCHFORM--> <!-- VELASEARCH -->"),
+            std::vector<std::string>{"the template " + given.string() + missing});
+  site.options.templateName.clear();  // the one that is there now stays
+  EXPECT_EQ(site.Build().warnings,
+            std::vector<std::string>{"the template " +
+                                     (site.index / "search_template.html").string() + missing});
+  for (const char* builtIn : {"default", "minimal", "embed"}) {
+    site.options.templateName = builtIn;
+    EXPECT_TRUE(site.Build().warnings.empty()) << builtIn;
+  }
+}
+
+TEST(BuildIndex, TheTemplateLinksToTheDescriptionThatThereIs) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.config.searchAddress = "https://x.example/search/search.cgi";
+  site.options.templateName = "default";
+  site.Build();
+  const std::string linked = site.Read("search_template.html");
+  const size_t link = linked.find("  <link rel=\"search\"");
+  ASSERT_NE(link, std::string::npos);
+  const size_t end = linked.find('\n', link) + 1;
+  EXPECT_NE(linked.substr(link, end - link).find("vela_opensearch.xml"), std::string::npos);
+  site.options.config.searchAddress.clear();
+  site.Build();
+  EXPECT_EQ(site.Read("search_template.html"), linked.substr(0, link) + linked.substr(end));
+}
+
+TEST(BuildIndex, RefusesWrongOptions) {
+  const auto statusOf = [](const TestSite& site) {
+    try {
+      site.Build();
+    } catch (const IndexError& error) {
+      return error.status;
+    }
+    return ExitStatus::kSuccess;
+  };
+  TestSite site;
+  site.Add("a.html", "x");
+  TestSite inside;
+  inside.Add("sub/a.html", "x");
+  inside.options.site = (inside.folder / "sub").string();
+  inside.options.out = inside.folder.string();
+  EXPECT_EQ(statusOf(inside), ExitStatus::kUsage);
+  EXPECT_TRUE(fs::exists(inside.folder / "sub/a.html"));
+  Options good = site.options;
+  site.options.language = "klingon";
+  EXPECT_EQ(statusOf(site), ExitStatus::kUsage);
+  site.options.language = "/nonexistent.vlang";
+  EXPECT_EQ(statusOf(site), ExitStatus::kFailed);
+  site.options = good;
+  site.options.templateName = "/nonexistent.html";
+  EXPECT_EQ(statusOf(site), ExitStatus::kFailed);
+  site.options = good;
+  site.options.site = "/nonexistent";
+  EXPECT_EQ(statusOf(site), ExitStatus::kFailed);
+  site.options = good;
+  site.options.baseUrl = "x.example";
+  EXPECT_EQ(statusOf(site), ExitStatus::kUsage);
+  site.options = good;
+  EXPECT_EQ(statusOf(site), ExitStatus::kSuccess);
+}
+
+TEST(BuildIndex, AnIndexInsideTheSiteIsNotIndexed) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.options.out = (site.folder / "search").string();
+  EXPECT_EQ(site.Build().pages, 1u);
+  EXPECT_EQ(site.Build().pages, 1u);  // now with a template in it
+}
+
+}  // namespace
+}  // namespace vela::indexer

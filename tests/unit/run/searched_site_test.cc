@@ -1,0 +1,321 @@
+// The search program's answers from indexes that the indexer wrote.
+#include <gtest/gtest.h>
+
+#include "indexer/config/config_file.h"
+#include "support/indexer_site.h"
+#include "support/run_program.h"
+
+namespace vela::indexer {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The program that is built beside the tests.
+fs::path SearchProgram() {
+  return fs::read_symlink("/proc/self/exe").parent_path() / "vela_search";
+}
+
+struct SearchedSite : TestSite {
+  // Adds what vela_index.toml would say.
+  void Configure(std::string_view toml) {
+    ReadConfigText(toml, (scratch.path() / "vela_index.toml").string(), options);
+  }
+  // The whole answer; `query` as in an address.
+  std::string Ask(const std::string& query) const {
+    const support::Outcome outcome =
+        support::RunProgram(SearchProgram(), support::GetRequest(index, query));
+    EXPECT_EQ(outcome.exitStatus, 0) << support::DescribeEnd(outcome);
+    return outcome.output;
+  }
+  // The names of the pages found, in their order.
+  std::string Found(const std::string& query) const {
+    const std::string answer = Ask("vela_xml=1&vela_query=" + query);
+    EXPECT_EQ(answer.find("<vela:error>"), std::string::npos) << answer;
+    std::string names;
+    size_t at = answer.find("<item>");
+    while ((at = answer.find("<link>https://x.example/", at)) != std::string::npos) {
+      at += sizeof "<link>https://x.example/" - 1;
+      names += answer.substr(at, answer.find("</link>", at) - at) + " ";
+    }
+    return names;
+  }
+};
+
+bool Holds(const std::string& text, std::string_view part) { return text.find(part) != text.npos; }
+
+TEST(SearchedSite, AMisspelledWordGetsItsSuggestion) {
+  SearchedSite site;
+  site.Add("a.html", "<title>Library</title>Books about the language of bees.");
+  site.Build();
+  // "lankage" sounds as "language" does: L, N, K, J. "langwich" does not: L, N, K, W, X.
+  EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=langwich"), "<vela:spelling>"));
+  EXPECT_TRUE(
+      Holds(site.Ask("vela_xml=1&vela_query=lankage"), "<vela:spelling>language</vela:spelling>"));
+  EXPECT_TRUE(Holds(site.Ask("vela_query=lankage"), "vela_query=language"));
+  EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=language"), "<vela:spelling>"));
+}
+
+TEST(SearchedSite, TheBoxIsCompleted) {
+  SearchedSite site;
+  site.Add("a.html", "<title>Opening hours</title><h1>When we are open</h1>x");
+  site.Add("b.html", "<title>\u00C9cole & \"art\"</title>x");
+  site.Build();
+  EXPECT_EQ(site.Ask("vela_ac=1&vela_query=Open"),
+            "Content-type: text/html; charset=utf-8\n\n"
+            "<div class=\"vela_ac_item\" onclick=\"VelaAutoComplete_UseSuggestion(&quot;Opening "
+            "hours&quot;);\"><a class=\"vela_ac_item\" href=\"#\" target=\"_self\">Opening hours"
+            "</a></div>\n");
+  EXPECT_TRUE(Holds(site.Ask("vela_ac=1&vela_query=%C3%A9c"), ">\u00C9cole &#38; art</a>"));
+  EXPECT_TRUE(Holds(site.Read("settings.vdat"), "UseAutoComplete = 1\n"));
+}
+
+TEST(SearchedSite, RecommendedPagesAreShown) {
+  SearchedSite site;
+  site.Configure("[recommended.pages]\n\"opening hours, caf\u00E9\" = \"visit/\"\n");
+  site.Add("visit/index.html", "<title>Visit us</title>x");
+  site.Add("a.html", "<title>Coffee</title>cafe");
+  site.Build();
+  for (const char* query : {"Opening+hours", "cafe", "caf%C3%A9+coffee"}) {
+    SCOPED_TRACE(query);
+    const std::string answer = site.Ask(std::string("vela_query=") + query);
+    EXPECT_TRUE(Holds(answer, "<div class=\"recommended\">"));
+    EXPECT_TRUE(Holds(answer,
+                      "<div class=\"recommend_title\"><a href="
+                      "\"https://x.example/visit/index.html\" >Visit us</a></div>"));
+  }
+  EXPECT_FALSE(Holds(site.Ask("vela_query=coffee"), "<div class=\"recommended\">"));
+}
+
+TEST(SearchedSite, AWordWithASharpSIsFoundHoweverItIsTyped) {
+  SearchedSite site;
+  site.Add("a.html", "<meta charset=utf-8><title>T</title>Die Gr\u00F6\u00DFe.");
+  site.Build();
+  for (const char* query : {"gr%C3%B6%C3%9Fe", "GR%C3%96SSE", "gr%C3%B6sse", "groesse", "Grosse"}) {
+    EXPECT_EQ(site.Found(query), "a.html ") << query;
+  }
+}
+
+TEST(SearchedSite, MoreThanEightCategories) {
+  SearchedSite site;
+  std::string toml;
+  for (char c = 'a'; c <= 'j'; ++c) {
+    toml +=
+        std::string("[[category]]\nname = \"Part ") + c + " & more\"\npages = [\"" + c + "/*\"]\n";
+  }
+  site.Configure(toml + "[settings]\nSearchMultiCats = 1\n");
+  for (char c = 'a'; c <= 'j'; ++c) {
+    site.Add(std::string(1, c) + "/p.html", "<title>Page</title>word");
+  }
+  site.Add("top.html", "<title>Page</title>word");
+  site.Build();
+  EXPECT_EQ(site.Found("word&vela_cat[]=0"), "a/p.html ");
+  EXPECT_EQ(site.Found("word&vela_cat[]=8"), "i/p.html ");
+  EXPECT_EQ(site.Found("word&vela_cat[]=7&vela_cat[]=9"), "h/p.html j/p.html ");
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=word"), "<opensearch:totalResults>11<"));
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=word&vela_cat[]=9"),
+                    "<category>Part j &#38; more</category>"));
+}
+
+TEST(SearchedSite, MetaFieldsOfEveryKindFilterAndAreShown) {
+  SearchedSite site;
+  site.Configure(R"([[field]]
+name = "author"
+[[field]]
+name = "pages"
+kind = "number"
+compare = "at_least"
+[[field]]
+name = "price"
+kind = "money"
+compare = "at_most"
+[[field]]
+name = "level"
+kind = "choice"
+values = ["Easy", "Hard"]
+[[field]]
+name = "topic"
+meta = "dc.subject"
+kind = "choices"
+compare = "all"
+values = ["Art", "Sport", "Music"]
+)");
+  site.Add("a.html",
+           "<title>A</title><meta name=author content=\"Ann O'Brien\"><meta name=pages content=100>"
+           "<meta name=price content='$4.50'><meta name=Level content=hard>"
+           "<meta name=dc.subject content='Art, Music'>word");
+  site.Add("b.html",
+           "<title>B</title><meta name=author content=Bob><meta name=pages content=99>"
+           "<meta name=price content=4.51><meta name=level content=easy>"
+           "<meta name=DC.Subject content=Music>word");
+  site.Add("c.html", "<title>C</title>word");
+  site.Build();
+  EXPECT_EQ(site.Found("word&author=o%27br"), "a.html ");
+  EXPECT_EQ(site.Found("word&pages=100"), "a.html ");
+  EXPECT_EQ(site.Found("word&price=4.50"), "a.html ");
+  EXPECT_EQ(site.Found("word&level=1"), "a.html ");
+  EXPECT_EQ(site.Found("word&level=0"), "b.html ");
+  EXPECT_EQ(site.Found("word&topic[]=2"), "a.html b.html ");
+  EXPECT_EQ(site.Found("word&topic[]=0&topic[]=2"), "a.html ");
+  EXPECT_EQ(site.Found("&level=1"), "a.html ");  // without a word
+  const std::string answer = site.Ask("vela_xml=1&vela_query=word&level=1");
+  for (const char* element :
+       {"<vela:author>Ann O'Brien</vela:author>", "<vela:pages>100</vela:pages>",
+        "<vela:price>&#36;4.50</vela:price>", "<vela:level>Hard</vela:level>"}) {
+    SCOPED_TRACE(element);
+    EXPECT_TRUE(Holds(answer, element));
+  }
+}
+
+TEST(SearchedSite, NamesAndValuesOfFieldsMayBeWrittenInManyWays) {
+  SearchedSite site;
+  site.Configure(
+      "[[field]]\nname = \"size\"\nmeta = \"Gr\u00F6\u00DFe\"\nkind = \"choice\"\n"
+      "values = [\"Gro\u00DF\", \"\u00DCberGross\"]\n");
+  site.Add("a.html",
+           "<meta charset=utf-8><title>A</title>"
+           "<meta name='GR\u00D6\u00DFE' content='U\u0308bergross'>word");
+  site.Build();
+  EXPECT_EQ(site.Found("word&size=1"), "a.html ");
+  EXPECT_EQ(site.Found("word&size=0"), "");
+}
+
+TEST(SearchedSite, StemmingFindsInflections) {
+  const struct {
+    const char* language;
+    const char* text;
+    std::vector<const char*> queries;
+  } kCases[] = {
+      {"english",
+       "The librarian was Running.",
+       {"run", "runs", "running", "%22librarians+were%22"}},
+      {"german", "Die H\u00E4user der Stadt", {"haus", "H%C3%A4usern", "hauses"}},
+      {"french", "Elle chantait bien", {"chanter", "CHANTAIT"}},
+      {"russian",
+       "\u043D\u043E\u0432\u044B\u0435 \u043A\u043D\u0438\u0433\u0438",
+       {"%D0%BA%D0%BD%D0%B8%D0%B3%D1%83"}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.language);
+    SearchedSite site;
+    site.Configure(std::string("[index]\nstemming = \"") + c.language + "\"\n");
+    site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>") + c.text);
+    site.Build();
+    for (const char* query : c.queries) {
+      SCOPED_TRACE(query);
+      const bool isPhrase = std::string_view(query).starts_with("%22");
+      // "were" and "was" have no stem in common.
+      EXPECT_EQ(site.Found(query), isPhrase ? "" : "a.html ");
+    }
+  }
+}
+
+TEST(SearchedSite, PatternsMeetWholeWordsOfAStemmedIndex) {
+  SearchedSite site;
+  site.Configure("[index]\nstemming = \"english\"\n");
+  site.Add("a.html", "<meta charset=utf-8><title>T</title>caf\u00E9s, e-books, na\u00EFve");
+  site.Build();
+  for (const char* query :
+       {"cafes*", "books*", "naive*", "caf%C3%A9s*", "e-books*", "cafe", "book"}) {
+    EXPECT_EQ(site.Found(query), "a.html ") << query;
+  }
+}
+
+TEST(SearchedSite, StemmedPhrasesAndContextShowThePage) {
+  SearchedSite site;
+  site.Configure("[index]\nstemming = \"english\"\n");
+  site.Add("a.html", "<title>T</title>We like Running races and c++.");
+  site.Build();
+  EXPECT_EQ(site.Found("%22run+race%22"), "a.html ");
+  EXPECT_EQ(site.Found("c%2B%2B"), "a.html ");
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=runs"), "Running races and c++."));
+}
+
+TEST(SearchedSite, AOneByteIndexComesOutRight) {
+  SearchedSite site;
+  site.Configure("[index]\ncharset = \"iso-8859-2\"\n[site]\nlanguage = \"polish\"\n");
+  site.Add("a.html",
+           "<meta charset=utf-8><title>\u0141\u00F3d\u017A & okolice</title>"
+           "Miasto \u0141\u00D3D\u0179 ma caf\u00E9 \u0416 \u2013 naprawd\u0119.");
+  site.Build();
+  // In iso-8859-2: L with stroke A3/B3, o with acute D3/F3, z with acute AC/BC, e with ogonek EA.
+  const std::string answer = site.Ask("vela_query=%A3%D3D%AC");
+  EXPECT_TRUE(answer.starts_with("Content-type: text/html; charset=iso-8859-2\n\n"));
+  EXPECT_TRUE(Holds(answer, ">\xA3\xF3\x64\xBC &#38; okolice<"));
+  EXPECT_TRUE(Holds(answer, "caf\xE9 &#1046;&#32;&#8211; naprawd\xEA."));
+  EXPECT_EQ(site.Found("%B3%F3d%BC"), "a.html ");
+  EXPECT_EQ(site.Found("lodz"), "a.html ");
+  EXPECT_EQ(site.Found("naprawd%EA"), "a.html ");
+  EXPECT_EQ(site.Found("%22miasto+%B3%F3d%BC%22"), "a.html ");
+  EXPECT_FALSE(Holds(answer, "meta charset=\"utf-8\""));
+}
+
+TEST(SearchedSite, DatesImagesAndBoosts) {
+  SearchedSite site;
+  site.Configure(
+      "[[boost]]\npages = [\"b.html\"]\nfactor = 3\n"
+      "[settings]\nDateRangeSearch = 1\n");
+  site.Add("a.html",
+           "<title>First</title><meta name=date content=2026-03-05>"
+           "<meta property=og:image content=/i/a.png>word");
+  site.Add("b.html", "<title>Second</title>word");
+  site.Build();
+  EXPECT_EQ(site.Found("word"), "b.html a.html ");  // alike but for the factor
+  EXPECT_EQ(site.Found("word&vela_datefrom=5/3/2026&vela_dateto=5/3/2026"), "a.html ");
+  const std::string answer = site.Ask("vela_xml=1&vela_query=word");
+  EXPECT_TRUE(Holds(answer, "<vela:imageURL>https://x.example/i/a.png</vela:imageURL>"));
+  EXPECT_TRUE(Holds(answer, "<pubDate>Thu, 05 Mar 2026 12:00:00 UTC</pubDate>"));
+}
+
+TEST(SearchedSite, FeedsLogsAndEmptyParameters) {
+  SearchedSite site;
+  site.Configure(
+      "[search]\naddress = \"https://x.example/s/search.cgi\"\nname = \"X & Y\"\n"
+      "[log]\nuse = true\n");
+  site.Add("a.html", "<title>T</title>word");
+  site.Build();
+  // What remains of vela_opensearch.xml's template when a browser leaves the optional values out.
+  const std::string answer = site.Ask("vela_query=word&vela_xml=1&vela_per_page=&vela_page=");
+  EXPECT_TRUE(Holds(answer, "<title>X &#38; Y</title>"));
+  EXPECT_TRUE(Holds(answer,
+                    "<opensearch:link rel=\"search\" "
+                    "href=\"https://x.example/s/vela_opensearch.xml\""));
+  EXPECT_TRUE(Holds(answer, "<opensearch:totalResults>1<"));
+  EXPECT_TRUE(Holds(answer, "<link>https://x.example/a.html</link>"));
+  EXPECT_TRUE(fs::exists(site.index / "vela_opensearch.xml"));
+  const std::string log = site.Read("logs/searchwords.log");
+  EXPECT_TRUE(Holds(log, "\"word\", Matches = 1"));
+  // A new index keeps the log, and drops the description that it has no address for.
+  site.options.config = {};
+  site.Build();
+  EXPECT_EQ(site.Read("logs/searchwords.log"), log);
+  EXPECT_FALSE(fs::exists(site.index / "vela_opensearch.xml"));
+}
+
+TEST(SearchedSite, EverythingAtOnceGivesTheSameBytes) {
+  SearchedSite site;
+  site.Configure(
+      "[index]\nstemming = \"english\"\n[recommended.pages]\nword = \"a.html\"\n"
+      "[[category]]\nname = \"A\"\npages = [\"a*\"]\n[[field]]\nname = \"author\"\n");
+  for (char c = 'a'; c <= 'f'; ++c) {
+    site.Add(std::string(1, c) + ".html",
+             "<title>Story time</title><h2>Hours</h2>words of the story time here");
+  }
+  site.Build();
+  std::vector<std::string> first;
+  const std::vector<std::string> names = {
+      "settings.vdat",      "vela_dictionary.vdat",   "vela_wordmap.vdat",
+      "vela_pageinfo.vdat", "vela_pagedata.vdat",     "vela_pagetext.vdat",
+      "vela_spelling.vdat", "vela_autocomplete.vdat", "vela_recommended.vdat"};
+  first.reserve(names.size());
+  for (const std::string& name : names) first.push_back(site.Read(name));
+  EXPECT_EQ(site.Read("vela_autocomplete.vdat"), "Story time\nHours\n");
+  site.Build();
+  for (size_t i = 0; i < names.size(); ++i) {
+    SCOPED_TRACE(names[i]);
+    EXPECT_FALSE(first[i].empty());
+    EXPECT_EQ(site.Read(names[i]), first[i]);
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer

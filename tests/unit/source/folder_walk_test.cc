@@ -1,0 +1,106 @@
+#include "indexer/source/folder_walk.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/report/index_error.h"
+#include "support/indexer_site.h"
+
+namespace vela::indexer {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Walk {
+  std::vector<std::string> paths;
+  SkippedFiles skipped;
+};
+
+Walk WalkOf(const TestSite& site, WalkRules rules = {}) {
+  rules.htmlEndings = SiteConfig().htmlEndings;
+  rules.textEndings = SiteConfig().textEndings;
+  Walk walk;
+  for (const SiteFile& file : WalkSite(site.folder, rules, walk.skipped)) {
+    walk.paths.push_back(file.path + (file.kind == FileKind::kHtml ? " html" : " text"));
+  }
+  return walk;
+}
+
+TEST(SiteWalk, TakesPagesInByteOrderOfTheirPaths) {
+  const TestSite site;
+  for (const char* path : {"b.html", "a/z.HTM", "a.html", "B.xhtml", "a/b/notes.txt", "read.md",
+                           "picture.png", "style.css", "noextension", "page.html.bak"}) {
+    site.Add(path, "x");
+  }
+  const Walk walk = WalkOf(site);
+  // "." sorts before "/", capital letters before small ones.
+  const std::vector<std::string> expected = {"B.xhtml html", "a.html html", "a/b/notes.txt text",
+                                             "a/z.HTM html", "b.html html", "read.md text"};
+  EXPECT_EQ(walk.paths, expected);
+  EXPECT_EQ(walk.skipped.total, 0u);
+}
+
+TEST(SiteWalk, LeavesOutHiddenAndExcludedNames) {
+  const TestSite site;
+  for (const char* path : {".git/a.html", ".hidden.html", "_sources/a.txt", "drafts/a.html",
+                           "sub/drafts/b.html", "old-1.html", "keep.html", "sub/keep.html"}) {
+    site.Add(path, "x");
+  }
+  const Walk walk = WalkOf(site, {{"drafts", "old-*.html", "sub/keep.html"}, {}, {}, {}});
+  EXPECT_EQ(walk.paths, std::vector<std::string>{"keep.html html"});
+  const Walk slashed = WalkOf(site, {{"drafts/", "old-*.html", "sub/"}, {}, {}, {}});
+  EXPECT_EQ(slashed.paths, std::vector<std::string>{"keep.html html"});
+}
+
+TEST(SiteWalk, FollowsNoSymbolicLink) {
+  const TestSite site;
+  site.Add("a.html", "x");
+  WriteFile(site.scratch.path() / "secret.html", "x");
+  fs::create_symlink(site.scratch.path() / "secret.html", site.folder / "out.html");
+  fs::create_symlink("a.html", site.folder / "again.html");
+  fs::create_directory_symlink(".", site.folder / "loop");
+  fs::create_symlink("nowhere", site.folder / "dangling.html");
+  fs::create_symlink("nowhere", site.folder / "dangling.png");
+  const Walk walk = WalkOf(site);
+  EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
+  EXPECT_EQ(walk.skipped.byReason.at("symbolic link").count, 4u);
+}
+
+TEST(SiteWalk, TakesOnlyRegularFiles) {
+  const TestSite site;
+  ASSERT_EQ(mkfifo((site.folder / "pipe.html").c_str(), 0600), 0);
+  site.Add("folder.html/inside.html", "x");
+  const Walk walk = WalkOf(site);
+  EXPECT_EQ(walk.paths, std::vector<std::string>{"folder.html/inside.html html"});
+  EXPECT_EQ(walk.skipped.byReason.at("not a regular file").examples,
+            std::vector<std::string>{"pipe.html"});
+}
+
+TEST(SiteWalk, LeavesOutTheIndexInsideTheSite) {
+  const TestSite site;
+  site.Add("a.html", "x");
+  site.Add("search/search_template.html", "x");
+  const Walk walk = WalkOf(site, {{}, site.folder / "search", {}, {}});
+  EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
+}
+
+TEST(SiteWalk, NamesOnlyTheFirstFilesOfAReason) {
+  SkippedFiles skipped;
+  for (const char* path : {"a", "b", "c", "d"}) AddSkipped(skipped, "why", path);
+  EXPECT_EQ(skipped.total, 4u);
+  EXPECT_EQ(skipped.byReason.at("why").count, 4u);
+  EXPECT_EQ(skipped.byReason.at("why").examples, (std::vector<std::string>{"a", "b", "c"}));
+}
+
+TEST(SiteWalk, SaysWhenTheSiteCannotBeRead) {
+  SkippedFiles skipped;
+  try {
+    WalkSite("/nonexistent/site", {}, skipped);
+    FAIL();
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kFailed);
+    EXPECT_NE(std::string(error.what()).find("--site"), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer

@@ -1,0 +1,259 @@
+#include "indexer/words/word_cut.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <set>
+
+#include "indexer/extract/charset.h"
+#include "text/lower.h"
+#include "text/word_split.h"
+
+namespace vela::indexer {
+namespace {
+
+// The tokens of a chunk on one line. A word is its base form, with "/" and its surface where that
+// differs; a sign has the letter of its form before it: s(uffix), a(lone), p(refix), n(o blanks).
+// Further forms stand in braces, sorted, each once.
+std::string Cut(std::string_view chunk) {
+  ChunkTokens cut;
+  CutChunk(chunk, cut);
+  const std::vector<std::string> texts = ReservedTexts();
+  const ReservedNumbers numbers = ReservedLimits();
+  std::string line;
+  for (const TextToken& token : cut.tokens) {
+    if (!line.empty()) line += ' ';
+    if (token.reserved == 0) {
+      line += token.base;
+      if (token.base != token.surface) line.append("/").append(token.surface);
+      continue;
+    }
+    std::string text = texts[token.reserved];
+    char form = 's';
+    if (token.reserved > numbers.prefixes) {
+      form = 'n';
+    } else if (token.reserved > numbers.suffixes) {
+      form = 'p';
+    } else if (text.starts_with("&#32;")) {
+      form = 'a';
+      text.erase(0, 5);
+    }
+    line += form + text;
+  }
+  std::set<std::string> forms;
+  for (const FoundForm& form : cut.forms) forms.insert(form.text);
+  std::string all;
+  for (const std::string& form : forms) all += (all.empty() ? " {" : " ") + form;
+  return all.empty() ? line : line + all + "}";
+}
+
+TEST(TextWords, CutsChunks) {
+  const struct {
+    const char *what, *chunk, *expected;
+  } kCases[] = {
+      {"a plain word", "cat", "cat"},
+      {"a capital letter", "Cat", "cat/Cat"},
+      {"other alphabets", "ЖУК", "жук/ЖУК"},
+      {"punctuation behind", "cat,", "cat s,"},
+      {"several signs behind", "cat).", "cat s) s."},
+      {"a bracket before", "(see", "p( see"},
+      {"two signs before: only the first brings a blank", "(\"see", "p( n&#34; see"},
+      {"quotes around", "\"Cat\"", "p&#34; cat/Cat s&#34;"},
+      {"curly quotes around", "“Cat”", "p“ cat/Cat s”"},
+      {"a joined word by its parts", "Node.js,", "node.js/Node.js s, {js node}"},
+      {"a hyphen joins", "e-mail", "e-mail {e mail}"},
+      {"an underscore joins", "snake_case", "snake_case {case snake}"},
+      {"a version", "3.11", "3.11 {11 3}"},
+      {"an abbreviation", "U.S.A.", "u.s.a/U.S.A s. {a s u}"},
+      {"a name with a dot before", ".net", ".net {net}"},
+      {"an ellipsis before", "...and", "p. n. n. and {...and}"},
+      {"an ellipsis behind", "etc...", "etc s. s. s."},
+      {"a slash separates", "and/or", "and n/ or"},
+      {"an apostrophe separates; typed curly it does not", "don't", "don n&#39; t {don’t}"},
+      {"a curly apostrophe is the same word", "don’t", "don n’ t {don’t}"},
+      {"several apostrophes", "rock'n'roll", "rock n&#39; n n&#39; roll {rock’n’roll}"},
+      {"single quotes around", "'cat'", "p&#39; cat s&#39;"},
+      {"plus signs at the end", "C++", "c++/C++ {c}"},
+      {"plus signs before punctuation", "C++,", "c++/C++ s, {c}"},
+      {"one plus is no part of a word", "c+", "c s+"},
+      {"a hash at the end", "C#", "c#/C# {c}"},
+      {"a hash in brackets", "(C#)", "p( c#/C# s) {c}"},
+      {"a hash before a word", "#tag", "p# tag"},
+      {"a hyphen before a word would exclude it", "-x", "p- x"},
+      {"an option", "--help", "p- n- help"},
+      {"a hyphen behind", "pre-", "pre s- {pre-}"},
+      {"a dunder name", "__init__", "__init_ s_ {init}"},
+      {"an underscore behind, and a dot", "x_.", "x s_ s. {x_}"},
+      {"a sign that a query keeps inside", "a=b", "a n= b {a=b}"},
+      {"a semicolon behind", "foo;", "foo s;"},
+      {"marks are never part of the dictionary", "vector<int>", "vector n&#60; int s&#62;"},
+      {"a question", "what?", "what s?"},
+      {"patterns are no forms", "a*b", "a n* b"},
+      {"a range with a dash", "2010–2012", "2010 n– 2012 {2010–2012}"},
+      {"a dash alone", "—", "a—"},
+      {"two hyphens alone", "--", "a- s-"},
+      {"a ruler is cut short", "===========", "a= s= s= s="},
+      {"an address for letters", "user@example.com", "user n@ example.com {com example}"},
+      {"an address", "https://x.example/a", "https n: n/ n/ x.example n/ a {example x}"},
+      {"a restriction is no form", "site:foo", "site n: foo"},
+      {"an umlaut", "Öl", "öl/Öl {oel ol}"},
+      {"a sharp s", "straße", "straße {strasse}"},
+      {"accents", "Café", "café/Café {cafe}"},
+      {"accents in a part", "café-bar", "café-bar {bar cafe cafe-bar café}"},
+      {"a dotted capital I", "İzmir", "i\xB0zmir/İzmir {izmir}"},
+      {"Greek accents", "Αθήνα", "αθήνα/Αθήνα {αθηνα}"},
+      {"marks that are vowels stay", "हिन्दी", "हिन्दी"},
+      {"a percentage", "50%", "50 s%"},
+      {"a price", "€50", "p€ 50"},
+      {"a temperature", "20°C", "20 n° c/C {20°c}"},
+      {"a full stop of another script", "図書館。", "図書館 s。"},
+      {"a sign that is not shown", "word¶", "word"},
+      {"damage in the text cuts",
+       "a\xEF\xBF\xBD"
+       "b",
+       "a b {a\xEF\xBF\xBD"
+       "b}"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(Cut(c.chunk), c.expected);
+  }
+}
+
+TEST(TextWords, LongWordsAreFoundByTheirParts) {
+  const std::string word(kMaxWordBytes, 'a');
+  EXPECT_EQ(Cut(word), word);
+  EXPECT_EQ(Cut(word + "a"), "");
+  EXPECT_EQ(Cut(word + ".b"), word + " n. b");
+  EXPECT_EQ(Cut(word + "a.b"), "p. b");
+}
+
+TEST(TextWords, ChunksAreWhatBlanksLeave) {
+  std::string_view text = "  one two,  three";
+  EXPECT_EQ(NextChunk(text), "one");
+  EXPECT_EQ(NextChunk(text), "two,");
+  EXPECT_EQ(NextChunk(text), "three");
+  EXPECT_EQ(NextChunk(text), "");
+  EXPECT_EQ(NextChunk(text), "");
+}
+
+TEST(TextWords, PlainForms) {
+  EXPECT_TRUE(PlainForms("Plain").empty());
+  EXPECT_EQ(PlainForms("Ærø"), (std::vector<std::string>{"aero", "aeroe"}));
+  EXPECT_EQ(PlainForms("Łódź"), std::vector<std::string>{"lodz"});
+  EXPECT_EQ(PlainForms("ёлка"), std::vector<std::string>{"елка"});
+  EXPECT_TRUE(PlainForms("й").empty());
+  EXPECT_EQ(PlainForms("Größe"), (std::vector<std::string>{"grosse", "groesse", "grösse"}));
+  EXPECT_EQ(PlainForms("GRÖẞE"), (std::vector<std::string>{"grosse", "groesse", "grösse"}));
+  EXPECT_EQ(PlainForms("Straße"), std::vector<std::string>{"strasse"});
+  EXPECT_TRUE(PlainForms("한국").empty());
+}
+
+// The terms that a query of this text has, without exclusion marks.
+std::vector<std::string> QueryTerms(std::string text) {
+  LowerUtf8(text.data(), text.size());
+  text += ' ';
+  text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
+  std::vector<std::string> terms;
+  for (size_t at = text.find_first_not_of(' '); at != text.npos;) {
+    const size_t end = std::min(text.find(' ', at), text.size());
+    terms.push_back(text.substr(at, end - at));
+    at = text.find_first_not_of(' ', end);
+  }
+  return terms;
+}
+
+// The term, and what is left of it when signs that belong to no word are taken off its ends one by
+// one. An index that has any of these has the term as a visitor means it.
+std::vector<std::string> AsMeant(const std::string& term) {
+  std::vector<size_t> bounds;  // of characters
+  size_t length = 0;
+  for (size_t at = 0; at < term.size(); at += length) {
+    bounds.push_back(at);
+    DecodeCharacter(term, at, length);
+  }
+  bounds.push_back(term.size());
+  const auto isSign = [&](size_t character, std::string_view kept) {
+    const char32_t c = DecodeCharacter(term, bounds[character], length);
+    if (c < 0x80 && kept.find(static_cast<char>(c)) != kept.npos) return false;
+    return ClassifyCharacter(c).kind != CharacterKind::kWord;
+  };
+  std::vector<std::string> meant;
+  const size_t count = bounds.size() - 1;
+  for (size_t first = 0; first < count; ++first) {
+    for (size_t last = count; last > first; --last) {
+      meant.push_back(term.substr(bounds[first], bounds[last] - bounds[first]));
+      if (!isSign(last - 1, "#+_")) break;
+    }
+    if (!isSign(first, "._")) break;
+  }
+  return meant;
+}
+
+bool HasWordCharacter(std::string_view text) {
+  size_t length = 0;
+  for (size_t at = 0; at < text.size(); at += length) {
+    if (ClassifyCharacter(DecodeCharacter(text, at, length)).kind == CharacterKind::kWord) {
+      return true;
+    }
+  }
+  return false;
+}
+
+TEST(TextWords, WhatAQueryHoldsTheIndexHolds) {
+  const std::vector<std::string> pieces = {
+      "a", "B", "c7", "word", "ö", "É", "图", ".", "-", "_",     "#",    "+", "'",
+      "’", ",", ";",  ":",    "=", "/", "\\", "@", "&", "$",     "!",    "(", ")",
+      "[", "]", "{",  "}",    "|", "%", "^",  "~", "`", "–",     "—",    "…", "°",
+      "€", "¶", ".",  "-",    "_", "+", "#",  "a", "b", "site:", "[#@!]"};
+  std::mt19937 random(20240229);
+  size_t terms = 0;
+  for (int round = 0; round < 200000; ++round) {
+    std::string chunk;
+    const size_t count = 1 + random() % 9;
+    for (size_t i = 0; i < count; ++i) chunk += pieces[random() % pieces.size()];
+    ChunkTokens cut;
+    CutChunk(chunk, cut);
+    std::set<std::string> found;
+    for (const TextToken& token : cut.tokens) {
+      if (token.reserved == 0) found.emplace(token.base);
+    }
+    for (const FoundForm& form : cut.forms) {
+      ASSERT_LT(form.token, cut.tokens.size()) << chunk;
+      ASSERT_EQ(cut.tokens[form.token].reserved, 0u) << chunk;
+      found.insert(form.text);
+    }
+    for (const std::string& text : found) {
+      ASSERT_NE(text[0], '-') << chunk;
+      ASSERT_EQ(text.find_first_of(" <>\"&|"), std::string::npos) << chunk;
+    }
+    for (const std::string& term : QueryTerms(chunk)) {
+      // "site:x" restricts a search; it looks for no word.
+      if (!HasWordCharacter(term) || term.find(':') != term.npos) continue;
+      ASSERT_TRUE(std::ranges::any_of(
+          AsMeant(term), [&](const std::string& text) { return found.contains(text); }))
+          << chunk << " lacks " << term << ": " << Cut(chunk);
+      ++terms;
+    }
+  }
+  EXPECT_GT(terms, 100000u);
+}
+
+TEST(TextWords, SurvivesAnyBytes) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 100000; ++round) {
+    std::string text(1 + random() % 12, ' ');
+    for (char& c : text) c = static_cast<char>(0x21 + random() % 0xDF);
+    ChunkTokens cut;
+    CutChunk(text, cut);
+    for (const TextToken& token : cut.tokens) {
+      ASSERT_LE(token.reserved, ReservedLimits().limit);
+      ASSERT_EQ(token.base.size(), token.surface.size());
+      ASSERT_LE(token.base.size(), kMaxWordBytes);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer

@@ -1,0 +1,93 @@
+#include "indexer/write/page_table_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "support/indexer_site.h"
+
+namespace vela::indexer {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(PageTable, WritesRecordsAndLines) {
+  const support::ScratchDirectory scratch;
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  const auto add = [&](const std::string& address, const std::string& title,
+                       const std::string& description, uint64_t size, int64_t time, FileType type) {
+    PageEntry entry;
+    entry.address = address;
+    entry.title = title;
+    entry.description = description;
+    entry.fileSize = size;
+    entry.time = time;
+    entry.fileType = type;
+    writer.AddPage(entry);
+  };
+  add("/a.html", "A & B", "", 0x01020304, 0x11223344, FileType::kHtml);
+  add("/b.txt", "pipe | \"quote\"", "it's <b>", uint64_t{1} << 33, 0, FileType::kText);
+  add("/c", "", "", 0, int64_t{1} << 31, FileType::kHtml);
+  const PageTableWriter::Sizes sizes = writer.Finish();
+  // The first line has 21 bytes; the second "/b.txt|" 7, the title 27, "|" 1, the description 20
+  // and "||" with the line feed 3, that is 58; the third 7.
+  EXPECT_EQ(ReadFile(scratch.path() / "data"),
+            "/a.html|A &#38; B|||\n"
+            "/b.txt|pipe &#124; &#34;quote&#34;|it&#39;s &#60;b&#62;||\n"
+            "/c||||\n");
+  EXPECT_EQ(ReadFile(scratch.path() / "info"),
+            "\x11\0"
+            "\0\0\0\0\0"
+            "\x04\x03\x02\x01"
+            "\x44\x33\x22\x11"
+            "\0\0"
+            "\x11\0"
+            "\x15\0\0\0\0"
+            "\xFF\xFF\xFF\xFF"
+            "\0\0\0\0"
+            "\0\x01"
+            "\x11\0"
+            "\x4F\0\0\0\0"
+            "\0\0\0\0"
+            "\0\0\0\0"
+            "\0\0"s);
+  EXPECT_EQ(sizes.infoBytes, 51u);
+  EXPECT_EQ(sizes.dataBytes, 86u);
+}
+
+TEST(PageTable, ARecordHoldsCategoriesBoostAndMetaValues) {
+  const support::ScratchDirectory scratch;
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageEntry entry;
+  entry.address = "/a";
+  entry.title = "A";
+  entry.image = "/a.png";
+  entry.boost = 15;
+  entry.categories = "\x01\x80"s;
+  entry.metaValues = "new\0"s;
+  EXPECT_EQ(writer.AddPage(entry), 0u);
+  EXPECT_EQ(writer.AddPage(entry), 14u);  // behind "/a|A||/a.png|" and its line feed
+  writer.Finish();
+  EXPECT_EQ(ReadFile(scratch.path() / "data"), "/a|A||/a.png|\n/a|A||/a.png|\n");
+  EXPECT_EQ(ReadFile(scratch.path() / "info").substr(0, 23),
+            "\x17\0"
+            "\0\0\0\0\0"
+            "\0\0\0\0"
+            "\0\0\0\0"
+            "\x0F\0"
+            "\x01\x80new\0"s);
+}
+
+TEST(PageTable, TheLongestLineIsRead) {
+  const support::ScratchDirectory scratch;
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageEntry entry;
+  entry.address = entry.image = std::string(2083, 'a');
+  entry.title = entry.description = std::string(10000, '&');
+  writer.AddPage(entry);
+  EXPECT_LE(writer.Finish().dataBytes, 7260u);
+}
+
+}  // namespace
+}  // namespace vela::indexer

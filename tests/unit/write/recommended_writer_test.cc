@@ -1,0 +1,75 @@
+#include "indexer/write/recommended_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/report/index_error.h"
+#include "support/indexer_site.h"
+
+namespace vela::indexer {
+namespace {
+
+TEST(RecommendedWriter, ReadsTheOwnersLines) {
+  const std::vector<RecommendedRule> rules = ReadRecommendedRules(
+      "\xEF\xBB\xBF# hours\n\n hours, opening times =  h.html \r\nx=y=z", "r.txt");
+  ASSERT_EQ(rules.size(), 2u);
+  EXPECT_EQ(rules[0].keywords, "hours, opening times");
+  EXPECT_EQ(rules[0].address, "h.html");
+  EXPECT_EQ(rules[0].where, "r.txt, line 3");
+  EXPECT_EQ(rules[1].keywords, "x");
+  EXPECT_EQ(rules[1].address, "y=z");
+  for (const char* text : {"hours\n", "= h.html\n", "hours =\n", "caf\xE9 = a.html\n"}) {
+    SCOPED_TRACE(text);
+    EXPECT_THROW(ReadRecommendedRules(text, "r.txt"), IndexError);
+  }
+}
+
+TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
+  const support::ScratchDirectory scratch;
+  const std::string base = "https://x.example/";
+  const std::vector<RecommendedRule> rules = {
+      {"Hours, Opening-Times!", "h.html", "line 1"},
+      {"caf\u00E9", "https://x.example/c/", "line 2"},
+      {"prod*", "/p.html", "line 3"},
+      {"gone", "gone.html", "line 4"},
+      {" , \"", "h.html", "line 5"},
+      {std::string(501, 'a'), "h.html", "line 6"},
+  };
+  PageOffsets pages = WantedPages(rules, base);
+  NotePage(pages, std::vector<std::string>{"https://x.example/h.html"}, 0);
+  NotePage(pages, std::vector<std::string>{"https://x.example/c/index.html"}, 40);
+  NotePage(pages, std::vector<std::string>{"https://x.example/p.html"}, 1234567);
+  NotePage(pages, std::vector<std::string>{"https://x.example/other.html"}, 5);
+  EXPECT_EQ(pages.size(), 4u);  // only what rules name
+  const RecommendedSizes sizes =
+      WriteRecommended(scratch.path() / "r", rules, pages, base, IndexCharset());
+  EXPECT_EQ(ReadFile(scratch.path() / "r"),
+            "hours,opening-times 0\n"
+            "caf\u00E9,cafe 40\n"
+            "prod* 1234567\n");
+  EXPECT_EQ(sizes.entries, 3u);
+  EXPECT_EQ(sizes.longestLine, 22u);
+  ASSERT_EQ(sizes.unknown.size(), 3u);
+  EXPECT_EQ(sizes.unknown[0], "line 4: there is no page gone.html to recommend");
+  EXPECT_NE(sizes.unknown[1].find("hold no word"), std::string::npos);
+  EXPECT_NE(sizes.unknown[2].find("too long"), std::string::npos);
+}
+
+TEST(RecommendedWriter, AddressesAreWrittenAsPeopleWriteThem) {
+  const support::ScratchDirectory scratch;
+  const std::string base = "https://x.example/";
+  const std::vector<RecommendedRule> rules = {
+      {"list", "notes/Preis liste.txt", "line 1"},
+      {"about", "https://x.example/\u00DCber.html#top", "line 2"},
+      {"encoded", "%c3%9cber.html", "line 3"},
+  };
+  PageOffsets pages = WantedPages(rules, base);
+  NotePage(pages, std::vector<std::string>{"https://x.example/notes/Preis%20liste.txt"}, 7);
+  NotePage(pages, std::vector<std::string>{"https://x.example/%C3%9Cber.html"}, 9);
+  const RecommendedSizes sizes =
+      WriteRecommended(scratch.path() / "r", rules, pages, base, IndexCharset());
+  EXPECT_EQ(ReadFile(scratch.path() / "r"), "list 7\nabout 9\nencoded 9\n");
+  EXPECT_TRUE(sizes.unknown.empty());
+}
+
+}  // namespace
+}  // namespace vela::indexer
