@@ -29,7 +29,7 @@ bool WriteAutoComplete(Response& response, const IndexDirectory& directory,
     const std::string_view text = line.substr(0, line.find_first_of("\r\n"));
     const auto length = static_cast<int>(text.size());
     for (std::string_view word : words) {
-      if (!PrefixMatches(text, word, settings.UseUTF8 == 1)) continue;
+      if (!PrefixMatches(text, word, IsUtf8(settings))) continue;
       WriteOut(response,
                "<div class=\"vela_ac_item\" "
                "onclick=\"VelaAutoComplete_UseSuggestion(&quot;%.*s&quot;);\">"

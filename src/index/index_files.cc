@@ -86,7 +86,7 @@ bool OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory, const Se
     WriteCannotOpen(response, kPageInfoFileName);
     return false;
   }
-  if (settings.DisplayContext == 1 || settings.AllowExactPhrase == 1) {
+  if (NeedsPageText(settings)) {
     if (!OpenPageText(files.pageText, directory, response)) return false;
   }
   if (!files.wordMap.Open(directory, kWordMapFileName, false)) {

@@ -64,7 +64,7 @@ PageInfoStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
   if (!pages.file.Open(directory, kPageInfoFileName, true)) return PageInfoStatus::kUnreadable;
   pages.big = settings.UseBigPageInfoData == 1;
   pages.pageCount = settings.NumPages;
-  pages.categoryBytes = settings.UseCats == 1 && settings.NumCatBytes > 0
+  pages.categoryBytes = HasCategorySets(settings) && settings.NumCatBytes > 0
                             ? static_cast<size_t>(settings.NumCatBytes)
                             : 0;
   if (settings.PageInfoSize < 0) return PageInfoStatus::kUnreadable;

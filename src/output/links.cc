@@ -14,7 +14,7 @@ namespace {
 constexpr size_t kDateTextSize = 15;
 
 void AppendCategories(LinkText& out, const Settings& settings, const SearchRequest& request) {
-  if (settings.UseCats == 0 || SearchesAllCategories(request)) return;
+  if (!UsesCategories(settings) || SearchesAllCategories(request)) return;
   for (int32_t category : request.categories) {
     if (category < 0 || category >= settings.categoryNames.size()) continue;
     Appendf(out, "&amp;vela_cat%%5B%%5D=%d", category);

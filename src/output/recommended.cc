@@ -59,7 +59,7 @@ void WriteXmlLink(RecommendedState& state, const PageTexts& texts, const LinkTex
   Response& response = state.response;
   const auto length = [](std::string_view text) { return static_cast<int>(text.size()); };
   WriteRaw(response, "<vela:recommended>\n");
-  if (state.input.settings.UseVelaImage == 1 && !texts.image.empty()) {
+  if (ShowsImages(state.input.settings) && !texts.image.empty()) {
     WriteOut(response, "<vela:imageURL>%.*s</vela:imageURL>", length(texts.image),
              texts.image.data());
   }
@@ -74,7 +74,7 @@ void AddHtmlLink(RecommendedState& state, const PageTexts& texts, const LinkText
   const Settings& settings = state.input.settings;
   const LinkAttribute attribute = ConfiguredLinkAttribute(settings);
   Add(state, "<div class=\"recommend_block\">\n");
-  if (settings.UseVelaImage == 1 && !texts.image.empty()) {
+  if (ShowsImages(settings) && !texts.image.empty()) {
     Add(state, "<div class=\"recommend_image\">");
     Add(state, "<a href=\"%s\" %s>", target.bytes, attribute.bytes);
     Add(state, "<img src=\"%.*s\" alt=\"\" class=\"recommend_image\">",
@@ -117,7 +117,7 @@ bool ShowLink(RecommendedState& state, int64_t offset) {
   const LinkText target = RecommendedTarget(settings, texts.url, state.input.encodedQuery,
                                             View(state.input.query.text));
   // Kept: the fragment that went into the link is gone from the address shown.
-  if (settings.GotoHighlight == 1) texts.url = texts.url.substr(0, texts.url.find('#'));
+  if (PointsToWords(settings)) texts.url = texts.url.substr(0, texts.url.find('#'));
   if (state.response.xml) {
     WriteXmlLink(state, texts, target);
   } else {
@@ -136,10 +136,10 @@ bool MatchesKeyword(const RecommendedInput& input, std::string_view keyword) {
     const std::string_view term = input.query.terms[i];
     bool matches = false;
     // In a substring search the words of a phrase stand for themselves.
-    const bool isPlainPhrase = settings.SearchAsSubstring == 1 && IsPhrase(term, settings);
+    const bool isPlainPhrase = SearchesSubstrings(settings) && IsPhrase(term, settings);
     if (HasWildcard(term) && !isPlainPhrase) {
       matches = MatchesWildcard(keyword, term, mode.foldCase);
-    } else if (settings.SearchAsSubstring == 1) {
+    } else if (SearchesSubstrings(settings)) {
       matches = FindNoCase(keyword, term, mode.utf8) != keyword.npos;
     } else {
       matches = WordCompare(mode, keyword, term) == 0;

@@ -89,7 +89,7 @@ FixedText<16384> MetaValueText(const Settings& settings, const MetaFieldDef& fie
 template <typename Visit>
 void ForEachMetaValue(const ResultBlocks& blocks, uint32_t page, Visit visit) {
   const Settings& settings = blocks.settings;
-  if (settings.UseMetaFields != 1 || settings.DisplayMetaFields != 1) return;
+  if (!ShowsMetaFields(settings)) return;
   ByteCursor cursor{PageMetaData(blocks.files.pages, page)};
   for (const MetaFieldDef& field : settings.metaFields) {
     const MetaData data = TakeMetaData(cursor, field);
@@ -117,7 +117,7 @@ void AddContext(Response& response, OutputSections& sections, const ResultBlocks
 }
 
 void AddImage(OutputSections& sections, const ResultBlocks& blocks, const Result& result) {
-  if (blocks.settings.UseVelaImage != 1 || result.texts.image.empty()) return;
+  if (!ShowsImages(blocks.settings) || result.texts.image.empty()) return;
   AppendResults(sections, "<div class=\"result_image\">");
   AppendResults(sections, "<a href=\"%s\" %s>", result.target.bytes, result.attribute);
   AppendResults(sections, "<img src=\"%.*s\" alt=\"\" class=\"result_image\" />",
@@ -138,7 +138,7 @@ bool AddTitle(OutputSections& sections, const ResultBlocks& blocks, const Result
     AppendResults(sections, "%.*s", Length(result.texts.url), result.texts.url.data());
   }
   AppendResults(sections, "</a>");
-  if (settings.UseCats != 0) {
+  if (UsesCategories(settings)) {
     AppendResults(sections, "<span class=\"category\">");
     const bool valid = ForEachCategoryOf(blocks, result.entry.page, [&](const char* name) {
       AppendResults(sections, " [%s]", name);
@@ -251,13 +251,13 @@ BlockStatus WriteItem(Response& response, OutputSections& sections, const Result
   const Settings& settings = blocks.settings;
   const PageTexts& texts = result.texts;
   WriteRaw(response, "<item>\n");
-  if (settings.UseVelaImage == 1 && !texts.image.empty()) {
+  if (ShowsImages(settings) && !texts.image.empty()) {
     WriteOut(response, "<vela:imageURL>%.*s</vela:imageURL>", Length(texts.image),
              texts.image.data());
   }
   WriteOut(response, "<title>%.*s</title>\n", Length(texts.title), texts.title.data());
   WriteOut(response, "<link>%s</link>\n", result.target.bytes);
-  if (settings.UseCats != 0) {
+  if (UsesCategories(settings)) {
     const bool valid = ForEachCategoryOf(blocks, result.entry.page, [&](const char* name) {
       WriteOut(response, "<category>%s</category>\n", name);
     });

@@ -16,7 +16,7 @@ constexpr int64_t kPagesEachSide = 10;  // page links before and behind the curr
 constexpr size_t kEscapedTermSize = 5 * kQuerySize;
 
 bool SearchesSomeCategories(const Settings& settings, const SearchRequest& request) {
-  return settings.UseCats != 0 && !SearchesAllCategories(request);
+  return UsesCategories(settings) && !SearchesAllCategories(request);
 }
 
 // Calls `visit(name)` for each selected category that the settings name.
@@ -32,7 +32,7 @@ void ForEachSelectedCategory(const Settings& settings, const SearchRequest& requ
 void WriteXmlHeading(Response& response, const Settings& settings, const SearchRequest& request,
                      const Query& query) {
   WriteOut(response, "<vela:searchquery>%s</vela:searchquery>\n", query.display.bytes);
-  if (settings.UseCats == 0) return;
+  if (!UsesCategories(settings)) return;
   if (SearchesAllCategories(request)) {
     WriteRaw(response, "<vela:searchcategory>All</vela:searchcategory>\n");
     return;
@@ -57,7 +57,7 @@ void AddSkippedTerms(OutputSections& sections, const ResultsPage& page) {
         EscapedRequestText<kEscapedTermSize>(page.skipped.terms[static_cast<size_t>(i)]).bytes);
   }
   AppendSection(sections, Section::kSummary, "<br /><br />");
-  if (page.query.hasPhrase && page.settings.AllowExactPhrase == 1) {
+  if (page.query.hasPhrase && AllowsPhrases(page.settings)) {
     AppendSection(sections, Section::kSummary, "%s<br /><br />",
                   Text(language, Str::kSkippedPhrase));
   }
@@ -312,7 +312,7 @@ void WriteHeading(Response& response, OutputSections& sections, const Settings& 
       AppendSection(sections, Section::kHeading, "%s\"%s\"", isFirst ? "" : ", ", name);
       isFirst = false;
     });
-  } else if (settings.UseCats != 0) {
+  } else if (UsesCategories(settings)) {
     AppendSection(sections, Section::kHeading, " %s", Text(language, Str::kResultsInAllCategories));
   }
   AppendSection(sections, Section::kHeading, "<br /><br /></div>\n");

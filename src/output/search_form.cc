@@ -80,7 +80,7 @@ void AddCategoryList(const FormInput& in) {
 }
 
 void AddCategories(const FormInput& in) {
-  if (in.settings.UseCats == 0) return;
+  if (!UsesCategories(in.settings)) return;
   AppendSection(in.sections, Section::kCategories,
                 "<span class=\"vela_categories\"><label for=\"vela_cat\">%s</label>",
                 in.Language(Str::kFormCategory));
@@ -158,7 +158,7 @@ void AddMetaInput(const FormInput& in, const MetaFieldDef& field, const char* id
 }
 
 void AddMetaFields(const FormInput& in) {
-  if (in.settings.UseMetaFields == 0) return;
+  if (!UsesMetaFields(in.settings)) return;
   AppendSection(in.sections, Section::kCustomMetaOptions, "<span class=\"vela_metaform\">\n");
   const size_t count = std::min(in.settings.metaFields.size(), in.request.metaValues.size());
   for (size_t i = 0; i < count; ++i) {
@@ -208,7 +208,7 @@ void AddDateInput(const FormInput& in, const char* name, Str label, std::string_
 }
 
 void AddDateRange(const FormInput& in) {
-  if (in.settings.DateRangeSearch != 1) return;
+  if (!SearchesDates(in.settings)) return;
   AppendSection(in.sections, Section::kDateRange, "<span class=\"vela_daterange\">\n");
   AddDateInput(in, "vela_datefrom", Str::kFormDateFrom, View(in.request.dateFrom));
   AddDateInput(in, "vela_dateto", Str::kFormDateTo, View(in.request.dateTo));

@@ -38,7 +38,7 @@ constexpr ErrorText kErrorTexts[] = {
 };
 
 bool AppendCategories(GrowText& line, const Settings& settings, const SearchRequest& request) {
-  if (settings.UseCats == 0) {
+  if (!UsesCategories(settings)) {
     return line.Appendf(", No cats") >= 0;
   }
   if (SearchesAllCategories(request)) {

@@ -8,11 +8,11 @@ namespace vela {
 namespace {
 
 const char* HighlightParameter(const Settings& settings) {
-  return settings.SearchAsSubstring == 1 ? "vela_highlightsub=" : "vela_highlight=";
+  return SearchesSubstrings(settings) ? "vela_highlightsub=" : "vela_highlight=";
 }
 
 bool IsPdfLink(const Settings& settings, std::string_view url) {
-  return settings.PdfHighlight == 1 && FindNoCase(url, ".pdf", settings.UseUTF8 == 1) != url.npos;
+  return settings.PdfHighlight == 1 && FindNoCase(url, ".pdf", IsUtf8(settings)) != url.npos;
 }
 
 // The form in which viewers of PDF files take words to look for. Only what could end the attribute
@@ -39,7 +39,7 @@ LinkText ResultTarget(const Settings& settings, std::string_view url, std::strin
                       std::string_view query) {
   if (IsPdfLink(settings, url)) return PdfTarget(url, query);
   LinkText target;
-  if (settings.GotoHighlight == 1) {
+  if (PointsToWords(settings)) {
     BuildUrl(target, url, HighlightParameter(settings), encodedQuery);
   } else {
     Set(target, url);
@@ -49,7 +49,7 @@ LinkText ResultTarget(const Settings& settings, std::string_view url, std::strin
 
 LinkText RecommendedTarget(const Settings& settings, std::string_view url,
                            std::string_view encodedQuery, std::string_view query) {
-  const bool highlights = settings.GotoHighlight == 1;
+  const bool highlights = PointsToWords(settings);
   const std::string_view plain = highlights ? url.substr(0, url.find('#')) : url;
   if (IsPdfLink(settings, plain)) return PdfTarget(plain, query);
   LinkText target;

@@ -79,7 +79,7 @@ void WriteDatePicker(Response& response, const PageParts& parts) {
 
 void WriteHeadScripts(Response& response, const PageParts& parts) {
   if (parts.settings.UseAutoComplete == 1) WriteAutoComplete(response, parts);
-  if (parts.settings.DateRangeSearch == 1) WriteDatePicker(response, parts);
+  if (SearchesDates(parts.settings)) WriteDatePicker(response, parts);
 }
 
 void WriteWholePage(Response& response, const PageParts& parts) {
@@ -143,7 +143,7 @@ void FillTemplate(Response& response, const PageParts& parts) {
     WriteRaw(response, "</channel>\n</rss>");
     return;
   }
-  bool scriptsDue = parts.settings.UseAutoComplete == 1 || parts.settings.DateRangeSearch == 1;
+  bool scriptsDue = parts.settings.UseAutoComplete == 1 || SearchesDates(parts.settings);
   FileImage file;
   if (!file.Open(parts.directory, kTemplateFileName, true)) {
     WriteRaw(response, "Error: Could not open template file.");

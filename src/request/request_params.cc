@@ -44,7 +44,7 @@ void ReadDate(CgiForm& form, const char* name, FixedText<N>& date) {
 }
 
 bool ReadCategories(RequestParams& params, const Settings& settings) {
-  if (settings.UseCats == 0) return true;
+  if (!UsesCategories(settings)) return true;
   // No list is longer than the request; one number is stored whatever the count of categories.
   const auto wanted = static_cast<size_t>(std::max(settings.NumCats, 1));
   const auto pairs = static_cast<size_t>(std::max(params.Form.pairCount, 1));
@@ -78,7 +78,7 @@ MetaValue ReadMultipleChoice(CgiForm& form, const char* name) {
 }
 
 bool ReadMetaValues(RequestParams& params, const Settings& settings) {
-  if (settings.UseMetaFields == 0) return true;
+  if (!UsesMetaFields(settings)) return true;
   if (!params.MetaValues.TryAllocate(settings.metaFields.size())) return false;
   for (size_t i = 0; i < settings.metaFields.size(); ++i) {
     const MetaFieldDef& field = settings.metaFields[i];

@@ -57,7 +57,7 @@ int StartResponse(SearchContext& ctx) {
                    View(ctx.paths.ScriptUrl));
   }
   if (IsEmpty(ctx.query.typed)) {
-    ctx.search.metaOnly = settings.UseMetaFields != 0 && ctx.request.QueryGiven;
+    ctx.search.metaOnly = UsesMetaFields(settings) && ctx.request.QueryGiven;
     if (!ctx.search.metaOnly) {
       if (ctx.request.QueryGiven) {
         AppendSection(ctx.output, Section::kSummary, "<div class=\"summary\">%s</div>\n",

@@ -39,8 +39,8 @@ int EndWithInvalidCategory(SearchContext& ctx) {
 }
 
 int CreateStemmer(SearchContext& ctx) {
-  if (ctx.settings.UseStemming != 1) return 1;
-  switch (ctx.stemmer.Create(ctx.settings.StemmingAlgo, ctx.settings.UseUTF8 != 0)) {
+  if (!StemsWords(ctx.settings)) return 1;
+  switch (ctx.stemmer.Create(ctx.settings.StemmingAlgo, StemsUtf8(ctx.settings))) {
     case StemmerStatus::kOk:
       return 1;
     case StemmerStatus::kInvalidAlgorithm:
@@ -56,7 +56,7 @@ int PrepareSearch(SearchContext& ctx, SearchState& state) {
   if (!AllocateMatches(state.matches, settings.NumPages) ||
       !StartTermSearch(state.terms, ctx.query, settings) ||
       (settings.Highlighting == 1 &&
-       !CollectHighlightTerms(state.highlight, ctx.query.terms, settings.AllowExactPhrase == 1)) ||
+       !CollectHighlightTerms(state.highlight, ctx.query.terms, AllowsPhrases(settings))) ||
       !PrepareFilters(state.filters, settings, ctx.search, ctx.index.pages,
                       ctx.index.pageData.bytes())) {
     return EndWithError(ctx, "Out of memory");

@@ -132,14 +132,14 @@ void Count(PageFilters& filters, int32_t category) {
 }
 
 bool SelectionActive(const PageFilters& filters) {
-  return filters.settings->UseCats != 0 && !SearchesAllCategories(*filters.request);
+  return UsesCategories(*filters.settings) && !SearchesAllCategories(*filters.request);
 }
 
 }  // namespace
 
 DateRange ReadDateRange(const SearchRequest& request, const Settings& settings) {
   DateRange range;
-  if (settings.DateRangeSearch != 1) return range;
+  if (!SearchesDates(settings)) return range;
   if (request.lastTimeFrom > 0 && request.lastTimeTo > 0) {
     return {true, request.lastTimeFrom, request.lastTimeTo};
   }
@@ -216,7 +216,7 @@ bool PrepareFilters(PageFilters& filters, const Settings& settings, const Search
   filters.dates = ReadDateRange(request, settings);
   const bool summaryApplies = SearchesAllCategories(request) || request.categories.size() >= 2;
   filters.countsCategories =
-      settings.UseCats == 1 && settings.DisplayCatSummary == 1 && summaryApplies;
+      HasCategorySets(settings) && settings.DisplayCatSummary == 1 && summaryApplies;
   if (filters.countsCategories) {
     const auto names = static_cast<size_t>(settings.categoryNames.size());
     if (!filters.categoryCounts.TryAllocate(names)) return false;
@@ -233,7 +233,7 @@ bool PassesSiteRestriction(const PageFilters& filters, uint32_t page) {
   std::string_view url;
   const bool read = ReadPageUrl(filters.pageData, PageDataOffset(*filters.pages, page), url);
   if (!read) url = {};  // a page without an address holds only the empty restriction
-  const size_t at = FindNoCase(url, filters.siteRestriction, filters.settings->UseUTF8 == 1);
+  const size_t at = FindNoCase(url, filters.siteRestriction, IsUtf8(*filters.settings));
   return at != url.npos;
 }
 

@@ -84,7 +84,7 @@ LookupStatus LookUpTerm(const LookupTerm& term, const Dictionary& dictionary,
   int32_t number = FirstSearchedWord(settings);
   for (; number < dictionary.size() && (!limitReached || term.isExclusion); ++number) {
     if (term.isWildcard) {
-      if (!MatchesWord(dictionary, number, term.word, settings.ToLowerSearchWords == 1)) continue;
+      if (!MatchesWord(dictionary, number, term.word, LowersQueries(settings))) continue;
     } else {
       number = dictionary.FindExact(term.word, number);
       if (number < 0) break;

@@ -15,7 +15,7 @@ void NormaliseQuery(QueryText& text, const Settings& settings) {
     }
   }
   const size_t length = View(text).size();
-  if (settings.ToLowerSearchWords == 1) LowerText(text.bytes, length, settings.UseUTF8 == 1);
+  if (LowersQueries(settings)) LowerText(text.bytes, length, IsUtf8(settings));
   if (settings.AllowExactPhrase == 0) ReplaceCharacters(text.bytes, length, "\"", " ");
   const size_t separated = SeparateWords(text.bytes, length, View(settings.WordJoinChars));
   text.bytes[separated] = '\0';
@@ -107,7 +107,7 @@ bool IsSiteRestriction(std::string_view word, std::string_view& restriction) {
 }
 
 bool IsPhrase(std::string_view term, const Settings& settings) {
-  return settings.AllowExactPhrase == 1 && term.find(' ') != term.npos;
+  return AllowsPhrases(settings) && term.find(' ') != term.npos;
 }
 
 QueryText SubstringTerm(std::string_view term, const Settings& settings) {

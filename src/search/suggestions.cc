@@ -14,9 +14,9 @@ bool CandidateWord(int32_t number, const Dictionary& dictionary, const Settings&
                    Stemmer& stemmer, QueryText& word) {
   if (number <= 0 || number >= dictionary.size()) return false;
   Set(word, dictionary.DisplayText(number, 1));
-  const bool utf8 = settings.UseUTF8 == 1;
+  const bool utf8 = IsUtf8(settings);
   LowerText(word.bytes, View(word).size(), utf8);
-  if (settings.UseStemming == 1) StemText(word, stemmer, utf8);
+  if (StemsWords(settings)) StemText(word, stemmer, utf8);
   return true;
 }
 

@@ -43,8 +43,8 @@ TermStatus SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
                         const TermPlace& place, Matches& matches) {
   const Settings& settings = input.settings;
   QueryText words = term.word;
-  if (settings.UseStemming == 1) {
-    words = StemPhrase(View(term.word), input.stemmer, settings.UseUTF8 == 1);
+  if (StemsWords(settings)) {
+    words = StemPhrase(View(term.word), input.stemmer, IsUtf8(settings));
   }
   Phrase phrase;
   const LookupStatus prepared =
@@ -86,8 +86,8 @@ TermStatus SearchWord(TermSearch& search, const TermSearchInput& input, Searched
                       const TermPlace& place, Matches& matches) {
   const Settings& settings = input.settings;
   const bool groupsWords = View(term.word).find(' ') != std::string_view::npos;
-  if (settings.UseStemming == 1 && !groupsWords) {
-    StemText(term.word, input.stemmer, settings.UseUTF8 == 1);
+  if (StemsWords(settings) && !groupsWords) {
+    StemText(term.word, input.stemmer, IsUtf8(settings));
   }
   const LookupTerm lookup = {View(term.word), HasWildcard(View(term.word)), place.isExclusion};
   LookupResult result;
@@ -138,7 +138,7 @@ bool StartTermSearch(TermSearch& search, Query& query, const Settings& settings)
   for (size_t i = 0; i < count; ++i) {
     SearchedTerm& term = search.terms[i];
     std::string_view& listed = query.terms.terms[i];
-    if (settings.SearchAsSubstring == 1) {
+    if (SearchesSubstrings(settings)) {
       term.shown = SubstringTerm(listed, settings);
     } else {
       Set(term.shown, listed);

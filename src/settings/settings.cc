@@ -8,7 +8,7 @@ const char* MetaListValue(const Settings& settings, const MetaFieldDef& field, i
 }
 
 TextMode WordMode(const Settings& settings) {
-  return {settings.ToLowerSearchWords != 0, settings.UseUTF8 == 1};
+  return {settings.ToLowerSearchWords != 0, IsUtf8(settings)};
 }
 
 }  // namespace vela

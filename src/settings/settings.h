@@ -153,4 +153,32 @@ const char* MetaListValue(const Settings& settings, const MetaFieldDef& field, i
 // How words of this index compare.
 TextMode WordMode(const Settings& settings);
 
+// What the settings say, where more than one place asks. Some keys are asked in two ways that tell
+// values apart which no indexer writes; both ways stand here.
+inline bool UsesCategories(const Settings& s) { return s.UseCats != 0; }
+// Kept: whether the records of the pages hold category sets, and the summary counts them: only with
+// UseCats 1, while any number but 0 shows and searches categories (golden index/cats_mode_two).
+inline bool HasCategorySets(const Settings& s) { return s.UseCats == 1; }
+inline bool UsesMetaFields(const Settings& s) { return s.UseMetaFields != 0; }
+// Kept: shown only with UseMetaFields 1, searched with any number but 0 (golden
+// output/meta_mode_two).
+inline bool ShowsMetaFields(const Settings& s) {
+  return s.UseMetaFields == 1 && s.DisplayMetaFields == 1;
+}
+inline bool IsUtf8(const Settings& s) { return s.UseUTF8 == 1; }
+// Kept: the stemmer takes any number but 0 for UTF-8, all else only 1 (unit stemmer_test).
+inline bool StemsUtf8(const Settings& s) { return s.UseUTF8 != 0; }
+inline bool StemsWords(const Settings& s) { return s.UseStemming == 1; }
+// Kept: the query is lower-cased only with 1, words are compared without case with any number but 0
+// (unit query_test).
+inline bool LowersQueries(const Settings& s) { return s.ToLowerSearchWords == 1; }
+inline bool SearchesSubstrings(const Settings& s) { return s.SearchAsSubstring == 1; }
+// Only 1 lets quotes make phrases; with any other number but 0 they only group words.
+inline bool AllowsPhrases(const Settings& s) { return s.AllowExactPhrase == 1; }
+inline bool NeedsPageText(const Settings& s) { return s.DisplayContext == 1 || AllowsPhrases(s); }
+inline bool SearchesDates(const Settings& s) { return s.DateRangeSearch == 1; }
+inline bool ShowsImages(const Settings& s) { return s.UseVelaImage == 1; }
+// Whether links carry the query, so that the page shown scrolls to its words.
+inline bool PointsToWords(const Settings& s) { return s.GotoHighlight == 1; }
+
 }  // namespace vela
