@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "indexer/collect/meta_values.h"
-#include "indexer/extract/charset.h"
+#include "indexer/extract/decoding.h"
 #include "indexer/extract/html_page.h"
 #include "indexer/extract/page_date.h"
 #include "indexer/extract/plain_text_page.h"
@@ -11,6 +11,7 @@
 #include "indexer/site/address.h"
 #include "indexer/site/category_set.h"
 #include "indexer/source/file_reading.h"
+#include "indexer/words/clean_text.h"
 
 namespace vela::indexer {
 

@@ -4,7 +4,7 @@
 #include <map>
 #include <utility>
 
-#include "indexer/extract/charset.h"
+#include "indexer/words/clean_text.h"
 #include "indexer/words/symbols.h"
 #include "indexer/words/word_cut.h"
 #include "text/lower.h"

@@ -10,8 +10,8 @@
 #include <memory>
 #include <vector>
 
-#include "indexer/extract/charset.h"
 #include "indexer/extract/markup_limits.h"
+#include "indexer/words/clean_text.h"
 #include "indexer/words/lower_ascii.h"
 #include "text/lower.h"
 

@@ -1,6 +1,6 @@
 #include "indexer/extract/plain_text_page.h"
 
-#include "indexer/extract/charset.h"
+#include "indexer/words/clean_text.h"
 
 namespace vela::indexer {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "indexer/extract/charset.h"
 #include "indexer/report/index_error.h"
+#include "indexer/words/clean_text.h"
 #include "text/ascii.h"
 
 namespace vela::indexer {

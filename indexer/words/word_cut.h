@@ -6,7 +6,7 @@
 // apart; and a word can be found by more than its own form:
 //   parts    of a joined word ("node.js" by "node" and "js");
 //   wholes   of words that signs inside cut apart, as the query would have them ("a=b");
-//   plain    forms without accents ("cafe" for "café", "ue" as well as "u" for "ü", "ss" for "ß").
+//   plain    forms without accents ("cafe" for "café"; see plain_forms.h).
 #pragma once
 
 #include <cstdint>
@@ -59,9 +59,5 @@ std::string_view NextChunk(std::string_view& text);
 
 // Cuts one chunk.
 void CutChunk(std::string_view chunk, ChunkTokens& out);
-
-// The forms of `surface` without accents, lower-cased: at most three, none for plain ASCII.
-// "größe" gives "grosse", "groesse" and, as it is written where there is no ß, "grösse".
-std::vector<std::string> PlainForms(std::string_view surface);
 
 }  // namespace vela::indexer

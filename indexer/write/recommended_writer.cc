@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-#include "indexer/extract/charset.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
+#include "indexer/words/clean_text.h"
+#include "indexer/words/plain_forms.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
 #include "text/lower.h"

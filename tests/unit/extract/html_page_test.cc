@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "indexer/extract/charset.h"
+#include "indexer/words/clean_text.h"
 
 namespace vela::indexer {
 namespace {

@@ -6,7 +6,6 @@
 #include <random>
 #include <set>
 
-#include "indexer/extract/charset.h"
 #include "text/lower.h"
 #include "text/word_split.h"
 
@@ -48,7 +47,7 @@ std::string Cut(std::string_view chunk) {
   return all.empty() ? line : line + all + "}";
 }
 
-TEST(TextWords, CutsChunks) {
+TEST(WordCut, CutsChunks) {
   const struct {
     const char *what, *chunk, *expected;
   } kCases[] = {
@@ -121,7 +120,7 @@ TEST(TextWords, CutsChunks) {
   }
 }
 
-TEST(TextWords, LongWordsAreFoundByTheirParts) {
+TEST(WordCut, LongWordsAreFoundByTheirParts) {
   const std::string word(kMaxWordBytes, 'a');
   EXPECT_EQ(Cut(word), word);
   EXPECT_EQ(Cut(word + "a"), "");
@@ -129,25 +128,13 @@ TEST(TextWords, LongWordsAreFoundByTheirParts) {
   EXPECT_EQ(Cut(word + "a.b"), "p. b");
 }
 
-TEST(TextWords, ChunksAreWhatBlanksLeave) {
+TEST(WordCut, ChunksAreWhatBlanksLeave) {
   std::string_view text = "  one two,  three";
   EXPECT_EQ(NextChunk(text), "one");
   EXPECT_EQ(NextChunk(text), "two,");
   EXPECT_EQ(NextChunk(text), "three");
   EXPECT_EQ(NextChunk(text), "");
   EXPECT_EQ(NextChunk(text), "");
-}
-
-TEST(TextWords, PlainForms) {
-  EXPECT_TRUE(PlainForms("Plain").empty());
-  EXPECT_EQ(PlainForms("Ærø"), (std::vector<std::string>{"aero", "aeroe"}));
-  EXPECT_EQ(PlainForms("Łódź"), std::vector<std::string>{"lodz"});
-  EXPECT_EQ(PlainForms("ёлка"), std::vector<std::string>{"елка"});
-  EXPECT_TRUE(PlainForms("й").empty());
-  EXPECT_EQ(PlainForms("Größe"), (std::vector<std::string>{"grosse", "groesse", "grösse"}));
-  EXPECT_EQ(PlainForms("GRÖẞE"), (std::vector<std::string>{"grosse", "groesse", "grösse"}));
-  EXPECT_EQ(PlainForms("Straße"), std::vector<std::string>{"strasse"});
-  EXPECT_TRUE(PlainForms("한국").empty());
 }
 
 // The terms that a query of this text has, without exclusion marks.
@@ -201,7 +188,7 @@ bool HasWordCharacter(std::string_view text) {
   return false;
 }
 
-TEST(TextWords, WhatAQueryHoldsTheIndexHolds) {
+TEST(WordCut, WhatAQueryHoldsTheIndexHolds) {
   const std::vector<std::string> pieces = {
       "a", "B", "c7", "word", "ö", "É", "图", ".", "-", "_",     "#",    "+", "'",
       "’", ",", ";",  ":",    "=", "/", "\\", "@", "&", "$",     "!",    "(", ")",
@@ -240,7 +227,7 @@ TEST(TextWords, WhatAQueryHoldsTheIndexHolds) {
   EXPECT_GT(terms, 100000u);
 }
 
-TEST(TextWords, SurvivesAnyBytes) {
+TEST(WordCut, SurvivesAnyBytes) {
   std::mt19937 random(7);
   for (int round = 0; round < 100000; ++round) {
     std::string text(1 + random() % 12, ' ');

@@ -1,8 +1,6 @@
-#include "indexer/extract/charset.h"
+#include "indexer/extract/decoding.h"
 
 #include <uchardet/uchardet.h>
-#include <unicode/bytestream.h>
-#include <unicode/normalizer2.h>
 #include <unicode/ucnv.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
@@ -11,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "indexer/words/clean_text.h"
 #include "indexer/words/lower_ascii.h"
 
 namespace vela::indexer {
@@ -122,13 +121,6 @@ bool ReadsAscii(const std::string& charset) {
   return Convert(kSample, charset, utf8) && utf8 == kSample;
 }
 
-void RepairUtf8(std::string_view bytes, std::string& utf8) {
-  const icu::UnicodeString text = icu::UnicodeString::fromUTF8(
-      icu::StringPiece(bytes.data(), static_cast<int32_t>(bytes.size())));
-  utf8.clear();
-  text.toUTF8String(utf8);
-}
-
 // Text holds hardly any control bytes; a picture or an archive is full of them.
 bool LooksBinary(std::string_view bytes) {
   size_t controls = 0;
@@ -159,25 +151,9 @@ bool MostlyUtf8(std::string_view text) {
 
 }  // namespace
 
-bool IsValidUtf8(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-  size_t i = 0;
-  const size_t length = text.size();
-  while (i < length) {
-    if (bytes[i] < 0x80) {
-      ++i;
-      continue;
-    }
-    UChar32 c = 0;
-    U8_NEXT(bytes, i, length, c);
-    if (c < 0) return false;
-  }
-  return true;
-}
-
 std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8) {
   if (bytes.starts_with("\xEF\xBB\xBF")) {
-    RepairUtf8(bytes.substr(3), utf8);
+    utf8 = RepairedUtf8(bytes.substr(3));
   } else if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
     const bool little = bytes[0] == '\xFF';
     if (!Convert(bytes.substr(2), little ? "UTF-16LE" : "UTF-16BE", utf8)) {
@@ -191,7 +167,7 @@ std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8
     if (valid && (declared.empty() || declared == "utf-8")) {
       utf8.assign(bytes);
     } else if (declared == "utf-8" && MostlyUtf8(bytes)) {
-      RepairUtf8(bytes, utf8);
+      utf8 = RepairedUtf8(bytes);
     } else if (declared.empty() || declared == "utf-8" || !Convert(bytes, declared, utf8)) {
       if (valid) {
         utf8.assign(bytes);
@@ -203,88 +179,6 @@ std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8
   }
   std::ranges::replace(utf8, '\0', ' ');
   return {};
-}
-
-void CleanText(std::string& text) {
-  const bool ascii =
-      std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  if (!ascii) {
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
-    if (!IsValidUtf8(text)) {
-      std::string repaired;
-      RepairUtf8(text, repaired);
-      text = std::move(repaired);
-    }
-    const icu::StringPiece piece(text.data(), static_cast<int32_t>(text.size()));
-    if (U_SUCCESS(status) && !nfc->isNormalizedUTF8(piece, status)) {
-      std::string composed;
-      icu::StringByteSink<std::string> sink(&composed);
-      nfc->normalizeUTF8(0, piece, sink, nullptr, status);
-      if (U_SUCCESS(status)) text = std::move(composed);
-    }
-  }
-  std::string clean;
-  clean.reserve(text.size());
-  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
-  const size_t length = text.size();
-  for (size_t i = 0; i < length;) {
-    if (bytes[i] < 0x80) {
-      const char c = text[i++];
-      clean += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
-      continue;
-    }
-    const size_t begin = i;
-    UChar32 c = 0;
-    U8_NEXT(bytes, i, length, c);
-    switch (c) {
-      case 0xFFFE:  // no characters, and not allowed in XML
-      case 0xFFFF:
-      case 0x00AD:  // soft hyphen
-      case 0x200B:  // zero-width space: a place where a long word may break
-      case 0x200E:  // marks of the writing direction
-      case 0x200F:
-      case 0x202A:
-      case 0x202B:
-      case 0x202C:
-      case 0x202D:
-      case 0x202E:
-      case 0x2060:
-      case 0x2066:
-      case 0x2067:
-      case 0x2068:
-      case 0x2069:
-      case 0xFEFF:
-        continue;
-      case 0x2010:
-      case 0x2011:
-        clean += '-';
-        continue;
-      default:
-        break;
-    }
-    const bool blank = (c >= 0x80 && c < 0xA1) || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) ||
-                       c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
-    if (blank) {
-      clean += ' ';
-    } else {
-      clean.append(text, begin, i - begin);
-    }
-  }
-  text = std::move(clean);
-}
-
-std::string CollapseBlanks(const std::string& text) {
-  std::string out;
-  for (const char c : text) {
-    if (c != ' ') {
-      out += c;
-    } else if (!out.empty() && out.back() != ' ') {
-      out += ' ';
-    }
-  }
-  if (!out.empty() && out.back() == ' ') out.pop_back();
-  return out;
 }
 
 }  // namespace vela::indexer

@@ -1,4 +1,4 @@
-#include "indexer/extract/charset.h"
+#include "indexer/extract/decoding.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(Charset, FindsTheCharacterSet) {
+TEST(Decoding, FindsTheCharacterSet) {
   const struct {
     const char* what;
     std::string bytes;
@@ -59,7 +59,7 @@ TEST(Charset, FindsTheCharacterSet) {
   }
 }
 
-TEST(Charset, ADeclarationThatCannotBeTrueIsIgnored) {
+TEST(Decoding, ADeclarationThatCannotBeTrueIsIgnored) {
   for (const char* name : {"unicode", "utf16", "ucs-2", "utf-32", "iso-10646-ucs-2", "ebcdic-us"}) {
     SCOPED_TRACE(name);
     const std::string page = "<meta charset=" + std::string(name) + ">caf";
@@ -69,7 +69,7 @@ TEST(Charset, ADeclarationThatCannotBeTrueIsIgnored) {
   }
 }
 
-TEST(Charset, DetectsByStatistics) {
+TEST(Decoding, DetectsByStatistics) {
   // "Die Größe der Bücher über Österreich läßt sich schön lösen." in windows-1252.
   const std::string bytes =
       "Die Gr\xF6\xDF"
@@ -83,63 +83,11 @@ TEST(Charset, DetectsByStatistics) {
   EXPECT_EQ(utf8.substr(0, 27), "Die Gr\u00F6\u00DFe der B\u00FCcher \u00FCb");
 }
 
-TEST(Charset, RefusesBinaryFiles) {
+TEST(Decoding, RefusesBinaryFiles) {
   std::string utf8;
   EXPECT_EQ(ConvertToUtf8("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\1\0\0\0\1\0\b\6\0\0"s, true, utf8),
             "binary file");
   EXPECT_EQ(ConvertToUtf8(std::string(1000, '\x01'), false, utf8), "binary file");
-}
-
-TEST(Charset, CleansText) {
-  const struct {
-    const char* what;
-    std::string text, expected;
-  } kCases[] = {
-      {"line ends and tabs are blanks",
-       "a\tb\r\nc\x7F"
-       "d",
-       "a b  c d"},
-      {"blanks of every width", "a\u00A0b\u2003c\u3000d\u202Fe", "a b c d e"},
-      {"a soft hyphen vanishes", "in\u00ADdex", "index"},
-      {"a place to break vanishes", "long\u200Bname", "longname"},
-      {"hyphens of Unicode", "e\u2010mail e\u2011mail", "e-mail e-mail"},
-      {"no characters",
-       "a\uFFFE"
-       "b\uFFFF"
-       "c",
-       "abc"},
-      {"a dash stays", "1\u20132", "1\u20132"},
-      {"composed characters", "Cafe\u0301 u\u0308ber", "Caf\u00E9 \u00FCber"},
-      {"a mark of the writing direction vanishes", "a\u200Fb", "ab"},
-      {"a joiner inside a word stays", "\u0645\u06CC\u200C\u062E", "\u0645\u06CC\u200C\u062E"},
-      {"damaged bytes",
-       "a\xFF"
-       "b",
-       "a\uFFFDb"},
-  };
-  for (const auto& c : kCases) {
-    SCOPED_TRACE(c.what);
-    std::string text = c.text;
-    CleanText(text);
-    EXPECT_EQ(text.size(), c.expected.size());
-    EXPECT_EQ(text, c.expected);
-  }
-}
-
-TEST(Charset, CollapsesBlanks) {
-  EXPECT_EQ(CollapseBlanks("  a   b c "), "a b c");
-  EXPECT_EQ(CollapseBlanks("   "), "");
-  EXPECT_EQ(CollapseBlanks(""), "");
-}
-
-TEST(Charset, TellsValidUtf8) {
-  EXPECT_TRUE(IsValidUtf8(""));
-  EXPECT_TRUE(IsValidUtf8("a\u00E9\u20AC\U0001F600"));
-  EXPECT_FALSE(IsValidUtf8("\xC3"));
-  EXPECT_FALSE(IsValidUtf8("a\x80"));
-  EXPECT_FALSE(IsValidUtf8("\xC0\x80"));          // longer than it need be
-  EXPECT_FALSE(IsValidUtf8("\xED\xA0\x80"));      // a surrogate
-  EXPECT_FALSE(IsValidUtf8("\xF4\x90\x80\x80"));  // beyond the last character
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// charset.h: bytes of any character set become clean UTF-8.
+// decoding.h: bytes of any character set become UTF-8.
 #pragma once
 
 #include <string>
@@ -11,15 +11,5 @@ namespace vela::indexer {
 // such, the one that fits their statistics, windows-1252. What cannot be converted becomes U+FFFD,
 // a NUL becomes a blank. Returns an empty text, or the reason why this is no text.
 std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8);
-
-// Prepares UTF-8 text for cutting: composed characters (NFC); every kind of blank, line end and
-// control character becomes " ", soft hyphens and zero-width breaks vanish, the hyphens U+2010 and
-// U+2011 become "-". Text that is not valid UTF-8 is repaired with U+FFFD.
-void CleanText(std::string& text);
-
-// Takes blanks off the ends and makes one of each run of them.
-std::string CollapseBlanks(const std::string& text);
-
-bool IsValidUtf8(std::string_view text);
 
 }  // namespace vela::indexer

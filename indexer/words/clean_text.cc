@@ -1,0 +1,137 @@
+#include "indexer/words/clean_text.h"
+
+#include <unicode/bytestream.h>
+#include <unicode/normalizer2.h>
+#include <unicode/unistr.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+
+namespace vela::indexer {
+
+namespace {
+
+// Combines letters and the marks that follow them into one character where there is one (NFC).
+void Compose(std::string& text) {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::Normalizer2* nfc = icu::Normalizer2::getNFCInstance(status);
+  const icu::StringPiece piece(text.data(), static_cast<int32_t>(text.size()));
+  if (U_FAILURE(status) || nfc->isNormalizedUTF8(piece, status)) return;
+  std::string composed;
+  icu::StringByteSink<std::string> sink(&composed);
+  nfc->normalizeUTF8(0, piece, sink, nullptr, status);
+  if (U_SUCCESS(status)) text = std::move(composed);
+}
+
+// Takes no room and belongs to no word: a reader does not see it.
+bool IsInvisible(UChar32 c) {
+  switch (c) {
+    case 0xFFFE:  // no characters, and not allowed in XML
+    case 0xFFFF:
+    case 0x00AD:  // soft hyphen
+    case 0x200B:  // zero-width space: a place where a long word may break
+    case 0x200E:  // marks of the writing direction
+    case 0x200F:
+    case 0x202A:
+    case 0x202B:
+    case 0x202C:
+    case 0x202D:
+    case 0x202E:
+    case 0x2060:
+    case 0x2066:
+    case 0x2067:
+    case 0x2068:
+    case 0x2069:
+    case 0xFEFF:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Of the characters beyond ASCII: control characters, line ends and blanks of every width.
+bool IsWideBlank(UChar32 c) {
+  return (c >= 0x80 && c < 0xA1) || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 ||
+         c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
+}
+
+bool IsHyphen(UChar32 c) { return c == 0x2010 || c == 0x2011; }
+
+// `text` is valid UTF-8.
+std::string WithPlainSigns(std::string_view text) {
+  std::string clean;
+  clean.reserve(text.size());
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  for (size_t i = 0; i < text.size();) {
+    if (bytes[i] < 0x80) {
+      const char c = text[i++];
+      clean += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
+      continue;
+    }
+    const size_t begin = i;
+    UChar32 c = 0;
+    U8_NEXT(bytes, i, text.size(), c);
+    if (IsInvisible(c)) continue;
+    if (IsHyphen(c)) {
+      clean += '-';
+    } else if (IsWideBlank(c)) {
+      clean += ' ';
+    } else {
+      clean.append(text, begin, i - begin);
+    }
+  }
+  return clean;
+}
+
+}  // namespace
+
+bool IsValidUtf8(std::string_view text) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  size_t i = 0;
+  const size_t length = text.size();
+  while (i < length) {
+    if (bytes[i] < 0x80) {
+      ++i;
+      continue;
+    }
+    UChar32 c = 0;
+    U8_NEXT(bytes, i, length, c);
+    if (c < 0) return false;
+  }
+  return true;
+}
+
+std::string RepairedUtf8(std::string_view bytes) {
+  const icu::UnicodeString text = icu::UnicodeString::fromUTF8(
+      icu::StringPiece(bytes.data(), static_cast<int32_t>(bytes.size())));
+  std::string utf8;
+  text.toUTF8String(utf8);
+  return utf8;
+}
+
+void CleanText(std::string& text) {
+  const bool ascii =
+      std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  if (!ascii) {
+    if (!IsValidUtf8(text)) text = RepairedUtf8(text);
+    Compose(text);
+  }
+  text = WithPlainSigns(text);
+}
+
+std::string CollapseBlanks(const std::string& text) {
+  std::string out;
+  for (const char c : text) {
+    if (c != ' ') {
+      out += c;
+    } else if (!out.empty() && out.back() != ' ') {
+      out += ' ';
+    }
+  }
+  if (!out.empty() && out.back() == ' ') out.pop_back();
+  return out;
+}
+
+}  // namespace vela::indexer
