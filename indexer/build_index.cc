@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "indexer/collect/page_collection.h"
+#include "indexer/config/language_file.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
 #include "indexer/publish/owner_files.h"

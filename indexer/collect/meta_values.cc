@@ -7,6 +7,7 @@
 #include "indexer/words/stored_text.h"
 #include "settings/settings.h"
 #include "text/ascii.h"
+#include "text/edit.h"
 #include "text/lower.h"
 
 namespace vela::indexer {
@@ -24,12 +25,6 @@ bool IsCurrencyByte(char c) {
 std::string Lowered(std::string text) {
   LowerUtf8(text.data(), text.size());
   return text;
-}
-
-std::string_view Trimmed(std::string_view text) {
-  const size_t begin = text.find_first_not_of(' ');
-  if (begin == text.npos) return {};
-  return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
 void AppendNumber(int32_t number, std::string& out) {
@@ -72,7 +67,7 @@ void AppendListIndexes(const FieldInput& in, std::string& out) {
   for (std::string_view content : in.contents) {
     while (!content.empty()) {
       const size_t end = std::min(content.find_first_of(",;"), content.size());
-      const std::string_view text = Trimmed(content.substr(0, end));
+      const std::string_view text = TrimAll(content.substr(0, end));
       content.remove_prefix(std::min(end + 1, content.size()));
       if (text.empty()) continue;
       const int index = FindListValue(in.field, text);
@@ -111,7 +106,7 @@ void AppendValue(const FieldInput& in, std::string& out) {
       AppendListIndexes(in, out);
       break;
     default:
-      out += StoredElementText(text, kMostFieldTextBytes, in.charset);
+      out += StoredElementText(text, kFieldTextLimit, in.charset);
       out += '\0';
       break;
   }
@@ -161,7 +156,7 @@ std::string EncodeMetaValues(const std::vector<FieldRule>& fields, const IndexCh
     FieldInput in{field, charset, {}, remarks};
     const std::string name = Lowered(field.meta);
     for (const auto& [elementName, content] : elements) {
-      const std::string_view text = Trimmed(content);
+      const std::string_view text = TrimAll(content);
       if (elementName == name && !text.empty()) in.contents.push_back(text);
     }
     AppendValue(in, out);

@@ -15,13 +15,6 @@
 
 namespace vela::indexer {
 
-constexpr size_t kMostFields = 100;
-constexpr size_t kMostListValues = 255;      // an index is one byte, and 255 stands for no value
-constexpr size_t kMostFieldTextBytes = 500;  // of a text in a record
-constexpr size_t kMostListValueBytes = 64;
-constexpr size_t kMostFieldNameBytes = 103;
-constexpr size_t kMostFieldLabelBytes = 100;
-
 // What a page says that does not fit its field, for the summary.
 struct MetaRemark {
   std::string reason;  // "price: no amount"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "indexer/collect/category_set.h"
 #include "indexer/collect/meta_values.h"
 #include "indexer/extract/decoding.h"
 #include "indexer/extract/html_page.h"
@@ -9,7 +10,6 @@
 #include "indexer/extract/plain_text_page.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
-#include "indexer/site/category_set.h"
 #include "indexer/source/file_reading.h"
 #include "indexer/words/clean_text.h"
 

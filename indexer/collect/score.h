@@ -35,8 +35,4 @@ constexpr uint8_t kMostBesideTitle = 228;
 // that repeats such a word hundreds of times would win against the page that is called by it.
 uint8_t WordScore(const Posting& posting, const ScoreContext& context);
 
-// The setting WeightProximity. At this value a page's final score does not depend on how its words
-// spread over it: that factor is raised to the number of words and would outweigh everything above.
-constexpr int32_t kProximityWeight = -17;
-
 }  // namespace vela::indexer

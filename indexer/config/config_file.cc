@@ -9,18 +9,19 @@
 #include <cstring>
 #include <filesystem>
 
-#include "indexer/collect/meta_values.h"
+#include "indexer/config/built_in_template.h"
 #include "indexer/config/config_table.h"
 #include "indexer/config/embedded_files.h"
+#include "indexer/config/language_file.h"
+#include "indexer/config/owner_file.h"
+#include "indexer/config/recommended_rules.h"
 #include "indexer/config/setting_keys.h"
-#include "indexer/publish/owner_files.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
-#include "indexer/site/category_set.h"
+#include "indexer/site/address_pattern.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/stored_text.h"
 #include "indexer/words/word_forms.h"
-#include "indexer/write/recommended_writer.h"
 #include "settings/settings.h"
 #include "text/ascii.h"
 #include "text/stemmer.h"
@@ -275,10 +276,10 @@ void CheckFieldValues(ConfigTable& table, FieldRule& rule, bool given) {
   if (given && !list) {
     table.Refuse("values", "Only fields of kind choice and choices have values.");
   }
-  if (list && (rule.values.empty() || rule.values.size() > kMostListValues)) {
+  if (list && (rule.values.empty() || rule.values.size() > kListValueCountLimit)) {
     table.RefuseWhole("The field \"" + rule.name +
                       "\" needs values = [\"one\", \"two\"], at most " +
-                      std::to_string(kMostListValues) + ".");
+                      std::to_string(kListValueCountLimit) + ".");
   }
   for (std::string& value : rule.values) {
     CleanText(value);  // as those of the pages are
@@ -293,14 +294,14 @@ void CheckFieldValues(ConfigTable& table, FieldRule& rule, bool given) {
 
 void ReadField(ConfigTable table, SiteConfig& config) {
   FieldRule rule;
-  if (!table.Text("name", kMostFieldNameBytes, rule.name)) {
+  if (!table.Text("name", kFieldNameLimit, rule.name)) {
     table.RefuseWhole("A [[field]] needs name = \"...\".");
   }
   CheckFieldName(table, rule.name, config);
   rule.meta = rule.name;
   rule.label = rule.name;
   table.Text("meta", kMostNameBytes, rule.meta);
-  table.Text("label", kMostFieldLabelBytes, rule.label);
+  table.Text("label", kFieldLabelLimit, rule.label);
   std::vector<std::string_view> kinds;
   for (const FieldKind& kind : kFieldKinds) kinds.push_back(kind.name);
   size_t kind = 0;
@@ -309,7 +310,7 @@ void ReadField(ConfigTable table, SiteConfig& config) {
   size_t method = 0;
   table.Choice("compare", kFieldKinds[kind].methods, method);
   rule.method = static_cast<int32_t>(method);
-  const bool hasValues = table.Texts("values", kMostListValueBytes, rule.values);
+  const bool hasValues = table.Texts("values", kListValueLimit, rule.values);
   CheckFieldValues(table, rule, hasValues);
   table.Finish();
   config.fields.push_back(std::move(rule));
@@ -364,10 +365,10 @@ void ReadTables(const toml::table& root, const ConfigSource& source, Options& op
   ReadSuggestions(table("suggestions"), config);
   ReadRecommended(table("recommended"), source, config);
   ReadLog(table("log"), config);
-  forEach("category", kMostCategories, ReadCategory);
+  forEach("category", kCategoryLimit, ReadCategory);
   constexpr size_t kMostBoosts = 1000;
   forEach("boost", kMostBoosts, ReadBoost);
-  forEach("field", kMostFields, ReadField);
+  forEach("field", kFieldLimit, ReadField);
   const toml::table* settings = top.Table("settings");
   ReadSettingsTable(ConfigTable(settings, source.file, "[settings]"), settings, source, config);
   top.Finish();

@@ -2,14 +2,17 @@
 
 #include <limits>
 
-#include "indexer/collect/score.h"
-
 namespace vela::indexer {
 
 namespace {
 
 constexpr int32_t kAny = std::numeric_limits<int32_t>::max();
 constexpr int32_t kMega = 1 << 20;
+
+// At this value of WeightProximity a page's final score does not depend on how its words
+// spread over it: that factor is raised to the number of words and would outweigh every word's
+// score (collect/score.h).
+constexpr int32_t kProximityWeight = -17;
 
 constexpr NumberKey kNumberKeys[] = {
     {"NoCharset", 0, 0, 1},

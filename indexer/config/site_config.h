@@ -10,7 +10,16 @@
 
 namespace vela::indexer {
 
-// A category and the addresses of its pages; see FitsAddressPattern (category_set.h).
+// What an index has room for.
+constexpr size_t kCategoryLimit = 2000;
+constexpr size_t kFieldLimit = 100;
+constexpr size_t kFieldNameLimit = 103;       // bytes
+constexpr size_t kFieldLabelLimit = 100;      // bytes
+constexpr size_t kFieldTextLimit = 500;       // bytes of a text in a page's record
+constexpr size_t kListValueCountLimit = 255;  // an index is one byte, and 255 stands for no value
+constexpr size_t kListValueLimit = 64;        // bytes of each
+
+// A category and the addresses of its pages; see FitsAddressPattern (address_pattern.h).
 struct CategoryRule {
   std::string name;
   std::vector<std::string> pages;  // made by AddressPattern

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "indexer/collect/category_set.h"
 #include "indexer/collect/meta_values.h"
-#include "indexer/site/category_set.h"
 #include "indexer/words/stored_text.h"
 
 namespace vela::indexer {
@@ -18,9 +18,9 @@ constexpr size_t kMaxDescriptionBytes = 2000;
 constexpr size_t kFixedBytes = 17;
 
 // A record of the small layout says its length in 16 bits.
-constexpr size_t kMostMetaBytes = kMostFields * (kMostFieldTextBytes + 1);
-static_assert(kMostListValues + 1 <= kMostFieldTextBytes + 1);
-static_assert(kFixedBytes + CategoryBytes(kMostCategories) + kMostMetaBytes <= 65535);
+constexpr size_t kMostMetaBytes = kFieldLimit * (kFieldTextLimit + 1);
+static_assert(kListValueCountLimit + 1 <= kFieldTextLimit + 1);
+static_assert(kFixedBytes + CategoryBytes(kCategoryLimit) + kMostMetaBytes <= 65535);
 
 }  // namespace
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/plain_forms.h"
@@ -14,13 +13,6 @@
 namespace vela::indexer {
 
 namespace {
-
-std::string Trimmed(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\r";
-  const size_t begin = text.find_first_not_of(kBlanks);
-  if (begin == text.npos) return {};
-  return std::string(text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1));
-}
 
 std::string AddressOf(const RecommendedRule& rule, const std::string& base) {
   return ResolveAddress(base, AsEncoded(rule.address));
@@ -55,31 +47,6 @@ std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
 }
 
 }  // namespace
-
-std::vector<RecommendedRule> ReadRecommendedRules(std::string_view text, const std::string& path) {
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-  if (!IsValidUtf8(text)) {
-    throw IndexError(ExitStatus::kUsage, path + " is not written in UTF-8. Save it so.");
-  }
-  std::vector<RecommendedRule> rules;
-  for (size_t number = 1; !text.empty(); ++number) {
-    const size_t end = std::min(text.find('\n'), text.size());
-    const std::string line = Trimmed(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-    if (line.empty() || line.starts_with('#')) continue;
-    const size_t equals = std::min(line.find('='), line.size());
-    RecommendedRule rule;
-    rule.keywords = Trimmed(std::string_view(line).substr(0, equals));
-    rule.address = Trimmed(std::string_view(line).substr(std::min(equals + 1, line.size())));
-    rule.where = path + ", line " + std::to_string(number);
-    if (rule.keywords.empty() || rule.address.empty()) {
-      throw IndexError(ExitStatus::kUsage,
-                       rule.where + ": \"" + line + "\" is not of the form KEYWORDS = ADDRESS.");
-    }
-    rules.push_back(std::move(rule));
-  }
-  return rules;
-}
 
 PageOffsets WantedPages(const std::vector<RecommendedRule>& rules, const std::string& base) {
   PageOffsets pages;

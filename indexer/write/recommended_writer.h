@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <span>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -16,11 +15,6 @@
 namespace vela::indexer {
 
 constexpr size_t kMostKeywordBytes = 500;
-
-// Lines `keywords = address` of the owner's file; several keywords are separated by ",". Empty
-// lines and those that begin with "#" are passed over. Throws IndexError (usage) naming `path` and
-// the line that is no such line.
-std::vector<RecommendedRule> ReadRecommendedRules(std::string_view text, const std::string& path);
 
 // Where the page data has the pages that rules name, by their addresses.
 constexpr uint64_t kNotRead = ~uint64_t{0};

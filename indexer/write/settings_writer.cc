@@ -2,25 +2,20 @@
 
 #include <algorithm>
 #include <limits>
-#include <map>
 #include <vector>
 
-#include "indexer/collect/meta_values.h"
+#include "indexer/collect/category_set.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
-#include "indexer/site/category_set.h"
 #include "indexer/words/stored_text.h"
 #include "indexer/words/symbols.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
-#include "settings/language_strings.h"
 
 namespace vela::indexer {
 
 namespace {
 
-// What the search program reads of a line.
-constexpr size_t kMaxLineBytes = 2046;
 constexpr std::string_view kLineLengthKey = "MaxKeyWordLineLen";
 
 // The lines of the file as they are put together.
@@ -106,55 +101,17 @@ void AddFields(const std::vector<FieldRule>& fields, SettingsText& out) {
   for (const FieldRule& field : fields) {
     out.AddLine(std::to_string(field.kind));
     out.AddLine(field.name);
-    out.AddLine(StoredText(field.label, kMostFieldLabelBytes, out.charset));
+    out.AddLine(StoredText(field.label, kFieldLabelLimit, out.charset));
     out.AddLine({});  // a text that the search program reads and shows nowhere
     out.AddLine(std::to_string(field.method));
     out.AddLine(std::to_string(field.values.size()));
     for (const std::string& value : field.values) {
-      out.AddLine(StoredText(value, kMostListValueBytes, out.charset));
+      out.AddLine(StoredText(value, kListValueLimit, out.charset));
     }
   }
-}
-
-std::string TrimmedLine(std::string_view line) {
-  const size_t begin = line.find_first_not_of(" \t\r");
-  if (begin == line.npos) return {};
-  return std::string(line.substr(begin, line.find_last_not_of(" \t\r") - begin + 1));
 }
 
 }  // namespace
-
-std::string CheckedLanguage(std::string_view content, const std::string& name) {
-  if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
-  std::map<std::string, std::string, std::less<>> lines;
-  while (!content.empty()) {
-    const size_t end = std::min(content.find('\n'), content.size());
-    const std::string line = TrimmedLine(content.substr(0, end));
-    content.remove_prefix(std::min(end + 1, content.size()));
-    const size_t keyEnd = line.find_first_of(" \t=");
-    if (!line.starts_with(kLanguageKeyPrefix) || keyEnd == line.npos) continue;
-    const size_t open = line.find('"');
-    if (open == line.npos || line.find('"', open + 1) != line.size() - 1 ||
-        line.size() > kMaxLineBytes) {
-      throw IndexError(ExitStatus::kUsage, "The language file " + name +
-                                               " has a line that is not of the form KEY = "
-                                               "\"text\": " +
-                                               line.substr(0, 80));
-    }
-    lines[line.substr(0, keyEnd)] = line.substr(open);
-  }
-  std::string checked;
-  for (const std::string_view key : kLanguageKeys) {
-    const auto found = lines.find(key);
-    if (found == lines.end()) {
-      throw IndexError(ExitStatus::kUsage, "The language file " + name + " lacks the text " +
-                                               std::string(key) + ". Add the line " +
-                                               std::string(key) + " = \"...\".");
-    }
-    checked.append(key).append(" = ").append(found->second).append("\n");
-  }
-  return checked;
-}
 
 size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
   size_t length = 0;

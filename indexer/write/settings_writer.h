@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 #include "indexer/config/site_config.h"
 #include "indexer/words/index_charset.h"
@@ -23,17 +22,12 @@ struct IndexFacts {
   size_t lineLength = 256;    // MaxKeyWordLineLen; see KeyWordLineLength
 };
 
-// Checks the content of a language file, lines `STR_KEY = "text"` for each of the 49 keys, and
-// returns those lines in the order of the keys. Throws IndexError naming what is missing; `name`
-// is how the file is called in the message.
-std::string CheckedLanguage(std::string_view content, const std::string& name);
-
 // MaxKeyWordLineLen: what the configuration says, and at least so much that the longest line of the
 // recommended file, its line feed included, can be read in one piece.
 size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended);
 
 // Writes every setting that a good results page needs, with what the configuration says instead of
-// the defaults. `language` comes from CheckedLanguage. Returns the size of the file. The search
+// the defaults. `language` comes from LoadLanguage. Returns the size of the file. The search
 // program rejects numbers above 2147483647: IndexError.
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
                        const SiteConfig& config, const IndexCharset& charset,

@@ -1,24 +1,12 @@
-// category_set.h: which of the owner's address patterns a page fits, and the set of categories that
-// follows.
-//
-// The search program reads the set at TestCategory (src/search/filters.h): category c is bit
-// c mod 8, the lowest first, of byte c div 8.
+// address_pattern.h: which of the owner's address patterns a page fits.
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "indexer/config/site_config.h"
-
 namespace vela::indexer {
-
-constexpr size_t kMostCategories = 2000;
-
-// NumCatBytes for so many categories.
-constexpr size_t CategoryBytes(size_t categories) { return (categories + 7) / 8; }
 
 // The addresses under which a page is known, and the site's own.
 struct PageAddresses {
@@ -38,10 +26,5 @@ bool FitsAddressPattern(std::string_view address, std::string_view base, std::st
 
 // Whether one of the addresses fits one of the patterns.
 bool FitsAnyPattern(const PageAddresses& page, const std::vector<std::string>& patterns);
-
-// The page's set of CategoryBytes bytes; empty without categories.
-std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page);
-
-bool HasCategory(std::string_view set, size_t category);
 
 }  // namespace vela::indexer

@@ -1,0 +1,26 @@
+#include "indexer/config/built_in_template.h"
+
+namespace vela::indexer {
+
+namespace {
+
+struct BuiltInTemplate {
+  std::string_view name;
+  std::string_view file;
+};
+constexpr BuiltInTemplate kTemplates[] = {
+    {"default", "search_template.html"},
+    {"minimal", "search_template_minimal.html"},
+    {"embed", "search_template_embed.html"},
+};
+
+}  // namespace
+
+std::string_view BuiltInTemplateFile(std::string_view name) {
+  for (const BuiltInTemplate& each : kTemplates) {
+    if (each.name == name) return each.file;
+  }
+  return {};
+}
+
+}  // namespace vela::indexer
