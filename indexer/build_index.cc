@@ -66,7 +66,7 @@ void ReadPages(Run& run, PageCollection& collection) {
   run.progress.Begin("Looking for pages", 0);
   const WalkRules rules = {run.options.exclude, run.folder.target(), config.htmlEndings,
                            config.textEndings};
-  const std::vector<SiteFile> files = WalkSite(input.site, rules, run.summary.skipped);
+  const std::vector<SiteFile> files = WalkSite(input.site, rules, run.summary.files);
   for (const SiteFile& file : files) {
     collection.siteAddresses.insert(PageAddress(input.base, file.path));
   }
@@ -75,14 +75,14 @@ void ReadPages(Run& run, PageCollection& collection) {
   uint64_t done = 0;
   for (const SiteFile& file : files) {
     CheckStop(run.stop);
-    const std::string reason = AddFile(file, collection);
-    if (!reason.empty()) AddSkipped(run.summary.skipped, reason, file.path);
+    const Reason reason = AddFile(file, collection);
+    if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, file.path);
     run.progress.Step(++done);
   }
   if (!collection.pages.empty()) return;
   std::string why;
-  for (const auto& [reason, group] : run.summary.skipped.byReason) {
-    why += "\n  left out: " + std::to_string(group.count) + " (" + reason + ")";
+  for (const auto& [reason, group] : GroupsByText(run.summary.files)) {
+    why += "\n  left out: " + std::to_string(group->count) + " (" + reason + ")";
   }
   throw IndexError(ExitStatus::kNothing, "No page to index was found in " + input.site.string() +
                                              ". The files must be HTML or text." + why);
@@ -136,7 +136,7 @@ uint64_t WriteHelp(Run& run, PageCollection& collection, IndexFacts& facts) {
     facts.recommended = sizes.entries;
     longest = sizes.longestLine;
     bytes += sizes.fileBytes;
-    std::ranges::move(sizes.unknown, std::back_inserter(run.summary.warnings));
+    std::ranges::move(sizes.unused, std::back_inserter(run.summary.warnings));
   }
   facts.lineLength = KeyWordLineLength(config, longest);
   if (config.suggestions) {
@@ -167,8 +167,8 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   }
 
   Run run = {options, progress, stop, folder, {}};
-  const std::string templateWarning = WriteTemplate(options, charset, folder);
-  if (!templateWarning.empty()) run.summary.warnings.push_back(templateWarning);
+  const Finding templateFault = WriteTemplate(options, charset, folder);
+  if (templateFault.reason != Reason::kNone) run.summary.warnings.push_back(templateFault);
   PageCollection collection({site, base, options, charset}, folder.fresh());
   ReadPages(run, collection);
   collection.words = {};
@@ -187,7 +187,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   summary.occurrences = collection.pageText.tokenCount();
   summary.sourceBytes = collection.sourceBytes;
   summary.indexBytes = bytes;
-  summary.remarks = std::move(collection.remarks);
+  summary.metaValues = std::move(collection.metaValues);
   progress.Clear();
   return summary;
 }

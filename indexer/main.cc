@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
         vela::indexer::BuildIndex(parsed.options, progress, g_stop);
     if (!parsed.options.quiet) {
       const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-      fputs(vela::indexer::SummaryText(summary, parsed.options, took.count()).c_str(), stdout);
+      fputs(vela::indexer::SummaryText(summary, parsed.options.out, took.count()).c_str(), stdout);
     }
     return static_cast<int>(ExitStatus::kSuccess);
   } catch (const vela::indexer::IndexError& error) {

@@ -55,10 +55,10 @@ struct FieldInput {
   const FieldRule& field;
   const IndexCharset& charset;
   std::vector<std::string_view> contents;  // trimmed, none empty, in the order of the page
-  std::vector<MetaRemark>& remarks;
+  std::vector<Finding>& findings;
 
-  void Remark(std::string_view text, std::string_view reason) const {
-    remarks.push_back({field.name + ": " + std::string(reason), std::string(text)});
+  void LeaveOut(std::string_view text, Reason reason) const {
+    findings.push_back({reason, field.name, std::string(text)});
   }
 };
 
@@ -72,7 +72,7 @@ void AppendListIndexes(const FieldInput& in, std::string& out) {
       if (text.empty()) continue;
       const int index = FindListValue(in.field, text);
       if (index < 0) {
-        in.Remark(text, "not in the list of values");
+        in.LeaveOut(text, Reason::kNotInList);
       } else if (indexes.find(static_cast<char>(index)) == indexes.npos) {
         indexes += static_cast<char>(index);
       }
@@ -90,7 +90,7 @@ void AppendValue(const FieldInput& in, std::string& out) {
       const bool money = in.field.kind == kMetaMoney;
       int32_t number = kNoNumber;
       if (!text.empty() && !(money ? ReadAmount(text, number) : ReadWholeNumber(text, number))) {
-        in.Remark(text, money ? "no amount" : "no whole number");
+        in.LeaveOut(text, money ? Reason::kNoAmount : Reason::kNoWholeNumber);
         number = kNoNumber;
       }
       AppendNumber(number, out);
@@ -98,7 +98,7 @@ void AppendValue(const FieldInput& in, std::string& out) {
     }
     case kMetaDropDown: {
       const int index = text.empty() ? -1 : FindListValue(in.field, text);
-      if (index < 0 && !text.empty()) in.Remark(text, "not in the list of values");
+      if (index < 0 && !text.empty()) in.LeaveOut(text, Reason::kNotInList);
       out += index < 0 ? kNoIndex : static_cast<char>(index);
       break;
     }
@@ -150,10 +150,10 @@ bool ReadAmount(std::string_view text, int32_t& hundredths) {
 
 std::string EncodeMetaValues(const std::vector<FieldRule>& fields, const IndexCharset& charset,
                              std::span<const MetaElement> elements,
-                             std::vector<MetaRemark>& remarks) {
+                             std::vector<Finding>& findings) {
   std::string out;
   for (const FieldRule& field : fields) {
-    FieldInput in{field, charset, {}, remarks};
+    FieldInput in{.field = field, .charset = charset, .contents = {}, .findings = findings};
     const std::string name = Lowered(field.meta);
     for (const auto& [elementName, content] : elements) {
       const std::string_view text = TrimAll(content);

@@ -11,21 +11,15 @@
 
 #include "indexer/config/site_config.h"
 #include "indexer/extract/page.h"
+#include "indexer/report/reason.h"
 #include "indexer/words/index_charset.h"
 
 namespace vela::indexer {
 
-// What a page says that does not fit its field, for the summary.
-struct MetaRemark {
-  std::string reason;  // "price: no amount"
-  std::string value;
-};
-
 // The values of one page in the order of the fields. What does not fit its field is left out and
-// described in `remarks`.
+// added to `findings`: `where` is the field, `subject` the value.
 std::string EncodeMetaValues(const std::vector<FieldRule>& fields, const IndexCharset& charset,
-                             std::span<const MetaElement> elements,
-                             std::vector<MetaRemark>& remarks);
+                             std::span<const MetaElement> elements, std::vector<Finding>& findings);
 
 // "4.50", "£4", "-3,25" in hundredths. False when the text is no amount or one beyond 32 bits.
 bool ReadAmount(std::string_view text, int32_t& hundredths);

@@ -21,7 +21,7 @@ constexpr uint64_t kMegabyte = uint64_t{1} << 20;
 constexpr size_t kMaxPages = (size_t{1} << 24) - 1;  // a page number has 24 bits
 // Of --memory, what the collected postings may take even when the vocabulary has used it up.
 constexpr size_t kMinPostingBytes = size_t{1} << 20;
-constexpr size_t kMostRemarkBytes = 60;
+constexpr size_t kExampleLimit = 60;  // bytes of a value that the summary shows
 
 std::string PageTitle(const PageContent& content, const std::string& path) {
   if (!content.title.empty()) return content.title;
@@ -56,7 +56,7 @@ bool LeadsBack(const std::unordered_map<std::string, std::string>& copies, const
 
 // The address to store for the page, or an empty text and the reason to leave the page out.
 std::string ChooseAddress(const PageContent& content, const std::string& own,
-                          PageCollection& collection, std::string& reason) {
+                          PageCollection& collection, Reason& reason) {
   if (content.canonical.empty()) return own;
   std::string canonical = AsEncoded(ResolveAddress(LinkBase(content, own), content.canonical));
   // An address elsewhere names the original of a copy: here the copy is what visitors can reach.
@@ -67,7 +67,7 @@ std::string ChooseAddress(const PageContent& content, const std::string& own,
   if (isFile && LeadsBack(collection.copies, canonical, own)) return own;
   if (isFile || !collection.usedAddresses.insert(canonical).second) {
     if (isFile) collection.copies.emplace(own, canonical);
-    reason = "copy of another page (canonical address)";
+    reason = Reason::kCopy;
     return {};
   }
   return canonical;
@@ -93,14 +93,14 @@ void Configure(const PageContent& content, const PageAddresses& addresses, const
       [](char one, char all) {
         return static_cast<char>(static_cast<unsigned>(one) | static_cast<unsigned>(all));
       });
-  std::vector<MetaRemark> remarks;
+  std::vector<Finding> findings;
   entry.metaValues =
-      EncodeMetaValues(config.fields, collection.input.charset, content.metas, remarks);
-  for (const MetaRemark& remark : remarks) {
+      EncodeMetaValues(config.fields, collection.input.charset, content.metas, findings);
+  for (const Finding& finding : findings) {
     std::string example = path;
-    const bool isLong = remark.value.size() > kMostRemarkBytes;
-    example.append(" (\"").append(isLong ? "..." : remark.value).append("\")");
-    AddSkipped(collection.remarks, remark.reason, example);
+    const bool isLong = finding.subject.size() > kExampleLimit;
+    example.append(" (\"").append(isLong ? "..." : finding.subject).append("\")");
+    AddLeftOut(collection.metaValues, finding.reason, example, finding.where);
   }
   bool boosted = false;
   for (size_t i = 0; i < config.boosts.size(); ++i) {
@@ -139,37 +139,36 @@ PageCollection::PageCollection(const SiteInput& siteInput, const std::filesystem
       pageTable(folder / "vela_pageinfo.vdat", folder / "vela_pagedata.vdat", input.charset),
       usedBoosts(input.options.config.boosts.size()) {}
 
-std::string AddFile(const SiteFile& file, PageCollection& collection) {
+Reason AddFile(const SiteFile& file, PageCollection& collection) {
   const SiteInput& input = collection.input;
   const SiteConfig& config = input.options.config;
   FileContent bytes;
-  std::string reason = ReadSiteFile((input.site / file.path).string(),
-                                    input.options.maxFileMegabytes * kMegabyte, bytes);
-  if (!reason.empty()) return reason;
+  Reason reason = ReadRegularFile((input.site / file.path).string(),
+                                  input.options.maxFileMegabytes * kMegabyte, bytes);
+  if (reason != Reason::kNone) return reason;
   const bool isHtml = file.kind == FileKind::kHtml;
   std::string text;
   reason = ConvertToUtf8(bytes.bytes, isHtml, text);
-  if (!reason.empty()) return reason;
+  if (reason != Reason::kNone) return reason;
   bytes.bytes = {};
 
   PageContent content;
   if (isHtml) {
     reason = ParseHtmlPage(text, content);
-    if (!reason.empty()) return reason;
-    if (content.noindex) return "noindex";
+    if (reason != Reason::kNone) return reason;
   } else {
     ParseTextPage(text, content);
   }
   text = {};
   if (content.body.empty() && content.title.empty() && content.description.empty()) {
-    return "no text";
+    return Reason::kNoText;
   }
   const std::string own = PageAddress(input.base, file.path);
   const std::string address = ChooseAddress(content, own, collection, reason);
-  if (!reason.empty()) return reason;
+  if (reason != Reason::kNone) return reason;
   PageEntry entry;
   entry.address = StoredAddress(address);
-  if (entry.address.size() > kMaxAddressBytes) return "address too long";
+  if (entry.address.size() > kMaxAddressBytes) return Reason::kAddressTooLong;
   entry.title = PageTitle(content, file.path);
   entry.description = content.description;
   if (config.images) entry.image = PageImage(content, own);
@@ -189,19 +188,19 @@ std::string AddFile(const SiteFile& file, PageCollection& collection) {
   NotePage(collection.recommended, addresses, collection.pageTable.AddPage(entry));
   if (config.suggestions) collection.suggestions.AddPage(content, entry.title);
   collection.sourceBytes += bytes.size;
-  return {};
+  return Reason::kNone;
 }
 
-std::vector<std::string> UnusedRules(const PageCollection& collection) {
+std::vector<Finding> UnusedRules(const PageCollection& collection) {
   const SiteConfig& config = collection.input.options.config;
-  std::vector<std::string> unused;
+  std::vector<Finding> unused;
   for (size_t c = 0; c < config.categories.size(); ++c) {
     if (HasCategory(collection.usedCategories, c)) continue;
-    unused.push_back("the category \"" + config.categories[c].name + "\" fits no page");
+    unused.push_back({Reason::kUnusedCategory, {}, config.categories[c].name});
   }
   for (size_t i = 0; i < config.boosts.size(); ++i) {
     if (collection.usedBoosts[i]) continue;
-    unused.push_back(config.boosts[i].where + ": this [[boost]] fits no page");
+    unused.push_back({Reason::kUnusedBoost, config.boosts[i].where, {}});
   }
   return unused;
 }

@@ -13,6 +13,7 @@
 #include "indexer/collect/suggestion_list.h"
 #include "indexer/collect/vocabulary.h"
 #include "indexer/config/options.h"
+#include "indexer/report/left_out.h"
 #include "indexer/source/folder_walk.h"
 #include "indexer/words/index_charset.h"
 #include "indexer/words/word_forms.h"
@@ -48,7 +49,7 @@ struct PageCollection {
   std::unordered_set<std::string> usedAddresses;        // canonical ones that are none of those
   std::unordered_map<std::string, std::string> copies;  // left out, and of which file of the site
   PageWords words;
-  SkippedFiles remarks;          // values of meta fields that were left out
+  LeftOut metaValues;            // values of meta fields that were left out
   std::string usedCategories;    // the sets of all pages in one; empty before the first page
   std::vector<bool> usedBoosts;  // beside the configured ones: whether one of the pages fits it
   uint64_t sourceBytes = 0;      // of the pages' files
@@ -56,9 +57,9 @@ struct PageCollection {
 
 // Reads one file into the collection. Returns the reason when it is left out. Throws IndexError
 // when the index is full or cannot be written.
-std::string AddFile(const SiteFile& file, PageCollection& collection);
+Reason AddFile(const SiteFile& file, PageCollection& collection);
 
 // What to tell the owner when all files are read: the categories and boosts that fit no page.
-std::vector<std::string> UnusedRules(const PageCollection& collection);
+std::vector<Finding> UnusedRules(const PageCollection& collection);
 
 }  // namespace vela::indexer

@@ -17,10 +17,11 @@ std::string ReadOwnersFile(const std::string& path, const std::string& option) {
   FileContent content;
   std::error_code error;
   const fs::path real = fs::canonical(path, error);
-  const std::string reason =
-      error ? "no such file" : ReadSiteFile(real.string(), kOwnerFileLimit, content);
-  if (!reason.empty()) {
-    throw IndexError(ExitStatus::kFailed, "Cannot use " + path + " for " + option + ": " + reason +
+  const Reason reason =
+      error ? Reason::kFileNotFound : ReadRegularFile(real.string(), kOwnerFileLimit, content);
+  if (reason != Reason::kNone) {
+    throw IndexError(ExitStatus::kFailed, "Cannot use " + path + " for " + option + ": " +
+                                              std::string(ReasonText(reason)) +
                                               ". Check the path and its permissions.");
   }
   return std::move(content.bytes);

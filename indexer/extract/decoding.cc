@@ -151,16 +151,16 @@ bool MostlyUtf8(std::string_view text) {
 
 }  // namespace
 
-std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8) {
+Reason ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8) {
   if (bytes.starts_with("\xEF\xBB\xBF")) {
     utf8 = RepairedUtf8(bytes.substr(3));
   } else if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
     const bool little = bytes[0] == '\xFF';
     if (!Convert(bytes.substr(2), little ? "UTF-16LE" : "UTF-16BE", utf8)) {
-      return "character set cannot be converted";
+      return Reason::kNotConverted;
     }
   } else {
-    if (LooksBinary(bytes)) return "binary file";
+    if (LooksBinary(bytes)) return Reason::kBinary;
     std::string declared = isHtml ? ConverterName(DeclaredCharset(bytes)) : std::string();
     if (!declared.empty() && !ReadsAscii(declared)) declared.clear();
     const bool valid = IsValidUtf8(bytes);
@@ -173,12 +173,12 @@ std::string ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8
         utf8.assign(bytes);
       } else if (const std::string detected = DetectedCharset(bytes);
                  detected.empty() || !Convert(bytes, ConverterName(detected), utf8)) {
-        if (!Convert(bytes, "windows-1252", utf8)) return "character set cannot be converted";
+        if (!Convert(bytes, "windows-1252", utf8)) return Reason::kNotConverted;
       }
     }
   }
   std::ranges::replace(utf8, '\0', ' ');
-  return {};
+  return Reason::kNone;
 }
 
 }  // namespace vela::indexer

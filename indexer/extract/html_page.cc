@@ -213,29 +213,34 @@ std::string PlainText(const GumboNode* node) {
 }
 
 // More or longer meta elements than this are not meant for readers.
-constexpr size_t kMaxMetas = 300;
-constexpr size_t kMaxMetaBytes = 20000;
+constexpr size_t kMetaLimit = 300;
+constexpr size_t kMetaBytesLimit = 20000;
 
-void ReadMeta(const GumboElement& element, PageContent& page) {
+// Takes one meta element in. Returns false when it asks that the page be not found.
+bool ReadMeta(const GumboElement& element, PageContent& page) {
   const char* content = Attribute(element, "content");
-  if (content == nullptr) return;
+  if (content == nullptr) return true;
   const char* given = Attribute(element, "name");
   if (given == nullptr || *given == '\0') given = Attribute(element, "property");
   std::string name(given == nullptr ? "" : given);
   LowerUtf8(name.data(), name.size());  // the owner's fields may have any name
   if (name == "robots" || name == "velabot") {
     const std::string rules = LowerAscii(content);
-    if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) page.noindex = true;
+    if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) return false;
   }
-  if (name.empty() || page.metas.size() == kMaxMetas || strlen(content) > kMaxMetaBytes) return;
+  if (name.empty() || page.metas.size() == kMetaLimit || strlen(content) > kMetaBytesLimit) {
+    return true;
+  }
   std::string text = content;
   CleanText(text);
   text = CollapseBlanks(text);
   if (!text.empty()) page.metas.emplace_back(std::move(name), std::move(text));
+  return true;
 }
 
-// Title, meta elements, links and base, wherever they stand.
-void ReadHeadElements(const GumboNode* root, PageContent& page) {
+// Title, meta elements, links and base, wherever they stand. Returns false when the page asks not
+// to be found.
+bool ReadHeadElements(const GumboNode* root, PageContent& page) {
   bool haveTitle = false;
   std::vector<const GumboNode*> open = {root};
   while (!open.empty()) {
@@ -250,7 +255,7 @@ void ReadHeadElements(const GumboNode* root, PageContent& page) {
         haveTitle = haveTitle || !page.title.empty();
         break;
       case GUMBO_TAG_META:
-        ReadMeta(element, page);
+        if (!ReadMeta(element, page)) return false;
         break;
       case GUMBO_TAG_LINK:
         if (const char* href = Attribute(element, "href");
@@ -280,6 +285,7 @@ void ReadHeadElements(const GumboNode* root, PageContent& page) {
   for (const char* name : {"description", "og:description"}) {
     if (page.description.empty()) page.description = MetaContent(page, name);
   }
+  return true;
 }
 
 // One open element on the way down.
@@ -344,18 +350,17 @@ void CollectText(const GumboNode* root, bool withPageFrame, PageContent& page) {
 
 }  // namespace
 
-std::string ParseHtmlPage(std::string_view html, PageContent& page) {
+Reason ParseHtmlPage(std::string_view html, PageContent& page) {
   page = PageContent();
-  if (std::string reason = TooMuchMarkup(html); !reason.empty()) return reason;
+  if (const Reason reason = CheckMarkup(html); reason != Reason::kNone) return reason;
   const auto arena = std::make_unique<Arena>();
   arena->limit = kMinTreeBytes + html.size() * kMaxTreeFactor;
   const GumboOutput* tree = Parse(*arena, html);
-  if (tree == nullptr) return "markup grows too large";
-  ReadHeadElements(tree->root, page);
-  if (page.noindex) return {};
+  if (tree == nullptr) return Reason::kMarkupTooLarge;
+  if (!ReadHeadElements(tree->root, page)) return Reason::kNoindex;
   CollectText(tree->root, false, page);
   if (page.body.empty()) CollectText(tree->root, true, page);
-  return {};
+  return Reason::kNone;
 }
 
 }  // namespace vela::indexer

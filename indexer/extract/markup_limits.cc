@@ -194,7 +194,7 @@ bool Begin(const Tag& tag, OpenElements& open) {
 
 }  // namespace
 
-std::string TooMuchMarkup(std::string_view html) {
+Reason CheckMarkup(std::string_view html) {
   OpenElements open;
   for (size_t at = html.find('<'); at < html.size(); at = html.find('<', at)) {
     const std::string_view rest = html.substr(at);
@@ -216,15 +216,15 @@ std::string TooMuchMarkup(std::string_view html) {
     }
     const Tag tag = ReadTag(html, nameAt, closes);
     at = tag.end;
-    if (tag.attributes > kMaxAttributes) return "markup grows too large";
+    if (tag.attributes > kMaxAttributes) return Reason::kMarkupTooLarge;
     if (closes) {
       open.End(tag.name);
     } else if (Begin(tag, open)) {
       at = EndOfRawText(html, at, tag.name);
     }
-    if (open.depth > kMaxDepth) return "markup nests too deep";
+    if (open.depth > kMaxDepth) return Reason::kMarkupTooDeep;
   }
-  return {};
+  return Reason::kNone;
 }
 
 }  // namespace vela::indexer

@@ -23,7 +23,6 @@ struct PageContent {
   std::string description;         // the same, of the meta element
   std::string canonical;           // as the page gives it, not resolved; empty when it gives none
   std::string base;                // href of the base element, the same way
-  bool noindex = false;            // the page asks not to be found
   std::vector<MetaElement> metas;  // all that have a name and a content, in the page's order
   std::string time;                // of the first time element: its datetime, else its text
   std::vector<TextRun> body;       // in reading order

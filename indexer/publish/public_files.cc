@@ -35,8 +35,8 @@ bool IsPublic(std::string_view name) {
 
 }  // namespace
 
-std::string WriteTemplate(const Options& options, const IndexCharset& charset,
-                          const IndexFolder& folder) {
+Finding WriteTemplate(const Options& options, const IndexCharset& charset,
+                      const IndexFolder& folder) {
   std::string name = options.templateName;
   std::string page;
   if (name.empty() && folder.OldHas(kTemplateName)) {
@@ -45,7 +45,7 @@ std::string WriteTemplate(const Options& options, const IndexCharset& charset,
     FileContent kept;
     // One that this user cannot read is kept all the same: the web server may be able to.
     const std::string real = fs::canonical(name, error).string();
-    if (!ReadSiteFile(real, kLargestTemplate, kept).empty()) return {};
+    if (ReadRegularFile(real, kLargestTemplate, kept) != Reason::kNone) return {};
     page = std::move(kept.bytes);
   } else {
     if (name.empty()) name = "default";
@@ -53,8 +53,7 @@ std::string WriteTemplate(const Options& options, const IndexCharset& charset,
     WriteWhole(folder.fresh() / kTemplateName, page);
   }
   if (ShowsResults(page)) return {};
-  return "the template " + name +
-         " shows no results: it has neither <!--VELASEARCH--> nor <!--VELA_SHOW_RESULTS-->";
+  return {.reason = Reason::kTemplateWithoutResults, .where = {}, .subject = name};
 }
 
 void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,

@@ -6,15 +6,16 @@
 
 #include "indexer/config/options.h"
 #include "indexer/publish/index_folder.h"
+#include "indexer/report/reason.h"
 #include "indexer/words/index_charset.h"
 
 namespace vela::indexer {
 
 // Writes search_template.html, the one that options.templateName gives (see LoadTemplate); when
 // that is empty, the one that the index has is kept, and a first index gets the default. Returns
-// what to warn the owner of: a template in which no result would be shown; empty when all is well.
-std::string WriteTemplate(const Options& options, const IndexCharset& charset,
-                          const IndexFolder& folder);
+// what to warn the owner of: a template in which no result would be shown; kNone: nothing.
+Finding WriteTemplate(const Options& options, const IndexCharset& charset,
+                      const IndexFolder& folder);
 
 // Writes the styles, scripts and style sheets that come with the program, always anew, and
 // vela_opensearch.xml when the address of the search is known. Asks for the folder of the search

@@ -16,40 +16,42 @@ std::string Shown(std::string text) {
   return text;
 }
 
-void AddGroups(const SkippedFiles& files, std::string& text) {
-  for (const auto& [reason, group] : files.byReason) {
-    text += "  " + CountText(group.count) + "  " + Shown(reason) + ": ";
-    for (size_t i = 0; i < group.examples.size(); ++i) {
-      text += (i == 0 ? "" : ", ") + Shown(group.examples[i]);
+void AddGroups(const LeftOut& leftOut, std::string& text) {
+  for (const auto& [reason, group] : GroupsByText(leftOut)) {
+    text += "  " + CountText(group->count) + "  " + Shown(reason) + ": ";
+    for (size_t i = 0; i < group->examples.size(); ++i) {
+      text += (i == 0 ? "" : ", ") + Shown(group->examples[i]);
     }
-    text += group.count > group.examples.size() ? ", ...\n" : "\n";
+    text += group->count > group->examples.size() ? ", ...\n" : "\n";
   }
 }
 
 }  // namespace
 
-std::string SummaryText(const IndexSummary& summary, const Options& options, double seconds) {
+std::string SummaryText(const IndexSummary& summary, const std::string& folder, double seconds) {
   char time[40];
   snprintf(time, sizeof time, "%.1f seconds", seconds);
   std::string text = "Indexed " + CountText(summary.pages) +
                      (summary.pages == 1 ? " page" : " pages") + " with " +
                      CountText(summary.words) + " different words in " + time + ".\n";
   text += "Read " + BytesText(summary.sourceBytes) + ", wrote " + BytesText(summary.indexBytes) +
-          " to " + options.out + ".\n";
+          " to " + folder + ".\n";
   if (summary.runs != 0) {
     text += "The memory for words was full " + CountText(summary.runs) +
             " times; more of it (--memory) makes this faster.\n";
   }
-  if (summary.skipped.total != 0) {
-    text += "Left out " + CountText(summary.skipped.total) +
-            (summary.skipped.total == 1 ? " file:\n" : " files:\n");
-    AddGroups(summary.skipped, text);
+  if (summary.files.total != 0) {
+    text += "Left out " + CountText(summary.files.total) +
+            (summary.files.total == 1 ? " file:\n" : " files:\n");
+    AddGroups(summary.files, text);
   }
-  if (summary.remarks.total != 0) {
+  if (summary.metaValues.total != 0) {
     text += "Meta elements that do not fit their field:\n";
-    AddGroups(summary.remarks, text);
+    AddGroups(summary.metaValues, text);
   }
-  for (const std::string& warning : summary.warnings) text += "Warning: " + Shown(warning) + ".\n";
+  for (const Finding& warning : summary.warnings) {
+    text += "Warning: " + Shown(FindingText(warning)) + ".\n";
+  }
   return text;
 }
 

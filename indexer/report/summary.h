@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "indexer/config/options.h"
-#include "indexer/source/folder_walk.h"
+#include "indexer/report/left_out.h"
+#include "indexer/report/reason.h"
 
 namespace vela::indexer {
 
@@ -17,12 +17,12 @@ struct IndexSummary {
   uint64_t sourceBytes = 0;  // of the pages' files
   uint64_t indexBytes = 0;   // of the files written
   uint64_t runs = 0;         // how often the memory for words was full
-  SkippedFiles skipped;
-  SkippedFiles remarks;               // values of meta fields that were left out
-  std::vector<std::string> warnings;  // what of the configuration had no use
+  LeftOut files;
+  LeftOut metaValues;             // of meta fields
+  std::vector<Finding> warnings;  // what of the configuration had no use
 };
 
-// The lines for a person at the end of a run.
-std::string SummaryText(const IndexSummary& summary, const Options& options, double seconds);
+// The lines for a person at the end of a run that took `seconds` and wrote to `folder`.
+std::string SummaryText(const IndexSummary& summary, const std::string& folder, double seconds);
 
 }  // namespace vela::indexer

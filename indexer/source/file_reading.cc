@@ -8,18 +8,18 @@
 
 namespace vela::indexer {
 
-std::string ReadSiteFile(const std::string& path, uint64_t maxBytes, FileContent& out) {
+Reason ReadRegularFile(const std::string& path, uint64_t limit, FileContent& out) {
   out.bytes.clear();
   // Opened without following a link and without waiting for a writer, should the entry have become
   // a link or a pipe since the walk.
   const int fd = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) return errno == EACCES ? "no permission to read" : "file cannot be opened";
+  if (fd < 0) return errno == EACCES ? Reason::kNoPermission : Reason::kFileNotOpened;
   struct stat info = {};
-  std::string reason;
+  Reason reason = Reason::kNone;
   if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-    reason = "not a regular file";
-  } else if (static_cast<uint64_t>(info.st_size) > maxBytes) {
-    reason = "larger than the limit (--max-file-size)";
+    reason = Reason::kNotRegular;
+  } else if (static_cast<uint64_t>(info.st_size) > limit) {
+    reason = Reason::kFileTooLarge;
   } else {
     out.size = static_cast<uint64_t>(info.st_size);
     out.modifiedTime = info.st_mtime;
@@ -28,7 +28,7 @@ std::string ReadSiteFile(const std::string& path, uint64_t maxBytes, FileContent
     while (used < out.bytes.size()) {
       const ssize_t got = read(fd, out.bytes.data() + used, out.bytes.size() - used);
       if (got < 0 && errno == EINTR) continue;
-      if (got < 0) reason = "read error";
+      if (got < 0) reason = Reason::kReadError;
       if (got <= 0) break;  // a file that shrank meanwhile ends here
       used += static_cast<size_t>(got);
     }

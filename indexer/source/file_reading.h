@@ -1,8 +1,10 @@
-// file_reading.h: one file of the site, whole, within limits.
+// file_reading.h: one file, whole, within a limit.
 #pragma once
 
 #include <cstdint>
 #include <string>
+
+#include "indexer/report/reason.h"
 
 namespace vela::indexer {
 
@@ -12,8 +14,8 @@ struct FileContent {
   int64_t modifiedTime = 0;  // seconds since 1970, UTC
 };
 
-// Reads `path`, which must be a regular file and no symbolic link, of at most `maxBytes` bytes.
-// Returns an empty text, or the reason why the file is left out.
-std::string ReadSiteFile(const std::string& path, uint64_t maxBytes, FileContent& out);
+// Reads `path`, which must be a regular file and no symbolic link, of at most `limit` bytes.
+// What it holds is in `out` when kNone is returned.
+[[nodiscard]] Reason ReadRegularFile(const std::string& path, uint64_t limit, FileContent& out);
 
 }  // namespace vela::indexer

@@ -45,15 +45,7 @@ bool IsExcluded(const std::string& name, const std::string& path, const WalkRule
 
 }  // namespace
 
-void AddSkipped(SkippedFiles& skipped, const std::string& reason, const std::string& path) {
-  SkippedFiles::Group& group = skipped.byReason[reason];
-  ++group.count;
-  ++skipped.total;
-  if (group.examples.size() < SkippedFiles::kMaxExamples) group.examples.push_back(path);
-}
-
-std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules,
-                               SkippedFiles& skipped) {
+std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules, LeftOut& leftOut) {
   std::vector<SiteFile> files;
   std::vector<std::string> folders = {""};  // still to be read; "" is the site itself
   while (!folders.empty()) {
@@ -67,7 +59,7 @@ std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules,
                                                   ": " + error.message() +
                                                   ". Check --site and the folder's permissions.");
       }
-      AddSkipped(skipped, "folder cannot be read", folder);
+      AddLeftOut(leftOut, Reason::kFolderNotRead, folder);
       continue;
     }
     while (entries != fs::directory_iterator()) {
@@ -76,13 +68,13 @@ std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules,
       const std::string path = folder.empty() ? name : (fs::path(folder) / name).string();
       const fs::file_type type = entry.symlink_status(error).type();
       if (error) {
-        AddSkipped(skipped, "file cannot be read", path);
+        AddLeftOut(leftOut, Reason::kFileNotRead, path);
       } else if (IsExcluded(name, path, rules)) {
         // Left out on purpose: no reason to report.
       } else if (type == fs::file_type::symlink) {
         // A link into the site is indexed where its target lies; one out of it never.
         if (KindOf(name, rules).has_value() || entry.is_directory(error)) {
-          AddSkipped(skipped, "symbolic link", path);
+          AddLeftOut(leftOut, Reason::kSymbolicLink, path);
         }
       } else if (type == fs::file_type::directory) {
         if (entry.path() != rules.excludedFolder) folders.push_back(path);
@@ -90,12 +82,12 @@ std::vector<SiteFile> WalkSite(const fs::path& site, const WalkRules& rules,
         if (type == fs::file_type::regular) {
           files.push_back({path, *kind});
         } else {
-          AddSkipped(skipped, "not a regular file", path);
+          AddLeftOut(leftOut, Reason::kNotRegular, path);
         }
       }
       entries.increment(error);
       if (error) {
-        AddSkipped(skipped, "folder cannot be read", folder);
+        AddLeftOut(leftOut, Reason::kFolderNotRead, folder);
         break;
       }
     }

@@ -3,9 +3,10 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
+
+#include "indexer/report/left_out.h"
 
 namespace vela::indexer {
 
@@ -17,18 +18,6 @@ struct SiteFile {
   FileKind kind = FileKind::kHtml;
 };
 
-// Why files were left out, with their number and the first few of them, for the summary.
-struct SkippedFiles {
-  struct Group {
-    uint64_t count = 0;
-    std::vector<std::string> examples;  // at most kMaxExamples
-  };
-  static constexpr size_t kMaxExamples = 3;
-  std::map<std::string, Group> byReason;
-  uint64_t total = 0;
-};
-void AddSkipped(SkippedFiles& skipped, const std::string& reason, const std::string& path);
-
 struct WalkRules {
   std::vector<std::string> excluded;     // shell patterns, tried on a name and on a relative path
   std::filesystem::path excludedFolder;  // absolute; the index folder, when it lies in the site
@@ -39,9 +28,9 @@ struct WalkRules {
 
 // Lists the pages below `site` in ascending byte order of their paths. Symbolic links are not
 // followed, so that nothing outside the site is ever read and no loop can occur; names that begin
-// with a dot are passed over. Files of other kinds are not counted as skipped. Throws IndexError
+// with a dot are passed over. Files of other kinds are not counted as left out. Throws IndexError
 // when `site` itself cannot be read.
 std::vector<SiteFile> WalkSite(const std::filesystem::path& site, const WalkRules& rules,
-                               SkippedFiles& skipped);
+                               LeftOut& leftOut);
 
 }  // namespace vela::indexer

@@ -75,13 +75,13 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
   for (const RecommendedRule& rule : rules) {
     const auto page = pages.find(AddressOf(rule, base));
     if (page == pages.end() || page->second == kNotRead) {
-      sizes.unknown.push_back(rule.where + ": there is no page " + rule.address + " to recommend");
+      sizes.unused.push_back({Reason::kNoPageToRecommend, rule.where, rule.address});
       continue;
     }
     const std::string keywords = QueryForms(rule.keywords, charset);
     if (keywords.empty() || keywords.size() > kMostKeywordBytes) {
-      sizes.unknown.push_back(rule.where + ": the keywords of " + rule.address +
-                              (keywords.empty() ? " hold no word" : " are too long"));
+      sizes.unused.push_back({keywords.empty() ? Reason::kNoKeyword : Reason::kKeywordsTooLong,
+                              rule.where, rule.address});
       continue;
     }
     const std::string line = keywords + " " + std::to_string(page->second) + "\n";

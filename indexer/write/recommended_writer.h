@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "indexer/config/site_config.h"
+#include "indexer/report/reason.h"
 #include "indexer/words/index_charset.h"
 
 namespace vela::indexer {
@@ -30,8 +31,8 @@ void NotePage(PageOffsets& pages, std::span<const std::string> addresses, uint64
 struct RecommendedSizes {
   uint64_t entries = 0;  // NumRecommended
   uint64_t fileBytes = 0;
-  size_t longestLine = 0;            // bytes, its line feed included
-  std::vector<std::string> unknown;  // what is said about rules that could not be used
+  size_t longestLine = 0;       // bytes, its line feed included
+  std::vector<Finding> unused;  // rules that could not be used
 };
 
 // Keywords are cut as a query would be.

@@ -19,8 +19,8 @@ FieldRule Field(const char* name, int32_t kind, std::vector<std::string> values 
 }
 
 std::string Encoded(const FieldRule& field, const std::vector<MetaElement>& elements,
-                    std::vector<MetaRemark>& remarks) {
-  return EncodeMetaValues({field}, IndexCharset(), elements, remarks);
+                    std::vector<Finding>& findings) {
+  return EncodeMetaValues({field}, IndexCharset(), elements, findings);
 }
 
 TEST(MetaValues, EveryKindAsTheSearchReadsIt) {
@@ -34,7 +34,7 @@ TEST(MetaValues, EveryKindAsTheSearchReadsIt) {
     const FieldRule& field;
     const char* content;
     std::string bytes;
-    size_t remarks;
+    size_t leftOut;
   } kCases[] = {
       {"text", text, "O'Brien & co", "O'Brien &#38; co\0"s, 0},
       {"no text", text, "", "\0"s, 0},
@@ -55,28 +55,29 @@ TEST(MetaValues, EveryKindAsTheSearchReadsIt) {
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
-    std::vector<MetaRemark> remarks;
-    EXPECT_EQ(Encoded(c.field, {{c.field.meta, c.content}}, remarks), c.bytes);
-    EXPECT_EQ(remarks.size(), c.remarks);
+    std::vector<Finding> findings;
+    EXPECT_EQ(Encoded(c.field, {{c.field.meta, c.content}}, findings), c.bytes);
+    EXPECT_EQ(findings.size(), c.leftOut);
   }
 }
 
 TEST(MetaValues, ElementsAreFoundByTheirNames) {
-  std::vector<MetaRemark> remarks;
+  std::vector<Finding> findings;
   FieldRule topic = Field("topic", kMetaMultiple, {"Art", "Sport"});
   topic.meta = "DC.Subject";
   EXPECT_EQ(
-      Encoded(topic, {{"dc.subject", "Sport"}, {"topic", "x"}, {"dc.subject", "Art"}}, remarks),
+      Encoded(topic, {{"dc.subject", "Sport"}, {"topic", "x"}, {"dc.subject", "Art"}}, findings),
       "\x02\x01\0"s);
   const FieldRule text = Field("a", FieldRule::kTextField);
-  EXPECT_EQ(Encoded(text, {{"a", " "}, {"a", "first"}, {"a", "second"}}, remarks), "first\0"s);
-  EXPECT_TRUE(remarks.empty());
+  EXPECT_EQ(Encoded(text, {{"a", " "}, {"a", "first"}, {"a", "second"}}, findings), "first\0"s);
+  EXPECT_TRUE(findings.empty());
   EXPECT_EQ(EncodeMetaValues({text, Field("n", kMetaNumeric)}, IndexCharset(),
-                             std::vector<MetaElement>{{"n", "many"}}, remarks),
+                             std::vector<MetaElement>{{"n", "many"}}, findings),
             "\0\0\0\0\x80"s);
-  ASSERT_EQ(remarks.size(), 1u);
-  EXPECT_EQ(remarks[0].reason, "n: no whole number");
-  EXPECT_EQ(remarks[0].value, "many");
+  ASSERT_EQ(findings.size(), 1u);
+  EXPECT_EQ(findings[0].reason, Reason::kNoWholeNumber);
+  EXPECT_EQ(findings[0].where, "n");
+  EXPECT_EQ(findings[0].subject, "many");
 }
 
 TEST(MetaValues, AmountsStayWithin32Bits) {

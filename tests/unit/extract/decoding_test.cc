@@ -54,7 +54,7 @@ TEST(Decoding, FindsTheCharacterSet) {
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
     std::string utf8;
-    EXPECT_EQ(ConvertToUtf8(c.bytes, c.isHtml, utf8), "");
+    EXPECT_EQ(ConvertToUtf8(c.bytes, c.isHtml, utf8), Reason::kNone);
     EXPECT_EQ(utf8, c.expected);
   }
 }
@@ -64,7 +64,7 @@ TEST(Decoding, ADeclarationThatCannotBeTrueIsIgnored) {
     SCOPED_TRACE(name);
     const std::string page = "<meta charset=" + std::string(name) + ">caf";
     std::string text;
-    EXPECT_EQ(ConvertToUtf8(page + "\u00E9", true, text), "");
+    EXPECT_EQ(ConvertToUtf8(page + "\u00E9", true, text), Reason::kNone);
     EXPECT_EQ(text, page + "\u00E9");
   }
 }
@@ -79,15 +79,15 @@ TEST(Decoding, DetectsByStatistics) {
       "F\xFCr die Sch\xFCler gibt es viele Gr\xFCnde, sp\xE4ter zur\xFC"
       "ck zu kommen.";
   std::string utf8;
-  EXPECT_EQ(ConvertToUtf8(bytes, true, utf8), "");
+  EXPECT_EQ(ConvertToUtf8(bytes, true, utf8), Reason::kNone);
   EXPECT_EQ(utf8.substr(0, 27), "Die Gr\u00F6\u00DFe der B\u00FCcher \u00FCb");
 }
 
 TEST(Decoding, RefusesBinaryFiles) {
   std::string utf8;
   EXPECT_EQ(ConvertToUtf8("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\1\0\0\0\1\0\b\6\0\0"s, true, utf8),
-            "binary file");
-  EXPECT_EQ(ConvertToUtf8(std::string(1000, '\x01'), false, utf8), "binary file");
+            Reason::kBinary);
+  EXPECT_EQ(ConvertToUtf8(std::string(1000, '\x01'), false, utf8), Reason::kBinary);
 }
 
 }  // namespace

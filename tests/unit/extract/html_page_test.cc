@@ -10,7 +10,7 @@ namespace {
 // The text of a page as one line, headings as "<level>text", blanks collapsed.
 std::string BodyOf(const std::string& html) {
   PageContent page;
-  EXPECT_EQ(ParseHtmlPage(html, page), "");
+  EXPECT_EQ(ParseHtmlPage(html, page), Reason::kNone);
   std::string text;
   for (const TextRun& run : page.body) {
     if (run.headingLevel != 0) text += "<" + std::to_string(run.headingLevel) + ">";
@@ -75,45 +75,43 @@ TEST(HtmlPage, ReadsTheHead) {
                           "<link rel=canonical href='/b.html'><base href='/c/'>"
                           "<body>text",
                           page),
-            "");
+            Reason::kNone);
   EXPECT_EQ(page.title, "A & B");
   EXPECT_EQ(page.description, "What it is");
   EXPECT_EQ(page.canonical, "/a.html");
   EXPECT_EQ(page.base, "/c/");
-  EXPECT_FALSE(page.noindex);
 }
 
 TEST(HtmlPage, TheTitleOfADrawingIsNotThePages) {
   PageContent page;
-  EXPECT_EQ(ParseHtmlPage("<svg><title>drawing</title></svg>text", page), "");
+  EXPECT_EQ(ParseHtmlPage("<svg><title>drawing</title></svg>text", page), Reason::kNone);
   EXPECT_EQ(page.title, "");
 }
 
 TEST(HtmlPage, TakesTheSocialDescriptionWhereThereIsNoOther) {
   PageContent page;
-  EXPECT_EQ(ParseHtmlPage("<meta property=og:description content=shared>x", page), "");
+  EXPECT_EQ(ParseHtmlPage("<meta property=og:description content=shared>x", page), Reason::kNone);
   EXPECT_EQ(page.description, "shared");
   EXPECT_EQ(ParseHtmlPage("<meta property=og:description content=shared>"
                           "<meta name=description content=own>x",
                           page),
-            "");
+            Reason::kNone);
   EXPECT_EQ(page.description, "own");
 }
 
 TEST(HtmlPage, HonoursNoindex) {
   const struct {
     const char* content;
-    bool expected;
-  } kCases[] = {{"noindex", true},        {"NOINDEX, nofollow", true},
-                {"follow,noindex", true}, {"none", true},
-                {"index, follow", false}, {"nofollow", false},
-                {"noindexing", false},    {"", false}};
+    Reason reason;
+  } kCases[] = {{"noindex", Reason::kNoindex},        {"NOINDEX, nofollow", Reason::kNoindex},
+                {"follow,noindex", Reason::kNoindex}, {"none", Reason::kNoindex},
+                {"index, follow", Reason::kNone},     {"nofollow", Reason::kNone},
+                {"noindexing", Reason::kNone},        {"", Reason::kNone}};
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.content);
     PageContent page;
     EXPECT_EQ(ParseHtmlPage(std::string("<meta name=Robots content='") + c.content + "'>x", page),
-              "");
-    EXPECT_EQ(page.noindex, c.expected);
+              c.reason);
   }
 }
 
@@ -124,16 +122,16 @@ TEST(HtmlPage, GivesUpOnMarkupWithoutEnd) {
     return all;
   };
   PageContent page;
-  EXPECT_EQ(ParseHtmlPage(repeat("<div>", 100000), page), "markup nests too deep");
-  EXPECT_EQ(ParseHtmlPage(repeat("<div>", 1900) + "deep", page), "");
+  EXPECT_EQ(ParseHtmlPage(repeat("<div>", 100000), page), Reason::kMarkupTooDeep);
+  EXPECT_EQ(ParseHtmlPage(repeat("<div>", 1900) + "deep", page), Reason::kNone);
   EXPECT_EQ(page.body.size(), 1u);
   // Elements whose end tags may be left out do not count as nested.
-  EXPECT_EQ(ParseHtmlPage(repeat("<li><p>word ", 20000), page), "");
-  EXPECT_EQ(ParseHtmlPage(repeat("<", 100000), page), "");
+  EXPECT_EQ(ParseHtmlPage(repeat("<li><p>word ", 20000), page), Reason::kNone);
+  EXPECT_EQ(ParseHtmlPage(repeat("<", 100000), page), Reason::kNone);
   // Many open formatting elements that the parser has to repeat in every paragraph.
   std::string markup;
   for (int32_t i = 0; i < 1500; ++i) markup += "<p><b a=" + std::to_string(i) + "></p>";
-  EXPECT_EQ(ParseHtmlPage(markup + repeat("<p>x</p>", 20000), page), "markup grows too large");
+  EXPECT_EQ(ParseHtmlPage(markup + repeat("<p>x</p>", 20000), page), Reason::kMarkupTooLarge);
 }
 
 }  // namespace

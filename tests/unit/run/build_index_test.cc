@@ -165,8 +165,8 @@ TEST(BuildIndex, SaysWhatItLeavesOut) {
   site.Add("deep.html", deep);
   const IndexSummary summary = site.Build();
   EXPECT_EQ(summary.pages, 1u);
-  EXPECT_EQ(summary.skipped.total, 5u);
-  const std::string text = SummaryText(summary, site.options, 1.5);
+  EXPECT_EQ(summary.files.total, 5u);
+  const std::string text = SummaryText(summary, site.options.out, 1.5);
   for (const char* line : {"Indexed 1 page with 4 different words in 1.5 seconds.",
                            "Left out 5 files:", "noindex: hidden.html", "no text: empty.html",
                            "larger than the limit (--max-file-size): large.html",
@@ -207,7 +207,7 @@ TEST(BuildIndex, HonoursCanonicalAddresses) {
             "https://x.example/pretty?x=1&amp;y=2|d.html|||\n"
             "https://x.example/f.html|f.html|||\n"
             "https://x.example/other/i|h.html|||\n");
-  EXPECT_EQ(summary.skipped.byReason.at("copy of another page (canonical address)").count, 2u);
+  EXPECT_EQ(CountLeftOut(summary.files, Reason::kCopy), 2u);
 }
 
 TEST(BuildIndex, ACanonicalAddressMayBeSpelledInManyWays) {
@@ -219,7 +219,7 @@ TEST(BuildIndex, ACanonicalAddressMayBeSpelledInManyWays) {
   site.Add("copy3.html", "<link rel=canonical href=\"bike's.html\">copy");
   const IndexSummary summary = site.Build();
   EXPECT_EQ(summary.pages, 2u);
-  EXPECT_EQ(summary.skipped.byReason.at("copy of another page (canonical address)").count, 3u);
+  EXPECT_EQ(CountLeftOut(summary.files, Reason::kCopy), 3u);
 }
 
 TEST(BuildIndex, OneOfPagesThatNameEachOtherStays) {
@@ -274,7 +274,7 @@ TEST(BuildIndex, NoNameReachesTheTerminalAsACommand) {
   const TestSite site;
   site.Add("a.html", "x");
   site.Add("b\x1B[2J\n.html", "");
-  const std::string text = SummaryText(site.Build(), site.options, 1);
+  const std::string text = SummaryText(site.Build(), site.options.out, 1);
   EXPECT_NE(text.find("no text: b?[2J?.html\n"), std::string::npos) << text;
 }
 
@@ -297,14 +297,19 @@ TEST(BuildIndex, TellsOfRulesThatFitNoPage) {
                    {{"*b.html"}, 20, "x.toml, line 3"}};  // fits, if behind the first
   config.recommended = {{"word", "c.html", "x.toml, line 4"}};
   const IndexSummary summary = site.Build();
-  EXPECT_EQ(summary.warnings, (std::vector<std::string>{
-                                  "the category \"Nothing\" fits no page",
-                                  "x.toml, line 2: this [[boost]] fits no page",
-                                  "x.toml, line 4: there is no page c.html to recommend",
-                              }));
-  EXPECT_NE(SummaryText(summary, site.options, 1)
-                .find("Warning: the category \"Nothing\" fits no page.\n"),
-            std::string::npos);
+  const struct {
+    Reason reason;
+    const char* text;
+  } kExpected[] = {
+      {Reason::kUnusedCategory, "the category \"Nothing\" fits no page"},
+      {Reason::kUnusedBoost, "x.toml, line 2: this [[boost]] fits no page"},
+      {Reason::kNoPageToRecommend, "x.toml, line 4: there is no page c.html to recommend"},
+  };
+  ASSERT_EQ(summary.warnings.size(), std::size(kExpected));
+  for (size_t i = 0; i < std::size(kExpected); ++i) {
+    EXPECT_EQ(summary.warnings[i].reason, kExpected[i].reason);
+    EXPECT_EQ(FindingText(summary.warnings[i]), kExpected[i].text);
+  }
 }
 
 TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
@@ -315,7 +320,7 @@ TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
   site.Add(folder + "b.html", "text");
   const IndexSummary summary = site.Build();
   EXPECT_EQ(summary.pages, 1u);
-  EXPECT_EQ(summary.skipped.byReason.at("address too long").count, 1u);
+  EXPECT_EQ(CountLeftOut(summary.files, Reason::kAddressTooLong), 1u);
 }
 
 TEST(BuildIndex, NothingStoredCanBecomeMarkup) {
@@ -393,14 +398,14 @@ TEST(BuildIndex, ATemplateThatShowsNoResultsIsToldOf) {
   };
   EXPECT_TRUE(warnings("<p><!--VELASEARCH-->").empty());
   EXPECT_TRUE(warnings("<p><!--VELA_SHOW_RESULTS-->").empty());
-  const std::string missing =
-      " shows no results: it has neither <!--VELASEARCH--> nor <!--VELA_SHOW_RESULTS-->";
-  EXPECT_EQ(warnings("<!--VELA_SHOW_SEARCHFORM--> <!-- VELASEARCH -->"),
-            std::vector<std::string>{"the template " + given.string() + missing});
+  const auto toldOf = [](const std::vector<Finding>& findings) {
+    return findings.size() == 1 && findings[0].reason == Reason::kTemplateWithoutResults
+               ? findings[0].subject
+               : "";
+  };
+  EXPECT_EQ(toldOf(warnings("<!--VELA_SHOW_SEARCHFORM--> <!-- VELASEARCH -->")), given.string());
   site.options.templateName.clear();  // the one that is there now stays
-  EXPECT_EQ(site.Build().warnings,
-            std::vector<std::string>{"the template " +
-                                     (site.index / "search_template.html").string() + missing});
+  EXPECT_EQ(toldOf(site.Build().warnings), (site.index / "search_template.html").string());
   for (const char* builtIn : {"default", "minimal", "embed"}) {
     site.options.templateName = builtIn;
     EXPECT_TRUE(site.Build().warnings.empty()) << builtIn;

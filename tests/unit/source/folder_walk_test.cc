@@ -12,20 +12,20 @@ namespace fs = std::filesystem;
 
 struct Walk {
   std::vector<std::string> paths;
-  SkippedFiles skipped;
+  LeftOut leftOut;
 };
 
 Walk WalkOf(const TestSite& site, WalkRules rules = {}) {
   rules.htmlEndings = SiteConfig().htmlEndings;
   rules.textEndings = SiteConfig().textEndings;
   Walk walk;
-  for (const SiteFile& file : WalkSite(site.folder, rules, walk.skipped)) {
+  for (const SiteFile& file : WalkSite(site.folder, rules, walk.leftOut)) {
     walk.paths.push_back(file.path + (file.kind == FileKind::kHtml ? " html" : " text"));
   }
   return walk;
 }
 
-TEST(SiteWalk, TakesPagesInByteOrderOfTheirPaths) {
+TEST(FolderWalk, TakesPagesInByteOrderOfTheirPaths) {
   const TestSite site;
   for (const char* path : {"b.html", "a/z.HTM", "a.html", "B.xhtml", "a/b/notes.txt", "read.md",
                            "picture.png", "style.css", "noextension", "page.html.bak"}) {
@@ -36,10 +36,10 @@ TEST(SiteWalk, TakesPagesInByteOrderOfTheirPaths) {
   const std::vector<std::string> expected = {"B.xhtml html", "a.html html", "a/b/notes.txt text",
                                              "a/z.HTM html", "b.html html", "read.md text"};
   EXPECT_EQ(walk.paths, expected);
-  EXPECT_EQ(walk.skipped.total, 0u);
+  EXPECT_EQ(walk.leftOut.total, 0u);
 }
 
-TEST(SiteWalk, LeavesOutHiddenAndExcludedNames) {
+TEST(FolderWalk, LeavesOutHiddenAndExcludedNames) {
   const TestSite site;
   for (const char* path : {".git/a.html", ".hidden.html", "_sources/a.txt", "drafts/a.html",
                            "sub/drafts/b.html", "old-1.html", "keep.html", "sub/keep.html"}) {
@@ -51,7 +51,7 @@ TEST(SiteWalk, LeavesOutHiddenAndExcludedNames) {
   EXPECT_EQ(slashed.paths, std::vector<std::string>{"keep.html html"});
 }
 
-TEST(SiteWalk, FollowsNoSymbolicLink) {
+TEST(FolderWalk, FollowsNoSymbolicLink) {
   const TestSite site;
   site.Add("a.html", "x");
   WriteFile(site.scratch.path() / "secret.html", "x");
@@ -62,20 +62,20 @@ TEST(SiteWalk, FollowsNoSymbolicLink) {
   fs::create_symlink("nowhere", site.folder / "dangling.png");
   const Walk walk = WalkOf(site);
   EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
-  EXPECT_EQ(walk.skipped.byReason.at("symbolic link").count, 4u);
+  EXPECT_EQ(CountLeftOut(walk.leftOut, Reason::kSymbolicLink), 4u);
 }
 
-TEST(SiteWalk, TakesOnlyRegularFiles) {
+TEST(FolderWalk, TakesOnlyRegularFiles) {
   const TestSite site;
   ASSERT_EQ(mkfifo((site.folder / "pipe.html").c_str(), 0600), 0);
   site.Add("folder.html/inside.html", "x");
   const Walk walk = WalkOf(site);
   EXPECT_EQ(walk.paths, std::vector<std::string>{"folder.html/inside.html html"});
-  EXPECT_EQ(walk.skipped.byReason.at("not a regular file").examples,
+  EXPECT_EQ(walk.leftOut.groups.at({"", Reason::kNotRegular}).examples,
             std::vector<std::string>{"pipe.html"});
 }
 
-TEST(SiteWalk, LeavesOutTheIndexInsideTheSite) {
+TEST(FolderWalk, LeavesOutTheIndexInsideTheSite) {
   const TestSite site;
   site.Add("a.html", "x");
   site.Add("search/search_template.html", "x");
@@ -83,18 +83,10 @@ TEST(SiteWalk, LeavesOutTheIndexInsideTheSite) {
   EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
 }
 
-TEST(SiteWalk, NamesOnlyTheFirstFilesOfAReason) {
-  SkippedFiles skipped;
-  for (const char* path : {"a", "b", "c", "d"}) AddSkipped(skipped, "why", path);
-  EXPECT_EQ(skipped.total, 4u);
-  EXPECT_EQ(skipped.byReason.at("why").count, 4u);
-  EXPECT_EQ(skipped.byReason.at("why").examples, (std::vector<std::string>{"a", "b", "c"}));
-}
-
-TEST(SiteWalk, SaysWhenTheSiteCannotBeRead) {
-  SkippedFiles skipped;
+TEST(FolderWalk, SaysWhenTheSiteCannotBeRead) {
+  LeftOut leftOut;
   try {
-    WalkSite("/nonexistent/site", {}, skipped);
+    WalkSite("/nonexistent/site", {}, leftOut);
     FAIL();
   } catch (const IndexError& error) {
     EXPECT_EQ(error.status, ExitStatus::kFailed);

@@ -32,10 +32,12 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
             "prod* 1234567\n");
   EXPECT_EQ(sizes.entries, 3u);
   EXPECT_EQ(sizes.longestLine, 22u);
-  ASSERT_EQ(sizes.unknown.size(), 3u);
-  EXPECT_EQ(sizes.unknown[0], "line 4: there is no page gone.html to recommend");
-  EXPECT_NE(sizes.unknown[1].find("hold no word"), std::string::npos);
-  EXPECT_NE(sizes.unknown[2].find("too long"), std::string::npos);
+  ASSERT_EQ(sizes.unused.size(), 3u);
+  EXPECT_EQ(sizes.unused[0].reason, Reason::kNoPageToRecommend);
+  EXPECT_EQ(sizes.unused[0].where, "line 4");
+  EXPECT_EQ(sizes.unused[0].subject, "gone.html");
+  EXPECT_EQ(sizes.unused[1].reason, Reason::kNoKeyword);
+  EXPECT_EQ(sizes.unused[2].reason, Reason::kKeywordsTooLong);
 }
 
 TEST(RecommendedWriter, AddressesAreWrittenAsPeopleWriteThem) {
@@ -52,7 +54,7 @@ TEST(RecommendedWriter, AddressesAreWrittenAsPeopleWriteThem) {
   const RecommendedSizes sizes =
       WriteRecommended(scratch.path() / "r", rules, pages, base, IndexCharset());
   EXPECT_EQ(ReadFile(scratch.path() / "r"), "list 7\nabout 9\nencoded 9\n");
-  EXPECT_TRUE(sizes.unknown.empty());
+  EXPECT_TRUE(sizes.unused.empty());
 }
 
 }  // namespace

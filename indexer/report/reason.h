@@ -1,0 +1,62 @@
+// reason.h: why something of the site or of the configuration found no use. The program counts and
+// compares these; their texts are for people.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vela::indexer {
+
+enum class Reason : uint8_t {
+  kNone,  // nothing stands against it
+
+  // A file or folder.
+  kFolderNotRead,
+  kFileNotRead,
+  kFileNotFound,
+  kFileNotOpened,
+  kNoPermission,
+  kNotRegular,
+  kSymbolicLink,
+  kFileTooLarge,
+  kReadError,
+
+  // A page.
+  kBinary,
+  kNotConverted,
+  kMarkupTooDeep,
+  kMarkupTooLarge,
+  kNoindex,
+  kNoText,
+  kCopy,
+  kAddressTooLong,
+
+  // The value of a meta field; `where` is the field.
+  kNotInList,
+  kNoAmount,
+  kNoWholeNumber,
+
+  // A rule of the owner's or the template; `subject` is what it names, `where` the file and line.
+  kUnusedCategory,
+  kUnusedBoost,
+  kNoPageToRecommend,
+  kNoKeyword,
+  kKeywordsTooLong,
+  kTemplateWithoutResults,
+};
+
+// The words for a person; "%" stands for the subject.
+std::string_view ReasonText(Reason reason);
+
+// A reason, and what it is about.
+struct Finding {
+  Reason reason = Reason::kNone;
+  std::string where;    // empty where the subject says it
+  std::string subject;  // a category's name, an address, a value; empty where there is none
+};
+
+// "WHERE: TEXT", with the subject in its place.
+std::string FindingText(const Finding& finding);
+
+}  // namespace vela::indexer

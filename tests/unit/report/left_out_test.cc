@@ -1,0 +1,39 @@
+#include "indexer/report/left_out.h"
+
+#include <gtest/gtest.h>
+
+namespace vela::indexer {
+namespace {
+
+TEST(LeftOut, NamesOnlyTheFirstFilesOfAReason) {
+  LeftOut leftOut;
+  for (const char* path : {"a", "b", "c", "d"}) AddLeftOut(leftOut, Reason::kNoText, path);
+  EXPECT_EQ(leftOut.total, 4u);
+  const LeftOut::Group& group = leftOut.groups.at({"", Reason::kNoText});
+  EXPECT_EQ(group.count, 4u);
+  EXPECT_EQ(group.examples, (std::vector<std::string>{"a", "b", "c"}));
+}
+
+TEST(LeftOut, CountsAFieldsValuesByThemselves) {
+  LeftOut leftOut;
+  AddLeftOut(leftOut, Reason::kNoAmount, "a", "price");
+  AddLeftOut(leftOut, Reason::kNoAmount, "b", "fee");
+  AddLeftOut(leftOut, Reason::kNotInList, "c", "level");
+  EXPECT_EQ(leftOut.groups.size(), 3u);
+  EXPECT_EQ(CountLeftOut(leftOut, Reason::kNoAmount), 2u);
+  EXPECT_EQ(CountLeftOut(leftOut, Reason::kNoText), 0u);
+}
+
+TEST(LeftOut, IsShownInTheOrderOfTheTexts) {
+  LeftOut leftOut;
+  AddLeftOut(leftOut, Reason::kFileTooLarge, "a");
+  AddLeftOut(leftOut, Reason::kBinary, "b");
+  AddLeftOut(leftOut, Reason::kNoAmount, "c", "a field");
+  std::vector<std::string> texts;
+  for (const auto& [text, group] : GroupsByText(leftOut)) texts.push_back(text);
+  EXPECT_EQ(texts, (std::vector<std::string>{"a field: no amount", "binary file",
+                                             "larger than the limit (--max-file-size)"}));
+}
+
+}  // namespace
+}  // namespace vela::indexer

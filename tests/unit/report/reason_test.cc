@@ -1,0 +1,48 @@
+#include "indexer/report/reason.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace vela::indexer {
+namespace {
+
+TEST(Reason, EachHasATextOfItsOwn) {
+  EXPECT_EQ(ReasonText(Reason::kNone), "");
+  std::set<std::string_view> texts;
+  const auto last = static_cast<int>(Reason::kTemplateWithoutResults);
+  for (int i = 1; i <= last; ++i) {
+    const std::string_view text = ReasonText(static_cast<Reason>(i));
+    EXPECT_FALSE(text.empty()) << i;
+    EXPECT_TRUE(texts.insert(text).second) << text;
+  }
+}
+
+TEST(Reason, ATextNamesWhatItIsAbout) {
+  const struct {
+    const char* what;
+    Finding finding;
+    const char* text;
+  } kCases[] = {
+      {"a file", {Reason::kNoText, "", ""}, "no text"},
+      {"a field; its value is shown elsewhere",
+       {Reason::kNoAmount, "price", "cheap"},
+       "price: no amount"},
+      {"a rule without a place",
+       {Reason::kUnusedCategory, "", "100% News"},
+       "the category \"100% News\" fits no page"},
+      {"a rule with its place",
+       {Reason::kNoPageToRecommend, "x.toml, line 4", "c.html"},
+       "x.toml, line 4: there is no page c.html to recommend"},
+      {"a place alone",
+       {Reason::kUnusedBoost, "x.toml, line 2", ""},
+       "x.toml, line 2: this [[boost]] fits no page"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(FindingText(c.finding), c.text);
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer

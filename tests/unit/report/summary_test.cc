@@ -1,0 +1,40 @@
+#include "indexer/report/summary.h"
+
+#include <gtest/gtest.h>
+
+namespace vela::indexer {
+namespace {
+
+TEST(Summary, SaysWhatTheRunDid) {
+  IndexSummary summary;
+  summary.pages = 1;
+  summary.words = 12345;
+  summary.sourceBytes = 999;
+  summary.indexBytes = 1250000;
+  EXPECT_EQ(SummaryText(summary, "public/search", 1.25),
+            "Indexed 1 page with 12,345 different words in 1.2 seconds.\n"
+            "Read 999 bytes, wrote 1.2 MB to public/search.\n");
+}
+
+TEST(Summary, TellsOfAllThatFoundNoUse) {
+  IndexSummary summary;
+  summary.pages = 2;
+  summary.runs = 3;
+  AddLeftOut(summary.files, Reason::kNoindex, "a\x1B[2J.html");
+  for (const char* name : {"1", "2", "3", "4"}) AddLeftOut(summary.files, Reason::kCopy, name);
+  AddLeftOut(summary.metaValues, Reason::kNoAmount, "a.html (\"cheap\")", "price");
+  summary.warnings.push_back({Reason::kUnusedCategory, {}, "News"});
+  EXPECT_EQ(SummaryText(summary, "i", 60),
+            "Indexed 2 pages with 0 different words in 60.0 seconds.\n"
+            "Read 0 bytes, wrote 0 bytes to i.\n"
+            "The memory for words was full 3 times; more of it (--memory) makes this faster.\n"
+            "Left out 5 files:\n"
+            "  4  copy of another page (canonical address): 1, 2, 3, ...\n"
+            "  1  noindex: a?[2J.html\n"
+            "Meta elements that do not fit their field:\n"
+            "  1  price: no amount: a.html (\"cheap\")\n"
+            "Warning: the category \"News\" fits no page.\n");
+}
+
+}  // namespace
+}  // namespace vela::indexer
