@@ -5,18 +5,25 @@
 #include <iterator>
 
 #include "indexer/collect/page_collection.h"
+#include "indexer/collect/recommended_pages.h"
 #include "indexer/config/language_file.h"
+#include "indexer/extract/read_page.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
 #include "indexer/publish/owner_files.h"
 #include "indexer/publish/public_files.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
+#include "indexer/source/folder_source.h"
 #include "indexer/words/symbols.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "indexer/write/dictionary_writer.h"
+#include "indexer/write/page_table_writer.h"
+#include "indexer/write/page_text_writer.h"
+#include "indexer/write/recommended_writer.h"
 #include "indexer/write/settings_writer.h"
 #include "indexer/write/spelling_writer.h"
+#include "indexer/write/word_map_writer.h"
 
 namespace vela::indexer {
 
@@ -24,7 +31,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr uint64_t kMaxPosition = (uint64_t{1} << 40) - 1;
+constexpr uint64_t kMegabyte = uint64_t{1} << 20;
+constexpr uint64_t kPositionLimit = (uint64_t{1} << 40) - 1;
 
 // True when `inner` is `outer` or lies in it; both absolute and resolved.
 bool IsWithin(const fs::path& inner, const fs::path& outer) {
@@ -51,50 +59,88 @@ void CheckStop(const volatile std::sig_atomic_t& stop) {
   }
 }
 
-// A run under way.
+// A run under way: what the owner wants, and what every step reports to.
 struct Run {
   const Options& options;
+  const std::string& base;  // the site's address, ending in "/"
+  const IndexCharset& charset;
+  const IndexFolder& folder;
   Progress& progress;
   const volatile std::sig_atomic_t& stop;
-  const IndexFolder& folder;
   IndexSummary summary;
 };
 
-void ReadPages(Run& run, PageCollection& collection) {
-  const SiteInput& input = collection.input;
-  const SiteConfig& config = run.options.config;
-  run.progress.Begin("Looking for pages", 0);
-  const WalkRules rules = {run.options.exclude, run.folder.target(), config.htmlEndings,
-                           config.textEndings};
-  const std::vector<SiteFile> files = WalkSite(input.site, rules, run.summary.files);
-  for (const SiteFile& file : files) {
-    collection.siteAddresses.insert(PageAddress(input.base, file.path));
-  }
-  collection.recommended = WantedPages(config.recommended, input.base);
-  run.progress.Begin("Reading pages", files.size());
-  uint64_t done = 0;
-  for (const SiteFile& file : files) {
-    CheckStop(run.stop);
-    const Reason reason = AddFile(file, collection);
-    if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, file.path);
-    run.progress.Step(++done);
-  }
-  if (!collection.pages.empty()) return;
+// The pages of the site, in memory and in the files that are written as they are read.
+struct SitePages {
+  explicit SitePages(const Run& run)
+      : collection({.base = run.base,
+                    .config = run.options.config,
+                    .charset = run.charset,
+                    .memory = run.options.memoryMegabytes * kMegabyte},
+                   run.folder.fresh()),
+        recommended(run.options.config.recommended, run.base),
+        text(run.folder.fresh()),
+        table(run.folder.fresh() / "vela_pageinfo.vdat", run.folder.fresh() / "vela_pagedata.vdat",
+              run.charset) {}
+
+  PageCollection collection;
+  RecommendedPages recommended;
+  PageTextWriter text;
+  PageTableWriter table;
+};
+
+// Takes one item of the site in. kNone, or why it is left out.
+Reason TakeItem(const FolderSource& source, const SourceItem& item, const PageWishes& wishes,
+                SitePages& pages) {
+  FileContent file;
+  Reason reason = ReadItem(source, item, file);
+  if (reason != Reason::kNone) return reason;
+  Page page;
+  reason = ReadPage(item, std::move(file), wishes, page);
+  if (reason != Reason::kNone) return reason;
+  JoinedPage joined;
+  reason = AddPage(page, pages.collection, joined);
+  if (reason != Reason::kNone) return reason;
+  pages.text.AddPage(pages.collection.tokens.tokens);
+  pages.recommended.Note(joined.addresses, pages.table.AddPage(joined.entry));
+  return Reason::kNone;
+}
+
+[[noreturn]] void RefuseEmptySite(const FolderSource& source, const LeftOut& leftOut) {
   std::string why;
-  for (const auto& [reason, group] : GroupsByText(run.summary.files)) {
+  for (const auto& [reason, group] : GroupsByText(leftOut)) {
     why += "\n  left out: " + std::to_string(group->count) + " (" + reason + ")";
   }
-  throw IndexError(ExitStatus::kNothing, "No page to index was found in " + input.site.string() +
+  throw IndexError(ExitStatus::kNothing, "No page to index was found in " + source.folder.string() +
                                              ". The files must be HTML or text." + why);
 }
 
+void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
+  const SiteConfig& config = run.options.config;
+  run.progress.Begin("Looking for pages", 0);
+  const std::vector<SourceItem> items = ListItems(source, run.summary.files);
+  for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
+  run.progress.Begin("Reading pages", items.size());
+  const PageWishes wishes = {.images = config.images, .dates = config.dates};
+  uint64_t done = 0;
+  for (const SourceItem& item : items) {
+    CheckStop(run.stop);
+    const Reason reason = TakeItem(source, item, wishes, pages);
+    if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
+    run.progress.Step(++done);
+  }
+  if (pages.collection.pages.empty()) RefuseEmptySite(source, run.summary.files);
+  pages.collection.tokens = {};
+}
+
 // The files by which words are found. Returns the size of all.
-uint64_t WriteWords(Run& run, PageCollection& collection, IndexFacts& facts) {
+uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
+  PageCollection& collection = pages.collection;
   const Vocabulary& vocabulary = collection.vocabulary;
   facts.pages = collection.pages.size();
   facts.tokenBytes = TokenBytes(ReservedLimits().limit + 1 + vocabulary.words.size());
-  if (facts.tokenBytes > 5 || collection.pageText.tokenCount() * facts.tokenBytes > kMaxPosition) {
+  if (facts.tokenBytes > 5 || collection.tokenCount * facts.tokenBytes > kPositionLimit) {
     throw IndexError(ExitStatus::kFailed,
                      "The site holds more text than one index can address. "
                      "Index its parts into several folders.");
@@ -107,10 +153,10 @@ uint64_t WriteWords(Run& run, PageCollection& collection, IndexFacts& facts) {
   run.progress.Begin("Writing the index", 0);
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
   facts.dictionary = WriteDictionary(fresh / "vela_dictionary.vdat", vocabulary, order,
-                                     wordMap.offsets, collection.input.charset);
+                                     wordMap.offsets, run.charset);
   uint64_t bytes = wordMap.fileBytes + facts.dictionary.fileBytes;
-  bytes += collection.pageText.Finish(fresh / "vela_pagetext.vdat", order, facts.tokenBytes);
-  const PageTableWriter::Sizes table = collection.pageTable.Finish();
+  bytes += pages.text.Finish(fresh / "vela_pagetext.vdat", order, facts.tokenBytes);
+  const PageTableWriter::Sizes table = pages.table.Finish();
   facts.pageInfoBytes = table.infoBytes;
   bytes += table.infoBytes + table.dataBytes;
   if (run.options.config.spelling) {
@@ -122,27 +168,26 @@ uint64_t WriteWords(Run& run, PageCollection& collection, IndexFacts& facts) {
 }
 
 // The files that help a visitor beside the words. Returns the size of all.
-uint64_t WriteHelp(Run& run, PageCollection& collection, IndexFacts& facts) {
+uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
   const SiteConfig& config = run.options.config;
-  const IndexCharset& charset = collection.input.charset;
-  std::ranges::move(UnusedRules(collection), std::back_inserter(run.summary.warnings));
+  std::vector<Finding>& warnings = run.summary.warnings;
+  std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
   uint64_t bytes = 0;
   size_t longest = 0;
   if (!config.recommended.empty()) {
-    RecommendedSizes sizes =
-        WriteRecommended(fresh / "vela_recommended.vdat", config.recommended,
-                         collection.recommended, collection.input.base, charset);
+    RecommendedSizes sizes = WriteRecommended(fresh / "vela_recommended.vdat", config.recommended,
+                                              pages.recommended, run.charset);
     facts.recommended = sizes.entries;
     longest = sizes.longestLine;
     bytes += sizes.fileBytes;
-    std::ranges::move(sizes.unused, std::back_inserter(run.summary.warnings));
+    std::ranges::move(sizes.unused, std::back_inserter(warnings));
   }
   facts.lineLength = KeyWordLineLength(config, longest);
   if (config.suggestions) {
     const AutocompleteSizes sizes =
-        WriteAutocomplete(fresh / "vela_autocomplete.vdat", collection.suggestions.Take(),
-                          config.mostSuggestions, facts.lineLength, charset);
+        WriteAutocomplete(fresh / "vela_autocomplete.vdat", pages.collection.suggestions.Take(),
+                          config.mostSuggestions, facts.lineLength, run.charset);
     facts.autocomplete = sizes.lines;
     bytes += sizes.fileBytes;
   }
@@ -166,25 +211,38 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                      "itself. Give a folder of its own for the index.");
   }
 
-  Run run = {options, progress, stop, folder, {}};
+  Run run = {.options = options,
+             .base = base,
+             .charset = charset,
+             .folder = folder,
+             .progress = progress,
+             .stop = stop,
+             .summary = {}};
+  IndexSummary& summary = run.summary;
   const Finding templateFault = WriteTemplate(options, charset, folder);
-  if (templateFault.reason != Reason::kNone) run.summary.warnings.push_back(templateFault);
-  PageCollection collection({site, base, options, charset}, folder.fresh());
-  ReadPages(run, collection);
-  collection.words = {};
+  if (templateFault.reason != Reason::kNone) summary.warnings.push_back(templateFault);
+  const FolderSource source = {.folder = site,
+                               .base = base,
+                               .excluded = options.exclude,
+                               .excludedFolder = folder.target(),
+                               .htmlEndings = options.config.htmlEndings,
+                               .textEndings = options.config.textEndings,
+                               .fileLimit = options.maxFileMegabytes * kMegabyte};
+  SitePages pages(run);
+  ReadPages(source, run, pages);
   IndexFacts facts;
-  uint64_t bytes = WriteWords(run, collection, facts);
-  bytes += WriteHelp(run, collection, facts);
+  uint64_t bytes = WriteWords(run, pages, facts);
+  bytes += WriteHelp(run, pages, facts);
   bytes +=
       WriteSettings(folder.fresh() / "settings.vdat", facts, options.config, charset, language);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);
   CheckStop(stop);
   folder.Commit();
 
-  IndexSummary& summary = run.summary;
+  PageCollection& collection = pages.collection;
   summary.pages = facts.pages;
   summary.words = collection.vocabulary.words.size();
-  summary.occurrences = collection.pageText.tokenCount();
+  summary.occurrences = collection.tokenCount;
   summary.sourceBytes = collection.sourceBytes;
   summary.indexBytes = bytes;
   summary.metaValues = std::move(collection.metaValues);

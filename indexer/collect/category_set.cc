@@ -11,6 +11,13 @@ std::string CategorySet(const std::vector<CategoryRule>& categories, const PageA
   return set;
 }
 
+void AddCategories(std::string_view set, std::string& all) {
+  for (size_t i = 0; i < set.size(); ++i) {
+    all[i] =
+        static_cast<char>(static_cast<unsigned char>(all[i]) | static_cast<unsigned char>(set[i]));
+  }
+}
+
 bool HasCategory(std::string_view set, size_t category) {
   const unsigned bits = static_cast<unsigned char>(set[category / 8]);
   return (bits >> (category % 8) & 1U) != 0;

@@ -20,6 +20,9 @@ constexpr size_t CategoryBytes(size_t categories) { return (categories + 7) / 8;
 // The page's set of CategoryBytes bytes; empty without categories.
 std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page);
 
+// Adds the categories of `set` to `all`, a set of the same size.
+void AddCategories(std::string_view set, std::string& all);
+
 bool HasCategory(std::string_view set, size_t category);
 
 }  // namespace vela::indexer

@@ -19,12 +19,12 @@ uint8_t HeadingZone(uint8_t level) {
 struct PageCut {
   WordForms& forms;
   Vocabulary& vocabulary;
-  PageWords& out;
+  PageTokens& out;
 };
 
 // Cuts one run of text and appends its tokens. Returns the number of its words.
 uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
-  PageWords& out = cut.out;
+  PageTokens& out = cut.out;
   uint32_t wordCount = 0;
   for (std::string_view chunk = NextChunk(text); !chunk.empty(); chunk = NextChunk(text)) {
     CutChunk(chunk, out.chunk);
@@ -66,7 +66,7 @@ uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut&
   return wordCount;
 }
 
-uint32_t CountDistinctWords(const PageWords& words, size_t firstToken) {
+uint32_t CountDistinctWords(const PageTokens& words, size_t firstToken) {
   std::vector<uint32_t> numbers;
   for (size_t i = firstToken; i < words.tokens.size(); ++i) {
     if (words.tokens[i].number >= kWordBase) numbers.push_back(words.tokens[i].number);
@@ -79,10 +79,10 @@ void AddOne(uint8_t& count) {
   if (count < 255) ++count;
 }
 
-void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageWords& out) {
+void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageTokens& out) {
   const uint32_t blockWords =
       std::max(kSmallestBlock, out.bodyWords / kBlocks + (out.bodyWords % kBlocks != 0 ? 1 : 0));
-  for (const PageWords::Occurrence& occurrence : out.occurrences) {
+  for (const PageTokens::Occurrence& occurrence : out.occurrences) {
     Word& word = vocabulary.words[occurrence.word];
     if (word.lastPage != pageNumber) {
       word.lastPage = pageNumber;
@@ -111,33 +111,33 @@ void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageWords& out
 
 }  // namespace
 
-void CutPage(const PageContent& page, const std::string& title, const std::string& address,
-             uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary, PageWords& words) {
-  const PageCut cut = {forms, vocabulary, words};
-  words.tokens.clear();
-  words.postings.clear();
-  words.occurrences.clear();
-  words.lastTokens.clear();
-  words.bodyWords = 0;
-  for (const TextRun& run : page.body) {
+void CutPage(const PageTexts& page, uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary,
+             PageTokens& out) {
+  const PageCut cut = {.forms = forms, .vocabulary = vocabulary, .out = out};
+  out.tokens.clear();
+  out.postings.clear();
+  out.occurrences.clear();
+  out.lastTokens.clear();
+  out.bodyWords = 0;
+  for (const TextRun& run : page.content.body) {
     CutRun(run.text, HeadingZone(run.headingLevel), true, cut);
   }
   // Behind the body, so that snippets show the body and phrases find all of it.
-  const auto addRun = [&](const std::string& text, Zone zone) {
-    const size_t before = words.tokens.size();
-    if (before != 0) words.tokens.push_back({kRunEnd, 0});
+  const auto addRun = [&](std::string_view text, Zone zone) {
+    const size_t before = out.tokens.size();
+    if (before != 0) out.tokens.push_back({kRunEnd, 0});
     const uint32_t count = CutRun(text, zone, false, cut);
-    if (count == 0) words.tokens.resize(before);
+    if (count == 0) out.tokens.resize(before);
     return count;
   };
-  const size_t beforeTitle = words.tokens.size();
-  addRun(title, kInTitle);
-  words.titleWords = CountDistinctWords(words, beforeTitle);
-  addRun(page.description, kInDescription);
-  addRun(address, kInAddress);
-  words.tokens.push_back({kPageEnd, 0});
-  CollectPostings(pageNumber, vocabulary, words);
-  for (const Posting& posting : words.postings) {
+  const size_t beforeTitle = out.tokens.size();
+  addRun(page.title, kInTitle);
+  out.titleWords = CountDistinctWords(out, beforeTitle);
+  addRun(page.content.description, kInDescription);
+  addRun(page.addressText, kInAddress);
+  out.tokens.push_back({kPageEnd, 0});
+  CollectPostings(pageNumber, vocabulary, out);
+  for (const Posting& posting : out.postings) {
     Word& word = vocabulary.words[posting.word];
     word.mostOnPage = std::max(word.mostOnPage, posting.total);
   }

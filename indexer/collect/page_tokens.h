@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "indexer/collect/postings.h"
@@ -21,8 +21,15 @@ struct PageToken {
   uint8_t variant = 0;
 };
 
-// The words and tokens of one page; kept from page to page for its memory.
-struct PageWords {
+// How long a page is, and where its tokens begin.
+struct PageLengths {
+  uint64_t firstToken = 0;  // counted from the start of the page text
+  uint32_t bodyWords = 0;
+  uint32_t titleWords = 0;
+};
+
+// The tokens and words of one page; kept from page to page for its memory.
+struct PageTokens {
   std::vector<PageToken> tokens;  // body, title, description, address; a page end closes them
   std::vector<Posting> postings;  // in order of the words' first appearance
   uint32_t bodyWords = 0;         // words of the running text
@@ -43,9 +50,16 @@ struct PageWords {
   ChunkTokens chunk;
 };
 
-// Cuts `page` and fills `words`; new words join the vocabulary in the form that `forms` gives them.
-// `title` is the one shown for the page, `address` the text of its address.
-void CutPage(const PageContent& page, const std::string& title, const std::string& address,
-             uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary, PageWords& words);
+// The texts of a page that its words are cut from.
+struct PageTexts {
+  const PageContent& content;
+  std::string_view title;  // the one shown for the page
+  std::string_view addressText;
+};
+
+// Cuts the page of that number and fills `out`; new words join the vocabulary in the form that
+// `forms` gives them.
+void CutPage(const PageTexts& page, uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary,
+             PageTokens& out);
 
 }  // namespace vela::indexer

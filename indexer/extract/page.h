@@ -1,4 +1,4 @@
-// page.h: what one file says, before its words are cut.
+// page.h: one page as it was read, before its words are cut.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "indexer/source/source_item.h"
 
 namespace vela::indexer {
 
@@ -35,5 +37,22 @@ inline std::string_view MetaContent(const PageContent& page, std::string_view na
   }
   return {};
 }
+
+// What is known of the page beside its text.
+struct PageFacts {
+  std::string path;       // of its item, for messages
+  std::string address;    // of its item
+  std::string canonical;  // the address that it names as its own, whole and encoded; or empty
+  std::string title;      // the one to show for it; plain text
+  std::string image;      // whole address of the picture that stands for it, or empty
+  uint64_t fileSize = 0;  // bytes
+  int64_t time = 0;       // of its date, seconds since 1970; 0 for none
+  FileType fileType = FileType::kHtml;
+};
+
+struct Page {
+  PageContent content;
+  PageFacts facts;
+};
 
 }  // namespace vela::indexer

@@ -8,7 +8,7 @@ namespace {
 constexpr size_t kLongestTitle = 120;  // bytes; a longer first line is a paragraph
 }
 
-void ParseTextPage(const std::string& text, PageContent& page) {
+void ParsePlainTextPage(const std::string& text, PageContent& page) {
   page = PageContent();
   const size_t begin = text.find_first_not_of(" \t\r\n\f\v#=*");
   if (begin != text.npos) {

@@ -8,6 +8,6 @@
 namespace vela::indexer {
 
 // The title is the first line, when it is short enough to be one. `text` is UTF-8.
-void ParseTextPage(const std::string& text, PageContent& page);
+void ParsePlainTextPage(const std::string& text, PageContent& page);
 
 }  // namespace vela::indexer

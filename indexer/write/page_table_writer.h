@@ -17,28 +17,12 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <string>
-#include <string_view>
 
+#include "indexer/collect/page_entry.h"
 #include "indexer/words/index_charset.h"
 #include "indexer/write/out_file.h"
 
 namespace vela::indexer {
-
-enum class FileType : uint8_t { kHtml = 0, kText = 1 };  // below FileTypePluginStart
-
-struct PageEntry {
-  std::string address;      // as StoredAddress made it, at most kMaxAddressBytes
-  std::string title;        // plain text
-  std::string description;  // plain text
-  std::string image;        // an address like `address`, or empty
-  uint64_t fileSize = 0;
-  int64_t time = 0;  // seconds since 1970; 0 for none
-  uint8_t boost = 0;
-  FileType fileType = FileType::kHtml;
-  std::string categories;
-  std::string metaValues;
-};
 
 class PageTableWriter {
  public:

@@ -18,7 +18,6 @@ class PageTextWriter {
  public:
   explicit PageTextWriter(const std::filesystem::path& folder);
   void AddPage(const std::vector<PageToken>& tokens);
-  uint64_t tokenCount() const { return tokens_; }
   // Writes `path` and removes the temporary file. `order` is DictionaryOrder, `tokenBytes`
   // DictIDLen. Returns the size in bytes.
   uint64_t Finish(const std::filesystem::path& path, const std::vector<uint32_t>& order,

@@ -1,8 +1,9 @@
 #include "indexer/write/recommended_writer.h"
 
 #include <algorithm>
+#include <optional>
+#include <string_view>
 
-#include "indexer/site/address.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/word_cut.h"
@@ -13,10 +14,6 @@
 namespace vela::indexer {
 
 namespace {
-
-std::string AddressOf(const RecommendedRule& rule, const std::string& base) {
-  return ResolveAddress(base, AsEncoded(rule.address));
-}
 
 // One keyword as a query that says the same would be compared with it.
 std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
@@ -48,33 +45,14 @@ std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
 
 }  // namespace
 
-PageOffsets WantedPages(const std::vector<RecommendedRule>& rules, const std::string& base) {
-  PageOffsets pages;
-  for (const RecommendedRule& rule : rules) pages[AddressOf(rule, base)] = kNotRead;
-  return pages;
-}
-
-void NotePage(PageOffsets& pages, std::span<const std::string> addresses, uint64_t offset) {
-  const auto note = [&](const std::string& address) {
-    const auto found = pages.find(address);
-    if (found != pages.end() && found->second == kNotRead) found->second = offset;
-  };
-  for (const std::string& address : addresses) {
-    note(address);
-    const size_t name = address.rfind('/') + 1;
-    if (std::string_view(address).substr(name).starts_with("index.")) note(address.substr(0, name));
-  }
-}
-
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                                   const std::vector<RecommendedRule>& rules,
-                                  const PageOffsets& pages, const std::string& base,
-                                  const IndexCharset& charset) {
+                                  const RecommendedPages& pages, const IndexCharset& charset) {
   RecommendedSizes sizes;
   OutFile file(path);
   for (const RecommendedRule& rule : rules) {
-    const auto page = pages.find(AddressOf(rule, base));
-    if (page == pages.end() || page->second == kNotRead) {
+    const std::optional<uint64_t> offset = pages.OffsetOf(rule);
+    if (!offset.has_value()) {
       sizes.unused.push_back({Reason::kNoPageToRecommend, rule.where, rule.address});
       continue;
     }
@@ -84,7 +62,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                               rule.where, rule.address});
       continue;
     }
-    const std::string line = keywords + " " + std::to_string(page->second) + "\n";
+    const std::string line = keywords + " " + std::to_string(*offset) + "\n";
     sizes.longestLine = std::max(sizes.longestLine, line.size());
     file.Write(line);
     ++sizes.entries;

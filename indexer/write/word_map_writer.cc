@@ -6,14 +6,14 @@
 namespace vela::indexer {
 
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
-                           const Vocabulary& vocabulary, const std::vector<PageFacts>& pages,
+                           const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
                            size_t tokenBytes) {
   WordMapResult result;
   result.offsets.assign(vocabulary.words.size(), 0);
   ScoreContext context;
   context.pages = static_cast<uint32_t>(pages.size());
   double words = 0;
-  for (const PageFacts& page : pages) words += page.bodyWords;
+  for (const PageLengths& page : pages) words += page.bodyWords;
   context.averageWords = pages.empty() ? 0 : words / static_cast<double>(pages.size());
   OutFile file(path);
   uint32_t current = kNone32;
@@ -27,7 +27,7 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
       result.offsets[current] = file.size();
       file.WriteNumber(context.pagesWithWord, 4);
     }
-    const PageFacts& page = pages[posting.page];
+    const PageLengths& page = pages[posting.page];
     context.pageWords = page.bodyWords;
     context.titleWords = page.titleWords;
     file.WriteNumber(WordScore(posting, context), 1);

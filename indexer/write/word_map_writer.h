@@ -9,17 +9,11 @@
 #include <filesystem>
 #include <vector>
 
+#include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
 #include "indexer/collect/vocabulary.h"
 
 namespace vela::indexer {
-
-// What the word map needs to know of a page.
-struct PageFacts {
-  uint64_t firstToken = 0;  // counted from the start of the page text
-  uint32_t bodyWords = 0;
-  uint32_t titleWords = 0;
-};
 
 struct WordMapResult {
   std::vector<uint64_t> offsets;  // of each word's list, by its number in the vocabulary
@@ -28,7 +22,7 @@ struct WordMapResult {
 
 // Writes all lists, by ascending word and page. `tokenBytes` is DictIDLen.
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
-                           const Vocabulary& vocabulary, const std::vector<PageFacts>& pages,
+                           const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
                            size_t tokenBytes);
 
 }  // namespace vela::indexer

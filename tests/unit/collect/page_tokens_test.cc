@@ -9,7 +9,7 @@ namespace {
 
 struct CutResult {
   Vocabulary vocabulary;
-  PageWords words;
+  PageTokens words;
 
   const Posting* Find(std::string_view text) const {
     for (const Posting& posting : words.postings) {
@@ -43,7 +43,8 @@ CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
   page.description = description;
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
-  CutPage(page, title, address, 0, forms, result.vocabulary, result.words);
+  CutPage({.content = page, .title = title, .addressText = address}, 0, forms, result.vocabulary,
+          result.words);
   return result;
 }
 
@@ -54,7 +55,7 @@ std::string Words(int count) {
   return text;
 }
 
-TEST(PageWords, RunsStandInOrder) {
+TEST(PageTokens, RunsStandInOrder) {
   EXPECT_EQ(CutOf({{"One two.", 0}, {"three", 2}}, "Title", "About it", "dir page").Tokens(),
             "one two # three | title | about it | dir page .");
   EXPECT_EQ(CutOf({}, "Title").Tokens(), "title .");
@@ -62,7 +63,7 @@ TEST(PageWords, RunsStandInOrder) {
   EXPECT_EQ(CutOf({}, "").Tokens(), ".");
 }
 
-TEST(PageWords, PositionIsTheFirstTokenOfTheBody) {
+TEST(PageTokens, PositionIsTheFirstTokenOfTheBody) {
   const CutResult page = CutOf({{"a (b) c node.js c", 0}}, "Title c", "only-here b", "x");
   EXPECT_EQ(page.Tokens(), "a # b # c node.js c | title c | only-here b | x .");
   EXPECT_EQ(page.Find("a")->token, 0u);
@@ -75,7 +76,7 @@ TEST(PageWords, PositionIsTheFirstTokenOfTheBody) {
   EXPECT_EQ(page.Find("x")->token, 14u);
 }
 
-TEST(PageWords, CountsOccurrences) {
+TEST(PageTokens, CountsOccurrences) {
   const CutResult page = CutOf({{"b b a-a", 0}, {"b", 1}}, "b c", "b");
   EXPECT_EQ(page.Find("b")->total, 5);
   EXPECT_EQ(page.Find("b")->body, 3);
@@ -87,7 +88,7 @@ TEST(PageWords, CountsOccurrences) {
   EXPECT_EQ(CutOf({{many, 0}}, "t").Find("x")->total, 255);
 }
 
-TEST(PageWords, KnowsTheZones) {
+TEST(PageTokens, KnowsTheZones) {
   const CutResult page = CutOf({{"a b", 1}, {"a c", 3}, {"d", 6}, {"e", 0}}, "a", "b", "c");
   EXPECT_EQ(page.Find("a")->zones, kInMainHeading | kInHeading | kInTitle);
   EXPECT_EQ(page.Find("b")->zones, kInMainHeading | kInDescription);
@@ -98,7 +99,7 @@ TEST(PageWords, KnowsTheZones) {
   EXPECT_FALSE(page.vocabulary.words[page.Find("b")->word].inTitle);
 }
 
-TEST(PageWords, BlocksOfAShortPageHave32Words) {
+TEST(PageTokens, BlocksOfAShortPageHave32Words) {
   const CutResult page = CutOf({{Words(65), 0}}, "t");
   EXPECT_EQ(page.Find("w0")->blocks, 0x80);
   EXPECT_EQ(page.Find("w31")->blocks, 0x80);
@@ -108,7 +109,7 @@ TEST(PageWords, BlocksOfAShortPageHave32Words) {
   EXPECT_EQ(page.Find("t")->blocks, 0x80);
 }
 
-TEST(PageWords, BlocksOfALongPageAreEighths) {
+TEST(PageTokens, BlocksOfALongPageAreEighths) {
   // ceil(257 / 8) = 33 words a block: the seventh ends with word 230, the last has 26.
   const CutResult page = CutOf({{Words(257), 0}}, "t");
   EXPECT_EQ(page.Find("w32")->blocks, 0x80);
@@ -118,7 +119,7 @@ TEST(PageWords, BlocksOfALongPageAreEighths) {
   EXPECT_EQ(page.Find("w256")->blocks, 0x01);
 }
 
-TEST(PageWords, SignsAreNoWords) {
+TEST(PageTokens, SignsAreNoWords) {
   std::string text;
   for (int i = 0; i < 31; ++i) text += "( ; ";
   const CutResult page = CutOf({{text + Words(33), 0}}, "t");
@@ -127,25 +128,25 @@ TEST(PageWords, SignsAreNoWords) {
   EXPECT_EQ(page.Find("w32")->blocks, 0x40);
 }
 
-TEST(PageWords, AWordCollectsItsBlocks) {
+TEST(PageTokens, AWordCollectsItsBlocks) {
   const CutResult page = CutOf({{"x " + Words(40) + "x", 0}}, "t");
   EXPECT_EQ(page.Find("x")->blocks, 0xC0);
 }
 
-TEST(PageWords, CountsDifferentTitleWords) {
+TEST(PageTokens, CountsDifferentTitleWords) {
   EXPECT_EQ(CutOf({}, "Python and the python — 3.11.").words.titleWords, 4u);
   EXPECT_EQ(CutOf({{"body words", 0}}, "One").words.titleWords, 1u);
 }
 
-TEST(PageWords, VariantsAreThoseOfTheSite) {
+TEST(PageTokens, VariantsAreThoseOfTheSite) {
   Vocabulary vocabulary;
-  PageWords words;
+  PageTokens words;
   PageContent page;
   page.body = {{"Cat CAT cat", 0}};
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
-  CutPage(page, "x", "", 0, forms, vocabulary, words);
-  CutPage(page, "x", "", 1, forms, vocabulary, words);
+  CutPage({.content = page, .title = "x", .addressText = ""}, 0, forms, vocabulary, words);
+  CutPage({.content = page, .title = "x", .addressText = ""}, 1, forms, vocabulary, words);
   EXPECT_EQ(words.tokens[0].variant, 1);
   EXPECT_EQ(words.tokens[1].variant, 2);
   EXPECT_EQ(words.tokens[2].variant, 0);

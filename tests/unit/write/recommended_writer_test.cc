@@ -9,7 +9,6 @@ namespace {
 
 TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
   const support::ScratchDirectory scratch;
-  const std::string base = "https://x.example/";
   const std::vector<RecommendedRule> rules = {
       {"Hours, Opening-Times!", "h.html", "line 1"},
       {"caf\u00E9", "https://x.example/c/", "line 2"},
@@ -18,14 +17,13 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
       {" , \"", "h.html", "line 5"},
       {std::string(501, 'a'), "h.html", "line 6"},
   };
-  PageOffsets pages = WantedPages(rules, base);
-  NotePage(pages, std::vector<std::string>{"https://x.example/h.html"}, 0);
-  NotePage(pages, std::vector<std::string>{"https://x.example/c/index.html"}, 40);
-  NotePage(pages, std::vector<std::string>{"https://x.example/p.html"}, 1234567);
-  NotePage(pages, std::vector<std::string>{"https://x.example/other.html"}, 5);
-  EXPECT_EQ(pages.size(), 4u);  // only what rules name
+  RecommendedPages pages(rules, "https://x.example/");
+  pages.Note(std::vector<std::string>{"https://x.example/h.html"}, 0);
+  pages.Note(std::vector<std::string>{"https://x.example/c/index.html"}, 40);
+  pages.Note(std::vector<std::string>{"https://x.example/p.html"}, 1234567);
+  pages.Note(std::vector<std::string>{"https://x.example/other.html"}, 5);
   const RecommendedSizes sizes =
-      WriteRecommended(scratch.path() / "r", rules, pages, base, IndexCharset());
+      WriteRecommended(scratch.path() / "r", rules, pages, IndexCharset());
   EXPECT_EQ(ReadFile(scratch.path() / "r"),
             "hours,opening-times 0\n"
             "caf\u00E9,cafe 40\n"
@@ -42,17 +40,16 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
 
 TEST(RecommendedWriter, AddressesAreWrittenAsPeopleWriteThem) {
   const support::ScratchDirectory scratch;
-  const std::string base = "https://x.example/";
   const std::vector<RecommendedRule> rules = {
       {"list", "notes/Preis liste.txt", "line 1"},
       {"about", "https://x.example/\u00DCber.html#top", "line 2"},
       {"encoded", "%c3%9cber.html", "line 3"},
   };
-  PageOffsets pages = WantedPages(rules, base);
-  NotePage(pages, std::vector<std::string>{"https://x.example/notes/Preis%20liste.txt"}, 7);
-  NotePage(pages, std::vector<std::string>{"https://x.example/%C3%9Cber.html"}, 9);
+  RecommendedPages pages(rules, "https://x.example/");
+  pages.Note(std::vector<std::string>{"https://x.example/notes/Preis%20liste.txt"}, 7);
+  pages.Note(std::vector<std::string>{"https://x.example/%C3%9Cber.html"}, 9);
   const RecommendedSizes sizes =
-      WriteRecommended(scratch.path() / "r", rules, pages, base, IndexCharset());
+      WriteRecommended(scratch.path() / "r", rules, pages, IndexCharset());
   EXPECT_EQ(ReadFile(scratch.path() / "r"), "list 7\nabout 9\nencoded 9\n");
   EXPECT_TRUE(sizes.unused.empty());
 }

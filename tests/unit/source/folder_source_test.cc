@@ -1,4 +1,4 @@
-#include "indexer/source/folder_walk.h"
+#include "indexer/source/folder_source.h"
 
 #include <gtest/gtest.h>
 
@@ -15,17 +15,29 @@ struct Walk {
   LeftOut leftOut;
 };
 
-Walk WalkOf(const TestSite& site, WalkRules rules = {}) {
-  rules.htmlEndings = SiteConfig().htmlEndings;
-  rules.textEndings = SiteConfig().textEndings;
+FolderSource SourceOf(const fs::path& folder) {
+  FolderSource source;
+  source.folder = folder;
+  source.base = "https://x.example/docs/";
+  source.htmlEndings = SiteConfig().htmlEndings;
+  source.textEndings = SiteConfig().textEndings;
+  source.fileLimit = 4;
+  return source;
+}
+
+Walk WalkOf(const TestSite& site, const std::vector<std::string>& excluded = {},
+            const fs::path& excludedFolder = {}) {
+  FolderSource source = SourceOf(site.folder);
+  source.excluded = excluded;
+  source.excludedFolder = excludedFolder;
   Walk walk;
-  for (const SiteFile& file : WalkSite(site.folder, rules, walk.leftOut)) {
-    walk.paths.push_back(file.path + (file.kind == FileKind::kHtml ? " html" : " text"));
+  for (const SourceItem& item : ListItems(source, walk.leftOut)) {
+    walk.paths.push_back(item.path + (item.type == FileType::kHtml ? " html" : " text"));
   }
   return walk;
 }
 
-TEST(FolderWalk, TakesPagesInByteOrderOfTheirPaths) {
+TEST(FolderSource, TakesPagesInByteOrderOfTheirPaths) {
   const TestSite site;
   for (const char* path : {"b.html", "a/z.HTM", "a.html", "B.xhtml", "a/b/notes.txt", "read.md",
                            "picture.png", "style.css", "noextension", "page.html.bak"}) {
@@ -39,19 +51,19 @@ TEST(FolderWalk, TakesPagesInByteOrderOfTheirPaths) {
   EXPECT_EQ(walk.leftOut.total, 0u);
 }
 
-TEST(FolderWalk, LeavesOutHiddenAndExcludedNames) {
+TEST(FolderSource, LeavesOutHiddenAndExcludedNames) {
   const TestSite site;
   for (const char* path : {".git/a.html", ".hidden.html", "_sources/a.txt", "drafts/a.html",
                            "sub/drafts/b.html", "old-1.html", "keep.html", "sub/keep.html"}) {
     site.Add(path, "x");
   }
-  const Walk walk = WalkOf(site, {{"drafts", "old-*.html", "sub/keep.html"}, {}, {}, {}});
+  const Walk walk = WalkOf(site, {"drafts", "old-*.html", "sub/keep.html"});
   EXPECT_EQ(walk.paths, std::vector<std::string>{"keep.html html"});
-  const Walk slashed = WalkOf(site, {{"drafts/", "old-*.html", "sub/"}, {}, {}, {}});
+  const Walk slashed = WalkOf(site, {"drafts/", "old-*.html", "sub/"});
   EXPECT_EQ(slashed.paths, std::vector<std::string>{"keep.html html"});
 }
 
-TEST(FolderWalk, FollowsNoSymbolicLink) {
+TEST(FolderSource, FollowsNoSymbolicLink) {
   const TestSite site;
   site.Add("a.html", "x");
   WriteFile(site.scratch.path() / "secret.html", "x");
@@ -65,7 +77,7 @@ TEST(FolderWalk, FollowsNoSymbolicLink) {
   EXPECT_EQ(CountLeftOut(walk.leftOut, Reason::kSymbolicLink), 4u);
 }
 
-TEST(FolderWalk, TakesOnlyRegularFiles) {
+TEST(FolderSource, TakesOnlyRegularFiles) {
   const TestSite site;
   ASSERT_EQ(mkfifo((site.folder / "pipe.html").c_str(), 0600), 0);
   site.Add("folder.html/inside.html", "x");
@@ -75,23 +87,44 @@ TEST(FolderWalk, TakesOnlyRegularFiles) {
             std::vector<std::string>{"pipe.html"});
 }
 
-TEST(FolderWalk, LeavesOutTheIndexInsideTheSite) {
+TEST(FolderSource, LeavesOutTheIndexInsideTheSite) {
   const TestSite site;
   site.Add("a.html", "x");
   site.Add("search/search_template.html", "x");
-  const Walk walk = WalkOf(site, {{}, site.folder / "search", {}, {}});
+  const Walk walk = WalkOf(site, {}, site.folder / "search");
   EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
 }
 
-TEST(FolderWalk, SaysWhenTheSiteCannotBeRead) {
+TEST(FolderSource, SaysWhenTheSiteCannotBeRead) {
   LeftOut leftOut;
   try {
-    WalkSite("/nonexistent/site", {}, leftOut);
+    ListItems(SourceOf("/nonexistent/site"), leftOut);
     FAIL();
   } catch (const IndexError& error) {
     EXPECT_EQ(error.status, ExitStatus::kFailed);
     EXPECT_NE(std::string(error.what()).find("--site"), std::string::npos);
   }
+}
+
+TEST(FolderSource, ItemsHaveAddressesAndAreRead) {
+  const TestSite site;
+  site.Add("a b.html", "<p>x", 1000000001);
+  const FolderSource source = SourceOf(site.folder);
+  LeftOut leftOut;
+  const std::vector<SourceItem> items = ListItems(source, leftOut);
+  ASSERT_EQ(items.size(), 1u);
+  EXPECT_EQ(items[0].address, "https://x.example/docs/a%20b.html");
+  FileContent content;
+  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kNone);
+  EXPECT_EQ(content.bytes, "<p>x");
+  EXPECT_EQ(content.size, 4u);
+  EXPECT_EQ(content.modifiedTime, 1000000001);
+  site.Add("a b.html", "<p>xy");
+  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kFileTooLarge);
+  fs::remove(site.folder / "a b.html");
+  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kFileNotOpened);
+  fs::create_symlink("/dev/null", site.folder / "a b.html");
+  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kFileNotOpened);
 }
 
 }  // namespace

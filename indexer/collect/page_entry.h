@@ -1,0 +1,24 @@
+// page_entry.h: what the page table keeps of one page.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "indexer/source/source_item.h"
+
+namespace vela::indexer {
+
+struct PageEntry {
+  std::string address;      // as StoredAddress made it, at most kAddressLimit bytes
+  std::string title;        // plain text
+  std::string description;  // plain text
+  std::string image;        // an address like `address`, or empty
+  uint64_t fileSize = 0;
+  int64_t time = 0;  // seconds since 1970; 0 for none
+  uint8_t boost = 0;
+  FileType fileType = FileType::kHtml;
+  std::string categories;  // see category_set.h
+  std::string metaValues;  // see meta_values.h
+};
+
+}  // namespace vela::indexer

@@ -1,0 +1,55 @@
+#include "indexer/extract/file_types.h"
+
+#include <utility>
+
+#include "indexer/extract/decoding.h"
+#include "indexer/extract/html_page.h"
+#include "indexer/extract/plain_text_page.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// The bytes as UTF-8; they are freed, so that a large page is not held twice.
+Reason Decode(std::string bytes, bool isHtml, std::string& text) {
+  return ConvertToUtf8(bytes, isHtml, text);
+}
+
+Reason ReadHtml(std::string bytes, PageContent& content) {
+  std::string text;
+  const Reason reason = Decode(std::move(bytes), true, text);
+  return reason != Reason::kNone ? reason : ParseHtmlPage(text, content);
+}
+
+Reason ReadPlainText(std::string bytes, PageContent& content) {
+  std::string text;
+  const Reason reason = Decode(std::move(bytes), false, text);
+  if (reason == Reason::kNone) ParsePlainTextPage(text, content);
+  return reason;
+}
+
+struct TypeReader {
+  FileType type;
+  Reason (*read)(std::string bytes, PageContent& content);
+};
+
+constexpr TypeReader kTypeReaders[] = {
+    {FileType::kHtml, &ReadHtml},
+    {FileType::kText, &ReadPlainText},
+};
+
+constexpr bool EachTypeHasItsPlace() {
+  for (size_t i = 0; i < std::size(kTypeReaders); ++i) {
+    if (kTypeReaders[i].type != static_cast<FileType>(i)) return false;
+  }
+  return true;
+}
+static_assert(EachTypeHasItsPlace());
+
+}  // namespace
+
+Reason ReadContent(FileType type, std::string bytes, PageContent& content) {
+  return kTypeReaders[static_cast<size_t>(type)].read(std::move(bytes), content);
+}
+
+}  // namespace vela::indexer

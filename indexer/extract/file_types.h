@@ -1,0 +1,16 @@
+// file_types.h: what reads each type of file. A new type is a line of the table, its reader, and
+// the endings by which the source knows it (SiteConfig).
+#pragma once
+
+#include <string>
+
+#include "indexer/extract/page.h"
+#include "indexer/report/reason.h"
+#include "indexer/source/source_item.h"
+
+namespace vela::indexer {
+
+// Brings the bytes of a file of that type into `content`. kNone, or why the page is left out.
+[[nodiscard]] Reason ReadContent(FileType type, std::string bytes, PageContent& content);
+
+}  // namespace vela::indexer

@@ -1,0 +1,67 @@
+#include "indexer/extract/read_page.h"
+
+#include <utility>
+
+#include "indexer/extract/file_types.h"
+#include "indexer/extract/page_date.h"
+#include "indexer/site/address.h"
+#include "indexer/words/clean_text.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// The page's own title, else its first heading of the highest level, else the file's name.
+std::string PageTitle(const PageContent& content, const std::string& path) {
+  if (!content.title.empty()) return content.title;
+  const TextRun* best = nullptr;
+  for (const TextRun& run : content.body) {
+    if (run.headingLevel == 0) continue;
+    if (best == nullptr || run.headingLevel < best->headingLevel) best = &run;
+  }
+  if (best != nullptr) return CollapseBlanks(best->text);
+  std::string name = path.substr(path.rfind('/') + 1);
+  CleanText(name);
+  return name;
+}
+
+// The address from which the page's links are resolved.
+std::string LinkBase(const PageContent& content, const std::string& own) {
+  const std::string from = content.base.empty() ? own : ResolveAddress(own, content.base);
+  return from.empty() ? own : from;
+}
+
+std::string CanonicalAddress(const PageContent& content, const std::string& own) {
+  if (content.canonical.empty()) return {};
+  return AsEncoded(ResolveAddress(LinkBase(content, own), content.canonical));
+}
+
+std::string PageImage(const PageContent& content, const std::string& own) {
+  const std::string_view image = MetaContent(content, "og:image");
+  return image.empty() ? std::string() : ResolveAddress(LinkBase(content, own), image);
+}
+
+}  // namespace
+
+Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes, Page& page) {
+  page = Page();
+  const Reason reason = ReadContent(item.type, std::move(file.bytes), page.content);
+  if (reason != Reason::kNone) return reason;
+  const PageContent& content = page.content;
+  if (content.body.empty() && content.title.empty() && content.description.empty()) {
+    return Reason::kNoText;
+  }
+  page.facts = {
+      .path = item.path,
+      .address = item.address,
+      .canonical = CanonicalAddress(content, item.address),
+      .title = PageTitle(content, item.path),
+      .image = wishes.images ? PageImage(content, item.address) : std::string(),
+      .fileSize = file.size,
+      .time = PageDate(content, file.modifiedTime, wishes.dates),
+      .fileType = item.type,
+  };
+  return Reason::kNone;
+}
+
+}  // namespace vela::indexer

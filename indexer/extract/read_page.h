@@ -1,0 +1,24 @@
+// read_page.h: from the bytes of one item to a page.
+#pragma once
+
+#include <vector>
+
+#include "indexer/config/site_config.h"
+#include "indexer/extract/page.h"
+#include "indexer/report/reason.h"
+#include "indexer/source/file_reading.h"
+#include "indexer/source/source_item.h"
+
+namespace vela::indexer {
+
+// What to take from pages beside their text.
+struct PageWishes {
+  bool images = true;
+  std::vector<DateSource> dates;  // tried in this order
+};
+
+// Reads what `file` holds of `item` into `page`. kNone, or why the page is left out.
+[[nodiscard]] Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes,
+                              Page& page);
+
+}  // namespace vela::indexer

@@ -1,0 +1,37 @@
+// folder_source.h: the site's folder as a source of pages.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "indexer/report/left_out.h"
+#include "indexer/report/reason.h"
+#include "indexer/source/file_reading.h"
+#include "indexer/source/source_item.h"
+
+namespace vela::indexer {
+
+struct FolderSource {
+  std::filesystem::path folder = {};     // absolute
+  std::string base;                      // the folder's address, ending in "/"
+  std::vector<std::string> excluded;     // shell patterns, tried on a name and on a relative path
+  std::filesystem::path excludedFolder;  // absolute; the index folder, when it lies in the site
+  // What follows the last dot of a page's name, in lower case.
+  std::vector<std::string> htmlEndings;
+  std::vector<std::string> textEndings;
+  uint64_t fileLimit = 0;  // bytes
+};
+
+// Lists the pages in ascending byte order of their paths. Symbolic links are not followed, so that
+// nothing outside the site is ever read and no loop can occur; names that begin with a dot are
+// passed over. Files of other kinds are not counted as left out. Throws IndexError when the folder
+// itself cannot be read.
+std::vector<SourceItem> ListItems(const FolderSource& source, LeftOut& leftOut);
+
+// Reads an item of the list. What it holds is in `content` when kNone is returned.
+[[nodiscard]] Reason ReadItem(const FolderSource& source, const SourceItem& item,
+                              FileContent& content);
+
+}  // namespace vela::indexer

@@ -1,0 +1,79 @@
+#include "indexer/extract/read_page.h"
+
+#include <gtest/gtest.h>
+
+namespace vela::indexer {
+namespace {
+
+const PageWishes kWishes = {.images = true, .dates = {DateSource::kMeta, DateSource::kFile}};
+
+Reason Read(FileType type, const char* path, const std::string& bytes, Page& page) {
+  const SourceItem item = {path, std::string("https://x.example/") + path, type};
+  return ReadPage(item, {.bytes = bytes, .size = bytes.size(), .modifiedTime = 7}, kWishes, page);
+}
+
+TEST(ReadPage, GathersWhatIsKnownOfAPage) {
+  Page page;
+  const std::string html =
+      "<title>T</title><base href=/b/><link rel=canonical href='\u00FC.html'>"
+      "<meta property=og:image content=p.png><meta name=date content=2001-09-09>text";
+  ASSERT_EQ(Read(FileType::kHtml, "a/x.html", html, page), Reason::kNone);
+  EXPECT_EQ(page.facts.path, "a/x.html");
+  EXPECT_EQ(page.facts.address, "https://x.example/a/x.html");
+  EXPECT_EQ(page.facts.canonical, "https://x.example/b/%C3%BC.html");
+  EXPECT_EQ(page.facts.title, "T");
+  EXPECT_EQ(page.facts.image, "https://x.example/b/p.png");
+  EXPECT_EQ(page.facts.fileSize, html.size());
+  EXPECT_EQ(page.facts.time, 1000036800);  // noon
+  EXPECT_EQ(page.facts.fileType, FileType::kHtml);
+  ASSERT_EQ(page.content.body.size(), 1u);
+}
+
+TEST(ReadPage, TitlesComeFromWhatThereIs) {
+  const struct {
+    const char* what;
+    FileType type;
+    std::string bytes;
+    const char* title;
+  } kCases[] = {
+      {"its own", FileType::kHtml, "<title> The  title </title><h1>Heading</h1>", "The title"},
+      {"the highest heading", FileType::kHtml, "<h2>Second</h2><h1>Main  heading</h1>text",
+       "Main heading"},
+      {"the file's name", FileType::kHtml, "<p>Only text", "f.x"},
+      {"the first line of a text", FileType::kText, "# First line\n\nText", "First line"},
+      {"a first line too long", FileType::kText, std::string(200, 'x'), "f.x"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    Page page;
+    ASSERT_EQ(Read(c.type, "d/f.x", c.bytes, page), Reason::kNone);
+    EXPECT_EQ(page.facts.title, c.title);
+    EXPECT_EQ(page.facts.time, 7);
+    EXPECT_EQ(page.facts.canonical, "");
+    EXPECT_EQ(page.facts.image, "");
+  }
+}
+
+TEST(ReadPage, SaysWhyAPageIsLeftOut) {
+  const struct {
+    FileType type;
+    std::string bytes;
+    Reason reason;
+  } kCases[] = {
+      {FileType::kText, std::string(100, '\x02'), Reason::kBinary},
+      {FileType::kHtml, std::string(100, '\x02'), Reason::kBinary},
+      {FileType::kHtml, "<meta name=robots content=noindex>x", Reason::kNoindex},
+      {FileType::kText, "<meta name=robots content=noindex>x", Reason::kNone},
+      {FileType::kHtml, "<p> </p>", Reason::kNoText},
+      {FileType::kText, " \n ", Reason::kNoText},
+      {FileType::kHtml, "<meta name=description content=d>", Reason::kNone},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.bytes);
+    Page page;
+    EXPECT_EQ(Read(c.type, "a", c.bytes, page), c.reason);
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer
