@@ -4,11 +4,11 @@
 #include <charconv>
 #include <limits>
 
+#include "indexer/words/lower_copy.h"
 #include "indexer/words/stored_text.h"
 #include "settings/settings.h"
 #include "text/ascii.h"
 #include "text/edit.h"
-#include "text/lower.h"
 
 namespace vela::indexer {
 
@@ -22,11 +22,6 @@ bool IsCurrencyByte(char c) {
   return c == '$' || c == ' ' || IsUpper(c) || static_cast<unsigned char>(c) >= 0x80;
 }
 
-std::string Lowered(std::string text) {
-  LowerUtf8(text.data(), text.size());
-  return text;
-}
-
 void AppendNumber(int32_t number, std::string& out) {
   auto bits = static_cast<uint32_t>(number);
   for (int i = 0; i < 4; ++i) {
@@ -37,9 +32,9 @@ void AppendNumber(int32_t number, std::string& out) {
 
 // The place of `text` in the list, without regard to case; -1 when it is not there.
 int FindListValue(const FieldRule& field, std::string_view text) {
-  const std::string wanted = Lowered(std::string(text));
+  const std::string wanted = LowerUtf8Copy(text);
   for (size_t i = 0; i < field.values.size(); ++i) {
-    if (Lowered(field.values[i]) == wanted) return static_cast<int>(i);
+    if (LowerUtf8Copy(field.values[i]) == wanted) return static_cast<int>(i);
   }
   return -1;
 }
@@ -154,7 +149,7 @@ std::string EncodeMetaValues(const std::vector<FieldRule>& fields, const IndexCh
   std::string out;
   for (const FieldRule& field : fields) {
     FieldInput in{.field = field, .charset = charset, .contents = {}, .findings = findings};
-    const std::string name = Lowered(field.meta);
+    const std::string name = LowerUtf8Copy(field.meta);
     for (const auto& [elementName, content] : elements) {
       const std::string_view text = TrimAll(content);
       if (elementName == name && !text.empty()) in.contents.push_back(text);

@@ -14,7 +14,7 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr size_t kMinBuffered = 4096;  // postings; fewer would make more runs than can be merged
+constexpr size_t kLeastBuffered = 4096;  // postings; fewer would make more runs than can be merged
 
 uint64_t SortKey(const Posting& posting) { return uint64_t{posting.word} << 32 | posting.page; }
 
@@ -44,17 +44,16 @@ PostingRuns::~PostingRuns() {
 }
 
 void PostingRuns::SetMemory(size_t memoryBytes) {
-  maxBuffered_ = std::max(kMinBuffered, memoryBytes / sizeof(Posting));
+  bufferLimit_ = std::max(kLeastBuffered, memoryBytes / sizeof(Posting));
 }
 
 void PostingRuns::Add(const Posting& posting) {
-  if (buffer_.size() >= maxBuffered_) Spill();
+  if (buffer_.size() >= bufferLimit_) Spill();
   // Grown by hand: doubling would hold twice the limit for a moment.
   if (buffer_.size() == buffer_.capacity()) {
-    buffer_.reserve(std::min(maxBuffered_, buffer_.size() + buffer_.size() / 2 + kMinBuffered));
+    buffer_.reserve(std::min(bufferLimit_, buffer_.size() + buffer_.size() / 2 + kLeastBuffered));
   }
   buffer_.push_back(posting);
-  ++count_;
 }
 
 void PostingRuns::SortBuffer() { std::ranges::sort(buffer_, {}, SortKey); }
@@ -93,7 +92,7 @@ void PostingRuns::ForEachSorted(const std::function<void(const Posting&)>& use) 
 }
 
 void PostingRuns::Merge(const std::function<void(const Posting&)>& use) {
-  const size_t window = std::clamp<size_t>(maxBuffered_ / runs_.size(), 256, 1 << 18);
+  const size_t window = std::clamp<size_t>(bufferLimit_ / runs_.size(), 256, 1 << 18);
   std::vector<RunReader> readers(runs_.size());
   const auto fill = [&](RunReader& reader) {
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(reader.left, window));

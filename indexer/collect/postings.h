@@ -47,7 +47,6 @@ class PostingRuns {
   // Calls `use` for every posting by ascending word, and page within a word. Ends the collection.
   void ForEachSorted(const std::function<void(const Posting&)>& use);
 
-  uint64_t count() const { return count_; }
   size_t runCount() const { return runs_.size(); }
 
  private:
@@ -61,9 +60,8 @@ class PostingRuns {
 
   std::filesystem::path path_;
   std::vector<Posting> buffer_;
-  size_t maxBuffered_ = 0;
+  size_t bufferLimit_ = 0;
   std::vector<Run> runs_;
-  uint64_t count_ = 0;
   uint64_t spilled_ = 0;
   int fd_ = -1;
 };

@@ -32,8 +32,8 @@ constexpr double kShortTitle = 19;
 constexpr double kTitleStep = 2;
 constexpr double kBesideTitle = 8;
 constexpr double kFullBeside = 100;
-static_assert(kMostBesideTitle + kShortTitle + kBesideTitle <= 255);
-static_assert(kRareTitle <= kMostBesideTitle);
+static_assert(kBesideTitleLimit + kShortTitle + kBesideTitle <= 255);
+static_assert(kRareTitle <= kBesideTitleLimit);
 
 // 1 for a word that only one page has, near 0 for one that is on all.
 double Rarity(const ScoreContext& context) {
@@ -62,11 +62,11 @@ uint8_t WordScore(const Posting& posting, const ScoreContext& context) {
   const double rarity = Rarity(context);
   const double page = PageScore(posting, context);
   double score = page * (kCommonShare + (1 - kCommonShare) * rarity);
-  const uint8_t most = context.inSomeTitle ? kMostBesideTitle : 255;
+  const uint8_t most = context.inSomeTitle ? kBesideTitleLimit : 255;
   score = std::max<double>(score, std::min(posting.total, most));
   if ((posting.zones & kInTitle) != 0) {
     const double elsewhere = std::max<double>(kCommonTitle + (kRareTitle - kCommonTitle) * rarity,
-                                              std::min(context.mostOnPage, kMostBesideTitle));
+                                              std::min(context.mostOnPage, kBesideTitleLimit));
     const double further = context.titleWords < 1 ? 0 : context.titleWords - 1;
     score = elsewhere + std::max(0.0, kShortTitle - kTitleStep * further) +
             kBesideTitle * std::min(1.0, page / kFullBeside);

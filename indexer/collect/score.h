@@ -28,10 +28,10 @@ struct ScoreContext {
 };
 
 // The score of a word that stands in titles keeps this much room above it (see WordScore).
-constexpr uint8_t kMostBesideTitle = 228;
+constexpr uint8_t kBesideTitleLimit = 228;
 
 // 1 to 255, and at least the number of occurrences, which is how far the phrase search looks: up to
-// 255 for a word that no title has, up to kMostBesideTitle for others. Without that room a page
+// 255 for a word that no title has, up to kBesideTitleLimit for others. Without that room a page
 // that repeats such a word hundreds of times would win against the page that is called by it.
 uint8_t WordScore(const Posting& posting, const ScoreContext& context);
 

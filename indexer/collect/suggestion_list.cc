@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "indexer/words/clean_text.h"
+#include "indexer/words/lower_copy.h"
 #include "indexer/words/symbols.h"
 #include "indexer/words/word_cut.h"
-#include "text/lower.h"
 
 namespace vela::indexer {
 
@@ -16,23 +16,17 @@ namespace {
 constexpr uint64_t kTitleWeight = 4;
 constexpr uint64_t kHeadingWeight = 2;
 constexpr uint8_t kLowestHeading = 3;
-constexpr size_t kMaxTextBytes = 100;  // more is no help in a list below a search box
-constexpr size_t kMinTextBytes = 3;
+constexpr size_t kTextLimit = 100;  // more is no help in a list below a search box
+constexpr size_t kLeastTextBytes = 3;
 
-constexpr uint32_t kMinPhrasePages = 3;
-constexpr size_t kMaxPhraseWords = 3;
-constexpr size_t kMinEdgeBytes = 4;  // of a phrase's first and last word
+constexpr uint32_t kLeastPhrasePages = 3;
+constexpr size_t kPhraseWordLimit = 3;
+constexpr size_t kLeastEdgeBytes = 4;  // of a phrase's first and last word
 
-constexpr size_t kMaxEntries = 40000;
-constexpr size_t kMaxEndings = 1000;
-constexpr size_t kMaxEdgeWords = 40000;
+constexpr size_t kEntryLimit = 40000;
+constexpr size_t kEndingLimit = 1000;
+constexpr size_t kEdgeWordLimit = 40000;
 constexpr size_t kPhrasePlaces = size_t{1} << 18;  // a power of two
-
-std::string Lowered(std::string_view text) {
-  std::string lower(text);
-  LowerUtf8(lower.data(), lower.size());
-  return lower;
-}
 
 // On one line, without what the search program would put into a script.
 std::string Offered(std::string text) {
@@ -88,8 +82,8 @@ std::string_view PlainWord(std::string_view chunk, bool& begins, bool& ends) {
 }  // namespace
 
 void SuggestionList::Add(const std::string& text, uint64_t weight, bool isPhrase) {
-  if (text.size() < kMinTextBytes || text.size() > kMaxTextBytes) return;
-  Entry& entry = entries_[Lowered(text)];
+  if (text.size() < kLeastTextBytes || text.size() > kTextLimit) return;
+  Entry& entry = entries_[LowerUtf8Copy(text)];
   if (entry.text.empty()) {
     entry.text = text;
     entry.isPhrase = isPhrase;
@@ -98,7 +92,7 @@ void SuggestionList::Add(const std::string& text, uint64_t weight, bool isPhrase
   if (entry.lastPage == page_ && isPhrase) return;
   entry.lastPage = page_;
   entry.weight += weight;
-  if (entries_.size() > kMaxEntries) DropRarest();
+  if (entries_.size() > kEntryLimit) DropRarest();
 }
 
 void SuggestionList::DropRarest() {
@@ -122,22 +116,23 @@ void SuggestionList::AddEdgeWords(const std::string& text) {
     last = word;
   }
   for (const std::string_view word : {first, last}) {
-    if (word.size() < kMinEdgeBytes || edgeWords_.size() >= kMaxEdgeWords) continue;
-    edgeWords_.insert(Lowered(word));
+    if (word.size() < kLeastEdgeBytes || edgeWords_.size() >= kEdgeWordLimit) continue;
+    edgeWords_.insert(LowerUtf8Copy(word));
   }
 }
 
 // The last `words` words as a phrase.
 void SuggestionList::AddPhrase(size_t words) {
   const size_t begin = words_.size() - words;
-  if (words_[begin].lower.size() < kMinEdgeBytes || words_.back().lower.size() < kMinEdgeBytes) {
+  if (words_[begin].lower.size() < kLeastEdgeBytes ||
+      words_.back().lower.size() < kLeastEdgeBytes) {
     return;
   }
   std::string key;
   for (size_t i = begin; i < words_.size(); ++i) {
     key.append(key.empty() ? "" : " ").append(words_[i].lower);
   }
-  if (key.size() > kMaxTextBytes) return;
+  if (key.size() > kTextLimit) return;
   const uint64_t hash = HashOf(key);
   PhraseCount& count = counts_[hash & (kPhrasePlaces - 1)];
   const auto check = static_cast<uint32_t>(hash >> 32);
@@ -151,12 +146,12 @@ void SuggestionList::AddPhrase(size_t words) {
   }
   if (count.lastPage == page_) return;
   count.lastPage = page_;
-  if (++count.pages < kMinPhrasePages) return;
+  if (++count.pages < kLeastPhrasePages) return;
   std::string text;
   for (size_t i = begin; i < words_.size(); ++i) {
     text.append(text.empty() ? "" : " ").append(words_[i].text);
   }
-  Add(text, count.pages == kMinPhrasePages ? kMinPhrasePages : 1, true);
+  Add(text, count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1, true);
 }
 
 void SuggestionList::AddPhrases(std::string_view text) {
@@ -167,8 +162,8 @@ void SuggestionList::AddPhrases(std::string_view text) {
     const std::string_view word = PlainWord(chunk, begins, ends);
     if (begins) words_.clear();
     if (word.empty()) continue;
-    if (words_.size() == kMaxPhraseWords) words_.erase(words_.begin());
-    words_.push_back({std::string(word), Lowered(word)});
+    if (words_.size() == kPhraseWordLimit) words_.erase(words_.begin());
+    words_.push_back({std::string(word), LowerUtf8Copy(word)});
     for (size_t words = 2; words <= words_.size(); ++words) AddPhrase(words);
     if (ends) words_.clear();
   }
@@ -182,7 +177,7 @@ void SuggestionList::AddPage(const PageContent& page, const std::string& title) 
   const size_t ending = EndingOf(offered);
   if (ending != offered.npos) {
     const std::string text = offered.substr(ending);
-    if (endings_.size() < kMaxEndings || endings_.contains(text)) ++endings_[text];
+    if (endings_.size() < kEndingLimit || endings_.contains(text)) ++endings_[text];
   }
   AddEdgeWords(offered.substr(0, ending));
   std::unordered_set<std::string> seen;  // a heading counts once a page
@@ -220,7 +215,7 @@ std::vector<std::string> SuggestionList::Take() {
       const std::string last = key.substr(key.rfind(' ') + 1);
       if (!edgeWords_.contains(first) || !edgeWords_.contains(last)) continue;
     }
-    Entry& into = merged[Lowered(text)];
+    Entry& into = merged[LowerUtf8Copy(text)];
     // The order of the table is not defined: of two spellings the smaller one stays.
     const bool better = into.text.empty() || (into.isPhrase && !entry.isPhrase) ||
                         (into.isPhrase == entry.isPhrase && text < into.text);

@@ -64,7 +64,7 @@ uint8_t FindOrAddVariant(Vocabulary& vocabulary, uint32_t number, std::string_vi
     ++place;
     if (TextOf(vocabulary.variants[v]) == surface) return place;
   }
-  if (word.variantCount == kMaxVariants || surface.size() > kMaxVariantBytes) return 0;
+  if (word.variantCount == kVariantCountLimit || surface.size() > kVariantBytesLimit) return 0;
   const auto added = static_cast<uint32_t>(vocabulary.variants.size());
   Variant variant;
   variant.text = KeepText(vocabulary, surface);

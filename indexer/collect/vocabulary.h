@@ -13,8 +13,8 @@
 namespace vela::indexer {
 
 constexpr uint32_t kNone32 = 0xFFFFFFFF;
-constexpr size_t kMaxVariants = 255;      // of a word: the token's last byte numbers them
-constexpr size_t kMaxVariantBytes = 126;  // each
+constexpr size_t kVariantCountLimit = 255;  // of a word: the token's last byte numbers them
+constexpr size_t kVariantBytesLimit = 126;  // each
 
 struct Variant {
   const char* text = nullptr;  // owned by the vocabulary
@@ -47,7 +47,7 @@ struct Vocabulary {
   size_t blockUsed = 0;
 };
 
-// The number of `base` (at most kMaxWordBytes bytes), which is added when it is new.
+// The number of `base` (at most kWordBytesLimit bytes), which is added when it is new.
 uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base);
 
 // The variant byte of `surface` for this word: 0 for the word itself, its place from 1 on among the

@@ -10,7 +10,7 @@
 #include <memory>
 
 #include "indexer/words/clean_text.h"
-#include "indexer/words/lower_ascii.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 

@@ -12,8 +12,7 @@
 
 #include "indexer/extract/markup_limits.h"
 #include "indexer/words/clean_text.h"
-#include "indexer/words/lower_ascii.h"
-#include "text/lower.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -21,8 +20,8 @@ namespace {
 
 // Nodes of a page take ten to thirty times the markup; a page that makes the parser repeat elements
 // without end is given up here.
-constexpr size_t kMaxTreeFactor = 60;
-constexpr size_t kMinTreeBytes = size_t{64} << 20;
+constexpr size_t kTreeFactorLimit = 60;
+constexpr size_t kLeastTreeBytes = size_t{64} << 20;
 
 // Memory of one parse, freed as a whole: the tree is never walked to free it, as that is recursive.
 struct Arena {
@@ -222,8 +221,7 @@ bool ReadMeta(const GumboElement& element, PageContent& page) {
   if (content == nullptr) return true;
   const char* given = Attribute(element, "name");
   if (given == nullptr || *given == '\0') given = Attribute(element, "property");
-  std::string name(given == nullptr ? "" : given);
-  LowerUtf8(name.data(), name.size());  // the owner's fields may have any name
+  std::string name = LowerUtf8Copy(given == nullptr ? "" : given);  // fields may have any name
   if (name == "robots" || name == "velabot") {
     const std::string rules = LowerAscii(content);
     if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) return false;
@@ -354,7 +352,7 @@ Reason ParseHtmlPage(std::string_view html, PageContent& page) {
   page = PageContent();
   if (const Reason reason = CheckMarkup(html); reason != Reason::kNone) return reason;
   const auto arena = std::make_unique<Arena>();
-  arena->limit = kMinTreeBytes + html.size() * kMaxTreeFactor;
+  arena->limit = kLeastTreeBytes + html.size() * kTreeFactorLimit;
   const GumboOutput* tree = Parse(*arena, html);
   if (tree == nullptr) return Reason::kMarkupTooLarge;
   if (!ReadHeadElements(tree->root, page)) return Reason::kNoindex;

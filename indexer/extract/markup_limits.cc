@@ -5,7 +5,7 @@
 #include <map>
 #include <span>
 
-#include "indexer/words/lower_ascii.h"
+#include "indexer/words/lower_copy.h"
 #include "text/ascii.h"
 
 namespace vela::indexer {
@@ -14,9 +14,9 @@ namespace {
 
 // Elements whose end tag no page leaves out; deeper nesting than this makes the parser, which looks
 // through its open elements at every tag, slow beyond use.
-constexpr int32_t kMaxDepth = 2000;
+constexpr int32_t kDepthLimit = 2000;
 // The parser compares each attribute of a tag with all before it.
-constexpr size_t kMaxAttributes = 2000;
+constexpr size_t kAttributeLimit = 2000;
 
 constexpr std::string_view kTagBlanks = " \t\n\r\f";
 
@@ -216,13 +216,13 @@ Reason CheckMarkup(std::string_view html) {
     }
     const Tag tag = ReadTag(html, nameAt, closes);
     at = tag.end;
-    if (tag.attributes > kMaxAttributes) return Reason::kMarkupTooLarge;
+    if (tag.attributes > kAttributeLimit) return Reason::kMarkupTooLarge;
     if (closes) {
       open.End(tag.name);
     } else if (Begin(tag, open)) {
       at = EndOfRawText(html, at, tag.name);
     }
-    if (open.depth > kMaxDepth) return Reason::kMarkupTooDeep;
+    if (open.depth > kDepthLimit) return Reason::kMarkupTooDeep;
   }
   return Reason::kNone;
 }

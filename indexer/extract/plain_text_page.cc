@@ -5,7 +5,7 @@
 namespace vela::indexer {
 
 namespace {
-constexpr size_t kLongestTitle = 120;  // bytes; a longer first line is a paragraph
+constexpr size_t kTitleLimit = 120;  // bytes; a longer first line is a paragraph
 }
 
 void ParsePlainTextPage(const std::string& text, PageContent& page) {
@@ -13,7 +13,7 @@ void ParsePlainTextPage(const std::string& text, PageContent& page) {
   const size_t begin = text.find_first_not_of(" \t\r\n\f\v#=*");
   if (begin != text.npos) {
     const size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-    if (end - begin <= kLongestTitle) {
+    if (end - begin <= kTitleLimit) {
       page.title = text.substr(begin, end - begin);
       CleanText(page.title);
       page.title = CollapseBlanks(page.title);

@@ -11,9 +11,9 @@ namespace vela::indexer {
 namespace {
 
 // The most that the format allows, in characters.
-constexpr size_t kMaxShortName = 16;
-constexpr size_t kMaxLongName = 48;
-constexpr size_t kMaxDescription = 1024;
+constexpr size_t kShortNameLimit = 16;
+constexpr size_t kLongNameLimit = 48;
+constexpr size_t kDescriptionLimit = 1024;
 
 std::string FirstCharacters(std::string_view text, size_t most) {
   size_t at = 0;
@@ -66,9 +66,9 @@ std::string OpenSearchDocument(const SiteConfig& config, bool suggestions,
   const std::string& address = config.searchAddress;
   std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
   text += "<OpenSearchDescription xmlns=\"http://a9.com/-/spec/opensearch/1.1/\">\n";
-  text += Element("ShortName", FirstCharacters(config.searchName, kMaxShortName));
-  text += Element("LongName", FirstCharacters(config.searchName, kMaxLongName));
-  text += Element("Description", FirstCharacters(config.searchDescription, kMaxDescription));
+  text += Element("ShortName", FirstCharacters(config.searchName, kShortNameLimit));
+  text += Element("LongName", FirstCharacters(config.searchName, kLongNameLimit));
+  text += Element("Description", FirstCharacters(config.searchDescription, kDescriptionLimit));
   text += UrlElement(address, {"text/html", "results", kPages});
   text += UrlElement(address,
                      {"application/rss+xml", "results", "&amp;vela_xml=1" + std::string(kPages)});
@@ -88,11 +88,11 @@ void AddXmlSettings(const std::string& siteAddress, SiteConfig& config) {
     if (!config.searchName.empty()) config.searchDescription += " " + config.searchName;
   }
   if (config.searchName.empty()) config.searchName = "Search";
-  constexpr size_t kMostTitle = 1000;
-  constexpr size_t kMostDescription = 1900;
+  constexpr size_t kXmlTitleLimit = 1000;
+  constexpr size_t kXmlDescriptionLimit = 1900;
   const IndexCharset utf8;  // texts of settings are brought into the character set at the end
-  SetText("XMLTitle", StoredText(config.searchName, kMostTitle, utf8), config);
-  SetText("XMLDesc", StoredText(config.searchDescription, kMostDescription, utf8), config);
+  SetText("XMLTitle", StoredText(config.searchName, kXmlTitleLimit, utf8), config);
+  SetText("XMLDesc", StoredText(config.searchDescription, kXmlDescriptionLimit, utf8), config);
   SetText("XMLURL", StoredAddress(address), config);
   SetText("XMLXSLTURL", StoredAddress(config.styleSheet), config);
   if (!config.searchAddress.empty()) {

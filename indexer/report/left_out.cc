@@ -10,14 +10,6 @@ void AddLeftOut(LeftOut& leftOut, Reason reason, const std::string& example,
   if (group.examples.size() < LeftOut::kExampleLimit) group.examples.push_back(example);
 }
 
-uint64_t CountLeftOut(const LeftOut& leftOut, Reason reason) {
-  uint64_t count = 0;
-  for (const auto& [key, group] : leftOut.groups) {
-    if (key.reason == reason) count += group.count;
-  }
-  return count;
-}
-
 std::map<std::string, const LeftOut::Group*> GroupsByText(const LeftOut& leftOut) {
   std::map<std::string, const LeftOut::Group*> groups;
   for (const auto& [key, group] : leftOut.groups) {

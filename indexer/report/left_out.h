@@ -32,9 +32,6 @@ struct LeftOut {
 void AddLeftOut(LeftOut& leftOut, Reason reason, const std::string& example,
                 std::string_view where = {});
 
-// How many were left out for this reason, in all fields.
-uint64_t CountLeftOut(const LeftOut& leftOut, Reason reason);
-
 // The groups under their texts, in the order of those.
 std::map<std::string, const LeftOut::Group*> GroupsByText(const LeftOut& leftOut);
 

@@ -8,7 +8,7 @@
 
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
-#include "indexer/words/lower_ascii.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "indexer/report/index_error.h"
-#include "indexer/words/lower_ascii.h"
+#include "indexer/words/lower_copy.h"
 #include "indexer/words/symbols.h"
 #include "text/lower.h"
 

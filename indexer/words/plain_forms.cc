@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
+#include "indexer/words/lower_copy.h"
 #include "indexer/words/symbols.h"
-#include "text/lower.h"
 
 namespace vela::indexer {
 
@@ -83,6 +83,24 @@ bool HasOptionalMarks(char32_t c) {
          c == 0x401 || c == 0x451;
 }
 
+// `letter`, the character `c` in UTF-8, without its marks, where they may be left out.
+std::string WithoutMarks(char32_t c, std::string letter, const icu::Normalizer2& nfd) {
+  if (const std::string_view pair = PlainPair(c); !pair.empty()) return std::string(pair);
+  if (!HasOptionalMarks(c)) return letter;
+  icu::UnicodeString parts;
+  if (PlainLetter(c) != c) {
+    parts = static_cast<UChar32>(PlainLetter(c));
+  } else if (!nfd.getDecomposition(static_cast<UChar32>(c), parts)) {
+    parts = static_cast<UChar32>(c);
+  }
+  std::string plain;
+  for (int32_t k = 0; k < parts.length(); k = parts.moveIndex32(k, 1)) {
+    const UChar32 part = parts.char32At(k);
+    if (u_charType(part) != U_NON_SPACING_MARK) icu::UnicodeString(part).toUTF8String(plain);
+  }
+  return plain;
+}
+
 }  // namespace
 
 std::vector<std::string> PlainForms(std::string_view surface) {
@@ -98,34 +116,19 @@ std::vector<std::string> PlainForms(std::string_view surface) {
   for (size_t i = 0; i < surface.size();) {
     size_t length = 0;
     const char32_t c = DecodeCharacter(surface, i, length);
-    std::string letter(surface.substr(i, length));
-    withoutSharpS += c == 0x00DF || c == 0x1E9E ? "ss" : letter;
+    const std::string letter(surface.substr(i, length));
     i += length;
-    std::string spelled(WrittenOut(c));
-    if (const std::string_view pair = PlainPair(c); !pair.empty()) {
-      letter = pair;
-    } else if (HasOptionalMarks(c)) {
-      icu::UnicodeString parts;
-      if (PlainLetter(c) != c) {
-        parts = static_cast<UChar32>(PlainLetter(c));
-      } else if (!nfd->getDecomposition(static_cast<UChar32>(c), parts)) {
-        parts = static_cast<UChar32>(c);
-      }
-      letter.clear();
-      for (int32_t k = 0; k < parts.length(); k = parts.moveIndex32(k, 1)) {
-        const UChar32 part = parts.char32At(k);
-        if (u_charType(part) != U_NON_SPACING_MARK) icu::UnicodeString(part).toUTF8String(letter);
-      }
-    }
-    plain += letter;
-    written += spelled.empty() ? letter : spelled;
+    withoutSharpS += c == 0x00DF || c == 0x1E9E ? "ss" : letter;
+    const std::string bare = WithoutMarks(c, letter, *nfd);
+    const std::string_view spelled = WrittenOut(c);
+    plain += bare;
+    written += spelled.empty() ? bare : spelled;
   }
-  std::string lower(surface);
-  LowerUtf8(lower.data(), lower.size());
+  const std::string lower = LowerUtf8Copy(surface);
   std::vector<std::string> forms;
-  for (std::string* form : {&plain, &written, &withoutSharpS}) {
-    LowerUtf8(form->data(), form->size());
-    if (*form != lower && std::ranges::find(forms, *form) == forms.end()) forms.push_back(*form);
+  for (const std::string& form :
+       {LowerUtf8Copy(plain), LowerUtf8Copy(written), LowerUtf8Copy(withoutSharpS)}) {
+    if (form != lower && std::ranges::find(forms, form) == forms.end()) forms.push_back(form);
   }
   return forms;
 }

@@ -22,7 +22,7 @@ void AppendSafe(char32_t c, const TextStyle& style, std::string& out) {
   }
 }
 
-std::string Stored(std::string_view text, size_t maxBytes, const TextStyle& style) {
+std::string Stored(std::string_view text, size_t limit, const TextStyle& style) {
   std::string ellipsis;
   AppendSafe(kEllipsis, style, ellipsis);
   std::string out;
@@ -32,13 +32,13 @@ std::string Stored(std::string_view text, size_t maxBytes, const TextStyle& styl
     size_t length = 0;
     const char32_t c = DecodeCharacter(text, i, length);
     i += length;
-    if (out.size() + ellipsis.size() <= maxBytes) {
+    if (out.size() + ellipsis.size() <= limit) {
       characterEnd = out.size();
       if (c <= 0x20) wordEnd = out.size();
     }
     AppendSafe(c <= 0x20 ? U' ' : c, style, out);
-    if (out.size() > maxBytes) {
-      out.resize(wordEnd > maxBytes / 2 ? wordEnd : characterEnd);
+    if (out.size() > limit) {
+      out.resize(wordEnd > limit / 2 ? wordEnd : characterEnd);
       return out += ellipsis;
     }
   }
@@ -47,16 +47,16 @@ std::string Stored(std::string_view text, size_t maxBytes, const TextStyle& styl
 
 }  // namespace
 
-std::string StoredText(std::string_view text, size_t maxBytes, const IndexCharset& charset) {
-  return Stored(text, maxBytes, {kUnsafeAnywhere, charset});
+std::string StoredText(std::string_view text, size_t limit, const IndexCharset& charset) {
+  return Stored(text, limit, {kUnsafeAnywhere, charset});
 }
 
 std::string StoredText(std::string_view text, const IndexCharset& charset) {
   return StoredText(text, std::string::npos / 2, charset);
 }
 
-std::string StoredElementText(std::string_view text, size_t maxBytes, const IndexCharset& charset) {
-  return Stored(text, maxBytes, {kUnsafeBetweenTags, charset});
+std::string StoredElementText(std::string_view text, size_t limit, const IndexCharset& charset) {
+  return Stored(text, limit, {kUnsafeBetweenTags, charset});
 }
 
 }  // namespace vela::indexer

@@ -12,7 +12,7 @@ namespace vela::indexer {
 namespace {
 
 // More signs in a row than this are a ruler or a drawing, not text.
-constexpr size_t kMaxSignsInARow = 4;
+constexpr size_t kSignRunLimit = 4;
 
 // A cut of one chunk under way.
 struct ChunkCut {
@@ -45,7 +45,7 @@ void WriteSigns(ChunkCut& cut, size_t end, SymbolForm first, SymbolForm others) 
   size_t written = 0;
   for (; cut.next < end; ++cut.next) {
     const CharacterClass kind = cut.out.characters[cut.next].kind;
-    if (kind.kind != CharacterKind::kSymbol || written == kMaxSignsInARow) continue;
+    if (kind.kind != CharacterKind::kSymbol || written == kSignRunLimit) continue;
     TextToken token;
     token.reserved = ReservedNumber(kind.symbol, written == 0 ? first : others);
     cut.out.tokens.push_back(token);
@@ -57,7 +57,7 @@ void WriteSigns(ChunkCut& cut, size_t end, SymbolForm first, SymbolForm others) 
 // colon stays only in a restriction to a site; and "<" and ">" are kept out of the dictionary,
 // whose words are shown as they stand.
 bool IsFindable(std::string_view form) {
-  return !form.empty() && form.size() <= kMaxWordBytes &&
+  return !form.empty() && form.size() <= kWordBytesLimit &&
          form.find_first_of("\"*?:<>") == form.npos;
 }
 
@@ -89,7 +89,7 @@ void ForEachPart(const ChunkCut& cut, size_t first, size_t last, Use use) {
 void WriteWord(ChunkCut& cut, size_t first, size_t last) {
   const size_t begin = ByteAt(cut, first);
   const size_t length = ByteAt(cut, last) - begin;
-  if (length > kMaxWordBytes) {
+  if (length > kWordBytesLimit) {
     const auto words =
         std::ranges::count_if(cut.out.characters.begin() + static_cast<ptrdiff_t>(first),
                               cut.out.characters.begin() + static_cast<ptrdiff_t>(last), IsWord);
@@ -288,7 +288,7 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
   out.lower.assign(chunk);
   LowerUtf8(out.lower.data(), out.lower.size());
   if (std::ranges::all_of(chunk, IsAlphaNumeric)) {
-    if (chunk.size() <= kMaxWordBytes) out.tokens.push_back({0, out.lower, out.surface});
+    if (chunk.size() <= kWordBytesLimit) out.tokens.push_back({0, out.lower, out.surface});
     return;
   }
   ClassifyChunk(out);

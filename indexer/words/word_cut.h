@@ -24,7 +24,7 @@ namespace vela::indexer {
 constexpr std::string_view kWordJoinChars = ".-_";
 
 // Longer words are no words: they are neither stored nor found, only their parts are.
-constexpr size_t kMaxWordBytes = 120;
+constexpr size_t kWordBytesLimit = 120;
 
 struct TextToken {
   uint32_t reserved = 0;     // a sign; 0 for a word

@@ -6,7 +6,7 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr size_t kMaxStoredBytes = 250;  // of a word in the vocabulary
+constexpr size_t kStoredBytesLimit = 250;  // of a word in the vocabulary
 constexpr int32_t kHungarian = 6;
 constexpr int32_t kRomanian = 11;
 constexpr int32_t kRussian = 12;
@@ -50,14 +50,14 @@ std::string_view WordForms::Stemmed(std::string_view word) {
   Set(stem_, word);
   stemmer_.StemWord(stem_);
   const std::string_view stem = View(stem_);
-  return stem.size() <= kMaxStoredBytes ? stem : word;
+  return stem.size() <= kStoredBytesLimit ? stem : word;
 }
 
 std::string_view WordForms::Base(std::string_view lower) {
   if (charset_.utf8()) return Stemmed(lower);
   if (charset_.Exactly(lower, base_)) return Stemmed(base_);
   base_ = charset_.WithReferences(lower);
-  if (base_.size() > kMaxStoredBytes) base_.clear();
+  if (base_.size() > kStoredBytesLimit) base_.clear();
   return base_;
 }
 

@@ -17,7 +17,7 @@ class WordForms {
   // is no such stemmer for the character set. `charset` must outlive the record.
   WordForms(const IndexCharset& charset, int32_t stemming);
 
-  // The dictionary's word for a lower-cased one (at most kMaxWordBytes bytes): its stem, in the
+  // The dictionary's word for a lower-cased one (at most kWordBytesLimit bytes): its stem, in the
   // character set. A word with characters that the set lacks is written with references, which no
   // query finds but a snippet shows; it is empty when that grows too long. The view holds until the
   // next call of Base or FoundBase.

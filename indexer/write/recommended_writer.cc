@@ -15,6 +15,8 @@ namespace vela::indexer {
 
 namespace {
 
+constexpr size_t kKeywordBytesLimit = 500;  // of one line
+
 // One keyword as a query that says the same would be compared with it.
 std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
   std::string text(keyword);
@@ -57,7 +59,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
       continue;
     }
     const std::string keywords = QueryForms(rule.keywords, charset);
-    if (keywords.empty() || keywords.size() > kMostKeywordBytes) {
+    if (keywords.empty() || keywords.size() > kKeywordBytesLimit) {
       sizes.unused.push_back({keywords.empty() ? Reason::kNoKeyword : Reason::kKeywordsTooLong,
                               rule.where, rule.address});
       continue;

@@ -13,8 +13,6 @@
 
 namespace vela::indexer {
 
-constexpr size_t kMostKeywordBytes = 500;
-
 struct RecommendedSizes {
   uint64_t entries = 0;  // NumRecommended
   uint64_t fileBytes = 0;

@@ -31,7 +31,7 @@ TEST(WordScore, IsAtLeastTheNumberOfOccurrences) {
   }
   context.inSomeTitle = true;
   EXPECT_EQ(WordScore(Occurs(227), context), 227);
-  EXPECT_EQ(WordScore(Occurs(255), context), kMostBesideTitle);
+  EXPECT_EQ(WordScore(Occurs(255), context), kBesideTitleLimit);
 }
 
 TEST(WordScore, GrowsWithWhatItCounts) {

@@ -207,7 +207,7 @@ TEST(BuildIndex, HonoursCanonicalAddresses) {
             "https://x.example/pretty?x=1&amp;y=2|d.html|||\n"
             "https://x.example/f.html|f.html|||\n"
             "https://x.example/other/i|h.html|||\n");
-  EXPECT_EQ(CountLeftOut(summary.files, Reason::kCopy), 2u);
+  EXPECT_EQ(summary.files.groups.at({"", Reason::kCopy}).count, 2u);
 }
 
 TEST(BuildIndex, ACanonicalAddressMayBeSpelledInManyWays) {
@@ -219,7 +219,7 @@ TEST(BuildIndex, ACanonicalAddressMayBeSpelledInManyWays) {
   site.Add("copy3.html", "<link rel=canonical href=\"bike's.html\">copy");
   const IndexSummary summary = site.Build();
   EXPECT_EQ(summary.pages, 2u);
-  EXPECT_EQ(CountLeftOut(summary.files, Reason::kCopy), 3u);
+  EXPECT_EQ(summary.files.groups.at({"", Reason::kCopy}).count, 3u);
 }
 
 TEST(BuildIndex, OneOfPagesThatNameEachOtherStays) {
@@ -320,7 +320,7 @@ TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
   site.Add(folder + "b.html", "text");
   const IndexSummary summary = site.Build();
   EXPECT_EQ(summary.pages, 1u);
-  EXPECT_EQ(CountLeftOut(summary.files, Reason::kAddressTooLong), 1u);
+  EXPECT_EQ(summary.files.groups.at({"", Reason::kAddressTooLong}).count, 1u);
 }
 
 TEST(BuildIndex, NothingStoredCanBecomeMarkup) {

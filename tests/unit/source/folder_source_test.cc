@@ -74,7 +74,7 @@ TEST(FolderSource, FollowsNoSymbolicLink) {
   fs::create_symlink("nowhere", site.folder / "dangling.png");
   const Walk walk = WalkOf(site);
   EXPECT_EQ(walk.paths, std::vector<std::string>{"a.html html"});
-  EXPECT_EQ(CountLeftOut(walk.leftOut, Reason::kSymbolicLink), 4u);
+  EXPECT_EQ(walk.leftOut.groups.at({"", Reason::kSymbolicLink}).count, 4u);
 }
 
 TEST(FolderSource, TakesOnlyRegularFiles) {

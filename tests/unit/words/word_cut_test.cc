@@ -121,7 +121,7 @@ TEST(WordCut, CutsChunks) {
 }
 
 TEST(WordCut, LongWordsAreFoundByTheirParts) {
-  const std::string word(kMaxWordBytes, 'a');
+  const std::string word(kWordBytesLimit, 'a');
   EXPECT_EQ(Cut(word), word);
   EXPECT_EQ(Cut(word + "a"), "");
   EXPECT_EQ(Cut(word + ".b"), word + " n. b");
@@ -237,7 +237,7 @@ TEST(WordCut, SurvivesAnyBytes) {
     for (const TextToken& token : cut.tokens) {
       ASSERT_LE(token.reserved, ReservedLimits().limit);
       ASSERT_EQ(token.base.size(), token.surface.size());
-      ASSERT_LE(token.base.size(), kMaxWordBytes);
+      ASSERT_LE(token.base.size(), kWordBytesLimit);
     }
   }
 }
