@@ -10,22 +10,23 @@ namespace vela::indexer {
 
 namespace {
 
-// The bytes as UTF-8; they are freed, so that a large page is not held twice.
-Reason Decode(std::string bytes, bool isHtml, std::string& text) {
-  return ConvertToUtf8(bytes, isHtml, text);
-}
+// The bytes are given up before the text is parsed, so that a large page is not held twice.
 
 Reason ReadHtml(std::string bytes, PageContent& content) {
   std::string text;
-  const Reason reason = Decode(std::move(bytes), true, text);
-  return reason != Reason::kNone ? reason : ParseHtmlPage(text, content);
+  const Reason reason = ConvertToUtf8(bytes, true, text);
+  if (reason != Reason::kNone) return reason;
+  bytes = {};
+  return ParseHtmlPage(text, content);
 }
 
 Reason ReadPlainText(std::string bytes, PageContent& content) {
   std::string text;
-  const Reason reason = Decode(std::move(bytes), false, text);
-  if (reason == Reason::kNone) ParsePlainTextPage(text, content);
-  return reason;
+  const Reason reason = ConvertToUtf8(bytes, false, text);
+  if (reason != Reason::kNone) return reason;
+  bytes = {};
+  ParsePlainTextPage(text, content);
+  return Reason::kNone;
 }
 
 struct TypeReader {
