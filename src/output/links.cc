@@ -29,7 +29,7 @@ void AppendMetaField(LinkText& out, const MetaFieldDef& field, const MetaValue& 
     }
     return;
   }
-  FixedText<LinkText::kCapacity> encoded;
+  LinkText encoded;
   UrlEncode(value.text, encoded.bytes, sizeof encoded.bytes);
   Appendf(out, "&amp;%s=%s", field.name.bytes, encoded.bytes);
 }

@@ -13,7 +13,7 @@ namespace vela {
 template <size_t N>
 struct FixedText {
   static_assert(N > 0);
-  static constexpr size_t kCapacity = N;
+  static constexpr size_t kCapacity = N - 1;  // bytes that can be kept
   char bytes[N] = {};
 };
 

@@ -53,10 +53,10 @@ class RequestParamsTest : public testing::Test {
 };
 
 TEST_F(RequestParamsTest, FieldsHoldTheLongestTexts) {
-  static_assert(QueryText::kCapacity == 2086);
-  static_assert(decltype(RequestParams::RemoteAddr)::kCapacity == 32);
-  static_assert(decltype(RequestParams::DateFrom)::kCapacity == 15);
-  static_assert(decltype(RequestParams::DateTo)::kCapacity == 17);
+  static_assert(QueryText::kCapacity == 2085);
+  static_assert(decltype(RequestParams::RemoteAddr)::kCapacity == 31);
+  static_assert(decltype(RequestParams::DateFrom)::kCapacity == 14);
+  static_assert(decltype(RequestParams::DateTo)::kCapacity == 16);
   static_assert(kNotGiven == -1001);
 }
 

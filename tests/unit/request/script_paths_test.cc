@@ -15,9 +15,9 @@ namespace vela {
 namespace {
 
 TEST(ScriptPaths, FieldsHoldTheLongestTexts) {
-  static_assert(decltype(ScriptPaths::ScriptFileName)::kCapacity == 2048);
-  static_assert(decltype(ScriptPaths::ScriptDirectory)::kCapacity == 512);
-  static_assert(decltype(ScriptPaths::ScriptUrl)::kCapacity == 2048);
+  static_assert(decltype(ScriptPaths::ScriptFileName)::kCapacity == 2047);
+  static_assert(decltype(ScriptPaths::ScriptDirectory)::kCapacity == 511);
+  static_assert(decltype(ScriptPaths::ScriptUrl)::kCapacity == 2047);
 }
 
 TEST(ScriptPaths, APathWithoutSeparatorTakesTheWorkingDirectory) {

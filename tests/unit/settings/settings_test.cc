@@ -8,25 +8,25 @@ namespace vela {
 namespace {
 
 TEST(Settings, FieldsHoldTheLongestValues) {
-  // Bytes with the terminator.
-  static_assert(decltype(Settings::Charset)::kCapacity == 1024);
-  static_assert(decltype(Settings::DatePickerPath)::kCapacity == 2084);
-  static_assert(decltype(Settings::Version)::kCapacity == 1024);
-  static_assert(decltype(Settings::LogFileName)::kCapacity == 256);
-  static_assert(decltype(Settings::LinkTarget)::kCapacity == 2048);
-  static_assert(decltype(Settings::WordJoinChars)::kCapacity == 1024);
-  static_assert(decltype(Settings::LinkBackURL)::kCapacity == 2048);
-  static_assert(decltype(Settings::XMLTitle)::kCapacity == 1025);
-  static_assert(decltype(Settings::XMLDesc)::kCapacity == 2001);
-  static_assert(decltype(Settings::XMLURL)::kCapacity == 2084);
-  static_assert(decltype(Settings::XMLXSLTURL)::kCapacity == 2084);
-  static_assert(decltype(Settings::XMLOpenSearchDescURL)::kCapacity == 2084);
-  static_assert(decltype(Settings::MetaMoneyCurrency)::kCapacity == 64);
-  static_assert(decltype(MetaFieldDef::name)::kCapacity == 104);
-  static_assert(decltype(MetaFieldDef::label)::kCapacity == 101);
-  static_assert(decltype(MetaFieldDef::extraText)::kCapacity == 103);
-  static_assert(decltype(AccentPair::accent)::kCapacity == 10);
-  static_assert(decltype(AccentPair::normal)::kCapacity == 5);
+  // Bytes that can be kept.
+  static_assert(decltype(Settings::Charset)::kCapacity == 1023);
+  static_assert(decltype(Settings::DatePickerPath)::kCapacity == 2083);
+  static_assert(decltype(Settings::Version)::kCapacity == 1023);
+  static_assert(decltype(Settings::LogFileName)::kCapacity == 255);
+  static_assert(decltype(Settings::LinkTarget)::kCapacity == 2047);
+  static_assert(decltype(Settings::WordJoinChars)::kCapacity == 1023);
+  static_assert(decltype(Settings::LinkBackURL)::kCapacity == 2047);
+  static_assert(decltype(Settings::XMLTitle)::kCapacity == 1024);
+  static_assert(decltype(Settings::XMLDesc)::kCapacity == 2000);
+  static_assert(decltype(Settings::XMLURL)::kCapacity == 2083);
+  static_assert(decltype(Settings::XMLXSLTURL)::kCapacity == 2083);
+  static_assert(decltype(Settings::XMLOpenSearchDescURL)::kCapacity == 2083);
+  static_assert(decltype(Settings::MetaMoneyCurrency)::kCapacity == 63);
+  static_assert(decltype(MetaFieldDef::name)::kCapacity == 103);
+  static_assert(decltype(MetaFieldDef::label)::kCapacity == 100);
+  static_assert(decltype(MetaFieldDef::extraText)::kCapacity == 102);
+  static_assert(decltype(AccentPair::accent)::kCapacity == 9);
+  static_assert(decltype(AccentPair::normal)::kCapacity == 4);
 }
 
 TEST(Settings, WordsFoldForAnyNumberButZero) {

@@ -17,7 +17,7 @@ TEST(FixedText, StartsEmpty) {
   const Text8 t;
   EXPECT_TRUE(IsEmpty(t));
   EXPECT_EQ(View(t), "");
-  EXPECT_EQ(Text8::kCapacity, 8u);
+  EXPECT_EQ(Text8::kCapacity, 7u);
 }
 
 TEST(FixedText, SetKeepsAtMostOneByteLessThanItsSize) {
