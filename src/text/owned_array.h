@@ -7,11 +7,9 @@
 #include <type_traits>
 #include <utility>
 
-namespace vela {
+#include "text/allocation.h"
 
-// Makes the n-th further TryAllocate of the process fail (1 = the next one); 0 switches it off.
-// For tests of the out-of-memory paths only.
-inline int32_t g_failAllocationNumber = 0;
+namespace vela {
 
 // A block of `count` zero-filled elements, freed with its owner. Move-only.
 template <typename T>
@@ -40,10 +38,9 @@ class OwnedArray {
     free(data_);
     data_ = nullptr;
     count_ = 0;
-    if (g_failAllocationNumber > 0 && --g_failAllocationNumber == 0) return false;
     if (count == 0) return true;
     if (count > SIZE_MAX / sizeof(T)) return false;
-    data_ = static_cast<T*>(calloc(count, sizeof(T)));
+    data_ = static_cast<T*>(AllocateZeroed(count, sizeof(T)));
     if (data_ == nullptr) return false;
     count_ = count;
     return true;
@@ -52,9 +49,8 @@ class OwnedArray {
   // Resizes the block, keeping what fits; new elements are not initialised. On failure the block
   // stays as it was.
   [[nodiscard]] bool TryResize(size_t count) {
-    if (g_failAllocationNumber > 0 && --g_failAllocationNumber == 0) return false;
     if (count == 0 || count > SIZE_MAX / sizeof(T)) return false;
-    void* grown = realloc(data_, count * sizeof(T));
+    void* grown = ResizeAllocation(data_, count * sizeof(T));
     if (grown == nullptr) return false;
     data_ = static_cast<T*>(grown);
     count_ = count;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "support/failing_allocation.h"
 #include "support/loaded_site.h"
 
 namespace vela {

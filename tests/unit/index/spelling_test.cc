@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "support/failing_allocation.h"
 #include "support/loaded_site.h"
 
 namespace vela {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "search/query.h"
+#include "support/failing_allocation.h"
 #include "support/loaded_site.h"
 
 namespace vela {

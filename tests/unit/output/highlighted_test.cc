@@ -5,6 +5,7 @@
 #include <string>
 
 #include "search/query.h"
+#include "support/failing_allocation.h"
 
 namespace vela {
 namespace {

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/failing_allocation.h"
 #include "unit/request/fake_request.h"
 
 namespace vela {

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "request/search_context.h"
+#include "support/failing_allocation.h"
 #include "support/scratch_directory.h"
 #include "unit/request/fake_request.h"
 #include "unit/settings/language_lines.h"

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/failing_allocation.h"
 #include "unit/request/fake_request.h"
 
 namespace vela {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "support/failing_allocation.h"
+
 namespace vela {
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "support/failing_allocation.h"
 #include "support/loaded_site.h"
 
 namespace vela {

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/failing_allocation.h"
+
 namespace vela {
 namespace {
 

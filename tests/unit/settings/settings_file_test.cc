@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "support/failing_allocation.h"
 #include "support/scratch_directory.h"
 #include "unit/settings/language_lines.h"
 

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "support/failing_allocation.h"
 #include "text/owned_array.h"
 
 namespace vela {

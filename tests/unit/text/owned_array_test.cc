@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "support/failing_allocation.h"
+
 namespace vela {
 namespace {
 

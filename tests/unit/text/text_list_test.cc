@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include "support/failing_allocation.h"
+
 namespace vela {
 namespace {
 
