@@ -3,10 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
-
-#include "text/numbers.h"
 
 namespace vela {
 
@@ -47,7 +44,16 @@ int32_t GrowText::AppendFormatted(const char* format, va_list arguments) {
   char scratch[kFormattedLimit + 1];
   const int32_t formatted = vsnprintf(scratch, sizeof scratch, format, arguments);
   if (formatted < 0) return -1;
-  const int64_t needed = int64_t{length_} + formatted;
+  return Put({scratch, static_cast<size_t>(std::min(formatted, kFormattedLimit))}, formatted);
+}
+
+int32_t GrowText::AppendRaw(std::string_view text) {
+  if (text_ == nullptr || text.size() > INT32_MAX) return -1;
+  return Put(text.substr(0, kFormattedLimit), static_cast<int32_t>(text.size()));
+}
+
+int32_t GrowText::Put(std::string_view kept, int32_t asked) {
+  const int64_t needed = int64_t{length_} + asked;
   if (needed >= capacity_) {
     int64_t grown = int64_t{capacity_} + capacity_ / 2;
     if (needed > grown) grown = needed + 1;
@@ -58,12 +64,11 @@ int32_t GrowText::AppendFormatted(const char* format, va_list arguments) {
     text_ = text;
     capacity_ = static_cast<int32_t>(grown);
   }
-  const auto kept = static_cast<size_t>(std::min(formatted, kFormattedLimit));
-  memcpy(text_ + textLength_, scratch, kept);
-  textLength_ += kept;
+  kept.copy(text_ + textLength_, kept.size());
+  textLength_ += kept.size();
   text_[textLength_] = '\0';
   length_ = static_cast<int32_t>(needed);
-  return formatted;
+  return asked;
 }
 
 void GrowText::Clear() {

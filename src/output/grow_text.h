@@ -7,7 +7,7 @@
 
 namespace vela {
 
-// One formatted write keeps at most this many bytes; the rest is cut.
+// One write keeps at most this many bytes, formatted or raw; the rest is cut.
 inline constexpr int32_t kFormattedLimit = 10239;
 
 // Owns `text`, NUL-terminated, or null before TryCreate and after a release. Move-only.
@@ -31,6 +31,9 @@ class GrowText {
   [[gnu::format(printf, 2, 3)]] int32_t Appendf(const char* format, ...);
   int32_t AppendFormatted(const char* format, va_list arguments);
 
+  // Appends the text as it stands, otherwise as Appendf does with "%s".
+  int32_t AppendRaw(std::string_view text);
+
   void Clear();  // empties the text, keeps the capacity
 
   std::string_view view() const { return {text_, textLength_}; }
@@ -39,6 +42,9 @@ class GrowText {
   int32_t length() const { return length_; }
 
  private:
+  // Appends what is kept of a write of `asked` bytes; `asked`, or -1 when growing failed.
+  int32_t Put(std::string_view kept, int32_t asked);
+
   char* text_ = nullptr;
   size_t textLength_ = 0;  // bytes really there
   int32_t capacity_ = 0;

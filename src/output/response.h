@@ -17,7 +17,8 @@ struct Response {
   bool broken = false;  // a write failed: nothing more is written
 };
 
-// Formats and writes at once; at most kFormattedLimit bytes. The count written, -1 on failure.
+// Formats and writes at once; at most kFormattedLimit bytes. Nothing is escaped, as in sections.h.
+// The count written, -1 on failure.
 [[gnu::format(printf, 2, 3)]] int32_t WriteOut(Response& response, const char* format, ...);
 
 // Writes the text unchanged, whatever its length.

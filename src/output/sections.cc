@@ -40,6 +40,14 @@ int32_t AppendResults(OutputSections& sections, const char* format, ...) {
   return result;
 }
 
+int32_t AppendSectionRaw(OutputSections& sections, Section section, std::string_view text) {
+  return TextOf(sections, section).AppendRaw(text);
+}
+
+int32_t AppendResultsRaw(OutputSections& sections, std::string_view text) {
+  return sections.results.AppendRaw(text);
+}
+
 void ClearSection(OutputSections& sections, Section section) { TextOf(sections, section).Clear(); }
 
 std::string_view SectionText(const OutputSections& sections, Section section) {

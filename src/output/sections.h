@@ -56,12 +56,18 @@ struct OutputSections {
 // as soon as memory is out: what is missing then takes no text, and the request goes on.
 bool AllocateSections(OutputSections& sections, int32_t perPage);
 
-// Formats and appends to one section, or to the results. The formatted length, -1 when the text was
-// dropped for want of memory.
+// Formats and appends to one section, or to the results. Nothing is escaped: an argument is safe for
+// HTML already, as the texts of the index and of the settings file are by rule, or stands in its
+// escaped or encoded form (markup.h), as whatever came with the request does. The formatted length,
+// -1 when the text was dropped for want of memory.
 [[gnu::format(printf, 3, 4)]] int32_t AppendSection(OutputSections& sections, Section section,
                                                     const char* format, ...);
 [[gnu::format(printf, 2, 3)]] int32_t AppendResults(OutputSections& sections, const char* format,
                                                     ...);
+
+// The same with the text as it stands, which is no format.
+int32_t AppendSectionRaw(OutputSections& sections, Section section, std::string_view text);
+int32_t AppendResultsRaw(OutputSections& sections, std::string_view text);
 
 // Empties one section; its room stays.
 void ClearSection(OutputSections& sections, Section section);
