@@ -1,4 +1,4 @@
-#include "output/response_start.h"
+#include "request/start_response.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "request/search_context.h"
-#include "request/start_response.h"
 #include "support/loaded_site.h"
 
 namespace vela {
