@@ -9,16 +9,37 @@ namespace {
 constexpr size_t kPassageLimit = 2048;  // bytes of a piece, marks included
 using Passage = FixedText<kPassageLimit + 1>;
 
-struct Marks {
+constexpr std::string_view kDamagedTextMessage =
+    "Critical error with pagetext file. Check that your files are from the same indexing session.";
+
+// How a context stands in the document.
+struct ContextForm {
   std::string_view open;
+  std::string_view openMark;  // ahead of a matched word
+  std::string_view closeMark;
+  std::string_view before;  // ahead of each passage
+  std::string_view end;     // behind the last
   std::string_view close;
 };
 
-Marks MarksFor(const Response& response, const Settings& settings) {
-  if (!response.xml) return {"<span class=\"highlight\">", "</span>"};
-  if (settings.XMLHighlight == 1) return {"<vela:highlight>", "</vela:highlight>"};
-  return {};
-}
+constexpr ContextForm kHtmlForm = {.open = "<div class=\"context\">\n",
+                                   .openMark = "<span class=\"highlight\">",
+                                   .closeMark = "</span>",
+                                   .before = " <b>...</b> ",
+                                   .end = " <b>...</b>",
+                                   .close = "</div>\n"};
+constexpr ContextForm kMarkedXmlForm = {.open = "<vela:context>",
+                                        .openMark = "<vela:highlight>",
+                                        .closeMark = "</vela:highlight>",
+                                        .before = " ... ",
+                                        .end = " ...",
+                                        .close = "</vela:context>\n"};
+constexpr ContextForm kPlainXmlForm = {.open = kMarkedXmlForm.open,
+                                       .openMark = "",
+                                       .closeMark = "",
+                                       .before = kMarkedXmlForm.before,
+                                       .end = kMarkedXmlForm.end,
+                                       .close = kMarkedXmlForm.close};
 
 // Tells by the classes of the reserved word numbers where a blank stands.
 class Spacing {
@@ -61,7 +82,7 @@ class Spacing {
 };
 
 // Builds the text of a piece, with marks and without.
-void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const Marks& marks,
+void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const ContextForm& form,
                   Passage& marked, Passage& plain) {
   Spacing spacing(source.settings);
   size_t used = 0;
@@ -70,8 +91,8 @@ void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const 
     const std::string_view blank = spacing.TakesBlank(slot.word) ? " " : "";
     const bool opens = slot.mark == SlotMark::kWhole || slot.mark == SlotMark::kOpen;
     const bool closes = slot.mark == SlotMark::kWhole || slot.mark == SlotMark::kClose;
-    const std::string_view open = opens ? marks.open : "";
-    const std::string_view close = closes ? marks.close : "";
+    const std::string_view open = opens ? form.openMark : "";
+    const std::string_view close = closes ? form.closeMark : "";
     const std::string_view word = slot.word < source.dictionary.size()
                                       ? source.dictionary.DisplayText(slot.word, slot.variant)
                                       : std::string_view();
@@ -90,40 +111,41 @@ std::string_view TrimBlanks(std::string_view text) {
   return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-void Write(Response& response, OutputSections& sections, const char* text) {
-  if (response.xml) {
-    WriteRaw(response, text);
-  } else {
-    AppendResults(sections, "%s", text);
-  }
-}
-
-}  // namespace
-
-void WriteContext(Response& response, OutputSections& sections, const SnippetSource& source,
-                  const ResultEntry& entry, std::string_view title) {
-  const Marks marks = MarksFor(response, source.settings);
-  Write(response, sections, response.xml ? "<vela:context>" : "<div class=\"context\">\n");
+// Hands the context to `write`, piece by piece.
+template <typename Write>
+void WriteContext(const ContextForm& form, const SnippetSource& source, const ResultEntry& entry,
+                  std::string_view title, Write write) {
+  write(form.open);
   SnippetWalk walk = StartSnippets(source.settings, entry);
   SnippetPiece piece;
   bool isWritten = false;
   while (NextPiece(walk, source, entry, piece) == SnippetStatus::kPiece) {
-    for (int32_t i = 0; i < piece.damagedTokens; ++i) {
-      Write(response, sections,
-            "Critical error with pagetext file. Check that your files are from the same indexing "
-            "session.");
-    }
+    for (int32_t i = 0; i < piece.damagedTokens; ++i) write(kDamagedTextMessage);
     Passage marked;
     Passage plain;
-    BuildPassage(source, piece, marks, marked, plain);
+    BuildPassage(source, piece, form, marked, plain);
     // A passage that says what the title says is worth nothing.
     if (!isWritten && TrimBlanks(View(plain)) == TrimBlanks(title)) break;
-    Write(response, sections, response.xml ? " ... " : " <b>...</b> ");
-    Write(response, sections, marked.bytes);
+    write(form.before);
+    write(View(marked));
     isWritten = true;
   }
-  if (isWritten) Write(response, sections, response.xml ? " ..." : " <b>...</b>");
-  Write(response, sections, response.xml ? "</vela:context>\n" : "</div>\n");
+  if (isWritten) write(form.end);
+  write(form.close);
+}
+
+}  // namespace
+
+void AppendContextHtml(OutputSections& sections, const SnippetSource& source,
+                       const ResultEntry& entry, std::string_view title) {
+  WriteContext(kHtmlForm, source, entry, title,
+               [&](std::string_view piece) { AppendResultsRaw(sections, piece); });
+}
+
+void WriteContextXml(Response& response, const SnippetSource& source, const ResultEntry& entry,
+                     std::string_view title) {
+  WriteContext(source.settings.XMLHighlight == 1 ? kMarkedXmlForm : kPlainXmlForm, source, entry,
+               title, [&](std::string_view piece) { WriteRaw(response, piece); });
 }
 
 }  // namespace vela

@@ -1,4 +1,4 @@
-// context_text.h: the snippet of a result, as text of the page or of the XML document.
+// context_text.h: the passages around the matches of a result, with the matched words marked.
 #pragma once
 
 #include <string_view>
@@ -10,9 +10,13 @@
 
 namespace vela {
 
-// Writes the context element of one result: passages around its matches with the matched words
-// marked, or nothing between its tags when the first passage only repeats the title.
-void WriteContext(Response& response, OutputSections& sections, const SnippetSource& source,
-                  const ResultEntry& entry, std::string_view title);
+// Writes the context element of one result: its passages, or nothing between its tags when the
+// first one only repeats the title. The words stand there raw, as the dictionary holds them: safe
+// for HTML.
+void AppendContextHtml(OutputSections& sections, const SnippetSource& source,
+                       const ResultEntry& entry, std::string_view title);
+// The same at once, as an element of the XML document.
+void WriteContextXml(Response& response, const SnippetSource& source, const ResultEntry& entry,
+                     std::string_view title);
 
 }  // namespace vela

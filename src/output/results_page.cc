@@ -1,361 +1,40 @@
 #include "output/results_page.h"
 
-#include <algorithm>
-
-#include "output/markup.h"
-#include "output/response_start.h"
-#include "text/edit.h"
-#include "text/numbers.h"
+#include "output/results_page_html.h"
+#include "output/results_page_xml.h"
 
 namespace vela {
-
-namespace {
-
-constexpr int32_t kFewResults = 3;      // fewer lead to the offer of a broader search
-constexpr int64_t kPagesEachSide = 10;  // page links before and behind the current page
-constexpr size_t kEscapedTermSize = 5 * kQuerySize;
-
-bool SearchesSomeCategories(const Settings& settings, const SearchRequest& request) {
-  return UsesCategories(settings) && !SearchesAllCategories(request);
-}
-
-// Calls `visit(name)` for each selected category that the settings name.
-template <typename Visit>
-void ForEachSelectedCategory(const Settings& settings, const SearchRequest& request, Visit visit) {
-  for (int32_t category : request.categories) {
-    if (category >= 0 && category < settings.categoryNames.size()) {
-      visit(settings.categoryNames.At(category));
-    }
-  }
-}
-
-void WriteXmlHeading(Response& response, const Settings& settings, const SearchRequest& request,
-                     const Query& query) {
-  WriteOut(response, "<vela:searchquery>%s</vela:searchquery>\n", query.display.bytes);
-  if (!UsesCategories(settings)) return;
-  if (SearchesAllCategories(request)) {
-    WriteRaw(response, "<vela:searchcategory>All</vela:searchcategory>\n");
-    return;
-  }
-  ForEachSelectedCategory(settings, request, [&](const char* name) {
-    WriteOut(response, "<vela:searchcategory>%s</vela:searchcategory>\n", name);
-  });
-}
-
-int64_t PageCount(const ResultsPage& page) {
-  const int64_t perPage = EffectivePerPage(page.request);
-  return (int64_t{page.matches.resultCount} + perPage - 1) / perPage;
-}
-
-void AddSkippedTerms(OutputSections& sections, const ResultsPage& page) {
-  if (page.skipped.count == 0) return;
-  const LanguageStrings& language = page.settings.language;
-  AppendSection(sections, Section::kSummary, "%s ", Text(language, Str::kSkippedFollowingWords));
-  for (int32_t i = 0; i < page.skipped.count; ++i) {
-    AppendSection(
-        sections, Section::kSummary, "%s\"%s\"", i > 0 ? ", " : "",
-        EscapedRequestText<kEscapedTermSize>(page.skipped.terms[static_cast<size_t>(i)]).bytes);
-  }
-  AppendSection(sections, Section::kSummary, "<br /><br />");
-  if (page.query.hasPhrase && AllowsPhrases(page.settings)) {
-    AppendSection(sections, Section::kSummary, "%s<br /><br />",
-                  Text(language, Str::kSkippedPhrase));
-  }
-}
-
-void AddCountPhrase(OutputSections& sections, const ResultsPage& page, int32_t count, Str label) {
-  const LanguageStrings& language = page.settings.language;
-  const char* labelText = Text(language, label);
-  if (count == 0) {
-    AppendSection(sections, Section::kSummary, "%s %s ", Text(language, Str::kNoResults),
-                  labelText);
-    return;
-  }
-  if (count == 1) {
-    AppendSection(sections, Section::kSummary, "%d %s %s ", 1, Text(language, Str::kResult),
-                  labelText);
-    return;
-  }
-  if (page.matches.limitReached) {
-    AppendSection(sections, Section::kSummary, "%s ", Text(language, Str::kMoreThan));
-  }
-  AppendSection(sections, Section::kSummary, "%d %s %s ", count, Text(language, Str::kResults),
-                labelText);
-}
-
-void AddSummary(OutputSections& sections, const ResultsPage& page) {
-  const LanguageStrings& language = page.settings.language;
-  const Matches& matches = page.matches;
-  AppendSection(sections, Section::kSummary, "<div class=\"summary\">\n");
-  AddSkippedTerms(sections, page);
-  if (matches.limitReached) {
-    // Kept: one text serves for every kind of limit.
-    AppendSection(sections, Section::kSummary, "%s<br /><br />",
-                  Text(language, Str::kPhraseContainsCommonWords));
-  }
-  if (matches.resultCount == 0) {
-    AppendSection(sections, Section::kSummary, "%s", Text(language, Str::kSummaryNoResultsFound));
-  } else if (page.query.terms.size() > 1) {
-    AddCountPhrase(sections, page, matches.fullMatchCount, Str::kSummaryFoundContainingAllTerms);
-    const int32_t others = matches.resultCount - matches.fullMatchCount;
-    if (page.request.andMode != 1 && others > 0) {
-      AddCountPhrase(sections, page, others, Str::kSummaryFoundContainingSomeTerms);
-    }
-  } else {
-    AddCountPhrase(sections, page, matches.resultCount, Str::kSummaryFound);
-  }
-  AppendSection(sections, Section::kSummary, "<br />\n</div>\n");
-}
-
-void WriteXmlCounts(Response& response, const ResultsPage& page) {
-  int64_t start = 1;
-  if (page.request.page >= 2 && page.matches.resultCount != 0) {
-    start = int64_t{EffectivePerPage(page.request)} * (page.request.page - 1) + 1;
-  }
-  WriteOut(response, "<opensearch:totalResults>%d</opensearch:totalResults>\n",
-           page.matches.resultCount);
-  WriteOut(response, "<opensearch:startIndex>%d</opensearch:startIndex>\n", SaturateToInt32(start));
-  WriteOut(response, "<opensearch:itemsPerPage>%d</opensearch:itemsPerPage>\n",
-           page.request.perPage);
-}
-
-// Offers a search that finds more: any of the terms, or all categories.
-void AddBroaderSearch(OutputSections& sections, const ResultsPage& page) {
-  if (page.matches.resultCount >= kFewResults) return;
-  const SearchRequest& request = page.request;
-  const LinkParameters& links = page.links;
-  LinkText link;
-  Str offer = Str::kAnyOfTerms;
-  if (request.andMode == 1 && page.query.terms.size() > 1) {
-    link = MakeLinkf(page.settings,
-                     "vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_xml=%d&amp;vela_and=0"
-                     "&amp;vela_sort=%d",
-                     links.query.bytes, links.categories.bytes, request.perPage, links.dates.bytes,
-                     links.metaFields.bytes, 0, request.sort);
-  } else if (SearchesSomeCategories(page.settings, request)) {
-    offer = Str::kAllCats;
-    link = MakeLinkf(page.settings,
-                     "vela_query=%s%s&amp;vela_per_page=%d&amp;vela_cat=-1%s&amp;vela_xml=%d"
-                     "&amp;vela_and=%d&amp;vela_sort=%d",
-                     links.query.bytes, links.dates.bytes, request.perPage, links.metaFields.bytes,
-                     0, request.andMode, request.sort);
-  } else {
-    return;
-  }
-  const LanguageStrings& language = page.settings.language;
-  AppendSection(sections, Section::kSuggestion,
-                "<div class=\"suggestion\"><br />%s <a href=\"%s\">%s</a>.</div>",
-                Text(language, Str::kPossiblyGetMoreResults), link.bytes, Text(language, offer));
-}
-
-void WriteXmlCategorySummary(Response& response, const ResultsPage& page) {
-  const auto& counts = page.filters.categoryCounts;
-  for (size_t i = 0; i < counts.size(); ++i) {
-    if (counts[i] == 0 || counts[i] == static_cast<uint32_t>(page.matches.resultCount)) continue;
-    WriteRaw(response, "<vela:categorySummary>\n");
-    WriteOut(response, "<vela:categoryName>%s</vela:categoryName>\n",
-             page.settings.categoryNames.At(static_cast<int32_t>(i)));
-    WriteOut(response, "<vela:categoryCount>%d</vela:categoryCount>\n", WrapToInt32(counts[i]));
-    WriteRaw(response, "</vela:categorySummary>\n");
-  }
-}
-
-void AddCategorySummary(OutputSections& sections, const ResultsPage& page) {
-  const SearchRequest& request = page.request;
-  const LinkParameters& links = page.links;
-  const auto& counts = page.filters.categoryCounts;
-  AppendSection(sections, Section::kCatSummary, "<div class=\"cat_summary\"><br />%s<ul>",
-                Text(page.settings.language, Str::kCatSummary));
-  for (size_t i = 0; i < counts.size(); ++i) {
-    if (counts[i] == 0) continue;
-    const auto category = static_cast<int32_t>(i);
-    const LinkText link = MakeLinkf(
-        page.settings,
-        "vela_query=%s%s&amp;vela_cat=%d%s&amp;vela_per_page=%d&amp;vela_xml=%d&amp;vela_and=%d"
-        "&amp;vela_sort=%d",
-        links.query.bytes, links.dates.bytes, category, links.metaFields.bytes, request.perPage, 0,
-        request.andMode, request.sort);
-    AppendSection(sections, Section::kCatSummary, "<li><a href=\"%s\">%s</a>", link.bytes,
-                  page.settings.categoryNames.At(category));
-    AppendSection(sections, Section::kCatSummary, " (%d)</li>", WrapToInt32(counts[i]));
-  }
-  AppendSection(sections, Section::kCatSummary, "</ul></div>");
-}
-
-void WriteCategorySummary(Response& response, OutputSections& sections, const ResultsPage& page) {
-  if (!page.filters.countsCategories || page.matches.resultCount == 0) return;
-  if (response.xml) {
-    WriteXmlCategorySummary(response, page);
-  } else {
-    AddCategorySummary(sections, page);
-  }
-}
-
-LinkText SuggestionLink(const ResultsPage& page, const char* suggestion) {
-  const SearchRequest& request = page.request;
-  FixedText<sizeof Suggestions::texts[0].bytes> encoded;
-  Set(encoded, suggestion);
-  ReplaceCharacters(encoded.bytes, View(encoded).size(), " ", "+");
-  return MakeLinkf(
-      page.settings, "vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_and=%d&amp;vela_sort=%d",
-      encoded.bytes, page.links.categories.bytes, request.perPage, page.links.dates.bytes,
-      page.links.metaFields.bytes, page.query.terms.size() > 1 ? 0 : request.andMode, request.sort);
-}
-
-void WriteSuggestions(Response& response, OutputSections& sections, const ResultsPage& page) {
-  if (page.suggestions.count == 0) return;
-  const LanguageStrings& language = page.settings.language;
-  for (int32_t i = 0; i < page.suggestions.count; ++i) {
-    const char* text = page.suggestions.texts[i].bytes;
-    if (response.xml) {
-      WriteOut(response, "<vela:spelling>%s</vela:spelling>\n", text);
-      continue;
-    }
-    AppendSection(sections, Section::kSuggestion, "%s%s <a href=\"%s\">%s</a>",
-                  i == 0 ? "<div class=\"suggestion\"><br />" : " ",
-                  Text(language, i == 0 ? Str::kDidYouMean : Str::kOr),
-                  SuggestionLink(page, text).bytes, text);
-  }
-  if (!response.xml) AppendSection(sections, Section::kSuggestion, "?</div>");
-}
-
-// A link to the same page of the same search in another order.
-LinkText SortLink(const ResultsPage& page, int32_t sort) {
-  const SearchRequest& request = page.request;
-  return MakeLinkf(page.settings,
-                   "vela_query=%s%s&amp;vela_page=%d&amp;vela_per_page=%d%s%s&amp;vela_and=%d"
-                   "&amp;vela_xml=%d&amp;vela_sort=%d",
-                   page.links.query.bytes, page.links.categories.bytes, request.page,
-                   request.perPage, page.links.dates.bytes, page.links.metaFields.bytes,
-                   request.andMode, 0, sort);
-}
-
-void AddSorting(OutputSections& sections, const ResultsPage& page) {
-  if (page.matches.resultCount <= 1 || page.settings.UseDateTime != 1) return;
-  const LanguageStrings& language = page.settings.language;
-  const int32_t sort = page.request.sort;
-  AppendSection(sections, Section::kSorting, "<div class=\"sorting\">");
-  if (sort <= kSortByRelevance) {
-    AppendSection(sections, Section::kSorting, "<b>%s</b> / <a href=\"%s\">%s</a>",
-                  Text(language, Str::kSortedByRelevance), SortLink(page, kSortNewestFirst).bytes,
-                  Text(language, Str::kSortByDate));
-  } else {
-    AppendSection(sections, Section::kSorting, "<a href=\"%s\">%s</a> / ",
-                  SortLink(page, kSortByRelevance).bytes, Text(language, Str::kSortByRelevance));
-    // Kept: from oldest first the link goes on to 3.
-    AppendSection(
-        sections, Section::kSorting, "<a href=\"%s\">%s</a>",
-        SortLink(page, WrapAdd32(sort, 1)).bytes,
-        Text(language, sort == kSortNewestFirst ? Str::kSortedByDate : Str::kSortedByDateAsc));
-  }
-  AppendSection(sections, Section::kSorting, "</div>\n");
-}
-
-LinkText PageLink(const ResultsPage& page, int32_t number) {
-  const SearchRequest& request = page.request;
-  return MakeLinkf(page.settings,
-                   "vela_query=%s%s&amp;vela_page=%d&amp;vela_per_page=%d%s%s&amp;vela_and=%d"
-                   "&amp;vela_sort=%d&amp;vela_xml=%d",
-                   page.links.query.bytes, page.links.categories.bytes, number, request.perPage,
-                   page.links.dates.bytes, page.links.metaFields.bytes, request.andMode,
-                   request.sort, 0);
-}
-
-void AddPageLinks(OutputSections& sections, const ResultsPage& page) {
-  const int64_t pageCount = PageCount(page);
-  if (pageCount <= 1) return;
-  const LanguageStrings& language = page.settings.language;
-  const int32_t current = page.request.page;
-  const int64_t first = std::max<int64_t>(1, current - kPagesEachSide);
-  const int64_t last =
-      std::min({current + kPagesEachSide, pageCount,
-                int64_t{page.settings.MaxResultsPerQuery} / EffectivePerPage(page.request)});
-  AppendSection(sections, Section::kPageNumbers, "<div class=\"result_pages\">%s ",
-                Text(language, Str::kResultPages));
-  if (current > 1) {
-    AppendSection(sections, Section::kPageNumbers, "<a href=\"%s\">&lt;&lt; %s</a> ",
-                  PageLink(page, current - 1).bytes, Text(language, Str::kResultPagesPrevious));
-  }
-  for (int64_t number = first; number <= last; ++number) {
-    const auto shown = static_cast<int32_t>(number);
-    if (shown == current) {
-      AppendSection(sections, Section::kPageNumbers, "%d ", shown);
-    } else {
-      AppendSection(sections, Section::kPageNumbers, "<a href=\"%s\">%d</a> ",
-                    PageLink(page, shown).bytes, shown);
-    }
-  }
-  if (current != last) {
-    AppendSection(sections, Section::kPageNumbers, "<a href=\"%s\">%s &gt;&gt;</a> ",
-                  PageLink(page, WrapAdd32(current, 1)).bytes,
-                  Text(language, Str::kResultPagesNext));
-  }
-  AppendSection(sections, Section::kPageNumbers, "</div>");
-}
-
-}  // namespace
 
 void WriteHeading(Response& response, OutputSections& sections, const Settings& settings,
                   const SearchRequest& request, const Query& query) {
   if (response.xml) {
-    WriteXmlHeading(response, settings, request, query);
-    return;
+    WriteHeadingXml(response, settings, request, query);
+  } else {
+    AppendHeadingHtml(sections, settings, request, query);
   }
-  const LanguageStrings& language = settings.language;
-  AppendSection(sections, Section::kHeading, "<div class=\"searchheading\">");
-  AppendSection(sections, Section::kHeading, "%s %s", Text(language, Str::kResultsFor),
-                query.display.bytes);
-  if (SearchesSomeCategories(settings, request)) {
-    AppendSection(sections, Section::kHeading, " %s ", Text(language, Str::kResultsInCategory));
-    bool isFirst = true;
-    ForEachSelectedCategory(settings, request, [&](const char* name) {
-      AppendSection(sections, Section::kHeading, "%s\"%s\"", isFirst ? "" : ", ", name);
-      isFirst = false;
-    });
-  } else if (UsesCategories(settings)) {
-    AppendSection(sections, Section::kHeading, " %s", Text(language, Str::kResultsInAllCategories));
-  }
-  AppendSection(sections, Section::kHeading, "<br /><br /></div>\n");
-  AppendResults(sections, "<div class=\"results\">\n");
 }
 
 void WriteResultsHead(Response& response, OutputSections& sections, const ResultsPage& page) {
   if (response.xml) {
-    WriteXmlCounts(response, page);
-    WriteCategorySummary(response, sections, page);
-    WriteSuggestions(response, sections, page);
-    return;
+    WriteResultsHeadXml(response, page);
+  } else {
+    AppendResultsHeadHtml(sections, page);
   }
-  AddSummary(sections, page);
-  AddBroaderSearch(sections, page);
-  WriteCategorySummary(response, sections, page);
-  WriteSuggestions(response, sections, page);
-  const int64_t pageCount = PageCount(page);
-  if (pageCount > 1) {
-    AppendSection(sections, Section::kPagesCount,
-                  "<div class=\"result_pagescount\"><br />%d %s</div>\n",
-                  SaturateToInt32(pageCount), Text(page.settings.language, Str::kPagesOfResults));
-  }
-  AddSorting(sections, page);
 }
 
 void WriteResultsFoot(Response& response, OutputSections& sections, const ResultsPage& page) {
-  if (response.xml) return;
-  AddPageLinks(sections, page);
-  AppendPoweredBy(sections, page.settings);
-  AppendResults(sections, "</div>\n");
+  // The XML document has nothing behind its items.
+  if (!response.xml) AppendResultsFootHtml(sections, page);
 }
 
 void WriteSearchTime(Response& response, OutputSections& sections, const Settings& settings,
                      double seconds) {
   if (settings.Timing != 1) return;
   if (response.xml) {
-    WriteOut(response, "<vela:searchtime>%.3f</vela:searchtime>\n", seconds);
-    return;
+    WriteSearchTimeXml(response, seconds);
+  } else {
+    AppendSearchTimeHtml(sections, settings, seconds);
   }
-  AppendSection(
-      sections, Section::kSearchTime, "<div class=\"searchtime\"><br /><br />%s %.3f %s</div>\n",
-      Text(settings.language, Str::kSearchTook), seconds, Text(settings.language, Str::kSeconds));
 }
 
 }  // namespace vela

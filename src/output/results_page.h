@@ -1,43 +1,21 @@
-// results_page.h: everything of the results page but the result blocks: heading, summary,
-// suggestions, sorting links, page links. In XML mode the same steps write elements at once.
+// results_page.h: everything of the results page but the results: sections of the page, or elements
+// of the XML document, by the mode of the response.
 #pragma once
 
-#include <cstdint>
-#include <string_view>
-
-#include "output/links.h"
 #include "output/response.h"
+#include "output/results_page_facts.h"
 #include "output/sections.h"
-#include "search/filters.h"
-#include "search/matches.h"
-#include "search/query.h"
-#include "search/search_request.h"
-#include "search/suggestions.h"
-#include "search/term_search.h"
-#include "settings/settings.h"
 
 namespace vela {
 
-// What the page tells of a search. Refers to records that outlive it.
-struct ResultsPage {
-  const Settings& settings;
-  const SearchRequest& request;
-  const Query& query;
-  const LinkParameters& links;
-  const Matches& matches;
-  const PageFilters& filters;
-  const SkippedTerms& skipped;
-  const Suggestions& suggestions;
-};
-
-// Writes the heading and opens the container of the results.
+// Writes the heading and, on a page, opens the container of the results.
 void WriteHeading(Response& response, OutputSections& sections, const Settings& settings,
                   const SearchRequest& request, const Query& query);
 
-// Writes all that stands between the heading and the result blocks.
+// Writes all that stands between the heading and the results.
 void WriteResultsHead(Response& response, OutputSections& sections, const ResultsPage& page);
 
-// Writes all that follows the result blocks but the search time.
+// Writes all that follows the results but the search time.
 void WriteResultsFoot(Response& response, OutputSections& sections, const ResultsPage& page);
 
 // Writes how long the search took, in seconds, when the settings want it.

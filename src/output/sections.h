@@ -56,10 +56,10 @@ struct OutputSections {
 // as soon as memory is out: what is missing then takes no text, and the request goes on.
 bool AllocateSections(OutputSections& sections, int32_t perPage);
 
-// Formats and appends to one section, or to the results. Nothing is escaped: an argument is safe for
-// HTML already, as the texts of the index and of the settings file are by rule, or stands in its
-// escaped or encoded form (markup.h), as whatever came with the request does. The formatted length,
-// -1 when the text was dropped for want of memory.
+// Formats and appends to one section, or to the results. Nothing is escaped: an argument is safe
+// for HTML already, as the texts of the index and of the settings file are by rule, or stands in
+// its escaped or encoded form (markup.h), as whatever came with the request does. The formatted
+// length, -1 when the text was dropped for want of memory.
 [[gnu::format(printf, 3, 4)]] int32_t AppendSection(OutputSections& sections, Section section,
                                                     const char* format, ...);
 [[gnu::format(printf, 2, 3)]] int32_t AppendResults(OutputSections& sections, const char* format,

@@ -1,6 +1,7 @@
 #include "output/template.h"
 
 #include "output/markup.h"
+#include "output/xml_document.h"
 #include "text/fixed_text.h"
 
 namespace vela {
@@ -140,7 +141,7 @@ void WriteTemplateLine(Response& response, const PageParts& parts, std::string_v
 
 void FillTemplate(Response& response, const PageParts& parts) {
   if (response.xml) {
-    WriteRaw(response, "</channel>\n</rss>");
+    WriteXmlClosing(response);
     return;
   }
   bool scriptsDue = parts.settings.UseAutoComplete == 1 || SearchesDates(parts.settings);

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "output/markup.h"
+#include "output/powered_by.h"
 #include "output/response_start.h"
 #include "output/search_form.h"
+#include "output/xml_document.h"
 #include "request/search_context.h"
 
 namespace vela {

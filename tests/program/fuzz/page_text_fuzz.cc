@@ -102,11 +102,7 @@ void CheckPieces(const SnippetSource& source, const ResultEntry& entry) {
 }
 
 std::string Context(const SnippetSource& source, const ResultEntry& entry) {
-  return Written([&](Response& response) {
-    response.xml = true;
-    const auto sections = std::make_unique<OutputSections>();
-    WriteContext(response, *sections, source, entry, "big cat");
-  });
+  return Written([&](Response& response) { WriteContextXml(response, source, entry, "big cat"); });
 }
 
 std::string WithoutMarks(std::string text) {

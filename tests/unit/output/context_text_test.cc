@@ -75,9 +75,14 @@ struct Context {
     PageTextReader text;
     text.file = site.files.pageText.bytes();
     text.tokenSize = site.settings.DictIDLen;
-    const SnippetSource source = {site.settings, site.dictionary, highlight, text};
-    WriteContext(captured.response, sections, source, entry, title);
-    return captured.response.xml ? captured.Text() : std::string(sections.results.view());
+    const SnippetSource source = {
+        .settings = site.settings, .dictionary = site.dictionary, .terms = highlight, .text = text};
+    if (captured.response.xml) {
+      WriteContextXml(captured.response, source, entry, title);
+      return captured.Text();
+    }
+    AppendContextHtml(sections, source, entry, title);
+    return std::string(sections.results.view());
   }
 };
 

@@ -6,7 +6,6 @@
 #include <csignal>
 #include <string>
 
-#include "output/response_start.h"
 #include "support/loaded_site.h"
 
 namespace vela {
@@ -99,46 +98,6 @@ TEST(Response, NothingIsWrittenToAClosedPipe) {
   Flush(response);
   close(ends[1]);
   std::signal(SIGPIPE, SIG_DFL);
-}
-
-TEST(ResponseHeader, Table) {
-  const struct {
-    const char* what;
-    bool xml;
-    int32_t noCharset;
-    const char* expected;
-  } cases[] = {
-      {"html", false, 0, "Content-type: text/html; charset=utf-8\n\n"},
-      {"xml", true, 0, "Content-type: text/xml; charset=utf-8\n\n"},
-      {"html without charset ends in a semicolon", false, 1, "Content-type: text/html;\n\n"},
-      {"xml without charset", true, 1, "Content-type: text/xml;\n\n"},
-      {"any value but 0 leaves it out", false, 2, "Content-type: text/html;\n\n"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    Settings settings;
-    Set(settings.Charset, "utf-8");
-    settings.NoCharset = c.noCharset;
-    CapturedResponse captured(c.xml);
-    WriteHeader(captured.response, settings);
-    EXPECT_EQ(captured.Text(), c.expected);
-  }
-}
-
-TEST(PoweredBy, OnlyWhenTheSettingsWantIt) {
-  for (int32_t wanted : {0, 1, 2}) {
-    Settings settings;
-    support::SetLanguageTexts(settings);
-    settings.VelaInfo = wanted;
-    OutputSections sections;
-    ASSERT_TRUE(AllocateSections(sections, 10));
-    AppendPoweredBy(sections, settings);
-    EXPECT_EQ(SectionText(sections, Section::kPageNumbers),
-              wanted != 1
-                  ? ""
-                  : "\n<center><p><small>Run by <a href=\"https://vela-search.example/\" "
-                    "target=\"_blank\"><b>Vela Search Engine</b></a></small></p></center>\n");
-  }
 }
 
 }  // namespace

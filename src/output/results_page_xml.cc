@@ -1,0 +1,65 @@
+#include "output/results_page_xml.h"
+
+#include "text/numbers.h"
+
+namespace vela {
+
+namespace {
+
+void WriteCounts(Response& response, const ResultsPage& page) {
+  int64_t start = 1;
+  if (page.request.page >= 2 && page.matches.resultCount != 0) {
+    start = int64_t{EffectivePerPage(page.request)} * (page.request.page - 1) + 1;
+  }
+  WriteOut(response, "<opensearch:totalResults>%d</opensearch:totalResults>\n",
+           page.matches.resultCount);
+  WriteOut(response, "<opensearch:startIndex>%d</opensearch:startIndex>\n", SaturateToInt32(start));
+  WriteOut(response, "<opensearch:itemsPerPage>%d</opensearch:itemsPerPage>\n",
+           page.request.perPage);
+}
+
+void WriteCategorySummary(Response& response, const ResultsPage& page) {
+  if (!ShowsCategorySummary(page)) return;
+  const auto& counts = page.filters.categoryCounts;
+  for (size_t i = 0; i < counts.size(); ++i) {
+    if (counts[i] == 0 || counts[i] == static_cast<uint32_t>(page.matches.resultCount)) continue;
+    WriteRaw(response, "<vela:categorySummary>\n");
+    WriteOut(response, "<vela:categoryName>%s</vela:categoryName>\n",
+             page.settings.categoryNames.At(static_cast<int32_t>(i)));
+    WriteOut(response, "<vela:categoryCount>%d</vela:categoryCount>\n", WrapToInt32(counts[i]));
+    WriteRaw(response, "</vela:categorySummary>\n");
+  }
+}
+
+void WriteSuggestions(Response& response, const ResultsPage& page) {
+  for (int32_t i = 0; i < page.suggestions.count; ++i) {
+    WriteOut(response, "<vela:spelling>%s</vela:spelling>\n", page.suggestions.texts[i].bytes);
+  }
+}
+
+}  // namespace
+
+void WriteHeadingXml(Response& response, const Settings& settings, const SearchRequest& request,
+                     const Query& query) {
+  WriteOut(response, "<vela:searchquery>%s</vela:searchquery>\n", query.display.bytes);
+  if (!UsesCategories(settings)) return;
+  if (SearchesAllCategories(request)) {
+    WriteRaw(response, "<vela:searchcategory>All</vela:searchcategory>\n");
+    return;
+  }
+  ForEachSelectedCategory(settings, request, [&](const char* name) {
+    WriteOut(response, "<vela:searchcategory>%s</vela:searchcategory>\n", name);
+  });
+}
+
+void WriteResultsHeadXml(Response& response, const ResultsPage& page) {
+  WriteCounts(response, page);
+  WriteCategorySummary(response, page);
+  WriteSuggestions(response, page);
+}
+
+void WriteSearchTimeXml(Response& response, double seconds) {
+  WriteOut(response, "<vela:searchtime>%.3f</vela:searchtime>\n", seconds);
+}
+
+}  // namespace vela
