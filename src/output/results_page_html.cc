@@ -33,7 +33,7 @@ void AppendSkippedTerms(OutputSections& sections, const ResultsPage& page) {
         sections, Section::kSummary, "%s\"%s\"", i > 0 ? ", " : "",
         EscapedRequestText<kEscapedTermSize>(page.skipped.terms[static_cast<size_t>(i)]).bytes);
   }
-  AppendSection(sections, Section::kSummary, "<br /><br />");
+  AppendSectionRaw(sections, Section::kSummary, "<br /><br />");
   if (page.query.hasPhrase && AllowsPhrases(page.settings)) {
     AppendSection(sections, Section::kSummary, "%s<br /><br />",
                   Text(language, Str::kSkippedPhrase));
@@ -64,7 +64,7 @@ void AppendCountPhrase(OutputSections& sections, const ResultsPage& page, int32_
 void AppendSummary(OutputSections& sections, const ResultsPage& page) {
   const LanguageStrings& language = page.settings.language;
   const Matches& matches = page.matches;
-  AppendSection(sections, Section::kSummary, "<div class=\"summary\">\n");
+  AppendSectionRaw(sections, Section::kSummary, "<div class=\"summary\">\n");
   AppendSkippedTerms(sections, page);
   if (matches.limitReached) {
     // Kept: one text serves for every kind of limit.
@@ -72,7 +72,7 @@ void AppendSummary(OutputSections& sections, const ResultsPage& page) {
                   Text(language, Str::kPhraseContainsCommonWords));
   }
   if (matches.resultCount == 0) {
-    AppendSection(sections, Section::kSummary, "%s", Text(language, Str::kSummaryNoResultsFound));
+    AppendSectionRaw(sections, Section::kSummary, Text(language, Str::kSummaryNoResultsFound));
   } else if (page.query.terms.size() > 1) {
     AppendCountPhrase(sections, page, matches.fullMatchCount, Str::kSummaryFoundContainingAllTerms);
     const int32_t others = matches.resultCount - matches.fullMatchCount;
@@ -82,7 +82,7 @@ void AppendSummary(OutputSections& sections, const ResultsPage& page) {
   } else {
     AppendCountPhrase(sections, page, matches.resultCount, Str::kSummaryFound);
   }
-  AppendSection(sections, Section::kSummary, "<br />\n</div>\n");
+  AppendSectionRaw(sections, Section::kSummary, "<br />\n</div>\n");
 }
 
 // Offers a search that finds more: any of the terms, or all categories.
@@ -134,7 +134,7 @@ void AppendCategorySummary(OutputSections& sections, const ResultsPage& page) {
                   page.settings.categoryNames.At(category));
     AppendSection(sections, Section::kCatSummary, " (%d)</li>", WrapToInt32(counts[i]));
   }
-  AppendSection(sections, Section::kCatSummary, "</ul></div>");
+  AppendSectionRaw(sections, Section::kCatSummary, "</ul></div>");
 }
 
 LinkText SuggestionLink(const ResultsPage& page, const char* suggestion) {
@@ -184,7 +184,7 @@ void AppendSorting(OutputSections& sections, const ResultsPage& page) {
   if (page.matches.resultCount <= 1 || page.settings.UseDateTime != 1) return;
   const LanguageStrings& language = page.settings.language;
   const int32_t sort = page.request.sort;
-  AppendSection(sections, Section::kSorting, "<div class=\"sorting\">");
+  AppendSectionRaw(sections, Section::kSorting, "<div class=\"sorting\">");
   if (sort <= kSortByRelevance) {
     AppendSection(sections, Section::kSorting, "<b>%s</b> / <a href=\"%s\">%s</a>",
                   Text(language, Str::kSortedByRelevance), SortLink(page, kSortNewestFirst).bytes,
@@ -198,7 +198,7 @@ void AppendSorting(OutputSections& sections, const ResultsPage& page) {
         SortLink(page, WrapAdd32(sort, 1)).bytes,
         Text(language, sort == kSortNewestFirst ? Str::kSortedByDate : Str::kSortedByDateAsc));
   }
-  AppendSection(sections, Section::kSorting, "</div>\n");
+  AppendSectionRaw(sections, Section::kSorting, "</div>\n");
 }
 
 LinkText PageLink(const ResultsPage& page, int32_t number) {
@@ -240,7 +240,7 @@ void AppendPageLinks(OutputSections& sections, const ResultsPage& page) {
                   PageLink(page, WrapAdd32(current, 1)).bytes,
                   Text(language, Str::kResultPagesNext));
   }
-  AppendSection(sections, Section::kPageNumbers, "</div>");
+  AppendSectionRaw(sections, Section::kPageNumbers, "</div>");
 }
 
 }  // namespace
@@ -248,7 +248,7 @@ void AppendPageLinks(OutputSections& sections, const ResultsPage& page) {
 void AppendHeadingHtml(OutputSections& sections, const Settings& settings,
                        const SearchRequest& request, const Query& query) {
   const LanguageStrings& language = settings.language;
-  AppendSection(sections, Section::kHeading, "<div class=\"searchheading\">");
+  AppendSectionRaw(sections, Section::kHeading, "<div class=\"searchheading\">");
   AppendSection(sections, Section::kHeading, "%s %s", Text(language, Str::kResultsFor),
                 query.display.bytes);
   if (SearchesSomeCategories(settings, request)) {
@@ -261,8 +261,8 @@ void AppendHeadingHtml(OutputSections& sections, const Settings& settings,
   } else if (UsesCategories(settings)) {
     AppendSection(sections, Section::kHeading, " %s", Text(language, Str::kResultsInAllCategories));
   }
-  AppendSection(sections, Section::kHeading, "<br /><br /></div>\n");
-  AppendResults(sections, "<div class=\"results\">\n");
+  AppendSectionRaw(sections, Section::kHeading, "<br /><br /></div>\n");
+  AppendResultsRaw(sections, "<div class=\"results\">\n");
 }
 
 void AppendResultsHeadHtml(OutputSections& sections, const ResultsPage& page) {

@@ -31,18 +31,18 @@ void AddResultsPerPage(const FormInput& in) {
   AppendSection(in.sections, Section::kResultsPerPage,
                 "<span class=\"vela_results_per_page\"><label for=\"vela_per_page\">%s</label>\n",
                 in.Language(Str::kFormResultsPerPage));
-  AppendSection(in.sections, Section::kResultsPerPage,
-                "<select name=\"vela_per_page\" id=\"vela_per_page\">\n");
+  AppendSectionRaw(in.sections, Section::kResultsPerPage,
+                   "<select name=\"vela_per_page\" id=\"vela_per_page\">\n");
   for (int32_t choice : kPerPageChoices) {
     AppendSection(in.sections, Section::kResultsPerPage, "<option%s>%d</option>\n",
                   choice == in.request.perPage ? " selected=\"selected\"" : "", choice);
   }
-  AppendSection(in.sections, Section::kResultsPerPage, "</select><br /><br /></span>\n");
+  AppendSectionRaw(in.sections, Section::kResultsPerPage, "</select><br /><br /></span>\n");
 }
 
 void AddCategoryBoxes(const FormInput& in) {
   const bool all = SearchesAllCategories(in.request);
-  AppendSection(in.sections, Section::kCategories, "<ul>\n");
+  AppendSectionRaw(in.sections, Section::kCategories, "<ul>\n");
   AppendSection(in.sections, Section::kCategories,
                 "<li><input type=\"checkbox\" name=\"vela_cat[]\" id=\"vela_cat-1\" value=\"-1\"%s>"
                 "<label for=\"vela_cat-1\">%s</label></input></li>\n",
@@ -55,7 +55,7 @@ void AddCategoryBoxes(const FormInput& in) {
       // Kept: a category named twice by the request is marked twice.
       for (int32_t selected : in.request.categories) {
         if (selected == i) {
-          AppendSection(in.sections, Section::kCategories, " checked=\"checked\"");
+          AppendSectionRaw(in.sections, Section::kCategories, " checked=\"checked\"");
         }
       }
     }
@@ -63,20 +63,21 @@ void AddCategoryBoxes(const FormInput& in) {
                   " /><label for=\"vela_cat%d\">%s</label></li>\n", i,
                   in.settings.categoryNames.At(i));
   }
-  AppendSection(in.sections, Section::kCategories, "</ul><br /><br /></span>\n");
+  AppendSectionRaw(in.sections, Section::kCategories, "</ul><br /><br /></span>\n");
 }
 
 void AddCategoryList(const FormInput& in) {
   const int32_t selected =
       in.request.categories.empty() ? kAllCategories : in.request.categories[0];
-  AppendSection(in.sections, Section::kCategories, "<select name=\"vela_cat[]\" id=\"vela_cat\">");
+  AppendSectionRaw(in.sections, Section::kCategories,
+                   "<select name=\"vela_cat[]\" id=\"vela_cat\">");
   AppendSection(in.sections, Section::kCategories, "<option value=\"-1\">%s</option>",
                 in.Language(Str::kFormCategoryAll));
   for (int32_t i = 0; i < in.settings.categoryNames.size(); ++i) {
     AppendSection(in.sections, Section::kCategories, "<option value=\"%d\"%s>%s</option>", i,
                   selected == i ? " selected=\"selected\"" : "", in.settings.categoryNames.At(i));
   }
-  AppendSection(in.sections, Section::kCategories, "</select>&nbsp;&nbsp;\n");
+  AppendSectionRaw(in.sections, Section::kCategories, "</select>&nbsp;&nbsp;\n");
 }
 
 void AddCategories(const FormInput& in) {
@@ -90,13 +91,13 @@ void AddCategories(const FormInput& in) {
     AddCategoryList(in);
   }
   // Kept: the check boxes have closed the span already.
-  AppendSection(in.sections, Section::kCategories, "</span>\n");
+  AppendSectionRaw(in.sections, Section::kCategories, "</span>\n");
 }
 
 void AddListOption(const FormInput& in, const MetaFieldDef& field, int32_t value, int32_t marks) {
   AppendSection(in.sections, Section::kCustomMetaOptions, "<option value=\"%d\"", value);
   for (int32_t i = 0; i < marks; ++i) {
-    AppendSection(in.sections, Section::kCustomMetaOptions, " selected=\"selected\"");
+    AppendSectionRaw(in.sections, Section::kCustomMetaOptions, " selected=\"selected\"");
   }
   AppendSection(in.sections, Section::kCustomMetaOptions, ">%s</option>",
                 MetaListValue(in.settings, field, value));
@@ -112,7 +113,7 @@ void AddMetaDropDown(const FormInput& in, const MetaFieldDef& field, const char*
                 in.Language(Str::kFormCategoryAll));
   const int32_t selected = value.text.empty() ? -1 : ReadDecimal32(value.text);
   for (int32_t j = 0; j < field.numValues; ++j) AddListOption(in, field, j, j == selected ? 1 : 0);
-  AppendSection(in.sections, Section::kCustomMetaOptions, "</select>\n");
+  AppendSectionRaw(in.sections, Section::kCustomMetaOptions, "</select>\n");
 }
 
 void AddMetaMultiple(const FormInput& in, const MetaFieldDef& field, const char* id,
@@ -127,7 +128,7 @@ void AddMetaMultiple(const FormInput& in, const MetaFieldDef& field, const char*
     const auto* end = value.chosen + value.chosenCount;
     AddListOption(in, field, j, static_cast<int32_t>(std::count(value.chosen, end, j)));
   }
-  AppendSection(in.sections, Section::kCustomMetaOptions, "</select>&nbsp;&nbsp;\n");
+  AppendSectionRaw(in.sections, Section::kCustomMetaOptions, "</select>&nbsp;&nbsp;\n");
 }
 
 // A field with a text input; `escaped` is the request's value.
@@ -159,7 +160,7 @@ void AddMetaInput(const FormInput& in, const MetaFieldDef& field, const char* id
 
 void AddMetaFields(const FormInput& in) {
   if (!UsesMetaFields(in.settings)) return;
-  AppendSection(in.sections, Section::kCustomMetaOptions, "<span class=\"vela_metaform\">\n");
+  AppendSectionRaw(in.sections, Section::kCustomMetaOptions, "<span class=\"vela_metaform\">\n");
   const size_t count = std::min(in.settings.metaFields.size(), in.request.metaValues.size());
   for (size_t i = 0; i < count; ++i) {
     const MetaFieldDef& field = in.settings.metaFields[i];
@@ -178,7 +179,7 @@ void AddMetaFields(const FormInput& in) {
       AddMetaInput(in, field, id.bytes, escaped.data());
     }
   }
-  AppendSection(in.sections, Section::kCustomMetaOptions, "</span>\n");
+  AppendSectionRaw(in.sections, Section::kCustomMetaOptions, "</span>\n");
 }
 
 void AddMatchOptions(const FormInput& in) {
@@ -209,10 +210,10 @@ void AddDateInput(const FormInput& in, const char* name, Str label, std::string_
 
 void AddDateRange(const FormInput& in) {
   if (!SearchesDates(in.settings)) return;
-  AppendSection(in.sections, Section::kDateRange, "<span class=\"vela_daterange\">\n");
+  AppendSectionRaw(in.sections, Section::kDateRange, "<span class=\"vela_daterange\">\n");
   AddDateInput(in, "vela_datefrom", Str::kFormDateFrom, View(in.request.dateFrom));
   AddDateInput(in, "vela_dateto", Str::kFormDateTo, View(in.request.dateTo));
-  AppendSection(in.sections, Section::kDateRange, "</span>\n");
+  AppendSectionRaw(in.sections, Section::kDateRange, "</span>\n");
 }
 
 void AddAdvancedParts(const FormInput& in) {
@@ -222,7 +223,7 @@ void AddAdvancedParts(const FormInput& in) {
   AddMatchOptions(in);
   AddHidden(in, "vela_sort", in.request.sort);
   AddHidden(in, "vela_xml", 0);
-  AppendSection(in.sections, Section::kMatchOptions, "<br /><br /></span>\n");
+  AppendSectionRaw(in.sections, Section::kMatchOptions, "<br /><br /></span>\n");
   AddDateRange(in);
 }
 
@@ -237,7 +238,7 @@ void FillSearchForm(OutputSections& sections, const Settings& settings,
   AppendSafeAddress(action, scriptUrl);
   AppendSection(sections, Section::kFormStart,
                 "<form method=\"get\" action=\"%s\" class=\"vela_searchform\">\n", action.bytes);
-  AppendSection(sections, Section::kFormEnd, "</form>\n");
+  AppendSectionRaw(sections, Section::kFormEnd, "</form>\n");
   AppendSection(sections, Section::kSearchBox,
                 "<label for=\"vela_searchbox\">%s</label><input type=\"text\" name=\"vela_query\" "
                 "size=\"20\" value=\"%s\" id=\"vela_searchbox\" class=\"vela_searchbox\" />\n",
