@@ -13,7 +13,7 @@ namespace vela {
 
 namespace {
 
-constexpr size_t kLongestToken = 400;
+constexpr size_t kTokenLimit = 400;
 // A numeric character reference has at most this many bytes, its ends included.
 constexpr size_t kReferenceLimit = 7;
 // Every character may become a marked, encoded word of its own.
@@ -91,7 +91,7 @@ TokenKind NextToken(Tokenizer& tokenizer, std::string_view joinChars, std::strin
     tokenizer.rest = rest.substr(length);
   };
   for (size_t at = 0; at < rest.size(); ++at) {
-    if (at == kLongestToken) {
+    if (at == kTokenLimit) {
       token = rest.substr(0, at);
       tokenizer.rest = {};
       return TokenKind::kWord;
@@ -149,8 +149,8 @@ bool HighlightText(std::string_view text, const HighlightTerms& terms, const Hig
       out.Put(kCloseMark);
     }
   }
-  constexpr size_t kLongestEncoding = 8;  // "&#-128;"
-  const size_t room = std::max(capacity, out.view().size() * kLongestEncoding) + 1;
+  constexpr size_t kEncodingLimit = 8;  // "&#-128;"
+  const size_t room = std::max(capacity, out.view().size() * kEncodingLimit) + 1;
   if (!marked.TryAllocate(room) || !scratch.TryAllocate(room)) return false;
   length = EncodeJoinChars(out.view(), marked.data(), rules.joinChars);
   ReplaceAll(marked.data(), &length, capacity, scratch.data(), kOpenMark, kOpenTag);

@@ -6,7 +6,8 @@ Highlighted::Highlighted(std::string_view text, const Settings& settings,
                          const HighlightTerms& terms) {
   if (settings.Highlighting != 0 && !text.empty()) {
     size_t length = 0;
-    const HighlightRules rules = {WordMode(settings), View(settings.WordJoinChars)};
+    const HighlightRules rules = {.mode = WordMode(settings),
+                                  .joinChars = View(settings.WordJoinChars)};
     if (HighlightText(text, terms, rules, shown_, length)) return;
   }
   if (shown_.TryAllocate(text.size() + 1)) text.copy(shown_.data(), text.size());

@@ -233,7 +233,7 @@ void FillSearchForm(OutputSections& sections, const Settings& settings,
                     const SearchRequest& request, const char* displayQuery,
                     std::string_view scriptUrl) {
   if (settings.FormFormat < 1) return;
-  const FormInput in = {sections, settings, request};
+  const FormInput in = {.sections = sections, .settings = settings, .request = request};
   FixedText<6144> action;
   AppendSafeAddress(action, scriptUrl);
   AppendSection(sections, Section::kFormStart,

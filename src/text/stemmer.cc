@@ -17,7 +17,7 @@ constexpr int32_t kHungarian = 6;
 constexpr int32_t kRomanian = 11;
 constexpr int32_t kRussian = 12;
 
-constexpr size_t kLongestStem = 2084;
+constexpr size_t kStemLimit = 2084;
 
 // A word with one of these is a name or a number rather than a form of something else.
 constexpr std::string_view kNotStemmed = "`0123456789-=[]\\;',./~!@#$%^&*_+|:\"<>?";
@@ -58,7 +58,7 @@ bool Stemmer::StemWord(FixedText<2086>& word) {
                                      static_cast<int>(text.size()));
   if (stem == nullptr) return false;
   const std::string_view stemmed = reinterpret_cast<const char*>(stem);
-  if (stemmed.empty() || stemmed.size() > kLongestStem) return false;
+  if (stemmed.empty() || stemmed.size() > kStemLimit) return false;
   Set(word, stemmed);
   return true;
 }

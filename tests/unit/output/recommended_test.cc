@@ -37,7 +37,11 @@ struct Links {
   std::string Write() {
     EXPECT_TRUE(ParseQuery(query, site.settings));
     EXPECT_TRUE(CollectHighlightTerms(highlight, query.terms, true));
-    const RecommendedInput input = {site.settings, query, "red+oak", site.files, highlight};
+    const RecommendedInput input = {.settings = site.settings,
+                                    .query = query,
+                                    .encodedQuery = "red+oak",
+                                    .files = site.files,
+                                    .highlight = highlight};
     ok = WriteRecommended(captured.response, sections, input, shown);
     return captured.response.xml ? captured.Text()
                                  : std::string(SectionText(sections, Section::kRecommended));

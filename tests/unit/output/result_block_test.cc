@@ -49,8 +49,13 @@ struct Blocks {
     }
   }
   std::string Write() {
-    const ResultBlocks blocks = {site.settings, request,         query,    links,
-                                 site.files,    site.dictionary, highlight};
+    const ResultBlocks blocks = {.settings = site.settings,
+                                 .request = request,
+                                 .query = query,
+                                 .links = links,
+                                 .files = site.files,
+                                 .dictionary = site.dictionary,
+                                 .highlight = highlight};
     status = WriteResultBlocks(captured.response, sections, blocks, results);
     return captured.response.xml ? captured.Text() : std::string(sections.results.view());
   }

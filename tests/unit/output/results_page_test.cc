@@ -42,7 +42,14 @@ struct Page {
     EXPECT_TRUE(AllocateSections(sections, 10));
   }
   ResultsPage All() const {
-    return {settings, request, query, links, matches, filters, skipped, suggestions};
+    return {.settings = settings,
+            .request = request,
+            .query = query,
+            .links = links,
+            .matches = matches,
+            .filters = filters,
+            .skipped = skipped,
+            .suggestions = suggestions};
   }
   void Head() { WriteResultsHead(captured.response, sections, All()); }
   void Foot() { WriteResultsFoot(captured.response, sections, All()); }

@@ -31,7 +31,11 @@ struct Page {
   }
   std::string Filled(bool xml = false) {
     CapturedResponse captured(xml);
-    FillTemplate(captured.response, {settings, site.directory, sections, displayQuery, scriptUrl});
+    FillTemplate(captured.response, {.settings = settings,
+                                     .directory = site.directory,
+                                     .sections = sections,
+                                     .displayQuery = displayQuery,
+                                     .scriptUrl = scriptUrl});
     return captured.Text();
   }
   std::string Fill(std::string_view text) {
