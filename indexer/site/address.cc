@@ -6,6 +6,7 @@
 #include "indexer/report/index_error.h"
 #include "indexer/words/clean_text.h"
 #include "text/ascii.h"
+#include "text/percent_code.h"
 
 namespace vela::indexer {
 
@@ -15,21 +16,6 @@ namespace {
 bool IsPlain(char c) {
   constexpr std::string_view kPlain = "-._~/@:,;=+$!*()";
   return IsAlphaNumeric(c) || kPlain.find(c) != kPlain.npos;
-}
-
-void AppendEncoded(std::string& out, char c) {
-  constexpr char kHex[] = "0123456789ABCDEF";
-  const auto byte = static_cast<unsigned char>(c);
-  out += '%';
-  out += kHex[byte >> 4];
-  out += kHex[byte & 15];
-}
-
-int HexValue(char c) {
-  if (IsDigit(c)) return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
 }
 
 struct AddressParts {
@@ -126,7 +112,7 @@ std::string PageAddress(std::string_view base, std::string_view path) {
     if (IsPlain(c)) {
       address += c;
     } else {
-      AppendEncoded(address, c);
+      address += PercentCode(c).view();
     }
   }
   return address;
@@ -140,21 +126,20 @@ std::string AsEncoded(std::string_view address) {
   for (size_t i = out.size(); i < address.size(); ++i) {
     const char c = address[i];
     if (c == '?') inPath = false;
-    const int high = c == '%' && i + 2 < address.size() ? HexValue(address[i + 1]) : -1;
-    const int low = high >= 0 ? HexValue(address[i + 2]) : -1;
-    if (low >= 0) {
-      const char decoded = static_cast<char>(high * 16 + low);
-      i += 2;
+    const int code = ReadPercentCode(address.substr(i));
+    if (code >= 0) {
+      const char decoded = static_cast<char>(code);
+      i += kPercentCodeLength - 1;
       // An escaped "/" or "*" divides and matches nothing; a query keeps its escapes.
       if (inPath && IsPlain(decoded) && decoded != '/' && decoded != '*') {
         out += decoded;
       } else {
-        AppendEncoded(out, decoded);
+        out += PercentCode(decoded).view();
       }
     } else if (IsPlain(c) || c == '?' || c == '#' || (!inPath && c == '&')) {
       out += c;
     } else {
-      AppendEncoded(out, c);
+      out += PercentCode(c).view();
     }
   }
   return out;
@@ -213,7 +198,7 @@ std::string StoredAddress(std::string_view address) {
       out += "&amp;";
     } else if (byte <= 0x20 || byte >= 0x7F || c == '|' || c == '"' || c == '\'' || c == '<' ||
                c == '>' || c == '\\' || c == '`') {
-      AppendEncoded(out, c);
+      out += PercentCode(c).view();
     } else {
       out += c;
     }
@@ -231,10 +216,10 @@ std::string AddressText(std::string_view address, std::string_view base) {
   if (dot != path.npos && dot > name) path = path.substr(0, dot);
   std::string text;
   for (size_t i = 0; i < path.size(); ++i) {
-    if (path[i] == '%' && i + 2 < path.size() && HexValue(path[i + 1]) >= 0 &&
-        HexValue(path[i + 2]) >= 0) {
-      text += static_cast<char>(HexValue(path[i + 1]) * 16 + HexValue(path[i + 2]));
-      i += 2;
+    const int code = ReadPercentCode(path.substr(i));
+    if (code >= 0) {
+      text += static_cast<char>(code);
+      i += kPercentCodeLength - 1;
     } else {
       text += path[i] == '/' ? ' ' : path[i];
     }

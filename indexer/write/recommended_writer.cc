@@ -8,6 +8,7 @@
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
+#include "text/edit.h"
 #include "text/lower.h"
 #include "text/word_split.h"
 

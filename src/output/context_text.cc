@@ -1,5 +1,6 @@
 #include "output/context_text.h"
 
+#include "text/edit.h"
 #include "text/fixed_text.h"
 
 namespace vela {
@@ -105,12 +106,6 @@ void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const 
   }
 }
 
-std::string_view TrimBlanks(std::string_view text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 // Hands the context to `write`, piece by piece.
 template <typename Write>
 void WriteContext(const ContextForm& form, const SnippetSource& source, const ResultEntry& entry,
@@ -125,7 +120,7 @@ void WriteContext(const ContextForm& form, const SnippetSource& source, const Re
     Passage plain;
     BuildPassage(source, piece, form, marked, plain);
     // A passage that says what the title says is worth nothing.
-    if (!isWritten && TrimBlanks(View(plain)) == TrimBlanks(title)) break;
+    if (!isWritten && TrimCharacters(View(plain), " ") == TrimCharacters(title, " ")) break;
     write(form.before);
     write(View(marked));
     isWritten = true;

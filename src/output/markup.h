@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "text/fixed_text.h"
+#include "text/percent_code.h"
 
 namespace vela {
 
@@ -28,7 +29,8 @@ FixedText<N> EscapedRequestText(std::string_view text) {
 
 // Writes `text` form-encoded to `out` of `capacity` bytes, terminated: letters, digits, "-" and "_"
 // stay, a blank becomes "+", any other byte "%" and its upper-case hexadecimal number without
-// leading zero. Kept: a byte below 16 ends the text behind its one digit. Returns the length.
+// leading zero. Kept: a byte below 16 ends the text behind its one digit (unit markup_test).
+// Returns the length.
 size_t UrlEncode(std::string_view text, char* out, size_t capacity);
 
 // Percent-encodes the bytes of `text` that could end an attribute or a script text: double quotes,
@@ -66,7 +68,7 @@ template <size_t N>
 void AppendSafeAddress(FixedText<N>& out, std::string_view text) {
   for (char c : text) {
     if (IsUnsafeInAddress(c)) {
-      Appendf(out, "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
+      Append(out, PercentCode(c).view());
     } else {
       Append(out, {&c, 1});
     }

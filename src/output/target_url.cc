@@ -2,6 +2,7 @@
 
 #include "output/markup.h"
 #include "text/edit.h"
+#include "text/percent_code.h"
 
 namespace vela {
 
@@ -24,7 +25,7 @@ LinkText PdfTarget(std::string_view url, std::string_view query) {
   for (char c : query) {
     if (c == '"') continue;
     if (c != '\\' && IsUnsafeInAddress(c)) {
-      Appendf(target, "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
+      Append(target, PercentCode(c).view());
     } else {
       Append(target, {&c, 1});
     }

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include "text/ascii.h"
+#include "text/percent_code.h"
 
 namespace vela {
 
@@ -10,25 +10,11 @@ namespace {
 
 constexpr size_t kDirectoryArgumentLimit = 260;
 
-int HexValue(char c) {
-  if (IsDigit(c)) return c - '0';
-  const char lower = ToLowerAscii(c);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 // Takes the next byte off a percent-encoded word.
 char TakeDecoded(std::string_view& word) {
-  char decoded = word[0];
-  size_t length = 1;
-  if (decoded == '%' && word.size() > 2) {
-    const int high = HexValue(word[1]);
-    const int low = HexValue(word[2]);
-    if (high >= 0 && low >= 0) {
-      decoded = static_cast<char>(high * 16 + low);
-      length = 3;
-    }
-  }
-  word.remove_prefix(length);
+  const int code = ReadPercentCode(word);
+  const char decoded = code < 0 ? word[0] : static_cast<char>(code);
+  word.remove_prefix(code < 0 ? 1 : kPercentCodeLength);
   return decoded;
 }
 

@@ -1,4 +1,5 @@
-// ascii.h: character classes of ASCII, independent of any locale. Bytes from 0x80 up are in none.
+// ascii.h: character classes and digits of ASCII, independent of any locale. Bytes from 0x80 up are
+// in none.
 #pragma once
 
 namespace vela {
@@ -14,5 +15,11 @@ constexpr bool IsControl(char c) { return (c >= 0 && c < 0x20) || c == 0x7F; }
 constexpr bool IsPunctuation(char c) { return c > 0x20 && c < 0x7F && !IsAlphaNumeric(c); }
 constexpr char ToLowerAscii(char c) { return IsUpper(c) ? static_cast<char>(c + 0x20) : c; }
 constexpr char ToUpperAscii(char c) { return IsLower(c) ? static_cast<char>(c - 0x20) : c; }
+// The value of a hexadecimal digit of either case, or -1.
+constexpr int HexDigitValue(char c) {
+  if (IsDigit(c)) return c - '0';
+  const char lower = ToLowerAscii(c);
+  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
 
 }  // namespace vela

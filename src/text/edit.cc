@@ -14,11 +14,13 @@ constexpr std::string_view kBlanks = " \t\r\n";
 
 }  // namespace
 
-std::string_view TrimAll(std::string_view text) {
-  const size_t first = text.find_first_not_of(kBlanks);
+std::string_view TrimCharacters(std::string_view text, std::string_view characters) {
+  const size_t first = text.find_first_not_of(characters);
   if (first == text.npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(characters) - first + 1);
 }
+
+std::string_view TrimAll(std::string_view text) { return TrimCharacters(text, kBlanks); }
 
 std::string_view TrimWhitespace(std::string_view text) {
   const std::string_view trimmed = TrimAll(text);

@@ -8,8 +8,11 @@
 
 namespace vela {
 
+// `text` without any of `characters` at its ends.
+std::string_view TrimCharacters(std::string_view text, std::string_view characters);
+
 // `text` without the blanks, tabs, line feeds and carriage returns at its ends.
-// Kept: a text of nothing but these stays as it is.
+// Kept: a text of nothing but these stays as it is (unit edit_test).
 std::string_view TrimWhitespace(std::string_view text);
 
 // The same, with a text of nothing but blanks emptied.

@@ -13,13 +13,6 @@ namespace {
 // A reference is at most this long, its ";" not counted.
 constexpr size_t kReferenceLimit = 8;
 
-// The value of a hexadecimal digit, or -1.
-int HexDigit(char c) {
-  if (IsDigit(c)) return c - '0';
-  const char lower = ToLowerAscii(c);
-  return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 // A hexadecimal number as the C library reads it, white space, sign and "0x" included; 0 when
 // anything follows it.
 int32_t ReadHexadecimal(std::string_view text) {
@@ -29,7 +22,7 @@ int32_t ReadHexadecimal(std::string_view text) {
   if ((text.starts_with("0x") || text.starts_with("0X")) && text.size() > 2) text.remove_prefix(2);
   int32_t value = 0;
   for (char c : text) {
-    const int digit = HexDigit(c);
+    const int digit = HexDigitValue(c);
     if (digit < 0) return 0;
     value = value * 16 + digit;  // at most five digits: cannot overflow
   }

@@ -31,6 +31,9 @@ TEST(Ascii, ClassesHoldExactlyTheirCharacters) {
     EXPECT_EQ(IsPunctuation(c), in(kPunctuation));
     EXPECT_EQ(ToLowerAscii(c), in(kUpper) ? kLower[kUpper.find(c)] : c);
     EXPECT_EQ(ToUpperAscii(c), in(kLower) ? kUpper[kLower.find(c)] : c);
+    constexpr std::string_view kHexDigits = "0123456789abcdef";
+    const size_t value = kHexDigits.find(ToLowerAscii(c));
+    EXPECT_EQ(HexDigitValue(c), value == kHexDigits.npos ? -1 : static_cast<int>(value));
   }
 }
 

@@ -41,6 +41,13 @@ TEST(Edit, Trims) {
   }
 }
 
+TEST(Edit, TrimCharactersTakesOnlyThoseListed) {
+  EXPECT_EQ(TrimCharacters(" \ta ", " "), "\ta");
+  EXPECT_EQ(TrimCharacters("--a-b-", "-"), "a-b");
+  EXPECT_EQ(TrimCharacters("xyx", "xy"), "");
+  EXPECT_EQ(TrimCharacters("", " "), "");
+}
+
 TEST(Edit, ReplaceCharacters) {
   const struct {
     const char* what;
