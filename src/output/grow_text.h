@@ -11,7 +11,7 @@ namespace vela {
 inline constexpr int32_t kFormattedLimit = 10239;
 
 // Owns `text`, NUL-terminated, or null before TryCreate and after a release. Move-only.
-// `length` counts the bytes that were asked to be appended: kept so that a write which was cut at
+// `length` counts the bytes that were asked to be appended, so that a write which was cut at
 // kFormattedLimit still counts in full; it decides about growth only, the text ends at its NUL.
 class GrowText {
  public:

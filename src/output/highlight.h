@@ -24,7 +24,8 @@ enum class TokenKind {
 
 // Walks over a text word by word. A blank or punctuation is a token of its own; a join character
 // belongs to a word when a letter, a digit, another join character or the end follows.
-// Kept: a word of 400 characters without a break ends the walk behind these.
+// Kept: a word of 400 characters without a break ends the walk behind these (golden
+// output/highlight_word_of_401_characters).
 struct Tokenizer {
   std::string_view rest;
 };

@@ -52,7 +52,8 @@ bool ShowLink(RecommendedState& state, int64_t offset) {
   }
   const LinkText target = RecommendedTarget(settings, texts.url, state.input.encodedQuery,
                                             View(state.input.query.text));
-  // Kept: the fragment that went into the link is gone from the address shown.
+  // Kept: the fragment that went into the link is gone from the address shown (golden
+  // output/recommended_link_keeps_fragment).
   if (PointsToWords(settings)) texts.url = texts.url.substr(0, texts.url.find('#'));
   if (xml) {
     WriteRecommendedXml(state.out.response, settings, texts, target);

@@ -81,7 +81,7 @@ BlockStatus WriteResultXml(Response& response, const ResultBlocks& blocks, const
   }
   WriteDate(response, blocks, result);
   if (settings.DisplayFilesize == 1) {
-    // Kept: bytes, although a "k" follows.
+    // Kept: bytes, although a "k" follows (golden output/xml_items).
     WriteOut(response, "<vela:fileSize>%dk</vela:fileSize>\n",
              static_cast<int32_t>(PageFileSize(blocks.files.pages, result.entry.page)));
   }

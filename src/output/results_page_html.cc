@@ -67,7 +67,7 @@ void AppendSummary(OutputSections& sections, const ResultsPage& page) {
   AppendSectionRaw(sections, Section::kSummary, "<div class=\"summary\">\n");
   AppendSkippedTerms(sections, page);
   if (matches.limitReached) {
-    // Kept: one text serves for every kind of limit.
+    // Kept: one text serves for every kind of limit (golden search/match_limit).
     AppendSection(sections, Section::kSummary, "%s<br /><br />",
                   Text(language, Str::kPhraseContainsCommonWords));
   }
@@ -192,7 +192,7 @@ void AppendSorting(OutputSections& sections, const ResultsPage& page) {
   } else {
     AppendSection(sections, Section::kSorting, "<a href=\"%s\">%s</a> / ",
                   SortLink(page, kSortByRelevance).bytes, Text(language, Str::kSortByRelevance));
-    // Kept: from oldest first the link goes on to 3.
+    // Kept: from oldest first the link goes on to 3 (golden search/sort_oldest_first).
     AppendSection(
         sections, Section::kSorting, "<a href=\"%s\">%s</a>",
         SortLink(page, WrapAdd32(sort, 1)).bytes,

@@ -52,7 +52,8 @@ void AddCategoryBoxes(const FormInput& in) {
                   "<li><input type=\"checkbox\" name=\"vela_cat[]\" id=\"vela_cat%d\" value=\"%d\"",
                   i, i);
     if (!all) {
-      // Kept: a category named twice by the request is marked twice.
+      // Kept: a category named twice by the request is marked twice (golden
+      // output/form_category_box_twice).
       for (int32_t selected : in.request.categories) {
         if (selected == i) {
           AppendSectionRaw(in.sections, Section::kCategories, " checked=\"checked\"");
@@ -90,7 +91,7 @@ void AddCategories(const FormInput& in) {
   } else {
     AddCategoryList(in);
   }
-  // Kept: the check boxes have closed the span already.
+  // Kept: the check boxes have closed the span already (golden output/form_category_boxes).
   AppendSectionRaw(in.sections, Section::kCategories, "</span>\n");
 }
 

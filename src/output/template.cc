@@ -39,7 +39,7 @@ void WriteSections(Response& response, const PageParts& parts, const Section (&o
 void WriteIncludedFile(Response& response, const IndexDirectory& directory, const char* name) {
   FileImage file;
   if (!file.Open(directory, name, true)) {
-    // Kept: the break tag has a backslash.
+    // Kept: the break tag has a backslash (golden output/template_include_missing).
     WriteOut(response, "Error: Failed to include file: %s\n<br \\>", name);
     return;
   }

@@ -166,11 +166,12 @@ inline bool ShowsMetaFields(const Settings& s) {
   return s.UseMetaFields == 1 && s.DisplayMetaFields == 1;
 }
 inline bool IsUtf8(const Settings& s) { return s.UseUTF8 == 1; }
-// Kept: the stemmer takes any number but 0 for UTF-8, all else only 1 (unit stemmer_test).
+// Kept: the stemmer takes any number but 0 for UTF-8, all else only 1 (golden
+// search/stemmer_utf8_mode_two).
 inline bool StemsUtf8(const Settings& s) { return s.UseUTF8 != 0; }
 inline bool StemsWords(const Settings& s) { return s.UseStemming == 1; }
 // Kept: the query is lower-cased only with 1, words are compared without case with any number but 0
-// (unit query_test).
+// (golden output/lower_case_mode_two).
 inline bool LowersQueries(const Settings& s) { return s.ToLowerSearchWords == 1; }
 inline bool SearchesSubstrings(const Settings& s) { return s.SearchAsSubstring == 1; }
 // Only 1 lets quotes make phrases; with any other number but 0 they only group words.

@@ -25,7 +25,7 @@ LoweredCharacter LowerCharacter(std::string_view text);
 
 // Lower-cases UTF-8 text in place, character by character; the length stays. U+03C0 and U+0440 are
 // left alone. Kept: U+0130 becomes "i" followed by the second byte of the character, since the walk
-// goes on behind the bytes that were written.
+// goes on behind the bytes that were written (unit lower_test).
 void LowerUtf8(char* text, size_t length);
 
 // LowerUtf8 or LowerSingleByte, by the character set of the index.

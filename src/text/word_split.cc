@@ -45,7 +45,7 @@ void Rewrite(char* text, size_t length, std::string_view from, std::string_view 
 }
 
 void BlankColons(char* text, size_t length) {
-  // Kept: a query that holds a marker itself sees it turned into the prefix.
+  // Kept: a query that holds a marker itself sees it turned into the prefix (unit word_split_test).
   Rewrite(text, length, "site:", "[#@!]");
   Rewrite(text, length, "url:", "[#@]");
   BlankAll(text, length, ':');
