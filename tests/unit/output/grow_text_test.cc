@@ -94,6 +94,30 @@ TEST(GrowText, OneWriteIsCutAt10239) {
   }
 }
 
+TEST(GrowText, ARawWriteCutsAndGrowsAsAFormattedOne) {
+  for (const size_t written : {0u, 1u, 99u, 100u, 149u, 150u, 10239u, 10240u, 30000u}) {
+    SCOPED_TRACE(written);
+    const std::string piece = Repeat("x", written);
+    GrowText formatted;
+    GrowText raw;
+    ASSERT_TRUE(formatted.TryCreate(100) && raw.TryCreate(100));
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(raw.AppendRaw(piece), formatted.Appendf("%s", piece.c_str()));
+      EXPECT_EQ(raw.view(), formatted.view());
+      EXPECT_EQ(raw.length(), formatted.length());
+      EXPECT_EQ(raw.capacity(), formatted.capacity());
+    }
+  }
+}
+
+TEST(GrowText, ARawWriteIsNoFormat) {
+  GrowText text;
+  EXPECT_EQ(text.AppendRaw("x"), -1);
+  ASSERT_TRUE(text.TryCreate(1));
+  EXPECT_EQ(text.AppendRaw("100%s%n"), 7);
+  EXPECT_EQ(text.view(), "100%s%n");
+}
+
 TEST(GrowText, WritesFollowTheTextAlsoAfterACut) {
   GrowText text;
   ASSERT_TRUE(text.TryCreate(100));

@@ -74,13 +74,18 @@ TEST(Sections, TextIsNoFormat) {
   OutputSections sections;
   ASSERT_TRUE(AllocateSections(sections, 1));
   AppendSection(sections, Section::kHeading, "%s", "100%s%n");
-  EXPECT_EQ(SectionText(sections, Section::kHeading), "100%s%n");
+  AppendSectionRaw(sections, Section::kHeading, "%d");
+  EXPECT_EQ(SectionText(sections, Section::kHeading), "100%s%n%d");
+  AppendResultsRaw(sections, "%d%n");
+  EXPECT_EQ(sections.results.view(), "%d%n");
 }
 
 TEST(Sections, WithoutMemoryTakeNoText) {
   OutputSections sections;
   EXPECT_EQ(AppendSection(sections, Section::kHeading, "x"), -1);
   EXPECT_EQ(AppendResults(sections, "x"), -1);
+  EXPECT_EQ(AppendSectionRaw(sections, Section::kHeading, "x"), -1);
+  EXPECT_EQ(AppendResultsRaw(sections, "x"), -1);
   EXPECT_EQ(SectionText(sections, Section::kHeading), "");
 }
 
