@@ -32,7 +32,10 @@ AddressParts SplitAddress(std::string_view address) {
   address = address.substr(0, question);
   const size_t scheme = address.find("://");
   size_t pathBegin = 0;
-  if (scheme != address.npos) pathBegin = std::min(address.find('/', scheme + 3), address.size());
+  // Behind a "/" it is part of the path: "/to/https://x.example/".
+  if (scheme != address.npos && address.find('/') == scheme + 1) {
+    pathBegin = std::min(address.find('/', scheme + 3), address.size());
+  }
   parts.root = address.substr(0, pathBegin);
   parts.path = address.substr(pathBegin);
   return parts;

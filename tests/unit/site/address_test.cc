@@ -73,6 +73,8 @@ TEST(Address, Resolves) {
       {"#top", "https://x.example/a/b.html"},
       {" c.html#top ", "https://x.example/a/c.html"},
       {"c.html?x=/../y", "https://x.example/a/c.html?x=/../y"},
+      {"/to/https://y.example/z", "https://x.example/to/https://y.example/z"},
+      {"to/https://y.example/z", "https://x.example/a/to/https://y.example/z"},
       {"file:///etc/passwd", ""},
       {"javascript:alert(1)", ""},
       {"mailto:a@x.example", ""},
