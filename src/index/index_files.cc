@@ -37,7 +37,7 @@ bool OpenSpelling(SpellingTable& table, const IndexDirectory& directory, const S
     case SpellingStatus::kOk:
       return true;
     case SpellingStatus::kCannotOpen:
-      // Kept: without the line breaks of the other messages.
+      // Kept: without the line breaks of the other messages (golden index/spelling_missing).
       WriteError(response,
                  "Can not find one or more of the Vela index files. Please make sure the "
                  "generated index files are uploaded to the same path as this search script. Also "

@@ -90,7 +90,7 @@ void WritePageInfoError(Response& response, PageInfoStatus status) {
       WriteRaw(response, "Pageinfo file and PageInfoSize does not match NumPages specified.");
       break;
     case PageInfoStatus::kSlackAtEnd:
-      // Kept: called a warning, it fails the request all the same.
+      // Kept: called a warning, it fails the request all the same (golden index/pageinfo_slack).
       WriteRaw(response,
                "Warning: Pageinfo file and PageInfoSize does not match NumPages specified.");
       break;

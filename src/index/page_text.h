@@ -14,7 +14,7 @@ inline constexpr char kPageTextFileName[] = "vela_pagetext.vdat";
 
 // Whether the file holds the text that an indexer puts in its place when the index was built
 // without page text. Kept: at most six bytes are looked at, of which the seventh is then missing,
-// so that the answer is never yes.
+// so that the answer is never yes (golden index/pagetext_placeholder_is_not_seen).
 bool IsPageTextPlaceholder(std::string_view file);
 
 struct PageTextToken {

@@ -4,7 +4,7 @@ namespace vela {
 
 namespace {
 
-// Kept: a round decimal number, not 2^31.
+// Kept: a round decimal number, not 2^31 (unit seek_test).
 constexpr uint64_t kLargeFileOffset = 2000000000;
 
 }  // namespace

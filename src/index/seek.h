@@ -11,7 +11,8 @@ namespace vela {
 // position beyond the end of a file can be taken; reading there finds nothing.
 constexpr bool CanSeekTo(uint64_t offset) { return offset <= INT64_MAX; }
 
-// Writes the message of a failed seek. Kept: in XML mode the error element is not closed.
+// Writes the message of a failed seek. Kept: in XML mode the error element is not closed
+// (golden index/seek_error_in_xml_is_not_closed).
 void WriteSeekError(Response& response, uint64_t offset);
 
 // 0 when the position can be taken; otherwise writes the message and gives nonzero.

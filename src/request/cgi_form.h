@@ -61,7 +61,7 @@ void CgiDiscardBody(const CgiSource& source);
 
 // Splits and decodes the raw data of `length` bytes, which a NUL follows. A name runs to the next
 // "=", its value to the next "&". Kept: a value that ends the data and holds a "=" after decoding
-// is split and decoded once more.
+// is split and decoded once more (golden request/last_pair_is_split_again).
 [[nodiscard]] CgiResult CgiSplit(CgiForm& form, size_t length);
 
 // The value of the first pair of that name, or null; CgiNextValue goes on behind the pair found.

@@ -71,7 +71,7 @@ MetaValue ReadMultipleChoice(CgiForm& form, const char* name) {
   value.chosenCount = static_cast<uint8_t>(count);
   size_t stored = 0;
   for (size_t i = 0; i < count; ++i) {
-    // Kept: 255 itself is left out, though it is counted.
+    // Kept: 255 itself is left out, though it is counted (unit request_params_test).
     if (numbers[i] < kMetaNoIndex) value.chosen[stored++] = static_cast<uint8_t>(numbers[i] & 0xFF);
   }
   return value;

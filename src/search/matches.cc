@@ -56,7 +56,8 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
   PageMatch& match = matches.pages[record.page];
   matches.touched[record.page / 64] |= uint64_t{1} << (record.page % 64);
   if (term.isExclusion) {
-    // Kept: counts down whether or not the page had been counted.
+    // Kept: counts down whether or not the page had been counted (golden
+    // search/exclusion_counts_down_to_nothing).
     match.score = 0;
     matches.resultCount = WrapSub32(matches.resultCount, 1);
   } else if (match.score != 0) {

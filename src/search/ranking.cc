@@ -38,7 +38,8 @@ void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
 }
 
 // Whether the page passes every filter. Kept: the filters run in this order, and the counts of
-// selected categories include pages that the date range rejects afterwards.
+// selected categories include pages that the date range rejects afterwards (golden
+// search/category_counts_ignore_the_date_range).
 RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters,
                       const SearchRequest& request, int32_t effectiveTerms, bool everyPage,
                       bool& accepted) {
@@ -170,7 +171,8 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const Settings& s
                        bool everyPage, ResultList& results) {
   KeyHistogram histogram;
   // Kept: exclusions may have counted down to 0 although some pages are left, which then are in no
-  // result. Their categories are looked at all the same.
+  // result. Their categories are looked at all the same (golden
+  // search/exclusion_to_nothing_still_tests_categories).
   if (matches.resultCount == 0 && !everyPage) {
     return ListResults(matches, filters, settings, request, pages, histogram, everyPage, results);
   }

@@ -129,7 +129,8 @@ enum class LanguageLine { kStored, kIgnored, kNoMemory };
 
 // Reads one line whose first token, `key`, begins with "STR_". A key that is not in the list is
 // ignored; a later line of a key replaces the earlier one, and both count. Kept: a file that
-// repeats one key and lacks another is complete by count, and the missing text is empty.
+// repeats one key and lacks another is complete by count, and the missing text is empty (golden
+// settings/repeated_text_counts).
 LanguageLine ReadLanguageString(LanguageStrings& strings, std::string_view key,
                                 std::string_view line);
 

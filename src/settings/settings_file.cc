@@ -224,7 +224,8 @@ SettingsStatus ReadAccentTable(Settings& settings, LineReader& reader) {
 
 void ReadTextSetting(Settings& settings, const TextKey& key, std::string_view line) {
   if (key.emptiedFirst) key.store(settings, {});
-  // Kept: a file that names the date picker after the link-back address loses that address.
+  // Kept: a file that names the date picker after the link-back address loses that address
+  // (golden settings/date_picker_path_empties_link_back).
   if (key.key == "DatePickerPath") Clear(settings.LinkBackURL);
   std::string_view value;
   if (ParseQuoted(line, key.key, value)) key.store(settings, value);
@@ -286,7 +287,7 @@ SettingsStatus ReadSettingsFile(Settings& settings, const IndexDirectory& direct
 
 void WriteSettingsError(Response& response, SettingsStatus status,
                         const IndexDirectory& directory) {
-  // Kept: the line about the missing text comes ahead of the header.
+  // Kept: the line about the missing text comes ahead of the header (golden settings/48_texts).
   if (status == SettingsStatus::kMissingText) {
     WriteRaw(response,
              "Error: Missing text in the settings.vdat file. Check that your VLANG file is valid "
