@@ -46,7 +46,7 @@ if [ $mode = quick ]; then
     -R "$(tail -1 <<<"$selection")" -E '^check\.tidy$'  # which reads every file the first time
 fi
 
-scripts/install_packages.sh build serve test
+scripts/install_packages.sh build serve test site
 scripts/fetch_real_content.sh build/real_content
 build release
 build asan
