@@ -24,7 +24,7 @@ def free_port():
 def program(name):
     path = shutil.which(name, path=PROGRAM_PATH)
     if path is None:
-        raise AssertionError(f"{name} is missing: scripts/install_packages.sh serve test")
+        raise AssertionError(f"{name} is missing: scripts/install_packages.sh serve site")
     return path
 
 
