@@ -16,6 +16,12 @@ constexpr BuiltInTemplate kTemplates[] = {
 
 }  // namespace
 
+std::vector<std::string_view> BuiltInTemplates() {
+  std::vector<std::string_view> names;
+  for (const BuiltInTemplate& each : kTemplates) names.push_back(each.name);
+  return names;
+}
+
 std::string_view BuiltInTemplateFile(std::string_view name) {
   for (const BuiltInTemplate& each : kTemplates) {
     if (each.name == name) return each.file;

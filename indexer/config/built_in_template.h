@@ -2,11 +2,14 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 namespace vela::indexer {
 
-// The embedded file of the built-in template of that name ("default", "minimal", "embed"); empty
-// when there is no such template.
+// The names of all: "default", "minimal", "embed".
+std::vector<std::string_view> BuiltInTemplates();
+
+// The embedded file of the built-in template of that name; empty when there is no such template.
 std::string_view BuiltInTemplateFile(std::string_view name);
 
 inline bool IsBuiltInTemplate(std::string_view name) { return !BuiltInTemplateFile(name).empty(); }

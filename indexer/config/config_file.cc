@@ -113,10 +113,10 @@ void ReadStemming(ConfigTable& table, SiteConfig& config) {
 void ReadIndex(ConfigTable table, Options& options) {
   SiteConfig& config = options.config;
   int64_t number = 0;
-  if (table.Number("memory", 1, static_cast<int64_t>(kMostMemoryMegabytes), number)) {
+  if (table.Number("memory", 1, static_cast<int64_t>(kMemoryMegabytesLimit), number)) {
     options.memoryMegabytes = static_cast<uint64_t>(number);
   }
-  if (table.Number("max_file_size", 1, static_cast<int64_t>(kMostFileMegabytes), number)) {
+  if (table.Number("max_file_size", 1, static_cast<int64_t>(kFileMegabytesLimit), number)) {
     options.maxFileMegabytes = static_cast<uint64_t>(number);
   }
   if (table.Text("charset", kMostNameBytes, config.charset)) {

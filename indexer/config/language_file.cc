@@ -19,6 +19,15 @@ constexpr size_t kLineLimit = 2046;
 
 }  // namespace
 
+std::vector<std::string_view> BuiltInLanguages() {
+  std::vector<std::string_view> names;
+  for (const EmbeddedFile& each : EmbeddedFiles()) {
+    if (!each.name.ends_with(kLanguageEnding)) continue;
+    names.push_back(each.name.substr(0, each.name.size() - kLanguageEnding.size()));
+  }
+  return names;
+}
+
 std::string LoadLanguage(const std::string& language) {
   if (language.find('/') != language.npos || language.ends_with(kLanguageEnding)) {
     return CheckedLanguage(ReadOwnersFile(language, "--language"), language);
@@ -26,10 +35,8 @@ std::string LoadLanguage(const std::string& language) {
   const EmbeddedFile* file = FindEmbeddedFile(language + std::string(kLanguageEnding));
   if (file == nullptr) {
     std::string names;
-    for (const EmbeddedFile& each : EmbeddedFiles()) {
-      if (!each.name.ends_with(kLanguageEnding)) continue;
-      names += names.empty() ? "" : ", ";
-      names += each.name.substr(0, each.name.size() - kLanguageEnding.size());
+    for (const std::string_view each : BuiltInLanguages()) {
+      names.append(names.empty() ? "" : ", ").append(each);
     }
     throw IndexError(ExitStatus::kUsage, "There is no built-in language \"" + language +
                                              "\". Give one of " + names +

@@ -4,8 +4,12 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vela::indexer {
+
+// The names of the languages that come with the program: "dutch", "english" and so on.
+std::vector<std::string_view> BuiltInLanguages();
 
 // The lines of a built-in language ("german") or of a .vlang file; see CheckedLanguage.
 std::string LoadLanguage(const std::string& language);

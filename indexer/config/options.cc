@@ -3,106 +3,125 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 
+#include "indexer/config/completion.h"
 #include "indexer/config/config_file.h"
+#include "indexer/config/option_table.h"
 #include "indexer/report/index_error.h"
 
 namespace vela::indexer {
 
 namespace {
 
-constexpr char kDefaultConfigName[] = "vela_index.toml";
-
-// What the command line alone says; what was given wins over the configuration file.
-struct CommandLine {
-  Options given;
-  std::string configFile;
-  std::string initFile;
-};
-
-void AddOptions(CLI::App& app, CommandLine& line) {
-  Options& given = line.given;
-  app.set_version_flag("--version", "vela_index " VELA_VERSION);
-  app.add_option("--config", line.configFile,
-                 "Configuration of the site and its search; the options below win over it")
-      ->type_name("FILE");
-  app.add_option("--init", line.initFile,
-                 "Write a commented configuration file and end (default: vela_index.toml)")
-      ->type_name("[FILE]")
-      ->expected(0, 1);
-  app.add_option("--site", given.site, "Folder with the site's HTML and text files")
-      ->type_name("DIR");
-  app.add_option("--base-url", given.baseUrl,
-                 "Address of that folder on the web, such as https://www.example.org/ or /docs/")
-      ->type_name("URL");
-  app.add_option("--out", given.out,
-                 "Folder for the index; made, or replaced in one step when it exists")
-      ->type_name("INDEXDIR");
-  app.add_option("--template", given.templateName,
-                 "Page around the results: default, minimal, embed or a file of your own "
-                 "(default: the one in INDEXDIR, else default)")
-      ->type_name("NAME|FILE");
-  app.add_option("--language", given.language,
-                 "Language of the search page: a built-in one or a .vlang file (default: english)")
-      ->type_name("NAME|FILE");
-  app.add_option("--exclude", given.exclude,
-                 "Leave out files and folders of this name or path; * and ? are wild; repeatable")
-      ->type_name("PATTERN");
-  app.add_option("--memory", given.memoryMegabytes,
-                 "Memory for collecting words before they go to disk, in MB (default: 256)")
-      ->type_name("MB")
-      ->check(CLI::Range(uint64_t{1}, kMostMemoryMegabytes));
-  app.add_option("--max-file-size", given.maxFileMegabytes,
-                 "Leave out larger files, in MB (default: 20)")
-      ->type_name("MB")
-      ->check(CLI::Range(uint64_t{1}, kMostFileMegabytes));
-  app.add_flag("--quiet", given.quiet, "No progress and no summary");
-  app.footer(
-      "--site, --base-url and --out must be given here or in the configuration file.\n"
-      "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
-      "configuration, 3 no page found, 4 interrupted. Unless it is 0, an index in INDEXDIR\n"
-      "stays as it was.");
+template <typename Value>
+Value& PlaceOf(CommandLine& line, Value Options::*field) {
+  return line.options.*field;
 }
+std::string& PlaceOf(CommandLine& line, std::string CommandLine::*field) { return line.*field; }
 
-void TakeGiven(const CLI::App& app, const CommandLine& line, Options& options) {
-  const Options& given = line.given;
-  const auto take = [&](const char* name, auto& into, const auto& value) {
-    if (app.count(name) != 0) into = value;
-  };
-  take("--site", options.site, given.site);
-  take("--base-url", options.baseUrl, given.baseUrl);
-  take("--out", options.out, given.out);
-  take("--template", options.templateName, given.templateName);
-  take("--language", options.language, given.language);
-  take("--exclude", options.exclude, given.exclude);
-  take("--memory", options.memoryMegabytes, given.memoryMegabytes);
-  take("--max-file-size", options.maxFileMegabytes, given.maxFileMegabytes);
-  take("--quiet", options.quiet, given.quiet);
-}
+// The value by default, as the help tells it; empty for none.
+std::string TextOf(const std::string& value) { return value; }
+std::string TextOf(uint64_t value) { return std::to_string(value); }
+std::string TextOf(const std::vector<std::string>&) { return {}; }
 
-void CheckComplete(const Options& options) {
-  const struct {
-    const std::string& value;
-    const char* what;
-  } kNeeded[] = {
-      {options.site, "the site's folder: --site DIR, or folder in [site] of the file"},
-      {options.baseUrl, "the site's address: --base-url URL, or base_url in [site] of the file"},
-      {options.out, "the folder for the index: --out INDEXDIR, or out in [site] of the file"},
-  };
-  for (const auto& needed : kNeeded) {
-    if (!needed.value.empty()) continue;
-    throw IndexError(ExitStatus::kUsage, std::string("Give ") + needed.what +
-                                             " that --config names. Run with --help for more.");
+void AddShown(CLI::App& app, const OptionRow& row, Shown shown) {
+  const std::string name(row.name);
+  const std::string help(row.help);
+  if (shown == Shown::kHelp) {
+    app.set_help_flag(name, help);
+  } else {
+    app.set_version_flag(name, "vela_index " VELA_VERSION, help);
   }
 }
 
-// --init reads nothing, so that an option beside it would be lost without a word.
-void CheckInitAlone(const CLI::App& app) {
-  for (const CLI::Option* option : app.get_options()) {
-    if (option->count() == 0 || option->get_name() == "--init") continue;
-    throw IndexError(ExitStatus::kUsage, "--init writes an example and ends: it does not go with " +
-                                             option->get_name() +
-                                             ". Give --init alone, then change the file.");
+template <typename Value>
+void AddValue(CLI::App& app, const OptionRow& row, Value& value) {
+  const std::string otherwise = row.otherwise.empty() ? TextOf(value) : std::string(row.otherwise);
+  std::string help(row.help);
+  if (!otherwise.empty()) help += " (default: " + otherwise + ")";
+  CLI::Option* option = app.add_option(std::string(row.name), value, help);
+  option->type_name(std::string(row.value));
+  if (row.value.starts_with('[')) option->expected(0, 1);
+  if (row.limit != 0) option->check(CLI::Range(uint64_t{1}, row.limit));
+}
+
+void AddOption(CLI::App& app, const OptionRow& row, CommandLine& line) {
+  const auto add = [&](auto target) {
+    if constexpr (std::is_same_v<decltype(target), Shown>) {
+      AddShown(app, row, target);
+    } else if constexpr (std::is_same_v<decltype(target), bool Options::*>) {
+      app.add_flag(std::string(row.name), PlaceOf(line, target), std::string(row.help));
+    } else {
+      AddValue(app, row, PlaceOf(line, target));
+    }
+  };
+  std::visit(add, row.target);
+}
+
+// "--site, --base-url and --out"
+std::string NeededNames() {
+  std::vector<std::string_view> names;
+  for (const OptionRow& row : OptionTable()) {
+    if (!row.needed.empty()) names.push_back(row.name);
   }
+  std::string text;
+  for (size_t i = 0; i < names.size(); ++i) {
+    text.append(i == 0 ? "" : i + 1 < names.size() ? ", " : " and ").append(names[i]);
+  }
+  return text;
+}
+
+void CheckComplete(CommandLine& line) {
+  for (const OptionRow& row : OptionTable()) {
+    if (row.needed.empty()) continue;
+    const auto* target = std::get_if<std::string Options::*>(&row.target);
+    if (target == nullptr || !PlaceOf(line, *target).empty()) continue;
+    std::string text = "Give ";
+    text.append(row.needed).append(": ").append(row.name).append(" ").append(row.value);
+    text.append(", or ").append(row.key).append(" in [site] of the file that --config names. ");
+    throw IndexError(ExitStatus::kUsage, text.append("Run with --help for more."));
+  }
+}
+
+// What only writes something and ends reads nothing, so that an option beside it would be lost
+// without a word. Whether there is such an option.
+bool StandsAlone(const CLI::App& app) {
+  for (const OptionRow& row : OptionTable()) {
+    const std::string name(row.name);
+    if (row.alone.empty() || app.count(name) == 0) continue;
+    for (const CLI::Option* option : app.get_options()) {
+      if (option->count() == 0 || option->get_name() == name) continue;
+      std::string text = name;
+      text.append(" ").append(row.alone).append(" and ends: it does not go with ");
+      text.append(option->get_name()).append(". Give ").append(name).append(" alone");
+      throw IndexError(ExitStatus::kUsage, text.append(row.after).append("."));
+    }
+    return true;
+  }
+  return false;
+}
+
+void WriteInit(std::string file) {
+  if (file.empty()) file = kConfigFileName;
+  WriteExampleConfig(file);
+  printf("Wrote %s. Change it, then run: vela_index --config %s\n", file.c_str(), file.c_str());
+}
+
+// Runs what stands alone, or fills line.options from the configuration file and the arguments.
+// Returns whether there is a run to begin.
+bool ReadArguments(CLI::App& app, int argc, const char* const* argv, CommandLine& line) {
+  app.parse(argc, argv);
+  if (StandsAlone(app)) {
+    if (app.count("--init") != 0) WriteInit(line.initFile);
+    if (app.count("--completion") != 0) fputs(CompletionScript(line.shell).c_str(), stdout);
+    return false;
+  }
+  if (app.count("--config") != 0) {
+    line.options = Options();
+    ReadConfigFile(line.configFile, line.options);
+    app.parse(argc, argv);  // what is given here wins over the file
+  }
+  CheckComplete(line);
+  return true;
 }
 
 }  // namespace
@@ -111,24 +130,21 @@ ParsedOptions ParseOptions(int argc, const char* const* argv) {
   ParsedOptions parsed;
   CommandLine line;
   CLI::App app("Indexes a folder of web pages for Vela Search.", "vela_index");
-  AddOptions(app, line);
+  for (const OptionRow& row : OptionTable()) AddOption(app, row, line);
+  app.footer(NeededNames() +
+             " must be given here or in the configuration file.\n"
+             "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
+             "configuration, 3 no page found, 4 interrupted. Unless it is 0, an index in INDEXDIR\n"
+             "stays as it was.");
   app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
     return "vela_index: " + CLI::FailureMessage::simple(failed, error);
   });
   try {
-    app.parse(argc, argv);
-    if (app.count("--init") != 0) {
-      CheckInitAlone(app);
-      if (line.initFile.empty()) line.initFile = kDefaultConfigName;
-      WriteExampleConfig(line.initFile);
-      printf("Wrote %s. Change it, then run: vela_index --config %s\n", line.initFile.c_str(),
-             line.initFile.c_str());
+    if (ReadArguments(app, argc, argv, line)) {
+      parsed.options = std::move(line.options);
+    } else {
       parsed.exitStatus = static_cast<int>(ExitStatus::kSuccess);
-      return parsed;
     }
-    if (app.count("--config") != 0) ReadConfigFile(line.configFile, parsed.options);
-    TakeGiven(app, line, parsed.options);
-    CheckComplete(parsed.options);
   } catch (const CLI::ParseError& error) {
     const int status = app.exit(error);
     parsed.exitStatus = status == 0 ? 0 : static_cast<int>(ExitStatus::kUsage);

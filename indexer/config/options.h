@@ -10,8 +10,9 @@
 
 namespace vela::indexer {
 
-constexpr uint64_t kMostMemoryMegabytes = uint64_t{1} << 20;
-constexpr uint64_t kMostFileMegabytes = 500;
+constexpr uint64_t kMemoryMegabytesLimit = uint64_t{1} << 20;
+constexpr uint64_t kFileMegabytesLimit = 500;
+constexpr char kConfigFileName[] = "vela_index.toml";  // of --init without a name
 
 struct Options {
   std::string site;
@@ -27,8 +28,8 @@ struct Options {
 };
 
 // Reads the arguments, and the configuration file that they name. An exit status instead of options
-// means that all is said and done: help, version and --init on standard output (0), a message on
-// standard error about a wrong argument or configuration (2) or a file (1).
+// means that all is said and done: help, version, --init and --completion on standard output (0), a
+// message on standard error about a wrong argument or configuration (2) or a file (1).
 struct ParsedOptions {
   Options options;
   std::optional<int> exitStatus;

@@ -70,11 +70,26 @@ class Manual(unittest.TestCase):
     def test_options_of_help_and_manual(self):
         told = subprocess.run([BIN / "vela_index", "--help"], capture_output=True, text=True,
                               check=True).stdout
-        of_help = set(re.findall(r"^  (?:-\w,)?(--[\w-]+)", told, re.M))
-        page = text("docs", "man", "vela_index.1").replace("\\-", "-")
-        of_manual = set(re.findall(r"--[a-z][\w-]+", page.split(".SH OPTIONS")[1]))
+        # An option and what the help calls its value: "--memory MB:UINT in [1 - 9]", "--quiet  No".
+        of_help = re.findall(r"^  (?:-\w,)?(--[\w-]+(?: [A-Z[][A-Z|\]]+)?)", told, re.M)
         self.assertGreater(len(of_help), 10)
-        self.assertEqual(of_help, of_manual)
+        page = subprocess.run(
+            ["groff", "-man", "-Tlatin1", "-P-cbou", DOCS / "man" / "vela_index.1"],
+            capture_output=True, encoding="latin-1", check=True).stdout.replace("\n\n", "\n")
+        options = page.split("\nOPTIONS\n")[1].split("\nWHICH FILES ARE PAGES\n")[0]
+        heads = re.findall(r"^       (--[a-z].*)$", options, re.M)
+        # Where the text is short it stands on the line of the option, behind blanks.
+        of_manual = [option for head in heads for option in re.split(r"  ", head)[0].split(", ")]
+        self.assertEqual(sorted(of_help), sorted(of_manual))
+        for number in re.findall(r"\(default: (\d+)\)", told):
+            self.assertIn(f"{number} by default", " ".join(options.split()))
+
+    def test_exit_statuses_of_help_and_manual(self):
+        told = subprocess.run([BIN / "vela_index", "--help"], capture_output=True, text=True,
+                              check=True).stdout
+        page = text("docs", "man", "vela_index.1").split(".SH EXIT STATUS")[1]
+        self.assertEqual(re.findall(r" (\d) [a-z]", told.split("Exit status:")[1].split(".")[0]),
+                         re.findall(r"^\.B (\d)$", page, re.M))
 
     def test_keys_of_the_example_and_the_manual(self):
         example = text("assets", "vela_index.example.toml")

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "support/scratch_directory.h"
+#include "support/indexer_site.h"
 
 namespace vela::indexer {
 namespace {
@@ -28,6 +28,32 @@ TEST(Options, ReadsAll) {
   EXPECT_EQ(parsed.options.memoryMegabytes, 8u);
   EXPECT_EQ(parsed.options.maxFileMegabytes, 3u);
   EXPECT_TRUE(parsed.options.quiet);
+}
+
+TEST(Options, WhatIsGivenWinsOverTheConfigurationFile) {
+  const support::ScratchDirectory scratch;
+  const std::string file = (scratch.path() / "c.toml").string();
+  WriteFile(file,
+            "[site]\nfolder = \"/s\"\nbase_url = \"/\"\nout = \"/o\"\n"
+            "exclude = [\"a\", \"b\"]\n[index]\nmemory = 8\nmax_file_size = 3\n");
+  const ParsedOptions parsed =
+      Parse({"--out", "given", "--config", file.c_str(), "--exclude", "c", "--memory", "9"});
+  ASSERT_FALSE(parsed.exitStatus.has_value());
+  EXPECT_EQ(parsed.options.site, "/s");
+  EXPECT_EQ(parsed.options.out, "given");
+  EXPECT_EQ(parsed.options.exclude, std::vector<std::string>{"c"});
+  EXPECT_EQ(parsed.options.memoryMegabytes, 9u);
+  EXPECT_EQ(parsed.options.maxFileMegabytes, 3u);
+  EXPECT_EQ(parsed.options.language, "english");
+}
+
+TEST(Options, WhatIsMissingIsNamedWithItsKey) {
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Parse({"--site", "s"}).exitStatus, 2);
+  EXPECT_EQ(
+      testing::internal::GetCapturedStderr(),
+      "vela_index: Give the site's address: --base-url URL, or base_url in [site] of the file "
+      "that --config names. Run with --help for more.\n");
 }
 
 TEST(Options, WrongArgumentsEndWithStatus2) {
