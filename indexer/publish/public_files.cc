@@ -4,7 +4,7 @@
 
 #include "indexer/config/embedded_files.h"
 #include "indexer/publish/open_search.h"
-#include "indexer/publish/owner_files.h"
+#include "indexer/publish/search_template.h"
 #include "indexer/source/file_reading.h"
 #include "indexer/write/out_file.h"
 

@@ -1,4 +1,4 @@
-#include "indexer/publish/owner_files.h"
+#include "indexer/publish/search_template.h"
 
 #include "indexer/config/built_in_template.h"
 #include "indexer/config/embedded_files.h"

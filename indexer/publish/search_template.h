@@ -1,4 +1,4 @@
-// owner_files.h: the template that the site's owner names.
+// search_template.h: the template that the site's owner names.
 #pragma once
 
 #include <string>
