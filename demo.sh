@@ -85,7 +85,7 @@ if [ -n "$config" ]; then
   build/release/bin/vela_index --config $work/vela_index.toml --site "$site" --out $index >&2
 else
   build/release/bin/vela_index --site "$site" --base-url / --out $index \
-    --template "$project/assets/search_template.html" >&2
+    --template default >&2
 fi
 cp build/release/bin/vela_search $index/search.cgi
 

@@ -202,7 +202,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   const std::string base = CheckedBaseUrl(options.baseUrl);
   const fs::path site = ResolvedSite(options.site);
   const IndexCharset charset(options.config.charset);
-  const std::string language = LoadLanguage(options.language);
+  const Language language = LoadLanguage(options.language);
   AddXmlSettings(base, options.config);
   IndexFolder folder(options.out);
   if (IsWithin(site, folder.target())) {
@@ -219,7 +219,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
              .stop = stop,
              .summary = {}};
   IndexSummary& summary = run.summary;
-  const Finding templateFault = WriteTemplate(options, charset, folder);
+  const Finding templateFault = WriteTemplate(options, language.templateWords, charset, folder);
   if (templateFault.reason != Reason::kNone) summary.warnings.push_back(templateFault);
   const FolderSource source = {.folder = site,
                                .base = base,
@@ -233,8 +233,8 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   IndexFacts facts;
   uint64_t bytes = WriteWords(run, pages, facts);
   bytes += WriteHelp(run, pages, facts);
-  bytes +=
-      WriteSettings(folder.fresh() / "settings.vdat", facts, options.config, charset, language);
+  bytes += WriteSettings(folder.fresh() / "settings.vdat", facts, options.config, charset,
+                         language.strings);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);
   CheckStop(stop);
   folder.Commit();

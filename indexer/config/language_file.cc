@@ -1,7 +1,6 @@
 #include "indexer/config/language_file.h"
 
 #include <algorithm>
-#include <map>
 
 #include "indexer/config/embedded_files.h"
 #include "indexer/config/owner_file.h"
@@ -14,8 +13,28 @@ namespace vela::indexer {
 namespace {
 
 constexpr std::string_view kLanguageEnding = ".vlang";
+constexpr std::string_view kTemplateKeyPrefix = "TEMPLATE_";
 // What the search program reads of a line, in bytes.
 constexpr size_t kLineLimit = 2046;
+
+const EmbeddedFile* FindBuiltIn(std::string_view language) {
+  return FindEmbeddedFile(std::string(language).append(kLanguageEnding));
+}
+
+Language ReadNamed(const std::string& language) {
+  if (language.find('/') != language.npos || language.ends_with(kLanguageEnding)) {
+    return ReadLanguage(ReadOwnersFile(language, "--language"), language);
+  }
+  const EmbeddedFile* file = FindBuiltIn(language);
+  if (file != nullptr) return ReadLanguage(file->content, language);
+  std::string names;
+  for (const std::string_view each : BuiltInLanguages()) {
+    names.append(names.empty() ? "" : ", ").append(each);
+  }
+  throw IndexError(ExitStatus::kUsage, "There is no built-in language \"" + language +
+                                           "\". Give one of " + names +
+                                           ", or the path of a .vlang file.");
+}
 
 }  // namespace
 
@@ -28,32 +47,24 @@ std::vector<std::string_view> BuiltInLanguages() {
   return names;
 }
 
-std::string LoadLanguage(const std::string& language) {
-  if (language.find('/') != language.npos || language.ends_with(kLanguageEnding)) {
-    return CheckedLanguage(ReadOwnersFile(language, "--language"), language);
-  }
-  const EmbeddedFile* file = FindEmbeddedFile(language + std::string(kLanguageEnding));
-  if (file == nullptr) {
-    std::string names;
-    for (const std::string_view each : BuiltInLanguages()) {
-      names.append(names.empty() ? "" : ", ").append(each);
-    }
-    throw IndexError(ExitStatus::kUsage, "There is no built-in language \"" + language +
-                                             "\". Give one of " + names +
-                                             ", or the path of a .vlang file.");
-  }
-  return CheckedLanguage(file->content, language);
+Language LoadLanguage(const std::string& language) {
+  Language loaded = ReadNamed(language);
+  const EmbeddedFile* english = FindBuiltIn("english");
+  loaded.templateWords.merge(ReadLanguage(english->content, "english").templateWords);
+  return loaded;
 }
 
-std::string CheckedLanguage(std::string_view content, const std::string& name) {
+Language ReadLanguage(std::string_view content, const std::string& name) {
   if (content.starts_with("\xEF\xBB\xBF")) content.remove_prefix(3);
-  std::map<std::string, std::string, std::less<>> lines;
+  std::map<std::string, std::string, std::less<>> strings;  // with their quotes
+  Language language;
   while (!content.empty()) {
     const size_t end = std::min(content.find('\n'), content.size());
     const std::string_view line = TrimAll(content.substr(0, end));
     content.remove_prefix(std::min(end + 1, content.size()));
-    const size_t keyEnd = line.find_first_of(" \t=");
-    if (!line.starts_with(kLanguageKeyPrefix) || keyEnd == line.npos) continue;
+    const std::string key(line.substr(0, std::min(line.find_first_of(" \t="), line.size())));
+    const bool ofTemplate = key.starts_with(kTemplateKeyPrefix);
+    if (key.size() == line.size() || !(ofTemplate || key.starts_with(kLanguageKeyPrefix))) continue;
     const size_t open = line.find('"');
     if (open == line.npos || line.find('"', open + 1) != line.size() - 1 ||
         line.size() > kLineLimit) {
@@ -62,19 +73,22 @@ std::string CheckedLanguage(std::string_view content, const std::string& name) {
                                                "\"text\": " +
                                                std::string(line.substr(0, 80)));
     }
-    lines[std::string(line.substr(0, keyEnd))] = line.substr(open);
+    if (ofTemplate) {
+      language.templateWords[key] = line.substr(open + 1, line.size() - open - 2);
+    } else {
+      strings[key] = line.substr(open);
+    }
   }
-  std::string checked;
   for (const std::string_view key : kLanguageKeys) {
-    const auto found = lines.find(key);
-    if (found == lines.end()) {
+    const auto found = strings.find(key);
+    if (found == strings.end()) {
       throw IndexError(ExitStatus::kUsage, "The language file " + name + " lacks the text " +
                                                std::string(key) + ". Add the line " +
                                                std::string(key) + " = \"...\".");
     }
-    checked.append(key).append(" = ").append(found->second).append("\n");
+    language.strings.append(key).append(" = ").append(found->second).append("\n");
   }
-  return checked;
+  return language;
 }
 
 }  // namespace vela::indexer

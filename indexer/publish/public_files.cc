@@ -35,8 +35,8 @@ bool IsPublic(std::string_view name) {
 
 }  // namespace
 
-Finding WriteTemplate(const Options& options, const IndexCharset& charset,
-                      const IndexFolder& folder) {
+Finding WriteTemplate(const Options& options, const TemplateWords& words,
+                      const IndexCharset& charset, const IndexFolder& folder) {
   std::string name = options.templateName;
   std::string page;
   if (name.empty() && folder.OldHas(kTemplateName)) {
@@ -49,7 +49,7 @@ Finding WriteTemplate(const Options& options, const IndexCharset& charset,
     page = std::move(kept.bytes);
   } else {
     if (name.empty()) name = "default";
-    page = LoadTemplate(name, options, charset);
+    page = LoadTemplate(name, words, !options.config.searchAddress.empty(), charset);
     WriteWhole(folder.fresh() / kTemplateName, page);
   }
   if (ShowsResults(page)) return {};

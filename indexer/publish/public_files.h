@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "indexer/config/language_file.h"
 #include "indexer/config/options.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/report/reason.h"
@@ -14,8 +15,8 @@ namespace vela::indexer {
 // Writes search_template.html, the one that options.templateName gives (see LoadTemplate); when
 // that is empty, the one that the index has is kept, and a first index gets the default. Returns
 // what to warn the owner of: a template in which no result would be shown; kNone: nothing.
-Finding WriteTemplate(const Options& options, const IndexCharset& charset,
-                      const IndexFolder& folder);
+Finding WriteTemplate(const Options& options, const TemplateWords& words,
+                      const IndexCharset& charset, const IndexFolder& folder);
 
 // Writes the styles, scripts and style sheets that come with the program, always anew, and
 // vela_opensearch.xml when the address of the search is known. Asks for the folder of the search

@@ -4,7 +4,6 @@
 #include "indexer/config/embedded_files.h"
 #include "indexer/config/owner_file.h"
 #include "indexer/publish/open_search.h"
-#include "indexer/publish/template_words.h"
 #include "indexer/report/index_error.h"
 
 namespace vela::indexer {
@@ -21,7 +20,7 @@ void RemoveOpenSearchLink(std::string& page) {
 
 }  // namespace
 
-std::string LoadTemplate(const std::string& name, const Options& options,
+std::string LoadTemplate(const std::string& name, const TemplateWords& words, bool openSearch,
                          const IndexCharset& charset) {
   if (!IsBuiltInTemplate(name)) return ReadOwnersFile(name, "--template");
   const EmbeddedFile* file = FindEmbeddedFile(BuiltInTemplateFile(name));
@@ -29,9 +28,8 @@ std::string LoadTemplate(const std::string& name, const Options& options,
     throw IndexError(ExitStatus::kUsage, "This vela_index was built without the template \"" +
                                              name + "\". Give --template default or a file.");
   }
-  std::string page(file->content);
-  TranslateTemplate(page, options.language);
-  if (options.config.searchAddress.empty()) RemoveOpenSearchLink(page);
+  std::string page = FillTemplateWords(file->content, words);
+  if (!openSearch) RemoveOpenSearchLink(page);
   std::string content = charset.WithReferences(page);
   constexpr std::string_view kUtf8Meta = "<meta charset=\"utf-8\">";
   const size_t at = content.find(kUtf8Meta);
@@ -39,6 +37,26 @@ std::string LoadTemplate(const std::string& name, const Options& options,
     content.replace(at, kUtf8Meta.size(), "<meta charset=\"" + charset.name() + "\">");
   }
   return content;
+}
+
+std::string FillTemplateWords(std::string_view page, const TemplateWords& words) {
+  constexpr std::string_view kOpen = "{{";
+  constexpr std::string_view kClose = "}}";
+  std::string filled;
+  while (true) {
+    const size_t open = page.find(kOpen);
+    const size_t close = page.find(kClose, open);
+    if (close == page.npos) return filled.append(page);
+    const size_t begin = open + kOpen.size();
+    const auto word = words.find(page.substr(begin, close - begin));
+    if (word == words.end()) {
+      filled.append(page.substr(0, begin));
+      page.remove_prefix(begin);
+    } else {
+      filled.append(page.substr(0, open)).append(word->second);
+      page.remove_prefix(close + kClose.size());
+    }
+  }
 }
 
 }  // namespace vela::indexer

@@ -1,17 +1,23 @@
-// search_template.h: the template that the site's owner names.
+// search_template.h: the page around the results, built in or a file of the owner's.
 #pragma once
 
 #include <string>
+#include <string_view>
 
-#include "indexer/config/options.h"
+#include "indexer/config/language_file.h"
 #include "indexer/words/index_charset.h"
 
 namespace vela::indexer {
 
-// "default", "minimal" and "embed" are built in; anything else is a file. A built-in template is
-// brought into the language of the search page and the character set of the index, and links to
-// vela_opensearch.xml only when that is written, for a search whose address is known.
-std::string LoadTemplate(const std::string& name, const Options& options,
+// "default", "minimal" and "embed" are built in; anything else is a file, taken as it stands. A
+// built-in template is brought into the language of the search page (see FillTemplateWords) and the
+// character set of the index; it links to vela_opensearch.xml when `openSearch` says that this is
+// written. Throws IndexError.
+std::string LoadTemplate(const std::string& name, const TemplateWords& words, bool openSearch,
                          const IndexCharset& charset);
+
+// `page` with the words where it has their keys in two braces: {{TEMPLATE_SEARCH}}. Braces around
+// anything else stay.
+std::string FillTemplateWords(std::string_view page, const TemplateWords& words);
 
 }  // namespace vela::indexer

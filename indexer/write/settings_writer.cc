@@ -125,7 +125,7 @@ size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
 
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
                        const SiteConfig& config, const IndexCharset& charset,
-                       const std::string& language) {
+                       const std::string& strings) {
   SettingsText out{charset, {}};
   out.AddText("Version", VELA_VERSION);
   AddCharset(charset, out);
@@ -156,7 +156,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   out.AddCount("OutputVariantBufferSize", facts.dictionary.variantBytes);
   out.AddCount("NumPages", facts.pages);
   out.AddCount("PageInfoSize", facts.pageInfoBytes);
-  out.text += charset.WithReferences(language);
+  out.text += charset.WithReferences(strings);
   OutFile file(path);
   file.Write(out.text);
   return file.Finish();

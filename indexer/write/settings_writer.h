@@ -27,10 +27,10 @@ struct IndexFacts {
 size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended);
 
 // Writes every setting that a good results page needs, with what the configuration says instead of
-// the defaults. `language` comes from LoadLanguage. Returns the size of the file. The search
+// the defaults. `strings` are those of a Language. Returns the size of the file. The search
 // program rejects numbers above 2147483647: IndexError.
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
                        const SiteConfig& config, const IndexCharset& charset,
-                       const std::string& language);
+                       const std::string& strings);
 
 }  // namespace vela::indexer

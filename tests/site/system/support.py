@@ -17,7 +17,7 @@ SAMPLE_SITE = PROJECT / "examples/library/site"
 SAMPLE_TEMPLATE = PROJECT / "examples/library/search_template.html"
 
 
-def build_index(site, name, template=PROJECT / "assets/search_template.html", base_url="/"):
+def build_index(site, name, template="default", base_url="/"):
     """Indexes a folder and puts the search program beside the index, as on a server.
 
     Returns the index directory, with the program in it as search.cgi.

@@ -5,10 +5,17 @@ import { chmodSync, copyFileSync, mkdirSync, readFileSync, readdirSync, rmSync, 
 import path from 'node:path';
 import { assets, bin, work, writeIndex } from './environment.mjs';
 
-// Text as the tests' language files hold it: lines STR_KEY = "text".
+// Texts as language files hold them: lines STR_KEY = "text" for the program, and TEMPLATE_KEY = "text".
 function languageLines(file) {
   return readFileSync(file, 'utf8').split('\n').filter((line) => line.startsWith('STR_'))
     .map((line) => `set ${line}`);
+}
+
+// A built-in template in English, as vela_index writes it.
+function builtIn(template) {
+  const english = readFileSync(path.join(assets, 'languages/english.vlang'), 'utf8');
+  const words = Object.fromEntries([...english.matchAll(/^(TEMPLATE_\w+) = "(.*)"$/gm)].map((line) => line.slice(1)));
+  return readFileSync(path.join(assets, template), 'utf8').replace(/\{\{(\w+)\}\}/g, (_, key) => words[key]);
 }
 
 const NONE = '\\x00\\x00\\x00\\x80';
@@ -152,11 +159,7 @@ export function makeGarden(name, { settings = {}, template = 'search_template.ht
     if (/\.(css|js|xsl)$/.test(asset)) copyFileSync(path.join(assets, asset), path.join(directory, asset));
   }
   const own = path.join(directory, 'search_template.html');
-  if (typeof template === 'function') {
-    writeFileSync(own, template(readFileSync(path.join(assets, 'search_template.html'), 'utf8')));
-  } else {
-    copyFileSync(path.join(assets, template), own);
-  }
+  writeFileSync(own, typeof template === 'function' ? template(builtIn('search_template.html')) : builtIn(template));
   const program = path.join(directory, 'search.cgi');
   copyFileSync(path.join(bin, 'vela_search'), program);
   chmodSync(program, 0o755);
