@@ -36,32 +36,36 @@ void ConfigTable::Refuse(std::string_view key, const std::string& text) const {
   RefuseConfig(file_, table_->get(key)->source(), text);
 }
 
+void ConfigTable::RefuseValue(std::string_view key, const std::string& text) const {
+  Refuse(key, std::string(key) + " in " + name_ + text);
+}
+
 void ConfigTable::RefuseWhole(const std::string& text) const {
   RefuseConfig(file_, table_->source(), text);
 }
 
 std::string ConfigTable::CheckedText(std::string_view key, const toml::node& node,
-                                     size_t mostBytes) const {
+                                     size_t limit) const {
   const auto text = node.value_exact<std::string>();
-  const std::string what = std::string(key) + " in " + name_;
-  if (!text.has_value()) {
-    RefuseConfig(file_, node.source(), what + " must be a text in quotes.");
-  }
+  // An item of a list has a line of its own.
+  const auto refuse = [&](const std::string& what) {
+    RefuseConfig(file_, node.source(), std::string(key) + " in " + name_ + what);
+  };
+  if (!text.has_value()) refuse(" must be a text in quotes.");
   const bool controls =
       std::ranges::any_of(*text, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
-  if (controls) RefuseConfig(file_, node.source(), what + " must be a text of one line.");
-  if (text->size() > mostBytes) {
-    RefuseConfig(file_, node.source(),
-                 what + " holds " + std::to_string(text->size()) + " bytes; at most " +
-                     std::to_string(mostBytes) + " are possible. Make it shorter.");
+  if (controls) refuse(" must be a text of one line.");
+  if (text->size() > limit) {
+    refuse(" holds " + std::to_string(text->size()) + " bytes; at most " + std::to_string(limit) +
+           " are possible. Make it shorter.");
   }
   return *text;
 }
 
-bool ConfigTable::Text(std::string_view key, size_t mostBytes, std::string& value) {
+bool ConfigTable::Text(std::string_view key, size_t limit, std::string& value) {
   const toml::node* node = Find(key);
   if (node == nullptr) return false;
-  value = CheckedText(key, *node, mostBytes);
+  value = CheckedText(key, *node, limit);
   return true;
 }
 
@@ -71,22 +75,21 @@ bool ConfigTable::Choice(std::string_view key, std::span<const std::string_view>
   if (!Text(key, std::string::npos, text)) return false;
   const auto found = std::ranges::find(choices, text);
   if (found == choices.end()) {
-    Refuse(key, std::string(key) + " in " + name_ + " cannot be \"" + text + "\". Give one of " +
-                    Joined(choices) + ".");
+    RefuseValue(key, " cannot be \"" + text + "\". Give one of " + Joined(choices) + ".");
   }
   value = static_cast<size_t>(found - choices.begin());
   return true;
 }
 
-bool ConfigTable::Texts(std::string_view key, size_t mostBytes, std::vector<std::string>& values) {
+bool ConfigTable::Texts(std::string_view key, size_t limit, std::vector<std::string>& values) {
   const toml::node* node = Find(key);
   if (node == nullptr) return false;
   const toml::array* list = node->as_array();
   if (list == nullptr) {
-    Refuse(key, std::string(key) + " in " + name_ + " must be a list: [\"one\", \"two\"].");
+    RefuseValue(key, " must be a list: [\"one\", \"two\"].");
   }
   values.clear();
-  for (const toml::node& item : *list) values.push_back(CheckedText(key, item, mostBytes));
+  for (const toml::node& item : *list) values.push_back(CheckedText(key, item, limit));
   return true;
 }
 
@@ -95,8 +98,8 @@ bool ConfigTable::Number(std::string_view key, int64_t least, int64_t most, int6
   if (node == nullptr) return false;
   const auto number = node->value_exact<int64_t>();
   if (!number.has_value() || *number < least || *number > most) {
-    Refuse(key, std::string(key) + " in " + name_ + " must be a whole number from " +
-                    std::to_string(least) + " to " + std::to_string(most) + ", without quotes.");
+    RefuseValue(key, " must be a whole number from " + std::to_string(least) + " to " +
+                         std::to_string(most) + ", without quotes.");
   }
   value = *number;
   return true;
@@ -109,7 +112,7 @@ bool ConfigTable::Decimal(std::string_view key, double least, double most, doubl
   if (!number.has_value() || !(*number >= least && *number <= most)) {
     char range[80];
     snprintf(range, sizeof range, " must be a number from %g to %g.", least, most);
-    Refuse(key, std::string(key) + " in " + name_ + range);
+    RefuseValue(key, range);
   }
   value = *number;
   return true;
@@ -120,7 +123,7 @@ bool ConfigTable::Flag(std::string_view key, bool& value) {
   if (node == nullptr) return false;
   const auto flag = node->value_exact<bool>();
   if (!flag.has_value()) {
-    Refuse(key, std::string(key) + " in " + name_ + " must be true or false, without quotes.");
+    RefuseValue(key, " must be true or false, without quotes.");
   }
   value = *flag;
   return true;

@@ -26,11 +26,11 @@ class ConfigTable {
   ConfigTable(const toml::table* table, std::string file, std::string name)
       : table_(table), file_(std::move(file)), name_(std::move(name)) {}
 
-  // A text of one line and at most `mostBytes` bytes. False when the key is not there.
-  bool Text(std::string_view key, size_t mostBytes, std::string& value);
+  // A text of one line and at most `limit` bytes. False when the key is not there.
+  bool Text(std::string_view key, size_t limit, std::string& value);
   // The same, from one of `choices`; `value` becomes its place.
   bool Choice(std::string_view key, std::span<const std::string_view> choices, size_t& value);
-  bool Texts(std::string_view key, size_t mostBytes, std::vector<std::string>& values);
+  bool Texts(std::string_view key, size_t limit, std::vector<std::string>& values);
   bool Number(std::string_view key, int64_t least, int64_t most, int64_t& value);
   bool Decimal(std::string_view key, double least, double most, double& value);
   bool Flag(std::string_view key, bool& value);
@@ -43,6 +43,8 @@ class ConfigTable {
   std::string Where() const;
   // Refuses the value of `key`, which is there.
   [[noreturn]] void Refuse(std::string_view key, const std::string& text) const;
+  // The same, with the names of key and table before the text: " must be ...".
+  [[noreturn]] void RefuseValue(std::string_view key, const std::string& text) const;
   // The table lacks something: names the line in which it begins.
   [[noreturn]] void RefuseWhole(const std::string& text) const;
 
@@ -50,7 +52,7 @@ class ConfigTable {
 
  private:
   const toml::node* Find(std::string_view key);
-  std::string CheckedText(std::string_view key, const toml::node& node, size_t mostBytes) const;
+  std::string CheckedText(std::string_view key, const toml::node& node, size_t limit) const;
 
   const toml::table* table_;
   std::string file_;

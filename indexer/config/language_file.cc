@@ -22,7 +22,7 @@ const EmbeddedFile* FindBuiltIn(std::string_view language) {
 }
 
 Language ReadNamed(const std::string& language) {
-  if (language.find('/') != language.npos || language.ends_with(kLanguageEnding)) {
+  if (IsLanguagePath(language)) {
     return ReadLanguage(ReadOwnersFile(language, "--language"), language);
   }
   const EmbeddedFile* file = FindBuiltIn(language);
@@ -45,6 +45,10 @@ std::vector<std::string_view> BuiltInLanguages() {
     names.push_back(each.name.substr(0, each.name.size() - kLanguageEnding.size()));
   }
   return names;
+}
+
+bool IsLanguagePath(std::string_view language) {
+  return language.find('/') != language.npos || language.ends_with(kLanguageEnding);
 }
 
 Language LoadLanguage(const std::string& language) {

@@ -21,6 +21,9 @@ struct Language {
 // The names of the languages that come with the program: "dutch", "english" and so on.
 std::vector<std::string_view> BuiltInLanguages();
 
+// Whether the name of a language is that of a file.
+bool IsLanguagePath(std::string_view language);
+
 // A built-in language ("german") or a .vlang file. Template words that it lacks are English. Throws
 // IndexError; see ReadLanguage.
 Language LoadLanguage(const std::string& language);

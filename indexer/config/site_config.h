@@ -58,7 +58,7 @@ enum class DateSource : uint8_t { kMeta, kTime, kFile };
 struct SettingValue {
   bool isText = false;
   int32_t number = 0;
-  std::string text;
+  std::string text = {};
 };
 
 struct SiteConfig {

@@ -4,6 +4,7 @@ import os
 import re
 import subprocess
 import sys
+import tempfile
 import tomllib
 import unittest
 from pathlib import Path
@@ -91,14 +92,6 @@ class Manual(unittest.TestCase):
         self.assertEqual(re.findall(r" (\d) [a-z]", told.split("Exit status:")[1].split(".")[0]),
                          re.findall(r"^\.B (\d)$", page, re.M))
 
-    def test_keys_of_the_example_and_the_manual(self):
-        example = text("assets", "vela_index.example.toml")
-        keys = set(re.findall(r"^(?:# )?(\w+) = ", example, re.M))
-        page = text("docs", "man", "vela_index.toml.5")
-        self.assertGreater(len(keys), 40)
-        self.assertEqual([key for key in sorted(keys) if key not in page], [])
-        tomllib.loads(example)
-
     def test_pages_are_well_formed(self):
         pages = sorted((DOCS / "man").iterdir())
         self.assertEqual([page.name for page in pages],
@@ -107,6 +100,78 @@ class Manual(unittest.TestCase):
             run = subprocess.run(["groff", "-man", "-Tutf8", "-ww", page], capture_output=True,
                                  text=True, check=True)
             self.assertEqual(run.stderr, "", page.name)
+
+
+class Configuration(unittest.TestCase):
+    # What a table must hold before its other keys are looked at.
+    NEEDED = {"category": 'name = "n"\npages = ["a"]', "boost": 'factor = 2\npages = ["a"]',
+              "field": 'name = "n"'}
+
+    def known(self, before):
+        """The names that the indexer knows where it meets an unknown one behind `before`."""
+        with tempfile.TemporaryDirectory() as folder:
+            file = Path(folder, "a.toml")
+            file.write_text(f"{before}\nno_such_key = 1\n", encoding="utf-8")
+            told = subprocess.run([BIN / "vela_index", "--config", file], capture_output=True,
+                                  text=True).stderr
+        return told.split("Known there: ")[1].strip().rstrip(".").split(", ")
+
+    def tables(self):
+        """The keys of each table, by its heading."""
+        tables = {}
+        for name in self.known(""):
+            needed = self.NEEDED.get(name)
+            heading = f"[[{name}]]" if needed else f"[{name}]"
+            tables[heading] = self.known(f"{heading}\n{needed or ''}")
+        return tables
+
+    def test_the_manual_has_every_key_in_its_table(self):
+        page = text("docs", "man", "vela_index.toml.5").replace("\\-", "-")
+        sections = {}
+        for section in page.split("\n.SH ")[1:]:
+            title, body = section.split("\n", 1)
+            # Under .TP: .B folder, .BR html ", " text, .BR Timing " (1), " VelaInfo " (1)"
+            heads = re.findall(r"^\.TP\n\.BR? (.*)$", body, re.M)
+            sections[title] = re.findall(r"\w+", re.sub(r"\([^)]*\)", "", " ".join(heads)))
+        sections["[recommended]"].append("pages")  # a table of its own
+        tables = self.tables()
+        self.assertGreater(sum(map(len, tables.values())), 90)
+        for heading, keys in tables.items():
+            with self.subTest(heading):
+                self.assertEqual(sorted(sections[heading]), sorted(keys))
+
+    def test_the_defaults_of_the_manual_are_what_is_written(self):
+        page = text("docs", "man", "vela_index.toml.5").replace("\\-", "-")
+        told = re.findall(r'(\w+) " \((-?\d+)\)', page.split("\n.SH [settings]")[1])
+        self.assertGreater(len(told), 40)
+        with tempfile.TemporaryDirectory() as folder:
+            Path(folder, "site").mkdir()
+            Path(folder, "site/a.html").write_text("<title>A page</title>", encoding="utf-8")
+            subprocess.run([BIN / "vela_index", "--site", "site", "--base-url", "/", "--out",
+                            "index", "--quiet"], check=True, cwd=folder)
+            written = Path(folder, "index/settings.vdat").read_text(encoding="utf-8")
+        for key, value in told:
+            with self.subTest(key):
+                self.assertIn(f"\n{key} = {value}\n", written)
+
+    def test_the_example_has_every_key_in_its_table(self):
+        example = text("assets", "vela_index.example.toml")
+        tomllib.loads(example)
+        found, heading = {}, None
+        for line in example.splitlines():
+            if table := re.match(r"(?:# )?(\[+[\w.]+\]+)", line):
+                heading = table[1]
+                found.setdefault(heading, [])
+            if key := re.match(r"(?:# )?(\w+) = ", line):
+                found[heading].append(key[1])
+        self.assertIn("[recommended.pages]", found)
+        found["[recommended]"].append("pages")
+        for heading, keys in self.tables().items():
+            with self.subTest(heading):
+                if heading == "[settings]":  # a choice of them
+                    self.assertLessEqual(set(found[heading]), set(keys))
+                else:
+                    self.assertEqual(sorted(found[heading]), sorted(keys))
 
 
 class Links(unittest.TestCase):

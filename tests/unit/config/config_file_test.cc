@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "indexer/config/embedded_files.h"
+#include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "settings/settings.h"
 #include "support/indexer_site.h"
@@ -231,13 +232,34 @@ TEST(ConfigFile, TheExampleIsRightAsItStandsAndWithItsRemarksTaken) {
   const size_t file = taken.find("file = \"recommended.txt\"");
   ASSERT_NE(file, std::string::npos);
   taken.insert(file, "# ");  // the example's file does not exist
-  const SiteConfig config = Read(taken).config;
+  const Options options = Read(taken);
+  const SiteConfig& config = options.config;
   EXPECT_EQ(config.categories.size(), 1u);
   EXPECT_EQ(config.fields.size(), 1u);
   EXPECT_EQ(config.boosts.size(), 1u);
   EXPECT_EQ(config.recommended.size(), 2u);
-  EXPECT_EQ(config.stemming, -1);
   EXPECT_TRUE(config.settings.contains("MaxSearchTime"));
+  // What is no example is what holds without the line.
+  const Options without;
+  EXPECT_EQ(options.memoryMegabytes, without.memoryMegabytes);
+  EXPECT_EQ(options.maxFileMegabytes, without.maxFileMegabytes);
+  EXPECT_EQ(options.language, without.language);
+  EXPECT_EQ(config.htmlEndings, without.config.htmlEndings);
+  EXPECT_EQ(config.textEndings, without.config.textEndings);
+  EXPECT_EQ(config.charset, without.config.charset);
+  EXPECT_EQ(config.stemming, without.config.stemming);
+  EXPECT_EQ(config.dates, without.config.dates);
+  EXPECT_EQ(config.images, without.config.images);
+  EXPECT_EQ(config.styleSheet, without.config.styleSheet);
+  EXPECT_EQ(config.spelling, without.config.spelling);
+  EXPECT_EQ(config.suggestions, without.config.suggestions);
+  EXPECT_EQ(config.mostSuggestions, without.config.mostSuggestions);
+  EXPECT_EQ(config.logging, without.config.logging);
+  EXPECT_EQ(config.logFile, without.config.logFile);
+  for (const NumberKey& key : NumberKeys()) {
+    const auto found = config.settings.find(key.key);
+    EXPECT_TRUE(found == config.settings.end() || found->second.number == key.value) << key.key;
+  }
 }
 
 TEST(ConfigFile, TheExampleIsNeverWrittenOverAFile) {
