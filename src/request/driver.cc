@@ -1,9 +1,9 @@
 #include "request/driver.h"
 
 #include "index/autocomplete.h"
+#include "request/run_search.h"
 #include "request/search_context.h"
 #include "request/start_response.h"
-#include "search/driver.h"
 #include "settings/settings_file.h"
 
 namespace vela {

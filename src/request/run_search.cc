@@ -1,4 +1,4 @@
-#include "search/driver.h"
+#include "request/run_search.h"
 
 #include "output/ending.h"
 #include "output/recommended.h"

@@ -1,4 +1,4 @@
-// driver.h: the run of one search.
+// run_search.h: the stage that runs one search.
 #pragma once
 
 namespace vela {
