@@ -57,8 +57,7 @@ int main(int argc, char** argv) {
   vela::OpenIndexDirectory(directory, argv[1]);
   auto settings = std::make_unique<vela::Settings>();
   if (vela::ReadSettingsFile(*settings, directory) != vela::SettingsStatus::kOk) return 1;
-  auto response = std::make_unique<vela::Response>();
-  response->descriptor = open("/dev/null", O_WRONLY);
+  const int nowhere = open("/dev/null", O_WRONLY);
 
   const double settingsTime = MedianMicroseconds(repeats, [&] {
     auto fresh = std::make_unique<vela::Settings>();
@@ -67,7 +66,7 @@ int main(int argc, char** argv) {
   size_t dictionaryBytes = 0;
   const double dictionaryTime = MedianMicroseconds(repeats, [&] {
     vela::Dictionary dictionary;
-    if (dictionary.Load(directory, *settings, *response) != vela::DictionaryStatus::kOk) abort();
+    if (dictionary.Load(directory, *settings).status != vela::DictionaryStatus::kOk) abort();
   });
   {
     vela::FileImage file;
@@ -77,13 +76,13 @@ int main(int argc, char** argv) {
   size_t pageInfoBytes = 0;
   const double pageInfoTime = MedianMicroseconds(repeats, [&] {
     vela::PageTable pages;
-    if (vela::LoadPageInfo(pages, directory, *settings) != vela::PageInfoStatus::kOk) abort();
+    if (vela::LoadPageInfo(pages, directory, *settings) != vela::LoadStatus::kOk) abort();
     pageInfoBytes = pages.image.size();
   });
   vela::IndexFiles files;
   vela::Dictionary dictionary;
-  if (!vela::OpenIndexFiles(files, directory, *settings, *response) ||
-      dictionary.Load(directory, *settings, *response) != vela::DictionaryStatus::kOk) {
+  if (vela::OpenIndexFiles(files, directory, *settings).status != vela::LoadStatus::kOk ||
+      dictionary.Load(directory, *settings).status != vela::DictionaryStatus::kOk) {
     return 1;
   }
   std::string typed = argv[2];
@@ -103,18 +102,30 @@ int main(int argc, char** argv) {
     vela::ResultList list;
     if (!vela::ParseQuery(*query, *settings) ||
         !vela::AllocateMatches(matches, settings->NumPages) ||
-        !vela::StartTermSearch(terms, *query, *settings) ||
-        !vela::PrepareFilters(filters, *settings, request, files.pages, files.pageData.bytes())) {
+        !vela::AddSubstringAsterisks(query->terms, *settings) ||
+        !vela::StartTermSearch(terms, query->terms, *settings) ||
+        !vela::PrepareFilters(filters, {.settings = *settings,
+                                        .request = request,
+                                        .pages = files.pages,
+                                        .pageData = files.pageData.bytes(),
+                                        .site = terms.site})) {
       abort();
     }
     terms.phraseBudget = {settings->MaxContextSeeks, 0, vela::CurrentTime() + 30,
                           vela::CurrentTime};
-    const vela::TermSearchInput input = {
-        *settings,    dictionary, files.pages, files.wordMap.bytes(), files.pageText.bytes(),
-        request.sort, *response,  stemmer};
-    if (vela::SearchTerms(terms, input, matches) != vela::TermStatus::kOk ||
-        vela::RankMatches(matches, filters, *settings, request, files.pages, query->terms.size(),
-                          false, list) != vela::RankStatus::kOk) {
+    const vela::TermSearchInput input = {.settings = *settings,
+                                         .dictionary = dictionary,
+                                         .pages = files.pages,
+                                         .wordMap = files.wordMap.bytes(),
+                                         .pageText = files.pageText.bytes(),
+                                         .sort = request.sort,
+                                         .stemmer = stemmer};
+    const vela::RankInput rankInput = {.settings = *settings,
+                                       .request = request,
+                                       .pages = files.pages,
+                                       .effectiveTerms = query->terms.size()};
+    if (vela::SearchTerms(terms, input, matches).status != vela::TermStatus::kOk ||
+        vela::RankMatches(matches, filters, rankInput, list) != vela::RankStatus::kOk) {
       abort();
     }
     vela::SortResults(list, files.pages, request.sort, false);
@@ -126,7 +137,7 @@ int main(int argc, char** argv) {
   g_queryString = std::string("vela_query=") + argv[2];
   const double wholeTime = MedianMicroseconds(repeats, [&] {
     auto ctx = std::make_unique<vela::SearchContext>();
-    ctx->response.descriptor = response->descriptor;
+    ctx->response.descriptor = nowhere;
     const char* arguments[] = {"search.cgi", "/I", argv[1]};
     vela::RunRequest(*ctx, arguments, {Environment, -1});
   });

@@ -1,41 +1,53 @@
 #!/usr/bin/env python3
-"""Checks that includes point one way: a file includes only its own room's rank or a lower one,
-and no files include each other in a circle.
+"""Checks that includes point one way, between the rooms and within them, and that the picture in
+docs/architecture.md shows them as they are.
 
-    scripts/check_includes.py [ROOT]
+    scripts/check_includes.py [--picture] [ROOT]
 
-The ranks follow the way of a request through the program. The writers of output and the ending
-of a request are open to everyone, so they stand low and include little themselves.
+A file may include its own room and the rooms below it; no files include each other in a circle.
+There are no exceptions. --picture prints the picture of the code as it stands.
 """
 
+import argparse
 import pathlib
 import re
 import sys
 
-RANK_OF_ROOM = {"text": 0, "settings": 2, "index": 3, "search": 4, "output": 5, "request": 6}
-WRITERS = {"output/grow_text", "output/response", "output/sections", "output/markup"}
-WRITER_RANK = 1
-OPEN_TO_ALL = {"output/ending.h"}
-# What leads a search from the query to the finished page: it calls across all rooms, and is
-# itself called from request alone.
-RANK_OF_FILE = {"search/driver.h": 5.5, "search/driver.cc": 7}
+# From the lowest to the highest. The indexer stands on the search program's rooms; what lies in
+# indexer/ itself runs its rooms and is called "run".
+SEARCH_ROOMS = ["text", "format", "settings", "index", "search", "output", "request"]
+INDEXER_ROOMS = ["report", "words", "site", "source", "config", "extract", "collect", "write",
+                 "publish", "run"]
+# What programs beside the search program may use of it: how words compare, what the files hold.
+SHARED_ROOMS = ["text", "format", "settings", "index"]
+TOOLS = ["tools", "bench"]
 
-# Programs beside the search program use the formats, hardly the search.
-OUTSIDE = ("indexer", "tools")
-OUTSIDE_ROOMS = {"text", "settings", "index"}
-OUTSIDE_FILES = {"search/query_terms.h"}
-
+SOURCES = {".h", ".cc", ".inc"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
+PICTURE_BEGIN = "<!-- rooms: begin -->\n```\n"
+PICTURE_END = "```\n<!-- rooms: end -->"
 
 
-def rank(name):
-    """The rank of a file given as "room/file.h"; None for a file of no room."""
-    stem = name.rsplit(".", 1)[0]
-    if stem in WRITERS:
-        return WRITER_RANK
-    if name in RANK_OF_FILE:
-        return RANK_OF_FILE[name]
-    return RANK_OF_ROOM.get(name.split("/", 1)[0])
+def room_of(name):
+    """The room of a file given as "src/room/file.h" or "indexer/room/file.h"; None without one."""
+    parts = name.split("/")
+    if parts[0] == "indexer":
+        room = parts[1] if len(parts) == 3 else "run"
+        return room if room in INDEXER_ROOMS else None
+    if parts[0] == "src" and len(parts) == 3 and parts[1] in SEARCH_ROOMS:
+        return parts[1]
+    return None
+
+
+def may_include(folder, room, included_folder, included_room):
+    if folder in TOOLS:
+        return included_folder in TOOLS or included_room in SEARCH_ROOMS + INDEXER_ROOMS
+    if folder == "src":
+        return included_folder == "src" and (
+            SEARCH_ROOMS.index(included_room) <= SEARCH_ROOMS.index(room))
+    if included_folder == "src":
+        return included_room in SHARED_ROOMS
+    return INDEXER_ROOMS.index(included_room) <= INDEXER_ROOMS.index(room)
 
 
 def find_circle(graph):
@@ -61,51 +73,105 @@ def find_circle(graph):
     return []
 
 
-def main():
-    root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parents[1])
-    source = root / "src"
-    problems = []
+def read_graph(root):
+    """Every file with the files that it includes, both from the root on; and what is wrong."""
     graph = {}
-    count = 0
-
-    for path in sorted(source.rglob("*")):
-        if path.suffix not in {".h", ".cc", ".inc"}:
-            continue
-        name = path.relative_to(source).as_posix()
-        own_rank = rank(name)
-        if own_rank is None:
-            problems.append(f"src/{name}: stands in no room")
-            continue
-        count += 1
-        graph[name] = set()
-        for included in INCLUDE.findall(path.read_text(encoding="utf-8")):
-            if not (source / included).is_file():
-                problems.append(f'src/{name}: "{included}" is not named from src/')
-                continue
-            graph[name].add(included)
-            if included not in OPEN_TO_ALL and rank(included) > own_rank:
-                problems.append(f"src/{name}: includes {included}, which stands above it")
-
-    for folder in OUTSIDE:
+    problems = []
+    for folder in ["src", "indexer", *TOOLS]:
         for path in sorted((root / folder).rglob("*")):
-            if path.suffix not in {".h", ".cc"}:
+            if path.suffix not in SOURCES:
                 continue
-            count += 1
+            name = path.relative_to(root).as_posix()
+            graph[name] = set()
+            if folder not in TOOLS and room_of(name) is None:
+                problems.append(f"{name}: stands in no room")
+                continue
             for included in INCLUDE.findall(path.read_text(encoding="utf-8")):
-                room = included.split("/", 1)[0]
-                if not (source / included).is_file() or room in OUTSIDE_ROOMS:
-                    continue
-                if rank(included) > WRITER_RANK and included not in OUTSIDE_FILES:
-                    problems.append(f"{path.relative_to(root)}: includes {included}")
+                for full in ("src/" + included, included):
+                    if (root / full).is_file():
+                        graph[name].add(full)
+                        break
+                else:
+                    problems.append(f'{name}: "{included}" is named neither from src/ nor from '
+                                    "the project's folder")
+    return graph, problems
 
+
+def check_directions(graph):
+    problems = []
+    for name, includes in graph.items():
+        folder = name.split("/", 1)[0]
+        room = room_of(name)
+        if folder not in TOOLS and room is None:
+            continue
+        for included in sorted(includes):
+            included_folder = included.split("/", 1)[0]
+            included_room = room_of(included)
+            if included_folder not in TOOLS and included_room is None:
+                continue
+            if not may_include(folder, room, included_folder, included_room):
+                problems.append(f"{name}: includes {included}, which stands above it")
     circle = find_circle(graph)
     if circle:
         problems.append("a circle: " + " -> ".join(circle))
-    if count == 0:
-        problems.append(f"no source files under {source}")
+    return problems
+
+
+def picture(graph):
+    """A line a room, a column for each room it may stand on: x where it includes from there."""
+    uses = {room: set() for room in SEARCH_ROOMS + INDEXER_ROOMS}
+    for name, includes in graph.items():
+        room = room_of(name)
+        if room is not None:
+            uses[room] |= {room_of(included) for included in includes} - {None, room}
+    lines = []
+
+    def draw(rooms, columns):
+        width = max(len(room) for room in SEARCH_ROOMS + INDEXER_ROOMS) + 1
+        lines.append(" " * width + "".join(f" {column:^3}" for column in columns))
+        for room in rooms:
+            # Only what lies below a room can be in its line.
+            below = columns[:columns.index(room)] if room in columns else columns
+            lines.append(f"{room:<{width}}" + "".join(
+                f" {'x' if column in uses[room] else '.':^{max(len(column), 3)}}"
+                for column in below))
+
+    draw(SEARCH_ROOMS, SEARCH_ROOMS[:-1])
+    lines.append("")
+    draw(INDEXER_ROOMS, SHARED_ROOMS + INDEXER_ROOMS[:-1])
+    return "".join(line.rstrip() + "\n" for line in lines)
+
+
+def check_picture(root, graph):
+    text = (root / "docs" / "architecture.md").read_text(encoding="utf-8")
+    _, begin, rest = text.partition(PICTURE_BEGIN)
+    shown, end, _ = rest.partition(PICTURE_END)
+    if not begin or not end:
+        return ["docs/architecture.md: has no picture of the rooms"]
+    if shown != picture(graph):
+        return ["docs/architecture.md: the picture of the rooms is not that of the code; "
+                "scripts/check_includes.py --picture prints it"]
+    return []
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--picture", action="store_true")
+    parser.add_argument("root", nargs="?", type=pathlib.Path,
+                        default=pathlib.Path(__file__).resolve().parents[1])
+    options = parser.parse_args()
+    graph, problems = read_graph(options.root)
+    if options.picture:
+        print(picture(graph), end="")
+        return 0
+    problems += check_directions(graph)
+    if not graph:
+        problems.append(f"no source files under {options.root}")
+    else:
+        problems += check_picture(options.root, graph)
     for problem in problems:
         print(problem)
-    print(f"{count} files, {len(problems)} problems")
+    print(f"{len(graph)} files, {len(problems)} problems")
     return 1 if problems else 0
 
 

@@ -82,22 +82,49 @@ bool TakeLine(std::string_view& rest, std::string_view& line, bool mayHoldNul) {
   return true;
 }
 
-}  // namespace
-
-DictionaryStatus Dictionary::Load(const IndexDirectory& directory, const Settings& settings,
-                                  Response& response) {
-  if (!file_.Open(directory, kDictionaryFileName, true)) {
-    WriteRaw(response,
-             "Can not find one or more of the Vela index files.<br />Please make sure the "
-             "generated index files are uploaded to the same path as this search script.<br />"
-             "Also check file permissions have been set to allow reading.<br />\n");
-    return DictionaryStatus::kFailed;
-  }
-  return Load(file_.bytes(), settings, response);
+// How many variant lines the base-word line says to follow; 0 or less for none.
+int32_t VariantLinesBehind(std::string_view line, std::string_view word) {
+  const char* const wordEnd = word.data() + word.size();
+  const char* const lineEnd = line.data() + line.size();
+  if (wordEnd == lineEnd) return 0;
+  return ReadVariantCount({wordEnd + 1, static_cast<size_t>(lineEnd - wordEnd - 1)});
 }
 
-DictionaryStatus Dictionary::Load(std::string_view bytes, const Settings& settings,
-                                  Response& response) {
+// The size of the block that the variants are taken to lie in, each with two bytes more.
+int64_t VariantBlockSize(const Settings& settings) {
+  return settings.OutputVariantBufferSize != 0 ? settings.OutputVariantBufferSize
+                                               : settings.NumVariants * kBytesPerVariant;
+}
+
+// What a variant line takes of that block; nothing when its variant is not stored.
+int64_t VariantSize(std::string_view line) {
+  const std::string_view variant = VariantOf(line);
+  return IsStored(variant) ? static_cast<int64_t>(variant.size()) + 2 : 0;
+}
+
+// Finds the word of a base-word line: empty when the line holds only blanks. False when it holds
+// none at all.
+bool FindWord(std::string_view line, std::string_view& word) {
+  const auto* blank = static_cast<const char*>(memchr(line.data(), ' ', line.size()));
+  if (blank == nullptr) return false;
+  const char* start = line.data();
+  if (blank == start) {
+    const char* const end = line.data() + line.size();
+    while (start < end && *start == ' ') ++start;
+    blank = std::find(start, end, ' ');
+  }
+  word = {start, static_cast<size_t>(blank - start)};
+  return true;
+}
+
+}  // namespace
+
+DictionaryResult Dictionary::Load(const IndexDirectory& directory, const Settings& settings) {
+  if (!file_.Open(directory, kDictionaryFileName, true)) return {DictionaryStatus::kCannotOpen};
+  return Load(file_.bytes(), settings);
+}
+
+DictionaryResult Dictionary::Load(std::string_view bytes, const Settings& settings) {
   bytes_ = bytes;
   count_ = 0;
   // The shortest base-word line has three bytes, its line feed included.
@@ -107,98 +134,45 @@ DictionaryStatus Dictionary::Load(std::string_view bytes, const Settings& settin
   if (settings.NumKeywords < 0 || words * kTableBytesPerWord > INT32_MAX ||
       bytes.size() > UINT32_MAX || !starts_.TryAllocate(wanted) ||
       !variantBits_.TryAllocate(wanted / 64 + 1)) {
-    WriteError(response, "Error: out of memory", ErrorEnd::kPlain);
-    return DictionaryStatus::kEnded;
+    return {DictionaryStatus::kNoMemory};
   }
-  if (settings.OutputBasewordBufferSize <= 0) {
-    WriteRaw(response, "Error: Could not allocate memory for storing base words.<br />");
-    return DictionaryStatus::kFailed;
-  }
-  const int64_t variantBlock = settings.OutputVariantBufferSize != 0
-                                   ? settings.OutputVariantBufferSize
-                                   : settings.NumVariants * kBytesPerVariant;
-  if (variantBlock < 0 || variantBlock > INT32_MAX) {
-    WriteError(response, "Error: Out of memory for storing word variants.", ErrorEnd::kPlain);
-    return DictionaryStatus::kFailed;
-  }
-  return ReadLines(settings, response);
+  if (settings.OutputBasewordBufferSize <= 0) return {DictionaryStatus::kNoBaseWordBlock};
+  const int64_t variantBlock = VariantBlockSize(settings);
+  if (variantBlock < 0 || variantBlock > INT32_MAX) return {DictionaryStatus::kNoVariantBlock};
+  return ReadLines(settings);
 }
 
-DictionaryStatus Dictionary::ReadLines(const Settings& settings, Response& response) {
-  if (bytes_.empty()) return DictionaryStatus::kOk;
+DictionaryResult Dictionary::ReadLines(const Settings& settings) {
+  if (bytes_.empty()) return {};
   const bool mayHoldNul = memchr(bytes_.data(), '\0', bytes_.size()) != nullptr;
-  const int64_t variantBlock = settings.OutputVariantBufferSize != 0
-                                   ? settings.OutputVariantBufferSize
-                                   : settings.NumVariants * kBytesPerVariant;
-  int64_t baseWordBytes = 0;
-  int64_t variantBytes = 0;
-  int32_t remaining = 0;  // variant lines still to come
-  int32_t entry = 0;
+  int64_t baseWordRoom = settings.OutputBasewordBufferSize;
+  int64_t variantRoom = VariantBlockSize(settings);
+  int32_t variantLines = 0;  // still to come for the last entry
+  int32_t entries = 0;
   std::string_view rest = bytes_;
   std::string_view line;
   while (TakeLine(rest, line, mayHoldNul)) {
-    if (remaining >= 1 && entry != 0) {
-      --remaining;
-      const std::string_view variant = VariantOf(line);
-      if (!IsStored(variant)) continue;
-      const auto length = static_cast<int64_t>(variant.size());
-      if (variantBytes + length + 2 > variantBlock) {
-        WriteError(response,
-                   "Error: Out of memory for storing word variants. Settings file have been "
-                   "modified or invalid.",
-                   ErrorEnd::kPlain);
-        return DictionaryStatus::kEnded;
-      }
-      variantBytes += length + 2;
+    if (variantLines > 0) {
+      --variantLines;
+      variantRoom -= VariantSize(line);
+      if (variantRoom < 0) return {DictionaryStatus::kVariantBlockFull, entries};
       continue;
     }
-    remaining = 0;
-    const auto* blank = static_cast<const char*>(memchr(line.data(), ' ', line.size()));
-    if (blank == nullptr) {
-      if (response.xml) WriteRaw(response, "<vela:error>");
-      WriteOut(response,
-               "Error: Corrupted dictionary data. Invalid dictionary entry at record #%d<br />",
-               entry);
-      if (response.xml) WriteRaw(response, "</vela:error>");
-      return DictionaryStatus::kEnded;
-    }
-    const char* start = line.data();
-    const char* const lineEnd = line.data() + line.size();
-    if (blank == start) {
-      while (start < lineEnd && *start == ' ') ++start;
-      if (start == lineEnd) continue;  // no word: the next line takes the entry
-      blank = std::find(start, lineEnd, ' ');
-    }
-    const int64_t length = blank - start;
-    if (baseWordBytes + length + 1 > settings.OutputBasewordBufferSize) {
-      WriteError(response,
-                 "Error: Out of memory for storing base words. Settings file have been modified "
-                 "or invalid.",
-                 ErrorEnd::kPlain);
-      return DictionaryStatus::kEnded;
-    }
-    baseWordBytes += length + 1;
-    starts_[static_cast<size_t>(entry)] = static_cast<uint32_t>(start - bytes_.data());
-    if (blank < lineEnd) {
-      remaining = ReadVariantCount({blank + 1, static_cast<size_t>(lineEnd - blank - 1)});
-      if (remaining > 0) {
-        variantBits_[static_cast<size_t>(entry) / 64] |= uint64_t{1} << (entry % 64);
-      }
-    }
-    ++entry;
-    if (entry > settings.NumKeywords) {
-      if (response.xml) WriteRaw(response, "<vela:error>");
-      WriteOut(response,
-               "Error: Dictionary data (entry %d) does not match NumKeywords (%d) specified in "
-               "settings.vdat<br />",
-               entry, settings.NumKeywords);
-      if (response.xml) WriteRaw(response, "</vela:error>");
-      return DictionaryStatus::kEnded;
-    }
+    std::string_view word;
+    if (!FindWord(line, word)) return {DictionaryStatus::kCorruptEntry, entries};
+    if (word.empty()) continue;  // the next line takes the entry
+    baseWordRoom -= static_cast<int64_t>(word.size()) + 1;
+    if (baseWordRoom < 0) return {DictionaryStatus::kBaseWordBlockFull, entries};
+    const auto number = static_cast<size_t>(entries);
+    starts_[number] = static_cast<uint32_t>(word.data() - bytes_.data());
+    variantLines = VariantLinesBehind(line, word);
+    if (variantLines > 0) variantBits_[number / 64] |= uint64_t{1} << (number % 64);
+    ++entries;
+    if (entries > settings.NumKeywords) return {DictionaryStatus::kTooManyEntries, entries};
   }
   bytes_ = bytes_.substr(0, bytes_.size() - rest.size());
-  count_ = entry;
-  return DictionaryStatus::kOk;
+  count_ = entries;
+  return {};
 }
 
 void Dictionary::Release() {
@@ -247,14 +221,6 @@ int32_t Dictionary::FindExact(std::string_view word, int32_t from) const {
     if (WordAt(number) == word) return number;
   }
   return -1;
-}
-
-int32_t Dictionary::StoredVariants(int32_t number) const {
-  VariantReader reader(*this, EntryAt(number));
-  std::string_view variant;
-  int32_t count = 0;
-  while (reader.Next(variant)) ++count;
-  return count;
 }
 
 std::string_view Dictionary::DisplayText(int32_t number, int32_t variant) const {

@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "output/response.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -30,18 +29,31 @@ struct DictEntry {
   size_t end = 0;            // where the lines behind the entry's own begin
 };
 
-// What stopped the loading: kEnded ends the request at once, kFailed is followed by the closing
-// message of the loader's stage. Either way the message of the cause has been written.
-enum class DictionaryStatus { kOk, kFailed, kEnded };
+enum class DictionaryStatus : uint8_t {
+  kOk,
+  kCannotOpen,         // missing, or nothing that can be read as a file
+  kNoMemory,           // also for a NumKeywords that no memory can hold
+  kNoBaseWordBlock,    // OutputBasewordBufferSize is below 1
+  kNoVariantBlock,     // the size of the variants' block is none
+  kCorruptEntry,       // a line without a blank where a base word must be
+  kBaseWordBlockFull,  // the base words need more than OutputBasewordBufferSize
+  kVariantBlockFull,   // the variants need more than their block
+  kTooManyEntries,     // more base words than NumKeywords
+};
+
+struct DictionaryResult {
+  DictionaryStatus status = DictionaryStatus::kOk;
+  // How many base words were read when the loading stopped, for kTooManyEntries with the one that
+  // is too many.
+  int32_t entries = 0;
+};
 
 class Dictionary {
  public:
-  // Opens and checks the file. On a failure its message has been written.
-  [[nodiscard]] DictionaryStatus Load(const IndexDirectory& directory, const Settings& settings,
-                                      Response& response);
+  // Opens and checks the file.
+  [[nodiscard]] DictionaryResult Load(const IndexDirectory& directory, const Settings& settings);
   // The same over bytes in memory, which must outlive the dictionary.
-  [[nodiscard]] DictionaryStatus Load(std::string_view bytes, const Settings& settings,
-                                      Response& response);
+  [[nodiscard]] DictionaryResult Load(std::string_view bytes, const Settings& settings);
   void Release();
 
   // Word numbers 0 up to size() - 1 are in use; it may be less than NumKeywords.
@@ -58,17 +70,13 @@ class Dictionary {
     return (variantBits_[static_cast<size_t>(number) / 64] >> (number % 64) & 1) != 0;
   }
 
-  // The number of stored variants of the word: none when its first variant line was too long or
-  // empty, otherwise its variant lines that are neither.
-  int32_t StoredVariants(int32_t number) const;
-
   // The text of a word in its spelling `variant`: 0 the word itself, from 1 on its stored variants
   // in order, and the word itself for a number beyond these.
   std::string_view DisplayText(int32_t number, int32_t variant) const;
 
  private:
   friend class VariantReader;
-  [[nodiscard]] DictionaryStatus ReadLines(const Settings& settings, Response& response);
+  [[nodiscard]] DictionaryResult ReadLines(const Settings& settings);
 
   FileImage file_;
   std::string_view bytes_;            // up to where loading went
@@ -77,7 +85,8 @@ class Dictionary {
   int32_t count_ = 0;
 };
 
-// Goes through the stored variants of one word in order.
+// Goes through the stored variants of one word in order: none when its first variant line was too
+// long or empty, otherwise its variant lines that are neither.
 class VariantReader {
  public:
   VariantReader(const Dictionary& dictionary, const DictEntry& entry);

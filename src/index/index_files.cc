@@ -7,97 +7,49 @@ namespace vela {
 
 namespace {
 
-void WriteCannotOpen(Response& response, const char* name) {
-  if (response.xml) WriteRaw(response, "<vela:error>");
-  WriteOut(response, "Unable to open %s<br />Check file permissions and that file exists", name);
-  if (response.xml) WriteRaw(response, "</vela:error>\n");
+LoadStatus OpenFile(FileImage& file, const IndexDirectory& directory, const char* name) {
+  return file.Open(directory, name, false) ? LoadStatus::kOk : LoadStatus::kCannotOpen;
 }
 
-bool OpenRecommended(RecommendedTies& ties, const IndexDirectory& directory,
-                     const Settings& settings, Response& response) {
-  switch (LoadRecommended(ties, directory, settings)) {
-    case RecommendedStatus::kOk:
-      return true;
-    case RecommendedStatus::kCannotOpen:
-      WriteRaw(response,
-               "Can not find one or more of the Vela index files.<br />Please make sure the "
-               "generated index files are uploaded to the same path as this search script.<br />"
-               "Also check file permissions have been set to allow reading.<br />");
-      return false;
-    case RecommendedStatus::kNoMemory:
-      break;
-  }
-  WriteError(response, "Error: out of memory", ErrorEnd::kPlain);
-  return false;
+LoadStatus OpenPageText(FileImage& file, const IndexDirectory& directory) {
+  const LoadStatus status = OpenFile(file, directory, kPageTextFileName);
+  if (status != LoadStatus::kOk || !IsPageTextPlaceholder(file.bytes())) return status;
+  file.Close();
+  return LoadStatus::kPlaceholder;
 }
 
-bool OpenSpelling(SpellingTable& table, const IndexDirectory& directory, const Settings& settings,
-                  Response& response) {
-  switch (LoadSpelling(table, directory, settings)) {
-    case SpellingStatus::kOk:
-      return true;
-    case SpellingStatus::kCannotOpen:
-      // Kept: without the line breaks of the other messages (golden index/spelling_missing).
-      WriteError(response,
-                 "Can not find one or more of the Vela index files. Please make sure the "
-                 "generated index files are uploaded to the same path as this search script. Also "
-                 "check file permissions have been set to allow reading.",
-                 ErrorEnd::kLineFeed);
-      return false;
-    case SpellingStatus::kNoMemory:
-      break;
+LoadStatus OpenIndexFile(IndexFiles& files, IndexFile file, const IndexDirectory& directory,
+                         const Settings& settings) {
+  switch (file) {
+    case IndexFile::kPageData:
+      return OpenFile(files.pageData, directory, kPageDataFileName);
+    case IndexFile::kRecommended:
+      if (settings.Recommended != 1) break;
+      return LoadRecommended(files.recommended, directory, settings);
+    case IndexFile::kPageInfo:
+      return LoadPageInfo(files.pages, directory, settings);
+    case IndexFile::kPageText:
+      if (!NeedsPageText(settings)) break;
+      return OpenPageText(files.pageText, directory);
+    case IndexFile::kWordMap:
+      return OpenFile(files.wordMap, directory, kWordMapFileName);
+    case IndexFile::kSpelling:
+      if (settings.Spelling != 1) break;
+      return LoadSpelling(files.spelling, directory, settings);
   }
-  WriteError(response, "Error: Out of memory", ErrorEnd::kLineFeed);
-  return false;
-}
-
-bool OpenPageText(FileImage& file, const IndexDirectory& directory, Response& response) {
-  if (!file.Open(directory, kPageTextFileName, false)) {
-    WriteCannotOpen(response, kPageTextFileName);
-    return false;
-  }
-  if (IsPageTextPlaceholder(file.bytes())) {
-    WriteError(response,
-               "<b>Vela config error:</b> The \"vela_pagetext.vdat\" file is not properly created "
-               "for the search settings specified in \"setting.php\"<br />Please check that you "
-               "have re-indexed and try again.",
-               ErrorEnd::kLineFeed);
-    file.Close();
-    return false;
-  }
-  return true;
+  return LoadStatus::kOk;
 }
 
 }  // namespace
 
-bool OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory, const Settings& settings,
-                    Response& response) {
-  if (!files.pageData.Open(directory, kPageDataFileName, false)) {
-    WriteCannotOpen(response, kPageDataFileName);
-    return false;
+OpenResult OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory,
+                          const Settings& settings) {
+  for (IndexFile file : {IndexFile::kPageData, IndexFile::kRecommended, IndexFile::kPageInfo,
+                         IndexFile::kPageText, IndexFile::kWordMap, IndexFile::kSpelling}) {
+    const LoadStatus status = OpenIndexFile(files, file, directory, settings);
+    if (status != LoadStatus::kOk) return {status, file};
   }
-  if (settings.Recommended == 1 &&
-      !OpenRecommended(files.recommended, directory, settings, response)) {
-    return false;
-  }
-  const PageInfoStatus status = LoadPageInfo(files.pages, directory, settings);
-  if (status != PageInfoStatus::kOk) {
-    WritePageInfoError(response, status);
-    WriteCannotOpen(response, kPageInfoFileName);
-    return false;
-  }
-  if (NeedsPageText(settings)) {
-    if (!OpenPageText(files.pageText, directory, response)) return false;
-  }
-  if (!files.wordMap.Open(directory, kWordMapFileName, false)) {
-    WriteError(response,
-               "Can not find one or more of the Vela index files.<br />Please make sure the "
-               "generated index files are uploaded to the same path as this search script.<br />"
-               "Also check file permissions have been set to allow reading.<br />\n",
-               ErrorEnd::kLineFeed);
-    return false;
-  }
-  return settings.Spelling != 1 || OpenSpelling(files.spelling, directory, settings, response);
+  return {};
 }
 
 void CloseIndexFiles(IndexFiles& files) {

@@ -1,10 +1,12 @@
 // index_files.h: the set of index files that a search request uses.
 #pragma once
 
+#include <cstdint>
+
+#include "index/load_status.h"
 #include "index/page_info.h"
 #include "index/recommended.h"
 #include "index/spelling.h"
-#include "output/response.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 
@@ -22,10 +24,24 @@ struct IndexFiles {
   SpellingTable spelling;  // only with Spelling 1
 };
 
-// Opens the files in order and checks them. False when one is missing or wrong: its message has
-// been written, and the request must be ended.
-[[nodiscard]] bool OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory,
-                                  const Settings& settings, Response& response);
+// In the order in which they are opened.
+enum class IndexFile : uint8_t {
+  kPageData,
+  kRecommended,
+  kPageInfo,
+  kPageText,
+  kWordMap,
+  kSpelling,
+};
+
+struct OpenResult {
+  LoadStatus status = LoadStatus::kOk;
+  IndexFile file = IndexFile::kPageData;  // the one at fault, when not kOk
+};
+
+// Opens the files in order and checks them, up to the first that is missing or wrong.
+[[nodiscard]] OpenResult OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory,
+                                        const Settings& settings);
 
 void CloseIndexFiles(IndexFiles& files);
 

@@ -37,64 +37,45 @@ uint64_t Field(const PageTable& pages, uint32_t page, size_t offset, size_t widt
 
 // Finds the records' starts. A record of length 0 is the start of every page behind it too, so that
 // the table never needs more entries than the image has bytes.
-PageInfoStatus FindRecords(PageTable& pages) {
+LoadStatus FindRecords(PageTable& pages) {
   const size_t lengthWidth = LayoutOf(pages).lengthWidth;
   const auto wanted = static_cast<size_t>(pages.pageCount);
   const size_t size = pages.image.size();
-  if (!pages.starts.TryAllocate(std::min(wanted, size + 1))) return PageInfoStatus::kUnreadable;
+  if (!pages.starts.TryAllocate(std::min(wanted, size + 1))) return LoadStatus::kNoMemory;
   size_t total = 0;
   for (size_t page = 0; page < wanted; ++page) {
-    if (size - total < lengthWidth) return PageInfoStatus::kRecordBeyondEnd;
+    if (size - total < lengthWidth) return LoadStatus::kRecordBeyondEnd;
     pages.starts[page] = static_cast<uint32_t>(total);
     const uint64_t length = ReadLittleEndian(pages.image, total, lengthWidth);
-    if (length > size - total) return PageInfoStatus::kRecordBeyondEnd;
+    if (length > size - total) return LoadStatus::kRecordBeyondEnd;
     if (length == 0) {
-      if (!pages.starts.TryResize(page + 1)) return PageInfoStatus::kUnreadable;
+      if (!pages.starts.TryResize(page + 1)) return LoadStatus::kNoMemory;
       break;
     }
     total += length;
   }
-  return total < size ? PageInfoStatus::kSlackAtEnd : PageInfoStatus::kOk;
+  return total < size ? LoadStatus::kSlackAtEnd : LoadStatus::kOk;
 }
 
 }  // namespace
 
-PageInfoStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
-                            const Settings& settings) {
-  if (!pages.file.Open(directory, kPageInfoFileName, true)) return PageInfoStatus::kUnreadable;
+LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
+                        const Settings& settings) {
+  if (!pages.file.Open(directory, kPageInfoFileName, true)) return LoadStatus::kCannotOpen;
   pages.big = settings.UseBigPageInfoData == 1;
   pages.pageCount = settings.NumPages;
   pages.categoryBytes = HasCategorySets(settings) && settings.NumCatBytes > 0
                             ? static_cast<size_t>(settings.NumCatBytes)
                             : 0;
-  if (settings.PageInfoSize < 0) return PageInfoStatus::kUnreadable;
+  if (settings.PageInfoSize < 0) return LoadStatus::kNoMemory;
   const auto size = static_cast<size_t>(settings.PageInfoSize);
-  if (pages.file.bytes().size() < size) return PageInfoStatus::kTooShort;
+  if (pages.file.bytes().size() < size) return LoadStatus::kTooShort;
   // One 32-bit reference a page must fit in the memory of the process.
   if (settings.NumPages < 0 || settings.NumPages > INT32_MAX / 4) {
-    return PageInfoStatus::kUnreadable;
+    return LoadStatus::kNoMemory;
   }
   pages.image = pages.file.bytes().substr(0, size);
   return FindRecords(pages);
-}
-
-void WritePageInfoError(Response& response, PageInfoStatus status) {
-  switch (status) {
-    case PageInfoStatus::kOk:
-    case PageInfoStatus::kUnreadable:
-      break;
-    case PageInfoStatus::kTooShort:
-      WriteRaw(response, "Pageinfo file does not match PageInfoSize specified.");
-      break;
-    case PageInfoStatus::kRecordBeyondEnd:
-      WriteRaw(response, "Pageinfo file and PageInfoSize does not match NumPages specified.");
-      break;
-    case PageInfoStatus::kSlackAtEnd:
-      // Kept: called a warning, it fails the request all the same (golden index/pageinfo_slack).
-      WriteRaw(response,
-               "Warning: Pageinfo file and PageInfoSize does not match NumPages specified.");
-      break;
-  }
 }
 
 uint64_t PageDataOffset(const PageTable& pages, uint32_t page) {

@@ -18,7 +18,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "output/response.h"
+#include "index/load_status.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -36,16 +36,9 @@ struct PageTable {
   OwnedArray<uint32_t> starts;  // offset of each record; the last one serves all pages behind it
 };
 
-// What went wrong with the file; kUnreadable covers a file that cannot be opened and sizes that
-// memory cannot hold.
-enum class PageInfoStatus { kOk, kUnreadable, kTooShort, kRecordBeyondEnd, kSlackAtEnd };
-
 // Opens the file and finds the start of every record.
-[[nodiscard]] PageInfoStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
-                                          const Settings& settings);
-
-// Writes the message of a file that does not fit the settings; nothing for the other outcomes.
-void WritePageInfoError(Response& response, PageInfoStatus status);
+[[nodiscard]] LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
+                                      const Settings& settings);
 
 // The fields of page `page`, 0 <= page < pageCount.
 uint64_t PageDataOffset(const PageTable& pages, uint32_t page);

@@ -14,17 +14,17 @@ constexpr int64_t kTableBytesPerTie = 512;
 
 }  // namespace
 
-RecommendedStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& directory,
-                                  const Settings& settings) {
+LoadStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& directory,
+                           const Settings& settings) {
   FileImage file;
-  if (!file.Open(directory, kRecommendedFileName, true)) return RecommendedStatus::kCannotOpen;
+  if (!file.Open(directory, kRecommendedFileName, true)) return LoadStatus::kCannotOpen;
   const int64_t wanted = int64_t{settings.NumRecommended} + 1;
   if (settings.NumRecommended < 0 || wanted * kTableBytesPerTie > INT32_MAX) {
-    return RecommendedStatus::kNoMemory;
+    return LoadStatus::kNoMemory;
   }
   const auto most = static_cast<int64_t>(file.bytes().size() / 2) + 1;
   if (!ties.dataOffsets.TryAllocate(static_cast<size_t>(std::min(wanted, most)))) {
-    return RecommendedStatus::kNoMemory;
+    return LoadStatus::kNoMemory;
   }
   LineReader reader{file.bytes()};
   std::string_view line;
@@ -35,10 +35,10 @@ RecommendedStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& d
     if (blank == line.npos || blank == 0) continue;
     ties.dataOffsets[static_cast<size_t>(ties.keywords.size())] = ReadDecimal64(line.substr(blank));
     if (!ties.keywords.TryAdd(line.substr(0, std::min(blank, kKeywordLimit)))) {
-      return RecommendedStatus::kNoMemory;
+      return LoadStatus::kNoMemory;
     }
   }
-  return RecommendedStatus::kOk;
+  return LoadStatus::kOk;
 }
 
 }  // namespace vela

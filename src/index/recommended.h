@@ -8,6 +8,7 @@
 
 #include <cstdint>
 
+#include "index/load_status.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -22,11 +23,8 @@ struct RecommendedTies {
   OwnedArray<int64_t> dataOffsets;  // one per keyword
 };
 
-enum class RecommendedStatus { kOk, kCannotOpen, kNoMemory };
-
-// Loads at most NumRecommended ties.
-[[nodiscard]] RecommendedStatus LoadRecommended(RecommendedTies& ties,
-                                                const IndexDirectory& directory,
-                                                const Settings& settings);
+// Loads at most NumRecommended ties. kOk, kCannotOpen or kNoMemory.
+[[nodiscard]] LoadStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& directory,
+                                         const Settings& settings);
 
 }  // namespace vela

@@ -39,18 +39,18 @@ size_t KeyWordLineSize(const Settings& settings) {
   return static_cast<size_t>(std::max(settings.MaxKeyWordLineLen, 2));
 }
 
-SpellingStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
-                            const Settings& settings) {
+LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
+                        const Settings& settings) {
   FileImage file;
-  if (!file.Open(directory, kSpellingFileName, true)) return SpellingStatus::kCannotOpen;
+  if (!file.Open(directory, kSpellingFileName, true)) return LoadStatus::kCannotOpen;
   const int64_t wanted = int64_t{settings.NumSpellings} + 1;
   if (settings.NumSpellings < 0 || wanted * kTableBytesPerEntry > INT32_MAX) {
-    return SpellingStatus::kNoMemory;
+    return LoadStatus::kNoMemory;
   }
   // The shortest entry has four bytes, its line feed included, and the last may lack that.
   const auto most = static_cast<int64_t>(file.bytes().size() / 3) + 1;
   if (!table.entries.TryAllocate(static_cast<size_t>(std::min(wanted, most)))) {
-    return SpellingStatus::kNoMemory;
+    return LoadStatus::kNoMemory;
   }
   LineReader reader{file.bytes()};
   std::string_view line;
@@ -59,7 +59,7 @@ SpellingStatus LoadSpelling(SpellingTable& table, const IndexDirectory& director
     if (ReadEntry(UpToNul(line), table.entries[static_cast<size_t>(table.count)])) ++table.count;
   }
   table.isLoaded = true;
-  return SpellingStatus::kOk;
+  return LoadStatus::kOk;
 }
 
 }  // namespace vela

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 
+#include "index/load_status.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -28,11 +29,9 @@ struct SpellingTable {
   bool isLoaded = false;
 };
 
-enum class SpellingStatus { kOk, kCannotOpen, kNoMemory };
-
-// Loads at most NumSpellings + 1 entries.
-[[nodiscard]] SpellingStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
-                                          const Settings& settings);
+// Loads at most NumSpellings + 1 entries. kOk, kCannotOpen or kNoMemory.
+[[nodiscard]] LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
+                                      const Settings& settings);
 
 // The size of the line buffer for the text index files: at least 2 bytes, its terminator included.
 size_t KeyWordLineSize(const Settings& settings);

@@ -21,12 +21,9 @@ WordMapRecord RecordAt(const WordList& list, int32_t i) {
           positionWord >> 24};
 }
 
-WordListStatus ReadWordList(Response& response, std::string_view file, int64_t offset,
-                            WordList& list) {
+WordListStatus ReadWordList(std::string_view file, int64_t offset, WordList& list) {
   list = {};
-  if (SeekIndexFile(response, static_cast<uint64_t>(offset)) != 0) {
-    return WordListStatus::kSeekFailed;
-  }
+  if (!CanSeekTo(static_cast<uint64_t>(offset))) return WordListStatus::kSeekFailed;
   ByteCursor cursor;
   if (static_cast<uint64_t>(offset) < file.size()) {
     cursor.rest = file.substr(static_cast<size_t>(offset));

@@ -16,8 +16,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "output/response.h"
-
 namespace vela {
 
 inline constexpr size_t kWordMapRecordSize = 10;
@@ -41,10 +39,8 @@ WordMapRecord RecordAt(const WordList& list, int32_t i);
 
 enum class WordListStatus { kOk, kSeekFailed, kMissingData };
 
-// Finds the list at `offset` of the word-map file. A failed seek has written its message; the other
-// failure writes nothing. `list` is empty unless kOk is returned, and then when the count is 0 or
-// less.
-[[nodiscard]] WordListStatus ReadWordList(Response& response, std::string_view file, int64_t offset,
-                                          WordList& list);
+// Finds the list at `offset` of the word-map file; kSeekFailed when no file has such a position.
+// `list` is empty unless kOk is returned, and then when the count is 0 or less.
+[[nodiscard]] WordListStatus ReadWordList(std::string_view file, int64_t offset, WordList& list);
 
 }  // namespace vela

@@ -4,7 +4,7 @@ namespace vela {
 
 Highlighted::Highlighted(std::string_view text, const Settings& settings,
                          const HighlightTerms& terms) {
-  if (settings.Highlighting != 0 && !text.empty()) {
+  if (PassesTextsThroughMarking(settings) && !text.empty()) {
     size_t length = 0;
     const HighlightRules rules = {.mode = WordMode(settings),
                                   .joinChars = View(settings.WordJoinChars)};

@@ -4,6 +4,7 @@
 
 #include "index/page_data.h"
 #include "index/seek.h"
+#include "output/messages.h"
 #include "output/recommended_html.h"
 #include "output/recommended_xml.h"
 #include "output/target_url.h"
@@ -24,11 +25,14 @@ struct RecommendedState {
   uint64_t filePosition = 0;  // where the page data would be read on
 };
 
-// Reads the page data line; after a failed seek, whose message has been written, the file is read
-// on from where it stands.
+// Reads the page data line. Kept: at a position that no file has, which is reported, the file is
+// read on from where it stands (unit recommended_test).
 bool ReadTexts(RecommendedState& state, int64_t offset, PageTexts& texts) {
-  if (SeekIndexFile(state.out.response, static_cast<uint64_t>(offset)) == 0) {
-    state.filePosition = static_cast<uint64_t>(offset);
+  const auto position = static_cast<uint64_t>(offset);
+  if (CanSeekTo(position)) {
+    state.filePosition = position;
+  } else {
+    WriteSeekFailure(state.out.response, position);
   }
   const std::string_view file = state.input.files.pageData.bytes();
   const uint64_t at = state.filePosition;
@@ -45,9 +49,7 @@ bool ShowLink(RecommendedState& state, int64_t offset) {
   if (state.shown == 0 && !xml) AppendRecommendedOpening(state.out);
   PageTexts texts;
   if (!ReadTexts(state, offset, texts)) {
-    WriteError(state.out.response,
-               "Error: Corrupted or invalid index files. Please re-index your and try again.",
-               ErrorEnd::kPlain);
+    WriteMessage(state.out.response, Message::kCorruptRecommended);
     return false;
   }
   const LinkText target = RecommendedTarget(settings, texts.url, state.input.encodedQuery,

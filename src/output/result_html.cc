@@ -78,6 +78,7 @@ void AppendContext(OutputSections& sections, const ResultBlocks& blocks, const R
                     {.settings = blocks.settings,
                      .dictionary = blocks.dictionary,
                      .terms = blocks.highlight,
+                     .marksWords = blocks.request.marksWords,
                      .text = text},
                     result.entry, result.texts.title);
 }

@@ -17,6 +17,7 @@ void WriteContext(Response& response, const ResultBlocks& blocks, const Result& 
                   {.settings = blocks.settings,
                    .dictionary = blocks.dictionary,
                    .terms = blocks.highlight,
+                   .marksWords = blocks.request.marksWords,
                    .text = text},
                   result.entry, result.texts.title);
 }

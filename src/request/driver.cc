@@ -1,6 +1,8 @@
 #include "request/driver.h"
 
 #include "index/autocomplete.h"
+#include "output/autocomplete.h"
+#include "output/messages.h"
 #include "request/run_search.h"
 #include "request/search_context.h"
 #include "request/start_response.h"
@@ -16,44 +18,56 @@ int LoadSettings(SearchContext& ctx) {
   // A section that cannot be had takes no text; the request goes on.
   AllocateSections(ctx.output, ctx.search.perPage);
   const SettingsStatus status = ReadSettingsFile(ctx.settings, ctx.directory);
-  if (status != SettingsStatus::kOk) {
-    WriteSettingsError(ctx.response, status, ctx.directory);
-    return 0;
+  if (status == SettingsStatus::kOk) return 1;
+  WriteSettingsFailure(ctx.response, status, ctx.directory);
+  return 0;
+}
+
+// Reads the parameters. 0 when they cannot be used: the whole response has then been written.
+int ReadRequest(SearchContext& ctx, const CgiSource& source) {
+  const ParamsResult result =
+      ReadRequestParams(ctx.request, ctx.paths.ScriptUrl, source, ctx.settings);
+  switch (result.status) {
+    case ParamsStatus::kOk:
+      return 1;
+    case ParamsStatus::kNoMemory:
+      WriteMessage(ctx.response, Message::kOutOfMemoryForForm);
+      break;
+    case ParamsStatus::kUndecodable:
+      WriteFormFailure(ctx.response, CgiResultMessage(result.decoding));
+      ctx.exitStatus = 1;
+      break;
   }
-  ctx.request.Sort = ctx.settings.DefaultSort;
-  return 1;
+  return 0;
 }
 
 int OpenIndex(SearchContext& ctx) {
-  if (!OpenIndexFiles(ctx.index, ctx.directory, ctx.settings, ctx.response)) {
-    return EndRequest(ctx);
-  }
-  return 1;
-}
-
-int LoadDictionary(SearchContext& ctx) {
-  switch (ctx.dictionary.Load(ctx.directory, ctx.settings, ctx.response)) {
-    case DictionaryStatus::kOk:
-      return 1;
-    case DictionaryStatus::kEnded:
-      return EndRequest(ctx);
-    case DictionaryStatus::kFailed:
-      break;
-  }
-  WriteError(ctx.response, "Failed to load dictionary file.<br />\n", ErrorEnd::kPlain);
+  const OpenResult result = OpenIndexFiles(ctx.index, ctx.directory, ctx.settings);
+  if (result.status == LoadStatus::kOk) return 1;
+  WriteOpenFailure(ctx.response, result);
   return EndRequest(ctx);
 }
 
-void AnswerSearch(SearchContext& ctx) {
-  if (ctx.request.AutoComplete != 0) {
-    // The suggestions are no page: no template is filled around them.
-    if (StartResponse(ctx) != 0) {
-      const auto& terms = ctx.query.terms.terms;
-      static_cast<void>(WriteAutoComplete(ctx.response, ctx.directory, ctx.settings,
-                                          {terms.data(), terms.size()}));
-    }
+int LoadDictionary(SearchContext& ctx) {
+  const DictionaryResult result = ctx.dictionary.Load(ctx.directory, ctx.settings);
+  if (result.status == DictionaryStatus::kOk) return 1;
+  WriteDictionaryFailure(ctx.response, result, ctx.settings);
+  return EndRequest(ctx);
+}
+
+// The suggestions are no page: no template is filled around them.
+void AnswerAutoComplete(SearchContext& ctx) {
+  if (StartResponse(ctx) == 0) return;
+  SuggestionReader suggestions;
+  if (suggestions.Open(ctx.directory, ctx.settings) != LoadStatus::kOk) {
+    WriteMessage(ctx.response, Message::kAutoCompleteMissing);
     return;
   }
+  const OwnedArray<std::string_view>& words = ctx.query.terms.terms;
+  WriteAutoComplete(ctx.response, suggestions, {words.data(), words.size()}, IsUtf8(ctx.settings));
+}
+
+void AnswerSearch(SearchContext& ctx) {
   if (StartResponse(ctx) != 0 && OpenIndex(ctx) != 0 && LoadDictionary(ctx) != 0) RunSearch(ctx);
 }
 
@@ -68,20 +82,11 @@ int RunRequest(SearchContext& ctx, std::span<const char* const> arguments,
     ReadDirectorySwitch(ctx.paths, further);
   }
   OpenIndexDirectory(ctx.directory, View(ctx.paths.ScriptDirectory));
-  bool isRead = false;
-  if (LoadSettings(ctx) != 0) {
-    switch (
-        ReadRequestParams(ctx.request, ctx.paths.ScriptUrl, source, ctx.settings, ctx.response)) {
-      case ParamsStatus::kOk:
-        isRead = true;
-        AnswerSearch(ctx);
-        break;
-      case ParamsStatus::kNoMemory:
-        break;
-      case ParamsStatus::kUndecodable:
-        ctx.exitStatus = 1;
-        break;
-    }
+  const bool isRead = LoadSettings(ctx) != 0 && ReadRequest(ctx, source) != 0;
+  if (isRead && ctx.request.AutoComplete != 0) {
+    AnswerAutoComplete(ctx);
+  } else if (isRead) {
+    AnswerSearch(ctx);
   }
   Flush(ctx.response);
   if (!isRead) CgiDiscardBody(source);

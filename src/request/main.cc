@@ -7,6 +7,7 @@
 #include <new>
 #include <span>
 
+#include "output/messages.h"
 #include "request/driver.h"
 #include "request/search_context.h"
 
@@ -16,18 +17,18 @@ namespace {
 constinit vela::SearchContext g_context;
 
 // The context is all the state there is, so these two can complete the response from anywhere.
-[[noreturn]] void EndWithMessage(const char* message) {
-  vela::WriteError(g_context.response, message, vela::ErrorEnd::kLineFeed);
+[[noreturn]] void EndWith(vela::Message message) {
+  vela::WriteMessage(g_context.response, message);
   vela::EndRequest(g_context);
   _exit(g_context.exitStatus);
 }
 
-void EndOutOfMemory() { EndWithMessage("Error: Out of memory"); }
+void EndOutOfMemory() { EndWith(vela::Message::kOutOfMemory); }
 
 // A mapped index file that is cut short under the running request raises this.
 void EndVanishedFile(int) {
   if (g_context.ended) _exit(g_context.exitStatus);
-  EndWithMessage("Error: Corrupted or invalid index files. Please re-index and try again.");
+  EndWith(vela::Message::kCorruptIndex);
 }
 
 const char* Environment(const char* name) { return getenv(name); }

@@ -97,16 +97,10 @@ bool ReadMetaValues(RequestParams& params, const Settings& settings) {
 
 }  // namespace
 
-ParamsStatus ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl,
-                               const CgiSource& source, const Settings& settings,
-                               Response& response) {
-  const CgiResult decoded = CgiReadForm(params.Form, source);
-  if (decoded != CgiResult::kOk) {
-    WriteRaw(response, "Content-type: text/html\n\n<H3>");
-    WriteRaw(response, CgiResultMessage(decoded));
-    WriteRaw(response, "</H3>\n");
-    return ParamsStatus::kUndecodable;
-  }
+ParamsResult ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl,
+                               const CgiSource& source, const Settings& settings) {
+  const CgiResult decoding = CgiReadForm(params.Form, source);
+  if (decoding != CgiResult::kOk) return {ParamsStatus::kUndecodable, decoding};
   CgiForm& form = params.Form;
   CgiGetInteger(form, "vela_xml", params.XmlMode, kNotGiven);
   const char* address = source.environment("REMOTE_ADDR");
@@ -116,7 +110,7 @@ ParamsStatus ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl
   params.PageDefaulted = CgiGetInteger(form, "vela_page", params.Page, 1) != CgiResult::kOk;
   CgiGetInteger(form, "vela_ac", params.AutoComplete, 0);
   CgiGetInteger(form, "vela_and", params.AndMode, kNotGiven);
-  CgiGetInteger(form, "vela_sort", params.Sort, params.Sort);
+  CgiGetInteger(form, "vela_sort", params.Sort, settings.DefaultSort);
   ReadDate(form, "vela_datefrom", params.DateFrom);
   ReadDate(form, "vela_dateto", params.DateTo);
   CgiGetInteger(form, "vela_ltimefrom", params.LastTimeFrom, 0);
@@ -125,10 +119,9 @@ ParamsStatus ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl
   const std::string_view script = CgiEnv(source, "SCRIPT_NAME");
   if (script.size() < sizeof scriptUrl.bytes) Set(scriptUrl, script);
   if (!ReadCategories(params, settings) || !ReadMetaValues(params, settings)) {
-    WriteRaw(response, "Content-type: text/html\n\nError: Memory Allocation Error");
-    return ParamsStatus::kNoMemory;
+    return {ParamsStatus::kNoMemory};
   }
-  return ParamsStatus::kOk;
+  return {};
 }
 
 void ReleaseRequestData(RequestParams& params) {

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "output/response.h"
 #include "request/cgi_form.h"
 #include "search/query.h"
 #include "search/search_request.h"
@@ -39,16 +38,19 @@ struct RequestParams {
 
 enum class ParamsStatus {
   kOk,
-  kNoMemory,     // the request ends with status 0
-  kUndecodable,  // the request ends with status 1
+  kNoMemory,
+  kUndecodable,
 };
 
-// Decodes the request and reads its parameters; `Sort` keeps its value when the request names none,
-// and `scriptUrl` becomes the program's address as the server names it. On a failure the whole
-// response has been written: no template is used.
-[[nodiscard]] ParamsStatus ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl,
-                                             const CgiSource& source, const Settings& settings,
-                                             Response& response);
+struct ParamsResult {
+  ParamsStatus status = ParamsStatus::kOk;
+  CgiResult decoding = CgiResult::kOk;  // why, when kUndecodable
+};
+
+// Decodes the request and reads its parameters. `scriptUrl` becomes the program's address as the
+// server names it.
+[[nodiscard]] ParamsResult ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl,
+                                             const CgiSource& source, const Settings& settings);
 
 // Frees what the request owns.
 void ReleaseRequestData(RequestParams& params);

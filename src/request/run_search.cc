@@ -1,6 +1,6 @@
 #include "request/run_search.h"
 
-#include "output/ending.h"
+#include "output/messages.h"
 #include "output/recommended.h"
 #include "output/result_block.h"
 #include "output/results_page.h"
@@ -25,17 +25,18 @@ struct SearchState {
   PageFilters filters;
   ResultList results;
   LinkParameters links;
+  bool everyPage = false;  // no word is searched for: every page is a candidate
   int32_t recommendedShown = 0;
 };
 
-int EndWithError(SearchContext& ctx, std::string_view message) {
-  WriteError(ctx.response, message, ErrorEnd::kLineFeed);
+int EndWith(SearchContext& ctx, Message message) {
+  WriteMessage(ctx.response, message);
   return EndRequest(ctx);
 }
 
 int EndWithInvalidCategory(SearchContext& ctx) {
   ctx.exitStatus = 1;
-  return EndWithError(ctx, "Error: Category number is invalid. Incorrect settings file used?");
+  return EndWith(ctx, Message::kInvalidCategory);
 }
 
 int CreateStemmer(SearchContext& ctx) {
@@ -44,34 +45,42 @@ int CreateStemmer(SearchContext& ctx) {
     case StemmerStatus::kOk:
       return 1;
     case StemmerStatus::kInvalidAlgorithm:
-      return EndWithError(ctx, "Invalid stemming algorithm specified in settings file.<br />\n");
+      return EndWith(ctx, Message::kInvalidStemmer);
     case StemmerStatus::kUnavailable:
       break;
   }
-  return EndWithError(ctx, "Failed to initialize stemmer.<br />\n");
+  return EndWith(ctx, Message::kNoStemmer);
 }
 
 int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
   if (!AllocateMatches(state.matches, settings.NumPages) ||
-      !StartTermSearch(state.terms, ctx.query, settings) ||
-      (settings.Highlighting == 1 &&
+      !AddSubstringAsterisks(ctx.query.terms, settings) ||
+      !StartTermSearch(state.terms, ctx.query.terms, settings) ||
+      (ctx.search.marksWords &&
        !CollectHighlightTerms(state.highlight, ctx.query.terms, AllowsPhrases(settings))) ||
-      !PrepareFilters(state.filters, settings, ctx.search, ctx.index.pages,
-                      ctx.index.pageData.bytes())) {
-    return EndWithError(ctx, "Out of memory");
+      !PrepareFilters(state.filters, {.settings = settings,
+                                      .request = ctx.search,
+                                      .pages = ctx.index.pages,
+                                      .pageData = ctx.index.pageData.bytes(),
+                                      .site = state.terms.site})) {
+    return EndWith(ctx, Message::kOutOfMemoryForSearch);
   }
-  state.terms.siteOnly = ctx.search.metaOnly;
-  state.terms.phraseBudget = {settings.MaxContextSeeks, 0, ctx.startTime + settings.MaxSearchTime,
-                              CurrentTime};
+  state.everyPage = ctx.search.metaOnly || IsOnlySiteRestriction(state.terms);
+  state.terms.phraseBudget = {.maxSeeks = settings.MaxContextSeeks,
+                              .deadline = ctx.startTime + settings.MaxSearchTime,
+                              .now = CurrentTime};
   state.links = MakeLinkParameters(settings, ctx.search, View(ctx.query.text), state.filters.dates);
   return 1;
 }
 
 int ShowRecommended(SearchContext& ctx, SearchState& state) {
   if (ctx.settings.Recommended != 1) return 1;
-  const RecommendedInput input = {ctx.settings, ctx.query, View(state.links.query), ctx.index,
-                                  state.highlight};
+  const RecommendedInput input = {.settings = ctx.settings,
+                                  .query = ctx.query,
+                                  .encodedQuery = View(state.links.query),
+                                  .files = ctx.index,
+                                  .highlight = state.highlight};
   if (!WriteRecommended(ctx.response, ctx.output, input, state.recommendedShown)) {
     return EndRequest(ctx);
   }
@@ -79,40 +88,32 @@ int ShowRecommended(SearchContext& ctx, SearchState& state) {
 }
 
 int LookUpTerms(SearchContext& ctx, SearchState& state) {
-  const TermSearchInput input = {ctx.settings,
-                                 ctx.dictionary,
-                                 ctx.index.pages,
-                                 ctx.index.wordMap.bytes(),
-                                 ctx.index.pageText.bytes(),
-                                 ctx.search.sort,
-                                 ctx.response,
-                                 ctx.stemmer};
-  switch (SearchTerms(state.terms, input, state.matches)) {
-    case TermStatus::kOk:
-      break;
-    case TermStatus::kNoMemory:
-      return EndWithError(ctx, "Out of memory");
-    case TermStatus::kSeekFailed:
-      return EndRequest(ctx);
-    case TermStatus::kMissingData:
-      return EndWithError(ctx, "Error in wordmap file: expected data not found.");
-    case TermStatus::kInvalidPage:
-      return EndWithError(ctx, "Error in wordmap: page number is invalid.");
-  }
-  state.filters.hasSiteRestriction = state.terms.hasSiteRestriction;
-  state.filters.siteRestriction = state.terms.siteRestriction;
-  return 1;
+  const TermSearchInput input = {.settings = ctx.settings,
+                                 .dictionary = ctx.dictionary,
+                                 .pages = ctx.index.pages,
+                                 .wordMap = ctx.index.wordMap.bytes(),
+                                 .pageText = ctx.index.pageText.bytes(),
+                                 .sort = ctx.search.sort,
+                                 .stemmer = ctx.stemmer};
+  const TermResult result = SearchTerms(state.terms, input, state.matches);
+  if (result.status == TermStatus::kOk) return 1;
+  WriteTermFailure(ctx.response, result);
+  return EndRequest(ctx);
 }
 
 int Rank(SearchContext& ctx, SearchState& state) {
   const int32_t effectiveTerms =
       ctx.query.terms.size() - state.terms.skippedCount - state.terms.excludedCount;
-  switch (RankMatches(state.matches, state.filters, ctx.settings, ctx.search, ctx.index.pages,
-                      effectiveTerms, state.terms.siteOnly, state.results)) {
+  const RankInput input = {.settings = ctx.settings,
+                           .request = ctx.search,
+                           .pages = ctx.index.pages,
+                           .effectiveTerms = effectiveTerms,
+                           .everyPage = state.everyPage};
+  switch (RankMatches(state.matches, state.filters, input, state.results)) {
     case RankStatus::kOk:
       break;
     case RankStatus::kNoMemory:
-      return EndWithError(ctx, "Error: Out of memory");
+      return EndWith(ctx, Message::kOutOfMemory);
     case RankStatus::kInvalidCategory:
       return EndWithInvalidCategory(ctx);
   }
@@ -125,18 +126,29 @@ int Rank(SearchContext& ctx, SearchState& state) {
 int Render(SearchContext& ctx, SearchState& state) {
   const Suggestions suggestions =
       MakeSuggestions(state.terms, ctx.index.spelling, ctx.dictionary, ctx.settings, ctx.stemmer);
-  const ResultsPage page = {ctx.settings,  ctx.search,    ctx.query,           state.links,
-                            state.matches, state.filters, state.terms.skipped, suggestions};
+  const ResultsPage page = {.settings = ctx.settings,
+                            .request = ctx.search,
+                            .query = ctx.query,
+                            .links = state.links,
+                            .matches = state.matches,
+                            .filters = state.filters,
+                            .skipped = state.terms.skipped,
+                            .suggestions = suggestions};
   WriteResultsHead(ctx.response, ctx.output, page);
-  const bool showsContext = ctx.settings.DisplayContext == 1 && !state.terms.siteOnly;
-  const ResultBlocks blocks = {ctx.settings, ctx.search,     ctx.query,       state.links,
-                               ctx.index,    ctx.dictionary, state.highlight, showsContext};
+  const ResultBlocks blocks = {
+      .settings = ctx.settings,
+      .request = ctx.search,
+      .query = ctx.query,
+      .links = state.links,
+      .files = ctx.index,
+      .dictionary = ctx.dictionary,
+      .highlight = state.highlight,
+      .showsContext = ctx.settings.DisplayContext == 1 && !state.everyPage};
   switch (WriteResultBlocks(ctx.response, ctx.output, blocks, state.results)) {
     case BlockStatus::kOk:
       break;
     case BlockStatus::kCorruptPageData:
-      return EndWithError(
-          ctx, "Error: Corrupted or invalid index files. Please re-index and try again.");
+      return EndWith(ctx, Message::kCorruptIndex);
     case BlockStatus::kInvalidCategory:
       return EndWithInvalidCategory(ctx);
   }
@@ -145,16 +157,17 @@ int Render(SearchContext& ctx, SearchState& state) {
 }
 
 void FinishSearch(SearchContext& ctx, const SearchState& state) {
-  SearchLogEntry entry;
-  entry.endTime = CurrentTime();
-  entry.seconds = entry.endTime - ctx.startTime;
-  WriteSearchTime(ctx.response, ctx.output, ctx.settings, entry.seconds);
+  const double endTime = CurrentTime();
+  const double seconds = endTime - ctx.startTime;
+  WriteSearchTime(ctx.response, ctx.output, ctx.settings, seconds);
   if (ctx.settings.Logging != 1) return;
-  entry.remoteAddress = View(ctx.request.RemoteAddr);
-  entry.query = View(ctx.request.Query);
-  entry.matches = state.matches.resultCount;
-  entry.page = ctx.request.PageDefaulted ? 0 : ctx.search.page;
-  entry.recommended = state.recommendedShown;
+  const SearchLogEntry entry = {.endTime = endTime,
+                                .seconds = seconds,
+                                .remoteAddress = View(ctx.request.RemoteAddr),
+                                .query = View(ctx.request.Query),
+                                .matches = state.matches.resultCount,
+                                .page = ctx.request.PageDefaulted ? 0 : ctx.search.page,
+                                .recommended = state.recommendedShown};
   WriteSearchLog(ctx.response, ctx.directory, ctx.settings, ctx.search, entry);
 }
 

@@ -26,8 +26,13 @@ void ReleaseSearchContext(SearchContext& ctx) {
 int EndRequest(SearchContext& ctx) {
   if (ctx.ended) return 0;
   ctx.ended = true;
-  FillTemplate(ctx.response, {ctx.settings, ctx.directory, ctx.output, View(ctx.query.display),
-                              View(ctx.paths.ScriptUrl)});
+  const Query& query = ctx.query;
+  FillTemplate(ctx.response,
+               {.settings = ctx.settings,
+                .directory = ctx.directory,
+                .sections = ctx.output,
+                .displayQuery = View(query.isParsed ? query.display : query.typedDisplay),
+                .scriptUrl = View(ctx.paths.ScriptUrl)});
   Flush(ctx.response);
   ReleaseSearchContext(ctx);
   return 0;

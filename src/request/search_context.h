@@ -3,7 +3,6 @@
 
 #include "index/dictionary.h"
 #include "index/index_files.h"
-#include "output/ending.h"
 #include "output/response.h"
 #include "output/sections.h"
 #include "request/request_params.h"
@@ -22,7 +21,7 @@ struct SearchContext {
   double startTime = 0;  // seconds since 1970
   ScriptPaths paths;
   IndexDirectory directory;
-  Settings settings;
+  Settings settings;  // not changed once they are read
   RequestParams request;
   SearchRequest search;  // the request as settled with the settings
   Query query;
@@ -40,6 +39,11 @@ double CurrentTime();
 
 // Sets the record up for a request: all at rest, the start time taken.
 void InitSearchContext(SearchContext& ctx);
+
+// Completes the response around what was written (the page's template, or the closing tags in XML
+// mode), hands it to the web server and releases the context. Always 0, so that a stage may say
+// `return EndRequest(ctx);`. A second call does nothing.
+int EndRequest(SearchContext& ctx);
 
 // Frees everything the stages have taken. A second call does nothing.
 void ReleaseSearchContext(SearchContext& ctx);

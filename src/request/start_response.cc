@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "output/markup.h"
+#include "output/messages.h"
 #include "output/powered_by.h"
 #include "output/response_start.h"
 #include "output/search_form.h"
@@ -14,9 +15,8 @@ namespace vela {
 namespace {
 
 // Takes the request over, with the settings where it says nothing.
-void SettleRequest(SearchRequest& search, Response& response, const RequestParams& params,
-                   const Settings& settings) {
-  response.xml = params.XmlMode == kNotGiven ? settings.UseXML == 1 : params.XmlMode != 0;
+SearchRequest SettleRequest(const RequestParams& params, const Settings& settings, bool xml) {
+  SearchRequest search;
   search.perPage = std::min(params.PerPage, settings.MaxResultsPerQuery);
   search.page = params.Page;
   search.andMode = params.AndMode;
@@ -29,10 +29,9 @@ void SettleRequest(SearchRequest& search, Response& response, const RequestParam
   search.dateFrom = params.DateFrom;
   search.dateTo = params.DateTo;
   search.metaValues = {params.MetaValues.data(), params.MetaValues.size()};
-}
-
-void EscapeForDisplay(Query& query, const QueryText& text) {
-  query.display = EscapedRequestText<kDisplayQuerySize>(View(text));
+  search.metaOnly = IsEmpty(params.Query) && params.QueryGiven && UsesMetaFields(settings);
+  search.marksWords = MarksWords(settings) || (xml && settings.XMLHighlight == 1);
+  return search;
 }
 
 // Whether the page asked for begins behind the last result that is ever shown.
@@ -40,49 +39,52 @@ bool IsBeyondLimit(const SearchRequest& search, int32_t maxResults) {
   return (int64_t{search.page} - 1) * EffectivePerPage(search) >= maxResults;
 }
 
+int EndBeyondLimit(SearchContext& ctx) {
+  const char* message = Text(ctx.settings.language, Str::kMaxResults);
+  if (ctx.response.xml) {
+    WriteError(ctx.response, message, ErrorEnd::kPlain);
+  } else {
+    AppendResults(ctx.output, "%s<br />", message);
+  }
+  return EndRequest(ctx);
+}
+
+// Ends a request that asks for nothing: without a query, it is only a call of the search page.
+int EndWithoutQuery(SearchContext& ctx) {
+  if (ctx.request.QueryGiven) {
+    AppendSection(ctx.output, Section::kSummary, "<div class=\"summary\">%s</div>\n",
+                  Text(ctx.settings.language, Str::kNoQuery));
+  }
+  AppendPoweredBy(ctx.output, ctx.settings);
+  return EndRequest(ctx);
+}
+
 }  // namespace
 
 int StartResponse(SearchContext& ctx) {
-  Settings& settings = ctx.settings;
-  SettleRequest(ctx.search, ctx.response, ctx.request, settings);
+  const Settings& settings = ctx.settings;
+  const RequestParams& params = ctx.request;
+  Query& query = ctx.query;
+  ctx.response.xml = params.XmlMode == kNotGiven ? settings.UseXML == 1 : params.XmlMode != 0;
+  ctx.search = SettleRequest(params, settings, ctx.response.xml);
+  query.typed = params.Query;
+  query.typedDisplay = EscapedRequestText<kDisplayQuerySize>(View(query.typed));
   WriteHeader(ctx.response, settings);
   if (ctx.response.xml) {
     WriteXmlOpening(ctx.response, settings, ctx.search.masterNode == 1);
-    if (settings.XMLHighlight == 1) settings.Highlighting = 1;
   } else {
     AppendResults(ctx.output, "<!--Vela Search Engine %s-->\n", settings.Version.bytes);
-  }
-  ctx.query.typed = ctx.request.Query;
-  EscapeForDisplay(ctx.query, ctx.query.typed);
-  if (!ctx.response.xml) {
-    FillSearchForm(ctx.output, settings, ctx.search, ctx.query.display.bytes,
+    FillSearchForm(ctx.output, settings, ctx.search, query.typedDisplay.bytes,
                    View(ctx.paths.ScriptUrl));
   }
-  if (IsEmpty(ctx.query.typed)) {
-    ctx.search.metaOnly = UsesMetaFields(settings) && ctx.request.QueryGiven;
-    if (!ctx.search.metaOnly) {
-      if (ctx.request.QueryGiven) {
-        AppendSection(ctx.output, Section::kSummary, "<div class=\"summary\">%s</div>\n",
-                      Text(settings.language, Str::kNoQuery));
-      }
-      AppendPoweredBy(ctx.output, settings);
-      return EndRequest(ctx);
-    }
-  }
-  if (IsBeyondLimit(ctx.search, settings.MaxResultsPerQuery)) {
-    const char* message = Text(settings.language, Str::kMaxResults);
-    if (ctx.response.xml) {
-      WriteError(ctx.response, message, ErrorEnd::kPlain);
-    } else {
-      AppendResults(ctx.output, "%s<br />", message);
-    }
+  if (IsEmpty(query.typed) && !ctx.search.metaOnly) return EndWithoutQuery(ctx);
+  if (IsBeyondLimit(ctx.search, settings.MaxResultsPerQuery)) return EndBeyondLimit(ctx);
+  if (!ParseQuery(query, settings)) {
+    WriteMessage(ctx.response, Message::kOutOfMemoryForSearch);
     return EndRequest(ctx);
   }
-  if (!ParseQuery(ctx.query, settings)) {
-    WriteError(ctx.response, "Out of memory", ErrorEnd::kLineFeed);
-    return EndRequest(ctx);
-  }
-  EscapeForDisplay(ctx.query, ctx.query.text);
+  query.display = EscapedRequestText<kDisplayQuerySize>(View(query.text));
+  query.isParsed = true;
   return 1;
 }
 

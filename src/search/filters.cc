@@ -207,12 +207,14 @@ bool MeetsConstraint(const MetaFieldDef& field, const MetaConstraint& constraint
   }
 }
 
-bool PrepareFilters(PageFilters& filters, const Settings& settings, const SearchRequest& request,
-                    const PageTable& pages, std::string_view pageData) {
+bool PrepareFilters(PageFilters& filters, const FilterInput& input) {
+  const Settings& settings = input.settings;
+  const SearchRequest& request = input.request;
   filters.settings = &settings;
   filters.request = &request;
-  filters.pages = &pages;
-  filters.pageData = pageData;
+  filters.pages = &input.pages;
+  filters.pageData = input.pageData;
+  filters.site = input.site;
   filters.dates = ReadDateRange(request, settings);
   const bool summaryApplies = SearchesAllCategories(request) || request.categories.size() >= 2;
   filters.countsCategories =
@@ -233,7 +235,7 @@ bool PassesSiteRestriction(const PageFilters& filters, uint32_t page) {
   std::string_view url;
   const bool read = ReadPageUrl(filters.pageData, PageDataOffset(*filters.pages, page), url);
   if (!read) url = {};  // a page without an address holds only the empty restriction
-  const size_t at = FindNoCase(url, filters.siteRestriction, IsUtf8(*filters.settings));
+  const size_t at = FindNoCase(url, filters.site.text, IsUtf8(*filters.settings));
   return at != url.npos;
 }
 

@@ -7,6 +7,7 @@
 
 #include "index/meta_data.h"
 #include "index/page_info.h"
+#include "search/query.h"
 #include "search/search_request.h"
 #include "settings/settings.h"
 #include "text/fixed_text.h"
@@ -53,21 +54,26 @@ struct PageFilters {
   const PageTable* pages = nullptr;
   std::string_view pageData;  // the bytes of the page data file
 
-  bool hasSiteRestriction = false;
-  std::string_view siteRestriction;
+  SiteRestriction site;
   OwnedArray<MetaConstraint> metaConstraints;  // one per field, or none
   DateRange dates;
   bool countsCategories = false;        // the category summary is asked for and applies
   OwnedArray<uint32_t> categoryCounts;  // one per category name while countsCategories
 };
 
-// Prepares the filters but for the site restriction. False when memory is out. What is handed in
-// must outlive the filters.
-[[nodiscard]] bool PrepareFilters(PageFilters& filters, const Settings& settings,
-                                  const SearchRequest& request, const PageTable& pages,
-                                  std::string_view pageData);
+// What the filters are made from; all of it must outlive them.
+struct FilterInput {
+  const Settings& settings;
+  const SearchRequest& request;
+  const PageTable& pages;
+  std::string_view pageData;  // the bytes of the page data file
+  SiteRestriction site;
+};
 
-// Whether the page's address holds the restriction, in any case.
+// False when memory is out.
+[[nodiscard]] bool PrepareFilters(PageFilters& filters, const FilterInput& input);
+
+// Whether the page's address holds the text of the restriction, in any case.
 bool PassesSiteRestriction(const PageFilters& filters, uint32_t page);
 
 // How many constraints on meta fields the page passes; -1 when it fails one.

@@ -12,8 +12,7 @@ bool CollectHighlightTerms(HighlightTerms& highlight, const TermList& terms,
   if (!highlight.terms.TryAllocate(static_cast<size_t>(terms.size()))) return false;
   for (int32_t i = 0; i < terms.size(); ++i) {
     const std::string_view term = terms[i];
-    std::string_view restriction;
-    if (term.starts_with('-') || IsSiteRestriction(term, restriction)) continue;
+    if (term.starts_with('-') || ReadSiteRestriction(term).active) continue;
     const bool isPhrase = allowExactPhrase && term.find(' ') != term.npos;
     highlight.terms[static_cast<size_t>(highlight.count++)] = {term, HasWildcard(term), isPhrase};
   }

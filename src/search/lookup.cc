@@ -18,6 +18,18 @@ MatchBudget MakeMatchBudget(int32_t maxMatches, int32_t termCount) {
   return budget;
 }
 
+TermResult FindWordList(std::string_view wordMap, int64_t offset, WordList& list) {
+  switch (ReadWordList(wordMap, offset, list)) {
+    case WordListStatus::kOk:
+      break;
+    case WordListStatus::kSeekFailed:
+      return {TermStatus::kSeekFailed, static_cast<uint64_t>(offset)};
+    case WordListStatus::kMissingData:
+      return {TermStatus::kMissingData};
+  }
+  return {};
+}
+
 int32_t FirstSearchedWord(const Settings& settings) {
   return std::max(0, SaturateToInt32(int64_t{settings.DictReservedLimit} + 1));
 }

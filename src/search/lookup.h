@@ -6,7 +6,6 @@
 
 #include "index/dictionary.h"
 #include "index/word_map.h"
-#include "output/response.h"
 #include "settings/settings.h"
 
 namespace vela {
@@ -20,18 +19,40 @@ struct MatchBudget {
 
 MatchBudget MakeMatchBudget(int32_t maxMatches, int32_t termCount);
 
-enum class LookupStatus { kOk, kSeekFailed, kMissingData, kInvalidPage, kNoMemory };
+enum class TermStatus : uint8_t {
+  kOk,
+  kNoMemory,
+  kSeekFailed,   // a word list at a position that no file has
+  kMissingData,  // a word list that passes the end of the word map
+  kInvalidPage,  // a record of a page that is not in the index
+};
+
+// How the search for a term has gone.
+struct TermResult {
+  TermStatus status = TermStatus::kOk;
+  uint64_t offset = 0;  // kSeekFailed: the position
+};
+
+// Finds the word list at `offset` of the word map; never kNoMemory or kInvalidPage.
+[[nodiscard]] TermResult FindWordList(std::string_view wordMap, int64_t offset, WordList& list);
 
 // One term as it is looked up: without its "-", with its asterisks.
 struct LookupTerm {
   std::string_view word;
-  bool isWildcard = false;
   bool isExclusion = false;  // exempt from the budgets
 };
 
-struct LookupResult {
+// What a term is looked up in, and what all terms draw on.
+struct LookupInput {
+  const Settings& settings;
+  const Dictionary& dictionary;
+  std::string_view wordMap;  // the bytes of the file
+  MatchBudget& budget;
+  bool& limitReached;  // set when the budget of all terms is used up; then only exclusions go on
+};
+
+struct LookupCounts {
   int64_t records = 0;     // word-map records read for the term
-  int32_t firstWord = -1;  // the first dictionary word matched
   bool hasNoList = false;  // an exact word that is in the dictionary but on no page
 };
 
@@ -42,67 +63,59 @@ int32_t FirstSearchedWord(const Settings& settings);
 bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view pattern,
                  bool foldCase);
 
-// Goes through the dictionary in order, from the first word behind the reserved ones, and calls
-// `add(record)` for every record of every word that the term matches. `add` gives false for a
-// record that names no page. `limitReached` is set, and stops the scan of any term but an
-// exclusion, when the budget of all terms is used up. A failed seek has written its message.
-template <typename Add>
-[[nodiscard]] LookupStatus LookUpTerm(const LookupTerm& term, const Dictionary& dictionary,
-                                      std::string_view wordMap, const Settings& settings,
-                                      Response& response, MatchBudget& budget, bool& limitReached,
-                                      LookupResult& result, Add add);
-
-// Reads the list at `offset` and calls `add` for each record; counts them in `result`.
-template <typename Add>
-[[nodiscard]] LookupStatus AddWordList(int64_t offset, std::string_view wordMap, Response& response,
-                                       LookupResult& result, Add add) {
-  WordList list;
-  switch (ReadWordList(response, wordMap, offset, list)) {
-    case WordListStatus::kSeekFailed:
-      return LookupStatus::kSeekFailed;
-    case WordListStatus::kMissingData:
-      return LookupStatus::kMissingData;
-    case WordListStatus::kOk:
-      break;
-  }
-  result.records += list.size();
-  for (int32_t i = 0; i < list.size(); ++i) {
-    if (!add(RecordAt(list, i))) return LookupStatus::kInvalidPage;
-  }
-  return LookupStatus::kOk;
-}
-
 // Counts one more matched word. False when a budget is used up and the scan must end.
 bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion,
                     bool& limitReached);
 
+// Calls `add(record)` for every record of the word list at `offset` and counts them. `add` gives
+// false for a record of a page that is not in the index.
 template <typename Add>
-LookupStatus LookUpTerm(const LookupTerm& term, const Dictionary& dictionary,
-                        std::string_view wordMap, const Settings& settings, Response& response,
-                        MatchBudget& budget, bool& limitReached, LookupResult& result, Add add) {
-  int32_t matchedByTerm = 0;
-  int32_t number = FirstSearchedWord(settings);
-  for (; number < dictionary.size() && (!limitReached || term.isExclusion); ++number) {
-    if (term.isWildcard) {
-      if (!MatchesWord(dictionary, number, term.word, LowersQueries(settings))) continue;
-    } else {
-      number = dictionary.FindExact(term.word, number);
-      if (number < 0) break;
-    }
-    const int64_t offset = dictionary.EntryAt(number).offset;
-    if (offset == kNoWordList) {
-      if (term.isWildcard) continue;
-      result.hasNoList = true;
-      break;
-    }
-    ++matchedByTerm;
-    if (!TakeFromBudget(budget, matchedByTerm, term.isExclusion, limitReached)) break;
-    if (result.firstWord < 0) result.firstWord = number;
-    const LookupStatus status = AddWordList(offset, wordMap, response, result, add);
-    if (status != LookupStatus::kOk) return status;
-    if (!term.isWildcard) break;
+[[nodiscard]] TermResult AddWordList(std::string_view wordMap, int64_t offset, LookupCounts& counts,
+                                     Add add) {
+  WordList list;
+  const TermResult found = FindWordList(wordMap, offset, list);
+  if (found.status != TermStatus::kOk) return found;
+  counts.records += list.size();
+  for (int32_t i = 0; i < list.size(); ++i) {
+    if (!add(RecordAt(list, i))) return {TermStatus::kInvalidPage};
   }
-  return LookupStatus::kOk;
+  return {};
+}
+
+// Adds the records of the first dictionary word, behind the reserved ones, that equals the term.
+template <typename Add>
+[[nodiscard]] TermResult LookUpWord(const LookupTerm& term, const LookupInput& input,
+                                    LookupCounts& counts, Add add) {
+  if (input.limitReached && !term.isExclusion) return {};
+  const int32_t number = input.dictionary.FindExact(term.word, FirstSearchedWord(input.settings));
+  if (number < 0) return {};
+  const int64_t offset = input.dictionary.EntryAt(number).offset;
+  counts.hasNoList = offset == kNoWordList;
+  if (counts.hasNoList || !TakeFromBudget(input.budget, 1, term.isExclusion, input.limitReached)) {
+    return {};
+  }
+  return AddWordList(input.wordMap, offset, counts, add);
+}
+
+// Adds the records of every dictionary word behind the reserved ones that fits the pattern, in the
+// order of the dictionary, until a budget is used up.
+template <typename Add>
+[[nodiscard]] TermResult LookUpPattern(const LookupTerm& term, const LookupInput& input,
+                                       LookupCounts& counts, Add add) {
+  const bool foldCase = LowersQueries(input.settings);
+  int32_t matched = 0;
+  for (int32_t number = FirstSearchedWord(input.settings); number < input.dictionary.size();
+       ++number) {
+    if (input.limitReached && !term.isExclusion) break;
+    if (!MatchesWord(input.dictionary, number, term.word, foldCase)) continue;
+    const int64_t offset = input.dictionary.EntryAt(number).offset;
+    if (offset == kNoWordList) continue;
+    ++matched;
+    if (!TakeFromBudget(input.budget, matched, term.isExclusion, input.limitReached)) break;
+    const TermResult added = AddWordList(input.wordMap, offset, counts, add);
+    if (added.status != TermStatus::kOk) return added;
+  }
+  return {};
 }
 
 }  // namespace vela

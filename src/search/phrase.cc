@@ -77,35 +77,29 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
 
 }  // namespace
 
-LookupStatus PreparePhrase(Phrase& phrase, std::string_view words, const Dictionary& dictionary,
-                           std::string_view wordMap, Response& response) {
+TermResult PreparePhrase(Phrase& phrase, std::string_view words, const Dictionary& dictionary,
+                         std::string_view wordMap) {
   phrase = Phrase();
   size_t count = 0;
   std::string_view word;
   for (std::string_view rest = words; NextPhraseWord(rest, word);) ++count;
   OwnedArray<PhraseWord> prepared;
-  if (!prepared.TryAllocate(count)) return LookupStatus::kNoMemory;
-  if (count == 0) return LookupStatus::kOk;
+  if (!prepared.TryAllocate(count)) return {TermStatus::kNoMemory};
+  if (count == 0) return {};
   size_t k = 0;
   for (std::string_view rest = words; NextPhraseWord(rest, word); ++k) {
     prepared[k].number = dictionary.FindExact(word, 0);
-    if (prepared[k].number < 0) return LookupStatus::kOk;
+    if (prepared[k].number < 0) return {};
   }
   for (PhraseWord& entry : prepared) {
     const int64_t offset = dictionary.EntryAt(entry.number).offset;
     if (offset == kNoWordList) continue;
-    switch (ReadWordList(response, wordMap, offset, entry.list)) {
-      case WordListStatus::kSeekFailed:
-        return LookupStatus::kSeekFailed;
-      case WordListStatus::kMissingData:
-        return LookupStatus::kMissingData;
-      case WordListStatus::kOk:
-        entry.isSorted = IsSortedByPage(entry.list);
-        break;
-    }
+    const TermResult found = FindWordList(wordMap, offset, entry.list);
+    if (found.status != TermStatus::kOk) return found;
+    entry.isSorted = IsSortedByPage(entry.list);
   }
   phrase.words = std::move(prepared);
-  return LookupStatus::kOk;
+  return {};
 }
 
 CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candidate,

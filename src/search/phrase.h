@@ -9,7 +9,6 @@
 #include "index/dictionary.h"
 #include "index/page_text.h"
 #include "index/word_map.h"
-#include "output/response.h"
 #include "search/lookup.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -34,11 +33,10 @@ struct PhraseBudget {
   double (*now)() = nullptr;
 };
 
-// Looks every word of the phrase up and reads its list. kOk also when the phrase matches nothing.
-// A failed seek has written its message. After any other status the phrase is empty.
-[[nodiscard]] LookupStatus PreparePhrase(Phrase& phrase, std::string_view words,
-                                         const Dictionary& dictionary, std::string_view wordMap,
-                                         Response& response);
+// Looks every word of the phrase up and finds its list. kOk also when the phrase matches nothing.
+// After any other status the phrase is empty.
+[[nodiscard]] TermResult PreparePhrase(Phrase& phrase, std::string_view words,
+                                       const Dictionary& dictionary, std::string_view wordMap);
 
 enum class CandidateResult { kRejected, kFound, kStop };
 

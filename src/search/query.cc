@@ -1,6 +1,7 @@
 #include "search/query.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "text/edit.h"
 #include "text/lower.h"
@@ -97,13 +98,11 @@ bool ParseQuery(Query& query, const Settings& settings) {
   return SplitQuery(View(query.text), query.terms, query.hasPhrase);
 }
 
-bool IsSiteRestriction(std::string_view word, std::string_view& restriction) {
+SiteRestriction ReadSiteRestriction(std::string_view word) {
   for (std::string_view prefix : {"site:", "url:"}) {
-    if (!word.starts_with(prefix)) continue;
-    restriction = word.substr(prefix.size());
-    return true;
+    if (word.starts_with(prefix)) return {true, word.substr(prefix.size())};
   }
-  return false;
+  return {};
 }
 
 bool IsPhrase(std::string_view term, const Settings& settings) {
@@ -114,8 +113,7 @@ QueryText SubstringTerm(std::string_view term, const Settings& settings) {
   QueryText out;
   std::string_view word = term;
   if (word.starts_with('-')) word.remove_prefix(1);
-  std::string_view restriction;
-  if (word.empty() || IsPhrase(word, settings) || IsSiteRestriction(word, restriction)) {
+  if (word.empty() || IsPhrase(word, settings) || ReadSiteRestriction(word).active) {
     Set(out, term);
     return out;
   }
@@ -124,6 +122,25 @@ QueryText SubstringTerm(std::string_view term, const Settings& settings) {
   Append(out, word);
   if (!word.ends_with('*')) Append(out, "*");
   return out;
+}
+
+bool AddSubstringAsterisks(TermList& terms, const Settings& settings) {
+  if (!SearchesSubstrings(settings)) return true;
+  size_t room = 0;
+  for (std::string_view term : terms.terms) room += term.size() + sizeof "**";
+  TermList changed;
+  if (!changed.bytes.TryAllocate(room) || !changed.terms.TryAllocate(terms.terms.size())) {
+    return false;
+  }
+  char* out = changed.bytes.data();
+  for (size_t i = 0; i < terms.terms.size(); ++i) {
+    const QueryText text = SubstringTerm(terms.terms[i], settings);
+    const size_t length = View(text).copy(out, View(text).size());
+    changed.terms[i] = {out, length};
+    out += length + 1;  // the block is zeroed: each is terminated
+  }
+  terms = std::move(changed);
+  return true;
 }
 
 }  // namespace vela

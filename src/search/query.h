@@ -27,11 +27,13 @@ struct TermList {
 };
 
 struct Query {
-  QueryText typed;       // as the request has it
-  QueryText text;        // normalised
-  DisplayQuery display;  // escaped for HTML: as typed first, then normalised
+  QueryText typed;            // as the request has it
+  DisplayQuery typedDisplay;  // escaped for HTML
+  QueryText text;             // normalised
+  DisplayQuery display;       // escaped for HTML
   TermList terms;
   bool hasPhrase = false;  // some character lay inside quotes
+  bool isParsed = false;   // all but `typed` and `typedDisplay` is set
 };
 
 // Folds accents, lower-cases, and replaces what separates words by blanks, as the settings say.
@@ -50,7 +52,17 @@ bool IsPhrase(std::string_view term, const Settings& settings);
 // and none where one stands already, around an empty word, a phrase or a site restriction.
 QueryText SubstringTerm(std::string_view term, const Settings& settings);
 
-// Whether the term restricts the search to addresses, and to which text; `word` has no "-".
-bool IsSiteRestriction(std::string_view word, std::string_view& restriction);
+// Puts them around every term where the settings ask for a substring search. False, and the terms
+// as they were, when memory is out.
+[[nodiscard]] bool AddSubstringAsterisks(TermList& terms, const Settings& settings);
+
+// What the addresses of the pages must hold; the text belongs to a term.
+struct SiteRestriction {
+  bool active = false;
+  std::string_view text;
+};
+
+// What the term restricts the search to, if it does; `word` has no "-".
+SiteRestriction ReadSiteRestriction(std::string_view word);
 
 }  // namespace vela

@@ -40,28 +40,26 @@ void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
 // Whether the page passes every filter. Kept: the filters run in this order, and the counts of
 // selected categories include pages that the date range rejects afterwards (golden
 // search/category_counts_ignore_the_date_range).
-RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters,
-                      const SearchRequest& request, int32_t effectiveTerms, bool everyPage,
+RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters, const RankInput& input,
                       bool& accepted) {
   accepted = false;
-  if (!everyPage && (match.score == 0 || match.termsMatched == 0)) return RankStatus::kOk;
-  if (filters.hasSiteRestriction) {
+  if (!input.everyPage && (match.score == 0 || match.termsMatched == 0)) return RankStatus::kOk;
+  if (filters.site.active) {
     if (!PassesSiteRestriction(filters, page)) return RankStatus::kOk;
-    if (everyPage) {
+    if (input.everyPage) {
       ++match.score;
       ++match.termsMatched;
     }
   }
   const int32_t passed = PassedMetaConstraints(filters, page);
   if (passed < 0) return RankStatus::kOk;
-  if (everyPage) {
-    if (request.metaOnly && passed == 0) return RankStatus::kOk;
+  if (input.everyPage) {
+    if (input.request.metaOnly && passed == 0) return RankStatus::kOk;
     match.score += static_cast<uint32_t>(passed);
     match.termsMatched += static_cast<uint32_t>(passed);
   }
-  if (request.andMode == 1 && static_cast<int32_t>(match.termsInOrder) < effectiveTerms) {
-    return RankStatus::kOk;
-  }
+  const bool matchesAll = static_cast<int32_t>(match.termsInOrder) >= input.effectiveTerms;
+  if (input.request.andMode == 1 && !matchesAll) return RankStatus::kOk;
   switch (TestSelectedCategories(filters, page)) {
     case CategoryTest::kOut:
       return RankStatus::kOk;
@@ -80,27 +78,26 @@ bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, int32_t 
   return StartHistogram(histogram, 0, int64_t{matches.maxTermsMatched} * matches.maxScore);
 }
 
-RankStatus ListResults(Matches& matches, PageFilters& filters, const Settings& settings,
-                       const SearchRequest& request, const PageTable& pages,
-                       const KeyHistogram& histogram, bool everyPage, ResultList& results) {
+RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& input,
+                       const KeyHistogram& histogram, ResultList& results) {
   if (!results.entries.TryAllocate(histogram.total)) return RankStatus::kNoMemory;
   size_t count = 0;
   RankStatus status = RankStatus::kOk;
-  ForEachCandidate(matches, everyPage, [&](uint32_t page) {
+  ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
     const PageMatch& match = matches.pages[page];
     if (match.score == 0) return true;
     if (!CountInAllCategories(filters, page)) {
       status = RankStatus::kInvalidCategory;
       return false;
     }
-    const int32_t bucket = BucketOf(histogram, KeyOf(match, pages, page, request.sort));
+    const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, input.request.sort));
     if (bucket < histogram.firstTaken || bucket > histogram.lastTaken) {
       matches.resultsTruncated = true;
       return true;
     }
     if (count == results.entries.size()) return true;
     results.entries[count++] = {page,
-                                FinalScore(match, settings.WeightProximity),
+                                FinalScore(match, input.settings.WeightProximity),
                                 match.termsMatched,
                                 match.firstPosition,
                                 match.secondPosition,
@@ -166,38 +163,38 @@ uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
   return static_cast<uint32_t>(static_cast<int64_t>(std::clamp(score, -9.0e18, 9.0e18)));
 }
 
-RankStatus RankMatches(Matches& matches, PageFilters& filters, const Settings& settings,
-                       const SearchRequest& request, const PageTable& pages, int32_t effectiveTerms,
-                       bool everyPage, ResultList& results) {
+RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& input,
+                       ResultList& results) {
   KeyHistogram histogram;
+  const int32_t sort = input.request.sort;
   // Kept: exclusions may have counted down to 0 although some pages are left, which then are in no
   // result. Their categories are looked at all the same (golden
   // search/exclusion_to_nothing_still_tests_categories).
-  if (matches.resultCount == 0 && !everyPage) {
-    return ListResults(matches, filters, settings, request, pages, histogram, everyPage, results);
+  if (matches.resultCount == 0 && !input.everyPage) {
+    return ListResults(matches, filters, input, histogram, results);
   }
-  if (!StartHistogramFor(histogram, matches, request.sort)) return RankStatus::kNoMemory;
+  if (!StartHistogramFor(histogram, matches, sort)) return RankStatus::kNoMemory;
   matches.resultCount = 0;
   RankStatus status = RankStatus::kOk;
-  ForEachCandidate(matches, everyPage, [&](uint32_t page) {
+  ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
     PageMatch& match = matches.pages[page];
     bool accepted = false;
-    status = AcceptPage(match, page, filters, request, effectiveTerms, everyPage, accepted);
+    status = AcceptPage(match, page, filters, input, accepted);
     if (status != RankStatus::kOk) return false;
     if (!accepted) {
       match.score = 0;
       return true;
     }
-    if (static_cast<int32_t>(match.termsInOrder) >= effectiveTerms) ++matches.fullMatchCount;
-    if (!SortsByDate(request.sort)) match.score += (match.termsMatched - 1) * matches.maxScore;
-    const int32_t bucket = BucketOf(histogram, KeyOf(match, pages, page, request.sort));
+    if (static_cast<int32_t>(match.termsInOrder) >= input.effectiveTerms) ++matches.fullMatchCount;
+    if (!SortsByDate(sort)) match.score += (match.termsMatched - 1) * matches.maxScore;
+    const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, sort));
     ++histogram.counts[static_cast<size_t>(bucket)];
     ++matches.resultCount;
     return true;
   });
   if (status != RankStatus::kOk) return status;
-  TakeBuckets(histogram, settings.MaxResultsPerQuery, request.sort == kSortOldestFirst);
-  return ListResults(matches, filters, settings, request, pages, histogram, everyPage, results);
+  TakeBuckets(histogram, input.settings.MaxResultsPerQuery, sort == kSortOldestFirst);
+  return ListResults(matches, filters, input, histogram, results);
 }
 
 void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime) {

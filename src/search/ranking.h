@@ -56,11 +56,18 @@ uint32_t FinalScore(const PageMatch& match, int32_t weightProximity);
 
 enum class RankStatus { kOk, kNoMemory, kInvalidCategory };
 
-// Applies the filters to every matched page (to every page when `everyPage` is set), counts those
-// accepted into `matches`, and lists the best of them, unsorted, in `results`.
-[[nodiscard]] RankStatus RankMatches(Matches& matches, PageFilters& filters,
-                                     const Settings& settings, const SearchRequest& request,
-                                     const PageTable& pages, int32_t effectiveTerms, bool everyPage,
+// What the pages are ranked by.
+struct RankInput {
+  const Settings& settings;
+  const SearchRequest& request;
+  const PageTable& pages;
+  int32_t effectiveTerms = 0;  // terms that a page can match: none skipped, no exclusion
+  bool everyPage = false;      // no word is searched for: every page is a candidate
+};
+
+// Applies the filters to every candidate, counts the pages accepted into `matches`, and lists the
+// best of them, unsorted, in `results`.
+[[nodiscard]] RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& input,
                                      ResultList& results);
 
 // Sorts the list in the order that the request asks for; ties by page number.

@@ -79,7 +79,7 @@ bool ReadSlots(SnippetWalk& walk, const SnippetSource& source, uint64_t position
     const int32_t consumed = ReadPageTextToken(source.text, token);
     const bool isMarker = consumed == 0 || token.word <= 1;
     if (!isMarker && token.word < wordLimit) {
-      const bool isMatch = source.settings.Highlighting == 1 && at == position;
+      const bool isMatch = source.marksWords && at == position;
       if (!AddSlot(piece, {static_cast<int32_t>(token.word), token.variant,
                            isMatch ? SlotMark::kWhole : SlotMark::kNone})) {
         return false;
@@ -138,7 +138,7 @@ SnippetStatus NextPiece(SnippetWalk& walk, const SnippetSource& source, const Re
   walk.lastStart = start;
   SeekPageText(source.text, start);
   if (!ReadSlots(walk, source, position, hasBackOff, piece)) return SnippetStatus::kNoMemory;
-  if (source.settings.Highlighting == 1) MarkTerms(source, piece);
+  if (source.marksWords) MarkTerms(source, piece);
   return SnippetStatus::kPiece;
 }
 

@@ -35,6 +35,7 @@ struct SnippetSource {
   const Settings& settings;
   const Dictionary& dictionary;
   const HighlightTerms& terms;
+  bool marksWords = false;  // as the request settled it
   PageTextReader& text;
 };
 
@@ -55,7 +56,7 @@ SnippetWalk StartSnippets(const Settings& settings, const ResultEntry& entry);
 enum class SnippetStatus { kPiece, kDone, kNoMemory };
 
 // Reads the next piece, up to a page boundary; a boundary ahead of the match empties what was read.
-// With Highlighting 1 the words that match are marked.
+// Where words are to be marked, those that match are.
 [[nodiscard]] SnippetStatus NextPiece(SnippetWalk& walk, const SnippetSource& source,
                                       const ResultEntry& entry, SnippetPiece& piece);
 

@@ -8,20 +8,9 @@ namespace vela {
 
 namespace {
 
-TermStatus FromLookup(LookupStatus status) {
-  switch (status) {
-    case LookupStatus::kOk:
-      break;
-    case LookupStatus::kSeekFailed:
-      return TermStatus::kSeekFailed;
-    case LookupStatus::kMissingData:
-      return TermStatus::kMissingData;
-    case LookupStatus::kInvalidPage:
-      return TermStatus::kInvalidPage;
-    case LookupStatus::kNoMemory:
-      return TermStatus::kNoMemory;
-  }
-  return TermStatus::kOk;
+// Whether the term, its "-" and asterisks included, is too short for the index.
+bool IsShort(std::string_view shown, const Settings& settings) {
+  return static_cast<int64_t>(shown.size()) < settings.MinWordLen;
 }
 
 // The words of a phrase, stemmed one by one.
@@ -39,7 +28,7 @@ QueryText StemPhrase(std::string_view words, Stemmer& stemmer, bool utf8) {
 }
 
 // Adds the pages on which the words of the phrase stand one after another.
-TermStatus SearchPhrase(TermSearch& search, const TermSearchInput& input, SearchedTerm& term,
+TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, SearchedTerm& term,
                         const TermPlace& place, Matches& matches) {
   const Settings& settings = input.settings;
   QueryText words = term.word;
@@ -47,17 +36,14 @@ TermStatus SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
     words = StemPhrase(View(term.word), input.stemmer, IsUtf8(settings));
   }
   Phrase phrase;
-  const LookupStatus prepared =
-      PreparePhrase(phrase, View(words), input.dictionary, input.wordMap, input.response);
-  if (prepared != LookupStatus::kOk) return FromLookup(prepared);
-  if (phrase.words.empty()) return TermStatus::kOk;
+  const TermResult prepared = PreparePhrase(phrase, View(words), input.dictionary, input.wordMap);
+  if (prepared.status != TermStatus::kOk) return prepared;
+  if (phrase.words.empty()) return {};
   const PhraseWord& first = phrase.words[0];
   const bool isReserved = first.number < FirstSearchedWord(settings);
-  if (isReserved || (matches.limitReached && !place.isExclusion)) return TermStatus::kOk;
-  if (input.dictionary.EntryAt(first.number).offset == kNoWordList) return TermStatus::kOk;
-  if (!TakeFromBudget(search.matchBudget, 1, place.isExclusion, matches.limitReached)) {
-    return TermStatus::kOk;
-  }
+  if (isReserved || (matches.limitReached && !place.isExclusion)) return {};
+  if (input.dictionary.EntryAt(first.number).offset == kNoWordList) return {};
+  if (!TakeFromBudget(search.matchBudget, 1, place.isExclusion, matches.limitReached)) return {};
   term.records += first.list.size();
   PageTextReader text;
   text.file = input.pageText;
@@ -70,61 +56,64 @@ TermStatus SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
         break;
       case CandidateResult::kStop:
         matches.limitReached = true;
-        return TermStatus::kOk;
+        return {};
       case CandidateResult::kFound:
         if (!AddMatch(matches, input.pages, found, place, input.sort,
                       settings.MaxContextKeywords)) {
-          return TermStatus::kInvalidPage;
+          return {TermStatus::kInvalidPage};
         }
         break;
     }
   }
-  return TermStatus::kOk;
+  return {};
 }
 
-TermStatus SearchWord(TermSearch& search, const TermSearchInput& input, SearchedTerm& term,
+void Skip(TermSearch& search, std::string_view shown) {
+  search.skipped.terms[static_cast<size_t>(search.skipped.count++)] = shown;
+}
+
+TermResult SearchWord(TermSearch& search, const TermSearchInput& input, SearchedTerm& term,
                       const TermPlace& place, Matches& matches) {
   const Settings& settings = input.settings;
   const bool groupsWords = View(term.word).find(' ') != std::string_view::npos;
   if (StemsWords(settings) && !groupsWords) {
     StemText(term.word, input.stemmer, IsUtf8(settings));
   }
-  const LookupTerm lookup = {View(term.word), HasWildcard(View(term.word)), place.isExclusion};
-  LookupResult result;
-  const LookupStatus status = LookUpTerm(lookup, input.dictionary, input.wordMap, settings,
-                                         input.response, search.matchBudget, matches.limitReached,
-                                         result, [&](const WordMapRecord& record) {
-                                           return AddMatch(matches, input.pages, record, place,
-                                                           input.sort, settings.MaxContextKeywords);
-                                         });
-  term.records += result.records;
-  if (result.hasNoList) {
-    search.skipped.terms[static_cast<size_t>(search.skipped.count++)] = View(term.shown);
-  }
-  return FromLookup(status);
+  const LookupTerm lookup = {.word = View(term.word), .isExclusion = place.isExclusion};
+  const LookupInput lookupInput = {.settings = settings,
+                                   .dictionary = input.dictionary,
+                                   .wordMap = input.wordMap,
+                                   .budget = search.matchBudget,
+                                   .limitReached = matches.limitReached};
+  const auto add = [&](const WordMapRecord& record) {
+    return AddMatch(matches, input.pages, record, place, input.sort, settings.MaxContextKeywords);
+  };
+  LookupCounts counts;
+  const TermResult result = HasWildcard(lookup.word)
+                                ? LookUpPattern(lookup, lookupInput, counts, add)
+                                : LookUpWord(lookup, lookupInput, counts, add);
+  term.records += counts.records;
+  if (counts.hasNoList) Skip(search, term.shown);
+  return result;
 }
 
-TermStatus SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t index,
+TermResult SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t index,
                       Matches& matches) {
   SearchedTerm& term = search.terms[static_cast<size_t>(index)];
-  const std::string_view shown = View(term.shown);
-  const bool isShort = static_cast<int64_t>(shown.size()) < input.settings.MinWordLen;
-  if (isShort) search.skipped.terms[static_cast<size_t>(search.skipped.count++)] = shown;
-  if (isShort || shown.empty()) {
+  const bool isShort = IsShort(term.shown, input.settings);
+  if (isShort) Skip(search, term.shown);
+  if (isShort || term.shown.empty()) {
     ++search.skippedCount;
-    return TermStatus::kOk;
+    return {};
   }
-  const bool isExclusion = shown.starts_with('-');
-  std::string_view restriction;
-  const bool isRestriction = IsSiteRestriction(View(term.word), restriction);
+  const bool isExclusion = term.shown.starts_with('-');
+  const bool isRestriction = ReadSiteRestriction(View(term.word)).active;
   if (isExclusion || isRestriction) ++search.excludedCount;
-  if (isRestriction) {
-    search.hasSiteRestriction = true;
-    search.siteRestriction = restriction;
-    search.siteOnly = search.terms.size() == 1;
-    return TermStatus::kOk;
-  }
-  const TermPlace place = {index, search.skippedCount, search.excludedCount, isExclusion};
+  if (isRestriction) return {};
+  const TermPlace place = {.index = index,
+                           .skipped = search.skippedCount,
+                           .excluded = search.excludedCount,
+                           .isExclusion = isExclusion};
   const bool isPhrase = IsPhrase(View(term.word), input.settings);
   return isPhrase ? SearchPhrase(search, input, term, place, matches)
                   : SearchWord(search, input, term, place, matches);
@@ -132,31 +121,31 @@ TermStatus SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t 
 
 }  // namespace
 
-bool StartTermSearch(TermSearch& search, Query& query, const Settings& settings) {
-  const auto count = static_cast<size_t>(query.terms.size());
+bool StartTermSearch(TermSearch& search, const TermList& terms, const Settings& settings) {
+  const auto count = static_cast<size_t>(terms.size());
   if (!search.terms.TryAllocate(count) || !search.skipped.terms.TryAllocate(count)) return false;
   for (size_t i = 0; i < count; ++i) {
     SearchedTerm& term = search.terms[i];
-    std::string_view& listed = query.terms.terms[i];
-    if (SearchesSubstrings(settings)) {
-      term.shown = SubstringTerm(listed, settings);
-    } else {
-      Set(term.shown, listed);
-    }
-    listed = View(term.shown);
-    Set(term.word, listed.starts_with('-') ? listed.substr(1) : listed);
+    term.shown = terms.terms[i];
+    Set(term.word, term.shown.starts_with('-') ? term.shown.substr(1) : term.shown);
+    const SiteRestriction site = ReadSiteRestriction(View(term.word));
+    if (site.active && !IsShort(term.shown, settings)) search.site = site;
   }
-  search.matchBudget = MakeMatchBudget(settings.MaxMatches, query.terms.size());
+  search.matchBudget = MakeMatchBudget(settings.MaxMatches, terms.size());
   return true;
 }
 
-TermStatus SearchTerms(TermSearch& search, const TermSearchInput& input, Matches& matches) {
+bool IsOnlySiteRestriction(const TermSearch& search) {
+  return search.site.active && search.terms.size() == 1;
+}
+
+TermResult SearchTerms(TermSearch& search, const TermSearchInput& input, Matches& matches) {
   const auto count = static_cast<int32_t>(search.terms.size());
-  for (int32_t i = 0; i < count && !search.siteOnly; ++i) {
-    const TermStatus status = SearchTerm(search, input, i, matches);
-    if (status != TermStatus::kOk) return status;
+  for (int32_t i = 0; i < count; ++i) {
+    const TermResult result = SearchTerm(search, input, i, matches);
+    if (result.status != TermStatus::kOk) return result;
   }
-  return TermStatus::kOk;
+  return {};
 }
 
 void StemText(QueryText& word, Stemmer& stemmer, bool utf8) {

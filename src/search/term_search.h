@@ -6,7 +6,6 @@
 
 #include "index/dictionary.h"
 #include "index/page_info.h"
-#include "output/response.h"
 #include "search/lookup.h"
 #include "search/matches.h"
 #include "search/phrase.h"
@@ -19,12 +18,12 @@ namespace vela {
 
 // One term on its way through the search.
 struct SearchedTerm {
-  QueryText shown;      // as the list holds it: with its "-", with asterisks
-  QueryText word;       // as it is looked up: without "-", stemmed
-  int64_t records = 0;  // word-map records read for it
+  std::string_view shown;  // as the query lists it: with its "-", with asterisks
+  QueryText word;          // as it is looked up: without "-", stemmed
+  int64_t records = 0;     // word-map records read for it
 };
 
-// The terms that the search passed over, as the visitor should see them.
+// The terms that the search passed over, as the query lists them.
 struct SkippedTerms {
   OwnedArray<std::string_view> terms;  // room for every term of the query
   int32_t count = 0;
@@ -38,7 +37,6 @@ struct TermSearchInput {
   std::string_view wordMap;
   std::string_view pageText;
   int32_t sort = 0;
-  Response& response;
   Stemmer& stemmer;
 };
 
@@ -50,20 +48,18 @@ struct TermSearch {
   PhraseBudget phraseBudget;
   int32_t skippedCount = 0;   // terms that AND mode does not ask for
   int32_t excludedCount = 0;  // exclusions and site restrictions
-  bool hasSiteRestriction = false;
-  std::string_view siteRestriction;
-  bool siteOnly = false;  // every page is a candidate
+  SiteRestriction site;       // of the last term that is one
 };
 
-// Takes the terms of the query over, with the asterisks of a substring search; the query's own
-// list is changed along. False when memory is out.
-[[nodiscard]] bool StartTermSearch(TermSearch& search, Query& query, const Settings& settings);
+// Takes the terms over; their list must outlive the search. False when memory is out.
+[[nodiscard]] bool StartTermSearch(TermSearch& search, const TermList& terms,
+                                   const Settings& settings);
 
-enum class TermStatus { kOk, kNoMemory, kSeekFailed, kMissingData, kInvalidPage };
+// Whether the query is a single term that only restricts the addresses.
+bool IsOnlySiteRestriction(const TermSearch& search);
 
-// Looks the terms up one after another and adds what they match to `matches`. A failed seek has
-// written its message; the other failures write nothing.
-[[nodiscard]] TermStatus SearchTerms(TermSearch& search, const TermSearchInput& input,
+// Looks the terms up one after another and adds what they match to `matches`.
+[[nodiscard]] TermResult SearchTerms(TermSearch& search, const TermSearchInput& input,
                                      Matches& matches);
 
 // Lower-cases the word and reduces it to its stem.

@@ -179,6 +179,10 @@ inline bool AllowsPhrases(const Settings& s) { return s.AllowExactPhrase == 1; }
 inline bool NeedsPageText(const Settings& s) { return s.DisplayContext == 1 || AllowsPhrases(s); }
 inline bool SearchesDates(const Settings& s) { return s.DateRangeSearch == 1; }
 inline bool ShowsImages(const Settings& s) { return s.UseVelaImage == 1; }
+inline bool MarksWords(const Settings& s) { return s.Highlighting == 1; }
+// Kept: titles and descriptions pass through the marking with any number but 0, which ends a word
+// of 400 bytes also where nothing is marked (unit highlighted_test).
+inline bool PassesTextsThroughMarking(const Settings& s) { return s.Highlighting != 0; }
 // Whether links carry the query, so that the page shown scrolls to its words.
 inline bool PointsToWords(const Settings& s) { return s.GotoHighlight == 1; }
 

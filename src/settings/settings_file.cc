@@ -285,35 +285,4 @@ SettingsStatus ReadSettingsFile(Settings& settings, const IndexDirectory& direct
   return ReadSettings(settings, file.bytes());
 }
 
-void WriteSettingsError(Response& response, SettingsStatus status,
-                        const IndexDirectory& directory) {
-  // Kept: the line about the missing text comes ahead of the header (golden settings/48_texts).
-  if (status == SettingsStatus::kMissingText) {
-    WriteRaw(response,
-             "Error: Missing text in the settings.vdat file. Check that your VLANG file is valid "
-             "if you have modified it.<br />\n");
-  }
-  WriteRaw(response, "Content-type: text/html\n\n");
-  switch (status) {
-    case SettingsStatus::kOk:
-      break;
-    case SettingsStatus::kInvalid:
-    case SettingsStatus::kMissingText:
-    case SettingsStatus::kInvalidDictIdLen:
-      WriteRaw(response,
-               "Unable to load settings.vdat file.<br />The file appears to be invalid and may "
-               "have been corrupted.");
-      break;
-    case SettingsStatus::kNoMemory:
-      WriteRaw(response,
-               "Unable to load settings.vdat file due to lack of memory.<br />Check that the file "
-               "is valid and not corrupted and that server load is normal.");
-      break;
-    case SettingsStatus::kCannotOpen:
-      WriteOut(response, "Unable to open %s/%s.<br />Check file permissions and that file exists",
-               directory.path.bytes, kSettingsFileName);
-      break;
-  }
-}
-
 }  // namespace vela

@@ -9,7 +9,6 @@
 // bytes.
 #pragma once
 
-#include "output/response.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 
@@ -33,9 +32,5 @@ enum class SettingsStatus : int {
 
 // Opens and reads the settings file of the directory.
 [[nodiscard]] SettingsStatus ReadSettingsFile(Settings& settings, const IndexDirectory& directory);
-
-// Writes the whole response of a request whose settings could not be read: no template is filled
-// and nothing is wrapped, since the request has not been looked at yet.
-void WriteSettingsError(Response& response, SettingsStatus status, const IndexDirectory& directory);
 
 }  // namespace vela

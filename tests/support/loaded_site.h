@@ -106,17 +106,15 @@ struct LoadedSite {
   Settings settings;
   IndexFiles files;
   Dictionary dictionary;
-  CapturedResponse loading;
 
   explicit LoadedSite(const IndexBuilder& builder) {
     builder.WriteTo(scratch.path());
     OpenIndexDirectory(directory, scratch.path().string());
     EXPECT_EQ(ReadSettingsFile(settings, directory), SettingsStatus::kOk);
-    EXPECT_TRUE(OpenIndexFiles(files, directory, settings, loading.response)) << loading.Text();
+    EXPECT_EQ(OpenIndexFiles(files, directory, settings).status, LoadStatus::kOk);
     // A site without words needs room for one to have a dictionary at all.
     if (settings.NumKeywords > 0) {
-      EXPECT_EQ(dictionary.Load(directory, settings, loading.response), DictionaryStatus::kOk)
-          << loading.Text();
+      EXPECT_EQ(dictionary.Load(directory, settings).status, DictionaryStatus::kOk);
     }
   }
 };

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "index/autocomplete.h"
+#include "output/autocomplete.h"
 #include "program/fuzz/check.h"
 #include "program/fuzz/written.h"
 #include "settings/index_directory.h"
@@ -47,7 +48,9 @@ std::vector<std::string_view> Items(std::string_view answer) {
 std::string Answer(const IndexDirectory& directory, const Settings& settings,
                    std::span<const std::string_view> words) {
   return Written([&](Response& response) {
-    VELA_CHECK(WriteAutoComplete(response, directory, settings, words));
+    SuggestionReader suggestions;
+    VELA_CHECK(suggestions.Open(directory, settings) == LoadStatus::kOk);
+    WriteAutoComplete(response, suggestions, words, settings.UseUTF8 == 1);
   });
 }
 

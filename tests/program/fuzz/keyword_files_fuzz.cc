@@ -27,7 +27,7 @@ void CheckSpelling(const support::ScratchDirectory& scratch, const IndexDirector
                    Settings& settings, std::string_view file) {
   WriteFile(scratch, kSpellingFileName, file);
   SpellingTable table;
-  VELA_CHECK(LoadSpelling(table, directory, settings) == SpellingStatus::kOk);
+  VELA_CHECK(LoadSpelling(table, directory, settings) == LoadStatus::kOk);
   VELA_CHECK(table.isLoaded);
   VELA_CHECK(table.count >= 0 && table.count <= settings.NumSpellings + 1);
   std::string written;
@@ -43,7 +43,7 @@ void CheckSpelling(const support::ScratchDirectory& scratch, const IndexDirector
   settings.MaxKeyWordLineLen = kLongLine;
   WriteFile(scratch, kSpellingFileName, written);
   SpellingTable again;
-  VELA_CHECK(LoadSpelling(again, directory, settings) == SpellingStatus::kOk);
+  VELA_CHECK(LoadSpelling(again, directory, settings) == LoadStatus::kOk);
   VELA_CHECK(again.count == table.count);
   for (int32_t i = 0; i < table.count; ++i) {
     const SpellingEntry& a = table.entries[static_cast<size_t>(i)];
@@ -56,7 +56,7 @@ void CheckRecommended(const support::ScratchDirectory& scratch, const IndexDirec
                       Settings& settings, std::string_view file) {
   WriteFile(scratch, kRecommendedFileName, file);
   RecommendedTies ties;
-  VELA_CHECK(LoadRecommended(ties, directory, settings) == RecommendedStatus::kOk);
+  VELA_CHECK(LoadRecommended(ties, directory, settings) == LoadStatus::kOk);
   VELA_CHECK(ties.keywords.size() <= settings.NumRecommended);
   std::string written;
   for (int32_t i = 0; i < ties.keywords.size(); ++i) {
@@ -69,7 +69,7 @@ void CheckRecommended(const support::ScratchDirectory& scratch, const IndexDirec
   settings.MaxKeyWordLineLen = kLongLine;
   WriteFile(scratch, kRecommendedFileName, written);
   RecommendedTies again;
-  VELA_CHECK(LoadRecommended(again, directory, settings) == RecommendedStatus::kOk);
+  VELA_CHECK(LoadRecommended(again, directory, settings) == LoadStatus::kOk);
   VELA_CHECK(again.keywords.size() == ties.keywords.size());
   for (int32_t i = 0; i < ties.keywords.size(); ++i) {
     const auto at = static_cast<size_t>(i);

@@ -154,8 +154,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (!ReadInput(Text(data, size), *settings, input)) return 0;
 
   Dictionary dictionary;
-  const auto response = std::make_unique<Response>();
-  VELA_CHECK(dictionary.Load(kWords, *settings, *response) == DictionaryStatus::kOk);
+  VELA_CHECK(dictionary.Load(kWords, *settings).status == DictionaryStatus::kOk);
   TermList words;
   FillTerms(words, {"cat", input.phrase});
   HighlightTerms terms;
@@ -171,17 +170,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   entry.firstPosition = input.positions[0];
   entry.secondPosition = input.positions[1];
   entry.thirdPosition = input.positions[2];
-  const SnippetSource source = {*settings, dictionary, terms, text};
-  settings->Highlighting = 1;
+  SnippetSource source = {.settings = *settings,
+                          .dictionary = dictionary,
+                          .terms = terms,
+                          .marksWords = true,
+                          .text = text};
   CheckPieces(source, entry);
   const std::string marked = Context(source, entry);
-  settings->Highlighting = 0;
+  source.marksWords = false;
   VELA_CHECK(WithoutMarks(marked) == Context(source, entry));
 
   // Only words of one list position are candidates, so the lists themselves may stay empty.
   Phrase phrase;
   const std::string none(4, '\0');
-  VELA_CHECK(PreparePhrase(phrase, input.phrase, dictionary, none, *response) == LookupStatus::kOk);
+  VELA_CHECK(PreparePhrase(phrase, input.phrase, dictionary, none).status == TermStatus::kOk);
   CheckPhrase(phrase, *settings, text, input);
   return 0;
 }

@@ -9,18 +9,8 @@
 namespace vela {
 namespace {
 
-using support::CapturedResponse;
 using support::IndexBuilder;
 using support::ScratchDirectory;
-
-constexpr char kCannotFind[] =
-    "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
-    "files are uploaded to the same path as this search script.<br />Also check file permissions "
-    "have been set to allow reading.<br />\n";
-
-std::string CannotOpen(const std::string& name) {
-  return "Unable to open " + name + "<br />Check file permissions and that file exists";
-}
 
 IndexBuilder OnePage() {
   IndexBuilder builder;
@@ -28,12 +18,7 @@ IndexBuilder OnePage() {
   return builder;
 }
 
-struct Outcome {
-  bool opened;
-  std::string text;
-};
-
-Outcome OpenFiles(const IndexBuilder& builder, bool xml) {
+OpenResult OpenFiles(const IndexBuilder& builder) {
   ScratchDirectory scratch;
   builder.WriteTo(scratch.path());
   IndexDirectory directory;
@@ -41,110 +26,74 @@ Outcome OpenFiles(const IndexBuilder& builder, bool xml) {
   Settings settings;
   EXPECT_EQ(ReadSettingsFile(settings, directory), SettingsStatus::kOk);
   IndexFiles files;
-  CapturedResponse captured(xml);
-  const bool opened = OpenIndexFiles(files, directory, settings, captured.response);
-  if (opened) {
-    EXPECT_TRUE(files.pageData.isOpen() && files.wordMap.isOpen());
-  }
-  return {opened, captured.Text()};
+  return OpenIndexFiles(files, directory, settings);
 }
 
-void ExpectError(const IndexBuilder& builder, const std::string& html, const std::string& xml) {
-  const Outcome inHtml = OpenFiles(builder, false);
-  EXPECT_FALSE(inHtml.opened);
-  EXPECT_EQ(inHtml.text, html);
-  const Outcome inXml = OpenFiles(builder, true);
-  EXPECT_FALSE(inXml.opened);
-  EXPECT_EQ(inXml.text, xml);
-}
-
-void ExpectWrappedError(const IndexBuilder& builder, const std::string& message) {
-  ExpectError(builder, message, "<vela:error>" + message + "</vela:error>\n");
-}
-
-TEST(IndexFiles, AllThere) {
-  const Outcome outcome = OpenFiles(OnePage(), false);
-  EXPECT_TRUE(outcome.opened);
-  EXPECT_EQ(outcome.text, "");
-}
-
-TEST(IndexFiles, PageDataMissing) {
-  ExpectWrappedError(OnePage().Omit("vela_pagedata.vdat"), CannotOpen("vela_pagedata.vdat"));
-}
-
-TEST(IndexFiles, DirectoryInTheFilesPlaceCannotBeOpened) {
-  ExpectWrappedError(OnePage().Directory("vela_pagedata.vdat"), CannotOpen("vela_pagedata.vdat"));
-  ExpectWrappedError(OnePage().Directory("vela_wordmap.vdat"), kCannotFind);
-}
-
-TEST(IndexFiles, PageInfoMissing) {
-  ExpectWrappedError(OnePage().Omit("vela_pageinfo.vdat"), CannotOpen("vela_pageinfo.vdat"));
-}
-
-TEST(IndexFiles, PageInfoMessageStandsBeforeTheOpeningError) {
-  const std::string cannotOpen = CannotOpen("vela_pageinfo.vdat");
+TEST(IndexFiles, Table) {
   const struct {
     const char* what;
     IndexBuilder builder;
-    std::string message;
+    LoadStatus status;
+    IndexFile file;  // the one at fault
   } cases[] = {
-      {"short", OnePage().Set("PageInfoSize", "18"),
-       "Pageinfo file does not match PageInfoSize specified."},
-      {"one page too many", OnePage().Set("NumPages", "2"),
-       "Pageinfo file and PageInfoSize does not match NumPages specified."},
-      {"slack", OnePage().AppendTo("vela_pageinfo.vdat", "x").Set("PageInfoSize", "18"),
-       "Warning: Pageinfo file and PageInfoSize does not match NumPages specified."},
+      {"all there", OnePage(), LoadStatus::kOk, {}},
+      {"no page data", OnePage().Omit("vela_pagedata.vdat"), LoadStatus::kCannotOpen,
+       IndexFile::kPageData},
+      {"a directory in its place", OnePage().Directory("vela_pagedata.vdat"),
+       LoadStatus::kCannotOpen, IndexFile::kPageData},
+      {"no recommended links", OnePage().Set("Recommended", "1"), LoadStatus::kCannotOpen,
+       IndexFile::kRecommended},
+      {"none asked for", OnePage().Set("Recommended", "2"), LoadStatus::kOk, {}},
+      {"too many of them",
+       OnePage()
+           .Set("Recommended", "1")
+           .Set("NumRecommended", "-1")
+           .File("vela_recommended.vdat", "a 0\n"),
+       LoadStatus::kNoMemory, IndexFile::kRecommended},
+      {"no page info", OnePage().Omit("vela_pageinfo.vdat"), LoadStatus::kCannotOpen,
+       IndexFile::kPageInfo},
+      {"page info too short", OnePage().Set("PageInfoSize", "18"), LoadStatus::kTooShort,
+       IndexFile::kPageInfo},
+      {"one page too many", OnePage().Set("NumPages", "2"), LoadStatus::kRecordBeyondEnd,
+       IndexFile::kPageInfo},
+      {"slack behind the pages",
+       OnePage().AppendTo("vela_pageinfo.vdat", "x").Set("PageInfoSize", "18"),
+       LoadStatus::kSlackAtEnd, IndexFile::kPageInfo},
+      {"no page text, none needed", OnePage().Omit("vela_pagetext.vdat"), LoadStatus::kOk, {}},
+      {"no page text for context", OnePage().Set("DisplayContext", "1").Omit("vela_pagetext.vdat"),
+       LoadStatus::kCannotOpen, IndexFile::kPageText},
+      {"no page text for phrases",
+       OnePage().Set("AllowExactPhrase", "1").Omit("vela_pagetext.vdat"), LoadStatus::kCannotOpen,
+       IndexFile::kPageText},
+      {"the placeholder is not seen",
+       OnePage()
+           .Set("DisplayContext", "1")
+           .File("vela_pagetext.vdat", std::string("T\0h\0i\0s\0", 8)),
+       LoadStatus::kOk,
+       {}},
+      {"no word map", OnePage().Omit("vela_wordmap.vdat"), LoadStatus::kCannotOpen,
+       IndexFile::kWordMap},
+      {"a directory in the word map's place", OnePage().Directory("vela_wordmap.vdat"),
+       LoadStatus::kCannotOpen, IndexFile::kWordMap},
+      {"no spelling, none asked for", OnePage().Set("Spelling", "0"), LoadStatus::kOk, {}},
+      {"no spelling", OnePage().Set("Spelling", "1"), LoadStatus::kCannotOpen,
+       IndexFile::kSpelling},
+      {"page data comes before page info",
+       OnePage().Omit("vela_pagedata.vdat").Omit("vela_pageinfo.vdat"), LoadStatus::kCannotOpen,
+       IndexFile::kPageData},
+      {"page info before the word map",
+       OnePage().Omit("vela_pageinfo.vdat").Omit("vela_wordmap.vdat"), LoadStatus::kCannotOpen,
+       IndexFile::kPageInfo},
+      {"page text before the word map",
+       OnePage().Set("DisplayContext", "1").Omit("vela_pagetext.vdat").Omit("vela_wordmap.vdat"),
+       LoadStatus::kCannotOpen, IndexFile::kPageText},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    ExpectError(c.builder, c.message + cannotOpen,
-                c.message + "<vela:error>" + cannotOpen + "</vela:error>\n");
+    const OpenResult result = OpenFiles(c.builder);
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_EQ(result.file, c.file);
   }
-}
-
-TEST(IndexFiles, PageTextIsNotNeededWithoutContextAndPhrases) {
-  EXPECT_TRUE(OpenFiles(OnePage().Omit("vela_pagetext.vdat"), false).opened);
-}
-
-TEST(IndexFiles, PageTextMissing) {
-  for (const char* key : {"DisplayContext", "AllowExactPhrase"}) {
-    SCOPED_TRACE(key);
-    ExpectWrappedError(OnePage().Set(key, "1").Omit("vela_pagetext.vdat"),
-                       CannotOpen("vela_pagetext.vdat"));
-  }
-}
-
-TEST(IndexFiles, PageTextPlaceholderIsNotSeen) {
-  const std::string placeholder("T\0h\0i\0s\0", 8);
-  EXPECT_TRUE(
-      OpenFiles(OnePage().Set("DisplayContext", "1").File("vela_pagetext.vdat", placeholder), false)
-          .opened);
-}
-
-TEST(IndexFiles, WordMapMissingGivesTheMessageWithLineBreaks) {
-  ExpectWrappedError(OnePage().Omit("vela_wordmap.vdat"), kCannotFind);
-}
-
-TEST(IndexFiles, SpellingFileIsNotNeededWithoutSpelling) {
-  EXPECT_TRUE(OpenFiles(OnePage().Set("Spelling", "0"), false).opened);
-}
-
-TEST(IndexFiles, SpellingMissingGivesTheMessageWithoutLineBreaks) {
-  ExpectWrappedError(
-      OnePage().Set("Spelling", "1"),
-      "Can not find one or more of the Vela index files. Please make sure the generated index "
-      "files are uploaded to the same path as this search script. Also check file permissions have "
-      "been set to allow reading.");
-}
-
-TEST(IndexFiles, FilesAreOpenedInOrder) {
-  ExpectWrappedError(OnePage().Omit("vela_pagedata.vdat").Omit("vela_pageinfo.vdat"),
-                     CannotOpen("vela_pagedata.vdat"));
-  ExpectWrappedError(OnePage().Omit("vela_pageinfo.vdat").Omit("vela_wordmap.vdat"),
-                     CannotOpen("vela_pageinfo.vdat"));
-  ExpectWrappedError(
-      OnePage().Set("DisplayContext", "1").Omit("vela_pagetext.vdat").Omit("vela_wordmap.vdat"),
-      CannotOpen("vela_pagetext.vdat"));
 }
 
 TEST(IndexFiles, CloseIsHarmlessTwice) {

@@ -12,7 +12,6 @@ namespace vela {
 namespace {
 
 using namespace std::string_literals;
-using support::CapturedResponse;
 using support::LittleEndian;
 using support::OpenDirectory;
 
@@ -35,14 +34,14 @@ struct Load {
     settings.PageInfoSize = static_cast<int32_t>(bytes.size());
     settings.UseBigPageInfoData = big ? 1 : 0;
   }
-  PageInfoStatus Run() { return LoadPageInfo(pages, site.directory, settings); }
+  LoadStatus Run() { return LoadPageInfo(pages, site.directory, settings); }
 };
 
 TEST(PageInfo, FieldsOfBothLayouts) {
   for (bool big : {false, true}) {
     SCOPED_TRACE(big ? "big" : "small");
     Load load(Record(big) + Record(big, "tail"), 2, big);
-    ASSERT_EQ(load.Run(), PageInfoStatus::kOk);
+    ASSERT_EQ(load.Run(), LoadStatus::kOk);
     for (uint32_t page : {0u, 1u}) {
       EXPECT_EQ(PageDataOffset(load.pages, page), 0xFEDCBA9876u);
       EXPECT_EQ(PageFileSize(load.pages, page), 0x87654321u);
@@ -57,7 +56,7 @@ TEST(PageInfo, BigLayoutHasTheCategorySetAtByte19) {
   Load load(Record(true, "\x05\x80"), 1, true);
   load.settings.UseCats = 1;
   load.settings.NumCatBytes = 2;
-  ASSERT_EQ(load.Run(), PageInfoStatus::kOk);
+  ASSERT_EQ(load.Run(), LoadStatus::kOk);
   ASSERT_EQ(load.pages.image.size(), 21u);
   EXPECT_TRUE(PageCategoryBit(load.pages, 0, 0, 0));
   EXPECT_FALSE(PageCategoryBit(load.pages, 0, 0, 1));
@@ -73,7 +72,7 @@ TEST(PageInfo, MetaDataStartsBehindTwoCategoryBytes) {
     load.settings.UseCats = 1;
     load.settings.NumCatBytes = 2;
     load.settings.UseMetaFields = 1;
-    ASSERT_EQ(load.Run(), PageInfoStatus::kOk);
+    ASSERT_EQ(load.Run(), LoadStatus::kOk);
     EXPECT_EQ(PageMetaData(load.pages, 0), "meta");
     EXPECT_EQ(PageMetaData(load.pages, 1), "MORE");
   }
@@ -101,14 +100,14 @@ TEST(PageInfo, MetaDataTable) {
     load.settings.UseCats = c.useCats;
     load.settings.NumCatBytes = c.catBytes;
     load.settings.UseMetaFields = 1;
-    ASSERT_EQ(load.Run(), PageInfoStatus::kOk);
+    ASSERT_EQ(load.Run(), LoadStatus::kOk);
     EXPECT_EQ(PageMetaData(load.pages, 0), c.expected);
   }
 }
 
 TEST(PageInfo, FileOneByteLongerThanItsRecordsFailsWithTheWarning) {
   Load load(Record(false) + "x", 1, false);
-  EXPECT_EQ(load.Run(), PageInfoStatus::kSlackAtEnd);
+  EXPECT_EQ(load.Run(), LoadStatus::kSlackAtEnd);
 }
 
 TEST(PageInfo, OutcomesTable) {
@@ -121,39 +120,36 @@ TEST(PageInfo, OutcomesTable) {
     int32_t pageInfoSize;
     int32_t numPages;
     bool big;
-    PageInfoStatus expected;
+    LoadStatus expected;
   } cases[] = {
-      {"one record", small, size, 1, false, PageInfoStatus::kOk},
-      {"no pages", "", 0, 0, false, PageInfoStatus::kOk},
-      {"one byte less than promised", small, size + 1, 1, false, PageInfoStatus::kTooShort},
-      {"an absurd size", small, INT32_MAX, 1, false, PageInfoStatus::kTooShort},
-      {"a negative size", small, -1, 1, false, PageInfoStatus::kUnreadable},
-      {"the most negative size", small, INT32_MIN, 1, false, PageInfoStatus::kUnreadable},
-      {"the file may go on behind the size", small + "more", size, 1, false, PageInfoStatus::kOk},
-      {"one page too many", small, size, 2, false, PageInfoStatus::kRecordBeyondEnd},
-      {"one page too few", small + small, 2 * size, 1, false, PageInfoStatus::kSlackAtEnd},
-      {"a page in an empty file", "", 0, 1, false, PageInfoStatus::kRecordBeyondEnd},
+      {"one record", small, size, 1, false, LoadStatus::kOk},
+      {"no pages", "", 0, 0, false, LoadStatus::kOk},
+      {"one byte less than promised", small, size + 1, 1, false, LoadStatus::kTooShort},
+      {"an absurd size", small, INT32_MAX, 1, false, LoadStatus::kTooShort},
+      {"a negative size", small, -1, 1, false, LoadStatus::kNoMemory},
+      {"the most negative size", small, INT32_MIN, 1, false, LoadStatus::kNoMemory},
+      {"the file may go on behind the size", small + "more", size, 1, false, LoadStatus::kOk},
+      {"one page too many", small, size, 2, false, LoadStatus::kRecordBeyondEnd},
+      {"one page too few", small + small, 2 * size, 1, false, LoadStatus::kSlackAtEnd},
+      {"a page in an empty file", "", 0, 1, false, LoadStatus::kRecordBeyondEnd},
       {"a record that starts one byte before the end", small + "\x01", size + 1, 2, false,
-       PageInfoStatus::kRecordBeyondEnd},
+       LoadStatus::kRecordBeyondEnd},
       {"a big record that starts three bytes before the end", big + "\x03\0\0"s, 22, 2, true,
-       PageInfoStatus::kRecordBeyondEnd},
-      {"a record one byte beyond the end", "\x03\0"s, 2, 1, false,
-       PageInfoStatus::kRecordBeyondEnd},
+       LoadStatus::kRecordBeyondEnd},
+      {"a record one byte beyond the end", "\x03\0"s, 2, 1, false, LoadStatus::kRecordBeyondEnd},
       {"a record of the longest length", "\xFF\xFF"s + std::string(30, 'x'), 32, 1, false,
-       PageInfoStatus::kRecordBeyondEnd},
+       LoadStatus::kRecordBeyondEnd},
       {"a big length that passes 31 bits", "\xFF\xFF\xFF\xFF"s + std::string(30, 'x'), 34, 1, true,
-       PageInfoStatus::kRecordBeyondEnd},
+       LoadStatus::kRecordBeyondEnd},
       {"two big lengths whose sum passes 32 bits",
        "\x04\0\0\0"s + "\xFE\xFF\xFF\xFF"s + std::string(30, 'x'), 38, 2, true,
-       PageInfoStatus::kRecordBeyondEnd},
-      {"a record of only its length", "\x02\0\x02\0"s, 4, 2, false, PageInfoStatus::kOk},
-      {"a record shorter than its length field", "\x01\0\0"s, 3, 2, false,
-       PageInfoStatus::kSlackAtEnd},
-      {"records of no length never end", "\0\0"s, 2, 3, false, PageInfoStatus::kSlackAtEnd},
-      {"very many records of no length", "\0\0"s, 2, 500000000, false, PageInfoStatus::kSlackAtEnd},
-      {"more pages than memory can hold", small, size, INT32_MAX, false,
-       PageInfoStatus::kUnreadable},
-      {"a negative number of pages", small, size, -1, false, PageInfoStatus::kUnreadable},
+       LoadStatus::kRecordBeyondEnd},
+      {"a record of only its length", "\x02\0\x02\0"s, 4, 2, false, LoadStatus::kOk},
+      {"a record shorter than its length field", "\x01\0\0"s, 3, 2, false, LoadStatus::kSlackAtEnd},
+      {"records of no length never end", "\0\0"s, 2, 3, false, LoadStatus::kSlackAtEnd},
+      {"very many records of no length", "\0\0"s, 2, 500000000, false, LoadStatus::kSlackAtEnd},
+      {"more pages than memory can hold", small, size, INT32_MAX, false, LoadStatus::kNoMemory},
+      {"a negative number of pages", small, size, -1, false, LoadStatus::kNoMemory},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -167,7 +163,7 @@ TEST(PageInfo, ShortRecordsReadOnAndAsZeroBeyondTheEnd) {
   // Page 0 has only its length and borrows from page 1, of which everything is cut but its length
   // and one byte of the position.
   Load load("\x02\0\x03\0\x7F"s, 2, false);
-  ASSERT_EQ(load.Run(), PageInfoStatus::kOk);
+  ASSERT_EQ(load.Run(), LoadStatus::kOk);
   EXPECT_EQ(PageDataOffset(load.pages, 0), 0x7F0003u);
   EXPECT_EQ(PageFileSize(load.pages, 0), 0u);
   EXPECT_EQ(PageDataOffset(load.pages, 1), 0x7Fu);
@@ -182,37 +178,14 @@ TEST(PageInfo, FileMissing) {
   OpenDirectory site;
   Settings settings;
   PageTable pages;
-  EXPECT_EQ(LoadPageInfo(pages, site.directory, settings), PageInfoStatus::kUnreadable);
+  EXPECT_EQ(LoadPageInfo(pages, site.directory, settings), LoadStatus::kCannotOpen);
 }
 
 TEST(PageInfo, FailedAllocation) {
   Load load(Record(false), 1, false);
   g_failAllocationNumber = 1;
-  EXPECT_EQ(load.Run(), PageInfoStatus::kUnreadable);
+  EXPECT_EQ(load.Run(), LoadStatus::kNoMemory);
   g_failAllocationNumber = 0;
-}
-
-TEST(PageInfo, MessagesAreNotWrapped) {
-  const struct {
-    PageInfoStatus status;
-    const char* message;
-  } cases[] = {
-      {PageInfoStatus::kOk, ""},
-      {PageInfoStatus::kUnreadable, ""},
-      {PageInfoStatus::kTooShort, "Pageinfo file does not match PageInfoSize specified."},
-      {PageInfoStatus::kRecordBeyondEnd,
-       "Pageinfo file and PageInfoSize does not match NumPages specified."},
-      {PageInfoStatus::kSlackAtEnd,
-       "Warning: Pageinfo file and PageInfoSize does not match NumPages specified."},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.message);
-    for (bool xml : {false, true}) {
-      CapturedResponse captured(xml);
-      WritePageInfoError(captured.response, c.status);
-      EXPECT_EQ(captured.Text(), c.message);
-    }
-  }
 }
 
 }  // namespace

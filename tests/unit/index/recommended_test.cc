@@ -61,7 +61,7 @@ TEST(Recommended, LinesTable) {
     OpenDirectory site;
     site.Write("vela_recommended.vdat", c.file);
     RecommendedTies ties;
-    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(10)), RecommendedStatus::kOk);
+    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(10)), LoadStatus::kOk);
     EXPECT_EQ(TiesOf(ties), c.ties);
   }
 }
@@ -85,8 +85,7 @@ TEST(Recommended, LongLinesAreReadInPieces) {
     OpenDirectory site;
     site.Write("vela_recommended.vdat", c.file);
     RecommendedTies ties;
-    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(10, c.lineLength)),
-              RecommendedStatus::kOk);
+    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(10, c.lineLength)), LoadStatus::kOk);
     EXPECT_EQ(TiesOf(ties), c.ties);
   }
 }
@@ -97,7 +96,7 @@ TEST(Recommended, KeywordHoldsAtMost500Bytes) {
     OpenDirectory site;
     site.Write("vela_recommended.vdat", std::string(length, 'k') + " 17\nold 3\n");
     RecommendedTies ties;
-    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(10, 1000)), RecommendedStatus::kOk);
+    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(10, 1000)), LoadStatus::kOk);
     EXPECT_EQ(TiesOf(ties), "[" + std::string(length < 500 ? length : 500, 'k') + "]17 [old]3 ");
   }
 }
@@ -113,8 +112,7 @@ TEST(Recommended, NoMoreTiesThanTheSettingsSay) {
     OpenDirectory site;
     site.Write("vela_recommended.vdat", "a 1\nnone\nb 2\nc 3\n");
     RecommendedTies ties;
-    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(c.numRecommended)),
-              RecommendedStatus::kOk);
+    ASSERT_EQ(LoadRecommended(ties, site.directory, SettingsOf(c.numRecommended)), LoadStatus::kOk);
     EXPECT_EQ(TiesOf(ties), c.ties);
   }
 }
@@ -125,17 +123,16 @@ TEST(Recommended, SizesThatAreRefused) {
     OpenDirectory site;
     site.Write("vela_recommended.vdat", "a 1\n");
     RecommendedTies ties;
-    EXPECT_EQ(LoadRecommended(ties, site.directory, SettingsOf(count)),
-              RecommendedStatus::kNoMemory);
+    EXPECT_EQ(LoadRecommended(ties, site.directory, SettingsOf(count)), LoadStatus::kNoMemory);
   }
 }
 
 TEST(Recommended, FileThatCannotBeOpened) {
   OpenDirectory site;
   RecommendedTies ties;
-  EXPECT_EQ(LoadRecommended(ties, site.directory, SettingsOf(1)), RecommendedStatus::kCannotOpen);
+  EXPECT_EQ(LoadRecommended(ties, site.directory, SettingsOf(1)), LoadStatus::kCannotOpen);
   std::filesystem::create_directory(site.scratch.path() / "vela_recommended.vdat");
-  EXPECT_EQ(LoadRecommended(ties, site.directory, SettingsOf(1)), RecommendedStatus::kCannotOpen);
+  EXPECT_EQ(LoadRecommended(ties, site.directory, SettingsOf(1)), LoadStatus::kCannotOpen);
 }
 
 TEST(Recommended, OutOfMemoryAtEveryAllocation) {
@@ -145,11 +142,11 @@ TEST(Recommended, OutOfMemoryAtEveryAllocation) {
   for (int32_t number = 1; number < 20; ++number) {
     RecommendedTies ties;
     g_failAllocationNumber = number;
-    const RecommendedStatus status = LoadRecommended(ties, site.directory, SettingsOf(9));
+    const LoadStatus status = LoadRecommended(ties, site.directory, SettingsOf(9));
     const bool reached = g_failAllocationNumber == 0;
     g_failAllocationNumber = 0;
     if (!reached) break;
-    EXPECT_EQ(status, RecommendedStatus::kNoMemory) << number;
+    EXPECT_EQ(status, LoadStatus::kNoMemory) << number;
     ++failures;
   }
   EXPECT_GT(failures, 0);

@@ -71,7 +71,7 @@ TEST(Spelling, LinesTable) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", c.file);
     SpellingTable table;
-    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, 64)), SpellingStatus::kOk);
+    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, 64)), LoadStatus::kOk);
     EXPECT_TRUE(table.isLoaded);
     EXPECT_EQ(EntriesOf(table), c.entries);
   }
@@ -106,8 +106,7 @@ TEST(Spelling, LongLinesAreReadInPieces) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", c.file);
     SpellingTable table;
-    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, c.lineLength)),
-              SpellingStatus::kOk);
+    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, c.lineLength)), LoadStatus::kOk);
     EXPECT_EQ(EntriesOf(table), c.entries);
   }
 }
@@ -129,7 +128,7 @@ TEST(Spelling, RoomForOneEntryMoreThanTheSettingsSay) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", "A 1\nB 2\nnone\nC 3\nD 4\n");
     SpellingTable table;
-    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings)), SpellingStatus::kOk);
+    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings)), LoadStatus::kOk);
     EXPECT_EQ(EntriesOf(table), c.entries);
   }
 }
@@ -138,14 +137,14 @@ TEST(Spelling, SizesThatAreRefused) {
   const struct {
     const char* what;
     int32_t numSpellings;
-    SpellingStatus status;
+    LoadStatus status;
   } cases[] = {
-      {"negative", -1, SpellingStatus::kNoMemory},
-      {"the smallest number", INT32_MIN, SpellingStatus::kNoMemory},
+      {"negative", -1, LoadStatus::kNoMemory},
+      {"the smallest number", INT32_MIN, LoadStatus::kNoMemory},
       // 16 bytes an entry, one entry more: 2147483632 and 2147483648 bytes.
-      {"the largest table", 134217726, SpellingStatus::kOk},
-      {"one more", 134217727, SpellingStatus::kNoMemory},
-      {"the largest number", INT32_MAX, SpellingStatus::kNoMemory},
+      {"the largest table", 134217726, LoadStatus::kOk},
+      {"one more", 134217727, LoadStatus::kNoMemory},
+      {"the largest number", INT32_MAX, LoadStatus::kNoMemory},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -153,20 +152,20 @@ TEST(Spelling, SizesThatAreRefused) {
     site.Write("vela_spelling.vdat", "A 1\n");
     SpellingTable table;
     EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings)), c.status);
-    EXPECT_EQ(table.isLoaded, c.status == SpellingStatus::kOk);
+    EXPECT_EQ(table.isLoaded, c.status == LoadStatus::kOk);
   }
 }
 
 TEST(Spelling, FileThatCannotBeOpened) {
   OpenDirectory site;
   SpellingTable table;
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), SpellingStatus::kCannotOpen);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), LoadStatus::kCannotOpen);
   EXPECT_FALSE(table.isLoaded);
   std::filesystem::create_directory(site.scratch.path() / "vela_spelling.vdat");
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), SpellingStatus::kCannotOpen);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), LoadStatus::kCannotOpen);
   EXPECT_FALSE(table.isLoaded);
   // The file is opened before its size is looked at.
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(-1)), SpellingStatus::kCannotOpen);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(-1)), LoadStatus::kCannotOpen);
 }
 
 TEST(Spelling, OutOfMemory) {
@@ -174,7 +173,7 @@ TEST(Spelling, OutOfMemory) {
   site.Write("vela_spelling.vdat", "A 1\n");
   SpellingTable table;
   g_failAllocationNumber = 1;
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), SpellingStatus::kNoMemory);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), LoadStatus::kNoMemory);
   g_failAllocationNumber = 0;
   EXPECT_FALSE(table.isLoaded);
   EXPECT_EQ(table.count, 0);

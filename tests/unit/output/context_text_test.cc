@@ -55,6 +55,7 @@ struct Context {
   LoadedSite site;
   TermList terms;
   HighlightTerms highlight;
+  bool marksWords = false;
   OutputSections sections;
   support::CapturedResponse captured;
   ResultEntry entry;
@@ -66,7 +67,7 @@ struct Context {
     entry.termsMatched = 1;
   }
   void Mark(const std::string& query) {
-    site.settings.Highlighting = 1;
+    marksWords = true;
     bool hasPhrase = false;
     ASSERT_TRUE(SplitQuery(query, terms, hasPhrase));
     ASSERT_TRUE(CollectHighlightTerms(highlight, terms, true));
@@ -75,8 +76,11 @@ struct Context {
     PageTextReader text;
     text.file = site.files.pageText.bytes();
     text.tokenSize = site.settings.DictIDLen;
-    const SnippetSource source = {
-        .settings = site.settings, .dictionary = site.dictionary, .terms = highlight, .text = text};
+    const SnippetSource source = {.settings = site.settings,
+                                  .dictionary = site.dictionary,
+                                  .terms = highlight,
+                                  .marksWords = marksWords,
+                                  .text = text};
     if (captured.response.xml) {
       WriteContextXml(captured.response, source, entry, title);
       return captured.Text();

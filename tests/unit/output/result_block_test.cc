@@ -485,8 +485,8 @@ TEST(Item, InXml) {
   settings.DisplayFilesize = settings.DisplayURL = 1;
   // Read again: the categories and fields were not known when the file was loaded.
   CloseIndexFiles(blocks.site.files);
-  ASSERT_TRUE(
-      OpenIndexFiles(blocks.site.files, blocks.site.directory, settings, blocks.captured.response));
+  ASSERT_EQ(OpenIndexFiles(blocks.site.files, blocks.site.directory, settings).status,
+            LoadStatus::kOk);
   const std::string text = blocks.Write();
   EXPECT_TRUE(text.starts_with("<item>\n")) << text;
   EXPECT_TRUE(text.ends_with("</item>\n")) << text;

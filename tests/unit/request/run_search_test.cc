@@ -32,9 +32,8 @@ struct Search {
     EXPECT_EQ(ReadSettingsFile(ctx.settings, ctx.directory), SettingsStatus::kOk);
     ctx.settings.VelaInfo = 0;
     EXPECT_TRUE(AllocateSections(ctx.output, 10));
-    EXPECT_TRUE(OpenIndexFiles(ctx.index, ctx.directory, ctx.settings, ctx.response));
-    EXPECT_EQ(ctx.dictionary.Load(ctx.directory, ctx.settings, ctx.response),
-              DictionaryStatus::kOk);
+    EXPECT_EQ(OpenIndexFiles(ctx.index, ctx.directory, ctx.settings).status, LoadStatus::kOk);
+    EXPECT_EQ(ctx.dictionary.Load(ctx.directory, ctx.settings).status, DictionaryStatus::kOk);
   }
   std::string Run(const std::string& typed) {
     Set(ctx.query.typed, typed);
@@ -87,7 +86,7 @@ IndexBuilder Garden() {
 
 using Keys = std::vector<std::pair<const char*, const char*>>;
 
-TEST(Driver, SearchesTable) {
+TEST(RunSearch, SearchesTable) {
   // Without blocks in common the factor is 1.3 for one record and 1.3 for two; the relevance key
   // of a page with n records is (n - 1) * the largest score + its score.
   const struct {
@@ -178,7 +177,7 @@ TEST(Driver, SearchesTable) {
   }
 }
 
-TEST(Driver, AndModeListsPagesWithAllWordsButTheSkippedOnes) {
+TEST(RunSearch, AndModeListsPagesWithAllWordsButTheSkippedOnes) {
   for (const char* query : {"of red oak", "red of oak", "red oak of"}) {
     SCOPED_TRACE(query);
     IndexBuilder builder = Garden();
@@ -191,7 +190,7 @@ TEST(Driver, AndModeListsPagesWithAllWordsButTheSkippedOnes) {
   }
 }
 
-TEST(Driver, QueryOfShortWordsNamesThem) {
+TEST(RunSearch, QueryOfShortWordsNamesThem) {
   IndexBuilder builder = Garden();
   builder.Set("MinWordLen", "5");
   Search search(builder);
@@ -201,7 +200,7 @@ TEST(Driver, QueryOfShortWordsNamesThem) {
             "Skipped: \"red\", \"&#60;b&#62;\", \"-oak\"<br /><br />Found nothing.");
 }
 
-TEST(Driver, WordWithoutPagesIsAskedForInAndMode) {
+TEST(RunSearch, WordWithoutPagesIsAskedForInAndMode) {
   Search search(Garden());
   search.ctx.search.andMode = 1;
   const std::string response = search.Run("red ash");
@@ -209,7 +208,7 @@ TEST(Driver, WordWithoutPagesIsAskedForInAndMode) {
   EXPECT_EQ(SummaryOf(response), "Skipped: \"ash\"<br /><br />Found nothing.");
 }
 
-TEST(Driver, SearchStoppedByItsLimitShowsTheWarning) {
+TEST(RunSearch, SearchStoppedByItsLimitShowsTheWarning) {
   IndexBuilder builder = Garden();
   builder.Set("MaxMatches", "1");
   Search search(builder);
@@ -218,7 +217,7 @@ TEST(Driver, SearchStoppedByItsLimitShowsTheWarning) {
   EXPECT_EQ(SummaryOf(response), "Stopped early.<br /><br />Over 3 pages found. ");
 }
 
-TEST(Driver, SubstringSearch) {
+TEST(RunSearch, SubstringSearch) {
   IndexBuilder builder = Garden();
   builder.Set("SearchAsSubstring", "1");
   Search search(builder);
@@ -226,7 +225,7 @@ TEST(Driver, SubstringSearch) {
   EXPECT_EQ(Found(response), "A=6");
 }
 
-TEST(Driver, DamagedWordMapEndsTheRequest) {
+TEST(RunSearch, DamagedWordMapEndsTheRequest) {
   const struct {
     const char* what;
     IndexBuilder builder;
@@ -256,7 +255,7 @@ TEST(Driver, DamagedWordMapEndsTheRequest) {
   }
 }
 
-TEST(Driver, CategoryBeyondThePagesBytesEndsWithStatus1) {
+TEST(RunSearch, CategoryBeyondThePagesBytesEndsWithStatus1) {
   for (bool xml : {false, true}) {
     Search search(Garden());
     support::DefineCategories(search.ctx.settings, std::vector<std::string>(9, "name"));
@@ -272,7 +271,7 @@ TEST(Driver, CategoryBeyondThePagesBytesEndsWithStatus1) {
   }
 }
 
-TEST(Driver, StemmingAlgorithm16EndsTheRequest) {
+TEST(RunSearch, StemmingAlgorithm16EndsTheRequest) {
   IndexBuilder builder = Garden();
   builder.Set("UseStemming", "1").Set("StemmingAlgo", "16");
   Search search(builder);
@@ -301,7 +300,7 @@ IndexBuilder Cities(const char* maxContextSeeks) {
   return builder;
 }
 
-TEST(Driver, PhraseSearch) {
+TEST(RunSearch, PhraseSearch) {
   Search search(Cities("10"));
   const std::string response = search.Run("\"new york\"");
   // The scores of both words: 35, 25 and 15, times 128 / 255 * 1.7 + 1.3.
@@ -309,28 +308,28 @@ TEST(Driver, PhraseSearch) {
   EXPECT_EQ(SummaryOf(response), "3 pages found. ");
 }
 
-TEST(Driver, PhraseSearchStoppedByItsSeeksShowsThePagesVerified) {
+TEST(RunSearch, PhraseSearchStoppedByItsSeeksShowsThePagesVerified) {
   Search search(Cities("2"));
   const std::string response = search.Run("\"new york\"");
   EXPECT_EQ(Found(response), "A=32");
   EXPECT_EQ(SummaryOf(response), "Stopped early.<br /><br />1 page found. ");
 }
 
-TEST(Driver, NoSeeksStopAtTheFirstCandidate) {
+TEST(RunSearch, NoSeeksStopAtTheFirstCandidate) {
   Search search(Cities("0"));
   const std::string response = search.Run("\"new york\"");
   EXPECT_EQ(Found(response), "");
   EXPECT_EQ(SummaryOf(response), "Stopped early.<br /><br />Found nothing.");
 }
 
-TEST(Driver, PhraseWithAnUnknownWordFindsNothing) {
+TEST(RunSearch, PhraseWithAnUnknownWordFindsNothing) {
   Search search(Cities("10"));
   const std::string response = search.Run("\"new paris\"");
   EXPECT_EQ(Found(response), "");
   EXPECT_EQ(SummaryOf(response), "Found nothing.");
 }
 
-TEST(Driver, MetaFieldsAlone) {
+TEST(RunSearch, MetaFieldsAlone) {
   IndexBuilder builder = Garden();
   Search search(builder);
   support::DefineMetaFields(search.ctx.settings, {{"size", kMetaNumeric, "Size", 2}});
@@ -342,7 +341,7 @@ TEST(Driver, MetaFieldsAlone) {
   EXPECT_EQ(SummaryOf(response), "Found nothing.");
 }
 
-TEST(Driver, LongestQuery) {
+TEST(RunSearch, LongestQuery) {
   Search search(Garden());
   const std::string response = search.Run(Repeat("red ", 521) + "x");
   // 521 times the three pages; every record beyond a score of 10000 would add 1.

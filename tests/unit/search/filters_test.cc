@@ -185,13 +185,18 @@ PageFields PageWith(const std::string& metaData) {
 struct Filtering {
   LoadedSite site;
   SearchRequest request;
+  SiteRestriction restriction;
   PageFilters filters;
 
   explicit Filtering(const std::vector<PageFields>& pages) : site(Pages(pages)) {}
-  void Prepare() {
-    ASSERT_TRUE(PrepareFilters(filters, site.settings, request, site.files.pages,
-                               site.files.pageData.bytes()));
+  bool TryPrepare() {
+    return PrepareFilters(filters, {.settings = site.settings,
+                                    .request = request,
+                                    .pages = site.files.pages,
+                                    .pageData = site.files.pageData.bytes(),
+                                    .site = restriction});
   }
+  void Prepare() { ASSERT_TRUE(TryPrepare()); }
 };
 
 TEST(DateFilter, LastSecondOfTheEndIsKept) {
@@ -349,8 +354,7 @@ TEST(SiteFilter, Table) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     Filtering f({NewPage(c.url)});
-    f.filters.hasSiteRestriction = true;
-    f.filters.siteRestriction = c.restriction;
+    f.restriction = {true, c.restriction};
     f.Prepare();
     EXPECT_EQ(PassesSiteRestriction(f.filters, 0), c.passes);
   }
@@ -629,7 +633,7 @@ TEST(PrepareFilters, FailedAllocation) {
   DefineCategories(f.site.settings, {"a", "b"});
   f.site.settings.DisplayCatSummary = 1;
   g_failAllocationNumber = 1;
-  EXPECT_FALSE(PrepareFilters(f.filters, f.site.settings, f.request, f.site.files.pages, ""));
+  EXPECT_FALSE(f.TryPrepare());
   g_failAllocationNumber = 0;
 }
 

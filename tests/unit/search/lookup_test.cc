@@ -18,8 +18,8 @@ using support::NewPage;
 using Pages = std::vector<uint32_t>;
 
 struct Lookup {
-  LookupStatus status = LookupStatus::kOk;
-  LookupResult result;
+  TermResult result;
+  LookupCounts counts;
   Pages pages;
 };
 
@@ -34,14 +34,19 @@ struct TermRun {
 
   Lookup Find(const std::string& word, bool isWildcard, bool isExclusion = false) {
     Lookup lookup;
-    const LookupTerm term = {word, isWildcard, isExclusion};
-    lookup.status = LookUpTerm(term, site.dictionary, site.files.wordMap.bytes(), site.settings,
-                               site.loading.response, budget, limitReached, lookup.result,
-                               [&](const WordMapRecord& record) {
-                                 if (record.page >= 100) return false;
-                                 lookup.pages.push_back(record.page);
-                                 return true;
-                               });
+    const LookupTerm term = {.word = word, .isExclusion = isExclusion};
+    const LookupInput input = {.settings = site.settings,
+                               .dictionary = site.dictionary,
+                               .wordMap = site.files.wordMap.bytes(),
+                               .budget = budget,
+                               .limitReached = limitReached};
+    const auto add = [&](const WordMapRecord& record) {
+      if (record.page >= 100) return false;
+      lookup.pages.push_back(record.page);
+      return true;
+    };
+    lookup.result = isWildcard ? LookUpPattern(term, input, lookup.counts, add)
+                               : LookUpWord(term, input, lookup.counts, add);
     return lookup;
   }
 };
@@ -60,7 +65,7 @@ Pages PagesOf(const IndexBuilder& builder, const std::string& word, bool isWildc
   LoadedSite site(builder);
   TermRun run(site, 1000, 1);
   const Lookup lookup = run.Find(word, isWildcard);
-  EXPECT_EQ(lookup.status, LookupStatus::kOk);
+  EXPECT_EQ(lookup.result.status, TermStatus::kOk);
   EXPECT_FALSE(run.limitReached);
   return lookup.pages;
 }
@@ -100,18 +105,17 @@ TEST(Lookup, ExactTable) {
     const char* what;
     const char* word;
     Pages pages;
-    int32_t firstWord;
     bool hasNoList;
   } cases[] = {
-      {"the first of two equal words", "oak", {2}, 2, false},
-      {"by case", "Oak", {3}, 3, false},
-      {"not by its variant", "oaks", {}, -1, false},
-      {"a reserved word", "cat", {}, -1, false},
-      {"no such word", "ash", {}, -1, false},
-      {"a word without a list", "elm", {}, -1, true},
-      {"a list without records", "yew", {}, 6, false},
-      {"an empty word", "", {}, -1, false},
-      {"a phrase", "oak elm", {}, -1, false},
+      {"the first of two equal words", "oak", {2}, false},
+      {"by case", "Oak", {3}, false},
+      {"not by its variant", "oaks", {}, false},
+      {"a reserved word", "cat", {}, false},
+      {"no such word", "ash", {}, false},
+      {"a word without a list", "elm", {}, true},
+      {"a list without records", "yew", {}, false},
+      {"an empty word", "", {}, false},
+      {"a phrase", "oak elm", {}, false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -119,11 +123,10 @@ TEST(Lookup, ExactTable) {
     site.settings.ToLowerSearchWords = 1;  // exact words compare byte by byte all the same
     TermRun run(site, 1000, 1);
     const Lookup lookup = run.Find(c.word, false);
-    EXPECT_EQ(lookup.status, LookupStatus::kOk);
+    EXPECT_EQ(lookup.result.status, TermStatus::kOk);
     EXPECT_EQ(lookup.pages, c.pages);
-    EXPECT_EQ(lookup.result.records, static_cast<int64_t>(c.pages.size()));
-    EXPECT_EQ(lookup.result.firstWord, c.firstWord);
-    EXPECT_EQ(lookup.result.hasNoList, c.hasNoList);
+    EXPECT_EQ(lookup.counts.records, static_cast<int64_t>(c.pages.size()));
+    EXPECT_EQ(lookup.counts.hasNoList, c.hasNoList);
   }
 }
 
@@ -137,26 +140,24 @@ TEST(Lookup, WildcardTable) {
     const char* what;
     const char* pattern;
     Pages pages;
-    int32_t firstWord;
   } cases[] = {
-      {"everything but reserved words and words without a list", "*", {2, 7, 8}, 2},
-      {"by the first variant", "Ei*", {2}, 2},
-      {"by the second variant", "*ble", {2}, 2},
-      {"once, though the word and a variant match", "?*", {2, 7, 8}, 2},
-      {"only a word without a list", "oa?*t", {}, -1},
-      {"all records of the list", "a?h", {7, 8}, 4},
-      {"none", "x*", {}, -1},
-      {"the whole word must fit", "?", {}, -1},
+      {"everything but reserved words and words without a list", "*", {2, 7, 8}},
+      {"by the first variant", "Ei*", {2}},
+      {"by the second variant", "*ble", {2}},
+      {"once, though the word and a variant match", "?*", {2, 7, 8}},
+      {"only a word without a list", "oa?*t", {}},
+      {"all records of the list", "a?h", {7, 8}},
+      {"none", "x*", {}},
+      {"the whole word must fit", "?", {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     LoadedSite site(builder);
     TermRun run(site, 1000, 1);
     const Lookup lookup = run.Find(c.pattern, true);
-    EXPECT_EQ(lookup.status, LookupStatus::kOk);
+    EXPECT_EQ(lookup.result.status, TermStatus::kOk);
     EXPECT_EQ(lookup.pages, c.pages);
-    EXPECT_EQ(lookup.result.firstWord, c.firstWord);
-    EXPECT_FALSE(lookup.result.hasNoList);
+    EXPECT_FALSE(lookup.counts.hasNoList);
   }
 }
 
@@ -245,20 +246,21 @@ TEST(Lookup, DamagedLists) {
   const struct {
     const char* what;
     const char* offset;
-    LookupStatus status;
-    const char* text;
+    TermStatus status;
+    uint64_t failedOffset;
   } cases[] = {
-      {"behind the end", "99999", LookupStatus::kMissingData, ""},
-      {"negative", "-2", LookupStatus::kSeekFailed,
-       "Error seeking in file. This CGI build does not support files larger than 2GB in size. "
-       "Please contact Brantel for help."},
+      {"behind the end", "99999", TermStatus::kMissingData, 0},
+      {"negative", "-2", TermStatus::kSeekFailed, UINT64_MAX - 1},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    LoadedSite site(Words({"oak"}).WordWithOffset("bad", c.offset));
-    TermRun run(site, 1000, 1);
-    EXPECT_EQ(run.Find("bad", false).status, c.status);
-    EXPECT_EQ(site.loading.Text(), c.text);
+    for (const bool isWildcard : {false, true}) {
+      SCOPED_TRACE(c.what);
+      LoadedSite site(Words({"oak"}).WordWithOffset("bad", c.offset));
+      TermRun run(site, 1000, 1);
+      const TermResult result = run.Find("bad", isWildcard).result;
+      EXPECT_EQ(result.status, c.status);
+      EXPECT_EQ(result.offset, c.failedOffset);
+    }
   }
 }
 
@@ -266,7 +268,7 @@ TEST(Lookup, RefusedRecordEndsTheLookup) {
   LoadedSite site(Words({}).Word("oak", {{2, 1, 0, 0}, {100, 1, 0, 0}, {3, 1, 0, 0}}));
   TermRun run(site, 1000, 1);
   const Lookup lookup = run.Find("oak", false);
-  EXPECT_EQ(lookup.status, LookupStatus::kInvalidPage);
+  EXPECT_EQ(lookup.result.status, TermStatus::kInvalidPage);
   EXPECT_EQ(lookup.pages, Pages{2});
 }
 

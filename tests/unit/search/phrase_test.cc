@@ -52,12 +52,11 @@ struct Verification {
   PageTextReader text;
   PhraseBudget budget;
   WordMapRecord found;
-  LookupStatus prepared;
+  TermStatus prepared;
 
   explicit Verification(const IndexBuilder& builder, const std::string& words = "new york")
       : site(builder) {
-    prepared = PreparePhrase(phrase, words, site.dictionary, site.files.wordMap.bytes(),
-                             site.loading.response);
+    prepared = PreparePhrase(phrase, words, site.dictionary, site.files.wordMap.bytes()).status;
     text.file = site.files.pageText.bytes();
     text.tokenSize = site.settings.DictIDLen;
     g_now = 100;
@@ -71,7 +70,7 @@ struct Verification {
 
 TEST(PreparePhrase, WordsAndTheirLists) {
   Verification v(Site({{At(0), At(5, 1, 1, 1)}, {At(1)}}, {}), " new  york pie ");
-  ASSERT_EQ(v.prepared, LookupStatus::kOk);
+  ASSERT_EQ(v.prepared, TermStatus::kOk);
   ASSERT_EQ(v.phrase.words.size(), 3U);
   EXPECT_EQ(v.phrase.words[0].number, int32_t{kNew});
   EXPECT_EQ(v.phrase.words[0].list.size(), 2);
@@ -85,7 +84,7 @@ TEST(PreparePhrase, OneWordMissingAndNothingMatches) {
   for (const char* words : {"new jersey", "jersey new", "New york", "new york jersey"}) {
     SCOPED_TRACE(words);
     Verification v(Site({}, {}), words);
-    EXPECT_EQ(v.prepared, LookupStatus::kOk);
+    EXPECT_EQ(v.prepared, TermStatus::kOk);
     EXPECT_TRUE(v.phrase.words.empty());
   }
 }
@@ -99,7 +98,7 @@ TEST(PreparePhrase, WordsAreLookedForFromTheFirstOneOn) {
 TEST(PreparePhrase, NoWords) {
   for (const char* words : {"", "  "}) {
     Verification v(Site({}, {}), words);
-    EXPECT_EQ(v.prepared, LookupStatus::kOk);
+    EXPECT_EQ(v.prepared, TermStatus::kOk);
     EXPECT_TRUE(v.phrase.words.empty());
   }
 }
@@ -107,8 +106,8 @@ TEST(PreparePhrase, NoWords) {
 TEST(PreparePhrase, DamagedLists) {
   const struct {
     const char* offset;
-    LookupStatus status;
-  } cases[] = {{"99999", LookupStatus::kMissingData}, {"-2", LookupStatus::kSeekFailed}};
+    TermStatus status;
+  } cases[] = {{"99999", TermStatus::kMissingData}, {"-2", TermStatus::kSeekFailed}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.offset);
     IndexBuilder builder = Site({}, {});
@@ -122,10 +121,10 @@ TEST(PreparePhrase, DamagedLists) {
 TEST(PreparePhrase, OutOfMemory) {
   Verification v(Site({}, {}));
   g_failAllocationNumber = 1;
-  v.prepared = PreparePhrase(v.phrase, "new york", v.site.dictionary, v.site.files.wordMap.bytes(),
-                             v.site.loading.response);
+  v.prepared =
+      PreparePhrase(v.phrase, "new york", v.site.dictionary, v.site.files.wordMap.bytes()).status;
   g_failAllocationNumber = 0;
-  EXPECT_EQ(v.prepared, LookupStatus::kNoMemory);
+  EXPECT_EQ(v.prepared, TermStatus::kNoMemory);
   EXPECT_TRUE(v.phrase.words.empty());
 }
 

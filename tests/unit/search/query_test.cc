@@ -441,9 +441,60 @@ TEST(SiteRestriction, Table) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    std::string_view restriction;
-    EXPECT_EQ(IsSiteRestriction(c.word, restriction), c.isRestriction);
-    EXPECT_EQ(restriction, c.restriction);
+    const SiteRestriction restriction = ReadSiteRestriction(c.word);
+    EXPECT_EQ(restriction.active, c.isRestriction);
+    EXPECT_EQ(restriction.text, c.restriction);
+  }
+}
+
+TermList TermsOf(const std::string& query) {
+  TermList terms;
+  bool hasPhrase = false;
+  EXPECT_TRUE(SplitQuery(query, terms, hasPhrase));
+  return terms;
+}
+
+TEST(AddSubstringAsterisks, Table) {
+  const struct {
+    const char* what;
+    int32_t substring;
+    const char* query;
+    std::vector<std::string> terms;
+  } cases[] = {
+      {"not asked for", 0, "red -oak", {"red", "-oak"}},
+      {"only 1 asks for it", 2, "red", {"red"}},
+      {"words and exclusions", 1, "red -oak", {"*red*", "-*oak*"}},
+      {"none where one stands", 1, "re* *ed", {"*re*", "*ed*"}},
+      {"none around phrases", 1, "\"red oak\"", {"red oak"}},
+      {"none around restrictions", 1, "site:a -url:b", {"site:a", "-url:b"}},
+      {"none around nothing", 1, "red \"\"", {"*red*", ""}},
+      {"no terms", 1, "", {}},
+      {"the longest term loses its end", 1, nullptr, {"*" + Repeat("x", 2084)}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Settings settings;
+    settings.SearchAsSubstring = c.substring;
+    settings.AllowExactPhrase = 1;
+    TermList terms = TermsOf(c.query == nullptr ? Repeat("x", 2085) : c.query);
+    ASSERT_TRUE(AddSubstringAsterisks(terms, settings));
+    ASSERT_EQ(terms.terms.size(), c.terms.size());
+    for (int32_t i = 0; i < terms.size(); ++i) {
+      EXPECT_EQ(terms[i], c.terms[static_cast<size_t>(i)]);
+      EXPECT_EQ(terms[i].data()[terms[i].size()], '\0');
+    }
+  }
+}
+
+TEST(AddSubstringAsterisks, OutOfMemoryLeavesTheTerms) {
+  Settings settings;
+  settings.SearchAsSubstring = 1;
+  for (int32_t failing : {1, 2}) {
+    TermList terms = TermsOf("red oak");
+    g_failAllocationNumber = failing;
+    EXPECT_FALSE(AddSubstringAsterisks(terms, settings));
+    g_failAllocationNumber = 0;
+    EXPECT_EQ(terms[0], "red");
   }
 }
 

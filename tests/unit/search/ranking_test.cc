@@ -174,6 +174,7 @@ struct Ranking {
   Matches matches;
   ResultList results;
   bool everyPage = false;
+  SiteRestriction restriction;
 
   explicit Ranking(const IndexBuilder& builder) : site(builder) {
     EXPECT_TRUE(AllocateMatches(matches, site.settings.NumPages));
@@ -181,11 +182,24 @@ struct Ranking {
   void Add(uint32_t page, uint8_t score, const TermPlace& term = {}) {
     ASSERT_TRUE(AddMatch(matches, site.files.pages, {score, 0, page, 0}, term, request.sort, 10));
   }
+  void Prepare() {
+    EXPECT_TRUE(PrepareFilters(filters, {.settings = site.settings,
+                                         .request = request,
+                                         .pages = site.files.pages,
+                                         .pageData = site.files.pageData.bytes(),
+                                         .site = restriction}));
+  }
   RankStatus Rank(int32_t effectiveTerms) {
-    EXPECT_TRUE(PrepareFilters(filters, site.settings, request, site.files.pages,
-                               site.files.pageData.bytes()));
-    return RankMatches(matches, filters, site.settings, request, site.files.pages, effectiveTerms,
-                       everyPage, results);
+    Prepare();
+    return RankPrepared(effectiveTerms);
+  }
+  RankStatus RankPrepared(int32_t effectiveTerms) {
+    const RankInput input = {.settings = site.settings,
+                             .request = request,
+                             .pages = site.files.pages,
+                             .effectiveTerms = effectiveTerms,
+                             .everyPage = everyPage};
+    return RankMatches(matches, filters, input, results);
   }
   // The pages listed, in page order, which is how the list is built.
   Numbers Listed() const {
@@ -325,8 +339,7 @@ TEST(RankMatches, SiteRestrictionOnEveryPage) {
       .Page(NewPage("http://a.example/3.html?docs"));
   Ranking ranking(builder);
   ranking.everyPage = true;
-  ranking.filters.hasSiteRestriction = true;
-  ranking.filters.siteRestriction = "docs";
+  ranking.restriction = {true, "docs"};
   ASSERT_EQ(ranking.Rank(0), RankStatus::kOk);
   EXPECT_EQ(ranking.Listed(), (Numbers{0, 2}));
   EXPECT_EQ(ranking.matches.resultCount, 2);
@@ -365,12 +378,9 @@ TEST(RankMatches, FailedAllocations) {
   for (int32_t number : {1, 2}) {
     Ranking ranking(DatedPages({0}));
     ranking.Add(0, 10);
-    EXPECT_TRUE(PrepareFilters(ranking.filters, ranking.site.settings, ranking.request,
-                               ranking.site.files.pages, ""));
+    ranking.Prepare();
     g_failAllocationNumber = number;
-    EXPECT_EQ(RankMatches(ranking.matches, ranking.filters, ranking.site.settings, ranking.request,
-                          ranking.site.files.pages, 1, false, ranking.results),
-              RankStatus::kNoMemory);
+    EXPECT_EQ(ranking.RankPrepared(1), RankStatus::kNoMemory);
     g_failAllocationNumber = 0;
   }
 }

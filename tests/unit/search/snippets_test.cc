@@ -80,6 +80,7 @@ struct Walk {
   LoadedSite site;
   TermList terms;
   HighlightTerms highlight;
+  bool marksWords = false;
   ResultEntry entry;
   SnippetStatus last = SnippetStatus::kDone;
 
@@ -93,7 +94,7 @@ struct Walk {
     for (size_t i = 0; i < matches.size() && i < 3; ++i) *positions[i] = kTokenSize * matches[i];
   }
   void Mark(const std::string& query) {
-    site.settings.Highlighting = 1;
+    marksWords = true;
     bool hasPhrase = false;
     ASSERT_TRUE(SplitQuery(query, terms, hasPhrase));
     ASSERT_TRUE(CollectHighlightTerms(highlight, terms, true));
@@ -103,7 +104,11 @@ struct Walk {
     PageTextReader text;
     text.file = site.files.pageText.bytes();
     text.tokenSize = site.settings.DictIDLen;
-    const SnippetSource source = {site.settings, site.dictionary, highlight, text};
+    const SnippetSource source = {.settings = site.settings,
+                                  .dictionary = site.dictionary,
+                                  .terms = highlight,
+                                  .marksWords = marksWords,
+                                  .text = text};
     SnippetWalk walk = StartSnippets(site.settings, entry);
     SnippetPiece piece;
     std::vector<std::string> pieces;
@@ -241,13 +246,11 @@ TEST(NextPiece, MarksTable) {
   }
 }
 
-TEST(NextPiece, OnlyHighlightingOfOneMarks) {
-  for (int32_t value : {0, 2}) {
-    Walk walk(Letters("abcdef0"), 4, {3});
-    walk.Mark("d");
-    walk.site.settings.Highlighting = value;
-    EXPECT_EQ(walk.Pieces(), Pieces{"bcde"});
-  }
+TEST(NextPiece, NothingIsMarkedUnlessTheRequestMarksWords) {
+  Walk walk(Letters("abcdef0"), 4, {3});
+  walk.Mark("d");
+  walk.marksWords = false;
+  EXPECT_EQ(walk.Pieces(), Pieces{"bcde"});
 }
 
 TEST(NextPiece, OutOfMemory) {

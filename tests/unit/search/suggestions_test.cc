@@ -60,7 +60,7 @@ struct Speller {
     TermSearch search;
     EXPECT_TRUE(search.terms.TryAllocate(terms.size()));
     for (size_t i = 0; i < terms.size(); ++i) {
-      Set(search.terms[i].shown, "not looked at");
+      search.terms[i].shown = "not looked at";
       Set(search.terms[i].word, terms[i].first);
       search.terms[i].records = terms[i].second;
     }

@@ -56,17 +56,18 @@ struct Terms {
     Set(query.typed, typed);
     ASSERT_TRUE(ParseQuery(query, site.settings));
     ASSERT_TRUE(AllocateMatches(matches, site.settings.NumPages));
-    ASSERT_TRUE(StartTermSearch(search, query, site.settings));
+    ASSERT_TRUE(StartTermSearch(search, query.terms, site.settings));
     search.phraseBudget = {site.settings.MaxContextSeeks, 0, 1, [] { return 0.0; }};
-    const TermSearchInput input = {site.settings,
-                                   site.dictionary,
-                                   site.files.pages,
-                                   site.files.wordMap.bytes(),
-                                   site.files.pageText.bytes(),
-                                   0,
-                                   site.loading.response,
-                                   stemmer};
-    status = SearchTerms(search, input, matches);
+    status = SearchTerms(search, Input(), matches).status;
+  }
+  TermSearchInput Input() {
+    return {.settings = site.settings,
+            .dictionary = site.dictionary,
+            .pages = site.files.pages,
+            .wordMap = site.files.wordMap.bytes(),
+            .pageText = site.files.pageText.bytes(),
+            .sort = 0,
+            .stemmer = stemmer};
   }
   // The pages that the terms left with a score.
   Pages Found() const {
@@ -88,38 +89,29 @@ struct Terms {
 TEST(StartTermSearch, TermsAreTakenOver) {
   const struct {
     const char* what;
-    int32_t substring;
     const char* query;
     Texts shown;
     Texts words;
   } cases[] = {
-      {"as listed", 0, "red -oak", {"red", "-oak"}, {"red", "oak"}},
-      {"a phrase", 0, "\"red oak\" -\"a b\"", {"red oak", "-a b"}, {"red oak", "a b"}},
-      {"one minus alone", 0, "red - oak", {"red", "oak", "-"}, {"red", "oak", ""}},
-      {"with asterisks", 1, "red -oak", {"*red*", "-*oak*"}, {"*red*", "*oak*"}},
-      {"none where one stands", 1, "re* *ed", {"*re*", "*ed*"}, {"*re*", "*ed*"}},
-      {"none around phrases", 1, "\"red oak\"", {"red oak"}, {"red oak"}},
-      {"none around restrictions", 1, "site:a -url:b", {"site:a", "-url:b"}, {"site:a", "url:b"}},
+      {"as listed", "red -oak", {"red", "-oak"}, {"red", "oak"}},
+      {"a phrase", "\"red oak\" -\"a b\"", {"red oak", "-a b"}, {"red oak", "a b"}},
+      {"one minus alone", "red - oak", {"red", "oak", "-"}, {"red", "oak", ""}},
+      {"with asterisks", "*red* -*oak*", {"*red*", "-*oak*"}, {"*red*", "*oak*"}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     Terms terms(Garden());
-    terms.site.settings.SearchAsSubstring = c.substring;
     Set(terms.query.typed, c.query);
     ASSERT_TRUE(ParseQuery(terms.query, terms.site.settings));
-    ASSERT_TRUE(StartTermSearch(terms.search, terms.query, terms.site.settings));
+    ASSERT_TRUE(StartTermSearch(terms.search, terms.query.terms, terms.site.settings));
     Texts shown;
     Texts words;
-    Texts listed;
-    for (int32_t i = 0; i < terms.query.terms.size(); ++i) {
-      const SearchedTerm& term = terms.search.terms[static_cast<size_t>(i)];
-      shown.emplace_back(View(term.shown));
+    for (const SearchedTerm& term : terms.search.terms) {
+      shown.emplace_back(term.shown);
       words.emplace_back(View(term.word));
-      listed.emplace_back(terms.query.terms[i]);
     }
     EXPECT_EQ(shown, c.shown);
     EXPECT_EQ(words, c.words);
-    EXPECT_EQ(listed, c.shown);  // the list is changed along
   }
 }
 
@@ -129,7 +121,7 @@ TEST(StartTermSearch, OutOfMemoryAtEveryAllocation) {
     Set(terms.query.typed, "red oak");
     ASSERT_TRUE(ParseQuery(terms.query, terms.site.settings));
     g_failAllocationNumber = failing;
-    EXPECT_FALSE(StartTermSearch(terms.search, terms.query, terms.site.settings));
+    EXPECT_FALSE(StartTermSearch(terms.search, terms.query.terms, terms.site.settings));
     g_failAllocationNumber = 0;
   }
 }
@@ -204,28 +196,34 @@ TEST(SearchTerms, EmptyQuotesAreSkippedWithoutBeingNamed) {
   EXPECT_EQ(terms.search.skippedCount, 1);
 }
 
-TEST(SearchTerms, Restrictions) {
+TEST(StartTermSearch, SiteRestrictions) {
   const struct {
     const char* query;
+    bool active;
     const char* restriction;
-    bool siteOnly;
+    bool isOnly;
   } cases[] = {
-      {"site:a.html", "a.html", true},  {"url:b", "b", true},
-      {"-site:a", "a", true},           {"red site:a", "a", false},
-      {"site:a url:b red", "b", false},
+      {"site:a.html", true, "a.html", true},
+      {"url:b", true, "b", true},
+      {"-site:a", true, "a", true},
+      {"red site:a", true, "a", false},
+      {"site:a url:b red", true, "b", false},
+      {"red", false, "", false},
+      {"", false, "", false},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.query);
     Terms terms(Garden().Set("WordJoinChars", "\".\""));
     terms.Run(c.query);
-    EXPECT_TRUE(terms.search.hasSiteRestriction);
-    EXPECT_EQ(terms.search.siteRestriction, c.restriction);
-    EXPECT_EQ(terms.search.siteOnly, c.siteOnly);
+    EXPECT_EQ(terms.search.site.active, c.active);
+    EXPECT_EQ(terms.search.site.text, c.restriction);
+    EXPECT_EQ(IsOnlySiteRestriction(terms.search), c.isOnly);
   }
-  Terms none(Garden());
-  none.Run("red");
-  EXPECT_FALSE(none.search.hasSiteRestriction);
-  EXPECT_FALSE(none.search.siteOnly);
+  // What is too short for the index restricts nothing.
+  Terms passedOver(Garden().Set("MinWordLen", "6"));
+  passedOver.Run("site:a url:b");
+  EXPECT_EQ(passedOver.search.site.text, "a");
+  EXPECT_EQ(passedOver.search.excludedCount, 1);
 }
 
 TEST(SearchTerms, StemmedTable) {
@@ -296,17 +294,9 @@ TEST(SearchTerms, DamagedRecordsEndTheSearch) {
 TEST(SearchTerms, OutOfMemoryInAPhrase) {
   Terms terms(Garden());
   terms.Run("red");
-  const TermSearchInput input = {terms.site.settings,
-                                 terms.site.dictionary,
-                                 terms.site.files.pages,
-                                 terms.site.files.wordMap.bytes(),
-                                 terms.site.files.pageText.bytes(),
-                                 0,
-                                 terms.site.loading.response,
-                                 terms.stemmer};
   Set(terms.search.terms[0].word, "red oak");
   g_failAllocationNumber = 1;
-  EXPECT_EQ(SearchTerms(terms.search, input, terms.matches), TermStatus::kNoMemory);
+  EXPECT_EQ(SearchTerms(terms.search, terms.Input(), terms.matches).status, TermStatus::kNoMemory);
   g_failAllocationNumber = 0;
 }
 

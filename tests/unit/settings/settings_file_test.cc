@@ -641,47 +641,6 @@ TEST_F(SettingsFileTest, ADirectoryInItsPlaceCannotBeOpened) {
   EXPECT_EQ(ReadSettingsFile(*settings_, directory), SettingsStatus::kCannotOpen);
 }
 
-TEST_F(SettingsFileTest, MessagesOfFailures) {
-  constexpr std::string_view kInvalid =
-      "Content-type: text/html\n\nUnable to load settings.vdat file.<br />The file appears to be "
-      "invalid and may have been corrupted.";
-  const struct {
-    const char* what;
-    SettingsStatus status;
-    std::string expected;
-  } cases[] = {
-      {"invalid", SettingsStatus::kInvalid, std::string(kInvalid)},
-      {"word identifier", SettingsStatus::kInvalidDictIdLen, std::string(kInvalid)},
-      {"missing text, ahead of the header", SettingsStatus::kMissingText,
-       "Error: Missing text in the settings.vdat file. Check that your VLANG file is valid if you "
-       "have modified it.<br />\n" +
-           std::string(kInvalid)},
-      {"memory", SettingsStatus::kNoMemory,
-       "Content-type: text/html\n\nUnable to load settings.vdat file due to lack of memory.<br "
-       "/>Check that the file is valid and not corrupted and that server load is normal."},
-      {"cannot open", SettingsStatus::kCannotOpen,
-       "Content-type: text/html\n\nUnable to open /srv/index/settings.vdat.<br />Check file "
-       "permissions and that file exists"},
-  };
-  IndexDirectory directory;
-  Set(directory.path, "/srv/index");
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    Response response;
-    WriteSettingsError(response, c.status, directory);
-    EXPECT_EQ(std::string_view(response.buffer, response.filled), c.expected);
-  }
-}
-
-TEST_F(SettingsFileTest, MessagesAreNotWrappedForXml) {
-  IndexDirectory directory;
-  Response response;
-  response.xml = true;
-  WriteSettingsError(response, SettingsStatus::kMissingText, directory);
-  const std::string_view written(response.buffer, response.filled);
-  EXPECT_EQ(written.find("vela:error"), written.npos);
-}
-
 TEST_F(SettingsFileTest, TheCodesOfTheField) {
   EXPECT_EQ(static_cast<int>(SettingsStatus::kOk), 0);
   EXPECT_EQ(static_cast<int>(SettingsStatus::kInvalid), 1);
