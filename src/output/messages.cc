@@ -48,7 +48,7 @@ constexpr Wording kWordings[] = {
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
      "have been set to allow reading.<br />\n",
      Wrapping::kElementLine},
-    // Kept: without the line breaks of the others.
+    // Kept: without the line breaks of the others (golden index/spelling_missing).
     {"Can not find one or more of the Vela index files. Please make sure the generated index files "
      "are uploaded to the same path as this search script. Also check file permissions have been "
      "set to allow reading.",
@@ -59,7 +59,7 @@ constexpr Wording kWordings[] = {
      Wrapping::kElementLine},
     {"Pageinfo file does not match PageInfoSize specified.", Wrapping::kNone},
     {"Pageinfo file and PageInfoSize does not match NumPages specified.", Wrapping::kNone},
-    // Kept: called a warning, it fails the request all the same.
+    // Kept: called a warning, it fails the request all the same (golden index/pageinfo_slack).
     {"Warning: Pageinfo file and PageInfoSize does not match NumPages specified.", Wrapping::kNone},
     {"Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
@@ -83,7 +83,7 @@ constexpr Wording kWordings[] = {
 };
 static_assert(std::size(kWordings) == kMessageCount);
 
-// Kept: a round decimal number, not 2^31.
+// Kept: a round decimal number, not 2^31 (unit messages_test).
 constexpr uint64_t kLargeFileOffset = 2000000000;
 
 void Open(Response& response, Wrapping wrapping) {
@@ -137,7 +137,7 @@ void WriteMessage(Response& response, Message message) {
 
 void WriteSettingsFailure(Response& response, SettingsStatus status,
                           const IndexDirectory& directory) {
-  // Kept: the line about the missing text comes ahead of the header.
+  // Kept: the line about the missing text comes ahead of the header (unit messages_test).
   if (status == SettingsStatus::kMissingText) {
     WriteRaw(response,
              "Error: Missing text in the settings.vdat file. Check that your VLANG file is valid "

@@ -64,7 +64,8 @@ void WriteDictionaryFailure(Response& response, const DictionaryResult& result,
                             const Settings& settings);
 void WriteTermFailure(Response& response, const TermResult& result);
 
-// A position that a file cannot take. Kept: in XML mode the error element is not closed.
+// A position that a file cannot take. Kept: in XML mode the error element is not closed (unit
+// messages_test).
 void WriteSeekFailure(Response& response, uint64_t offset);
 
 }  // namespace vela

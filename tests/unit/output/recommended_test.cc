@@ -254,6 +254,19 @@ TEST(RecommendedLinks, PageDataThatCannotBeRead) {
   }
 }
 
+TEST(RecommendedLinks, BehindAPositionThatCannotBeTakenTheFileIsReadOn) {
+  Links links(Site({{0, "red"}, {2, "red"}}), "red");
+  links.site.files.recommended.dataOffsets[1] = -1;
+  const std::string text = links.Write();
+  EXPECT_TRUE(links.ok);
+  EXPECT_EQ(links.captured.Text(),
+            "Error seeking in file. This CGI build does not support files larger than 2GB in "
+            "size. Please contact Brantel for help.");
+  // The second page follows the first in the file.
+  EXPECT_NE(text.find("<div class=\"recommend_infoline\">a.html</div>"), std::string::npos);
+  EXPECT_NE(text.find("<div class=\"recommend_infoline\">b.html#part</div>"), std::string::npos);
+}
+
 TEST(RecommendedLinks, EachPieceWithoutRoomIsReported) {
   Links links(Site({{0, "oak"}}), "oak");
   links.sections = OutputSections();  // as after a failed allocation
