@@ -14,7 +14,7 @@ namespace {
 
 // Reads the settings. 0 when they cannot be used: the whole response has then been written.
 int LoadSettings(SearchContext& ctx) {
-  Set(ctx.settings.LinkBackURL, View(ctx.paths.ScriptFileName));
+  Set(ctx.settings.LinkBackURL, View(ctx.paths.scriptFileName));
   // A section that cannot be had takes no text; the request goes on.
   AllocateSections(ctx.output, ctx.search.perPage);
   const SettingsStatus status = ReadSettingsFile(ctx.settings, ctx.directory);
@@ -26,7 +26,7 @@ int LoadSettings(SearchContext& ctx) {
 // Reads the parameters. 0 when they cannot be used: the whole response has then been written.
 int ReadRequest(SearchContext& ctx, const CgiSource& source) {
   const ParamsResult result =
-      ReadRequestParams(ctx.request, ctx.paths.ScriptUrl, source, ctx.settings);
+      ReadRequestParams(ctx.request, ctx.paths.scriptUrl, source, ctx.settings);
   switch (result.status) {
     case ParamsStatus::kOk:
       return 1;
@@ -81,9 +81,9 @@ int RunRequest(SearchContext& ctx, std::span<const char* const> arguments,
   if (!AreArgumentsOfQuery(further, CgiEnv(source, "QUERY_STRING"))) {
     ReadDirectorySwitch(ctx.paths, further);
   }
-  OpenIndexDirectory(ctx.directory, View(ctx.paths.ScriptDirectory));
+  OpenIndexDirectory(ctx.directory, View(ctx.paths.scriptDirectory));
   const bool isRead = LoadSettings(ctx) != 0 && ReadRequest(ctx, source) != 0;
-  if (isRead && ctx.request.AutoComplete != 0) {
+  if (isRead && ctx.request.autoComplete != 0) {
     AnswerAutoComplete(ctx);
   } else if (isRead) {
     AnswerSearch(ctx);

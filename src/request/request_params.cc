@@ -31,10 +31,10 @@ CgiResult ReadList(CgiForm& form, std::string_view name, std::span<int32_t> out,
 }
 
 void ReadQuery(RequestParams& params) {
-  const char* value = CgiFirstValue(params.Form, "vela_query");
-  if (value == nullptr) value = CgiFirstValue(params.Form, "vela%5Fquery");
-  params.QueryGiven = value != nullptr;
-  Set(params.Query, value == nullptr ? "" : value);
+  const char* value = CgiFirstValue(params.form, "vela_query");
+  if (value == nullptr) value = CgiFirstValue(params.form, "vela%5Fquery");
+  params.queryGiven = value != nullptr;
+  Set(params.query, value == nullptr ? "" : value);
 }
 
 template <size_t N>
@@ -47,15 +47,15 @@ bool ReadCategories(RequestParams& params, const Settings& settings) {
   if (!UsesCategories(settings)) return true;
   // No list is longer than the request; one number is stored whatever the count of categories.
   const auto wanted = static_cast<size_t>(std::max(settings.NumCats, 1));
-  const auto pairs = static_cast<size_t>(std::max(params.Form.pairCount, 1));
-  if (!params.CatList.TryAllocate(std::min(wanted, pairs))) return false;
-  const std::span<int32_t> list(params.CatList.data(), params.CatList.size());
-  if (ReadList(params.Form, "vela_cat", list, settings.NumCats, params.CatCount) ==
+  const auto pairs = static_cast<size_t>(std::max(params.form.pairCount, 1));
+  if (!params.catList.TryAllocate(std::min(wanted, pairs))) return false;
+  const std::span<int32_t> list(params.catList.data(), params.catList.size());
+  if (ReadList(params.form, "vela_cat", list, settings.NumCats, params.catCount) ==
       CgiResult::kOk) {
     return true;
   }
-  CgiGetInteger(params.Form, "vela_cat", params.CatList[0], kAllCategories);
-  params.CatCount = 1;
+  CgiGetInteger(params.form, "vela_cat", params.catList[0], kAllCategories);
+  params.catCount = 1;
   return true;
 }
 
@@ -79,18 +79,18 @@ MetaValue ReadMultipleChoice(CgiForm& form, const char* name) {
 
 bool ReadMetaValues(RequestParams& params, const Settings& settings) {
   if (!UsesMetaFields(settings)) return true;
-  if (!params.MetaValues.TryAllocate(settings.metaFields.size())) return false;
+  if (!params.metaValues.TryAllocate(settings.metaFields.size())) return false;
   for (size_t i = 0; i < settings.metaFields.size(); ++i) {
     const MetaFieldDef& field = settings.metaFields[i];
     MetaValue value;
     if (field.type == kMetaMultiple) {
-      value = ReadMultipleChoice(params.Form, field.name.bytes);
+      value = ReadMultipleChoice(params.form, field.name.bytes);
     } else {
-      const char* text = CgiFirstValue(params.Form, field.name.bytes);
+      const char* text = CgiFirstValue(params.form, field.name.bytes);
       if (text != nullptr) value.text = text;
       if (value.text.size() > kMetaTextLimit) value.text = {};
     }
-    params.MetaValues[i] = value;
+    params.metaValues[i] = value;
   }
   return true;
 }
@@ -99,23 +99,23 @@ bool ReadMetaValues(RequestParams& params, const Settings& settings) {
 
 ParamsResult ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl,
                                const CgiSource& source, const Settings& settings) {
-  const CgiResult decoding = CgiReadForm(params.Form, source);
+  const CgiResult decoding = CgiReadForm(params.form, source);
   if (decoding != CgiResult::kOk) return {ParamsStatus::kUndecodable, decoding};
-  CgiForm& form = params.Form;
-  CgiGetInteger(form, "vela_xml", params.XmlMode, kNotGiven);
+  CgiForm& form = params.form;
+  CgiGetInteger(form, "vela_xml", params.xmlMode, kNotGiven);
   const char* address = source.environment("REMOTE_ADDR");
-  Set(params.RemoteAddr, address == nullptr ? "unknown" : address);
+  Set(params.remoteAddr, address == nullptr ? "unknown" : address);
   ReadQuery(params);
-  CgiGetInteger(form, "vela_per_page", params.PerPage, 10);
-  params.PageDefaulted = CgiGetInteger(form, "vela_page", params.Page, 1) != CgiResult::kOk;
-  CgiGetInteger(form, "vela_ac", params.AutoComplete, 0);
-  CgiGetInteger(form, "vela_and", params.AndMode, kNotGiven);
-  CgiGetInteger(form, "vela_sort", params.Sort, settings.DefaultSort);
-  ReadDate(form, "vela_datefrom", params.DateFrom);
-  ReadDate(form, "vela_dateto", params.DateTo);
-  CgiGetInteger(form, "vela_ltimefrom", params.LastTimeFrom, 0);
-  CgiGetInteger(form, "vela_ltimeto", params.LastTimeTo, 0);
-  CgiGetInteger(form, "masternode", params.MasterNode, 0);
+  CgiGetInteger(form, "vela_per_page", params.perPage, 10);
+  params.pageDefaulted = CgiGetInteger(form, "vela_page", params.page, 1) != CgiResult::kOk;
+  CgiGetInteger(form, "vela_ac", params.autoComplete, 0);
+  CgiGetInteger(form, "vela_and", params.andMode, kNotGiven);
+  CgiGetInteger(form, "vela_sort", params.sort, settings.DefaultSort);
+  ReadDate(form, "vela_datefrom", params.dateFrom);
+  ReadDate(form, "vela_dateto", params.dateTo);
+  CgiGetInteger(form, "vela_ltimefrom", params.lastTimeFrom, 0);
+  CgiGetInteger(form, "vela_ltimeto", params.lastTimeTo, 0);
+  CgiGetInteger(form, "masternode", params.masterNode, 0);
   const std::string_view script = CgiEnv(source, "SCRIPT_NAME");
   if (script.size() < sizeof scriptUrl.bytes) Set(scriptUrl, script);
   if (!ReadCategories(params, settings) || !ReadMetaValues(params, settings)) {
@@ -125,10 +125,10 @@ ParamsResult ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl
 }
 
 void ReleaseRequestData(RequestParams& params) {
-  params.CatList.Release();
-  params.CatCount = 0;
-  params.MetaValues.Release();
-  params.Form = CgiForm();
+  params.catList.Release();
+  params.catCount = 0;
+  params.metaValues.Release();
+  params.form = CgiForm();
 }
 
 }  // namespace vela

@@ -15,25 +15,25 @@ namespace vela {
 inline constexpr int32_t kNotGiven = -1001;
 
 struct RequestParams {
-  int32_t XmlMode = kNotGiven;
-  FixedText<32> RemoteAddr;
-  bool QueryGiven = false;  // a query parameter was present, even if empty
-  QueryText Query;
-  int32_t PerPage = 10;
-  bool PageDefaulted = false;  // no page number was given
-  int32_t Page = 1;
-  int32_t AndMode = kNotGiven;
-  int32_t MasterNode = 0;
-  int32_t Sort = 0;
-  int32_t LastTimeFrom = 0;
-  int32_t LastTimeTo = 0;
-  FixedText<15> DateFrom;
-  FixedText<17> DateTo;
-  OwnedArray<int32_t> CatList;  // the chosen categories; -1 first: all
-  size_t CatCount = 0;          // how many of them are in use
-  int32_t AutoComplete = 0;
-  OwnedArray<MetaValue> MetaValues;  // one per meta field; texts lie in the form
-  CgiForm Form;
+  int32_t xmlMode = kNotGiven;
+  FixedText<32> remoteAddr;
+  bool queryGiven = false;  // a query parameter was present, even if empty
+  QueryText query;
+  int32_t perPage = 10;
+  bool pageDefaulted = false;  // no page number was given
+  int32_t page = 1;
+  int32_t andMode = kNotGiven;
+  int32_t masterNode = 0;
+  int32_t sort = 0;
+  int32_t lastTimeFrom = 0;
+  int32_t lastTimeTo = 0;
+  FixedText<15> dateFrom;
+  FixedText<17> dateTo;
+  OwnedArray<int32_t> catList;  // the chosen categories; -1 first: all
+  size_t catCount = 0;          // how many of them are in use
+  int32_t autoComplete = 0;
+  OwnedArray<MetaValue> metaValues;  // one per meta field; texts lie in the form
+  CgiForm form;
 };
 
 enum class ParamsStatus {

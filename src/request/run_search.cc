@@ -163,10 +163,10 @@ void FinishSearch(SearchContext& ctx, const SearchState& state) {
   if (ctx.settings.Logging != 1) return;
   const SearchLogEntry entry = {.endTime = endTime,
                                 .seconds = seconds,
-                                .remoteAddress = View(ctx.request.RemoteAddr),
-                                .query = View(ctx.request.Query),
+                                .remoteAddress = View(ctx.request.remoteAddr),
+                                .query = View(ctx.request.query),
                                 .matches = state.matches.resultCount,
-                                .page = ctx.request.PageDefaulted ? 0 : ctx.search.page,
+                                .page = ctx.request.pageDefaulted ? 0 : ctx.search.page,
                                 .recommended = state.recommendedShown};
   WriteSearchLog(ctx.response, ctx.directory, ctx.settings, ctx.search, entry);
 }

@@ -38,13 +38,13 @@ void SplitProgramPath(ScriptPaths& paths, std::string_view programPath) {
   size_t separator = programPath.rfind('\\');
   if (separator == programPath.npos) separator = programPath.rfind('/');
   if (separator != programPath.npos) {
-    Set(paths.ScriptFileName, programPath.substr(separator + 1));
-    Set(paths.ScriptDirectory, programPath.substr(0, separator));
+    Set(paths.scriptFileName, programPath.substr(separator + 1));
+    Set(paths.scriptDirectory, programPath.substr(0, separator));
     return;
   }
-  Set(paths.ScriptFileName, programPath);
-  if (getcwd(paths.ScriptDirectory.bytes, sizeof paths.ScriptDirectory.bytes) == nullptr) {
-    Clear(paths.ScriptDirectory);
+  Set(paths.scriptFileName, programPath);
+  if (getcwd(paths.scriptDirectory.bytes, sizeof paths.scriptDirectory.bytes) == nullptr) {
+    Clear(paths.scriptDirectory);
   }
 }
 
@@ -53,7 +53,7 @@ void ReadDirectorySwitch(ScriptPaths& paths, std::span<const char* const> argume
     const std::string_view argument = arguments[i];
     if (argument.size() < 2 || argument[0] != '/' || ToUpperAscii(argument[1]) != 'I') continue;
     const std::string_view directory = arguments[i + 1];
-    if (directory.size() < kDirectoryArgumentLimit) Set(paths.ScriptDirectory, directory);
+    if (directory.size() < kDirectoryArgumentLimit) Set(paths.scriptDirectory, directory);
   }
 }
 

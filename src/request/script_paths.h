@@ -9,9 +9,9 @@
 namespace vela {
 
 struct ScriptPaths {
-  FixedText<2048> ScriptFileName;  // the program's own file name, without directory
-  FixedText<512> ScriptDirectory;  // holds the settings and index files
-  FixedText<2048> ScriptUrl;       // the program as the web server names it
+  FixedText<2048> scriptFileName;  // the program's own file name, without directory
+  FixedText<512> scriptDirectory;  // holds the settings and index files
+  FixedText<2048> scriptUrl;       // the program as the web server names it
 };
 
 // Splits the program's path: at its last backslash, or without one at its last slash. Without

@@ -32,7 +32,7 @@ int EndRequest(SearchContext& ctx) {
                 .directory = ctx.directory,
                 .sections = ctx.output,
                 .displayQuery = View(query.isParsed ? query.display : query.typedDisplay),
-                .scriptUrl = View(ctx.paths.ScriptUrl)});
+                .scriptUrl = View(ctx.paths.scriptUrl)});
   Flush(ctx.response);
   ReleaseSearchContext(ctx);
   return 0;

@@ -14,24 +14,24 @@ namespace vela {
 
 namespace {
 
-// Takes the request over, with the settings where it says nothing.
+// The request, with the settings where it says nothing.
 SearchRequest SettleRequest(const RequestParams& params, const Settings& settings, bool xml) {
-  SearchRequest search;
-  search.perPage = std::min(params.PerPage, settings.MaxResultsPerQuery);
-  search.page = params.Page;
-  search.andMode = params.AndMode;
-  if (params.AndMode == kNotGiven) search.andMode = settings.DefaultToAnd == 1 ? 1 : 0;
-  search.sort = params.Sort;
-  search.masterNode = params.MasterNode;
-  search.categories = {params.CatList.data(), params.CatCount};
-  search.lastTimeFrom = params.LastTimeFrom;
-  search.lastTimeTo = params.LastTimeTo;
-  search.dateFrom = params.DateFrom;
-  search.dateTo = params.DateTo;
-  search.metaValues = {params.MetaValues.data(), params.MetaValues.size()};
-  search.metaOnly = IsEmpty(params.Query) && params.QueryGiven && UsesMetaFields(settings);
-  search.marksWords = MarksWords(settings) || (xml && settings.XMLHighlight == 1);
-  return search;
+  const int32_t defaultAndMode = settings.DefaultToAnd == 1 ? 1 : 0;
+  return {
+      .perPage = std::min(params.perPage, settings.MaxResultsPerQuery),
+      .page = params.page,
+      .andMode = params.andMode == kNotGiven ? defaultAndMode : params.andMode,
+      .sort = params.sort,
+      .masterNode = params.masterNode,
+      .categories = {params.catList.data(), params.catCount},
+      .lastTimeFrom = params.lastTimeFrom,
+      .lastTimeTo = params.lastTimeTo,
+      .dateFrom = params.dateFrom,
+      .dateTo = params.dateTo,
+      .metaValues = {params.metaValues.data(), params.metaValues.size()},
+      .metaOnly = IsEmpty(params.query) && params.queryGiven && UsesMetaFields(settings),
+      .marksWords = MarksWords(settings) || (xml && settings.XMLHighlight == 1),
+  };
 }
 
 // Whether the page asked for begins behind the last result that is ever shown.
@@ -51,7 +51,7 @@ int EndBeyondLimit(SearchContext& ctx) {
 
 // Ends a request that asks for nothing: without a query, it is only a call of the search page.
 int EndWithoutQuery(SearchContext& ctx) {
-  if (ctx.request.QueryGiven) {
+  if (ctx.request.queryGiven) {
     AppendSection(ctx.output, Section::kSummary, "<div class=\"summary\">%s</div>\n",
                   Text(ctx.settings.language, Str::kNoQuery));
   }
@@ -65,9 +65,9 @@ int StartResponse(SearchContext& ctx) {
   const Settings& settings = ctx.settings;
   const RequestParams& params = ctx.request;
   Query& query = ctx.query;
-  ctx.response.xml = params.XmlMode == kNotGiven ? settings.UseXML == 1 : params.XmlMode != 0;
+  ctx.response.xml = params.xmlMode == kNotGiven ? settings.UseXML == 1 : params.xmlMode != 0;
   ctx.search = SettleRequest(params, settings, ctx.response.xml);
-  query.typed = params.Query;
+  query.typed = params.query;
   query.typedDisplay = EscapedRequestText<kDisplayQuerySize>(View(query.typed));
   WriteHeader(ctx.response, settings);
   if (ctx.response.xml) {
@@ -75,7 +75,7 @@ int StartResponse(SearchContext& ctx) {
   } else {
     AppendResults(ctx.output, "<!--Vela Search Engine %s-->\n", settings.Version.bytes);
     FillSearchForm(ctx.output, settings, ctx.search, query.typedDisplay.bytes,
-                   View(ctx.paths.ScriptUrl));
+                   View(ctx.paths.scriptUrl));
   }
   if (IsEmpty(query.typed) && !ctx.search.metaOnly) return EndWithoutQuery(ctx);
   if (IsBeyondLimit(ctx.search, settings.MaxResultsPerQuery)) return EndBeyondLimit(ctx);

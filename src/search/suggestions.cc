@@ -24,7 +24,7 @@ bool CandidateWord(int32_t number, const Dictionary& dictionary, const Settings&
 // others of its entry. The number stored.
 int32_t FindAlike(std::string_view term, const SpellingTable& spelling,
                   const Dictionary& dictionary, const Settings& settings, Stemmer& stemmer,
-                  QueryText (&alike)[Suggestions::kMost]) {
+                  QueryText (&alike)[Suggestions::kLimit]) {
   const SoundKey key = MakeSoundKey(term);
   if (IsEmpty(key)) return 0;
   for (int32_t i = 0; i < spelling.count; ++i) {
@@ -57,7 +57,7 @@ Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spell
     return suggestions;
   }
   bool isOffered = false;
-  QueryText alike[Suggestions::kMost];
+  QueryText alike[Suggestions::kLimit];
   for (size_t i = 0; i < search.terms.size(); ++i) {
     const SearchedTerm& term = search.terms[i];
     std::string_view piece = View(term.word);

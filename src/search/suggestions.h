@@ -14,9 +14,9 @@ namespace vela {
 
 struct Suggestions {
   // The suggested query, and for a query of one term up to two alternatives.
-  static constexpr int32_t kMost = 3;
-  FixedText<10240> texts[kMost];  // a suggestion may be longer than the query was
-  int32_t count = 0;              // 0: nothing to suggest
+  static constexpr int32_t kLimit = 3;
+  FixedText<10240> texts[kLimit];  // a suggestion may be longer than the query was
+  int32_t count = 0;               // 0: nothing to suggest
 };
 
 // Replaces each term with fewer records than SpellingWhenLessThan by a dictionary word that sounds

@@ -142,9 +142,9 @@ TEST_F(DriverTest, TheLinkBackAddressIsTheProgramUnlessTheSettingsNameOne) {
 TEST_F(DriverTest, TheOrderOfTheSettingsIsTheRequestsUnlessItNamesOne) {
   WriteSettings("DefaultSort = 2\n");
   EXPECT_EQ(Run(FakeRequest("vela_page=1")), 0);
-  EXPECT_EQ(ctx_->request.Sort, 2);
+  EXPECT_EQ(ctx_->request.sort, 2);
   EXPECT_EQ(Run(FakeRequest("vela_sort=1")), 0);
-  EXPECT_EQ(ctx_->request.Sort, 1);
+  EXPECT_EQ(ctx_->request.sort, 1);
 }
 
 TEST_F(DriverTest, ARequestIsReadFromABody) {
@@ -153,16 +153,16 @@ TEST_F(DriverTest, ARequestIsReadFromABody) {
   request.Post("vela_page=4&vela_per_page=20&z=");
   request.Set("SCRIPT_NAME", "/search/search.cgi");
   EXPECT_EQ(Run(request), 0);
-  EXPECT_EQ(ctx_->request.Page, 4);
-  EXPECT_EQ(ctx_->request.PerPage, 20);
-  EXPECT_EQ(View(ctx_->paths.ScriptUrl), "/search/search.cgi");
+  EXPECT_EQ(ctx_->request.page, 4);
+  EXPECT_EQ(ctx_->request.perPage, 20);
+  EXPECT_EQ(View(ctx_->paths.scriptUrl), "/search/search.cgi");
 }
 
 TEST_F(DriverTest, RequestDataIsReleasedAtTheEnd) {
   WriteSettings("UseCats = 1\nNumCats = 2\ncatnames\nA\nB\n");
   EXPECT_EQ(Run(FakeRequest("vela_cat=1&z=")), 0);
-  EXPECT_TRUE(ctx_->request.CatList.empty());
-  EXPECT_EQ(ctx_->request.Form.pairCount, 0);
+  EXPECT_TRUE(ctx_->request.catList.empty());
+  EXPECT_EQ(ctx_->request.form.pairCount, 0);
 }
 
 TEST_F(DriverTest, ARequestForSuggestionsNeedsTheAutocompleteFileOnly) {

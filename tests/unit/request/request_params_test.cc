@@ -32,7 +32,7 @@ class RequestParamsTest : public testing::Test {
   ParamsStatus Read(const std::string& queryString) { return Read(FakeRequest(queryString)); }
 
   std::vector<int32_t> categories() const {
-    return {params_->CatList.begin(), params_->CatList.begin() + params_->CatCount};
+    return {params_->catList.begin(), params_->catList.begin() + params_->catCount};
   }
 
   // Adds a meta field to the settings.
@@ -54,33 +54,33 @@ class RequestParamsTest : public testing::Test {
 
 TEST_F(RequestParamsTest, FieldsHoldTheLongestTexts) {
   static_assert(QueryText::kCapacity == 2085);
-  static_assert(decltype(RequestParams::RemoteAddr)::kCapacity == 31);
-  static_assert(decltype(RequestParams::DateFrom)::kCapacity == 14);
-  static_assert(decltype(RequestParams::DateTo)::kCapacity == 16);
+  static_assert(decltype(RequestParams::remoteAddr)::kCapacity == 31);
+  static_assert(decltype(RequestParams::dateFrom)::kCapacity == 14);
+  static_assert(decltype(RequestParams::dateTo)::kCapacity == 16);
   static_assert(kNotGiven == -1001);
 }
 
 TEST_F(RequestParamsTest, AnEmptyRequestStoresEveryFallback) {
   ASSERT_EQ(Read(""), ParamsStatus::kOk);
-  EXPECT_EQ(params_->XmlMode, -1001);
-  EXPECT_EQ(View(params_->RemoteAddr), "unknown");
-  EXPECT_FALSE(params_->QueryGiven);
-  EXPECT_EQ(View(params_->Query), "");
-  EXPECT_EQ(params_->PerPage, 10);
-  EXPECT_EQ(params_->Page, 1);
-  EXPECT_TRUE(params_->PageDefaulted);
-  EXPECT_EQ(params_->AutoComplete, 0);
-  EXPECT_EQ(params_->AndMode, -1001);
-  EXPECT_EQ(params_->Sort, 0);
-  EXPECT_EQ(View(params_->DateFrom), "");
-  EXPECT_EQ(View(params_->DateTo), "");
-  EXPECT_EQ(params_->LastTimeFrom, 0);
-  EXPECT_EQ(params_->LastTimeTo, 0);
-  EXPECT_EQ(params_->MasterNode, 0);
+  EXPECT_EQ(params_->xmlMode, -1001);
+  EXPECT_EQ(View(params_->remoteAddr), "unknown");
+  EXPECT_FALSE(params_->queryGiven);
+  EXPECT_EQ(View(params_->query), "");
+  EXPECT_EQ(params_->perPage, 10);
+  EXPECT_EQ(params_->page, 1);
+  EXPECT_TRUE(params_->pageDefaulted);
+  EXPECT_EQ(params_->autoComplete, 0);
+  EXPECT_EQ(params_->andMode, -1001);
+  EXPECT_EQ(params_->sort, 0);
+  EXPECT_EQ(View(params_->dateFrom), "");
+  EXPECT_EQ(View(params_->dateTo), "");
+  EXPECT_EQ(params_->lastTimeFrom, 0);
+  EXPECT_EQ(params_->lastTimeTo, 0);
+  EXPECT_EQ(params_->masterNode, 0);
   EXPECT_EQ(View(scriptUrl_), "");
-  EXPECT_EQ(params_->CatCount, 0u);
-  EXPECT_TRUE(params_->CatList.empty());
-  EXPECT_TRUE(params_->MetaValues.empty());
+  EXPECT_EQ(params_->catCount, 0u);
+  EXPECT_TRUE(params_->catList.empty());
+  EXPECT_TRUE(params_->metaValues.empty());
 }
 
 TEST_F(RequestParamsTest, NumbersAndTheirFallbacks) {
@@ -89,15 +89,15 @@ TEST_F(RequestParamsTest, NumbersAndTheirFallbacks) {
     int32_t RequestParams::*field;
     int32_t fallback;
   } parameters[] = {
-      {"vela_xml", &RequestParams::XmlMode, -1001},
-      {"vela_per_page", &RequestParams::PerPage, 10},
-      {"vela_page", &RequestParams::Page, 1},
-      {"vela_ac", &RequestParams::AutoComplete, 0},
-      {"vela_and", &RequestParams::AndMode, -1001},
-      {"vela_sort", &RequestParams::Sort, 2},
-      {"vela_ltimefrom", &RequestParams::LastTimeFrom, 0},
-      {"vela_ltimeto", &RequestParams::LastTimeTo, 0},
-      {"masternode", &RequestParams::MasterNode, 0},
+      {"vela_xml", &RequestParams::xmlMode, -1001},
+      {"vela_per_page", &RequestParams::perPage, 10},
+      {"vela_page", &RequestParams::page, 1},
+      {"vela_ac", &RequestParams::autoComplete, 0},
+      {"vela_and", &RequestParams::andMode, -1001},
+      {"vela_sort", &RequestParams::sort, 2},
+      {"vela_ltimefrom", &RequestParams::lastTimeFrom, 0},
+      {"vela_ltimeto", &RequestParams::lastTimeTo, 0},
+      {"masternode", &RequestParams::masterNode, 0},
   };
   const struct {
     const char* what;
@@ -137,14 +137,14 @@ TEST_F(RequestParamsTest, NumbersAndTheirFallbacks) {
 
 TEST_F(RequestParamsTest, APageThatIsNoNumberIsPageOneByDefault) {
   ASSERT_EQ(Read("vela_page=abc&z="), ParamsStatus::kOk);
-  EXPECT_EQ(params_->Page, 1);
-  EXPECT_TRUE(params_->PageDefaulted);
+  EXPECT_EQ(params_->page, 1);
+  EXPECT_TRUE(params_->pageDefaulted);
 }
 
 TEST_F(RequestParamsTest, PageZeroIsStored) {
   ASSERT_EQ(Read("vela_page=0&z="), ParamsStatus::kOk);
-  EXPECT_EQ(params_->Page, 0);
-  EXPECT_FALSE(params_->PageDefaulted);
+  EXPECT_EQ(params_->page, 0);
+  EXPECT_FALSE(params_->pageDefaulted);
 }
 
 TEST_F(RequestParamsTest, TheOrderOfTheSettingsStaysUnlessTheRequestNamesOne) {
@@ -160,7 +160,7 @@ TEST_F(RequestParamsTest, TheOrderOfTheSettingsStaysUnlessTheRequestNamesOne) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.queryString);
     ASSERT_EQ(Read(c.queryString), ParamsStatus::kOk);
-    EXPECT_EQ(params_->Sort, c.expected);
+    EXPECT_EQ(params_->sort, c.expected);
   }
 }
 
@@ -180,11 +180,11 @@ TEST_F(RequestParamsTest, DatesOfTenCharactersAreKeptLongerOnesDropped) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_EQ(Read("vela_datefrom="s + c.value + "&z="), ParamsStatus::kOk);
-    EXPECT_EQ(View(params_->DateFrom), c.expected);
-    EXPECT_EQ(View(params_->DateTo), "");
+    EXPECT_EQ(View(params_->dateFrom), c.expected);
+    EXPECT_EQ(View(params_->dateTo), "");
     ASSERT_EQ(Read("vela_dateto="s + c.value + "&z="), ParamsStatus::kOk);
-    EXPECT_EQ(View(params_->DateTo), c.expected);
-    EXPECT_EQ(View(params_->DateFrom), "");
+    EXPECT_EQ(View(params_->dateTo), c.expected);
+    EXPECT_EQ(View(params_->dateFrom), "");
   }
 }
 
@@ -210,8 +210,8 @@ TEST_F(RequestParamsTest, Queries) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_EQ(Read(c.queryString), ParamsStatus::kOk);
-    EXPECT_EQ(params_->QueryGiven, c.given);
-    EXPECT_EQ(View(params_->Query), c.expected);
+    EXPECT_EQ(params_->queryGiven, c.given);
+    EXPECT_EQ(View(params_->query), c.expected);
   }
 }
 
@@ -223,8 +223,8 @@ TEST_F(RequestParamsTest, AQueryOf3000CharactersIsCutTo2085) {
       value[2083] = 'x';
       if (length > 2084) value[2084] = 'y';
       ASSERT_EQ(Read(name + "="s + value + "&z="), ParamsStatus::kOk);
-      EXPECT_EQ(View(params_->Query), value.substr(0, 2085));
-      EXPECT_TRUE(params_->QueryGiven);
+      EXPECT_EQ(View(params_->query), value.substr(0, 2085));
+      EXPECT_TRUE(params_->queryGiven);
     }
   }
 }
@@ -233,7 +233,7 @@ TEST_F(RequestParamsTest, AQueryOf3000CharactersIsCutTo2085) {
 
 TEST_F(RequestParamsTest, AnUnsetAddressIsUnknown) {
   ASSERT_EQ(Read(""), ParamsStatus::kOk);
-  EXPECT_EQ(View(params_->RemoteAddr), "unknown");
+  EXPECT_EQ(View(params_->remoteAddr), "unknown");
 }
 
 TEST_F(RequestParamsTest, AddressesAreCutTo31Characters) {
@@ -253,7 +253,7 @@ TEST_F(RequestParamsTest, AddressesAreCutTo31Characters) {
     FakeRequest request("");
     request.Set("REMOTE_ADDR", c.address);
     ASSERT_EQ(Read(request), ParamsStatus::kOk);
-    EXPECT_EQ(View(params_->RemoteAddr), c.expected);
+    EXPECT_EQ(View(params_->remoteAddr), c.expected);
   }
 }
 
@@ -283,7 +283,7 @@ TEST_F(RequestParamsTest, WithoutACategoryParameterAllAreChosen) {
   settings_.NumCats = 5;
   ASSERT_EQ(Read("vela_query=x&z="), ParamsStatus::kOk);
   EXPECT_EQ(categories(), std::vector<int32_t>{-1});
-  EXPECT_EQ(params_->CatCount, 1u);
+  EXPECT_EQ(params_->catCount, 1u);
 }
 
 TEST_F(RequestParamsTest, CategoriesAboveTheirNumberAreLeftOut) {
@@ -343,8 +343,8 @@ TEST_F(RequestParamsTest, CategoriesAreReadOnlyWhenUsed) {
   settings_.UseCats = 0;
   settings_.NumCats = 5;
   ASSERT_EQ(Read("vela_cat=2&z="), ParamsStatus::kOk);
-  EXPECT_EQ(params_->CatCount, 0u);
-  EXPECT_TRUE(params_->CatList.empty());
+  EXPECT_EQ(params_->catCount, 0u);
+  EXPECT_TRUE(params_->catList.empty());
 }
 
 // Meta fields.
@@ -355,21 +355,21 @@ TEST_F(RequestParamsTest, TextsOfMetaFields) {
   AddMetaField("size", 2);
   AddMetaField("price", 4);
   ASSERT_EQ(Read("price=9.50&author=A.+Smith&size=3&author=B&Year=1&z="), ParamsStatus::kOk);
-  ASSERT_EQ(params_->MetaValues.size(), 4u);
-  EXPECT_EQ(params_->MetaValues[0].text, "A. Smith");
-  EXPECT_EQ(params_->MetaValues[1].text, "");
-  EXPECT_EQ(params_->MetaValues[2].text, "3");
-  EXPECT_EQ(params_->MetaValues[3].text, "9.50");
+  ASSERT_EQ(params_->metaValues.size(), 4u);
+  EXPECT_EQ(params_->metaValues[0].text, "A. Smith");
+  EXPECT_EQ(params_->metaValues[1].text, "");
+  EXPECT_EQ(params_->metaValues[2].text, "3");
+  EXPECT_EQ(params_->metaValues[3].text, "9.50");
 }
 
 TEST_F(RequestParamsTest, ATextLongerThan65535IsDropped) {
   AddMetaField("author", 1);
   for (const size_t length : {size_t{65534}, size_t{65535}}) {
     ASSERT_EQ(Read("author=" + std::string(length, 'a') + "&z="), ParamsStatus::kOk);
-    EXPECT_EQ(params_->MetaValues[0].text, std::string(length, 'a'));
+    EXPECT_EQ(params_->metaValues[0].text, std::string(length, 'a'));
   }
   ASSERT_EQ(Read("author=" + std::string(65536, 'a') + "&z="), ParamsStatus::kOk);
-  EXPECT_EQ(params_->MetaValues[0].text, "");
+  EXPECT_EQ(params_->metaValues[0].text, "");
 }
 
 TEST_F(RequestParamsTest, MultipleChoices) {
@@ -402,31 +402,31 @@ TEST_F(RequestParamsTest, MultipleChoices) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     ASSERT_EQ(Read(c.queryString), ParamsStatus::kOk);
-    const MetaValue& value = params_->MetaValues[0];
+    const MetaValue& value = params_->metaValues[0];
     EXPECT_EQ(value.chosenCount, c.count);
     for (size_t i = 0; i < 255; ++i) {
       EXPECT_EQ(value.chosen[i], i < c.stored.size() ? c.stored[i] : 0) << i;
     }
   }
   ASSERT_EQ(Read(many), ParamsStatus::kOk);
-  EXPECT_EQ(params_->MetaValues[0].chosenCount, 255);
-  EXPECT_EQ(params_->MetaValues[0].chosen[249], 249);
-  EXPECT_EQ(params_->MetaValues[0].chosen[250], 0);
-  EXPECT_EQ(params_->MetaValues[0].chosen[254], 4);
+  EXPECT_EQ(params_->metaValues[0].chosenCount, 255);
+  EXPECT_EQ(params_->metaValues[0].chosen[249], 249);
+  EXPECT_EQ(params_->metaValues[0].chosen[250], 0);
+  EXPECT_EQ(params_->metaValues[0].chosen[254], 4);
 }
 
 TEST_F(RequestParamsTest, AMetaFieldOfTheLongestName) {
   const std::string name(103, 'n');
   AddMetaField(name, 3);
   ASSERT_EQ(Read(name + "%5B%5D=6&z="), ParamsStatus::kOk);
-  EXPECT_EQ(params_->MetaValues[0].chosen[0], 6);
+  EXPECT_EQ(params_->metaValues[0].chosen[0], 6);
 }
 
 TEST_F(RequestParamsTest, MetaFieldsAreReadOnlyWhenUsed) {
   AddMetaField("author", 1);
   settings_.UseMetaFields = 0;
   ASSERT_EQ(Read("author=x&z="), ParamsStatus::kOk);
-  EXPECT_TRUE(params_->MetaValues.empty());
+  EXPECT_TRUE(params_->metaValues.empty());
 }
 
 // Failures.
@@ -491,11 +491,11 @@ TEST_F(RequestParamsTest, ReleasingTwiceIsHarmless) {
   ASSERT_EQ(Read("vela_cat=1&author=x&z="), ParamsStatus::kOk);
   for (int i = 0; i < 2; ++i) {
     ReleaseRequestData(*params_);
-    EXPECT_TRUE(params_->CatList.empty());
-    EXPECT_EQ(params_->CatCount, 0u);
-    EXPECT_TRUE(params_->MetaValues.empty());
-    EXPECT_EQ(params_->Form.pairCount, 0);
-    EXPECT_TRUE(params_->Form.rawData.empty());
+    EXPECT_TRUE(params_->catList.empty());
+    EXPECT_EQ(params_->catCount, 0u);
+    EXPECT_TRUE(params_->metaValues.empty());
+    EXPECT_EQ(params_->form.pairCount, 0);
+    EXPECT_TRUE(params_->form.rawData.empty());
   }
 }
 

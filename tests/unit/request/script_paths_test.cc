@@ -15,9 +15,9 @@ namespace vela {
 namespace {
 
 TEST(ScriptPaths, FieldsHoldTheLongestTexts) {
-  static_assert(decltype(ScriptPaths::ScriptFileName)::kCapacity == 2047);
-  static_assert(decltype(ScriptPaths::ScriptDirectory)::kCapacity == 511);
-  static_assert(decltype(ScriptPaths::ScriptUrl)::kCapacity == 2047);
+  static_assert(decltype(ScriptPaths::scriptFileName)::kCapacity == 2047);
+  static_assert(decltype(ScriptPaths::scriptDirectory)::kCapacity == 511);
+  static_assert(decltype(ScriptPaths::scriptUrl)::kCapacity == 2047);
 }
 
 TEST(ScriptPaths, APathWithoutSeparatorTakesTheWorkingDirectory) {
@@ -30,17 +30,17 @@ TEST(ScriptPaths, APathWithoutSeparatorTakesTheWorkingDirectory) {
   ScriptPaths empty;
   SplitProgramPath(empty, "");
   std::filesystem::current_path(before);
-  EXPECT_EQ(View(paths.ScriptFileName), "search.cgi");
-  EXPECT_EQ(View(paths.ScriptDirectory), here);
-  EXPECT_EQ(View(empty.ScriptFileName), "");
-  EXPECT_EQ(View(empty.ScriptDirectory), here);
+  EXPECT_EQ(View(paths.scriptFileName), "search.cgi");
+  EXPECT_EQ(View(paths.scriptDirectory), here);
+  EXPECT_EQ(View(empty.scriptFileName), "");
+  EXPECT_EQ(View(empty.scriptDirectory), here);
 }
 
 TEST(ScriptPaths, BothKindsOfSeparatorSplitAtTheLastBackslash) {
   ScriptPaths paths;
   SplitProgramPath(paths, "/srv\\site/search.cgi");
-  EXPECT_EQ(View(paths.ScriptFileName), "site/search.cgi");
-  EXPECT_EQ(View(paths.ScriptDirectory), "/srv");
+  EXPECT_EQ(View(paths.scriptFileName), "site/search.cgi");
+  EXPECT_EQ(View(paths.scriptDirectory), "/srv");
 }
 
 TEST(ScriptPaths, Splits) {
@@ -63,24 +63,24 @@ TEST(ScriptPaths, Splits) {
     SCOPED_TRACE(c.what);
     ScriptPaths paths;
     SplitProgramPath(paths, c.path);
-    EXPECT_EQ(View(paths.ScriptFileName), c.fileName);
-    EXPECT_EQ(View(paths.ScriptDirectory), c.directory);
+    EXPECT_EQ(View(paths.scriptFileName), c.fileName);
+    EXPECT_EQ(View(paths.scriptDirectory), c.directory);
   }
 }
 
 TEST(ScriptPaths, LongPathsAreCut) {
   ScriptPaths paths;
   SplitProgramPath(paths, std::string(600, 'd') + "/" + std::string(3000, 'f'));
-  EXPECT_EQ(View(paths.ScriptDirectory), std::string(511, 'd'));
-  EXPECT_EQ(View(paths.ScriptFileName), std::string(2047, 'f'));
+  EXPECT_EQ(View(paths.scriptDirectory), std::string(511, 'd'));
+  EXPECT_EQ(View(paths.scriptFileName), std::string(2047, 'f'));
 }
 
 // The directory after the arguments, which was "before".
 std::string DirectoryOf(const std::vector<const char*>& arguments) {
   ScriptPaths paths;
-  Set(paths.ScriptDirectory, "before");
+  Set(paths.scriptDirectory, "before");
   ReadDirectorySwitch(paths, arguments);
-  return std::string(View(paths.ScriptDirectory));
+  return std::string(View(paths.scriptDirectory));
 }
 
 TEST(DirectorySwitch, SmallAndCapitalLetterSetTheDirectory) {

@@ -32,9 +32,9 @@ struct Start {
     Set(ctx.settings.Version, "7");
     ctx.settings.VelaInfo = 0;
     ctx.settings.MaxResultsPerQuery = 100;
-    Set(ctx.paths.ScriptUrl, "/s.cgi");
-    Set(ctx.request.Query, query);
-    ctx.request.QueryGiven = true;
+    Set(ctx.paths.scriptUrl, "/s.cgi");
+    Set(ctx.request.query, query);
+    ctx.request.queryGiven = true;
     EXPECT_TRUE(AllocateSections(ctx.output, 10));
   }
   std::string Run() {
@@ -66,7 +66,7 @@ TEST(StartResponse, XmlBySettingWhenTheRequestDoesNotSay) {
     Start start("oak");
     start.ctx.settings.UseXML = c.useXml;
     start.ctx.settings.NoCharset = c.noCharset;
-    start.ctx.request.XmlMode = c.xmlMode;
+    start.ctx.request.xmlMode = c.xmlMode;
     EXPECT_TRUE(start.Run().starts_with(c.header));
     EXPECT_TRUE(start.goesOn);
   }
@@ -81,7 +81,7 @@ TEST(StartResponse, NoCharsetHeaderEndsInASemicolon) {
 TEST(StartResponse, PerPageIsCappedAndSelected) {
   Start start("oak");
   start.ctx.settings.FormFormat = 2;
-  start.ctx.request.PerPage = 500;
+  start.ctx.request.perPage = 500;
   start.Run();
   EXPECT_EQ(start.ctx.search.perPage, 100);
   EXPECT_NE(start[Section::kResultsPerPage].find("<option selected=\"selected\">100</option>"),
@@ -90,12 +90,12 @@ TEST(StartResponse, PerPageIsCappedAndSelected) {
 
 TEST(StartResponse, Page11At10PerPageIsBeyondALimitOf100) {
   Start eleventh("oak");
-  eleventh.ctx.request.Page = 11;
+  eleventh.ctx.request.page = 11;
   EXPECT_EQ(eleventh.Run(),
             std::string(kHtmlHeader) + "<!--Vela Search Engine 7-->\nToo far.<br />");
   EXPECT_FALSE(eleventh.goesOn);
   Start tenth("oak");
-  tenth.ctx.request.Page = 10;
+  tenth.ctx.request.page = 10;
   EXPECT_EQ(tenth.Run(), kHtmlHeader);
   EXPECT_TRUE(tenth.goesOn);
 }
@@ -120,8 +120,8 @@ TEST(StartResponse, PagesBeyondTheLimit) {
     SCOPED_TRACE(c.what);
     Start start("oak");
     start.ctx.settings.MaxResultsPerQuery = c.limit;
-    start.ctx.request.Page = c.page;
-    start.ctx.request.PerPage = c.perPage;
+    start.ctx.request.page = c.page;
+    start.ctx.request.perPage = c.perPage;
     start.Run();
     EXPECT_EQ(start.goesOn, c.goesOn);
   }
@@ -129,8 +129,8 @@ TEST(StartResponse, PagesBeyondTheLimit) {
 
 TEST(StartResponse, PageBeyondTheLimitInXml) {
   Start start("oak");
-  start.ctx.request.XmlMode = 1;
-  start.ctx.request.Page = 11;
+  start.ctx.request.xmlMode = 1;
+  start.ctx.request.page = 11;
   const std::string text = start.Run();
   EXPECT_TRUE(text.ends_with("<vela:error>Too far.</vela:error></channel>\n</rss>")) << text;
   EXPECT_FALSE(start.goesOn);
@@ -139,7 +139,7 @@ TEST(StartResponse, PageBeyondTheLimitInXml) {
 TEST(StartResponse, FormIsNeverBuiltInXml) {
   Start start("oak");
   start.ctx.settings.FormFormat = 2;
-  start.ctx.request.XmlMode = 1;
+  start.ctx.request.xmlMode = 1;
   start.Run();
   for (size_t i = 0; i < kSectionCount; ++i) EXPECT_EQ(start[static_cast<Section>(i)], "");
 }
@@ -158,8 +158,33 @@ TEST(StartResponse, SearchBoxKeepsTheQueryAsTyped) {
   start.ctx.settings.ToLowerSearchWords = 1;
   start.Run();
   EXPECT_NE(start[Section::kSearchBox].find("value=\"&#60;b&#62;, RED\""), std::string_view::npos);
+  EXPECT_EQ(View(start.ctx.query.typedDisplay), "&#60;b&#62;, RED");
   // The display query is the normalised one: the comma is gone, letters are small.
   EXPECT_EQ(View(start.ctx.query.display), "&#60;b&#62;  red");
+}
+
+TEST(StartResponse, WordsAreMarkedAsTheSettingsSayForTheFormOfTheAnswer) {
+  const struct {
+    const char* what;
+    int32_t highlighting;
+    int32_t xmlHighlight;
+    int32_t xmlMode;
+    bool marksWords;
+  } cases[] = {
+      {"nothing says so", 0, 0, 0, false}, {"on the page", 1, 0, 0, true},
+      {"only 1 says so", 2, 0, 0, false},  {"what holds for the page holds for XML", 1, 0, 1, true},
+      {"in XML alone", 0, 1, 1, true},     {"not on the page", 0, 1, 0, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Start start("oak");
+    start.ctx.settings.Highlighting = c.highlighting;
+    start.ctx.settings.XMLHighlight = c.xmlHighlight;
+    start.ctx.request.xmlMode = c.xmlMode;
+    start.Run();
+    EXPECT_EQ(start.ctx.search.marksWords, c.marksWords);
+    EXPECT_EQ(start.ctx.settings.Highlighting, c.highlighting);
+  }
 }
 
 TEST(StartResponse, DisplayQueryIsCutBeforeItIsEscaped) {
@@ -177,7 +202,7 @@ TEST(StartResponse, AndFlagTable) {
   for (const auto& c : cases) {
     Start start("oak");
     start.ctx.settings.DefaultToAnd = c.defaultToAnd;
-    start.ctx.request.AndMode = c.andMode;
+    start.ctx.request.andMode = c.andMode;
     start.Run();
     EXPECT_EQ(start.ctx.search.andMode, c.expected);
   }
@@ -206,7 +231,7 @@ TEST(StartResponse, WithoutAQuery) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     Start start("");
-    start.ctx.request.QueryGiven = c.given;
+    start.ctx.request.queryGiven = c.given;
     start.ctx.settings.UseMetaFields = c.metaFields;
     start.ctx.settings.VelaInfo = c.velaInfo;
     EXPECT_EQ(start.Run(), c.expected);
