@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "format/settings_file.h"
 #include "indexer/config/embedded_files.h"
 #include "indexer/config/owner_file.h"
 #include "indexer/report/index_error.h"

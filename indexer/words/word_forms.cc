@@ -7,21 +7,17 @@ namespace vela::indexer {
 namespace {
 
 constexpr size_t kStoredBytesLimit = 250;  // of a word in the vocabulary
-constexpr int32_t kHungarian = 6;
-constexpr int32_t kRomanian = 11;
-constexpr int32_t kRussian = 12;
-constexpr int32_t kTurkish = 15;
 
 // The stemmer reads bytes; in a set where its letters stand elsewhere it would cut at random.
 bool SetFitsStemmer(const std::string& set, int32_t algorithm) {
   if (set == "utf-8") return true;
   switch (algorithm) {
-    case kHungarian:
-    case kRomanian:
+    case kStemHungarian:
+    case kStemRomanian:
       return set == "iso-8859-2";
-    case kRussian:
+    case kStemRussian:
       return set == "koi8-r";
-    case kTurkish:
+    case kStemTurkish:
       return false;
     default:
       return set == "iso-8859-1" || set == "iso-8859-15" || set == "windows-1252";

@@ -63,7 +63,6 @@ enum class Str : uint8_t {
   kFormDateButton,
 };
 inline constexpr size_t kLanguageStringCount = 49;
-inline constexpr std::string_view kLanguageKeyPrefix = "STR_";
 
 inline constexpr std::array<std::string_view, kLanguageStringCount> kLanguageKeys = {
     "STR_FORM_SEARCHFOR",

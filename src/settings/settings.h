@@ -6,21 +6,18 @@
 #include <cstdint>
 #include <string_view>
 
+#include "format/meta_fields.h"
 #include "settings/language_strings.h"
 #include "text/fixed_text.h"
 #include "text/owned_array.h"
+#include "text/stemmer.h"
 #include "text/text_list.h"
 #include "text/word_compare.h"
 
 namespace vela {
 
-// The kinds of custom meta fields; every other number is a text field.
-enum MetaKind : int32_t {
-  kMetaNumeric = 0,
-  kMetaDropDown = 2,
-  kMetaMultiple = 3,
-  kMetaMoney = 4,
-};
+// One text in the list of a custom meta field.
+using MetaListText = FixedText<65>;
 
 struct MetaFieldDef {
   FixedText<104> name;  // in request parameters and class names
@@ -43,7 +40,7 @@ struct Settings {
   FixedText<1024> Charset;
   int32_t Codepage = 0;
   int32_t UseStemming = 0;
-  int32_t StemmingAlgo = 2;
+  int32_t StemmingAlgo = kStemEnglish;
   int32_t NoCharset = 0;
   int32_t MinWordLen = 0;  // bytes
   int32_t Highlighting = 0;

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "format/page_text.h"
+#include "format/settings_file.h"
 #include "settings/line_format.h"
+#include "settings/setting_keys.h"
 #include "text/edit.h"
 #include "text/numbers.h"
 
@@ -10,126 +13,9 @@ namespace vela {
 
 namespace {
 
-constexpr size_t kLineLimit = 2047;
-constexpr int32_t kDictIdLenLimit = 6;
-
-struct IntegerKey {
-  std::string_view key;
-  int32_t Settings::*field;
-};
-
-constexpr IntegerKey kIntegerKeys[] = {
-    {"UseUTF8", &Settings::UseUTF8},
-    {"Codepage", &Settings::Codepage},
-    {"UseStemming", &Settings::UseStemming},
-    {"StemmingAlgo", &Settings::StemmingAlgo},
-    {"NoCharset", &Settings::NoCharset},
-    {"MinWordLen", &Settings::MinWordLen},
-    {"Highlighting", &Settings::Highlighting},
-    {"HighlightLimit", &Settings::HighlightLimit},
-    {"GotoHighlight", &Settings::GotoHighlight},
-    {"PdfHighlight", &Settings::PdfHighlight},
-    {"FormFormat", &Settings::FormFormat},
-    {"DisplayMetaDesc", &Settings::DisplayMetaDesc},
-    {"DisplayMetaFields", &Settings::DisplayMetaFields},
-    {"DotNetUseFormTags", &Settings::DotNetUseFormTags},
-    {"DotNetUsePostBacks", &Settings::DotNetUsePostBacks},
-    {"UseDateTime", &Settings::UseDateTime},
-    {"DisplayDate", &Settings::DisplayDate},
-    {"DefaultSort", &Settings::DefaultSort},
-    {"DateRangeSearch", &Settings::DateRangeSearch},
-    {"DateRangeFormat", &Settings::DateRangeFormat},
-    {"UseAutoComplete", &Settings::UseAutoComplete},
-    {"DisplayContext", &Settings::DisplayContext},
-    {"DisplayNumber", &Settings::DisplayNumber},
-    {"DisplayTitle", &Settings::DisplayTitle},
-    {"DisplayTerms", &Settings::DisplayTerms},
-    {"DisplayScore", &Settings::DisplayScore},
-    {"DisplayURL", &Settings::DisplayURL},
-    {"TruncateShowURL", &Settings::TruncateShowURL},
-    {"DisplayFilesize", &Settings::DisplayFilesize},
-    {"UseVelaImage", &Settings::UseVelaImage},
-    {"DisplayCatSummary", &Settings::DisplayCatSummary},
-    {"Logging", &Settings::Logging},
-    {"MaxKeyWordLineLen", &Settings::MaxKeyWordLineLen},
-    {"OutputVariantBufferSize", &Settings::OutputVariantBufferSize},
-    {"OutputBasewordBufferSize", &Settings::OutputBasewordBufferSize},
-    {"DictIDLen", &Settings::DictIDLen},
-    {"DictReservedLimit", &Settings::DictReservedLimit},
-    {"DictReservedPrefixes", &Settings::DictReservedPrefixes},
-    {"DictReservedSuffixes", &Settings::DictReservedSuffixes},
-    {"DictReservedNoSpaces", &Settings::DictReservedNoSpaces},
-    {"UseBigPageInfoData", &Settings::UseBigPageInfoData},
-    {"PluginOpenNewWindow", &Settings::PluginOpenNewWindow},
-    {"FileTypePluginStart", &Settings::FileTypePluginStart},
-    {"WordSplit", &Settings::WordSplit},
-    {"VelaInfo", &Settings::VelaInfo},
-    {"Timing", &Settings::Timing},
-    {"SearchAsSubstring", &Settings::SearchAsSubstring},
-    {"ToLowerSearchWords", &Settings::ToLowerSearchWords},
-    {"ContextSize", &Settings::ContextSize},
-    {"MaxContextKeywords", &Settings::MaxContextKeywords},
-    {"MaxResultsPerQuery", &Settings::MaxResultsPerQuery},
-    {"WeightProximity", &Settings::WeightProximity},
-    {"AllowExactPhrase", &Settings::AllowExactPhrase},
-    {"MaxContextSeeks", &Settings::MaxContextSeeks},
-    {"MaxMatches", &Settings::MaxMatches},
-    {"MaxSearchTime", &Settings::MaxSearchTime},
-    {"UseLinkTarget", &Settings::UseLinkTarget},
-    {"Spelling", &Settings::Spelling},
-    {"SpellingWhenLessThan", &Settings::SpellingWhenLessThan},
-    {"NumSpellings", &Settings::NumSpellings},
-    {"Recommended", &Settings::Recommended},
-    {"NumRecommended", &Settings::NumRecommended},
-    {"RecommendedMax", &Settings::RecommendedMax},
-    {"UseCats", &Settings::UseCats},
-    {"SearchMultiCats", &Settings::SearchMultiCats},
-    {"NumKeywords", &Settings::NumKeywords},
-    {"NumPages", &Settings::NumPages},
-    {"NumVariants", &Settings::NumVariants},
-    {"PageInfoSize", &Settings::PageInfoSize},
-    {"DefaultToAnd", &Settings::DefaultToAnd},
-    {"UseXML", &Settings::UseXML},
-    {"XMLHighlight", &Settings::XMLHighlight},
-    {"NumCats", &Settings::NumCats},
-    {"NumCatBytes", &Settings::NumCatBytes},
-    {"UseMetaFields", &Settings::UseMetaFields},
-    {"NumMetaFields", &Settings::NumMetaFields},
-    {"MetaMoneyShowDec", &Settings::MetaMoneyShowDec},
-    {"MapAccents", &Settings::MapAccents},
-};
-
-// A text setting: stores a value, or empties the field for none.
-struct TextKey {
-  std::string_view key;
-  void (*store)(Settings& settings, std::string_view value);
-  bool emptiedFirst;  // a line without a value leaves the field empty
-};
-
-template <auto kField>
-void Store(Settings& settings, std::string_view value) {
-  Set(settings.*kField, value);
-}
-
-constexpr TextKey kTextKeys[] = {
-    {"Charset", Store<&Settings::Charset>, false},
-    {"DatePickerPath", Store<&Settings::DatePickerPath>, false},
-    {"Version", Store<&Settings::Version>, false},
-    {"LogFileName", Store<&Settings::LogFileName>, false},
-    {"LinkTarget", Store<&Settings::LinkTarget>, false},
-    {"WordJoinChars", Store<&Settings::WordJoinChars>, false},
-    {"LinkBackURL", Store<&Settings::LinkBackURL>, true},
-    {"XMLTitle", Store<&Settings::XMLTitle>, true},
-    {"XMLDesc", Store<&Settings::XMLDesc>, true},
-    {"XMLURL", Store<&Settings::XMLURL>, true},
-    {"XMLXSLTURL", Store<&Settings::XMLXSLTURL>, true},
-    {"XMLOpenSearchDescURL", Store<&Settings::XMLOpenSearchDescURL>, true},
-    {"MetaMoneyCurrency", Store<&Settings::MetaMoneyCurrency>, false},
-};
-
 // The next line as text, up to a NUL; false at the end of the file.
 bool NextLine(LineReader& reader, std::string_view& line) {
-  if (!ReadLine(reader, kLineLimit, line)) return false;
+  if (!ReadLine(reader, kSettingsLineLimit, line)) return false;
   line = UpToNul(line);
   return true;
 }
@@ -145,11 +31,9 @@ SettingsStatus ReadCategoryNames(Settings& settings, LineReader& reader) {
   return SettingsStatus::kOk;
 }
 
-bool HasValueList(int32_t type) { return type == kMetaDropDown || type == kMetaMultiple; }
-
 // Reads one definition; kInvalid when the file ends inside it.
 SettingsStatus ReadMetaField(Settings& settings, LineReader& reader, MetaFieldDef& field) {
-  std::string_view lines[6];
+  std::string_view lines[kMetaDefinitionLines];
   for (std::string_view& line : lines) {
     if (!NextLine(reader, line)) return SettingsStatus::kInvalid;
   }
@@ -159,12 +43,12 @@ SettingsStatus ReadMetaField(Settings& settings, LineReader& reader, MetaFieldDe
   Set(field.extraText, TrimWhitespace(lines[3]));
   field.method = ReadDecimal32(lines[4]);
   field.numValues = ReadDecimal32(lines[5]);
-  if (!HasValueList(field.type)) return SettingsStatus::kOk;
+  if (!HasMetaList(field.type)) return SettingsStatus::kOk;
   field.firstValue = settings.metaValues.size();
   for (int32_t i = 0; i < field.numValues; ++i) {
     std::string_view line;
     if (!NextLine(reader, line)) return SettingsStatus::kInvalid;
-    FixedText<65> value;
+    MetaListText value;
     Set(value, TrimWhitespace(line));
     if (!settings.metaValues.TryAdd(View(value))) return SettingsStatus::kNoMemory;
   }
@@ -209,8 +93,8 @@ SettingsStatus ReadAccentTable(Settings& settings, LineReader& reader) {
   std::string_view accents;
   std::string_view normals;
   if (!NextLine(reader, line)) return SettingsStatus::kOk;
-  ParseRest(line, "AccentChars", accents);
-  if (NextLine(reader, line)) ParseRest(line, "NormalChars", normals);
+  ParseRest(line, kAccentCharsKey, accents);
+  if (NextLine(reader, line)) ParseRest(line, kNormalCharsKey, normals);
   const auto quotes = static_cast<size_t>(std::count(accents.begin(), accents.end(), '"'));
   if (!settings.accents.TryAllocate(quotes / 2)) return SettingsStatus::kNoMemory;
   settings.hasAccentTable = true;
@@ -222,8 +106,8 @@ SettingsStatus ReadAccentTable(Settings& settings, LineReader& reader) {
   return SettingsStatus::kOk;
 }
 
-void ReadTextSetting(Settings& settings, const TextKey& key, std::string_view line) {
-  if (key.emptiedFirst) key.store(settings, {});
+void ReadTextSetting(Settings& settings, const TextSetting& key, std::string_view line) {
+  if (key.isEmptiedFirst) key.store(settings, {});
   // Kept: a file that names the date picker after the link-back address loses that address
   // (golden settings/date_picker_path_empties_link_back).
   if (key.key == "DatePickerPath") Clear(settings.LinkBackURL);
@@ -238,25 +122,25 @@ void ReadTextSetting(Settings& settings, const TextKey& key, std::string_view li
 SettingsStatus ReadSettingsLine(Settings& settings, std::string_view line, LineReader& reader) {
   const std::string_view token = FirstToken(line);
   if (token.empty()) return SettingsStatus::kOk;
-  for (const IntegerKey& key : kIntegerKeys) {
-    if (key.key != token) continue;
-    int32_t& field = settings.*key.field;
+  if (const NumberSetting* number = FindNumberSetting(token); number != nullptr) {
+    int32_t& field = settings.*number->field;
     ParseInteger(line, token, field);
-    if (token == "DictIDLen" && field >= kDictIdLenLimit) return SettingsStatus::kInvalidDictIdLen;
-    if (token == "MapAccents" && field == 1) return ReadAccentTable(settings, reader);
+    if (token == "DictIDLen" && field > int32_t{kTokenWidthLimit}) {
+      return SettingsStatus::kInvalidDictIdLen;
+    }
+    if (token == kAccentTableKey && field == 1) return ReadAccentTable(settings, reader);
     return SettingsStatus::kOk;
   }
-  for (const TextKey& key : kTextKeys) {
-    if (key.key != token) continue;
-    ReadTextSetting(settings, key, line);
+  if (const TextSetting* text = FindTextSetting(token); text != nullptr) {
+    ReadTextSetting(settings, *text, line);
     return SettingsStatus::kOk;
   }
   if (token.starts_with(kLanguageKeyPrefix)) {
     const LanguageLine result = ReadLanguageString(settings.language, token, line);
     return result == LanguageLine::kNoMemory ? SettingsStatus::kNoMemory : SettingsStatus::kOk;
   }
-  if (token == "catnames") return ReadCategoryNames(settings, reader);
-  if (token == "metafields") return ReadMetaFields(settings, reader);
+  if (token == kCategoryNamesLine) return ReadCategoryNames(settings, reader);
+  if (token == kMetaFieldsLine) return ReadMetaFields(settings, reader);
   return SettingsStatus::kOk;
 }
 

@@ -9,13 +9,11 @@ namespace vela {
 
 namespace {
 
+// In the order of StemmingAlgorithm, as the library names them.
 constexpr const char* kAlgorithms[kStemmingAlgorithmCount] = {
     "danish",    "dutch",  "english",    "finnish",  "french",  "german",  "hungarian", "italian",
     "norwegian", "porter", "portuguese", "romanian", "russian", "spanish", "swedish",   "turkish",
 };
-constexpr int32_t kHungarian = 6;
-constexpr int32_t kRomanian = 11;
-constexpr int32_t kRussian = 12;
 
 constexpr size_t kStemLimit = 2084;
 
@@ -24,8 +22,8 @@ constexpr std::string_view kNotStemmed = "`0123456789-=[]\\;',./~!@#$%^&*_+|:\"<
 
 const char* EncodingOf(int32_t algorithm, bool utf8) {
   if (utf8) return "UTF_8";
-  if (algorithm == kRomanian) return "ISO_8859_2";
-  if (algorithm == kRussian) return "KOI8_R";
+  if (algorithm == kStemRomanian) return "ISO_8859_2";
+  if (algorithm == kStemRussian) return "KOI8_R";
   return "ISO_8859_1";
 }
 
@@ -39,7 +37,7 @@ StemmerStatus Stemmer::Create(int32_t algorithm, bool utf8) {
     return StemmerStatus::kInvalidAlgorithm;
   }
   stemmer_ = sb_stemmer_new(kAlgorithms[algorithm], EncodingOf(algorithm, utf8));
-  if (stemmer_ == nullptr && algorithm == kHungarian) {
+  if (stemmer_ == nullptr && algorithm == kStemHungarian) {
     // The letters concerned stand at the same byte values in both sets.
     stemmer_ = sb_stemmer_new(kAlgorithms[algorithm], "ISO_8859_2");
   }

@@ -10,7 +10,26 @@ struct sb_stemmer;
 
 namespace vela {
 
-inline constexpr int32_t kStemmingAlgorithmCount = 16;
+// The algorithms by the numbers of the setting StemmingAlgo.
+enum StemmingAlgorithm : int32_t {
+  kStemDanish,
+  kStemDutch,
+  kStemEnglish,
+  kStemFinnish,
+  kStemFrench,
+  kStemGerman,
+  kStemHungarian,
+  kStemItalian,
+  kStemNorwegian,
+  kStemPorter,  // the first algorithm for English
+  kStemPortuguese,
+  kStemRomanian,
+  kStemRussian,
+  kStemSpanish,
+  kStemSwedish,
+  kStemTurkish,
+};
+inline constexpr int32_t kStemmingAlgorithmCount = kStemTurkish + 1;
 
 // The library's name of an algorithm, 0 <= algorithm < kStemmingAlgorithmCount.
 const char* StemmingAlgorithmName(int32_t algorithm);

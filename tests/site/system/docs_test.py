@@ -35,9 +35,9 @@ def settings_rows():
 
 class Settings(unittest.TestCase):
     def test_every_key_has_a_row_and_every_row_a_key(self):
-        source = text("src", "settings", "settings_file.cc")
+        source = text("src", "settings", "setting_keys.h")
         keys = set(re.findall(r'\{"(\w+)", &Settings::', source))
-        keys |= set(re.findall(r'\{"(\w+)", Store<', source))
+        keys |= set(re.findall(r'TextSettingOf<&Settings::\w+>\("(\w+)"', source))
         self.assertGreater(len(keys), 80)
         self.assertEqual(set(settings_rows()), keys | {"catnames", "metafields"})
 
