@@ -1,5 +1,6 @@
 #include "index/autocomplete.h"
 
+#include "format/autocomplete.h"
 #include "index/spelling.h"
 #include "text/word_compare.h"
 

@@ -1,8 +1,6 @@
-// autocomplete.h: the suggestions for the search box (`vela_autocomplete.vdat`).
-//
-// A text file, one suggestion a line, in the order in which they are shown. A line is read in
-// pieces of at most MaxKeyWordLineLen - 1 bytes, and the last byte of each is dropped: the line
-// feed, or, kept so, the last character of a piece without one.
+// autocomplete.h: the suggestions for the search box (format/autocomplete.h), in the order in which
+// they are shown. The last byte of each line is dropped: the line feed, or, kept so, the last
+// character of a piece without one.
 #pragma once
 
 #include <string_view>
@@ -12,8 +10,6 @@
 #include "settings/settings.h"
 
 namespace vela {
-
-inline constexpr char kAutoCompleteFileName[] = "vela_autocomplete.vdat";
 
 // Goes through the suggestions in order.
 class SuggestionReader {

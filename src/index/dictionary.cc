@@ -9,10 +9,7 @@ namespace vela {
 
 namespace {
 
-constexpr size_t kLineLimit = 31999;
-constexpr size_t kVariantLimit = 400;  // length with its terminator
 constexpr int64_t kTableBytesPerWord = 20;
-constexpr int64_t kBytesPerVariant = 10;
 
 constexpr std::string_view kVariantEnds = " \r\n";
 
@@ -65,7 +62,7 @@ int32_t ReadVariantCount(std::string_view rest) {
 }
 
 bool IsStored(std::string_view variant) {
-  return !variant.empty() && variant.size() + 1 <= kVariantLimit;
+  return !variant.empty() && variant.size() <= kVariantLimit;
 }
 
 std::string_view VariantOf(std::string_view line) { return TakeToken(line, kVariantEnds); }
@@ -75,7 +72,7 @@ bool TakeLine(std::string_view& rest, std::string_view& line, bool mayHoldNul) {
   const auto* end = static_cast<const char*>(memchr(rest.data(), '\n', rest.size()));
   if (end == nullptr) return false;
   const auto length = static_cast<size_t>(end - rest.data());
-  if (length > kLineLimit) return false;
+  if (length > kDictionaryLineLimit) return false;
   line = rest.substr(0, length);
   if (mayHoldNul) line = UpToNul(line);
   rest.remove_prefix(length + 1);
@@ -93,13 +90,13 @@ int32_t VariantLinesBehind(std::string_view line, std::string_view word) {
 // The size of the block that the variants are taken to lie in, each with two bytes more.
 int64_t VariantBlockSize(const Settings& settings) {
   return settings.OutputVariantBufferSize != 0 ? settings.OutputVariantBufferSize
-                                               : settings.NumVariants * kBytesPerVariant;
+                                               : settings.NumVariants * kMeanVariantBufferBytes;
 }
 
 // What a variant line takes of that block; nothing when its variant is not stored.
 int64_t VariantSize(std::string_view line) {
   const std::string_view variant = VariantOf(line);
-  return IsStored(variant) ? static_cast<int64_t>(variant.size()) + 2 : 0;
+  return IsStored(variant) ? VariantBufferBytes(variant.size()) : 0;
 }
 
 // Finds the word of a base-word line: empty when the line holds only blanks. False when it holds
@@ -161,7 +158,7 @@ DictionaryResult Dictionary::ReadLines(const Settings& settings) {
     std::string_view word;
     if (!FindWord(line, word)) return {DictionaryStatus::kCorruptEntry, entries};
     if (word.empty()) continue;  // the next line takes the entry
-    baseWordRoom -= static_cast<int64_t>(word.size()) + 1;
+    baseWordRoom -= BasewordBufferBytes(word.size());
     if (baseWordRoom < 0) return {DictionaryStatus::kBaseWordBlockFull, entries};
     const auto number = static_cast<size_t>(entries);
     starts_[number] = static_cast<uint32_t>(word.data() - bytes_.data());

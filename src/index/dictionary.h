@@ -1,30 +1,22 @@
-// dictionary.h: the indexed words (`vela_dictionary.vdat`), in the order of their word numbers.
-//
-// A text file; lines end in a line feed, what stands behind the last one is no line, and a line of
-// more than 31999 bytes ends the dictionary.
-//
-//   word offset variantCount     a base word: where its page list lies in the word map (-1: it has
-//                                none), and how many variant lines follow (may be absent: 0)
-//   variant                      another spelling of the base word above
+// dictionary.h: the reader of the indexed words (format/dictionary.h).
 //
 // The file is mapped and used in place; one pass over it makes every check and notes where each
-// word stands. The indexer's writer of this file is in indexer/.
+// word stands.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
+#include "format/dictionary.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
 
 namespace vela {
 
-inline constexpr char kDictionaryFileName[] = "vela_dictionary.vdat";
-
 struct DictEntry {
   std::string_view word;
-  int64_t offset = 0;        // of the page list in the word map; kNoWordList (-1) for none
+  int64_t offset = 0;        // of the page list in the word map; kNoWordList for none
   int32_t variantCount = 0;  // as the line says
   size_t end = 0;            // where the lines behind the entry's own begin
 };

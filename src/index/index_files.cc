@@ -1,5 +1,6 @@
 #include "index/index_files.h"
 
+#include "format/index_directory.h"
 #include "index/page_data.h"
 #include "index/page_text.h"
 

@@ -12,8 +12,6 @@
 
 namespace vela {
 
-inline constexpr char kWordMapFileName[] = "vela_wordmap.vdat";
-
 // Each file is open, and its bytes valid, from OpenIndexFiles until it is closed or released.
 struct IndexFiles {
   FileImage pageData;

@@ -1,11 +1,4 @@
-// meta_data.h: the values of a page's custom meta fields, as they lie in its record.
-//
-// In the order of the definitions, without padding:
-//   numeric, money   4 bytes, signed, little-endian (money in hundredths); -2147483648: no value
-//   drop-down        1 byte, index into the list; 255: no value
-//   multiple choice  1 byte n, then n bytes, indexes into the list; n 0: no value
-//   any other, text  bytes up to a NUL; empty: no value
-// Data that ends early leaves the field and those behind it without a value.
+// meta_data.h: the reader of the values of a page's custom meta fields (format/meta_fields.h).
 #pragma once
 
 #include <cstdint>

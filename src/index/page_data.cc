@@ -1,5 +1,6 @@
 #include "index/page_data.h"
 
+#include "format/page_data.h"
 #include "settings/index_directory.h"
 
 namespace vela {
@@ -14,7 +15,7 @@ std::string_view LineAt(std::string_view file, uint64_t offset) {
 }
 
 bool TakeField(std::string_view& line, std::string_view& field) {
-  const size_t end = line.find('|');
+  const size_t end = line.find(kPageDataFieldEnd);
   if (end == line.npos) return false;
   field = line.substr(0, end);
   line.remove_prefix(end + 1);
@@ -35,8 +36,8 @@ bool ReadPageData(std::string_view file, uint64_t offset, PageTexts& texts) {
       !TakeField(line, read.description) || !TakeField(line, read.image)) {
     return false;
   }
-  read.url = read.url.substr(0, kUrlLimit);
-  read.image = read.image.substr(0, kUrlLimit);
+  read.url = read.url.substr(0, kAddressLimit);
+  read.image = read.image.substr(0, kAddressLimit);
   texts = read;
   return true;
 }
@@ -46,7 +47,7 @@ bool ReadPageUrl(std::string_view file, uint64_t offset, std::string_view& url) 
   url = {};
   std::string_view field;
   if (!TakeField(line, field) || field.empty()) return false;
-  url = field.substr(0, kUrlLimit);
+  url = field.substr(0, kAddressLimit);
   return true;
 }
 

@@ -1,19 +1,11 @@
-// page_data.h: the texts of every page (`vela_pagedata.vdat`): a line of at most 7260 bytes a page,
-//
-//   address|title|description|image address|
-//
-// found through the page's record (page_info.h). Read only for the pages that are shown, and put on
-// the page as stored: the indexer stores them safe for HTML.
+// page_data.h: the reader of the texts of a page (format/page_data.h), found through the page's
+// record (page_info.h). Read only for the pages that are shown.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
 namespace vela {
-
-inline constexpr char kPageDataFileName[] = "vela_pagedata.vdat";
-inline constexpr size_t kPageDataLineLimit = 7260;
-inline constexpr size_t kUrlLimit = 2083;  // bytes kept of an address
 
 // Pieces of the file, valid while it is open. Any may be empty.
 struct PageTexts {

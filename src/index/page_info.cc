@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "format/page_info.h"
 #include "index/byte_cursor.h"
 #include "text/numbers.h"
 
@@ -9,21 +10,8 @@ namespace vela {
 
 namespace {
 
-// Where the fields of a record lie in the two layouts.
-struct RecordLayout {
-  size_t lengthWidth;
-  size_t dataOffset;
-  size_t fileSize;
-  size_t dateTime;
-  size_t boost;
-  size_t fileType;
-  size_t fixedSize;
-};
-constexpr RecordLayout kSmallLayout = {2, 2, 7, 11, 15, 16, 17};
-constexpr RecordLayout kBigLayout = {4, 4, 9, 13, 17, 18, 19};
-
-const RecordLayout& LayoutOf(const PageTable& pages) {
-  return pages.big ? kBigLayout : kSmallLayout;
+const PageInfoLayout& LayoutOf(const PageTable& pages) {
+  return pages.big ? kBigPageInfo : kSmallPageInfo;
 }
 
 size_t StartOf(const PageTable& pages, uint32_t page) {
@@ -79,23 +67,23 @@ LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
 }
 
 uint64_t PageDataOffset(const PageTable& pages, uint32_t page) {
-  return Field(pages, page, LayoutOf(pages).dataOffset, 5);
+  return Field(pages, page, LayoutOf(pages).dataOffset, kDataOffsetWidth);
 }
 
 uint32_t PageFileSize(const PageTable& pages, uint32_t page) {
-  return WrapToUint32(Field(pages, page, LayoutOf(pages).fileSize, 4));
+  return WrapToUint32(Field(pages, page, LayoutOf(pages).fileSize, kFileSizeWidth));
 }
 
 int32_t PageDateTime(const PageTable& pages, uint32_t page) {
-  return WrapToInt32(WrapToUint32(Field(pages, page, LayoutOf(pages).dateTime, 4)));
+  return WrapToInt32(WrapToUint32(Field(pages, page, LayoutOf(pages).dateTime, kDateTimeWidth)));
 }
 
 uint8_t PageBoost(const PageTable& pages, uint32_t page) {
-  return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).boost, 1));
+  return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).boost, kBoostWidth));
 }
 
 uint8_t PageFileType(const PageTable& pages, uint32_t page) {
-  return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).fileType, 1));
+  return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).fileType, kFileTypeWidth));
 }
 
 bool PageCategoryBit(const PageTable& pages, uint32_t page, size_t index, int bit) {
@@ -103,7 +91,7 @@ bool PageCategoryBit(const PageTable& pages, uint32_t page, size_t index, int bi
 }
 
 std::string_view PageMetaData(const PageTable& pages, uint32_t page) {
-  const RecordLayout& layout = LayoutOf(pages);
+  const PageInfoLayout& layout = LayoutOf(pages);
   const size_t start = StartOf(pages, page);
   const uint64_t length = Field(pages, page, 0, layout.lengthWidth);
   const size_t skipped = layout.fixedSize + pages.categoryBytes;

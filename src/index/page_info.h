@@ -1,18 +1,7 @@
-// page_info.h: the facts of every page (`vela_pageinfo.vdat`), one record a page in page order,
-// without a header. Little-endian; not trusted.
-//
-//   small layout  big layout
-//   0, 2 bytes    0, 4 bytes    length of the record, this field included
-//   2, 5          4, 5          position of the page's line in `vela_pagedata.vdat`
-//   7, 4          9, 4          file size in bytes
-//   11, 4         13, 4         date and time, seconds since 1970; 0 for none
-//   15, 1         17, 1         score boost in tenths; 0 leaves scores as they are
-//   16, 1         18, 1         file type
-//   17            19            category set (NumCatBytes, with UseCats 1), then the values of the
-//                               custom meta fields (with UseMetaFields 1)
+// page_info.h: the reader of the facts of every page (format/page_info.h). The file is not trusted.
 //
 // A record that is shorter than its fixed part reads on into what follows it, and as 0 beyond the
-// end of the file. The indexer's writer of this file is in indexer/.
+// end of the file.
 #pragma once
 
 #include <cstdint>
@@ -24,8 +13,6 @@
 #include "text/owned_array.h"
 
 namespace vela {
-
-inline constexpr char kPageInfoFileName[] = "vela_pageinfo.vdat";
 
 struct PageTable {
   FileImage file;

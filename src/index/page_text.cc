@@ -49,8 +49,9 @@ int32_t ReadPageTextToken(PageTextReader& reader, PageTextToken& token) {
   if (reader.bufferEnd - reader.position < size) return 0;
   const auto start = static_cast<size_t>(reader.position);
   const auto tokenSize = static_cast<size_t>(size);
-  token.word = WrapToUint32(ReadLittleEndian(reader.file, start, tokenSize - 1));
-  token.variant = static_cast<uint8_t>(reader.file[start + tokenSize - 1]);
+  const size_t wordWidth = tokenSize - kTokenVariantWidth;
+  token.word = WrapToUint32(ReadLittleEndian(reader.file, start, wordWidth));
+  token.variant = static_cast<uint8_t>(reader.file[start + wordWidth]);
   reader.position += size;
   return reader.tokenSize;
 }

@@ -1,16 +1,12 @@
-// page_text.h: the text of every page as word numbers (`vela_pagetext.vdat`).
-//
-// Tokens of DictIDLen bytes without a header: the word number, little-endian, in all bytes but the
-// last, which numbers the spelling of the word. 0 ends a page, 1 a run of text inside one; numbers
-// up to DictReservedLimit are punctuation. The indexer's writer of this file is in indexer/.
+// page_text.h: the reader of the text of every page as word numbers (format/page_text.h).
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
-namespace vela {
+#include "format/page_text.h"
 
-inline constexpr char kPageTextFileName[] = "vela_pagetext.vdat";
+namespace vela {
 
 // Whether the file holds the text that an indexer puts in its place when the index was built
 // without page text. Kept: at most six bytes are looked at, of which the seventh is then missing,
@@ -18,8 +14,8 @@ inline constexpr char kPageTextFileName[] = "vela_pagetext.vdat";
 bool IsPageTextPlaceholder(std::string_view file);
 
 struct PageTextToken {
-  uint32_t word = 0;    // 0 at the end of the data
-  uint8_t variant = 0;  // of the word's spellings
+  uint32_t word = kPageEndWord;  // as at the end of the data
+  uint8_t variant = 0;           // of the word's spellings
 };
 
 // Reads tokens forward from a position. `atEnd` is the end-of-file flag of a stream that is read

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "format/recommended.h"
 #include "index/spelling.h"
 #include "text/numbers.h"
 
@@ -9,7 +10,6 @@ namespace vela {
 
 namespace {
 
-constexpr size_t kKeywordLimit = 500;
 constexpr int64_t kTableBytesPerTie = 512;
 
 }  // namespace
@@ -34,7 +34,7 @@ LoadStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& director
     const size_t blank = line.rfind(' ');
     if (blank == line.npos || blank == 0) continue;
     ties.dataOffsets[static_cast<size_t>(ties.keywords.size())] = ReadDecimal64(line.substr(blank));
-    if (!ties.keywords.TryAdd(line.substr(0, std::min(blank, kKeywordLimit)))) {
+    if (!ties.keywords.TryAdd(line.substr(0, std::min(blank, kRecommendedKeywordsLimit)))) {
       return LoadStatus::kNoMemory;
     }
   }

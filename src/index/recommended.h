@@ -1,9 +1,5 @@
-// recommended.h: the ties of keywords to recommended pages (`vela_recommended.vdat`).
-//
-// A text file, one tie a line: the keyword (it may hold blanks, or several keywords separated by
-// ","), a blank, and the position of the page's line in `vela_pagedata.vdat`. A line is read in
-// pieces of at most MaxKeyWordLineLen - 1 bytes; one without a blank behind its first character is
-// passed over. Of a keyword 500 bytes are kept.
+// recommended.h: the reader of the ties of keywords to recommended pages (format/recommended.h). A
+// line without a blank behind its first character is passed over.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +11,6 @@
 #include "text/text_list.h"
 
 namespace vela {
-
-inline constexpr char kRecommendedFileName[] = "vela_recommended.vdat";
 
 struct RecommendedTies {
   TextList keywords;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "format/keyword_line.h"
 #include "text/numbers.h"
 
 namespace vela {
@@ -36,7 +37,7 @@ bool ReadEntry(std::string_view line, SpellingEntry& entry) {
 }  // namespace
 
 size_t KeyWordLineSize(const Settings& settings) {
-  return static_cast<size_t>(std::max(settings.MaxKeyWordLineLen, 2));
+  return KeywordBufferSize(settings.MaxKeyWordLineLen);
 }
 
 LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,

@@ -1,13 +1,11 @@
-// spelling.h: the table behind spelling suggestions (`vela_spelling.vdat`).
-//
-// A text file sorted by key, one entry a line: key, then one to three dictionary word numbers (0:
-// none), separated by blanks. Of a key 6 characters are kept. A line is read in pieces of at most
-// MaxKeyWordLineLen - 1 bytes; one without a number is no entry.
+// spelling.h: the reader of the table behind spelling suggestions (format/spelling.h). A line
+// without a number is no entry.
 #pragma once
 
 #include <array>
 #include <cstdint>
 
+#include "format/spelling.h"
 #include "index/load_status.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
@@ -16,11 +14,9 @@
 
 namespace vela {
 
-inline constexpr char kSpellingFileName[] = "vela_spelling.vdat";
-
 struct SpellingEntry {
   SoundKey key;
-  std::array<int32_t, 3> words = {};  // first, second, third
+  std::array<int32_t, kSpellingWordLimit> words = {};  // kNoSpellingWord behind the last
 };
 
 struct SpellingTable {
@@ -33,7 +29,7 @@ struct SpellingTable {
 [[nodiscard]] LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
                                       const Settings& settings);
 
-// The size of the line buffer for the text index files: at least 2 bytes, its terminator included.
+// The size of the line buffer for the files of keywords (format/keyword_line.h).
 size_t KeyWordLineSize(const Settings& settings);
 
 }  // namespace vela

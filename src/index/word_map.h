@@ -1,31 +1,19 @@
-// word_map.h: the pages on which a dictionary word occurs (`vela_wordmap.vdat`).
-//
-// The file is little-endian, without a header: word lists at the positions that the dictionary
-// names. It is not trusted.
-//
-//   list:    offset 0  4 bytes  count, signed; 0 or less: no records
-//            offset 4           count records
-//   record:  offset 0  1 byte   score
-//            offset 1  1 byte   proximity: bit 7-b for block b of the page
-//            offset 2  3 bytes  page number
-//            offset 5  5 bytes  position in the page text file
-//
-// The indexer's writer of this file is in indexer/.
+// word_map.h: the reader of the pages on which a dictionary word occurs (format/word_map.h). The
+// file is not trusted.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
-namespace vela {
+#include "format/word_map.h"
 
-inline constexpr size_t kWordMapRecordSize = 10;
-inline constexpr int64_t kNoWordList = -1;  // the dictionary offset of a word without a list
+namespace vela {
 
 struct WordMapRecord {
   uint32_t score = 0;  // one byte in the file; a phrase adds those of its words
   uint8_t proximity = 0;
-  uint32_t page = 0;      // 24 bits
-  uint64_t position = 0;  // 40 bits
+  uint32_t page = 0;      // up to kPageNumberLimit
+  uint64_t position = 0;  // in the page text, up to kPositionLimit
 };
 
 // The records of one word, used where they lie in the file.

@@ -1,5 +1,6 @@
 #include "output/template.h"
 
+#include "format/template_file.h"
 #include "output/markup.h"
 #include "output/xml_document.h"
 #include "text/fixed_text.h"
@@ -8,10 +9,7 @@ namespace vela {
 
 namespace {
 
-constexpr std::string_view kMarkerPrefix = "<!--VELA";
-constexpr std::string_view kWholePageMarker = "<!--VELASEARCH-->";
 constexpr std::string_view kFormMarker = "<!--VELA_SHOW_SEARCHFORM-->";
-constexpr std::string_view kResultsMarker = "<!--VELA_SHOW_RESULTS-->";
 constexpr std::string_view kQueryMarker = "<!--VELA_SHOW_QUERY-->";
 
 // A longer line comes in pieces, each treated as a line.
@@ -124,7 +122,7 @@ void WriteTemplateLine(Response& response, const PageParts& parts, std::string_v
       WriteHeadScripts(response, parts);
       scriptsDue = false;
     }
-    const size_t marker = rest.find(kMarkerPrefix);
+    const size_t marker = rest.find(kTemplateMarkerPrefix);
     WriteRaw(response, rest.substr(0, marker));
     if (marker == rest.npos) return;
     rest.remove_prefix(marker);

@@ -17,8 +17,6 @@
 
 namespace vela {
 
-inline constexpr char kTemplateFileName[] = "search_template.html";
-
 // What the page is made from.
 struct PageParts {
   const Settings& settings;

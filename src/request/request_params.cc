@@ -9,8 +9,6 @@ namespace {
 
 constexpr size_t kDateLimit = 10;
 constexpr size_t kMetaTextLimit = 65535;
-constexpr size_t kMetaListLimit = 255;
-constexpr int32_t kMetaNoIndex = 255;
 
 using ParameterName = FixedText<112>;
 
@@ -60,9 +58,9 @@ bool ReadCategories(RequestParams& params, const Settings& settings) {
 }
 
 MetaValue ReadMultipleChoice(CgiForm& form, const char* name) {
-  std::array<int32_t, kMetaListLimit> numbers = {};
+  std::array<int32_t, kMetaChoiceLimit> numbers = {};
   size_t count = 0;
-  if (ReadList(form, name, numbers, static_cast<int32_t>(kMetaListLimit), count) !=
+  if (ReadList(form, name, numbers, static_cast<int32_t>(kMetaChoiceLimit), count) !=
       CgiResult::kOk) {
     CgiGetInteger(form, name, numbers[0], -1);
     count = 1;
@@ -72,7 +70,9 @@ MetaValue ReadMultipleChoice(CgiForm& form, const char* name) {
   size_t stored = 0;
   for (size_t i = 0; i < count; ++i) {
     // Kept: 255 itself is left out, though it is counted (unit request_params_test).
-    if (numbers[i] < kMetaNoIndex) value.chosen[stored++] = static_cast<uint8_t>(numbers[i] & 0xFF);
+    if (numbers[i] < kNoMetaChoice) {
+      value.chosen[stored++] = static_cast<uint8_t>(numbers[i] & 0xFF);
+    }
   }
   return value;
 }

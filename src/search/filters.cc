@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ctime>
 
+#include "format/page_info.h"
 #include "index/page_data.h"
 #include "text/ascii.h"
 #include "text/edit.h"
@@ -84,9 +85,9 @@ bool HasBit(const uint8_t* bits, int index) { return (bits[index / 8] >> (index 
 
 bool CompareNumbers(int32_t method, int32_t pageValue, int32_t wanted) {
   switch (method) {
-    case 1:
+    case kNumberAtMost:
       return pageValue <= wanted;
-    case 2:
+    case kNumberAtLeast:
       return pageValue >= wanted;
     default:
       return pageValue == wanted;
@@ -96,16 +97,16 @@ bool CompareNumbers(int32_t method, int32_t pageValue, int32_t wanted) {
 bool CompareTexts(int32_t method, std::string_view pageValue, std::string_view wanted,
                   TextMode mode) {
   switch (method) {
-    case 1:
+    case kTextEqual:
       return WordCompare(mode, pageValue, wanted) == 0;
-    case 2:
+    case kTextBegins:
       return FindNoCase(pageValue, wanted, mode.utf8, wanted.size()) == 0;
     default:
       return FindNoCase(pageValue, wanted, mode.utf8) != pageValue.npos;
   }
 }
 
-// Whether the page names at least one, or (with method 1) every one of the indexes asked for. An
+// Whether the page names at least one, or (with kChoicesAll) every one of the indexes asked for. An
 // index beyond the list counts for nothing.
 bool CompareChoices(const MetaFieldDef& field, const MetaConstraint& constraint,
                     const MetaData& data) {
@@ -122,7 +123,7 @@ bool CompareChoices(const MetaFieldDef& field, const MetaConstraint& constraint,
     any = any || isNamed;
     all = all && isNamed;
   }
-  return field.method == 1 ? all : any;
+  return field.method == kChoicesAll ? all : any;
 }
 
 void Count(PageFilters& filters, int32_t category) {
@@ -154,10 +155,11 @@ DateRange ReadDateRange(const SearchRequest& request, const Settings& settings) 
 
 CategoryTest TestCategory(const PageTable& pages, const Settings& settings, uint32_t page,
                           int32_t category) {
-  const int32_t index = category < 8 ? 0 : category / 8;
-  if (index >= settings.NumCatBytes) return CategoryTest::kInvalid;
+  const size_t wanted = category < 0 ? 0 : static_cast<size_t>(category);
+  if (static_cast<int64_t>(CategoryByte(wanted)) >= settings.NumCatBytes)
+    return CategoryTest::kInvalid;
   if (category < 0) return CategoryTest::kOut;
-  const bool isIn = PageCategoryBit(pages, page, static_cast<size_t>(index), category % 8);
+  const bool isIn = PageCategoryBit(pages, page, CategoryByte(wanted), CategoryBit(wanted));
   return isIn ? CategoryTest::kIn : CategoryTest::kOut;
 }
 
@@ -178,7 +180,7 @@ MetaConstraint ReadMetaConstraint(const MetaFieldDef& field, const MetaValue& va
       constraint.active = constraint.number != -1;
       break;
     case kMetaMultiple:
-      constraint.active = value.chosenCount > 0 && value.chosen[0] != 255;
+      constraint.active = value.chosenCount > 0 && value.chosen[0] != kNoMetaChoice;
       for (size_t i = 0; constraint.active && i < value.chosenCount; ++i) {
         constraint.chosen[value.chosen[i] / 8] |= static_cast<uint8_t>(1 << (value.chosen[i] % 8));
       }

@@ -58,9 +58,9 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
       do {
         position = text.position;
         consumed = ReadPageTextToken(text, token);
-      } while (consumed != 0 && token.word > 1 &&
+      } while (consumed != 0 && !EndsRun(token.word) &&
                int64_t{token.word} <= settings.DictReservedLimit);
-      if (token.word <= 1 || int64_t{token.word} >= settings.NumKeywords) break;
+      if (EndsRun(token.word) || int64_t{token.word} >= settings.NumKeywords) break;
       if (!isWord(k, token.word)) {
         if (k == 0 || !isWord(0, token.word)) break;
         k = 0;
@@ -71,7 +71,7 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
       }
       if (++k == count) return true;
     }
-    if (token.word == 0 || firstScore < occurrences) return false;
+    if (token.word == kPageEndWord || firstScore < occurrences) return false;
   }
 }
 

@@ -5,15 +5,17 @@
 #include <span>
 #include <string_view>
 
+#include "format/meta_fields.h"
 #include "text/fixed_text.h"
 
 namespace vela {
 
 // The request's value for one custom meta field.
 struct MetaValue {
-  std::string_view text;     // fields without several choices; decoded, as typed
-  uint8_t chosenCount = 0;   // multiple choice: how many values the request names
-  uint8_t chosen[255] = {};  // their list numbers; 255 stands for none
+  std::string_view text;    // fields without several choices; decoded, as typed
+  uint8_t chosenCount = 0;  // multiple choice: how many values the request names
+  // Their list numbers; kNoMetaChoice stands for none.
+  uint8_t chosen[kMetaChoiceLimit] = {};
 };
 
 inline constexpr int32_t kAllCategories = -1;

@@ -77,7 +77,7 @@ bool ReadSlots(SnippetWalk& walk, const SnippetSource& source, uint64_t position
   while (piece.count < walk.wordsPerPiece) {
     const uint64_t at = source.text.position;
     const int32_t consumed = ReadPageTextToken(source.text, token);
-    const bool isMarker = consumed == 0 || token.word <= 1;
+    const bool isMarker = consumed == 0 || EndsRun(token.word);
     if (!isMarker && token.word < wordLimit) {
       const bool isMatch = source.marksWords && at == position;
       if (!AddSlot(piece, {static_cast<int32_t>(token.word), token.variant,
@@ -100,7 +100,7 @@ bool ReadSlots(SnippetWalk& walk, const SnippetSource& source, uint64_t position
       break;
     }
   }
-  if (token.word != 0) walk.lastEnd = source.text.position;
+  if (token.word != kPageEndWord) walk.lastEnd = source.text.position;
   return true;
 }
 

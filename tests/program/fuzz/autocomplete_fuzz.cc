@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "format/autocomplete.h"
 #include "index/autocomplete.h"
 #include "output/autocomplete.h"
 #include "program/fuzz/check.h"

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "format/recommended.h"
+#include "format/spelling.h"
 #include "index/recommended.h"
 #include "index/spelling.h"
 #include "program/fuzz/check.h"

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "format/page_info.h"
 #include "index/page_info.h"
 #include "program/fuzz/check.h"
 #include "support/scratch_directory.h"
