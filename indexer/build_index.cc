@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iterator>
 
+#include "format/index_directory.h"
 #include "indexer/collect/page_collection.h"
 #include "indexer/collect/recommended_pages.h"
 #include "indexer/config/language_file.h"
@@ -32,7 +33,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr uint64_t kMegabyte = uint64_t{1} << 20;
-constexpr uint64_t kPositionLimit = (uint64_t{1} << 40) - 1;
 
 // True when `inner` is `outer` or lies in it; both absolute and resolved.
 bool IsWithin(const fs::path& inner, const fs::path& outer) {
@@ -80,7 +80,7 @@ struct SitePages {
                    run.folder.fresh()),
         recommended(run.options.config.recommended, run.base),
         text(run.folder.fresh()),
-        table(run.folder.fresh() / "vela_pageinfo.vdat", run.folder.fresh() / "vela_pagedata.vdat",
+        table(run.folder.fresh() / kPageInfoFileName, run.folder.fresh() / kPageDataFileName,
               run.charset) {}
 
   PageCollection collection;
@@ -139,28 +139,29 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   PageCollection& collection = pages.collection;
   const Vocabulary& vocabulary = collection.vocabulary;
   facts.pages = collection.pages.size();
-  facts.tokenBytes = TokenBytes(ReservedLimits().limit + 1 + vocabulary.words.size());
-  if (facts.tokenBytes > 5 || collection.tokenCount * facts.tokenBytes > kPositionLimit) {
+  facts.tokenBytes = TokenWidth(ReservedLimits().limit + 1 + vocabulary.words.size());
+  if (facts.tokenBytes > kTokenWidthLimit ||
+      collection.tokenCount * facts.tokenBytes > kPositionLimit) {
     throw IndexError(ExitStatus::kFailed,
                      "The site holds more text than one index can address. "
                      "Index its parts into several folders.");
   }
   run.progress.Begin("Sorting words", 0);
   run.summary.runs = collection.postings.runCount();
-  const WordMapResult wordMap = WriteWordMap(fresh / "vela_wordmap.vdat", collection.postings,
+  const WordMapResult wordMap = WriteWordMap(fresh / kWordMapFileName, collection.postings,
                                              vocabulary, collection.pages, facts.tokenBytes);
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
-  facts.dictionary = WriteDictionary(fresh / "vela_dictionary.vdat", vocabulary, order,
-                                     wordMap.offsets, run.charset);
+  facts.dictionary =
+      WriteDictionary(fresh / kDictionaryFileName, vocabulary, order, wordMap.offsets, run.charset);
   uint64_t bytes = wordMap.fileBytes + facts.dictionary.fileBytes;
-  bytes += pages.text.Finish(fresh / "vela_pagetext.vdat", order, facts.tokenBytes);
+  bytes += pages.text.Finish(fresh / kPageTextFileName, order, facts.tokenBytes);
   const PageTableWriter::Sizes table = pages.table.Finish();
   facts.pageInfoBytes = table.infoBytes;
   bytes += table.infoBytes + table.dataBytes;
   if (run.options.config.spelling) {
-    const SpellingSizes spelling = WriteSpelling(fresh / "vela_spelling.vdat", vocabulary, order);
+    const SpellingSizes spelling = WriteSpelling(fresh / kSpellingFileName, vocabulary, order);
     facts.spellings = spelling.entries;
     bytes += spelling.fileBytes;
   }
@@ -176,7 +177,7 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   uint64_t bytes = 0;
   size_t longest = 0;
   if (!config.recommended.empty()) {
-    RecommendedSizes sizes = WriteRecommended(fresh / "vela_recommended.vdat", config.recommended,
+    RecommendedSizes sizes = WriteRecommended(fresh / kRecommendedFileName, config.recommended,
                                               pages.recommended, run.charset);
     facts.recommended = sizes.entries;
     longest = sizes.longestLine;
@@ -186,7 +187,7 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   facts.lineLength = KeyWordLineLength(config, longest);
   if (config.suggestions) {
     const AutocompleteSizes sizes =
-        WriteAutocomplete(fresh / "vela_autocomplete.vdat", pages.collection.suggestions.Take(),
+        WriteAutocomplete(fresh / kAutoCompleteFileName, pages.collection.suggestions.Take(),
                           config.mostSuggestions, facts.lineLength, run.charset);
     facts.autocomplete = sizes.lines;
     bytes += sizes.fileBytes;
@@ -233,7 +234,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   IndexFacts facts;
   uint64_t bytes = WriteWords(run, pages, facts);
   bytes += WriteHelp(run, pages, facts);
-  bytes += WriteSettings(folder.fresh() / "settings.vdat", facts, options.config, charset,
+  bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,
                          language.strings);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);
   CheckStop(stop);

@@ -1,12 +1,15 @@
 #include "indexer/collect/category_set.h"
 
+#include "format/page_info.h"
+
 namespace vela::indexer {
 
 std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page) {
-  std::string set(CategoryBytes(categories.size()), '\0');
+  std::string set(CategorySetBytes(categories.size()), '\0');
   for (size_t c = 0; c < categories.size(); ++c) {
     if (!FitsAnyPattern(page, categories[c].pages)) continue;
-    set[c / 8] = static_cast<char>(static_cast<unsigned char>(set[c / 8]) | 1U << (c % 8));
+    char& bits = set[CategoryByte(c)];
+    bits = static_cast<char>(static_cast<unsigned char>(bits) | 1U << CategoryBit(c));
   }
   return set;
 }
@@ -19,8 +22,8 @@ void AddCategories(std::string_view set, std::string& all) {
 }
 
 bool HasCategory(std::string_view set, size_t category) {
-  const unsigned bits = static_cast<unsigned char>(set[category / 8]);
-  return (bits >> (category % 8) & 1U) != 0;
+  const unsigned bits = static_cast<unsigned char>(set[CategoryByte(category)]);
+  return (bits >> CategoryBit(category) & 1U) != 0;
 }
 
 }  // namespace vela::indexer

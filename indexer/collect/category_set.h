@@ -1,7 +1,6 @@
 // category_set.h: the set of categories that a page's addresses put it in.
 //
-// The search program reads the set at TestCategory (src/search/filters.h): category c is bit
-// c mod 8, the lowest first, of byte c div 8.
+// format/page_info.h draws the set.
 #pragma once
 
 #include <cstdint>
@@ -14,10 +13,7 @@
 
 namespace vela::indexer {
 
-// NumCatBytes for so many categories.
-constexpr size_t CategoryBytes(size_t categories) { return (categories + 7) / 8; }
-
-// The page's set of CategoryBytes bytes; empty without categories.
+// The page's set of CategorySetBytes bytes; empty without categories.
 std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page);
 
 // Adds the categories of `set` to `all`, a set of the same size.

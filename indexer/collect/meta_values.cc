@@ -4,18 +4,15 @@
 #include <charconv>
 #include <limits>
 
+#include "format/meta_fields.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/stored_text.h"
-#include "settings/settings.h"
 #include "text/ascii.h"
 #include "text/edit.h"
 
 namespace vela::indexer {
 
 namespace {
-
-constexpr int32_t kNoNumber = std::numeric_limits<int32_t>::min();
-constexpr char kNoIndex = '\xFF';
 
 // "$", "EUR", the bytes of other currency signs, and blanks.
 bool IsCurrencyByte(char c) {
@@ -24,7 +21,7 @@ bool IsCurrencyByte(char c) {
 
 void AppendNumber(int32_t number, std::string& out) {
   auto bits = static_cast<uint32_t>(number);
-  for (int i = 0; i < 4; ++i) {
+  for (size_t i = 0; i < kMetaNumberWidth; ++i) {
     out += static_cast<char>(bits & 0xFF);
     bits >>= 8;
   }
@@ -42,7 +39,7 @@ int FindListValue(const FieldRule& field, std::string_view text) {
 bool ReadWholeNumber(std::string_view text, int32_t& number) {
   if (text.starts_with('+')) text.remove_prefix(1);
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && end == text.data() + text.size() && number != kNoNumber;
+  return error == std::errc() && end == text.data() + text.size() && number != kNoMetaNumber;
 }
 
 // One field of one page.
@@ -83,10 +80,10 @@ void AppendValue(const FieldInput& in, std::string& out) {
     case kMetaNumeric:
     case kMetaMoney: {
       const bool money = in.field.kind == kMetaMoney;
-      int32_t number = kNoNumber;
+      int32_t number = kNoMetaNumber;
       if (!text.empty() && !(money ? ReadAmount(text, number) : ReadWholeNumber(text, number))) {
         in.LeaveOut(text, money ? Reason::kNoAmount : Reason::kNoWholeNumber);
-        number = kNoNumber;
+        number = kNoMetaNumber;
       }
       AppendNumber(number, out);
       break;
@@ -94,7 +91,7 @@ void AppendValue(const FieldInput& in, std::string& out) {
     case kMetaDropDown: {
       const int index = text.empty() ? -1 : FindListValue(in.field, text);
       if (index < 0 && !text.empty()) in.LeaveOut(text, Reason::kNotInList);
-      out += index < 0 ? kNoIndex : static_cast<char>(index);
+      out += static_cast<char>(index < 0 ? kNoMetaChoice : index);
       break;
     }
     case kMetaMultiple:
@@ -102,7 +99,7 @@ void AppendValue(const FieldInput& in, std::string& out) {
       break;
     default:
       out += StoredElementText(text, kFieldTextLimit, in.charset);
-      out += '\0';
+      out += kMetaTextEnd;
       break;
   }
 }
@@ -128,7 +125,7 @@ bool ReadAmount(std::string_view text, int32_t& hundredths) {
     value = value * 10 + (text[at] - '0');
     if (value > std::numeric_limits<int32_t>::max()) return false;
   }
-  value *= 100;
+  value *= kMoneyUnits;
   if (at < text.size() && (text[at] == '.' || text[at] == ',')) {
     const std::string_view decimals = text.substr(at + 1);
     const size_t count = std::min(decimals.find_first_not_of("0123456789"), decimals.size());
@@ -138,7 +135,7 @@ bool ReadAmount(std::string_view text, int32_t& hundredths) {
   }
   if (!std::ranges::all_of(text.substr(at), IsCurrencyByte)) return false;
   if (negative) value = -value;
-  if (value > std::numeric_limits<int32_t>::max() || value <= kNoNumber) return false;
+  if (value > std::numeric_limits<int32_t>::max() || value <= kNoMetaNumber) return false;
   hundredths = static_cast<int32_t>(value);
   return true;
 }

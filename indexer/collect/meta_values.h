@@ -1,6 +1,6 @@
 // meta_values.h: the values of the custom meta fields, from a page's meta elements to its record.
 //
-// Read by TakeMetaData (src/index/meta_data.h), which draws the format.
+// format/meta_fields.h draws them.
 #pragma once
 
 #include <cstdint>

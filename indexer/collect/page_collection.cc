@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "format/page_data.h"
+#include "format/word_map.h"
 #include "indexer/collect/meta_values.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
@@ -10,7 +12,7 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr size_t kPageLimit = (size_t{1} << 24) - 1;  // a page number has 24 bits
+constexpr size_t kPageLimit = kPageNumberLimit;
 // Of the memory, what the collected postings may take even when the vocabulary has used it up.
 constexpr size_t kLeastPostingBytes = size_t{1} << 20;
 constexpr size_t kExampleLimit = 60;  // bytes of a value that the summary shows

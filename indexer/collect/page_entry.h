@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "format/page_info.h"
 #include "indexer/source/source_item.h"
 
 namespace vela::indexer {
@@ -14,7 +15,7 @@ struct PageEntry {
   std::string description;  // plain text
   std::string image;        // an address like `address`, or empty
   uint64_t fileSize = 0;
-  int64_t time = 0;  // seconds since 1970; 0 for none
+  int64_t time = kNoPageDate;  // seconds since 1970
   uint8_t boost = 0;
   FileType fileType = FileType::kHtml;
   std::string categories;  // see category_set.h

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "format/page_text.h"
+#include "format/word_map.h"
+
 namespace vela::indexer {
 
 namespace {
-
-constexpr uint32_t kBlocks = 8;
-constexpr uint32_t kSmallestBlock = 32;  // words
 
 uint8_t HeadingZone(uint8_t level) {
   if (level == 0) return 0;
@@ -80,8 +80,7 @@ void AddOne(uint8_t& count) {
 }
 
 void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageTokens& out) {
-  const uint32_t blockWords =
-      std::max(kSmallestBlock, out.bodyWords / kBlocks + (out.bodyWords % kBlocks != 0 ? 1 : 0));
+  const uint32_t blockWords = ProximityBlockWords(out.bodyWords);
   for (const PageTokens::Occurrence& occurrence : out.occurrences) {
     Word& word = vocabulary.words[occurrence.word];
     if (word.lastPage != pageNumber) {
@@ -100,7 +99,7 @@ void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageTokens& ou
     posting.zones |= occurrence.zone;
     // Title, description and address belong to the page as a whole and count as its beginning.
     const uint32_t block = occurrence.inBody ? occurrence.place / blockWords : 0;
-    posting.blocks |= static_cast<uint8_t>(0x80U >> block);
+    posting.blocks |= ProximityBit(block);
     // A word and a part of it that reads the same ("a-a") are one occurrence.
     if (out.lastTokens[word.slot] == occurrence.token) continue;
     out.lastTokens[word.slot] = occurrence.token;
@@ -125,7 +124,7 @@ void CutPage(const PageTexts& page, uint32_t pageNumber, WordForms& forms, Vocab
   // Behind the body, so that snippets show the body and phrases find all of it.
   const auto addRun = [&](std::string_view text, Zone zone) {
     const size_t before = out.tokens.size();
-    if (before != 0) out.tokens.push_back({kRunEnd, 0});
+    if (before != 0) out.tokens.push_back({kRunEndWord, 0});
     const uint32_t count = CutRun(text, zone, false, cut);
     if (count == 0) out.tokens.resize(before);
     return count;
@@ -135,7 +134,7 @@ void CutPage(const PageTexts& page, uint32_t pageNumber, WordForms& forms, Vocab
   out.titleWords = CountDistinctWords(out, beforeTitle);
   addRun(page.content.description, kInDescription);
   addRun(page.addressText, kInAddress);
-  out.tokens.push_back({kPageEnd, 0});
+  out.tokens.push_back({kPageEndWord, 0});
   CollectPostings(pageNumber, vocabulary, out);
   for (const Posting& posting : out.postings) {
     Word& word = vocabulary.words[posting.word];

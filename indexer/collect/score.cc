@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "format/word_map.h"
+
 namespace vela::indexer {
 
 namespace {
@@ -32,7 +34,7 @@ constexpr double kShortTitle = 19;
 constexpr double kTitleStep = 2;
 constexpr double kBesideTitle = 8;
 constexpr double kFullBeside = 100;
-static_assert(kBesideTitleLimit + kShortTitle + kBesideTitle <= 255);
+static_assert(kBesideTitleLimit + kShortTitle + kBesideTitle <= kWordMapScoreLimit);
 static_assert(kRareTitle <= kBesideTitleLimit);
 
 // 1 for a word that only one page has, near 0 for one that is on all.
@@ -62,7 +64,7 @@ uint8_t WordScore(const Posting& posting, const ScoreContext& context) {
   const double rarity = Rarity(context);
   const double page = PageScore(posting, context);
   double score = page * (kCommonShare + (1 - kCommonShare) * rarity);
-  const uint8_t most = context.inSomeTitle ? kBesideTitleLimit : 255;
+  const uint8_t most = context.inSomeTitle ? kBesideTitleLimit : kWordMapScoreLimit;
   score = std::max<double>(score, std::min(posting.total, most));
   if ((posting.zones & kInTitle) != 0) {
     const double elsewhere = std::max<double>(kCommonTitle + (kRareTitle - kCommonTitle) * rarity,
@@ -71,7 +73,7 @@ uint8_t WordScore(const Posting& posting, const ScoreContext& context) {
     score = elsewhere + std::max(0.0, kShortTitle - kTitleStep * further) +
             kBesideTitle * std::min(1.0, page / kFullBeside);
   }
-  return static_cast<uint8_t>(std::clamp(std::lround(score), 1L, 255L));
+  return static_cast<uint8_t>(std::clamp(std::lround(score), 1L, long{kWordMapScoreLimit}));
 }
 
 }  // namespace vela::indexer

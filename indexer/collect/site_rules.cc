@@ -1,5 +1,6 @@
 #include "indexer/collect/site_rules.h"
 
+#include "format/page_info.h"
 #include "indexer/collect/category_set.h"
 
 namespace vela::indexer {
@@ -7,7 +8,7 @@ namespace vela::indexer {
 SiteRules::SiteRules(const SiteConfig& config)
     : categories_(config.categories),
       boosts_(config.boosts),
-      usedCategories_(CategoryBytes(config.categories.size()), '\0'),
+      usedCategories_(CategorySetBytes(config.categories.size()), '\0'),
       usedBoosts_(config.boosts.size()) {}
 
 uint8_t SiteRules::BoostOf(const PageAddresses& page) {

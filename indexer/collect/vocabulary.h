@@ -10,11 +10,15 @@
 #include <string_view>
 #include <vector>
 
+#include "format/dictionary.h"
+#include "format/page_text.h"
+
 namespace vela::indexer {
 
 constexpr uint32_t kNone32 = 0xFFFFFFFF;
-constexpr size_t kVariantCountLimit = 255;  // of a word: the token's last byte numbers them
-constexpr size_t kVariantBytesLimit = 126;  // each
+constexpr size_t kVariantCountLimit = kTokenVariantLimit;  // of a word
+constexpr size_t kVariantBytesLimit = 126;                 // each
+static_assert(kVariantBytesLimit <= kVariantLimit);
 
 struct Variant {
   const char* text = nullptr;  // owned by the vocabulary

@@ -1,5 +1,7 @@
 #include "indexer/config/built_in_template.h"
 
+#include "format/template_file.h"
+
 namespace vela::indexer {
 
 namespace {
@@ -9,7 +11,7 @@ struct BuiltInTemplate {
   std::string_view file;
 };
 constexpr BuiltInTemplate kTemplates[] = {
-    {"default", "search_template.html"},
+    {"default", kTemplateFileName},
     {"minimal", "search_template_minimal.html"},
     {"embed", "search_template_embed.html"},
 };

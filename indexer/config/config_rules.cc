@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "format/meta_fields.h"
+#include "format/page_data.h"
 #include "indexer/config/config_keys.h"
 #include "indexer/site/address_pattern.h"
 #include "indexer/words/clean_text.h"
@@ -16,10 +18,9 @@ namespace vela::indexer {
 namespace {
 
 constexpr size_t kBoostLimit = 1000;
-constexpr size_t kPatternLimit = 2083;  // bytes
 
 void ReadPages(ConfigTable& table, const std::string& what, std::vector<std::string>& pages) {
-  if (!table.Texts("pages", kPatternLimit, pages) || pages.empty()) {
+  if (!table.Texts("pages", kAddressLimit, pages) || pages.empty()) {
     table.RefuseWhole(what + " needs pages = [\"news/*\"], the addresses of its pages.");
   }
   for (std::string& pattern : pages) pattern = AddressPattern(pattern);
@@ -56,7 +57,7 @@ struct FieldKind {
 };
 
 const FieldKind kFieldKinds[] = {
-    {"text", FieldRule::kTextField, {"contains", "equal", "begins"}},
+    {"text", kMetaText, {"contains", "equal", "begins"}},
     {"number", kMetaNumeric, {"equal", "at_most", "at_least"}},
     {"money", kMetaMoney, {"equal", "at_most", "at_least"}},
     {"choice", kMetaDropDown, {"equal"}},
@@ -81,7 +82,7 @@ void CheckFieldName(const ConfigTable& table, const std::string& name, const Sit
 }
 
 void CheckFieldValues(ConfigTable& table, FieldRule& rule, bool given) {
-  const bool list = rule.kind == kMetaDropDown || rule.kind == kMetaMultiple;
+  const bool list = HasMetaList(rule.kind);
   if (given && !list) {
     table.Refuse("values", "Only fields of kind choice and choices have values.");
   }

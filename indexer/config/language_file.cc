@@ -15,8 +15,7 @@ namespace {
 
 constexpr std::string_view kLanguageEnding = ".vlang";
 constexpr std::string_view kTemplateKeyPrefix = "TEMPLATE_";
-// What the search program reads of a line, in bytes.
-constexpr size_t kLineLimit = 2046;
+constexpr size_t kLineFeed = 1;
 
 const EmbeddedFile* FindBuiltIn(std::string_view language) {
   return FindEmbeddedFile(std::string(language).append(kLanguageEnding));
@@ -72,7 +71,7 @@ Language ReadLanguage(std::string_view content, const std::string& name) {
     if (key.size() == line.size() || !(ofTemplate || key.starts_with(kLanguageKeyPrefix))) continue;
     const size_t open = line.find('"');
     if (open == line.npos || line.find('"', open + 1) != line.size() - 1 ||
-        line.size() > kLineLimit) {
+        line.size() + kLineFeed > kSettingsLineLimit) {
       throw IndexError(ExitStatus::kUsage, "The language file " + name +
                                                " has a line that is not of the form KEY = "
                                                "\"text\": " +

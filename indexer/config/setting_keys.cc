@@ -1,7 +1,10 @@
 #include "indexer/config/setting_keys.h"
 
+#include <algorithm>
 #include <limits>
 
+#include "format/page_data.h"
+#include "format/settings_file.h"
 namespace vela::indexer {
 
 namespace {
@@ -34,7 +37,7 @@ constexpr NumberKey kNumberKeys[] = {
     {"DisplayDate", 1, 0, 1},
     {"DisplayFilesize", 1, 0, 1},
     {"DisplayURL", 1, 0, 1},
-    {"TruncateShowURL", 90, 0, 2083},
+    {"TruncateShowURL", 90, 0, kAddressLimit},
     {"UseVelaImage", 1, 0, 1},
     {"DisplayCatSummary", 1, 0, 1},
     {"SearchMultiCats", 0, 0, 1},
@@ -70,16 +73,16 @@ constexpr NumberKey kNumberKeys[] = {
 // DatePickerPath stands before LinkBackURL: the search program forgets the latter when it reads the
 // former.
 constexpr TextKey kTextKeys[] = {
-    {"LogFileName", ".//logs//searchwords.log", 255},
-    {"LinkTarget", "", 2047},
-    {"DatePickerPath", "", 2083},
-    {"LinkBackURL", "search.cgi", 2047},
-    {"XMLTitle", "", 1024},
-    {"XMLDesc", "", 2000},
-    {"XMLURL", "", 2083},
-    {"XMLXSLTURL", "", 2083},
-    {"XMLOpenSearchDescURL", "", 2083},
-    {"MetaMoneyCurrency", "&#36;", 63},
+    {"LogFileName", ".//logs//searchwords.log"},
+    {"LinkTarget", ""},
+    {"DatePickerPath", ""},
+    {"LinkBackURL", "search.cgi"},
+    {"XMLTitle", ""},
+    {"XMLDesc", ""},
+    {"XMLURL", ""},
+    {"XMLXSLTURL", ""},
+    {"XMLOpenSearchDescURL", ""},
+    {"MetaMoneyCurrency", "&#36;"},
 };
 
 struct RefusedKey {
@@ -107,10 +110,10 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"UseCats", "it follows from the [[category]] tables"},
     {"NumCats", "it follows from the [[category]] tables"},
     {"NumCatBytes", "it follows from the [[category]] tables"},
-    {"catnames", "it follows from the [[category]] tables"},
+    {kCategoryNamesLine, "it follows from the [[category]] tables"},
     {"UseMetaFields", "it follows from the [[field]] tables"},
     {"NumMetaFields", "it follows from the [[field]] tables"},
-    {"metafields", "it follows from the [[field]] tables"},
+    {kMetaFieldsLine, "it follows from the [[field]] tables"},
     {"UseBigPageInfoData", "the records of pages never need it"},
     {"DictIDLen", kFollows},
     {"DictReservedLimit", kFollows},
@@ -125,6 +128,35 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"OutputBasewordBufferSize", kFollows},
 };
 
+constexpr bool IsSection(std::string_view key) {
+  return key == kCategoryNamesLine || key == kMetaFieldsLine;
+}
+
+template <typename Key, size_t N>
+constexpr size_t CountIn(const Key (&keys)[N], std::string_view key) {
+  return static_cast<size_t>(
+      std::ranges::count_if(keys, [key](const Key& each) { return each.key == key; }));
+}
+
+// Whether every key that the search program reads is either the owner's or refused, once.
+template <typename Owners, size_t M, typename Settings, size_t N>
+constexpr bool AllStandOnce(const Owners (&owners)[M], const Settings (&settings)[N]) {
+  return std::ranges::all_of(settings, [&owners](const Settings& setting) {
+    return CountIn(owners, setting.key) + CountIn(kRefusedKeys, setting.key) == 1;
+  });
+}
+static_assert(AllStandOnce(kNumberKeys, kNumberSettings));
+static_assert(AllStandOnce(kTextKeys, kTextSettings));
+
+// Whether the search program reads every key of the tables.
+static_assert(std::ranges::all_of(kNumberKeys, [](const NumberKey& key) {
+  return FindNumberSetting(key.key) != nullptr;
+}));
+static_assert(std::ranges::all_of(kRefusedKeys, [](const RefusedKey& refused) {
+  return FindNumberSetting(refused.key) != nullptr || FindTextSetting(refused.key) != nullptr ||
+         IsSection(refused.key);
+}));
+
 }  // namespace
 
 std::span<const NumberKey> NumberKeys() { return kNumberKeys; }
@@ -135,7 +167,9 @@ std::string_view RefusedKeyReason(std::string_view key) {
   for (const RefusedKey& refused : kRefusedKeys) {
     if (refused.key == key) return refused.reason;
   }
-  if (key.starts_with("STR_")) return "texts come from the language file (language in [site])";
+  if (key.starts_with(kLanguageKeyPrefix)) {
+    return "texts come from the language file (language in [site])";
+  }
   return {};
 }
 

@@ -1,9 +1,13 @@
-// setting_keys.h: the keys of settings.vdat that a site owner may set, and their defaults.
+// setting_keys.h: the keys of the settings file that a site owner may set, and their defaults.
+// Whether the search program knows them is checked where they are compiled.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
+
+#include "settings/setting_keys.h"
 
 namespace vela::indexer {
 
@@ -17,7 +21,7 @@ struct NumberKey {
 struct TextKey {
   std::string_view key;
   std::string_view value;
-  uint32_t mostBytes;  // what the search program keeps of it
+  size_t mostBytes = FindTextSetting(key)->capacity;
 };
 
 // How a results page looks and how far a search goes, in the order of the file.

@@ -8,16 +8,19 @@
 #include <string>
 #include <vector>
 
+#include "format/meta_fields.h"
+#include "settings/settings.h"
+
 namespace vela::indexer {
 
 // What an index has room for.
 constexpr size_t kCategoryLimit = 2000;
 constexpr size_t kFieldLimit = 100;
-constexpr size_t kFieldNameLimit = 103;       // bytes
-constexpr size_t kFieldLabelLimit = 100;      // bytes
-constexpr size_t kFieldTextLimit = 500;       // bytes of a text in a page's record
-constexpr size_t kListValueCountLimit = 255;  // an index is one byte, and 255 stands for no value
-constexpr size_t kListValueLimit = 64;        // bytes of each
+constexpr size_t kFieldNameLimit = decltype(MetaFieldDef::name)::kCapacity;
+constexpr size_t kFieldLabelLimit = decltype(MetaFieldDef::label)::kCapacity;
+constexpr size_t kFieldTextLimit = 500;  // bytes of a text in a page's record
+constexpr size_t kListValueCountLimit = kMetaChoiceLimit;
+constexpr size_t kListValueLimit = MetaListText::kCapacity;
 
 // A category and the addresses of its pages; see FitsAddressPattern (address_pattern.h).
 struct CategoryRule {
@@ -34,14 +37,12 @@ struct BoostRule {
 
 // A custom meta field.
 struct FieldRule {
-  std::string name;           // in request parameters and beside the value in a result
-  std::string meta;           // name of the meta elements that give its value
-  std::string label;          // in the form
-  int32_t kind = kTextField;  // a MetaKind or kTextField
-  int32_t method = 0;         // how the search compares; see MeetsConstraint (search/filters.h)
+  std::string name;          // in request parameters and beside the value in a result
+  std::string meta;          // name of the meta elements that give its value
+  std::string label;         // in the form
+  int32_t kind = kMetaText;  // a MetaKind
+  int32_t method = 0;        // how the search compares (format/meta_fields.h)
   std::vector<std::string> values;
-
-  static constexpr int32_t kTextField = 1;
 };
 
 // A page that the owner puts first for some words.
@@ -66,7 +67,7 @@ struct SiteConfig {
   std::vector<std::string> textEndings = {"txt", "text", "md"};
 
   std::string charset = "utf-8";
-  int32_t stemming = -1;  // a number of text/stemmer.h; -1: off
+  int32_t stemming = -1;  // a StemmingAlgorithm; -1: off
   bool images = true;
   std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
 

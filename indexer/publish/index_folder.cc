@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "format/index_directory.h"
 #include "indexer/publish/open_search.h"
 #include "indexer/report/index_error.h"
 
@@ -24,8 +25,7 @@ namespace {
 
 // Files that belong to an index and must not outlive it, whether this run wrote them or not.
 bool IsIndexFile(const std::string& name) {
-  return name == "settings.vdat" || name == kOpenSearchName ||
-         (name.starts_with("vela_") && name.ends_with(".vdat"));
+  return IsIndexFileName(name) || name == kOpenSearchName;
 }
 
 // Gives the folder `to` the owner and permissions of `from`: a log folder stays the web server's.

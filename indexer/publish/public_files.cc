@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "format/template_file.h"
 #include "indexer/config/embedded_files.h"
 #include "indexer/publish/open_search.h"
 #include "indexer/publish/search_template.h"
@@ -14,7 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kTemplateName[] = "search_template.html";
 constexpr uint64_t kLargestTemplate = uint64_t{4} << 20;
 
 void WriteWhole(const fs::path& path, std::string_view content) {
@@ -23,10 +23,9 @@ void WriteWhole(const fs::path& path, std::string_view content) {
   file.Finish();
 }
 
-// The markers of src/output/template.h with which results come out.
+// Whether the page has a marker with which results come out.
 bool ShowsResults(std::string_view page) {
-  return page.find("<!--VELASEARCH-->") != page.npos ||
-         page.find("<!--VELA_SHOW_RESULTS-->") != page.npos;
+  return page.find(kWholePageMarker) != page.npos || page.find(kResultsMarker) != page.npos;
 }
 
 bool IsPublic(std::string_view name) {
@@ -39,8 +38,8 @@ Finding WriteTemplate(const Options& options, const TemplateWords& words,
                       const IndexCharset& charset, const IndexFolder& folder) {
   std::string name = options.templateName;
   std::string page;
-  if (name.empty() && folder.OldHas(kTemplateName)) {
-    name = (folder.target() / kTemplateName).string();
+  if (name.empty() && folder.OldHas(kTemplateFileName)) {
+    name = (folder.target() / kTemplateFileName).string();
     std::error_code error;
     FileContent kept;
     // One that this user cannot read is kept all the same: the web server may be able to.
@@ -50,7 +49,7 @@ Finding WriteTemplate(const Options& options, const TemplateWords& words,
   } else {
     if (name.empty()) name = "default";
     page = LoadTemplate(name, words, !options.config.searchAddress.empty(), charset);
-    WriteWhole(folder.fresh() / kTemplateName, page);
+    WriteWhole(folder.fresh() / kTemplateFileName, page);
   }
   if (ShowsResults(page)) return {};
   return {.reason = Reason::kTemplateWithoutResults, .where = {}, .subject = name};

@@ -6,9 +6,6 @@
 
 namespace vela::indexer {
 
-// The longest address that a result can carry, in bytes.
-constexpr size_t kAddressLimit = 2083;
-
 // Makes `base` end in "/". It must be "http://host...", "https://host..." or begin with one "/",
 // and hold neither "?" nor "#"; otherwise IndexError (usage).
 std::string CheckedBaseUrl(const std::string& base);

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "format/page_text.h"
+
 namespace vela::indexer {
 
 namespace {
@@ -26,8 +28,6 @@ constexpr char32_t kSymbols[] = {
 constexpr auto kSymbolCount = static_cast<uint32_t>(std::size(kSymbols));
 static_assert(std::is_sorted(std::begin(kSymbols), std::end(kSymbols)));
 static_assert(kSymbolCount <= 255);
-
-constexpr uint32_t kFirstReserved = 2;
 
 std::string HtmlText(char32_t c) {
   switch (c) {
@@ -50,7 +50,7 @@ std::string HtmlText(char32_t c) {
 
 ReservedNumbers ReservedLimits() {
   ReservedNumbers numbers;
-  numbers.suffixes = kFirstReserved - 1 + 2 * kSymbolCount;
+  numbers.suffixes = kFirstSignWord - 1 + 2 * kSymbolCount;
   numbers.prefixes = numbers.suffixes + kSymbolCount;
   numbers.noSpaces = numbers.prefixes + kSymbolCount;
   numbers.limit = numbers.noSpaces;
@@ -71,7 +71,7 @@ CharacterClass ClassifyCharacter(char32_t c) {
 }
 
 uint32_t ReservedNumber(uint8_t symbol, SymbolForm form) {
-  return kFirstReserved + static_cast<uint32_t>(form) * kSymbolCount + symbol;
+  return kFirstSignWord + static_cast<uint32_t>(form) * kSymbolCount + symbol;
 }
 
 std::vector<std::string> ReservedTexts() {

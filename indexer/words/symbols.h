@@ -2,14 +2,9 @@
 // text.
 //
 // Every sign of the table has four reserved dictionary entries, one for each way in which it stands
-// among words, so that a snippet gets its blanks back:
-//
-//   0                       ends a page
-//   1                       ends a run that no phrase or snippet crosses
-//   2 .. S                  suffixes: no blank before, one behind ("word,"); first the plain ones,
-//                           then those of signs that stand alone, whose text brings a blank
-//   S+1 .. P                prefixes: a blank before, none behind ("(word")
-//   P+1 .. N                no blank on either side ("and/or")
+// among words, so that a snippet gets its blanks back. They fill the classes of format/page_text.h
+// in this order: suffixes ("word,"), signs that stand alone, which are suffixes whose text brings a
+// blank, prefixes ("(word") and signs between ("and/or").
 #pragma once
 
 #include <cstdint>
@@ -20,9 +15,6 @@
 namespace vela::indexer {
 
 enum class SymbolForm : uint8_t { kSuffix, kAlone, kPrefix, kBetween };
-
-constexpr uint32_t kPageEnd = 0;
-constexpr uint32_t kRunEnd = 1;
 
 // The settings DictReservedSuffixes (S), DictReservedPrefixes (P), DictReservedNoSpaces and
 // DictReservedLimit (N).

@@ -1,5 +1,6 @@
 #include "indexer/write/autocomplete_writer.h"
 
+#include "format/keyword_line.h"
 #include "indexer/words/stored_text.h"
 #include "indexer/write/out_file.h"
 
@@ -14,10 +15,9 @@ AutocompleteSizes WriteAutocomplete(const std::filesystem::path& path,
   for (const std::string& text : texts) {
     if (sizes.lines == mostLines) break;
     if (!charset.utf8() && !charset.Exactly(text, exact)) continue;
-    const std::string line = StoredText(text, charset);
-    if (line.size() + 2 > lineLength) continue;
+    const std::string line = StoredText(text, charset) + "\n";
+    if (line.size() > KeywordLineLimit(lineLength)) continue;
     file.Write(line);
-    file.Write("\n");
     ++sizes.lines;
   }
   sizes.fileBytes = file.Finish();

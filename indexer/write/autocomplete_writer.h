@@ -1,5 +1,4 @@
-// autocomplete_writer.h: vela_autocomplete.vdat, read by src/index/autocomplete.h: one suggestion a
-// line, in the order in which they are shown.
+// autocomplete_writer.h: the suggestions of the site (format/autocomplete.h).
 #pragma once
 
 #include <cstdint>
@@ -17,7 +16,7 @@ struct AutocompleteSizes {
 };
 
 // Writes the first `mostLines` of `texts` (see SuggestionList::Take) that the character set has and
-// that fit a line: `lineLength`, the setting MaxKeyWordLineLen, leaves lineLength - 2 bytes.
+// that fit a line of `lineLength`, the setting MaxKeyWordLineLen.
 AutocompleteSizes WriteAutocomplete(const std::filesystem::path& path,
                                     std::span<const std::string> texts, uint64_t mostLines,
                                     size_t lineLength, const IndexCharset& charset);

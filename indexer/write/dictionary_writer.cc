@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "format/dictionary.h"
 #include "indexer/words/symbols.h"
 #include "indexer/write/out_file.h"
 
@@ -12,25 +13,24 @@ DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabul
                                 const std::vector<uint64_t>& offsets, const IndexCharset& charset) {
   DictionarySizes sizes;
   OutFile file(path);
-  const auto writeBase = [&](std::string_view text, const std::string& numbers) {
+  const auto writeBase = [&](std::string_view text, int64_t offset, size_t variants) {
     file.Write(text);
-    file.Write(numbers);
+    file.Write(" " + std::to_string(offset) + " " + std::to_string(variants) + "\n");
     ++sizes.entries;
-    sizes.baseBytes += text.size() + 1;
+    sizes.baseBytes += static_cast<uint64_t>(BasewordBufferBytes(text.size()));
   };
   for (const std::string& text : ReservedTexts()) {
-    writeBase(charset.WithReferences(text), " -1 0\n");
+    writeBase(charset.WithReferences(text), kNoWordList, 0);
   }
   for (const uint32_t number : order) {
     const Word& word = vocabulary.words[number];
-    writeBase(TextOf(word), " " + std::to_string(offsets[number]) + " " +
-                                std::to_string(word.variantCount) + "\n");
+    writeBase(TextOf(word), static_cast<int64_t>(offsets[number]), word.variantCount);
     for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
       const std::string_view text = TextOf(vocabulary.variants[v]);
       file.Write(text);
       file.Write("\n");
       ++sizes.variants;
-      sizes.variantBytes += text.size() + 2;
+      sizes.variantBytes += static_cast<uint64_t>(VariantBufferBytes(text.size()));
     }
   }
   sizes.fileBytes = file.Finish();

@@ -1,4 +1,4 @@
-// dictionary_writer.h: vela_dictionary.vdat, read by src/index/dictionary.h.
+// dictionary_writer.h: the words of the index (format/dictionary.h).
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@ namespace vela::indexer {
 struct DictionarySizes {
   uint64_t entries = 0;       // NumKeywords, the reserved ones included
   uint64_t variants = 0;      // NumVariants
-  uint64_t baseBytes = 0;     // OutputBasewordBufferSize: each word with its terminator
-  uint64_t variantBytes = 0;  // OutputVariantBufferSize: length byte, variant, terminator
+  uint64_t baseBytes = 0;     // OutputBasewordBufferSize
+  uint64_t variantBytes = 0;  // OutputVariantBufferSize
   uint64_t fileBytes = 0;
 };
 

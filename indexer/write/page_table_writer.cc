@@ -3,24 +3,28 @@
 #include <algorithm>
 #include <limits>
 
-#include "indexer/collect/category_set.h"
-#include "indexer/collect/meta_values.h"
+#include "format/page_data.h"
+#include "format/page_info.h"
+#include "indexer/config/site_config.h"
 #include "indexer/words/stored_text.h"
 
 namespace vela::indexer {
 
 namespace {
 
-// With two addresses of 2083 bytes and the four "|" a line stays below the 7260 bytes that the
-// search program reads.
 constexpr size_t kMaxTitleBytes = 1000;
 constexpr size_t kMaxDescriptionBytes = 2000;
-constexpr size_t kFixedBytes = 17;
+constexpr size_t kLineFeed = 1;
+static_assert(2 * kAddressLimit + kMaxTitleBytes + kMaxDescriptionBytes + kPageDataFields +
+                  kLineFeed <=
+              kPageDataLineLimit);
 
-// A record of the small layout says its length in 16 bits.
+constexpr std::string_view kFieldEnd(&kPageDataFieldEnd, 1);
+constexpr const PageInfoLayout& kLayout = kSmallPageInfo;
 constexpr size_t kMostMetaBytes = kFieldLimit * (kFieldTextLimit + 1);
 static_assert(kListValueCountLimit + 1 <= kFieldTextLimit + 1);
-static_assert(kFixedBytes + CategoryBytes(kCategoryLimit) + kMostMetaBytes <= 65535);
+static_assert(kLayout.fixedSize + CategorySetBytes(kCategoryLimit) + kMostMetaBytes <=
+              kLayout.LengthLimit());
 
 }  // namespace
 
@@ -29,27 +33,28 @@ PageTableWriter::PageTableWriter(const std::filesystem::path& info,
     : info_(info), data_(data), charset_(charset) {}
 
 uint64_t PageTableWriter::AddPage(const PageEntry& page) {
-  constexpr auto kMaxSize = std::numeric_limits<uint32_t>::max();
   constexpr auto kMaxTime = std::numeric_limits<int32_t>::max();
   const uint64_t dataOffset = data_.size();
-  info_.WriteNumber(kFixedBytes + page.categories.size() + page.metaValues.size(), 2);
-  info_.WriteNumber(dataOffset, 5);
-  info_.WriteNumber(std::min<uint64_t>(page.fileSize, kMaxSize), 4);
+  info_.WriteNumber(kLayout.fixedSize + page.categories.size() + page.metaValues.size(),
+                    kLayout.lengthWidth);
+  info_.WriteNumber(dataOffset, kDataOffsetWidth);
+  info_.WriteNumber(std::min(page.fileSize, LargestNumber(kFileSizeWidth)), kFileSizeWidth);
   const bool dated = page.time > 0 && page.time <= kMaxTime;
-  info_.WriteNumber(dated ? static_cast<uint64_t>(page.time) : 0, 4);
-  info_.WriteNumber(page.boost, 1);
-  info_.WriteNumber(static_cast<uint64_t>(page.fileType), 1);
+  info_.WriteNumber(static_cast<uint64_t>(dated ? page.time : kNoPageDate), kDateTimeWidth);
+  info_.WriteNumber(page.boost, kBoostWidth);
+  info_.WriteNumber(static_cast<uint64_t>(page.fileType), kFileTypeWidth);
   info_.Write(page.categories);
   info_.Write(page.metaValues);
 
   data_.Write(page.address);
-  data_.Write("|");
+  data_.Write(kFieldEnd);
   data_.Write(StoredText(page.title, kMaxTitleBytes, charset_));
-  data_.Write("|");
+  data_.Write(kFieldEnd);
   data_.Write(StoredText(page.description, kMaxDescriptionBytes, charset_));
-  data_.Write("|");
+  data_.Write(kFieldEnd);
   data_.Write(page.image);
-  data_.Write("|\n");
+  data_.Write(kFieldEnd);
+  data_.Write("\n");
   return dataOffset;
 }
 

@@ -1,18 +1,5 @@
-// page_table_writer.h: vela_pageinfo.vdat and vela_pagedata.vdat, read by src/index/page_info.h and
-// page_data.h.
-//
-//   page info, one record a page, no header:
-//   offset  size  field
-//   0       2     recordLength
-//   2       5     dataOffset, of the page's line in the page data
-//   7       4     fileSize, bytes
-//   11      4     dateTime, seconds since 1970, 0 for none
-//   15      1     boost, tenths; 0 leaves scores as they are
-//   16      1     fileType
-//   17      n     category set (see category_set.h)
-//   17 + n  m     values of the custom meta fields (see meta_values.h)
-//
-//   page data, one line a page: URL|title|description|image|
+// page_table_writer.h: the two files with a record and a line for every page (format/page_info.h,
+// in the small layout, and format/page_data.h).
 #pragma once
 
 #include <cstdint>

@@ -3,6 +3,7 @@
 #include <array>
 #include <fstream>
 
+#include "format/page_text.h"
 #include "indexer/report/index_error.h"
 #include "indexer/words/symbols.h"
 
@@ -45,7 +46,8 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
       }
       if (number >= kWordBase) number = numbers[number - kWordBase];
       const auto variant = static_cast<unsigned char>(buffer[i + 4]);
-      out.WriteNumber(number | uint64_t{variant} << (8 * (tokenBytes - 1)), tokenBytes);
+      out.WriteNumber(number, tokenBytes - kTokenVariantWidth);
+      out.WriteNumber(variant, kTokenVariantWidth);
     }
   }
   if (out.size() != tokens_ * tokenBytes) {
@@ -55,12 +57,6 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
   in.close();
   std::filesystem::remove(temporary_);
   return out.Finish();
-}
-
-size_t TokenBytes(uint64_t entries) {
-  size_t bytes = 1;
-  while (entries >> (8 * bytes) != 0) ++bytes;
-  return bytes + 1;
 }
 
 }  // namespace vela::indexer

@@ -1,5 +1,4 @@
-// page_text_writer.h: vela_pagetext.vdat, read by src/index/page_text.h: tokens of DictIDLen bytes,
-// the number of a dictionary entry (little-endian) and the variant byte.
+// page_text_writer.h: the text of every page as word numbers (format/page_text.h).
 #pragma once
 
 #include <cstdint>
@@ -28,9 +27,5 @@ class PageTextWriter {
   std::optional<OutFile> waiting_;
   uint64_t tokens_ = 0;
 };
-
-// DictIDLen for so many dictionary entries: the bytes of the largest number, and one. A number
-// equal to the count of entries must fit as well.
-size_t TokenBytes(uint64_t entries);
 
 }  // namespace vela::indexer

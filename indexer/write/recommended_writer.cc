@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "format/recommended.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/word_cut.h"
@@ -15,8 +16,6 @@
 namespace vela::indexer {
 
 namespace {
-
-constexpr size_t kKeywordBytesLimit = 500;  // of one line
 
 // One keyword as a query that says the same would be compared with it.
 std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
@@ -33,14 +32,16 @@ std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
 std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
   std::string forms;
   while (!keywords.empty()) {
-    const size_t end = std::min(keywords.find(','), keywords.size());
+    const size_t end = std::min(keywords.find(kKeywordSeparator), keywords.size());
     const std::string_view keyword = keywords.substr(0, end);
     keywords.remove_prefix(std::min(end + 1, keywords.size()));
     std::vector<std::string> spellings = PlainForms(keyword);  // "cafe" for "café" as well
     spellings.emplace(spellings.begin(), keyword);
     for (const std::string& spelling : spellings) {
       const std::string form = QueryForm(spelling, charset);
-      if (!form.empty()) forms.append(forms.empty() ? "" : ",").append(form);
+      if (form.empty()) continue;
+      if (!forms.empty()) forms += kKeywordSeparator;
+      forms += form;
     }
   }
   return forms;
@@ -60,7 +61,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
       continue;
     }
     const std::string keywords = QueryForms(rule.keywords, charset);
-    if (keywords.empty() || keywords.size() > kKeywordBytesLimit) {
+    if (keywords.empty() || keywords.size() > kRecommendedKeywordsLimit) {
       sizes.unused.push_back({keywords.empty() ? Reason::kNoKeyword : Reason::kKeywordsTooLong,
                               rule.where, rule.address});
       continue;

@@ -1,5 +1,4 @@
-// recommended_writer.h: vela_recommended.vdat, read by src/index/recommended.h: one line a tie, the
-// keywords, a blank, and the position of the page's line in the page data.
+// recommended_writer.h: the pages that the owner puts first (format/recommended.h).
 #pragma once
 
 #include <cstdint>

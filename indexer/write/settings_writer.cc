@@ -2,28 +2,47 @@
 
 #include <algorithm>
 #include <limits>
+#include <stdexcept>
 #include <vector>
 
-#include "indexer/collect/category_set.h"
+#include "format/keyword_line.h"
+#include "format/page_info.h"
+#include "format/settings_file.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "indexer/words/stored_text.h"
 #include "indexer/words/symbols.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
+#include "settings/setting_keys.h"
 
 namespace vela::indexer {
 
 namespace {
 
-constexpr std::string_view kLineLengthKey = "MaxKeyWordLineLen";
+constexpr char kLineLengthKey[] = "MaxKeyWordLineLen";
+
+// Keys that the search program reads, by their names; with any other the compiler meets the throw.
+struct NumberName {
+  consteval NumberName(const char* name) : key(name) {
+    if (FindNumberSetting(name) == nullptr) throw std::logic_error(name);
+  }
+  std::string_view key;
+};
+struct TextName {
+  consteval TextName(const char* name) : key(name) {
+    if (FindTextSetting(name) == nullptr) throw std::logic_error(name);
+  }
+  std::string_view key;
+};
 
 // The lines of the file as they are put together.
 struct SettingsText {
   const IndexCharset& charset;
   std::string text;
 
-  void Add(std::string_view key, int64_t value) {
+  void Add(NumberName name, int64_t value) { AddNumber(name.key, value); }
+  void AddNumber(std::string_view key, int64_t value) {
     if (value > std::numeric_limits<int32_t>::max()) {
       throw IndexError(ExitStatus::kFailed, "The site is too large for one index (" +
                                                 std::string(key) + " = " + std::to_string(value) +
@@ -31,10 +50,11 @@ struct SettingsText {
     }
     text.append(key).append(" = ").append(std::to_string(value)).append("\n");
   }
-  void AddCount(std::string_view key, uint64_t value) {
-    Add(key, static_cast<int64_t>(std::min<uint64_t>(value, std::numeric_limits<int64_t>::max())));
+  void AddCount(NumberName name, uint64_t value) {
+    Add(name, static_cast<int64_t>(std::min<uint64_t>(value, std::numeric_limits<int64_t>::max())));
   }
-  void AddText(std::string_view key, std::string_view value) {
+  void AddText(TextName name, std::string_view value) { AddQuoted(name.key, value); }
+  void AddQuoted(std::string_view key, std::string_view value) {
     text.append(key).append(" = \"").append(charset.WithReferences(value)).append("\"\n");
   }
   void AddLine(std::string_view line) { text.append(line).append("\n"); }
@@ -46,7 +66,7 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
     const auto given = config.settings.find(key.key);
     int32_t value = given == config.settings.end() ? key.value : given->second.number;
     if (key.key == "UseVelaImage" && !config.images) value = 0;
-    out.Add(key.key, value);
+    out.AddNumber(key.key, value);
   }
   for (const TextKey& key : TextKeys()) {
     const auto given = config.settings.find(key.key);
@@ -58,7 +78,7 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
                                                std::to_string(key.mostBytes) +
                                                " bytes. Make it shorter.");
     }
-    out.AddText(key.key, value);
+    out.AddQuoted(key.key, value);
   }
 }
 
@@ -78,16 +98,16 @@ void AddCharset(const IndexCharset& charset, SettingsText& out) {
     }
     out.text += '\n';
   };
-  addItems("AccentChars", charset.uppers());
-  addItems("NormalChars", charset.lowers());
+  addItems(kAccentCharsKey, charset.uppers());
+  addItems(kNormalCharsKey, charset.lowers());
 }
 
 void AddCategories(const std::vector<CategoryRule>& categories, SettingsText& out) {
   out.Add("UseCats", categories.empty() ? 0 : 1);
   if (categories.empty()) return;
   out.AddCount("NumCats", categories.size());
-  out.AddCount("NumCatBytes", CategoryBytes(categories.size()));
-  out.AddLine("catnames");
+  out.AddCount("NumCatBytes", CategorySetBytes(categories.size()));
+  out.AddLine(kCategoryNamesLine);
   for (const CategoryRule& category : categories) {
     out.AddLine(StoredText(category.name, out.charset));
   }
@@ -97,7 +117,7 @@ void AddFields(const std::vector<FieldRule>& fields, SettingsText& out) {
   out.Add("UseMetaFields", fields.empty() ? 0 : 1);
   if (fields.empty()) return;
   out.AddCount("NumMetaFields", fields.size());
-  out.AddLine("metafields");
+  out.AddLine(kMetaFieldsLine);
   for (const FieldRule& field : fields) {
     out.AddLine(std::to_string(field.kind));
     out.AddLine(field.name);
@@ -120,7 +140,7 @@ size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
   }
   const auto given = config.settings.find(kLineLengthKey);
   if (given != config.settings.end()) length = static_cast<size_t>(given->second.number);
-  return std::max(length, longestRecommended + 1);
+  return std::max(length, KeywordBufferFor(longestRecommended));
 }
 
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,

@@ -1,4 +1,4 @@
-// settings_writer.h: settings.vdat, read by src/settings/settings_file.h.
+// settings_writer.h: the settings file (format/settings_file.h).
 #pragma once
 
 #include <cstdint>

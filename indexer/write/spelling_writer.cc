@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 
+#include "format/spelling.h"
 #include "indexer/words/symbols.h"
 #include "indexer/write/out_file.h"
 #include "text/ascii.h"
@@ -13,7 +14,6 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr size_t kWordsPerKey = 3;
 constexpr size_t kShortestWord = 2;
 
 // A digit or a sign says that the word is a name or a number, which nobody means by another word.
@@ -36,7 +36,7 @@ SpellingSizes WriteSpelling(const std::filesystem::path& path, const Vocabulary&
     const SoundKey key = MakeSoundKey(TextOf(word));
     if (IsEmpty(key)) continue;
     std::vector<uint64_t>& numbers = keys[std::string(View(key))];
-    if (numbers.size() < kWordsPerKey) numbers.push_back(firstWord + place);
+    if (numbers.size() < kSpellingWordLimit) numbers.push_back(firstWord + place);
   }
   OutFile file(path);
   for (const auto& [key, numbers] : keys) {

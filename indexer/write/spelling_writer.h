@@ -1,5 +1,4 @@
-// spelling_writer.h: vela_spelling.vdat, read by src/index/spelling.h: one line a sound key, sorted
-// by key, with the numbers of up to three dictionary words that have it.
+// spelling_writer.h: which words of the dictionary sound alike (format/spelling.h).
 #pragma once
 
 #include <cstdint>

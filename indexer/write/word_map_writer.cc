@@ -1,5 +1,6 @@
 #include "indexer/write/word_map_writer.h"
 
+#include "format/word_map.h"
 #include "indexer/collect/score.h"
 #include "indexer/write/out_file.h"
 
@@ -25,15 +26,15 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
       context.inSomeTitle = word.inTitle;
       context.mostOnPage = word.mostOnPage;
       result.offsets[current] = file.size();
-      file.WriteNumber(context.pagesWithWord, 4);
+      file.WriteNumber(context.pagesWithWord, kWordListCountWidth);
     }
     const PageLengths& page = pages[posting.page];
     context.pageWords = page.bodyWords;
     context.titleWords = page.titleWords;
-    file.WriteNumber(WordScore(posting, context), 1);
-    file.WriteNumber(posting.blocks, 1);
-    file.WriteNumber(posting.page, 3);
-    file.WriteNumber((page.firstToken + posting.token) * tokenBytes, 5);
+    file.WriteNumber(WordScore(posting, context), kWordMapScoreWidth);
+    file.WriteNumber(posting.blocks, kWordMapProximityWidth);
+    file.WriteNumber(posting.page, kWordMapPageWidth);
+    file.WriteNumber((page.firstToken + posting.token) * tokenBytes, kWordMapPositionWidth);
   });
   result.fileBytes = file.Finish();
   return result;

@@ -1,8 +1,4 @@
-// word_map_writer.h: vela_wordmap.vdat, read by src/index/word_map.h.
-//
-//   offset  size  of each word's list
-//   0       4     count of the records that follow
-//   4       10    per record: 1 score, 1 blocks (proximity), 3 page, 5 position in the page text
+// word_map_writer.h: the pages of every word (format/word_map.h).
 #pragma once
 
 #include <cstdint>

@@ -35,7 +35,7 @@ inline constexpr size_t kWordMapPositionWidth = 5;
 inline constexpr size_t kWordMapRecordSize = kWordMapPositionOffset + kWordMapPositionWidth;
 static_assert(kWordMapRecordSize == 10);
 
-inline constexpr uint32_t kWordMapScoreLimit = LargestNumber(kWordMapScoreWidth);
+inline constexpr uint8_t kWordMapScoreLimit = LargestNumber(kWordMapScoreWidth);
 inline constexpr uint32_t kPageNumberLimit = LargestNumber(kWordMapPageWidth);    // the largest
 inline constexpr uint64_t kPositionLimit = LargestNumber(kWordMapPositionWidth);  // the largest
 

@@ -24,7 +24,7 @@ std::string Encoded(const FieldRule& field, const std::vector<MetaElement>& elem
 }
 
 TEST(MetaValues, EveryKindAsTheSearchReadsIt) {
-  const FieldRule text = Field("author", FieldRule::kTextField);
+  const FieldRule text = Field("author", kMetaText);
   const FieldRule number = Field("pages", kMetaNumeric);
   const FieldRule money = Field("price", kMetaMoney);
   const FieldRule choice = Field("level", kMetaDropDown, {"Easy", "Hard"});
@@ -68,7 +68,7 @@ TEST(MetaValues, ElementsAreFoundByTheirNames) {
   EXPECT_EQ(
       Encoded(topic, {{"dc.subject", "Sport"}, {"topic", "x"}, {"dc.subject", "Art"}}, findings),
       "\x02\x01\0"s);
-  const FieldRule text = Field("a", FieldRule::kTextField);
+  const FieldRule text = Field("a", kMetaText);
   EXPECT_EQ(Encoded(text, {{"a", " "}, {"a", "first"}, {"a", "second"}}, findings), "first\0"s);
   EXPECT_TRUE(findings.empty());
   EXPECT_EQ(EncodeMetaValues({text, Field("n", kMetaNumeric)}, IndexCharset(),

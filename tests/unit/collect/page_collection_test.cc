@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "indexer/site/address.h"
+#include "format/page_data.h"
 #include "settings/settings.h"
 #include "support/scratch_directory.h"
 

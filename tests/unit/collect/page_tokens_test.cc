@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "format/page_text.h"
 #include "indexer/words/symbols.h"
 
 namespace vela::indexer {
@@ -21,9 +22,9 @@ struct CutResult {
   std::string Tokens() const {
     std::string line;
     for (const PageToken& token : words.tokens) {
-      if (token.number == kRunEnd) {
+      if (token.number == kRunEndWord) {
         line += "| ";
-      } else if (token.number == kPageEnd) {
+      } else if (token.number == kPageEndWord) {
         line += ".";
       } else if (token.number >= kWordBase) {
         line.append(TextOf(vocabulary.words[token.number - kWordBase])).append(" ");

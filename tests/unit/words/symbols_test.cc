@@ -4,6 +4,8 @@
 
 #include <set>
 
+#include "format/page_text.h"
+
 namespace vela::indexer {
 namespace {
 
@@ -17,7 +19,7 @@ TEST(Symbols, EveryFormHasItsRange) {
   const ReservedNumbers numbers = ReservedLimits();
   const std::vector<std::string> texts = ReservedTexts();
   ASSERT_EQ(texts.size(), numbers.limit + 1);
-  std::set<uint32_t> seen = {kPageEnd, kRunEnd};
+  std::set<uint32_t> seen = {kPageEndWord, kRunEndWord};
   for (char32_t c = 0; c < 0x10000; ++c) {
     const CharacterClass kind = ClassifyCharacter(c);
     if (kind.kind != CharacterKind::kSymbol) continue;
