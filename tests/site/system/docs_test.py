@@ -58,6 +58,37 @@ class Settings(unittest.TestCase):
         self.assertGreater(checked, 70)
 
 
+def format_headers():
+    """The headers of the format by their names."""
+    return {path.name: path.read_text(encoding="utf-8")
+            for path in sorted(PROJECT.joinpath("src", "format").glob("*.h"))}
+
+
+class Formats(unittest.TestCase):
+    def test_the_files_and_their_headers(self):
+        rows = {}
+        for line in text("docs", "formats.md").splitlines():
+            cells = [re.findall(r"`([\w.]+)`", cell) for cell in line.strip("|").split(" | ")]
+            if len(cells) == 4 and cells[0] and cells[0][0].endswith((".vdat", ".html")):
+                rows[cells[0][0]] = cells[1]
+        names = {}
+        for header, source in format_headers().items():
+            for name in re.findall(r'FileName\[\] = "([^"]+)"', source):
+                names[name] = header
+        self.assertEqual(len(names), 10)
+        self.assertEqual({name: headers[0] for name, headers in rows.items()}, names)
+        for headers in rows.values():
+            self.assertEqual([each for each in headers if each not in format_headers()], [])
+
+    def test_the_limits(self):
+        found = {}
+        for source in format_headers().values():
+            found |= dict(re.findall(r"inline constexpr size_t (k\w+Limit) = (\d+);", source))
+        told = dict(re.findall(r"^\| `(k\w+)` \| (\d+) \|", text("docs", "formats.md"), re.M))
+        self.assertGreater(len(found), 5)
+        self.assertEqual(told, found)
+
+
 class Template(unittest.TestCase):
     def test_every_marker_is_described(self):
         source = text("src", "output", "template.cc") + text("src", "output", "sections.h")
