@@ -12,7 +12,7 @@ namespace {
 // A dictionary word as it is suggested; false when the slot is empty.
 bool CandidateWord(int32_t number, const Dictionary& dictionary, const Settings& settings,
                    Stemmer& stemmer, QueryText& word) {
-  if (number <= 0 || number >= dictionary.size()) return false;
+  if (number <= kNoSpellingWord || number >= dictionary.size()) return false;
   Set(word, dictionary.DisplayText(number, 1));
   const bool utf8 = IsUtf8(settings);
   LowerText(word.bytes, View(word).size(), utf8);
