@@ -122,6 +122,10 @@ void ReadTextSetting(Settings& settings, const TextSetting& key, std::string_vie
 SettingsStatus ReadSettingsLine(Settings& settings, std::string_view line, LineReader& reader) {
   const std::string_view token = FirstToken(line);
   if (token.empty()) return SettingsStatus::kOk;
+  if (token.starts_with(kLanguageKeyPrefix)) {
+    const LanguageLine result = ReadLanguageString(settings.language, token, line);
+    return result == LanguageLine::kNoMemory ? SettingsStatus::kNoMemory : SettingsStatus::kOk;
+  }
   if (const NumberSetting* number = FindNumberSetting(token); number != nullptr) {
     int32_t& field = settings.*number->field;
     ParseInteger(line, token, field);
@@ -134,10 +138,6 @@ SettingsStatus ReadSettingsLine(Settings& settings, std::string_view line, LineR
   if (const TextSetting* text = FindTextSetting(token); text != nullptr) {
     ReadTextSetting(settings, *text, line);
     return SettingsStatus::kOk;
-  }
-  if (token.starts_with(kLanguageKeyPrefix)) {
-    const LanguageLine result = ReadLanguageString(settings.language, token, line);
-    return result == LanguageLine::kNoMemory ? SettingsStatus::kNoMemory : SettingsStatus::kOk;
   }
   if (token == kCategoryNamesLine) return ReadCategoryNames(settings, reader);
   if (token == kMetaFieldsLine) return ReadMetaFields(settings, reader);
