@@ -2,9 +2,10 @@
 
 #include <iterator>
 
-#include "index/page_data.h"
-#include "index/page_info.h"
-#include "index/page_text.h"
+#include "format/page_data.h"
+#include "format/page_info.h"
+#include "format/page_text.h"
+#include "format/settings_file.h"
 
 namespace vela {
 

@@ -12,9 +12,9 @@ constexpr char kName[] = "/nowhere/vela_index.toml";
 
 void CheckOptions(const indexer::Options& options) {
   VELA_CHECK(options.memoryMegabytes >= 1);
-  VELA_CHECK(options.memoryMegabytes <= indexer::kMostMemoryMegabytes);
+  VELA_CHECK(options.memoryMegabytes <= indexer::kMemoryMegabytesLimit);
   VELA_CHECK(options.maxFileMegabytes >= 1);
-  VELA_CHECK(options.maxFileMegabytes <= indexer::kMostFileMegabytes);
+  VELA_CHECK(options.maxFileMegabytes <= indexer::kFileMegabytesLimit);
   for (const indexer::FieldRule& field : options.config.fields) {
     VELA_CHECK(!field.name.empty());
     for (const std::string& value : field.values) VELA_CHECK(!value.empty());
