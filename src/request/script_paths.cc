@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+
+#include "text/ascii.h"
 #include "text/percent_code.h"
 
 namespace vela {
@@ -18,19 +21,51 @@ char TakeDecoded(std::string_view& word) {
   return decoded;
 }
 
-// Whether `argument` is the word, percent-decoded. Some servers put a backslash before characters
-// that mean something to a shell.
-bool IsDecodedWord(std::string_view argument, std::string_view word) {
+// What is left of a word or an argument, read as runs of backslashes with one other byte behind
+// each.
+struct BackslashRun {
+  size_t count = 0;
+  char next = '\0';  // the byte behind the run; NUL at the end
+};
+
+BackslashRun TakeRun(std::string_view& argument) {
+  BackslashRun run;
+  run.count = std::min(argument.find_first_not_of('\\'), argument.size());
+  argument.remove_prefix(run.count);
+  if (argument.empty()) return run;
+  run.next = argument[0];
+  argument.remove_prefix(1);
+  return run;
+}
+
+// The same of a word that is still encoded. A NUL ends it, as it ends an argument.
+BackslashRun TakeDecodedRun(std::string_view& word) {
+  BackslashRun run;
   while (!word.empty()) {
     const char decoded = TakeDecoded(word);
-    if (argument.size() > 1 && argument[0] == '\\' && argument[1] == decoded) {
-      argument.remove_prefix(1);
+    if (decoded != '\\') {
+      run.next = decoded;
+      break;
     }
-    if (!argument.starts_with(decoded)) return false;
-    argument.remove_prefix(1);
+    ++run.count;
   }
-  return argument.empty();
+  return run;
 }
+
+// Whether `argument` is the word, percent-decoded and cut at its first NUL. Some servers put a
+// backslash before characters that mean something to a shell: any byte may have one, so that of n
+// backslashes n to 2n come, and one more where another byte follows.
+bool IsDecodedWord(std::string_view argument, std::string_view word) {
+  for (;;) {
+    const BackslashRun given = TakeRun(argument);
+    const BackslashRun made = TakeDecodedRun(word);
+    const size_t most = 2 * made.count + (made.next == '\0' ? 0 : 1);
+    if (given.next != made.next || given.count < made.count || given.count > most) return false;
+    if (made.next == '\0') return true;
+  }
+}
+
+bool DecodesToNothing(std::string_view word) { return word.empty() || TakeDecoded(word) == '\0'; }
 
 }  // namespace
 
@@ -59,11 +94,18 @@ void ReadDirectorySwitch(ScriptPaths& paths, std::span<const char* const> argume
 
 bool AreArgumentsOfQuery(std::span<const char* const> arguments, std::string_view queryString) {
   if (queryString.empty() || queryString.find('=') != queryString.npos) return false;
+  bool anyLeft = true;  // a query ends with a word, an empty one behind a last "+"
   for (const char* argument : arguments) {
-    if (queryString.data() == nullptr) return false;  // more arguments than words
-    const size_t end = queryString.find('+');
-    if (!IsDecodedWord(argument, queryString.substr(0, end))) return false;
-    queryString = end == queryString.npos ? std::string_view() : queryString.substr(end + 1);
+    bool isWord = false;
+    while (anyLeft && !isWord) {
+      const size_t end = queryString.find('+');
+      const std::string_view word = queryString.substr(0, end);
+      anyLeft = end != queryString.npos;
+      queryString = anyLeft ? queryString.substr(end + 1) : std::string_view();
+      isWord = IsDecodedWord(argument, word);
+      if (!isWord && !DecodesToNothing(word)) return false;
+    }
+    if (!isWord) return false;
   }
   return !arguments.empty();
 }

@@ -24,8 +24,9 @@ void SplitProgramPath(ScriptPaths& paths, std::string_view programPath);
 void ReadDirectorySwitch(ScriptPaths& paths, std::span<const char* const> arguments);
 
 // Whether the arguments are the words of a query string without "=", which a web server hands to
-// the program as arguments: a visitor must not choose the index directory with them. Servers may
-// hand over the first words only, and may put backslashes before shell characters.
+// the program as arguments: a visitor must not choose the index directory with them. A word comes
+// percent-decoded and ends at a NUL. Servers may hand over the first words only, may leave out
+// words that decode to nothing, and may put a backslash before any byte.
 bool AreArgumentsOfQuery(std::span<const char* const> arguments, std::string_view queryString);
 
 }  // namespace vela

@@ -42,8 +42,11 @@ BAD_REQUESTS = [
 
 
 def choosing_another_index(index):
-    """A query string that a server turns into arguments which would choose an index."""
-    return "/I+" + quote(str(index))
+    """Query strings that a server turns into arguments which would choose an index."""
+    directory = quote(str(index))
+    return ["/I+" + directory, "/I+" + directory + "%00", "/I%00+" + directory,
+            "/I%00x+" + directory + "%00%00", "+/I++" + directory + "+",
+            "/I+" + directory + "/%5C%5C..", "/I+" + directory.replace("/", "%2F")]
 
 
 # Other ways to write an address within the index folder, that must not get around its rules.

@@ -162,10 +162,13 @@ class ServerTest(unittest.TestCase):
         chosen = subprocess.run([self.by_hand / "search.cgi", "/I", self.other],
                                 env={"REQUEST_METHOD": "GET"}, capture_output=True, check=True)
         self.assertIn(b"OTHER INDEX", chosen.stdout)
-        query = choosing_another_index(self.other)
-        answer, page = self.search("GET", query)
-        self.assertNotIn(b"OTHER INDEX", page)
-        self.assert_from_program(answer, page, run_by_hand(self.by_hand, query=query))
+        for query in choosing_another_index(self.other):
+            with self.subTest(query=query):
+                answer, page = self.search("GET", query)
+                self.assertNotIn(b"OTHER INDEX", page)
+                # Some servers refuse a NUL themselves.
+                if "%00" not in query or answer.status == 200:
+                    self.assert_from_program(answer, page, run_by_hand(self.by_hand, query=query))
 
     def test_a_body_in_pieces_of_unknown_length(self):
         answer, page = self.search("POST", "", FORM, b"vela_query=seals", chunked=True)
