@@ -17,7 +17,7 @@ case $site$index in
 esac
 
 cat <<CONFIG
-server.modules = ("mod_access", "mod_alias", "mod_cgi", "mod_dirlisting")
+server.modules = ("mod_access", "mod_alias", "mod_cgi", "mod_dirlisting", "mod_redirect")
 server.bind = "127.0.0.1"
 server.port = $port
 server.document-root = "$site"
@@ -43,7 +43,9 @@ mimetype.assign = (
 # the search are delivered. Everything else is denied: the index files, the template and the log
 # of what people searched for.
 alias.url = ("/search/" => "$index/")
-\$HTTP["url"] =~ "^/search(/|\$)" {
+\$HTTP["url"] =~ "^/search/?\$" {
+  url.redirect = ("" => "/search/search.cgi\${qsa}")
+} else \$HTTP["url"] =~ "^/search(/|\$)" {
   mimetype.assign = (
     ".css" => "text/css; charset=utf-8", ".js" => "text/javascript; charset=utf-8",
     ".xsl" => "application/xml", ".xml" => "application/opensearchdescription+xml"
