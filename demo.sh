@@ -36,7 +36,11 @@ while [ $# -gt 0 ]; do
       shift
       ;;
     -h | --help) usage; exit 0 ;;
-    *) usage >&2; exit 2 ;;
+    *)
+      say "demo.sh: $1 is no option."
+      usage >&2
+      exit 2
+      ;;
   esac
   shift
 done
@@ -51,11 +55,29 @@ port=$((10#$port))
 cd "$project"
 scripts/install_packages.sh build serve
 
-say "Building ..."
+# Shows how far a build is from its own lines, "[ 45%] Building ...": on a terminal in one line that
+# changes, elsewhere every tenth part.
+show_progress() {
+  local line part shown=-10
+  while IFS= read -r line; do
+    [[ $line =~ ^\[\ *([0-9]+)%\] ]] || continue
+    part=${BASH_REMATCH[1]}
+    if [ -t 2 ]; then
+      printf '\rBuilding ... %3d %%' "$part" >&2
+    elif [ "$part" -ge $((shown + 10)) ]; then
+      shown=$part
+      say "Building ... $part %"
+    fi
+  done
+  [ ! -t 2 ] || printf '\r%30s\r' '' >&2
+}
+
+[ -e build/release/bin/vela_index ] || say "Building for the first time takes some minutes."
 mkdir -p build/demo
 log=build/demo/build.log
 if ! { cmake --preset release &&
-  cmake --build --preset release -j "$(nproc)" --target vela_search vela_index; } >$log 2>&1; then
+  cmake --build --preset release -j "$(nproc)" --target vela_search vela_index; } 2>&1 |
+  tee $log | show_progress; then
   tail -40 $log >&2
   exit 1
 fi

@@ -5,15 +5,27 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-missing=()
-for group in "$@"; do
-  while read -r package command; do
-    if [ -n "$command" ] && command -v "$command" >/dev/null; then continue; fi
-    state=$(dpkg-query -W -f '${db:Status-Abbrev}' "$package" 2>/dev/null || true)
-    [[ $state == ii* ]] || missing+=("$package")
-  done < <(awk -v group="$group" '$1 == group { print $2, $3 }' packages.txt)
-done
-[ ${#missing[@]} -gt 0 ] || exit 0
+find_missing() {
+  missing=()
+  for group in "$@"; do
+    while read -r package command; do
+      if [ -n "$command" ] && command -v "$command" >/dev/null; then continue; fi
+      state=$(dpkg-query -W -f '${db:Status-Abbrev}' "$package" 2>/dev/null || true)
+      [[ $state == ii* ]] || missing+=("$package")
+    done < <(awk -v group="$group" '$1 == group { print $2, $3 }' packages.txt)
+  done
+  [ ${#missing[@]} -gt 0 ]
+}
+find_missing "$@" || exit 0
+
+# One at a time: two would meet at the package system's own lock, where the second one fails. This
+# folder is there on every machine that has the package system, and only locked.
+exec 9</etc/apt
+if ! flock --nonblock 9; then
+  echo "Waiting for another installation ..." >&2
+  flock 9
+fi
+find_missing "$@" || exit 0
 
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
@@ -37,7 +49,7 @@ echo "Installing ${missing[*]} ..." >&2
 log=$(mktemp)
 if ! { "${as_root[@]}" apt-get update -qq &&
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y -qq --no-install-recommends "${missing[@]}"; } >"$log" 2>&1; then
+    apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=600 "${missing[@]}"; } >"$log" 2>&1; then
   tail -20 "$log" >&2
   rm -f "$log"
   exit 1
