@@ -8,7 +8,8 @@ namespace vela {
 namespace {
 
 constexpr size_t kPassageLimit = 2048;  // bytes of a piece, marks included
-using Passage = FixedText<kPassageLimit + 1>;
+// The mark that is closed behind the last word may pass the limit.
+using Passage = FixedText<kPassageLimit + sizeof "</vela:highlight>">;
 
 constexpr std::string_view kDamagedTextMessage =
     "Critical error with pagetext file. Check that your files are from the same indexing session.";
@@ -87,6 +88,7 @@ void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const 
                   Passage& marked, Passage& plain) {
   Spacing spacing(source.settings);
   size_t used = 0;
+  bool isOpen = false;
   for (int32_t i = 0; i < piece.count; ++i) {
     const SnippetSlot& slot = piece.slots[static_cast<size_t>(i)];
     const std::string_view blank = spacing.TakesBlank(slot.word) ? " " : "";
@@ -98,12 +100,14 @@ void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const 
                                       ? source.dictionary.DisplayText(slot.word, slot.variant)
                                       : std::string_view();
     const size_t added = blank.size() + open.size() + word.size() + close.size();
-    if (used + added > kPassageLimit) return;
+    if (used + added > kPassageLimit) break;
     used += added;
     for (std::string_view part : {blank, open, word, close}) Append(marked, part);
     Append(plain, blank);
     Append(plain, word);
+    if (opens != closes) isOpen = opens;
   }
+  if (isOpen) Append(marked, form.closeMark);
 }
 
 // Hands the context to `write`, piece by piece.

@@ -73,6 +73,7 @@ bool MatchesKeyword(const RecommendedInput& input, std::string_view keyword) {
   const TextMode mode = WordMode(settings);
   for (int32_t i = 0; i < input.query.terms.size(); ++i) {
     const std::string_view term = input.query.terms[i];
+    if (term.empty()) continue;  // what a stray quote leaves
     bool matches = false;
     // In a substring search the words of a phrase stand for themselves.
     const bool isPlainPhrase = SearchesSubstrings(settings) && IsPhrase(term, settings);

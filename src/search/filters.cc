@@ -52,8 +52,10 @@ bool LocalSeconds(const TypedDate& date, bool monthFirst, bool endOfDay, int32_t
   return true;
 }
 
-bool StartsWithNumber(std::string_view text) {
+// Whether a decimal number stands there, which may begin with its point.
+bool StartsWithMoney(std::string_view text) {
   if (!text.empty() && (text[0] == '+' || text[0] == '-')) text.remove_prefix(1);
+  if (text.starts_with('.')) text.remove_prefix(1);
   return !text.empty() && IsDigit(text[0]);
 }
 
@@ -172,7 +174,7 @@ MetaConstraint ReadMetaConstraint(const MetaFieldDef& field, const MetaValue& va
       constraint.number = ReadDecimal32(text);
       break;
     case kMetaMoney:
-      constraint.active = StartsWithNumber(text);
+      constraint.active = StartsWithMoney(text);
       constraint.number = ReadHundredths(text);
       break;
     case kMetaDropDown:

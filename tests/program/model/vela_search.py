@@ -386,6 +386,14 @@ def starts_number(text):
     return bool(text) and text[0] in DIGITS
 
 
+def starts_money(text):
+    if text[:1] in (b"+", b"-"):
+        text = text[1:]
+    if text[:1] == b".":
+        text = text[1:]
+    return bool(text) and text[0] in DIGITS
+
+
 def money(text):
     negative = text[:1] == b"-"
     if text[:1] in (b"+", b"-"):
@@ -424,9 +432,12 @@ def constraints(c):
             text = trimmed(value)
             if not text:
                 continue
-            if field.type in (0, 4):
+            if field.type == 0:
                 if starts_number(text):
-                    out.append((i, atoi(text) if field.type == 0 else money(text)))
+                    out.append((i, atoi(text)))
+            elif field.type == 4:
+                if starts_money(text):
+                    out.append((i, money(text)))
             else:
                 out.append((i, text))
     return out
@@ -730,6 +741,7 @@ def piece_text(c, slots, marks):
     elif s.XMLHighlight == 1:
         opening, closing = b"<vela:highlight>", b"</vela:highlight>"
     text, plain = b"", b""
+    is_open = False
     glued = False
     previous = None
     for (index, variant), mark in zip(slots, marks):
@@ -756,6 +768,10 @@ def piece_text(c, slots, marks):
             break
         text += added
         plain += blank + word
+        if mark in (2, 3):
+            is_open = mark == 2
+    if is_open:
+        text += closing
     return text, plain
 
 
@@ -839,6 +855,8 @@ def keyword_matches(c, keyword):
     s = c.s
     fold = s.ToLowerSearchWords != 0
     for term in c.terms:
+        if not term.text:
+            continue
         if term.wild:
             hit = wildcard(term.text, keyword, fold)
         elif s.SearchAsSubstring == 1:
