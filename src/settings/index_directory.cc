@@ -18,7 +18,13 @@ void OpenIndexDirectory(IndexDirectory& directory, std::string_view path) {
   FixedText<513> opened;
   Set(opened, View(directory.path));
   Append(opened, "/");
-  directory.descriptor = open(opened.bytes, O_PATH | O_DIRECTORY | O_CLOEXEC);
+  constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+  directory.descriptor = open(opened.bytes, kFlags);
+  if (directory.descriptor < 0) return;
+  const int current = openat(directory.descriptor, kCurrentGeneration, kFlags);
+  if (current < 0) return;
+  close(directory.descriptor);
+  directory.descriptor = current;
 }
 
 void CloseIndexDirectory(IndexDirectory& directory) {

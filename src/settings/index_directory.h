@@ -2,6 +2,13 @@
 //
 // One handle is taken at the start of a request and every file is opened relative to it, so that
 // replacing the directory by renaming another into its place never mixes two generations.
+//
+// A directory that cannot be renamed, such as the root of a mounted file system, holds its
+// generations inside, each a whole index directory, and a link to the present one:
+//   .generations/1/            a former index
+//   .generations/2/            the present one
+//   .generations/current       a symbolic link to "2", replaced in one step
+// The handle is then that of the folder behind the link.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +19,10 @@
 #include "text/owned_array.h"
 
 namespace vela {
+
+// Below the index directory; read here, written by indexer/publish/generations.h.
+inline constexpr char kGenerations[] = ".generations";
+inline constexpr char kCurrentGeneration[] = ".generations/current";
 
 // Owns the handle; closed with its owner or by CloseIndexDirectory. Move is not needed.
 struct IndexDirectory {
@@ -24,8 +35,8 @@ struct IndexDirectory {
   ~IndexDirectory();
 };
 
-// Takes the handle of `path` (cut to 511 bytes); an empty path is the root. When it cannot be
-// taken, every later open fails.
+// Takes the handle of `path` (cut to 511 bytes), or of its present generation; an empty path is the
+// root. When it cannot be taken, every later open fails.
 void OpenIndexDirectory(IndexDirectory& directory, std::string_view path);
 void CloseIndexDirectory(IndexDirectory& directory);
 

@@ -88,6 +88,42 @@ TEST(IndexDirectory, AReplacedDirectoryStaysTheSameOne) {
   EXPECT_EQ(file.bytes(), "old");
 }
 
+TEST(IndexDirectory, IsThatOfThePresentGeneration) {
+  const support::ScratchDirectory scratch;
+  const std::filesystem::path generations = scratch.path() / kGenerations;
+  std::filesystem::create_directories(generations / "1");
+  std::filesystem::create_directories(generations / "2");
+  WriteFile(scratch.path() / "file", "plain");
+  WriteFile(generations / "1" / "file", "one");
+  WriteFile(generations / "2" / "file", "two");
+  const std::filesystem::path link = scratch.path() / kCurrentGeneration;
+  const struct {
+    const char* what;
+    const char* current;  // what the link names; null for no link
+    const char* expected;
+  } cases[] = {
+      {"no link", nullptr, "plain"},       {"the first", "1", "one"},
+      {"the second", "2", "two"},          {"one that is not there", "3", "plain"},
+      {"no directory", "1/file", "plain"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::filesystem::remove(link);
+    if (c.current != nullptr) std::filesystem::create_symlink(c.current, link);
+    IndexDirectory directory;
+    OpenIndexDirectory(directory, scratch.path().string());
+    EXPECT_EQ(View(directory.path), scratch.path().string());
+    FileImage file;
+    ASSERT_TRUE(file.Open(directory, "file", false));
+    EXPECT_EQ(file.bytes(), c.expected);
+    // A request stays with the generation that it began with.
+    std::filesystem::remove(link);
+    std::filesystem::create_symlink("2", link);
+    ASSERT_TRUE(file.Open(directory, "file", false));
+    EXPECT_EQ(file.bytes(), c.expected);
+  }
+}
+
 TEST(IndexDirectory, ClosingTwiceIsHarmless) {
   const support::ScratchDirectory scratch;
   IndexDirectory directory;
