@@ -13,6 +13,7 @@ enum class ExitStatus {
   kUsage = 2,        // the command line is wrong
   kNothing = 3,      // no page was found to index; the old index is untouched
   kInterrupted = 4,  // stopped by a signal; the old index is untouched
+  kBusy = 5,         // another run is writing this index
 };
 
 // Thrown by every stage that cannot go on; the message says what to do about it.

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "indexer/report/index_error.h"
+#include "settings/index_directory.h"
 #include "support/indexer_site.h"
 
 namespace vela::indexer {
@@ -12,13 +13,45 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The random end of a name is shown as XXXXXX.
 std::vector<std::string> NamesIn(const fs::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder)) {
-    names.push_back(entry.path().filename().string());
+    std::string name = entry.path().filename().string();
+    const size_t dash = name.rfind('-');
+    if (name.starts_with('.') && dash != name.npos) name.replace(dash + 1, 6, "XXXXXX");
+    names.push_back(name);
   }
   std::sort(names.begin(), names.end());
   return names;
+}
+
+using Names = std::vector<std::string>;
+
+// As the system is, but `seconds` later.
+PublishSystem Later(std::time_t seconds) {
+  PublishSystem system;
+  system.now = [seconds] { return std::time(nullptr) + seconds; };
+  return system;
+}
+
+// As on a file system that cannot exchange folders.
+PublishSystem WithoutExchange(std::time_t seconds = 0) {
+  PublishSystem system = Later(seconds);
+  system.exchange = [](const fs::path&, const fs::path&) { return EINVAL; };
+  return system;
+}
+
+std::string ReadFrom(const IndexDirectory& directory, const char* name) {
+  FileImage file;
+  return file.Open(directory, name, false) ? std::string(file.bytes()) : "(none)";
+}
+
+// One run of the indexer that writes settings.vdat.
+void Publish(const fs::path& index, std::string_view content, const PublishSystem& system = {}) {
+  IndexFolder folder(index, system);
+  WriteFile(folder.fresh() / "settings.vdat", content);
+  folder.Commit();
 }
 
 TEST(IndexFolder, AppearsOnlyWhenComplete) {
@@ -63,7 +96,7 @@ TEST(IndexFolder, CarriesOverWhatIsNotOfTheIndex) {
     WriteFile(folder.fresh() / "style.css", "new");
     folder.Commit();
   }
-  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"index"});
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", "index"}));
   // Files of the old index that the new one has no use for would not fit it.
   EXPECT_EQ(NamesIn(index),
             (std::vector<std::string>{"link.cgi", "logs", "search.cgi", "search_template.html",
@@ -140,9 +173,12 @@ TEST(IndexFolder, AReadOnlyFolderIsCarriedOverAgainAndAgain) {
   }
   ASSERT_EQ(seteuid(user), 0);
   EXPECT_EQ(message, "");
-  EXPECT_EQ(NamesIn(scratch.path()), std::vector<std::string>{"index"});
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", ".index.old-XXXXXX", "index"}));
   EXPECT_EQ(ReadFile(index / "pictures/old/a.png"), "picture");
   EXPECT_EQ(fs::status(index / "pictures/old").permissions(), fs::perms(0555));
+  // The next run after a while removes read-only folders, too.
+  { const IndexFolder folder(index, Later(kFormerIndexSeconds)); }
+  EXPECT_EQ(NamesIn(scratch.path()), Names{"index"});
   // So that the scratch directory can be removed.
   for (const char* name : {"pictures", "pictures/old"}) {
     ASSERT_EQ(chmod((index / name).c_str(), 0755), 0);
@@ -190,6 +226,128 @@ TEST(IndexFolder, SaysWhereItMustBeAbleToWrite) {
                          (scratch.path() / "index").string() +
                          " and then takes its place: let the user who runs vela_index write "
                          "there.");
+}
+
+// A search opens the files one after the other, through a handle that it took before.
+TEST(IndexFolder, ASearchGoesOnInTheFormerFolder) {
+  for (const PublishSystem& system : {PublishSystem(), WithoutExchange()}) {
+    const support::ScratchDirectory scratch;
+    const fs::path index = scratch.path() / "index";
+    Publish(index, "old", system);
+    for (int i = 0; i < 3; ++i) {
+      IndexDirectory search;
+      OpenIndexDirectory(search, index.string());
+      const std::string before = ReadFrom(search, "settings.vdat");
+      Publish(index, "newer " + std::to_string(i), system);
+      Publish(index, "new " + std::to_string(i), system);
+      EXPECT_EQ(ReadFrom(search, "settings.vdat"), before);
+      OpenIndexDirectory(search, index.string());
+      EXPECT_EQ(ReadFrom(search, "settings.vdat"), "new " + std::to_string(i));
+    }
+  }
+}
+
+TEST(IndexFolder, AFormerFolderGoesWithTheFirstRunAfterItsTime) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  Publish(index, "1");
+  Publish(index, "2");
+  Publish(index, "3", Later(kFormerIndexSeconds - 30));
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", ".index.old-XXXXXX", "index"}));
+  Publish(index, "4", Later(kFormerIndexSeconds + 1));
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", "index"}));
+  EXPECT_EQ(ReadFile(index / "settings.vdat"), "4");
+}
+
+TEST(IndexFolder, WhatKilledRunsLeftGoes) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  Publish(index, "old");
+  WriteFile(scratch.path() / ".index.new-aB3dE6/pagetext.tmp", "half");
+  WriteFile(scratch.path() / ".index.new-aB3dE6.old/settings.vdat", "aside");
+  WriteFile(scratch.path() / ".index.lock", "");
+  const Names others = {".index.new-12345", ".index.new-1234567", ".index.new-12_456",
+                        ".other.new-aB3dE6"};
+  for (const std::string& name : others) WriteFile(scratch.path() / name / "file", "x");
+  WriteFile(scratch.path() / ".index.new-filexx", "no folder");
+  { const IndexFolder folder(index); }
+  std::vector<std::string> left;
+  for (const auto& entry : fs::directory_iterator(scratch.path())) {
+    left.push_back(entry.path().filename().string());
+  }
+  std::sort(left.begin(), left.end());
+  Names expected = others;
+  expected.insert(expected.end(), {".index.new-filexx", "index"});
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(left, expected);
+}
+
+// Earlier versions renamed twice where folders cannot be exchanged, and could be killed between.
+TEST(IndexFolder, AnIndexThatWasPutAsideComesBack) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  WriteFile(scratch.path() / ".index.new-aB3dE6.old/search.cgi", "program");
+  WriteFile(scratch.path() / ".index.new-aB3dE6.old/settings.vdat", "old");
+  WriteFile(scratch.path() / ".index.new-aB3dE6/settings.vdat", "never seen");
+  Publish(index, "new");
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", "index"}));
+  EXPECT_EQ(ReadFile(index / "search.cgi"), "program");
+  EXPECT_EQ(ReadFile(index / "settings.vdat"), "new");
+}
+
+TEST(IndexFolder, IsForOneRunAtATime) {
+  for (const PublishSystem& system : {PublishSystem(), WithoutExchange()}) {
+    const support::ScratchDirectory scratch;
+    const fs::path index = scratch.path() / "index";
+    Publish(index, "old", system);
+    auto first = std::make_unique<IndexFolder>(index, system);
+    try {
+      const IndexFolder second(index, system);
+      FAIL() << "two runs at once";
+    } catch (const IndexError& error) {
+      EXPECT_EQ(error.status, ExitStatus::kBusy);
+      EXPECT_EQ(std::string(error.what()), "Another run of vela_index is writing " +
+                                               index.string() +
+                                               ". Wait until it has ended, or give --wait.");
+    }
+    PublishSystem waiting = system;
+    int asked = 0;
+    waiting.whenBusy = [&] {
+      if (++asked == 3) first.reset();
+    };
+    Publish(index, "new", waiting);
+    EXPECT_EQ(asked, 3);
+    IndexDirectory search;
+    OpenIndexDirectory(search, index.string());
+    EXPECT_EQ(ReadFrom(search, "settings.vdat"), "new");
+  }
+}
+
+TEST(IndexFolder, WhatCannotBeExchangedIsFoundOutBeforeTheWork) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  WriteFile(index / "settings.vdat", "old");
+  {
+    const IndexFolder folder(index, WithoutExchange());
+    EXPECT_EQ(folder.fresh().parent_path(), index / kGenerations);
+    EXPECT_EQ(NamesIn(scratch.path()), Names{"index"});
+  }
+  EXPECT_EQ(NamesIn(index), Names{"settings.vdat"});
+}
+
+TEST(IndexFolder, NothingChangesWhenTheExchangeFailsAfterAll) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  WriteFile(index / "settings.vdat", "old");
+  WriteFile(index / "search.cgi", "program");
+  PublishSystem system;
+  system.exchange = [](const fs::path& one, const fs::path&) {
+    return one.filename() == "one" ? 0 : EBUSY;
+  };
+  EXPECT_THROW(Publish(index, "new", system), IndexError);
+  EXPECT_EQ(NamesIn(scratch.path()), Names{"index"});
+  EXPECT_EQ(ReadFile(index / "settings.vdat"), "old");
+  EXPECT_EQ(ReadFile(index / "search.cgi"), "program");
 }
 
 }  // namespace
