@@ -1,8 +1,10 @@
 #include "indexer/build_index.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <iterator>
+#include <thread>
 
 #include "format/index_directory.h"
 #include "indexer/collect/page_collection.h"
@@ -12,6 +14,7 @@
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
 #include "indexer/publish/public_files.h"
+#include "indexer/publish/search_program.h"
 #include "indexer/publish/search_template.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
@@ -57,6 +60,20 @@ void CheckStop(const volatile std::sig_atomic_t& stop) {
   if (stop != 0) {
     throw IndexError(ExitStatus::kInterrupted, "Interrupted: the index was not changed.");
   }
+}
+
+// What a run does while another one is writing the same index.
+PublishSystem WaitingIfWanted(const Options& options, Progress& progress,
+                              const volatile std::sig_atomic_t& stop) {
+  PublishSystem system;
+  if (!options.wait) return system;
+  system.whenBusy = [&progress, &stop, told = false]() mutable {
+    if (!told) progress.Begin("Waiting for another run", 0);
+    told = true;
+    CheckStop(stop);
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  };
+  return system;
 }
 
 // A run under way: what the owner wants, and what every step reports to.
@@ -205,13 +222,14 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   const IndexCharset charset(options.config.charset);
   const Language language = LoadLanguage(options.language);
   AddXmlSettings(base, options.config);
-  IndexFolder folder(options.out);
+  IndexFolder folder(options.out, WaitingIfWanted(options, progress, stop));
   if (IsWithin(site, folder.target())) {
     throw IndexError(ExitStatus::kUsage,
                      "--out is replaced as a whole and must not hold the site "
                      "itself. Give a folder of its own for the index.");
   }
 
+  if (!options.program.empty()) InstallProgram(options.program, folder.fresh());
   Run run = {.options = options,
              .base = base,
              .charset = charset,

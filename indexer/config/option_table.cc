@@ -85,6 +85,15 @@ const OptionRow kOptions[] = {
      .value = "",
      .help = "No progress and no summary",
      .target = &Options::quiet},
+    {.name = "--program",
+     .value = "FILE",
+     .help = "Search program to put into INDEXDIR as search.cgi, together with the index",
+     .target = &Options::program,
+     .offer = {.files = true}},
+    {.name = "--wait",
+     .value = "",
+     .help = "Wait while another run is writing INDEXDIR",
+     .target = &Options::wait},
 };
 
 }  // namespace

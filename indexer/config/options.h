@@ -24,6 +24,8 @@ struct Options {
   uint64_t memoryMegabytes = 256;
   uint64_t maxFileMegabytes = 20;
   bool quiet = false;
+  std::string program;  // the search program, to be put into the index folder; empty: none
+  bool wait = false;    // for another run that is writing the same index
   SiteConfig config;
 };
 

@@ -17,7 +17,8 @@ ParsedOptions Parse(std::vector<const char*> arguments) {
 TEST(Options, ReadsAll) {
   const ParsedOptions parsed = Parse({"--site", "s", "--base-url", "/", "--out", "o", "--template",
                                       "t", "--language", "german", "--exclude", "a", "--exclude",
-                                      "b*", "--memory", "8", "--max-file-size", "3", "--quiet"});
+                                      "b*", "--memory", "8", "--max-file-size", "3", "--quiet",
+                                      "--program", "p", "--wait"});
   ASSERT_FALSE(parsed.exitStatus.has_value());
   EXPECT_EQ(parsed.options.site, "s");
   EXPECT_EQ(parsed.options.baseUrl, "/");
@@ -28,6 +29,8 @@ TEST(Options, ReadsAll) {
   EXPECT_EQ(parsed.options.memoryMegabytes, 8u);
   EXPECT_EQ(parsed.options.maxFileMegabytes, 3u);
   EXPECT_TRUE(parsed.options.quiet);
+  EXPECT_EQ(parsed.options.program, "p");
+  EXPECT_TRUE(parsed.options.wait);
 }
 
 TEST(Options, WhatIsGivenWinsOverTheConfigurationFile) {
