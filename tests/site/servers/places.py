@@ -49,7 +49,8 @@ class Place:
             check=True, stdout=subprocess.DEVNULL)
         shutil.copy2(BIN / "vela_search", index / "search.cgi")
         for path in index.iterdir():
-            path.chmod(0o755 if path.name == "search.cgi" else 0o644)
+            if path.is_file():
+                path.chmod(0o755 if path.name == "search.cgi" else 0o644)
         index.chmod(0o755)
         return index
 

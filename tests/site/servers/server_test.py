@@ -14,7 +14,7 @@ import sys
 import unittest
 
 from asked import BAD_REQUESTS, DISGUISES, FORM, REQUESTS, SEARCH, choosing_another_index
-from places import SERVER_USER, Place, change_settings, run_by_hand
+from places import BIN, SERVER_USER, Place, change_settings, run_by_hand
 from servers import START, Server
 
 SERVER = None  # the server's name, from the command line
@@ -271,6 +271,32 @@ class ServerTest(unittest.TestCase):
         self.link_index(self.place.build_index("indexes/second", site=self.new_site()))
         _, page = self.search("GET", "vela_query=puffin")
         self.assertIn(b"/puffins.html", page)
+
+    def test_an_index_folder_that_holds_generations(self):
+        """As where it is the root of a mounted file system: web servers follow links to its files."""
+        if SERVER == "demo":
+            self.skipTest("the demo serves the folder that the link led to")
+        volume = self.place.root / "indexes/volume"
+        (volume / ".generations").mkdir(parents=True)
+        (volume / ".generations/current").symlink_to("none")  # a folder with it keeps to them
+        first = self.index.readlink()
+        self.addCleanup(self.link_index, first)
+        for run, site in enumerate((self.place.site, self.new_site())):
+            self.place.build_index("indexes/volume", "--program", BIN / "vela_search", site=site)
+            change_settings(volume, Timing=0)
+            if run == 0:
+                self.link_index(volume)
+            query = "vela_query=" + ("harbour", "puffin")[run]
+            answer, page = self.search("GET", query)
+            self.assert_from_program(answer, page, run_by_hand(volume, query=query))
+            self.assertIn((b"/walks/cafe.html", b"/puffins.html")[run], page)
+        self.assertTrue((volume / "search.cgi").is_symlink())
+        answer, body = self.ask("GET", "/search/vela_search.css")
+        self.assertEqual((answer.status, body), (200, (volume / "vela_search.css").read_bytes()))
+        for name in ("settings.vdat", ".generations/current/vela_search.css",
+                     ".generations/current/search.cgi", ".generations/1/settings.vdat"):
+            answer, _ = self.ask("GET", "/search/" + name)
+            self.assertIn(answer.status, (403, 404), name)
 
     def link_index(self, folder):
         new = self.place.root / "search.new"
