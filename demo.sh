@@ -104,12 +104,12 @@ if [ -n "$config" ]; then
   # The configuration names the search's own address, with the port of a demo that found it free.
   sed "s|127\.0\.0\.1:8080|127.0.0.1:$port|" "$config" >$work/vela_index.toml
   cp "$example/recommended.txt" "$example/search_template.html" $work
-  build/release/bin/vela_index --config $work/vela_index.toml --site "$site" --out $index >&2
+  build/release/bin/vela_index --config $work/vela_index.toml --site "$site" --out $index \
+    --program build/release/bin/vela_search >&2
 else
   build/release/bin/vela_index --site "$site" --base-url / --out $index \
-    --template default >&2
+    --template default --program build/release/bin/vela_search >&2
 fi
-cp build/release/bin/vela_search $index/search.cgi
 
 scripts/lighttpd_config.sh "$site" $index $port >$work/lighttpd.conf
 server_log=$work/server.log

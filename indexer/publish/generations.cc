@@ -136,9 +136,9 @@ void Generations::SwitchTo(const fs::path& generation) {
   PlaceLink(generation.filename(), target_ / kCurrentGeneration);
 }
 
-// Whether the entry of the index folder is of an index, or in the way of the new one.
+// Whether the entry of the index folder is of an index there, or in the way of the new one.
 bool Generations::IsOfPlainIndex(const std::string& name) const {
-  return IsIndexFile(name) || Exists(fresh_ / name);
+  return (IsIndexFile(name) || Exists(fresh_ / name)) && !IsShown(target_ / name);
 }
 
 // An index that lies in the folder itself becomes the first generation, of the same files, so that
@@ -152,7 +152,7 @@ void Generations::TakeInPlainIndex() {
   for (const std::string& name : names) {
     if (IsOfPlainIndex(name)) {
       LinkOrCopy(target_ / name, plain / name);
-    } else {
+    } else if (!IsShown(target_ / name)) {
       fs::create_symlink(kOutward / name, plain / name);
     }
   }

@@ -11,6 +11,15 @@ namespace vela::indexer {
 
 namespace {
 
+int OpenLockFile(const std::filesystem::path& file) {
+  const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (descriptor >= 0 || errno != EACCES) return descriptor;
+  // That of another user's run tells whether it is at work, too.
+  const int readable = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+  if (readable < 0) errno = EACCES;
+  return readable;
+}
+
 // Whether the path still leads to the open file.
 bool IsFileAt(int descriptor, const std::filesystem::path& file) {
   struct stat opened = {};
@@ -24,7 +33,7 @@ bool IsFileAt(int descriptor, const std::filesystem::path& file) {
 LockStatus RunLock::TryTake(const std::filesystem::path& file) {
   Release();
   while (true) {
-    const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+    const int descriptor = OpenLockFile(file);
     if (descriptor < 0) return LockStatus::kFailed;
     if (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
       const int error = errno;
@@ -45,7 +54,8 @@ LockStatus RunLock::TryTake(const std::filesystem::path& file) {
 
 void RunLock::Release() {
   if (descriptor_ < 0) return;
-  unlink(file_.c_str());  // before letting go: afterwards it could be another's
+  // Before letting go: afterwards it could be another's.
+  if (IsFileAt(descriptor_, file_)) unlink(file_.c_str());
   close(descriptor_);
   descriptor_ = -1;
 }

@@ -188,6 +188,21 @@ TEST(Generations, TakeInTheIndexThatIsThere) {
             (Names{".generations", "logs", "search.cgi", "settings.vdat", "style.css"}));
 }
 
+TEST(Generations, BeginAnewWhenSomebodyRemovedThem) {
+  const Volume volume;
+  WriteFile(volume.index / "search.cgi", "program");
+  volume.Run({"settings.vdat", "style.css"}, "1");
+  fs::remove_all(volume.index / kGenerations / "1");
+  volume.Run({"settings.vdat", "style.css"}, "2");
+  EXPECT_EQ(volume.Current(), "1");
+  EXPECT_EQ(volume.Searched("settings.vdat"), "2 settings.vdat");
+  fs::remove_all(volume.index / kGenerations);
+  volume.Run({"settings.vdat"}, "3");
+  EXPECT_EQ(volume.Searched("settings.vdat"), "3 settings.vdat");
+  EXPECT_EQ(volume.Searched("search.cgi"), "program");
+  EXPECT_EQ(NamesIn(volume.index), (Names{".generations", "logs", "search.cgi", "settings.vdat"}));
+}
+
 TEST(Generations, HaveTheOwnerAndPermissionsOfTheFolder) {
   const Volume volume;
   const uid_t owner = geteuid() == 0 ? 33 : geteuid();
