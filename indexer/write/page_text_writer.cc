@@ -1,7 +1,6 @@
 #include "indexer/write/page_text_writer.h"
 
 #include <array>
-#include <fstream>
 
 #include "format/page_text.h"
 #include "indexer/report/index_error.h"
@@ -16,6 +15,8 @@ constexpr size_t kWaitingBytes = 5;  // 4 of the number, 1 of the variant
 PageTextWriter::PageTextWriter(const std::filesystem::path& folder)
     : temporary_(folder / "pagetext.tmp") {
   waiting_.emplace(temporary_);
+  written_.open(temporary_, std::ios::binary);
+  std::filesystem::remove(temporary_);  // gone with the process, however it ends
 }
 
 void PageTextWriter::AddPage(const std::vector<PageToken>& tokens) {
@@ -34,11 +35,10 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
   for (uint32_t place = 0; place < order.size(); ++place) numbers[order[place]] = firstWord + place;
 
   OutFile out(path);
-  std::ifstream in(temporary_, std::ios::binary);
   std::vector<char> buffer(kWaitingBytes * 16384);
-  while (in) {
-    in.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    const auto got = static_cast<size_t>(in.gcount());
+  while (written_) {
+    written_.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+    const auto got = static_cast<size_t>(written_.gcount());
     for (size_t i = 0; i + kWaitingBytes <= got; i += kWaitingBytes) {
       uint32_t number = 0;
       for (size_t b = 4; b-- > 0;) {
@@ -54,8 +54,7 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
     throw IndexError(ExitStatus::kFailed, "Cannot read the temporary file " + temporary_.string() +
                                               " back. Check the disk it lies on.");
   }
-  in.close();
-  std::filesystem::remove(temporary_);
+  written_.close();
   return out.Finish();
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <vector>
 
@@ -12,12 +13,12 @@
 namespace vela::indexer {
 
 // The final numbers are known only when the last page was read. Until then tokens wait in a
-// temporary file; Finish writes them again with their numbers.
+// temporary file without a name; Finish writes them again with their numbers.
 class PageTextWriter {
  public:
   explicit PageTextWriter(const std::filesystem::path& folder);
   void AddPage(const std::vector<PageToken>& tokens);
-  // Writes `path` and removes the temporary file. `order` is DictionaryOrder, `tokenBytes`
+  // Writes `path` and lets go of the temporary file. `order` is DictionaryOrder, `tokenBytes`
   // DictIDLen. Returns the size in bytes.
   uint64_t Finish(const std::filesystem::path& path, const std::vector<uint32_t>& order,
                   size_t tokenBytes);
@@ -25,6 +26,7 @@ class PageTextWriter {
  private:
   std::filesystem::path temporary_;
   std::optional<OutFile> waiting_;
+  std::ifstream written_;  // the same file, to be read back
   uint64_t tokens_ = 0;
 };
 

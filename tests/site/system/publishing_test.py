@@ -99,7 +99,7 @@ class Searches:
             thread.join()
 
 
-class ExchangedFolder(unittest.TestCase):
+class IndexFolder(unittest.TestCase):
     """An index folder among others, as on a server of its own."""
 
     @classmethod
@@ -144,8 +144,22 @@ class ExchangedFolder(unittest.TestCase):
         self.assertIn(search(self.index), self.answers.values())
         self.assertTrue((self.index / "vela_search.css").read_bytes())
 
+    def locked(self):
+        return (self.folder / ".search.lock").exists()
+
+    def test_a_new_index_takes_the_place_of_the_old_one(self):
+        for name in ("first", "longer"):
+            self.publish(name)
+            self.assertEqual(search(self.index), self.answers[name])
+            self.check_whole()
+            self.assertEqual(self.left_behind(), [])
+
+
+class WhileSearching:
+    """What may happen at one time: a search, a run, another run, the end of a run."""
+
     def test_a_search_that_has_begun_is_answered_from_its_index(self):
-        """The search is stopped behind each of its opens in turn, and the index replaced."""
+        """The search is stopped after each of its opens in turn, and the index replaced."""
         if shutil.which("strace") is None:
             self.skipTest("strace is not installed")
         self.publish("first")
@@ -155,9 +169,10 @@ class ExchangedFolder(unittest.TestCase):
                                  stdin=subprocess.DEVNULL, capture_output=True)
         if counted.returncode != 0:
             self.skipTest(f"strace may not trace: {counted.stderr.decode()}")
-        opens = trace.read_text().count("openat(")
-        self.assertGreater(opens, 8)
-        for stop in range(1, opens + 1):
+        opens = [line for line in trace.read_text().splitlines() if line.startswith("openat(")]
+        first = next(i for i, line in enumerate(opens) if f'"{self.index}/"' in line)
+        self.assertGreater(len(opens) - first, 8)
+        for stop in range(first + 1, len(opens) + 1):
             with self.subTest(stop=stop):
                 self.publish("first")
                 trace.write_text("")
@@ -169,7 +184,7 @@ class ExchangedFolder(unittest.TestCase):
                 while "stopped by SIGSTOP" not in trace.read_text():
                     self.assertIsNone(process.poll(), "it was not stopped")
                     time.sleep(0.005)
-                for name in ("longer", "first", "longer"):
+                for name in ("first", "longer"):
                     self.publish(name)
                 children = pathlib.Path(f"/proc/{process.pid}/task/{process.pid}/children")
                 os.kill(int(children.read_text()), signal.SIGCONT)
@@ -211,11 +226,7 @@ class ExchangedFolder(unittest.TestCase):
         self.assertEqual(self.left_behind(), [])
 
     def test_two_runs_at_once(self):
-        first = subprocess.Popen(self.command("first"))
-        while not list(self.folder.rglob("vela_*.vdat")) or not self.locked():
-            self.assertIsNone(first.poll())
-            time.sleep(0.001)
-        first.send_signal(signal.SIGSTOP)
+        first = self.stopped_run()
         second = subprocess.run(self.command("longer"), capture_output=True, text=True)
         self.assertEqual(second.returncode, 5)
         self.assertIn("Another run of vela_index is writing", second.stderr)
@@ -231,11 +242,22 @@ class ExchangedFolder(unittest.TestCase):
         self.assertEqual(search(self.index), self.answers["longer"])
         self.assertEqual(self.left_behind(), [])
 
-    def locked(self):
-        return (self.folder / ".search.lock").exists()
+    def stopped_run(self):
+        """A run that was stopped while it held the lock."""
+        for _ in range(100):
+            run = subprocess.Popen(self.command("first"))
+            while run.poll() is None and not self.locked():
+                time.sleep(0.001)
+            run.send_signal(signal.SIGSTOP)
+            time.sleep(0.05)
+            if run.poll() is None and self.locked():
+                return run
+            run.kill()
+            run.wait()
+        raise AssertionError("every run was too quick")
 
 
-class MountedFolder(ExchangedFolder):
+class MountedFolder(IndexFolder):
     """The root of a mounted file system, as a container's volume is."""
 
     @classmethod
@@ -295,6 +317,14 @@ class BoundFolder(MountedFolder):
         self.index.mkdir()
         mount(elsewhere, self.index, "", MS_BIND)
         self.addCleanup(subprocess.run, ["umount", self.index], check=True)
+
+
+class SearchesOfAnIndexFolder(WhileSearching, IndexFolder):
+    pass
+
+
+class SearchesOfAMountedFolder(WhileSearching, MountedFolder):
+    pass
 
 
 if __name__ == "__main__":
