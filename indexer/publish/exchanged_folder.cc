@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "format/index_directory.h"
 #include "indexer/publish/carry_over.h"
-#include "settings/index_directory.h"
 
 namespace vela::indexer {
 

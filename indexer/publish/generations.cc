@@ -12,8 +12,8 @@
 #include <set>
 #include <string>
 
+#include "format/index_directory.h"
 #include "indexer/publish/carry_over.h"
-#include "settings/index_directory.h"
 #include "text/ascii.h"
 
 namespace vela::indexer {

@@ -10,7 +10,7 @@
 //                              the index, so that web servers find it where it always was
 //   search.cgi, logs/          what is no such link is the owner's; each generation has a link
 //                              ../../search.cgi to it
-// src/settings/index_directory.h reads this.
+// src/settings/index_directory.h reads this; src/format/index_directory.h has the names.
 #pragma once
 
 #include "indexer/publish/index_place.h"

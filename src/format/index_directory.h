@@ -10,6 +10,13 @@
 //   vela_recommended.vdat     recommended.h     recommended pages
 //   vela_autocomplete.vdat    autocomplete.h    suggestions while typing
 //   search_template.html      template_file.h   the page around the results; the owner's own
+//
+// A directory that cannot be replaced as a whole, such as the root of a mounted file system, holds
+// its generations inside, each a whole index directory:
+//
+//   .generations/1/           a former index
+//   .generations/2/           the present one
+//   .generations/current      a symbolic link to "2", replaced in one step
 #pragma once
 
 #include <string_view>
@@ -26,6 +33,9 @@
 #include "format/word_map.h"
 
 namespace vela {
+
+inline constexpr char kGenerations[] = ".generations";
+inline constexpr char kCurrentGeneration[] = ".generations/current";
 
 inline constexpr std::string_view kIndexFileNames[] = {
     kSettingsFileName, kDictionaryFileName,  kWordMapFileName,

@@ -7,6 +7,8 @@
 
 #include <cerrno>
 
+#include "format/index_directory.h"
+
 namespace vela {
 
 IndexDirectory::~IndexDirectory() { CloseIndexDirectory(*this); }

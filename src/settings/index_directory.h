@@ -2,13 +2,8 @@
 //
 // One handle is taken at the start of a request and every file is opened relative to it, so that
 // replacing the directory by renaming another into its place never mixes two generations.
-//
-// A directory that cannot be renamed, such as the root of a mounted file system, holds its
-// generations inside, each a whole index directory, and a link to the present one:
-//   .generations/1/            a former index
-//   .generations/2/            the present one
-//   .generations/current       a symbolic link to "2", replaced in one step
-// The handle is then that of the folder behind the link.
+// Where the directory holds its generations inside (format/index_directory.h), the handle is that
+// of the present one.
 #pragma once
 
 #include <cstddef>
@@ -19,10 +14,6 @@
 #include "text/owned_array.h"
 
 namespace vela {
-
-// Below the index directory; read here, written by indexer/publish/generations.h.
-inline constexpr char kGenerations[] = ".generations";
-inline constexpr char kCurrentGeneration[] = ".generations/current";
 
 // Owns the handle; closed with its owner or by CloseIndexDirectory. Move is not needed.
 struct IndexDirectory {

@@ -15,10 +15,11 @@ ParsedOptions Parse(std::vector<const char*> arguments) {
 }
 
 TEST(Options, ReadsAll) {
-  const ParsedOptions parsed = Parse({"--site", "s", "--base-url", "/", "--out", "o", "--template",
-                                      "t", "--language", "german", "--exclude", "a", "--exclude",
-                                      "b*", "--memory", "8", "--max-file-size", "3", "--quiet",
-                                      "--program", "p", "--wait"});
+  const ParsedOptions parsed =
+      Parse({"--site",     "s",         "--base-url", "/",      "--out",           "o",
+             "--template", "t",         "--language", "german", "--exclude",       "a",
+             "--exclude",  "b*",        "--memory",   "8",      "--max-file-size", "3",
+             "--quiet",    "--program", "p",          "--wait"});
   ASSERT_FALSE(parsed.exitStatus.has_value());
   EXPECT_EQ(parsed.options.site, "s");
   EXPECT_EQ(parsed.options.baseUrl, "/");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "format/index_directory.h"
 #include "indexer/publish/index_folder.h"
 #include "settings/index_directory.h"
 #include "support/indexer_site.h"

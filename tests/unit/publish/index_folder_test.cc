@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "format/index_directory.h"
 #include "indexer/report/index_error.h"
 #include "settings/index_directory.h"
 #include "support/indexer_site.h"

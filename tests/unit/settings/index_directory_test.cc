@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "format/index_directory.h"
 #include "support/scratch_directory.h"
 
 namespace vela {
