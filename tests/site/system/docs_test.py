@@ -110,8 +110,9 @@ class Manual(unittest.TestCase):
             capture_output=True, encoding="latin-1", check=True).stdout.replace("\n\n", "\n")
         options = page.split("\nOPTIONS\n")[1].split("\nWHICH FILES ARE PAGES\n")[0]
         heads = re.findall(r"^       (--[a-z].*)$", options, re.M)
-        # Where the text is short it stands on the line of the option, behind blanks.
-        of_manual = [option for head in heads for option in re.split(r"  ", head)[0].split(", ")]
+        # Where the option is short its text stands on the same line, behind blanks.
+        of_manual = [option for head in heads
+                     for option in re.split(r"  | (?=[A-Z][a-z])", head)[0].split(", ")]
         self.assertEqual(sorted(of_help), sorted(of_manual))
         for number in re.findall(r"\(default: (\d+)\)", told):
             self.assertIn(f"{number} by default", " ".join(options.split()))
