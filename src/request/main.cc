@@ -6,10 +6,12 @@
 #include <cstdlib>
 #include <new>
 #include <span>
+#include <string_view>
 
 #include "output/messages.h"
 #include "request/driver.h"
 #include "request/search_context.h"
+#include "request/usage.h"
 
 namespace {
 
@@ -36,6 +38,11 @@ const char* Environment(const char* name) { return getenv(name); }
 }  // namespace
 
 int main(int argc, char** argv) {
+  const std::span<const char* const> arguments(argv, static_cast<size_t>(argc));
+  const vela::CgiSource source = {Environment, STDIN_FILENO};
+  if (const std::string_view text = vela::UsageText(arguments, source); !text.empty()) {
+    return write(STDOUT_FILENO, text.data(), text.size()) < 0 ? 1 : 0;
+  }
   std::set_new_handler(EndOutOfMemory);
   struct sigaction action = {};
   action.sa_handler = EndVanishedFile;
@@ -43,8 +50,7 @@ int main(int argc, char** argv) {
   sigaction(SIGBUS, &action, nullptr);
   // A visitor who does not wait for the end is no reason to leave the search out of the log.
   signal(SIGPIPE, SIG_IGN);
-  const int status = vela::RunRequest(g_context, std::span(argv, static_cast<size_t>(argc)),
-                                      {Environment, STDIN_FILENO});
+  const int status = vela::RunRequest(g_context, arguments, source);
   // Everything is written and the kernel frees the rest.
   _exit(status);
 }
