@@ -125,7 +125,7 @@ bool ReadAmount(std::string_view text, int32_t& hundredths) {
     value = value * 10 + (text[at] - '0');
     if (value > std::numeric_limits<int32_t>::max()) return false;
   }
-  value *= kMoneyUnits;
+  value *= 100;
   if (at < text.size() && (text[at] == '.' || text[at] == ',')) {
     const std::string_view decimals = text.substr(at + 1);
     const size_t count = std::min(decimals.find_first_not_of("0123456789"), decimals.size());

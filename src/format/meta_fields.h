@@ -44,7 +44,6 @@ inline constexpr size_t kMetaDefinitionLines = 6;
 
 inline constexpr size_t kMetaNumberWidth = 4;
 inline constexpr int32_t kNoMetaNumber = INT32_MIN;
-inline constexpr int32_t kMoneyUnits = 100;  // of a whole: money is counted in hundredths
 
 inline constexpr size_t kMetaChoiceWidth = 1;
 inline constexpr uint8_t kNoMetaChoice = 255;
