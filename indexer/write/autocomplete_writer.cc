@@ -16,7 +16,7 @@ AutocompleteSizes WriteAutocomplete(const std::filesystem::path& path,
     if (sizes.lines == mostLines) break;
     if (!charset.utf8() && !charset.Exactly(text, exact)) continue;
     const std::string line = StoredText(text, charset) + "\n";
-    if (line.size() > KeywordLineLimit(lineLength)) continue;
+    if (line.size() > KeywordLineLimit(static_cast<int64_t>(lineLength))) continue;
     file.Write(line);
     ++sizes.lines;
   }

@@ -140,7 +140,7 @@ size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
   }
   const auto given = config.settings.find(kLineLengthKey);
   if (given != config.settings.end()) length = static_cast<size_t>(given->second.number);
-  return std::max(length, KeywordBufferFor(longestRecommended));
+  return std::max(length, KeywordLineLenFor(longestRecommended));
 }
 
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,

@@ -7,14 +7,12 @@
 
 namespace vela {
 
-// The size of the buffer for a line: at least 2 bytes, its terminator included. A longer line is
-// read in pieces.
-constexpr size_t KeywordBufferSize(int32_t maxKeyWordLineLen) {
-  return maxKeyWordLineLen < 2 ? 2 : static_cast<size_t>(maxKeyWordLineLen);
+// The bytes of the longest line that is read whole, its line feed included; at least 1. A longer
+// one is read in pieces of so many bytes.
+constexpr size_t KeywordLineLimit(int64_t maxKeyWordLineLen) {
+  return maxKeyWordLineLen < 2 ? 1 : static_cast<size_t>(maxKeyWordLineLen - 1);
 }
-// The bytes of a line that is read whole, its line feed included; at least 1.
-constexpr size_t KeywordLineLimit(size_t bufferSize) { return bufferSize - 1; }
 // The MaxKeyWordLineLen with which a line of so many bytes, its line feed included, is read whole.
-constexpr size_t KeywordBufferFor(size_t lineBytes) { return lineBytes + 1; }
+constexpr size_t KeywordLineLenFor(size_t lineBytes) { return lineBytes + 1; }
 
 }  // namespace vela

@@ -1,7 +1,7 @@
 #include "index/autocomplete.h"
 
 #include "format/autocomplete.h"
-#include "index/spelling.h"
+#include "format/keyword_line.h"
 #include "text/word_compare.h"
 
 namespace vela {
@@ -9,7 +9,7 @@ namespace vela {
 LoadStatus SuggestionReader::Open(const IndexDirectory& directory, const Settings& settings) {
   if (!file_.Open(directory, kAutoCompleteFileName, true)) return LoadStatus::kCannotOpen;
   lines_ = {file_.bytes()};
-  pieceLimit_ = KeyWordLineSize(settings) - 1;
+  pieceLimit_ = KeywordLineLimit(settings.MaxKeyWordLineLen);
   return LoadStatus::kOk;
 }
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "format/keyword_line.h"
 #include "format/recommended.h"
-#include "index/spelling.h"
 #include "text/numbers.h"
 
 namespace vela {
@@ -29,7 +29,7 @@ LoadStatus LoadRecommended(RecommendedTies& ties, const IndexDirectory& director
   LineReader reader{file.bytes()};
   std::string_view line;
   while (ties.keywords.size() < settings.NumRecommended &&
-         ReadLine(reader, KeyWordLineSize(settings) - 1, line)) {
+         ReadLine(reader, KeywordLineLimit(settings.MaxKeyWordLineLen), line)) {
     line = UpToNul(line);
     const size_t blank = line.rfind(' ');
     if (blank == line.npos || blank == 0) continue;

@@ -36,10 +36,6 @@ bool ReadEntry(std::string_view line, SpellingEntry& entry) {
 
 }  // namespace
 
-size_t KeyWordLineSize(const Settings& settings) {
-  return KeywordBufferSize(settings.MaxKeyWordLineLen);
-}
-
 LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
                         const Settings& settings) {
   FileImage file;
@@ -56,7 +52,8 @@ LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
   LineReader reader{file.bytes()};
   std::string_view line;
   const auto room = static_cast<int32_t>(table.entries.size());
-  while (table.count < room && ReadLine(reader, KeyWordLineSize(settings) - 1, line)) {
+  while (table.count < room &&
+         ReadLine(reader, KeywordLineLimit(settings.MaxKeyWordLineLen), line)) {
     if (ReadEntry(UpToNul(line), table.entries[static_cast<size_t>(table.count)])) ++table.count;
   }
   table.isLoaded = true;

@@ -29,7 +29,4 @@ struct SpellingTable {
 [[nodiscard]] LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
                                       const Settings& settings);
 
-// The size of the line buffer for the files of keywords (format/keyword_line.h).
-size_t KeyWordLineSize(const Settings& settings);
-
 }  // namespace vela

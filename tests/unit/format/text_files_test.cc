@@ -25,17 +25,18 @@ TEST(DictionaryFormat, WhatWordsTakeOfTheBuffers) {
   EXPECT_EQ(VariantBufferBytes(4), 6);
 }
 
-TEST(KeywordLineFormat, BufferHoldsTwoBytesAtLeast) {
+TEST(KeywordLineFormat, LinesOfOneByteAreReadWhole) {
   const struct {
     int32_t setting;
-    size_t buffer;
-  } cases[] = {{INT32_MIN, 2}, {0, 2}, {1, 2}, {2, 2}, {3, 3}, {256, 256}, {INT32_MAX, INT32_MAX}};
-  for (const auto& c : cases) EXPECT_EQ(KeywordBufferSize(c.setting), c.buffer) << c.setting;
+    size_t limit;
+  } cases[] = {{INT32_MIN, 1}, {0, 1}, {1, 1}, {2, 1}, {3, 2}, {256, 255}, {INT32_MAX, 2147483646}};
+  for (const auto& c : cases) EXPECT_EQ(KeywordLineLimit(c.setting), c.limit) << c.setting;
 }
 
-TEST(KeywordLineFormat, TheBufferForALineReadsItWhole) {
-  for (const size_t bytes : {1U, 2U, 255U}) {
-    EXPECT_EQ(KeywordLineLimit(KeywordBufferFor(bytes)), bytes);
+TEST(KeywordLineFormat, TheSettingForALineReadsItWhole) {
+  for (const int64_t bytes : {1, 2, 255}) {
+    const size_t setting = KeywordLineLenFor(static_cast<size_t>(bytes));
+    EXPECT_EQ(KeywordLineLimit(static_cast<int64_t>(setting)), static_cast<size_t>(bytes));
   }
 }
 
