@@ -84,7 +84,7 @@ struct SiteConfig {
   std::string searchAddress;  // of the search on the web, absolute; empty: not known
   std::string searchName;
   std::string searchDescription;
-  std::string styleSheet = "vela_results.xsl";  // of XML answers; empty: none
+  std::string styleSheet;  // of XML answers; empty: none, as browsers warn of such a sheet
 
   bool logging = false;
   std::string logFile = "logs/searchwords.log";  // from the index folder on

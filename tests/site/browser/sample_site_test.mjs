@@ -1,7 +1,7 @@
 // The sample site as the demo serves it: indexed by vela_index with its own configuration.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
-import { copyFileSync, mkdirSync, rmSync } from 'node:fs';
+import { copyFileSync, mkdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
 import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
@@ -13,16 +13,19 @@ const example = path.join(project, 'examples/library');
 const servers = {};
 let browser, page;
 
-// Indexes the sample site with a template of its own or a built-in one, and serves it.
-async function library(name, template) {
+// Indexes the sample site with a template of its own or a built-in one, and serves it. `change` makes
+// the configuration another.
+async function library(name, template, change = (text) => text) {
   const folder = path.join(work, name);
   rmSync(folder, { recursive: true, force: true });
   mkdirSync(folder, { recursive: true });
   for (const file of ['vela_index.toml', 'recommended.txt', 'search_template.html']) {
     copyFileSync(path.join(example, file), path.join(folder, file));
   }
+  const configuration = path.join(folder, 'vela_index.toml');
+  writeFileSync(configuration, change(readFileSync(configuration, 'utf8')));
   const index = path.join(folder, 'index');
-  execFileSync(path.join(bin, 'vela_index'), ['--config', path.join(folder, 'vela_index.toml'), '--quiet',
+  execFileSync(path.join(bin, 'vela_index'), ['--config', configuration, '--quiet',
     '--site', path.join(example, 'site'), '--out', index, ...(template ? ['--template', template] : [])]);
   copyFileSync(path.join(bin, 'vela_search'), path.join(index, 'search.cgi'));
   return serve(index, { site: path.join(example, 'site') });
@@ -31,6 +34,8 @@ async function library(name, template) {
 before(async () => {
   servers.own = await library('own_template');
   servers.default = await library('default_template', 'default');
+  servers.styled = await library('styled', undefined,
+    (text) => text.replace('[search]', '[search]\nstyle_sheet = "vela_results.xsl"'));
   browser = await launch();
 });
 after(async () => {
@@ -82,9 +87,17 @@ test('typing in the library: a suggestion leads to its page', async () => {
   await closePage(page);
 });
 
-test('the XML answer of the library can be read', async () => {
+test('the XML answer of the library brings no warning of the browser', async () => {
+  assert.doesNotMatch((await get(`${servers.own.search}?vela_xml=1&vela_query=library`)).body, /xml-stylesheet/);
   page = await openPage(browser);
   await page.goto(`${servers.own.search}?vela_xml=1&vela_query=library`);
+  assert.equal(await page.locator('xslt-warning-banner').count(), 0);
+  await closePage(page);
+});
+
+test('the XML answer of the library can be read with a style sheet', async () => {
+  page = await openPage(browser);
+  await page.goto(`${servers.styled.search}?vela_xml=1&vela_query=library`);
   await page.waitForSelector('.result_title a');
   await page.evaluate(() => document.querySelector('xslt-warning-banner')?.remove());
   await shot(page, 'library_xml');

@@ -195,9 +195,8 @@ NEWS_TITLES = ("News from the library", "Riverside reopens after the flood",
 _row("XML, and RSS for feed readers", "vela_query=site:news&vela_sort=1&vela_xml=1",
      matches=("(?s)" + ".*".join(f"<item>\n.*<title>{title}</title>" for title in NEWS_TITLES),),
      shows=('<rss version="2.0"', "<pubDate>Sat, 30 Aug 2025 12:00:00 UTC</pubDate>"),
+     hides=("<?xml-stylesheet",),
      header="Content-type: text/xml; charset=utf-8")
-_row("A style sheet for it", "vela_query=seeds&vela_xml=1",
-     shows=('<?xml-stylesheet type="text/xsl" href="vela_results.xsl"?>',))
 _row("Facts, categories and pictures in XML", "vela_query=bookbinding&vela_xml=1",
      shows=("<vela:imageURL>/images/thread.svg</vela:imageURL>", "<category>Events</category>",
             "<vela:price>£18.00</vela:price>", "<vela:where>Riverside, Heron room</vela:where>",
@@ -288,6 +287,8 @@ _row("Results in another frame", "vela_query=sprinkler",
      shows=('<a href="/history/building.html" target="_top">',))
 _row("Links that lead back to a page of the site", "vela_query=library",
      shows=('<a href="/find.php?lang=en&amp;vela_query=library&amp;vela_page=2',))
+_row("A style sheet for XML", "vela_query=seeds&vela_xml=1",
+     shows=('<?xml-stylesheet type="text/xsl" href="vela_results.xsl"?>',))
 _row("XML unless asked otherwise", "vela_query=sprinkler",
      header="Content-type: text/xml; charset=utf-8",
      shows=("<link>/history/building.html</link>", "</rss>"))

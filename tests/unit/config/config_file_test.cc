@@ -76,7 +76,7 @@ TEST(ConfigFile, ReadsWhatTheSearchOffers) {
 address = "https://x.example/search/search.cgi"
 name = "X"
 description = "All of X"
-style_sheet = ""
+style_sheet = "a.xsl"
 [spelling]
 use = false
 below = 4
@@ -116,7 +116,7 @@ LinkTarget = "_blank"
   EXPECT_EQ(config.searchAddress, "https://x.example/search/search.cgi");
   EXPECT_EQ(config.searchName, "X");
   EXPECT_EQ(config.searchDescription, "All of X");
-  EXPECT_EQ(config.styleSheet, "");
+  EXPECT_EQ(config.styleSheet, "a.xsl");
   EXPECT_FALSE(config.spelling);
   EXPECT_EQ(config.settings.at("SpellingWhenLessThan").number, 4);
   EXPECT_FALSE(config.suggestions);

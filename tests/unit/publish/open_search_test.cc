@@ -42,9 +42,13 @@ TEST(OpenSearch, SettlesWhatTheXmlAnswerSays) {
   EXPECT_EQ(config.settings.at("XMLTitle").text, "A &#38; B");
   EXPECT_EQ(config.settings.at("XMLDesc").text, "mine");
   EXPECT_EQ(config.settings.at("XMLURL").text, "https://x.example/find/search.cgi");
-  EXPECT_EQ(config.settings.at("XMLXSLTURL").text, "vela_results.xsl");
+  EXPECT_EQ(config.settings.at("XMLXSLTURL").text, "");
   EXPECT_EQ(config.settings.at("XMLOpenSearchDescURL").text,
             "https://x.example/find/vela_opensearch.xml");
+  SiteConfig styled;
+  styled.styleSheet = "vela_results.xsl";
+  AddXmlSettings("/", styled);
+  EXPECT_EQ(styled.settings.at("XMLXSLTURL").text, "vela_results.xsl");
   SiteConfig unknown;
   AddXmlSettings("https://x.example/docs/", unknown);
   EXPECT_EQ(unknown.settings.at("XMLTitle").text, "x.example");
