@@ -58,7 +58,7 @@ constexpr NumberKey kNumberKeys[] = {
     {"UseLinkTarget", 0, 0, 1},
     {"PluginOpenNewWindow", 0, 0, 1},
     {"FileTypePluginStart", 4, 0, 256},
-    {"VelaInfo", 1, 0, 1},
+    {"VelaInfo", 0, 0, 1},
     {"Timing", 1, 0, 1},
     {"Logging", 0, 0, 1},
     {"UseXML", 0, 0, 1},

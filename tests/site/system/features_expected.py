@@ -233,8 +233,7 @@ _row("A page of the site's own", "vela_query=poetry",
             '<footer class="site">', "4 Market Square"),
      hides=("<!--VELA",))
 _row("How long it took", "vela_query=chess",
-     matches=(r"The search took [0-9]+\.[0-9]{3} seconds\.",))
-_row("The engine's line", "vela_query=swan", shows=("Search powered by <a href=",))
+     matches=(r"The search took [0-9]+\.[0-9]{3} seconds\.",), hides=("Search powered by",))
 _row("Markup in a query stays text", "vela_query=%3Cb%3Elibrary%3C%2Fb%3E",
      shows=('value="&#60;b&#62;library&#60;/b&#62;"',), hides=("<b>library</b>",))
 _row("A log of what was searched for", "vela_query=say+%22hi%22&vela_cat%5B%5D=2",
@@ -310,7 +309,7 @@ _row("Another character set", "vela_query=M%E4rchenstunde",
      shows=("Märchenstunde", "Français"))
 _row("No character set in the header", "vela_query=sprinkler", header="Content-type: text/html;")
 _row("No time", "vela_query=sprinkler", finds=SPRINKLER, hides=("The search took",))
-_row("No engine's line", "vela_query=sprinkler", finds=SPRINKLER, hides=("Search powered by",))
+_row("The engine's line", "vela_query=swan", shows=("Search powered by <a href=",))
 _row("No spelling suggestions", "vela_query=geneology", finds=(), hides=("Did you mean",))
 _row("No completion", "vela_query=chess", finds=CHESS_PAGES, hides=("VelaAutoComplete",))
 _row("No log", "vela_query=chess", is_logged=False)
