@@ -35,7 +35,7 @@ constexpr NumberKey kNumberKeys[] = {
     {"DisplayTerms", 0, 0, 1},
     {"DisplayScore", 0, 0, 1},
     {"DisplayDate", 1, 0, 1},
-    {"DisplayFilesize", 1, 0, 1},
+    {"DisplayFilesize", 0, 0, 1},
     {"DisplayURL", 1, 0, 1},
     {"TruncateShowURL", 90, 0, kAddressLimit},
     {"UseVelaImage", 1, 0, 1},
