@@ -4,14 +4,22 @@
 // field; `below` the element (or its id) that it opens under, false for the field; `order` "mdy" or
 // "dmy", the order of the numbers in the field. The names of months, days and buttons, the first day
 // of the week and the digits shown follow the page's language.
+//
+// A date field of the form that holds no date says so, and one end of a range alone gets the other.
 (function () {
   'use strict';
   const DAY = 86400000;  // all dates are midnights in UTC, in milliseconds
-  const CLOSE = {  // in ASCII: the page has any character set
-    de: 'Schlie\xdfen', es: 'Cerrar', fr: 'Fermer', it: 'Chiudi', nl: 'Sluiten', pl: 'Zamknij',
-    pt: 'Fechar', ru: '\u0417\u0430\u043a\u0440\u044b\u0442\u044c', sv: 'St\xe4ng', en: 'Close',
+  const WORDS = {  // to close, and what is no date; in ASCII: the page has any character set
+    de: ['Schlie\xdfen', 'Das ist kein Datum. Beispiel:'], es: ['Cerrar', 'No es una fecha. Ejemplo:'],
+    fr: ['Fermer', 'Ce n\u2019est pas une date. Exemple\xa0:'], it: ['Chiudi', 'Non \xe8 una data. Esempio:'],
+    nl: ['Sluiten', 'Dit is geen datum. Voorbeeld:'], pl: ['Zamknij', 'To nie jest data. Przyk\u0142ad:'],
+    pt: ['Fechar', 'N\xe3o \xe9 uma data. Exemplo:'],
+    ru: ['\u0417\u0430\u043a\u0440\u044b\u0442\u044c',
+      '\u042d\u0442\u043e \u043d\u0435 \u0434\u0430\u0442\u0430. \u041f\u0440\u0438\u043c\u0435\u0440:'],
+    sv: ['St\xe4ng', 'Det \xe4r inget datum. Exempel:'], en: ['Close', 'This is no date. Example:'],
   };
   const pageLanguage = document.documentElement.lang;
+  const words = WORDS[pageLanguage.slice(0, 2)] || WORDS.en;
   const language = (() => {
     try { return Intl.getCanonicalLocales(pageLanguage)[0]; } catch (e) { return undefined; }
   })();
@@ -77,12 +85,70 @@
     return made;
   }
 
+  const isEndField = (field) => /to$/.test(field.id);
+  // A range with one end filters nothing, so that the other end is filled in where it is empty.
+  function fillOther(field, other, order) {
+    const date = read(field, order);
+    if (date === null || !other || other.value.trim()) return;
+    write(other, order, isEndField(field) ? Math.min(0, date) : Math.max(today(), date));
+  }
+
+  // Says at the field that it holds no date, or takes that back. Whether it does say so.
+  function isWrong(field, order) {
+    const wrong = field.value.trim() !== '' && read(field, order) === null;
+    const id = field.id + '_wrong';
+    const old = document.getElementById(id);
+    if (old) old.remove();
+    if (wrong) {
+      const button = field.nextElementSibling;
+      const example = order === 'mdy' ? '12/31/2026' : '31/12/2026';
+      const note = make('span', { id, class: 'vela_dp_wrong', role: 'alert' }, words[1] + ' ' + example);
+      (button && button.type === 'button' ? button : field).after(note);
+      field.setAttribute('aria-describedby', id);
+      field.setAttribute('aria-invalid', 'true');
+    } else {
+      field.removeAttribute('aria-describedby');
+      field.removeAttribute('aria-invalid');
+    }
+    return wrong;
+  }
+
+  document.addEventListener('DOMContentLoaded', () => {
+    const fields = ['vela_datefrom', 'vela_dateto'].map((id) => document.getElementById(id));
+    const [from, to] = fields;
+    if (!from || !to || !from.form) return;
+    const button = from.nextElementSibling;
+    const order = /'mdy'/.test(button && button.getAttribute('onclick')) ? 'mdy' : 'dmy';
+    // The first field that holds no date.
+    const tell = () => {
+      const [wrong] = fields.filter((field) => isWrong(field, order));
+      const folded = wrong && wrong.closest('details');
+      if (folded) folded.open = true;
+      return wrong;
+    };
+    tell();
+    // A note that comes while a button is being pressed would move it away from under the pointer.
+    for (const field of fields) {
+      field.addEventListener('input', () => { if (field.ariaInvalid && read(field, order) !== null) isWrong(field, order); });
+    }
+    from.form.addEventListener('submit', (event) => {
+      const wrong = tell();
+      if (wrong) {
+        event.preventDefault();
+        wrong.focus();
+        return;
+      }
+      fillOther(from, to, order);
+      fillOther(to, from, order);
+    });
+  });
+
   window.displayDatePicker = (fieldName, below, order) => {
     const field = element(fieldName);
     if (!field || document.querySelector('dialog.vela_dp')) return;
     const other = element(/from$/.test(field.id) ? field.id.replace(/from$/, 'to') :
       /to$/.test(field.id) ? field.id.replace(/to$/, 'from') : '');
-    const isEnd = /to$/.test(field.id);
+    const isEnd = isEndField(field);
     const limit = read(other, order);
     const isFree = (date) => limit === null || (isEnd ? date >= limit : date <= limit);
     const now = today();
@@ -119,11 +185,10 @@
     }
     const body = table.createTBody();
 
-    const word = (CLOSE[pageLanguage.slice(0, 2)] || CLOSE.en);
     const toDay = make('button', { type: 'button' }, relative.format(0, 'day'));
     toDay.onclick = () => { go(now); focusDay(); };
     toDay.disabled = !isFree(now);
-    const leave = make('button', { type: 'button' }, word);
+    const leave = make('button', { type: 'button' }, words[0]);
     leave.onclick = () => dialog.close();
     const foot = make('div', { class: 'vela_dp_foot' });
     foot.append(toDay, leave);
@@ -165,11 +230,10 @@
     }
     const focusDay = () => body.querySelector('[tabindex="0"]').focus();
 
-    // A range with one end filters nothing, so that the other end is filled in where it is empty.
     function choose(date) {
       if (!isFree(date)) return;
       write(field, order, date);
-      if (other && !other.value.trim()) write(other, order, isEnd ? Math.min(0, date) : Math.max(now, date));
+      fillOther(field, other, order);
       dialog.close();
     }
 

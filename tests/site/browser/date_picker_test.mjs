@@ -1,7 +1,7 @@
 // The calendar of the date range. Today is Wednesday, 18 March 2026.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { assertAccessible, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, closePage, launch, openPage, shot, unfold } from './support/browser.mjs';
 import { screenshots } from './support/environment.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { serve } from './support/server.mjs';
@@ -25,7 +25,7 @@ async function visit(query = '', server = servers.dmy, options) {
   page = await openPage(browser, options);
   await page.clock.setFixedTime(new Date(2026, 2, 18, 12));
   await page.goto(`${server.search}?vela_query=garden${query}`);
-  await page.locator('.vela_options summary').click();
+  await unfold(page);
 }
 async function open(field) {
   await page.locator(`#${field} + input[type=button]`).click();
@@ -213,4 +213,37 @@ test('it is accessible and fits, also on a small screen', async () => {
   await page.screenshot({ path: `${screenshots}/date_picker_narrow_dark.png` });
   await assertAccessible(page);
   await closePage(page);
+});
+
+test('what is no date is told at its field, and is not sent', async () => {
+  await visit('&vela_datefrom=soon');
+  assert.equal(await page.locator('.vela_options').getAttribute('open'), '');
+  assert.equal(await page.locator('#vela_datefrom_wrong').innerText(), 'This is no date. Example: 31/12/2026');
+  assert.equal(await page.locator('#vela_datefrom').getAttribute('aria-describedby'), 'vela_datefrom_wrong');
+  await shot(page, 'date_wrong');
+  await assertAccessible(page);
+  await page.locator('#vela_datefrom').fill('01/01/2025');
+  await page.locator('#vela_dateto').fill('30/02/2026');
+  const before = page.url();
+  await page.locator('.vela_panel .vela_button').click();
+  assert.equal(page.url(), before);
+  assert.equal(await page.locator('#vela_datefrom_wrong').count(), 0);
+  assert.equal(await page.locator('#vela_dateto_wrong').count(), 1);
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'vela_dateto');
+  await closePage(page);
+  await visit('&vela_dateto=13/13/2026', servers.mdy);
+  assert.match(await page.locator('#vela_dateto_wrong').innerText(), /12\/31\/2026$/);
+  await closePage(page);
+});
+
+test('one end of the range is enough', async () => {
+  for (const [field, typed, from, to] of [['vela_datefrom', '01/01/2026', '01%2F01%2F2026', '18%2F03%2F2026'],
+    ['vela_dateto', '31/12/2022', '01%2F01%2F1970', '31%2F12%2F2022']]) {
+    await visit();
+    await unfold(page);
+    await page.locator(`#${field}`).fill(typed);
+    await page.locator('.vela_panel .vela_button').click();
+    await page.waitForURL((address) => address.search.includes(`vela_datefrom=${from}&vela_dateto=${to}`));
+    await closePage(page);
+  }
 });

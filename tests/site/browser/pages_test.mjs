@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import path from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, launch, openPage, shot, unfold } from './support/browser.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { get, serve } from './support/server.mjs';
 import { assertValidHtml } from './support/valid_html.mjs';
@@ -22,6 +22,7 @@ const INDEXES = {
   right_to_left: { language: arabic, template: (text) => text.replace('lang="en"', 'lang="ar" dir="rtl"') },
 };
 const narrow = { viewport: { width: 320, height: 640 } };
+const phone = { viewport: { width: 360, height: 740 } };
 const dark = { colorScheme: 'dark' };
 
 // Name, index, query, the window, whether the options are unfolded.
@@ -35,6 +36,8 @@ const STATES = [
   ['results_narrow', 'advanced', '?vela_query=garden+apple', narrow],
   ['results_narrow_dark', 'advanced', '?vela_query=glasshouse', { ...narrow, ...dark }],
   ['results_last_page', 'advanced', '?vela_query=garden&vela_page=3'],
+  ['results_many_pages', 'advanced', '?vela_query=garden&vela_per_page=2&vela_page=7'],
+  ['results_many_pages_phone', 'advanced', '?vela_query=garden&vela_per_page=2&vela_page=7', { ...phone, ...dark }],
   ['results_by_date', 'advanced', '?vela_query=apple&vela_sort=1'],
   ['results_basic', 'basic', '?vela_query=apple'],
   ['results_bare', 'bare', '?vela_query=apple'],
@@ -43,9 +46,18 @@ const STATES = [
   ['options_dark', 'advanced', '?vela_query=rose&vela_datefrom=01/01/2025&vela_dateto=31/12/2025', dark, true],
   ['options_narrow', 'advanced', '?vela_query=rose&vela_datefrom=01/01/2025&vela_dateto=31/12/2025', narrow, true],
   ['options_one_category', 'one_category', '?vela_query=garden&vela_cat[]=1', {}, true],
+  ['filters', 'advanced', '?vela_query=garden&vela_cat[]=0&season=1&price=9&vela_datefrom=01/01/2020&vela_dateto=31/12/2026'],
+  ['filters_dark', 'advanced', '?vela_query=garden&vela_cat[]=0&vela_cat[]=1&colours[]=0', dark],
+  ['filters_phone', 'one_category', '?vela_query=garden&vela_cat[]=1&gardener=Ida', phone],
+  ['filters_phone_dark', 'advanced', '?vela_query=garden&vela_cat[]=0&season=1', { ...phone, ...dark }],
+  ['date_wrong', 'advanced', '?vela_query=garden&vela_datefrom=soon&vela_dateto=31/12/2026'],
+  ['date_wrong_phone_dark', 'advanced', '?vela_query=garden&vela_datefrom=soon', { ...phone, ...dark }],
   ['corrections', 'advanced', '?vela_query=roze&vela_cat[]=2&vela_and=1'],
   ['nothing_found', 'bare', '?vela_query=volcano'],
   ['no_question', 'bare', '?vela_query='],
+  ['no_question_phone_dark', 'bare', '?vela_query=', { ...phone, ...dark }],
+  ['beyond_last', 'advanced', '?vela_query=garden&vela_page=7'],
+  ['beyond_last_phone_dark', 'advanced', '?vela_query=garden&vela_page=7', { ...phone, ...dark }],
   ['too_far', 'advanced', '?vela_query=garden&vela_page=500'],
   ['long_words', 'advanced', `?vela_query=${'extraordinarily'.repeat(12)}`, narrow],
   ['error', 'broken', '?vela_query=garden'],
@@ -68,7 +80,7 @@ for (const [name, index, query, options, unfolded] of STATES) {
   test(name.replaceAll('_', ' '), async () => {
     const page = await openPage(browser, options);
     await page.goto(servers[index].search + query);
-    if (unfolded) await page.locator('.vela_options summary').click();
+    if (unfolded) await unfold(page);
     await shot(page, name);
     await assertFits(page);
     // The check is a script itself; without scripts the same elements come.
@@ -97,7 +109,7 @@ test('when the text is set twice as large', async () => {
   const page = await openPage(browser, { viewport: { width: 640, height: 800 } });
   await page.goto(`${servers.advanced.search}?vela_query=garden+rose`);
   await page.evaluate(() => { document.documentElement.style.fontSize = '32px'; });
-  await page.locator('.vela_options summary').click();
+  await unfold(page);
   await assertFits(page);
   await shot(page, 'large_text');
   await closePage(page);

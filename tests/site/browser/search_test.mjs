@@ -1,18 +1,20 @@
 // Searching as a visitor does: typing, results, pages, sorting, filters, corrections.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { closePage, follow, launch, openPage } from './support/browser.mjs';
+import { closePage, follow, launch, openPage, unfold } from './support/browser.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { serve } from './support/server.mjs';
 
-let browser, server, page;
+let browser, server, bare, page;
 before(async () => {
+  bare = await serve(makeGarden('search_bare', { settings: { UseCats: 0, UseMetaFields: 0 } }));
   server = await serve(makeGarden('search'));
   browser = await launch();
 });
 after(async () => {
   await browser?.close();
   await server?.stop();
+  await bare?.stop();
 });
 
 async function visit(query = '', options) {
@@ -77,14 +79,14 @@ test('sorting by date and back', async () => {
 test('options stay folded away until asked for, and keep what was chosen', async () => {
   await visit('?vela_query=garden');
   assert.equal(await page.locator('#vela_match_all').isVisible(), false);
-  await page.locator('.vela_options summary').click();
+  await unfold(page);
   await page.locator('#vela_match_all').check();
   await page.locator('#vela_per_page').selectOption('50');
   await page.locator('#vela_searchbox').fill('garden apple');
   await click(page.locator('.vela_panel .vela_button'));
   assert.match(page.url(), /vela_and=1/);
   assert.deepEqual((await titles()).sort(), ['Course: pruning apple trees', 'The old orchard']);
-  await page.locator('.vela_options summary').click();
+  await unfold(page);
   assert.equal(await page.locator('#vela_match_all').isChecked(), true);
   assert.equal(await page.locator('#vela_per_page').inputValue(), '50');
   await closePage(page);
@@ -105,7 +107,7 @@ test('a dot at the options tells that something is chosen in them', async () => 
 
 test('ticking a category takes the tick from "all", and back', async () => {
   await visit('?vela_query=garden');
-  await page.locator('.vela_options summary').click();
+  await unfold(page);
   await page.getByLabel('Courses').check();
   assert.equal(await page.getByLabel('All', { exact: true }).first().isChecked(), false);
   await page.getByLabel('Courses').uncheck();
@@ -129,14 +131,14 @@ test('the count of a category is a way to its results', async () => {
 
 test('own fields filter: a list, several values, money, text', async () => {
   await visit('?vela_query=garden');
-  await page.locator('.vela_options summary').click();
-  await page.getByLabel('Season:').selectOption({ label: 'Winter' });
+  await unfold(page);
+  await page.getByLabel('Season:', { exact: true }).selectOption({ label: 'Winter' });
   await search();
   assert.match(page.url(), /season=3/);
   assert.deepEqual(await titles(), ['Course: pruning apple trees']);
-  await page.locator('.vela_options summary').click();
-  await page.getByLabel('Season:').selectOption({ label: 'All' });
-  await page.getByLabel('Colours:').selectOption([{ label: 'Red' }, { label: 'Blue' }]);
+  await unfold(page);
+  await page.getByLabel('Season:', { exact: true }).selectOption({ label: 'All' });
+  await page.getByLabel('Colours:', { exact: true }).selectOption([{ label: 'Red' }, { label: 'Blue' }]);
   await search();
   assert.match(page.url(), /season=-1/);
   assert.deepEqual((await titles()).sort(),
@@ -188,6 +190,122 @@ test('no question, no page that far: a message inside the page', async () => {
   await closePage(page);
   await visit('?vela_query=garden&vela_page=500');
   assert.match(await text('main'), /That page lies beyond the last result that a search shows/);
+  await click(page.getByRole('link', { name: 'To the first page' }));
+  assert.equal((await titles()).length, 10);
+  await closePage(page);
+});
+
+test('without words the question for some stands at the box', async () => {
+  page = await openPage(browser);
+  await page.goto(`${bare.search}?vela_query=`);
+  const box = page.locator('#vela_searchbox');
+  assert.equal(await page.locator('.vela_bar + .summary').innerText(), 'Please enter one or more words to search for.');
+  assert.equal(await box.getAttribute('aria-describedby'), await page.locator('.vela_bar + .summary').getAttribute('id'));
+  await closePage(page);
+});
+
+test('a page that the search does not have says so and leads back', async () => {
+  await visit('?vela_query=garden&season=1&vela_page=9');
+  assert.match(await text('.vela_beyond'), /^There are no results on this page\. To the first page$/);
+  assert.equal(await page.locator('.result_pages').count(), 0);
+  await click(page.locator('.vela_beyond a'));
+  assert.equal(new URL(page.url()).search, '?vela_query=garden&season=1');
+  assert.ok((await titles()).length > 0);
+  await closePage(page);
+  await visit('?vela_query=volcano&vela_page=9');  // it has none at all
+  assert.equal(await page.locator('.vela_beyond').count(), 0);
+  await closePage(page);
+});
+
+test('the page that is shown is marked between the nearest numbers', async () => {
+  await visit('?vela_query=garden&vela_per_page=2&vela_page=7');
+  const row = () => page.getByRole('navigation', { name: 'Result pages' });
+  assert.deepEqual(await row().locator(':is(a, [aria-current]):visible').allInnerTexts(),
+    ['\u2039 Previous', '4', '5', '6', '7', '8', '9', '10', 'Next \u203a']);
+  assert.equal(await row().locator('[aria-current=page]').innerText(), '7');
+  assert.equal(await row().locator('a[rel=next]').getAttribute('href'),
+    await row().locator('a', { hasText: /^8$/ }).getAttribute('href'));
+  await click(row().locator('a', { hasText: /^10$/ }));
+  assert.equal(await row().locator('[aria-current=page]').innerText(), '10');
+  await closePage(page);
+  await visit('?vela_query=garden');  // the first number stands in the text before the links
+  assert.deepEqual(await row().locator(':is(a, [aria-current])').allInnerTexts(), ['1', '2', '3', 'Next \u203a']);
+  await closePage(page);
+  await visit('?vela_query=garden&vela_page=3');
+  assert.deepEqual(await row().locator(':is(a, [aria-current])').allInnerTexts(), ['\u2039 Previous', '1', '2', '3']);
+  await closePage(page);
+});
+
+test('on a phone the page numbers take one line', async () => {
+  for (const width of [320, 360]) {
+    await visit('?vela_query=garden&vela_per_page=2&vela_page=7', { viewport: { width, height: 700 } });
+    const row = page.locator('.result_pages');
+    const tops = await row.locator(':is(a, [aria-current]):visible')
+      .evaluateAll((items) => items.map((item) => item.getBoundingClientRect().top));
+    assert.equal(new Set(tops).size, 1, `${width}: ${tops}`);
+    assert.ok(tops.length >= 5);
+    assert.equal(await page.getByRole('link', { name: 'Previous' }).isVisible(), true);
+    await closePage(page);
+  }
+});
+
+test('another order begins with its first page', async () => {
+  await visit('?vela_query=garden&vela_page=3');
+  await click(page.locator('.sorting a'));
+  assert.equal(new URL(page.url()).searchParams.get('vela_page'), null);
+  assert.match(await text('.result_title'), /^1\./);
+  await closePage(page);
+});
+
+test('a filter that holds is a chip beside the results, and its cross takes it away', async () => {
+  const chips = () => page.locator('.vela_chosen .vela_on').allInnerTexts();
+  await visit('?vela_query=garden&vela_page=2&vela_and=0&season=1&colours%5B%5D=0&colours%5B%5D=1&year=x&gardener=Ben');
+  assert.deepEqual(await chips(), ['Season: Summer \xd7', 'Colours: Red \xd7', 'Colours: White \xd7', 'Gardener: Ben \xd7']);
+  assert.equal(await page.locator('.vela_options').getAttribute('open'), '');
+  await click(page.getByRole('link', { name: 'Colours: White \u2013 Remove' }));
+  assert.equal(new URL(page.url()).search, '?vela_query=garden&vela_and=0&season=1&colours%5B%5D=0&year=x&gardener=Ben');
+  assert.deepEqual(await titles(), ['Rose garden']);
+  await click(page.locator('.vela_on a', { hasText: 'Season' }));
+  assert.deepEqual(await chips(), ['Colours: Red \xd7', 'Gardener: Ben \xd7']);
+  await closePage(page);
+
+  await visit('?vela_query=garden&vela_datefrom=01/01/2025&vela_dateto=31/12/2025&vela_sort=1');
+  assert.deepEqual(await chips(), ['From: 01/01/2025 To: 31/12/2025 \xd7']);
+  await click(page.locator('.vela_on a'));
+  assert.equal(new URL(page.url()).search, '?vela_query=garden&vela_sort=1');
+  assert.deepEqual(await chips(), []);
+  assert.equal(await page.locator('.vela_options').getAttribute('open'), null);
+  await closePage(page);
+
+  // The form would push the results out of sight.
+  await visit('?vela_query=garden&season=1', { viewport: { width: 360, height: 700 } });
+  assert.equal(await page.locator('.vela_options').getAttribute('open'), null);
+  assert.equal(await page.locator('.vela_on').isVisible(), true);
+  await closePage(page);
+});
+
+test('the categories stay when one is chosen', async () => {
+  const row = () => page.locator('.cat_summary li').allInnerTexts();
+  await visit('?vela_query=garden');
+  await click(page.locator('.cat_summary a', { hasText: 'Visits' }));
+  assert.deepEqual(await row(), ['Plants', 'Visits \xd7', 'Courses']);
+  await click(page.locator('.cat_summary a', { hasText: 'Courses' }));
+  assert.deepEqual(await titles(), ['Course: pruning apple trees']);
+  assert.deepEqual(await row(), ['Plants', 'Visits', 'Courses \xd7']);
+  await click(page.locator('.vela_on a'));
+  assert.deepEqual(await row(), ['Plants (23)', 'Visits (4)', 'Courses (1)']);
+  await closePage(page);
+
+  await visit('?vela_query=garden&vela_cat%5B%5D=1&vela_cat[]=2');  // of two, with their counts
+  assert.deepEqual(await row(), ['Plants', 'Visits \xd7 (4)', 'Courses \xd7 (1)']);
+  await click(page.locator('.vela_on a', { hasText: 'Visits' }));
+  assert.equal(new URL(page.url()).search, '?vela_query=garden&vela_cat[]=2');
+  await closePage(page);
+});
+
+test('the address keeps the bytes of another character set', async () => {
+  await visit('?vela_query=caf%E9&season=1');
+  assert.equal(await page.locator('.vela_on a').getAttribute('href'), '?vela_query=caf%E9');
   await closePage(page);
 });
 
@@ -206,7 +324,7 @@ test('the first paint waits for the page and its style sheet alone', async () =>
   page.on('request', (request) => requests.push([request.resourceType(), new URL(request.url()).pathname]));
   await page.goto(`${server.search}?vela_query=basil`, { waitUntil: 'load' });
   assert.deepEqual(requests.filter(([type]) => type !== 'image'),
-    [['document', '/search/search.cgi'], ['stylesheet', '/search/vela_search.css']]);
+    [['document', '/search/search.cgi'], ['stylesheet', '/search/vela_search.css'], ['script', '/search/vela_search.js']]);
   const blocking = await page.evaluate(() => performance.getEntriesByType('resource')
     .filter((entry) => entry.renderBlockingStatus === 'blocking').map((entry) => new URL(entry.name).pathname));
   assert.deepEqual(blocking, ['/search/vela_search.css']);
@@ -217,7 +335,7 @@ test('everything works without scripts', async () => {
   const plain = { javaScriptEnabled: false };
   await visit('', plain);
   await page.locator('#vela_searchbox').fill('garden');
-  await page.locator('.vela_options summary').click();
+  await unfold(page);
   await page.locator('label[for=vela_cat-1]').click();
   await page.locator('label[for=vela_cat1]').click();
   await page.locator('#vela_datefrom').fill('01/01/2025');

@@ -58,6 +58,7 @@ PUBLIC = {
     "vela_datepicker.js": "text/javascript",
     "vela_datepicker.css": "text/css",
     "vela_search.css": "text/css",
+    "vela_search.js": "text/javascript",
     "vela_results.xsl": "application/xml",
     "vela_opensearch.xml": "application/opensearchdescription+xml",
 }

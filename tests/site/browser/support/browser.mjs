@@ -50,6 +50,11 @@ export async function follow(page, action) {
   await Promise.all([page.waitForEvent('load'), action()]);
 }
 
+// Unfolds the options of the form, which are unfolded already where something is chosen in them.
+export async function unfold(page) {
+  if (await page.locator('.vela_options[open]').count() === 0) await page.locator('.vela_options summary').click();
+}
+
 // Types with no pause between the keys as the page sees it, however slow the machine is. The page's
 // clock has to be installed.
 export async function typeQuickly(page, box, text) {
