@@ -28,6 +28,26 @@ bool ShowsResults(std::string_view page) {
   return page.find(kWholePageMarker) != page.npos || page.find(kResultsMarker) != page.npos;
 }
 
+// "en" of "en-GB".
+std::string_view MainLanguage(std::string_view language) {
+  return language.substr(0, language.find('-'));
+}
+
+// What to warn the owner of in a template that stays as it is.
+Finding TemplateFault(const std::string& name, std::string_view page, const TemplateWords& words) {
+  if (!ShowsResults(page)) {
+    return {.reason = Reason::kTemplateWithoutResults, .where = {}, .subject = name};
+  }
+  const std::string_view its = TemplateLanguage(page);
+  const auto wanted = words.find("TEMPLATE_LANG");
+  if (its.empty() || wanted == words.end() || MainLanguage(its) == MainLanguage(wanted->second)) {
+    return {};
+  }
+  std::string both = "lang=\"";
+  both.append(its).append("\", not \"").append(wanted->second).append("\"");
+  return {.reason = Reason::kTemplateLanguage, .where = name, .subject = both};
+}
+
 bool IsPublic(std::string_view name) {
   return name.ends_with(".css") || name.ends_with(".js") || name.ends_with(".xsl");
 }
@@ -37,22 +57,22 @@ bool IsPublic(std::string_view name) {
 Finding WriteTemplate(const Options& options, const TemplateWords& words,
                       const IndexCharset& charset, const IndexFolder& folder) {
   std::string name = options.templateName;
-  std::string page;
   if (name.empty() && folder.OldHas(kTemplateFileName)) {
-    name = (folder.target() / kTemplateFileName).string();
+    const fs::path old = folder.target() / kTemplateFileName;
     std::error_code error;
     FileContent kept;
     // One that this user cannot read is kept all the same: the web server may be able to.
-    const std::string real = fs::canonical(name, error).string();
+    const std::string real = fs::canonical(old, error).string();
     if (ReadRegularFile(real, kLargestTemplate, kept) != Reason::kNone) return {};
-    page = std::move(kept.bytes);
-  } else {
-    if (name.empty()) name = "default";
-    page = LoadTemplate(name, words, !options.config.searchAddress.empty(), charset);
-    WriteWhole(folder.fresh() / kTemplateFileName, page);
+    // A link leads to a file that is the owner's, whatever it holds.
+    if (!fs::is_symlink(old, error)) name = UnchangedTemplate(kept.bytes);
+    if (name.empty()) return TemplateFault(old.string(), kept.bytes, words);
   }
-  if (ShowsResults(page)) return {};
-  return {.reason = Reason::kTemplateWithoutResults, .where = {}, .subject = name};
+  if (name.empty()) name = "default";
+  const std::string page =
+      LoadTemplate(name, words, !options.config.searchAddress.empty(), charset);
+  WriteWhole(folder.fresh() / kTemplateFileName, page);
+  return TemplateFault(name, page, words);
 }
 
 void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,

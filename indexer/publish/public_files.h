@@ -13,8 +13,10 @@
 namespace vela::indexer {
 
 // Writes search_template.html, the one that options.templateName gives (see LoadTemplate); when
-// that is empty, the one that the index has is kept, and a first index gets the default. Returns
-// what to warn the owner of: a template in which no result would be shown; kNone: nothing.
+// that is empty, the one that the index has is kept unless it is an unchanged copy of a built-in
+// one, which is written anew in the language of the search; a first index gets the default. Returns
+// what to warn the owner of: a template in which no result would be shown, or that is in another
+// language; kNone: nothing.
 Finding WriteTemplate(const Options& options, const TemplateWords& words,
                       const IndexCharset& charset, const IndexFolder& folder);
 

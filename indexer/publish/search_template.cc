@@ -18,6 +18,25 @@ void RemoveOpenSearchLink(std::string& page) {
   page.erase(begin, page.find('\n', at) + 1 - begin);
 }
 
+constexpr std::string_view kMetaCharset = "<meta charset=\"";
+
+// What stands between `opening`, from `at` on, and the next quote.
+std::string_view QuotedBehind(std::string_view page, std::string_view opening, size_t at = 0) {
+  const size_t begin = page.find(opening, at);
+  if (begin == page.npos) return {};
+  page.remove_prefix(begin + opening.size());
+  return page.substr(0, page.find('"'));
+}
+
+// The set that the template was written in; UTF-8 where it names none that is known.
+IndexCharset CharsetOf(std::string_view page) {
+  try {
+    return IndexCharset(std::string(QuotedBehind(page, kMetaCharset)));
+  } catch (const IndexError&) {
+    return {};
+  }
+}
+
 }  // namespace
 
 std::string LoadTemplate(const std::string& name, const TemplateWords& words, bool openSearch,
@@ -31,12 +50,30 @@ std::string LoadTemplate(const std::string& name, const TemplateWords& words, bo
   std::string page = FillTemplateWords(file->content, words);
   if (!openSearch) RemoveOpenSearchLink(page);
   std::string content = charset.WithReferences(page);
-  constexpr std::string_view kUtf8Meta = "<meta charset=\"utf-8\">";
-  const size_t at = content.find(kUtf8Meta);
-  if (!charset.utf8() && at != content.npos) {
-    content.replace(at, kUtf8Meta.size(), "<meta charset=\"" + charset.name() + "\">");
+  const std::string_view named = QuotedBehind(content, kMetaCharset);
+  if (!charset.utf8() && !named.empty()) {
+    content.replace(static_cast<size_t>(named.data() - content.data()), named.size(),
+                    charset.name());
   }
   return content;
+}
+
+std::string_view UnchangedTemplate(std::string_view page) {
+  const IndexCharset charset = CharsetOf(page);
+  const bool openSearch = page.find(kOpenSearchName) != page.npos;
+  for (const std::string_view language : BuiltInLanguages()) {
+    const TemplateWords words = LoadLanguage(std::string(language)).templateWords;
+    for (const std::string_view name : BuiltInTemplates()) {
+      if (LoadTemplate(std::string(name), words, openSearch, charset) == page) return name;
+    }
+  }
+  return {};
+}
+
+std::string_view TemplateLanguage(std::string_view page) {
+  const size_t html = page.find("<html");
+  if (html == page.npos) return {};
+  return QuotedBehind(page.substr(0, page.find('>', html)), " lang=\"", html);
 }
 
 std::string FillTemplateWords(std::string_view page, const TemplateWords& words) {

@@ -16,6 +16,13 @@ namespace vela::indexer {
 std::string LoadTemplate(const std::string& name, const TemplateWords& words, bool openSearch,
                          const IndexCharset& charset);
 
+// The name of the built-in template of which `page` is an unchanged copy, as LoadTemplate makes it
+// in any language that comes with the program; empty when it is none.
+std::string_view UnchangedTemplate(std::string_view page);
+
+// What a template says of its language, <html lang="...">; empty where it says nothing.
+std::string_view TemplateLanguage(std::string_view page);
+
 // `page` with the words where it has their keys in two braces: {{TEMPLATE_SEARCH}}. Braces around
 // anything else stay.
 std::string FillTemplateWords(std::string_view page, const TemplateWords& words);

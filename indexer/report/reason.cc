@@ -36,6 +36,9 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kNoPageToRecommend, "there is no page % to recommend"},
     {Reason::kNoKeyword, "the keywords of % hold no word"},
     {Reason::kKeywordsTooLong, "the keywords of % are too long"},
+    {Reason::kTemplateLanguage,
+     "the template is in another language than the search (%): change its words and its lang, or "
+     "take a built-in one (--template default)"},
     {Reason::kTemplateWithoutResults,
      "the template % shows no results: it has neither <!--VELASEARCH--> nor "
      "<!--VELA_SHOW_RESULTS-->"},

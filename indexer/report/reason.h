@@ -43,6 +43,7 @@ enum class Reason : uint8_t {
   kNoPageToRecommend,
   kNoKeyword,
   kKeywordsTooLong,
+  kTemplateLanguage,
   kTemplateWithoutResults,
 };
 

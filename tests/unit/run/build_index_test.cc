@@ -387,6 +387,67 @@ TEST(BuildIndex, TheTemplateOfTheOwnerStays) {
   EXPECT_EQ(site.Read("search_template.html"), "given");
 }
 
+TEST(BuildIndex, AnUnchangedTemplateFollowsTheLanguage) {
+  for (const char* name : {"default", "minimal"}) {
+    SCOPED_TRACE(name);
+    TestSite site;
+    site.Add("a.html", "x");
+    site.options.templateName = name;
+    site.options.config.searchAddress = "https://x.example/search/search.cgi";
+    site.options.config.charset = "windows-1252";
+    site.Build();
+    const std::string english = site.Read("search_template.html");
+    site.options.templateName.clear();
+    site.options.language = "german";
+    EXPECT_TRUE(site.Build().warnings.empty());
+    EXPECT_NE(site.Read("search_template.html").find("<html lang=\"de\""), std::string::npos);
+    site.options.language = "russian";
+    site.options.config.charset = "utf-8";
+    site.Build();
+    EXPECT_NE(site.Read("search_template.html").find("<title>Поиск "), std::string::npos);
+    site.options.language = "english";
+    site.options.config.charset = "windows-1252";
+    site.Build();
+    EXPECT_EQ(site.Read("search_template.html"), english);
+  }
+}
+
+TEST(BuildIndex, ATemplateInAnotherLanguageIsToldOf) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.Build();
+  const fs::path own = site.index / "search_template.html";
+  const auto warnings = [&](const std::string& page) {
+    WriteFile(own, page);
+    std::vector<Finding> found = site.Build().warnings;
+    EXPECT_EQ(site.Read("search_template.html"), page);
+    return found;
+  };
+  const std::string edited = site.Read("search_template.html") + "<!-- mine -->\n";
+  EXPECT_TRUE(warnings(edited).empty());
+  site.options.language = "german";
+  const std::vector<Finding> found = warnings(edited);
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(FindingText(found[0]),
+            own.string() +
+                ": the template is in another language than the search (lang=\"en\", not "
+                "\"de\"): change its words and its lang, or take a built-in one "
+                "(--template default)");
+  EXPECT_TRUE(warnings("<html class=\"a\" lang=\"de-AT\"><!--VELASEARCH-->").empty());
+  EXPECT_TRUE(warnings("<html><p lang=\"en\"><!--VELASEARCH-->").empty());
+  // A link leads to a file of the owner's, which is left alone.
+  site.options.language = "english";
+  site.options.templateName = "default";
+  site.Build();
+  site.options.templateName.clear();
+  site.options.language = "german";
+  const fs::path elsewhere = site.scratch.path() / "elsewhere.html";
+  fs::rename(own, elsewhere);
+  fs::create_symlink(elsewhere, own);
+  EXPECT_EQ(site.Build().warnings.size(), 1u);
+  EXPECT_TRUE(fs::is_symlink(own));
+}
+
 TEST(BuildIndex, ATemplateThatShowsNoResultsIsToldOf) {
   TestSite site;
   site.Add("a.html", "x");
