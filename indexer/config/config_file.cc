@@ -52,6 +52,17 @@ void ReadSettingsTable(const toml::table* settings, const std::string& file, Sit
   table.Finish();
 }
 
+// What is wrong with the form of the file. The parser stumbles over the end of the line, or of the
+// file, when a quote is missing, and calls that a control character.
+std::string FormFault(std::string_view description) {
+  const bool inText = description.find("string: ") != description.npos;
+  if (inText && (description.find("control characters") != description.npos ||
+                 description.find("end-of-file") != description.npos)) {
+    return "the quote at the end of a text is missing";
+  }
+  return std::string(description);
+}
+
 void ReadTables(const toml::table& root, const ConfigSource& source, Options& options) {
   ConfigTable top(&root, source.file, "the file");
   ReadKeyTables(top, source, options);
@@ -69,7 +80,7 @@ void ReadConfigText(std::string_view text, const std::string& path, Options& opt
     root = toml::parse(text, path);
   } catch (const toml::parse_error& error) {
     RefuseConfig(path, error.source(),
-                 std::string(error.description()) + ". Texts stand in quotes, one key on a line.");
+                 FormFault(error.description()) + ". Texts stand in quotes, one key on a line.");
   }
   ReadTables(root, source, options);
   if (options.config.recommendedFile.empty()) return;

@@ -1,5 +1,7 @@
 #include "indexer/publish/search_template.h"
 
+#include <filesystem>
+
 #include "indexer/config/built_in_template.h"
 #include "indexer/config/embedded_files.h"
 #include "indexer/config/owner_file.h"
@@ -16,6 +18,12 @@ void RemoveOpenSearchLink(std::string& page) {
   if (at == page.npos) return;
   const size_t begin = page.rfind('\n', at) + 1;
   page.erase(begin, page.find('\n', at) + 1 - begin);
+}
+
+[[noreturn]] void RefuseUnknown(const std::string& name) {
+  std::string text = "There is no template " + name + ". Give one of ";
+  for (const std::string_view each : BuiltInTemplates()) text.append(each).append(", ");
+  throw IndexError(ExitStatus::kFailed, text + "or the path of a file that can be read.");
 }
 
 constexpr std::string_view kMetaCharset = "<meta charset=\"";
@@ -41,7 +49,11 @@ IndexCharset CharsetOf(std::string_view page) {
 
 std::string LoadTemplate(const std::string& name, const TemplateWords& words, bool openSearch,
                          const IndexCharset& charset) {
-  if (!IsBuiltInTemplate(name)) return ReadOwnersFile(name, "--template");
+  if (!IsBuiltInTemplate(name)) {
+    std::error_code error;
+    if (!std::filesystem::exists(name, error)) RefuseUnknown(name);
+    return ReadOwnersFile(name, "--template");
+  }
   const EmbeddedFile* file = FindEmbeddedFile(BuiltInTemplateFile(name));
   if (file == nullptr) {
     throw IndexError(ExitStatus::kUsage, "This vela_index was built without the template \"" +

@@ -152,6 +152,9 @@ TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
     const char* message;
   } kCases[] = {
       {"[site\n", "line 1: ", "Texts stand in quotes"},
+      {"[site]\nfolder = \"a\nout = \"b\"\n", "line 2: ", "quote at the end of a text is missing"},
+      {"[site]\nfolder = 'a\n", "line 2: ", "quote at the end of a text is missing"},
+      {"[site]\nfolder = \"a", "line 2: ", "quote at the end of a text is missing"},
       {"a = 1\n", "line 1: ", "there is no \"a\" in the file. Known there: site, index"},
       {"\n[sight]\n", "line 2: ", "there is no \"sight\""},
       {"[site]\nfoldr = \"x\"\n", "line 2: ", "no \"foldr\" in [site]. Known there: folder"},

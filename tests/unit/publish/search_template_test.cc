@@ -4,6 +4,7 @@
 
 #include "indexer/config/built_in_template.h"
 #include "indexer/config/embedded_files.h"
+#include "indexer/report/index_error.h"
 #include "support/indexer_site.h"
 
 namespace vela::indexer {
@@ -61,6 +62,17 @@ TEST(SearchTemplate, TheOwnersTemplateIsTakenAsItStands) {
   const std::string own = "<title>Search </title>{{TEMPLATE_SEARCH}}<!--VELASEARCH-->\n";
   WriteFile(path, own);
   EXPECT_EQ(LoadTemplate(path, LoadLanguage("german").templateWords, true, IndexCharset()), own);
+}
+
+TEST(SearchTemplate, AnUnknownNameTellsTheKnownOnes) {
+  try {
+    LoadTemplate("nice", {}, false, IndexCharset());
+    ADD_FAILURE();
+  } catch (const IndexError& error) {
+    EXPECT_STREQ(error.what(),
+                 "There is no template nice. Give one of default, minimal, embed, or the path of a "
+                 "file that can be read.");
+  }
 }
 
 }  // namespace
