@@ -53,9 +53,9 @@ class LanguageFiles(unittest.TestCase):
 
     def test_there_are_49_keys_and_those_of_the_templates(self):
         self.assertEqual(len(set(program_keys())), 49)
-        self.assertEqual(template_keys(), ["TEMPLATE_LANG", "TEMPLATE_SEARCH", "TEMPLATE_OPTIONS",
-                                           "TEMPLATE_REMOVE", "TEMPLATE_NO_SUCH_PAGE",
-                                           "TEMPLATE_FIRST_PAGE"])
+        self.assertEqual(template_keys(), ["TEMPLATE_LANG", "TEMPLATE_SEARCH", "TEMPLATE_REMOVE",
+                                           "TEMPLATE_NO_SUCH_PAGE", "TEMPLATE_FIRST_PAGE",
+                                           "TEMPLATE_OPTIONS"])
 
     def test_lines_are_utf8_and_of_one_form(self):
         for language in LANGUAGES:
