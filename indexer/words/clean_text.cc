@@ -2,6 +2,7 @@
 
 #include <unicode/bytestream.h>
 #include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
@@ -12,6 +13,33 @@
 namespace vela::indexer {
 
 namespace {
+
+// No language writes more marks over one letter, and the stream-safe text format allows no more.
+constexpr size_t kMarkRunLimit = 30;
+
+// Whether the character is put in order among the marks before it when it is composed.
+bool IsOrderedMark(UChar32 c) {
+  constexpr UChar32 kFirstMark = 0x300;
+  return c >= kFirstMark && u_getIntPropertyValue(c, UCHAR_LEAD_CANONICAL_COMBINING_CLASS) != 0;
+}
+
+// Drops what is beyond kMarkRunLimit in a run of marks: sorting a run takes time in proportion to
+// the square of its length. `text` is valid UTF-8.
+void LimitMarkRuns(std::string& text) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
+  size_t kept = 0;
+  size_t marks = 0;
+  for (size_t i = 0; i < text.size();) {
+    const size_t begin = i;
+    UChar32 c = 0;
+    U8_NEXT(bytes, i, text.size(), c);
+    marks = IsOrderedMark(c) ? marks + 1 : 0;
+    if (marks > kMarkRunLimit) continue;
+    if (kept != begin) std::copy(&text[begin], &text[begin] + (i - begin), &text[kept]);
+    kept += i - begin;
+  }
+  text.resize(kept);
+}
 
 // Combines letters and the marks that follow them into one character where there is one (NFC).
 void Compose(std::string& text) {
@@ -116,6 +144,7 @@ void CleanText(std::string& text) {
       std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
   if (!ascii) {
     if (!IsValidUtf8(text)) text = RepairedUtf8(text);
+    LimitMarkRuns(text);
     Compose(text);
   }
   text = WithPlainSigns(text);

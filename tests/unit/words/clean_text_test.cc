@@ -43,6 +43,23 @@ TEST(CleanText, CleansText) {
   }
 }
 
+// Composing sorts a run of marks, at a cost that grows with the square of its length.
+TEST(CleanText, LimitsTheMarksOverOneLetter) {
+  const auto withMarks = [](size_t pairs) {
+    std::string text = "a";
+    for (size_t i = 0; i < pairs; ++i) text += "\u0301\u0316";
+    CleanText(text += "b");
+    return text;
+  };
+  const std::string most = withMarks(15);
+  EXPECT_EQ(most.size(), 2 + 29 * 2 + 1u);  // one mark is part of the letter
+  for (const size_t pairs : {16u, 32u, 50000u}) EXPECT_EQ(withMarks(pairs), most) << pairs;
+  EXPECT_LT(withMarks(14).size(), most.size());
+  std::string decomposed = "\u0F73\u0F75";  // marks of two parts each, that count as one
+  CleanText(decomposed);
+  EXPECT_FALSE(decomposed.empty());
+}
+
 TEST(CleanText, CollapsesBlanks) {
   EXPECT_EQ(CollapseBlanks("  a   b c "), "a b c");
   EXPECT_EQ(CollapseBlanks("   "), "");
