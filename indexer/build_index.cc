@@ -19,7 +19,6 @@
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
 #include "indexer/source/folder_source.h"
-#include "indexer/words/symbols.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "indexer/write/dictionary_writer.h"
 #include "indexer/write/page_table_writer.h"
@@ -156,7 +155,10 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   PageCollection& collection = pages.collection;
   const Vocabulary& vocabulary = collection.vocabulary;
   facts.pages = collection.pages.size();
-  facts.tokenBytes = TokenWidth(ReservedLimits().limit + 1 + vocabulary.words.size());
+  const ReservedEntries reserved = collection.signs.Finish();
+  facts.reserved = reserved.numbers;
+  const uint64_t firstWord = reserved.texts.size();
+  facts.tokenBytes = TokenWidth(firstWord + vocabulary.words.size());
   if (facts.tokenBytes > kTokenWidthLimit ||
       collection.tokenCount * facts.tokenBytes > kPositionLimit) {
     throw IndexError(ExitStatus::kFailed,
@@ -170,15 +172,16 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
-  facts.dictionary =
-      WriteDictionary(fresh / kDictionaryFileName, vocabulary, order, wordMap.offsets, run.charset);
+  facts.dictionary = WriteDictionary(fresh / kDictionaryFileName, reserved.texts, vocabulary, order,
+                                     wordMap.offsets, run.charset);
   uint64_t bytes = wordMap.fileBytes + facts.dictionary.fileBytes;
-  bytes += pages.text.Finish(fresh / kPageTextFileName, order, facts.tokenBytes);
+  bytes += pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
   const PageTableWriter::Sizes table = pages.table.Finish();
   facts.pageInfoBytes = table.infoBytes;
   bytes += table.infoBytes + table.dataBytes;
   if (run.options.config.spelling) {
-    const SpellingSizes spelling = WriteSpelling(fresh / kSpellingFileName, vocabulary, order);
+    const SpellingSizes spelling =
+        WriteSpelling(fresh / kSpellingFileName, vocabulary, order, firstWord);
     facts.spellings = spelling.entries;
     bytes += spelling.fileBytes;
   }

@@ -40,8 +40,10 @@ void CheckRoomForPage(const PageCollection& collection) {
 // Cuts the page's words and hands their postings on.
 void AddWords(const Page& page, const std::string& addressText, PageCollection& collection) {
   const auto number = static_cast<uint32_t>(collection.pages.size());
-  CutPage({.content = page.content, .title = page.facts.title, .addressText = addressText}, number,
-          collection.forms, collection.vocabulary, collection.tokens);
+  CutPage(
+      {.content = page.content, .title = page.facts.title, .addressText = addressText}, number,
+      {.forms = collection.forms, .vocabulary = collection.vocabulary, .signs = collection.signs},
+      collection.tokens);
   const size_t memory = collection.input.memory;
   const size_t taken = MemoryOf(collection.vocabulary);
   collection.postings.SetMemory(std::max(kLeastPostingBytes, memory - std::min(memory, taken)));

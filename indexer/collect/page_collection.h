@@ -9,6 +9,7 @@
 #include "indexer/collect/page_entry.h"
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
+#include "indexer/collect/sign_entries.h"
 #include "indexer/collect/site_rules.h"
 #include "indexer/collect/suggestion_list.h"
 #include "indexer/collect/vocabulary.h"
@@ -37,6 +38,7 @@ struct PageCollection {
   CanonicalAddresses addresses;
   WordForms forms;
   Vocabulary vocabulary;
+  SignEntries signs;
   PostingRuns postings;
   std::vector<PageLengths> pages;
   SuggestionList suggestions;

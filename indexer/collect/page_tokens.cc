@@ -17,52 +17,60 @@ uint8_t HeadingZone(uint8_t level) {
 
 // What the tokens of a page are made with and go to.
 struct PageCut {
-  WordForms& forms;
-  Vocabulary& vocabulary;
+  const SiteWords& site;
   PageTokens& out;
 };
+
+// Writes the signs behind the last word as one token. The next begins as `blankBehind` says.
+void CloseGap(const PageCut& cut, bool blankBehind) {
+  SignGap& gap = cut.out.gap;
+  if (!gap.IsEmpty()) cut.out.tokens.push_back({cut.site.signs.Find(gap, blankBehind), 0});
+  gap.Clear(blankBehind);
+}
 
 // Cuts one run of text and appends its tokens. Returns the number of its words.
 uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
   PageTokens& out = cut.out;
   uint32_t wordCount = 0;
+  out.gap.Clear(true);
   for (std::string_view chunk = NextChunk(text); !chunk.empty(); chunk = NextChunk(text)) {
     CutChunk(chunk, out.chunk);
     const uint32_t firstPlace = inBody ? out.bodyWords : 0;
     uint32_t place = firstPlace;
     out.places.clear();
     out.written.clear();
+    out.gap.AddBlank();
     for (const TextToken& token : out.chunk.tokens) {
+      const std::string_view base =
+          token.sign == 0 ? cut.site.forms.Base(token.base) : std::string_view();
+      if (!base.empty()) CloseGap(cut, false);
       const auto written = static_cast<uint32_t>(out.tokens.size());
       out.places.push_back(place);
-      out.written.push_back(written);
-      if (token.reserved != 0) {
-        out.tokens.push_back({token.reserved, 0});
-        continue;
-      }
-      const std::string_view base = cut.forms.Base(token.base);
+      out.written.push_back(base.empty() ? kNone32 : written);
+      if (token.sign != 0) out.gap.AddSign(token.sign);
       if (base.empty()) continue;
-      const uint32_t word = FindOrAddWord(cut.vocabulary, base);
+      const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
       const uint8_t variant =
-          FindOrAddVariant(cut.vocabulary, word, cut.forms.Surface(token.surface));
-      cut.vocabulary.words[word].isWritten = true;
+          FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(token.surface));
+      cut.site.vocabulary.words[word].isWritten = true;
       out.occurrences.push_back({word, written, place, zone, inBody});
       out.tokens.push_back({kWordBase + word, variant});
       ++place;
     }
     for (const FoundForm& form : out.chunk.forms) {
-      const std::string_view base = cut.forms.FoundBase(form.text);
+      const std::string_view base = cut.site.forms.FoundBase(form.text);
       // A word that could not be written has no place of its own.
-      if (base.empty() || out.written[form.token] >= out.tokens.size()) continue;
-      const uint32_t word = FindOrAddWord(cut.vocabulary, base);
+      if (base.empty() || out.written[form.token] == kNone32) continue;
+      const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
       // Beside its stem, so that a pattern such as "cafe*" meets it whole.
-      FindOrAddVariant(cut.vocabulary, word, cut.forms.Surface(form.text));
+      FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(form.text));
       out.occurrences.push_back(
           {word, out.written[form.token], out.places[form.token], zone, inBody});
     }
     wordCount += place - firstPlace;
     if (inBody) out.bodyWords = place;
   }
+  CloseGap(cut, true);
   return wordCount;
 }
 
@@ -110,9 +118,9 @@ void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageTokens& ou
 
 }  // namespace
 
-void CutPage(const PageTexts& page, uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary,
-             PageTokens& out) {
-  const PageCut cut = {.forms = forms, .vocabulary = vocabulary, .out = out};
+void CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, PageTokens& out) {
+  const PageCut cut = {.site = site, .out = out};
+  Vocabulary& vocabulary = site.vocabulary;
   out.tokens.clear();
   out.postings.clear();
   out.occurrences.clear();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "indexer/collect/postings.h"
+#include "indexer/collect/sign_entries.h"
 #include "indexer/collect/vocabulary.h"
 #include "indexer/extract/page.h"
 #include "indexer/words/word_cut.h"
@@ -13,9 +14,9 @@
 
 namespace vela::indexer {
 
-// One token of the page text. Reserved numbers are final; a word has kWordBase plus its number in
-// the vocabulary until the dictionary's order is known.
-constexpr uint32_t kWordBase = 4096;
+// One token of the page text. Until the dictionary's order is known signs have the number that
+// SignEntries gave, and a word has kWordBase plus its number in the vocabulary.
+constexpr uint32_t kWordBase = kSignNumberLimit;
 struct PageToken {
   uint32_t number = 0;
   uint8_t variant = 0;
@@ -48,6 +49,7 @@ struct PageTokens {
   std::vector<uint32_t> places;      // of the chunk's tokens among the body's words
   std::vector<uint32_t> written;     // of the chunk's tokens among the page's tokens
   ChunkTokens chunk;
+  SignGap gap;
 };
 
 // The texts of a page that its words are cut from.
@@ -57,9 +59,14 @@ struct PageTexts {
   std::string_view addressText;
 };
 
-// Cuts the page of that number and fills `out`; new words join the vocabulary in the form that
-// `forms` gives them.
-void CutPage(const PageTexts& page, uint32_t pageNumber, WordForms& forms, Vocabulary& vocabulary,
-             PageTokens& out);
+// What the words and signs of all pages join.
+struct SiteWords {
+  WordForms& forms;  // gives a word the form of the dictionary
+  Vocabulary& vocabulary;
+  SignEntries& signs;
+};
+
+// Cuts the page of that number and fills `out`.
+void CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, PageTokens& out);
 
 }  // namespace vela::indexer

@@ -61,8 +61,7 @@ std::string_view PlainWord(std::string_view chunk, bool& begins, bool& ends) {
   bool broken = false;
   size_t length = 0;
   for (size_t at = 0; at < chunk.size(); at += length) {
-    const bool word =
-        ClassifyCharacter(DecodeCharacter(chunk, at, length)).kind == CharacterKind::kWord;
+    const bool word = ClassifyCharacter(DecodeCharacter(chunk, at, length)) == CharacterKind::kWord;
     if (!word) continue;
     if (first == chunk.npos)
       first = at;

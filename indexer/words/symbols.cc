@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "format/page_text.h"
-
 namespace vela::indexer {
 
 namespace {
@@ -25,9 +23,19 @@ constexpr char32_t kSymbols[] = {
     0x25CF, 0x2605, 0x2713, 0x3001, 0x3002, 0x3008, 0x3009, 0x300A, 0x300B, 0x300C, 0x300D, 0x300E,
     0x300F, 0x3010, 0x3011, 0x30FB, 0xFF01, 0xFF08, 0xFF09, 0xFF0C, 0xFF1A, 0xFF1B, 0xFF1F,
 };
-constexpr auto kSymbolCount = static_cast<uint32_t>(std::size(kSymbols));
 static_assert(std::is_sorted(std::begin(kSymbols), std::end(kSymbols)));
-static_assert(kSymbolCount <= 255);
+
+}  // namespace
+
+CharacterKind ClassifyCharacter(char32_t c) {
+  if (c < 0x80) {
+    const bool letter = (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
+    if (letter || (c >= U'0' && c <= U'9')) return CharacterKind::kWord;
+  }
+  if (std::ranges::binary_search(kSymbols, c)) return CharacterKind::kSymbol;
+  const bool dropped = c == 0xFFFD || u_ispunct(static_cast<UChar32>(c)) != 0 || c < 0x80;
+  return dropped ? CharacterKind::kDropped : CharacterKind::kWord;
+}
 
 std::string HtmlText(char32_t c) {
   switch (c) {
@@ -44,46 +52,6 @@ std::string HtmlText(char32_t c) {
   size_t length = 0;
   U8_APPEND_UNSAFE(bytes, length, c);
   return std::string(reinterpret_cast<const char*>(bytes), length);
-}
-
-}  // namespace
-
-ReservedNumbers ReservedLimits() {
-  ReservedNumbers numbers;
-  numbers.suffixes = kFirstSignWord - 1 + 2 * kSymbolCount;
-  numbers.prefixes = numbers.suffixes + kSymbolCount;
-  numbers.noSpaces = numbers.prefixes + kSymbolCount;
-  numbers.limit = numbers.noSpaces;
-  return numbers;
-}
-
-CharacterClass ClassifyCharacter(char32_t c) {
-  if (c < 0x80) {
-    const bool letter = (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z');
-    if (letter || (c >= U'0' && c <= U'9')) return {};
-  }
-  const auto* found = std::lower_bound(std::begin(kSymbols), std::end(kSymbols), c);
-  if (found != std::end(kSymbols) && *found == c) {
-    return {CharacterKind::kSymbol, static_cast<uint8_t>(found - std::begin(kSymbols))};
-  }
-  const bool dropped = c == 0xFFFD || u_ispunct(static_cast<UChar32>(c)) != 0 || c < 0x80;
-  return {dropped ? CharacterKind::kDropped : CharacterKind::kWord, 0};
-}
-
-uint32_t ReservedNumber(uint8_t symbol, SymbolForm form) {
-  return kFirstSignWord + static_cast<uint32_t>(form) * kSymbolCount + symbol;
-}
-
-std::vector<std::string> ReservedTexts() {
-  // The two marks are never shown; no query holds a bracket, so no phrase finds them.
-  std::vector<std::string> texts = {"(page)", "(run)"};
-  for (const SymbolForm form :
-       {SymbolForm::kSuffix, SymbolForm::kAlone, SymbolForm::kPrefix, SymbolForm::kBetween}) {
-    for (const char32_t c : kSymbols) {
-      texts.push_back((form == SymbolForm::kAlone ? "&#32;" : "") + HtmlText(c));
-    }
-  }
-  return texts;
 }
 
 char32_t DecodeCharacter(std::string_view text, size_t at, size_t& length) {

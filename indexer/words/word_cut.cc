@@ -17,13 +17,12 @@ constexpr size_t kSignRunLimit = 4;
 // A cut of one chunk under way.
 struct ChunkCut {
   ChunkTokens& out;
-  size_t next = 0;         // the first character whose sign is not written yet
-  bool afterWord = false;  // a word was written
+  size_t next = 0;  // the first character whose sign is not written yet
 };
 
 char ByteOf(const ChunkCut& cut, const ChunkCharacter& c) { return cut.out.lower[c.at]; }
 
-bool IsWord(const ChunkCharacter& c) { return c.kind.kind == CharacterKind::kWord; }
+bool IsWord(const ChunkCharacter& c) { return c.kind == CharacterKind::kWord; }
 
 bool IsOneOf(char byte, std::string_view set) { return set.find(byte) != set.npos; }
 
@@ -39,16 +38,13 @@ size_t ByteAt(const ChunkCut& cut, size_t character) {
   return character < characters.size() ? characters[character].at : cut.out.lower.size();
 }
 
-// Writes the signs among the characters next .. end. The first has the form `first`, the others
-// the form `others`.
-void WriteSigns(ChunkCut& cut, size_t end, SymbolForm first, SymbolForm others) {
+// Writes the signs among the characters next .. end.
+void WriteSigns(ChunkCut& cut, size_t end) {
   size_t written = 0;
   for (; cut.next < end; ++cut.next) {
-    const CharacterClass kind = cut.out.characters[cut.next].kind;
-    if (kind.kind != CharacterKind::kSymbol || written == kSignRunLimit) continue;
-    TextToken token;
-    token.reserved = ReservedNumber(kind.symbol, written == 0 ? first : others);
-    cut.out.tokens.push_back(token);
+    const ChunkCharacter& c = cut.out.characters[cut.next];
+    if (c.kind != CharacterKind::kSymbol || written == kSignRunLimit) continue;
+    cut.out.tokens.push_back({.sign = c.character, .base = {}, .surface = {}});
     ++written;
   }
 }
@@ -100,10 +96,8 @@ void WriteWord(ChunkCut& cut, size_t first, size_t last) {
     ForEachPart(cut, first, last, [&](size_t a, size_t b) { WriteWord(cut, a, b); });
     return;
   }
-  WriteSigns(cut, first, cut.afterWord ? SymbolForm::kBetween : SymbolForm::kPrefix,
-             SymbolForm::kBetween);
+  WriteSigns(cut, first);
   cut.next = last;
-  cut.afterWord = true;
   const std::string_view lower = cut.out.lower;
   const std::string_view surface = cut.out.surface;
   const size_t token = cut.out.tokens.size();
@@ -167,7 +161,7 @@ void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
   }
   // The signs before the first piece are tokens too: the forms belong to the word behind them.
   size_t token = firstToken;
-  while (token < cut.out.tokens.size() && cut.out.tokens[token].reserved != 0) ++token;
+  while (token < cut.out.tokens.size() && cut.out.tokens[token].sign != 0) ++token;
   if (whole || token == cut.out.tokens.size()) return;
   std::string_view form = std::string_view(cut.out.lower).substr(begin, end - begin);
   form.remove_prefix(std::min(form.find_first_not_of('-'), form.size()));
@@ -190,7 +184,7 @@ void AddCurlyForm(ChunkCut& cut, size_t token, size_t begin, size_t end) {
 }
 
 size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
-  while (token < cut.out.tokens.size() && cut.out.tokens[token].reserved != 0) ++token;
+  while (token < cut.out.tokens.size() && cut.out.tokens[token].sign != 0) ++token;
   return token;
 }
 
@@ -237,7 +231,7 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
 bool HasWordCharacter(std::string_view text) {
   size_t length = 0;
   for (size_t at = 0; at < text.size(); at += length) {
-    if (ClassifyCharacter(DecodeCharacter(text, at, length)).kind == CharacterKind::kWord) {
+    if (ClassifyCharacter(DecodeCharacter(text, at, length)) == CharacterKind::kWord) {
       return true;
     }
   }
@@ -261,8 +255,10 @@ void ClassifyChunk(ChunkTokens& out) {
   for (size_t i = 0; i < out.surface.size();) {
     size_t length = 0;
     const char32_t c = DecodeCharacter(out.surface, i, length);
-    out.characters.push_back(
-        {static_cast<uint32_t>(i), static_cast<uint32_t>(length), ClassifyCharacter(c)});
+    out.characters.push_back({.at = static_cast<uint32_t>(i),
+                              .length = static_cast<uint32_t>(length),
+                              .character = c,
+                              .kind = ClassifyCharacter(c)});
     i += length;
   }
 }
@@ -308,11 +304,7 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
   WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
   const bool trimmed = first > 0 || last < characters.size();
   if (trimmed && chunk.find_first_of("#+_") != chunk.npos) AddQueryForms(cut);
-  if (cut.afterWord) {
-    WriteSigns(cut, characters.size(), SymbolForm::kSuffix, SymbolForm::kSuffix);
-  } else {
-    WriteSigns(cut, characters.size(), SymbolForm::kAlone, SymbolForm::kSuffix);
-  }
+  WriteSigns(cut, characters.size());
 }
 
 }  // namespace vela::indexer

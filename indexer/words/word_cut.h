@@ -27,7 +27,7 @@ constexpr std::string_view kWordJoinChars = ".-_";
 constexpr size_t kWordBytesLimit = 120;
 
 struct TextToken {
-  uint32_t reserved = 0;     // a sign; 0 for a word
+  char32_t sign = 0;         // 0 for a word
   std::string_view base;     // of a word: lower-cased, as the dictionary has it
   std::string_view surface;  // as the page writes it
 };
@@ -42,7 +42,8 @@ struct FoundForm {
 struct ChunkCharacter {
   uint32_t at = 0;
   uint32_t length = 0;
-  CharacterClass kind;
+  char32_t character = 0;
+  CharacterKind kind = CharacterKind::kWord;
 };
 
 // The tokens of one chunk. All views point into this record and hold until the next cut.

@@ -3,12 +3,12 @@
 #include <string>
 
 #include "format/dictionary.h"
-#include "indexer/words/symbols.h"
 #include "indexer/write/out_file.h"
 
 namespace vela::indexer {
 
-DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabulary& vocabulary,
+DictionarySizes WriteDictionary(const std::filesystem::path& path,
+                                std::span<const std::string> reserved, const Vocabulary& vocabulary,
                                 const std::vector<uint32_t>& order,
                                 const std::vector<uint64_t>& offsets, const IndexCharset& charset) {
   DictionarySizes sizes;
@@ -19,7 +19,7 @@ DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabul
     ++sizes.entries;
     sizes.baseBytes += static_cast<uint64_t>(BasewordBufferBytes(text.size()));
   };
-  for (const std::string& text : ReservedTexts()) {
+  for (const std::string& text : reserved) {
     writeBase(charset.WithReferences(text), kNoWordList, 0);
   }
   for (const uint32_t number : order) {

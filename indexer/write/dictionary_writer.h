@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
+#include <string>
 #include <vector>
 
 #include "indexer/collect/vocabulary.h"
@@ -19,9 +21,10 @@ struct DictionarySizes {
   uint64_t fileBytes = 0;
 };
 
-// Writes the reserved entries, in the character set, and then the words in `order`. `offsets` holds
-// the place of each word's list in the word map, by its number in the vocabulary.
-DictionarySizes WriteDictionary(const std::filesystem::path& path, const Vocabulary& vocabulary,
+// Writes the texts of the reserved entries, in the character set, and then the words in `order`.
+// `offsets` holds the place of each word's list in the word map, by its number in the vocabulary.
+DictionarySizes WriteDictionary(const std::filesystem::path& path,
+                                std::span<const std::string> reserved, const Vocabulary& vocabulary,
                                 const std::vector<uint32_t>& order,
                                 const std::vector<uint64_t>& offsets, const IndexCharset& charset);
 

@@ -4,7 +4,6 @@
 
 #include "format/page_text.h"
 #include "indexer/report/index_error.h"
-#include "indexer/words/symbols.h"
 
 namespace vela::indexer {
 
@@ -26,11 +25,11 @@ void PageTextWriter::AddPage(const std::vector<PageToken>& tokens) {
   tokens_ += tokens.size();
 }
 
-uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
+uint64_t PageTextWriter::Finish(const std::filesystem::path& path, const ReservedEntries& reserved,
                                 const std::vector<uint32_t>& order, size_t tokenBytes) {
   waiting_->Close();
   waiting_.reset();
-  const uint32_t firstWord = ReservedLimits().limit + 1;
+  const uint32_t firstWord = reserved.numbers.limit + 1;
   std::vector<uint32_t> numbers(order.size());
   for (uint32_t place = 0; place < order.size(); ++place) numbers[order[place]] = firstWord + place;
 
@@ -44,7 +43,7 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path,
       for (size_t b = 4; b-- > 0;) {
         number = number << 8 | static_cast<unsigned char>(buffer[i + b]);
       }
-      if (number >= kWordBase) number = numbers[number - kWordBase];
+      number = number >= kWordBase ? numbers[number - kWordBase] : reserved.finals[number];
       const auto variant = static_cast<unsigned char>(buffer[i + 4]);
       out.WriteNumber(number, tokenBytes - kTokenVariantWidth);
       out.WriteNumber(variant, kTokenVariantWidth);

@@ -20,8 +20,8 @@ class PageTextWriter {
   void AddPage(const std::vector<PageToken>& tokens);
   // Writes `path` and lets go of the temporary file. `order` is DictionaryOrder, `tokenBytes`
   // DictIDLen. Returns the size in bytes.
-  uint64_t Finish(const std::filesystem::path& path, const std::vector<uint32_t>& order,
-                  size_t tokenBytes);
+  uint64_t Finish(const std::filesystem::path& path, const ReservedEntries& reserved,
+                  const std::vector<uint32_t>& order, size_t tokenBytes);
 
  private:
   std::filesystem::path temporary_;

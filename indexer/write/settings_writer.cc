@@ -11,7 +11,6 @@
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "indexer/words/stored_text.h"
-#include "indexer/words/symbols.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
 #include "settings/setting_keys.h"
@@ -163,7 +162,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   out.Add("UseAutoComplete", facts.autocomplete == 0 ? 0 : 1);
   out.AddCount(kLineLengthKey, facts.lineLength);
 
-  const ReservedNumbers reserved = ReservedLimits();
+  const ReservedNumbers& reserved = facts.reserved;
   out.Add("UseBigPageInfoData", 0);
   out.AddCount("DictIDLen", facts.tokenBytes);
   out.Add("DictReservedLimit", reserved.limit);

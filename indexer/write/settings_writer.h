@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "indexer/collect/sign_entries.h"
 #include "indexer/config/site_config.h"
 #include "indexer/words/index_charset.h"
 #include "indexer/write/dictionary_writer.h"
@@ -13,6 +14,7 @@ namespace vela::indexer {
 
 struct IndexFacts {
   DictionarySizes dictionary;
+  ReservedNumbers reserved;
   uint64_t pages = 0;
   uint64_t pageInfoBytes = 0;
   size_t tokenBytes = 0;      // DictIDLen

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "format/spelling.h"
-#include "indexer/words/symbols.h"
 #include "indexer/write/out_file.h"
 #include "text/ascii.h"
 #include "text/sound_key.h"
@@ -26,10 +25,9 @@ bool IsPlainWord(std::string_view text) {
 }  // namespace
 
 SpellingSizes WriteSpelling(const std::filesystem::path& path, const Vocabulary& vocabulary,
-                            const std::vector<uint32_t>& order) {
+                            const std::vector<uint32_t>& order, uint64_t firstWord) {
   // std::string compares bytes as unsigned, as the search does.
   std::map<std::string, std::vector<uint64_t>> keys;
-  const uint64_t firstWord = ReservedLimits().limit + 1;
   for (size_t place = 0; place < order.size(); ++place) {
     const Word& word = vocabulary.words[order[place]];
     if (!word.isWritten || word.pageCount == 0 || !IsPlainWord(TextOf(word))) continue;

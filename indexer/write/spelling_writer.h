@@ -16,8 +16,8 @@ struct SpellingSizes {
 
 // Takes the words that pages write, as the dictionary has them, that are made of
 // letters alone, two at least. Those on more pages come first under their key. `order` is
-// DictionaryOrder.
+// DictionaryOrder, `firstWord` the number of its first word in the dictionary.
 SpellingSizes WriteSpelling(const std::filesystem::path& path, const Vocabulary& vocabulary,
-                            const std::vector<uint32_t>& order);
+                            const std::vector<uint32_t>& order, uint64_t firstWord);
 
 }  // namespace vela::indexer

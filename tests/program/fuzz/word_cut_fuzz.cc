@@ -14,8 +14,8 @@ namespace {
 void CheckCut(const indexer::ChunkTokens& cut, bool clean) {
   std::string_view rest = cut.surface;
   for (const indexer::TextToken& token : cut.tokens) {
-    VELA_CHECK(token.reserved <= indexer::ReservedLimits().limit);
-    if (token.reserved != 0) {
+    if (token.sign != 0) {
+      VELA_CHECK(indexer::ClassifyCharacter(token.sign) == indexer::CharacterKind::kSymbol);
       VELA_CHECK(token.base.empty() && token.surface.empty());
       continue;
     }
@@ -32,7 +32,7 @@ void CheckCut(const indexer::ChunkTokens& cut, bool clean) {
     VELA_CHECK(lower == token.base);
   }
   for (const indexer::FoundForm& form : cut.forms) {
-    VELA_CHECK(form.token < cut.tokens.size() && cut.tokens[form.token].reserved == 0);
+    VELA_CHECK(form.token < cut.tokens.size() && cut.tokens[form.token].sign == 0);
     VELA_CHECK(!form.text.empty() && form.text.size() <= indexer::kWordBytesLimit);
     VELA_CHECK(form.text.find_first_of("\"*?:<> ") == form.text.npos);
     VELA_CHECK(form.text != cut.tokens[form.token].base);
@@ -43,7 +43,7 @@ void CheckCut(const indexer::ChunkTokens& cut, bool clean) {
 std::string Listing(const indexer::ChunkTokens& cut) {
   std::string all;
   for (const indexer::TextToken& token : cut.tokens) {
-    all += std::to_string(token.reserved) + ' ';
+    all += std::to_string(uint32_t{token.sign}) + ' ';
     all.append(token.base).append(1, ' ').append(token.surface).append(1, '\n');
   }
   for (const indexer::FoundForm& form : cut.forms) {

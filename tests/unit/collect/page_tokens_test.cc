@@ -10,6 +10,7 @@ namespace {
 
 struct CutResult {
   Vocabulary vocabulary;
+  SignEntries signs;
   PageTokens words;
 
   const Posting* Find(std::string_view text) const {
@@ -44,8 +45,8 @@ CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
   page.description = description;
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
-  CutPage({.content = page, .title = title, .addressText = address}, 0, forms, result.vocabulary,
-          result.words);
+  CutPage({.content = page, .title = title, .addressText = address}, 0,
+          {.forms = forms, .vocabulary = result.vocabulary, .signs = result.signs}, result.words);
   return result;
 }
 
@@ -120,6 +121,19 @@ TEST(PageTokens, BlocksOfALongPageAreEighths) {
   EXPECT_EQ(page.Find("w256")->blocks, 0x01);
 }
 
+TEST(PageTokens, SignsBetweenTwoWordsAreOneToken) {
+  const CutResult page = CutOf({{"open (2026): Monday \u2013 \"Friday\", and/or - not", 0}}, "t");
+  EXPECT_EQ(page.Tokens(), "open # 2026 # monday # friday # and # or # not | t .");
+  const ReservedEntries entries = page.signs.Finish();
+  std::string texts;
+  for (const PageToken& token : page.words.tokens) {
+    if (token.number < kWordBase && token.number > kRunEndWord) {
+      texts += entries.texts[entries.finals[token.number]] + " ";
+    }
+  }
+  EXPECT_EQ(texts, "( ): \u2013&#32;&#34; &#34;, / &#32;- ");
+}
+
 TEST(PageTokens, SignsAreNoWords) {
   std::string text;
   for (int i = 0; i < 31; ++i) text += "( ; ";
@@ -141,13 +155,15 @@ TEST(PageTokens, CountsDifferentTitleWords) {
 
 TEST(PageTokens, VariantsAreThoseOfTheSite) {
   Vocabulary vocabulary;
+  SignEntries signs;
   PageTokens words;
   PageContent page;
   page.body = {{"Cat CAT cat", 0}};
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
-  CutPage({.content = page, .title = "x", .addressText = ""}, 0, forms, vocabulary, words);
-  CutPage({.content = page, .title = "x", .addressText = ""}, 1, forms, vocabulary, words);
+  const SiteWords site = {.forms = forms, .vocabulary = vocabulary, .signs = signs};
+  CutPage({.content = page, .title = "x", .addressText = ""}, 0, site, words);
+  CutPage({.content = page, .title = "x", .addressText = ""}, 1, site, words);
   EXPECT_EQ(words.tokens[0].variant, 1);
   EXPECT_EQ(words.tokens[1].variant, 2);
   EXPECT_EQ(words.tokens[2].variant, 0);

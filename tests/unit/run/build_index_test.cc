@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "indexer/report/index_error.h"
-#include "indexer/words/symbols.h"
 #include "support/indexer_site.h"
 
 namespace vela::indexer {
@@ -23,7 +22,8 @@ int64_t Setting(const TestSite& site, const std::string& key) {
 std::string DictionaryWords(const TestSite& site) {
   const std::string dictionary = site.Read("vela_dictionary.vdat");
   size_t at = 0;
-  for (uint32_t i = 0; i <= ReservedLimits().limit; ++i) at = dictionary.find('\n', at) + 1;
+  for (int64_t i = 0; i <= Setting(site, "DictReservedLimit"); ++i)
+    at = dictionary.find('\n', at) + 1;
   return dictionary.substr(at);
 }
 
@@ -40,26 +40,25 @@ TEST(BuildIndex, WritesATinySite) {
   // the order in which the words came: a, cat, dog, of one record each.
   EXPECT_EQ(DictionaryWords(site), "a 0 1\nA\ncat 14 1\nCat\ndog 28 0\n");
 
-  // 2 + 11 and 2 + 13: "," and "." are the 12th and the 14th sign, as suffixes. There are 107 signs
-  // of four forms, so the reserved numbers end at 429 and the words are 430, 431 and 432. The body,
-  // the title and the address; 1 ends a run, 0 the page.
+  // The entries 0 and 1 end a page and a run; 2 and 3 are "," and ".", as suffixes; the words are
+  // 4, 5 and 6. The body, the title and the address.
   EXPECT_EQ(site.Read("vela_pagetext.vdat"),
-            "\xAE\x01\x01"
-            "\xAF\x01\0"
-            "\x0D\0\0"
-            "\xAE\x01\0"
-            "\xB0\x01\0"
-            "\x0F\0\0"
-            "\x01\0\0"
-            "\xAF\x01\x01"
-            "\x01\0\0"
-            "\xAE\x01\0"
-            "\0\0\0"s);
-  EXPECT_EQ(Setting(site, "DictIDLen"), 3);
-  EXPECT_EQ(Setting(site, "DictReservedLimit"), 429);
-  EXPECT_EQ(Setting(site, "DictReservedSuffixes"), 215);
-  EXPECT_EQ(Setting(site, "DictReservedPrefixes"), 322);
-  EXPECT_EQ(Setting(site, "DictReservedNoSpaces"), 429);
+            "\x04\x01"
+            "\x05\0"
+            "\x02\0"
+            "\x04\0"
+            "\x06\0"
+            "\x03\0"
+            "\x01\0"
+            "\x05\x01"
+            "\x01\0"
+            "\x04\0"
+            "\0\0"s);
+  EXPECT_EQ(Setting(site, "DictIDLen"), 2);
+  EXPECT_EQ(Setting(site, "DictReservedLimit"), 3);
+  EXPECT_EQ(Setting(site, "DictReservedSuffixes"), 3);
+  EXPECT_EQ(Setting(site, "DictReservedPrefixes"), 3);
+  EXPECT_EQ(Setting(site, "DictReservedNoSpaces"), 3);
 
   // On the only page every word is as rare as can be. "a": twice in the text, 90 x 2 / (2 + 2), and
   // in the address, 40. "cat": 228 in a title, 19 more in a title of one word, and up to 8 for the
@@ -72,11 +71,11 @@ TEST(BuildIndex, WritesATinySite) {
             "\x01\0\0\0"
             "\xF9\x80"
             "\0\0\0"
-            "\x03\0\0\0\0"  // 249, position 3
+            "\x02\0\0\0\0"  // 249, position 2
             "\x01\0\0\0"
             "\x1E\x80"
             "\0\0\0"
-            "\x0C\0\0\0\0"s);  // 30, position 12
+            "\x08\0\0\0\0"s);  // 30, position 8
 
   EXPECT_EQ(site.Read("vela_pagedata.vdat"), "https://x.example/a.html|Cat|||\n");
   EXPECT_EQ(site.Read("vela_pageinfo.vdat"),
@@ -88,12 +87,11 @@ TEST(BuildIndex, WritesATinySite) {
   EXPECT_EQ(html.size(), 0x25u);
   EXPECT_EQ(Setting(site, "NumPages"), 1);
   EXPECT_EQ(Setting(site, "PageInfoSize"), 17);
-  EXPECT_EQ(Setting(site, "NumKeywords"), 433);
+  EXPECT_EQ(Setting(site, "NumKeywords"), 7);
   EXPECT_EQ(Setting(site, "NumVariants"), 2);
   EXPECT_EQ(Setting(site, "OutputVariantBufferSize"), 3 + 5);  // length byte, text, terminator
-  int64_t baseBytes = 2 + 4 + 4;
-  for (const std::string& text : ReservedTexts()) baseBytes += std::ssize(text) + 1;
-  EXPECT_EQ(Setting(site, "OutputBasewordBufferSize"), baseBytes);
+  // "(page)", "(run)", the signs, the words.
+  EXPECT_EQ(Setting(site, "OutputBasewordBufferSize"), 7 + 6 + 2 * 2 + 2 + 4 + 4);
 
   const std::string settings = site.Read("settings.vdat");
   for (const char* line : {"UseUTF8 = 1\n", "Charset = \"utf-8\"\n", "WordJoinChars = \".-_\"\n",

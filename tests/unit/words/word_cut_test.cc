@@ -12,33 +12,20 @@
 namespace vela::indexer {
 namespace {
 
-// The tokens of a chunk on one line. A word is its base form, with "/" and its surface where that
-// differs; a sign has the letter of its form before it: s(uffix), a(lone), p(refix), n(o blanks).
-// Further forms stand in braces, sorted, each once.
+// The tokens of a chunk on one line, signs as in HTML. A word is its base form, with "/" and its
+// surface where that differs. Further forms stand in braces, sorted, each once.
 std::string Cut(std::string_view chunk) {
   ChunkTokens cut;
   CutChunk(chunk, cut);
-  const std::vector<std::string> texts = ReservedTexts();
-  const ReservedNumbers numbers = ReservedLimits();
   std::string line;
   for (const TextToken& token : cut.tokens) {
     if (!line.empty()) line += ' ';
-    if (token.reserved == 0) {
-      line += token.base;
-      if (token.base != token.surface) line.append("/").append(token.surface);
+    if (token.sign != 0) {
+      line += HtmlText(token.sign);
       continue;
     }
-    std::string text = texts[token.reserved];
-    char form = 's';
-    if (token.reserved > numbers.prefixes) {
-      form = 'n';
-    } else if (token.reserved > numbers.suffixes) {
-      form = 'p';
-    } else if (text.starts_with("&#32;")) {
-      form = 'a';
-      text.erase(0, 5);
-    }
-    line += form + text;
+    line += token.base;
+    if (token.base != token.surface) line.append("/").append(token.surface);
   }
   std::set<std::string> forms;
   for (const FoundForm& form : cut.forms) forms.insert(form.text);
@@ -54,48 +41,48 @@ TEST(WordCut, CutsChunks) {
       {"a plain word", "cat", "cat"},
       {"a capital letter", "Cat", "cat/Cat"},
       {"other alphabets", "ЖУК", "жук/ЖУК"},
-      {"punctuation behind", "cat,", "cat s,"},
-      {"several signs behind", "cat).", "cat s) s."},
-      {"a bracket before", "(see", "p( see"},
-      {"two signs before: only the first brings a blank", "(\"see", "p( n&#34; see"},
-      {"quotes around", "\"Cat\"", "p&#34; cat/Cat s&#34;"},
-      {"curly quotes around", "“Cat”", "p“ cat/Cat s”"},
-      {"a joined word by its parts", "Node.js,", "node.js/Node.js s, {js node}"},
+      {"punctuation behind", "cat,", "cat ,"},
+      {"several signs behind", "cat).", "cat ) ."},
+      {"a bracket before", "(see", "( see"},
+      {"two signs before", "(\"see", "( &#34; see"},
+      {"quotes around", "\"Cat\"", "&#34; cat/Cat &#34;"},
+      {"curly quotes around", "“Cat”", "“ cat/Cat ”"},
+      {"a joined word by its parts", "Node.js,", "node.js/Node.js , {js node}"},
       {"a hyphen joins", "e-mail", "e-mail {e mail}"},
       {"an underscore joins", "snake_case", "snake_case {case snake}"},
       {"a version", "3.11", "3.11 {11 3}"},
-      {"an abbreviation", "U.S.A.", "u.s.a/U.S.A s. {a s u}"},
+      {"an abbreviation", "U.S.A.", "u.s.a/U.S.A . {a s u}"},
       {"a name with a dot before", ".net", ".net {net}"},
-      {"an ellipsis before", "...and", "p. n. n. and {...and}"},
-      {"an ellipsis behind", "etc...", "etc s. s. s."},
-      {"a slash separates", "and/or", "and n/ or"},
-      {"an apostrophe separates; typed curly it does not", "don't", "don n&#39; t {don’t}"},
-      {"a curly apostrophe is the same word", "don’t", "don n’ t {don’t}"},
-      {"several apostrophes", "rock'n'roll", "rock n&#39; n n&#39; roll {rock’n’roll}"},
-      {"single quotes around", "'cat'", "p&#39; cat s&#39;"},
+      {"an ellipsis before", "...and", ". . . and {...and}"},
+      {"an ellipsis behind", "etc...", "etc . . ."},
+      {"a slash separates", "and/or", "and / or"},
+      {"an apostrophe separates; typed curly it does not", "don't", "don &#39; t {don’t}"},
+      {"a curly apostrophe is the same word", "don’t", "don ’ t {don’t}"},
+      {"several apostrophes", "rock'n'roll", "rock &#39; n &#39; roll {rock’n’roll}"},
+      {"single quotes around", "'cat'", "&#39; cat &#39;"},
       {"plus signs at the end", "C++", "c++/C++ {c}"},
-      {"plus signs before punctuation", "C++,", "c++/C++ s, {c}"},
-      {"one plus is no part of a word", "c+", "c s+"},
+      {"plus signs before punctuation", "C++,", "c++/C++ , {c}"},
+      {"one plus is no part of a word", "c+", "c +"},
       {"a hash at the end", "C#", "c#/C# {c}"},
-      {"a hash in brackets", "(C#)", "p( c#/C# s) {c}"},
-      {"a hash before a word", "#tag", "p# tag"},
-      {"a hyphen before a word would exclude it", "-x", "p- x"},
-      {"an option", "--help", "p- n- help"},
-      {"a hyphen behind", "pre-", "pre s- {pre-}"},
-      {"a dunder name", "__init__", "__init_ s_ {init}"},
-      {"an underscore behind, and a dot", "x_.", "x s_ s. {x_}"},
-      {"a sign that a query keeps inside", "a=b", "a n= b {a=b}"},
-      {"a semicolon behind", "foo;", "foo s;"},
-      {"marks are never part of the dictionary", "vector<int>", "vector n&#60; int s&#62;"},
-      {"a question", "what?", "what s?"},
-      {"patterns are no forms", "a*b", "a n* b"},
-      {"a range with a dash", "2010–2012", "2010 n– 2012 {2010–2012}"},
-      {"a dash alone", "—", "a—"},
-      {"two hyphens alone", "--", "a- s-"},
-      {"a ruler is cut short", "===========", "a= s= s= s="},
-      {"an address for letters", "user@example.com", "user n@ example.com {com example}"},
-      {"an address", "https://x.example/a", "https n: n/ n/ x.example n/ a {example x}"},
-      {"a restriction is no form", "site:foo", "site n: foo"},
+      {"a hash in brackets", "(C#)", "( c#/C# ) {c}"},
+      {"a hash before a word", "#tag", "# tag"},
+      {"a hyphen before a word would exclude it", "-x", "- x"},
+      {"an option", "--help", "- - help"},
+      {"a hyphen behind", "pre-", "pre - {pre-}"},
+      {"a dunder name", "__init__", "__init_ _ {init}"},
+      {"an underscore behind, and a dot", "x_.", "x _ . {x_}"},
+      {"a sign that a query keeps inside", "a=b", "a = b {a=b}"},
+      {"a semicolon behind", "foo;", "foo ;"},
+      {"marks are never part of the dictionary", "vector<int>", "vector &#60; int &#62;"},
+      {"a question", "what?", "what ?"},
+      {"patterns are no forms", "a*b", "a * b"},
+      {"a range with a dash", "2010–2012", "2010 – 2012 {2010–2012}"},
+      {"a dash alone", "—", "—"},
+      {"two hyphens alone", "--", "- -"},
+      {"a ruler is cut short", "===========", "= = = ="},
+      {"an address for letters", "user@example.com", "user @ example.com {com example}"},
+      {"an address", "https://x.example/a", "https : / / x.example / a {example x}"},
+      {"a restriction is no form", "site:foo", "site : foo"},
       {"an umlaut", "Öl", "öl/Öl {oel ol}"},
       {"a sharp s", "straße", "straße {strasse}"},
       {"accents", "Café", "café/Café {cafe}"},
@@ -103,10 +90,10 @@ TEST(WordCut, CutsChunks) {
       {"a dotted capital I", "İzmir", "i\xB0zmir/İzmir {izmir}"},
       {"Greek accents", "Αθήνα", "αθήνα/Αθήνα {αθηνα}"},
       {"marks that are vowels stay", "हिन्दी", "हिन्दी"},
-      {"a percentage", "50%", "50 s%"},
-      {"a price", "€50", "p€ 50"},
-      {"a temperature", "20°C", "20 n° c/C {20°c}"},
-      {"a full stop of another script", "図書館。", "図書館 s。"},
+      {"a percentage", "50%", "50 %"},
+      {"a price", "€50", "€ 50"},
+      {"a temperature", "20°C", "20 ° c/C {20°c}"},
+      {"a full stop of another script", "図書館。", "図書館 。"},
       {"a sign that is not shown", "word¶", "word"},
       {"damage in the text cuts",
        "a\xEF\xBF\xBD"
@@ -124,8 +111,8 @@ TEST(WordCut, LongWordsAreFoundByTheirParts) {
   const std::string word(kWordBytesLimit, 'a');
   EXPECT_EQ(Cut(word), word);
   EXPECT_EQ(Cut(word + "a"), "");
-  EXPECT_EQ(Cut(word + ".b"), word + " n. b");
-  EXPECT_EQ(Cut(word + "a.b"), "p. b");
+  EXPECT_EQ(Cut(word + ".b"), word + " . b");
+  EXPECT_EQ(Cut(word + "a.b"), ". b");
 }
 
 TEST(WordCut, ChunksAreWhatBlanksLeave) {
@@ -164,7 +151,7 @@ std::vector<std::string> AsMeant(const std::string& term) {
   const auto isSign = [&](size_t character, std::string_view kept) {
     const char32_t c = DecodeCharacter(term, bounds[character], length);
     if (c < 0x80 && kept.find(static_cast<char>(c)) != kept.npos) return false;
-    return ClassifyCharacter(c).kind != CharacterKind::kWord;
+    return ClassifyCharacter(c) != CharacterKind::kWord;
   };
   std::vector<std::string> meant;
   const size_t count = bounds.size() - 1;
@@ -181,7 +168,7 @@ std::vector<std::string> AsMeant(const std::string& term) {
 bool HasWordCharacter(std::string_view text) {
   size_t length = 0;
   for (size_t at = 0; at < text.size(); at += length) {
-    if (ClassifyCharacter(DecodeCharacter(text, at, length)).kind == CharacterKind::kWord) {
+    if (ClassifyCharacter(DecodeCharacter(text, at, length)) == CharacterKind::kWord) {
       return true;
     }
   }
@@ -204,11 +191,11 @@ TEST(WordCut, WhatAQueryHoldsTheIndexHolds) {
     CutChunk(chunk, cut);
     std::set<std::string> found;
     for (const TextToken& token : cut.tokens) {
-      if (token.reserved == 0) found.emplace(token.base);
+      if (token.sign == 0) found.emplace(token.base);
     }
     for (const FoundForm& form : cut.forms) {
       ASSERT_LT(form.token, cut.tokens.size()) << chunk;
-      ASSERT_EQ(cut.tokens[form.token].reserved, 0u) << chunk;
+      ASSERT_EQ(cut.tokens[form.token].sign, 0u) << chunk;
       found.insert(form.text);
     }
     for (const std::string& text : found) {
@@ -235,7 +222,7 @@ TEST(WordCut, SurvivesAnyBytes) {
     ChunkTokens cut;
     CutChunk(text, cut);
     for (const TextToken& token : cut.tokens) {
-      ASSERT_LE(token.reserved, ReservedLimits().limit);
+      ASSERT_EQ(token.base.empty(), token.sign != 0);
       ASSERT_EQ(token.base.size(), token.surface.size());
       ASSERT_LE(token.base.size(), kWordBytesLimit);
     }

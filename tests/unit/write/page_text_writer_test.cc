@@ -12,8 +12,13 @@ TEST(PageTextWriter, LeavesNoTemporaryFileHoweverTheRunEnds) {
   PageTextWriter writer(scratch.path());
   EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
   writer.AddPage({{.number = 7, .variant = 1}, {.number = 300, .variant = 2}});
-  EXPECT_EQ(writer.Finish(scratch.path() / "text", {}, 3), 6u);
-  EXPECT_EQ(ReadFile(scratch.path() / "text"), std::string("\x07\0\x01\x2C\x01\x02", 6));
+  ReservedEntries reserved;
+  reserved.numbers.limit = 600;
+  reserved.finals.resize(301);
+  reserved.finals[7] = 300;
+  reserved.finals[300] = 7;
+  EXPECT_EQ(writer.Finish(scratch.path() / "text", reserved, {}, 3), 6u);
+  EXPECT_EQ(ReadFile(scratch.path() / "text"), std::string("\x2C\x01\x01\x07\0\x02", 6));
 }
 
 }  // namespace

@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "indexer/words/symbols.h"
 #include "support/indexer_site.h"
 
 namespace vela::indexer {
 namespace {
 
-uint64_t NumberOf(uint64_t place) { return ReservedLimits().limit + 1 + place; }
+constexpr uint64_t kFirstWord = 12;
+uint64_t NumberOf(uint64_t place) { return kFirstWord + place; }
 
 TEST(SpellingWriter, ThreeWordsAKeyMostFrequentFirst) {
   const support::ScratchDirectory scratch;
@@ -30,7 +30,7 @@ TEST(SpellingWriter, ThreeWordsAKeyMostFrequentFirst) {
   add("bit", 6)->isWritten = false;
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
   // a 20, bet 9, boot 8, beat 7, bit 6, bat 5, mp3 4, knight 3.
-  const SpellingSizes sizes = WriteSpelling(scratch.path() / "s", vocabulary, order);
+  const SpellingSizes sizes = WriteSpelling(scratch.path() / "s", vocabulary, order, kFirstWord);
   const std::string expected = "BT " + std::to_string(NumberOf(1)) + " " +
                                std::to_string(NumberOf(2)) + " " + std::to_string(NumberOf(3)) +
                                "\nNT " + std::to_string(NumberOf(7)) + "\n";

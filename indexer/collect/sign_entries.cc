@@ -1,0 +1,129 @@
+#include "indexer/collect/sign_entries.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+
+#include "format/page_text.h"
+#include "indexer/words/symbols.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr std::string_view kBlankText = "&#32;";
+
+// Signs between two words that are shown.
+constexpr uint32_t kGapSignLimit = 8;
+// Different runs of signs that are counted, and those that become entries. A search passes all
+// entries on its way to a word.
+constexpr size_t kRunLimit = size_t{1} << 16;
+constexpr size_t kEntryLimit = 1000;
+
+// In the order of the classes in the dictionary.
+enum SignForm : uint8_t { kSuffix, kAlone, kPrefix, kBetween };
+
+SignForm FormOf(bool blankBefore, bool blankBehind) {
+  if (blankBefore) return blankBehind ? kAlone : kPrefix;
+  return blankBehind ? kSuffix : kBetween;
+}
+
+std::string_view FirstSign(std::string_view text) {
+  if (text.starts_with('&')) return text.substr(0, text.find(';') + 1);
+  size_t length = 0;
+  DecodeCharacter(text, 0, length);
+  return text.substr(0, length);
+}
+
+}  // namespace
+
+void SignGap::Clear(bool blankBefore) {
+  text.clear();
+  signs = 0;
+  opens = blankBefore;
+  isBlank = false;
+}
+
+void SignGap::AddBlank() {
+  if (signs == 0) {
+    opens = true;
+  } else {
+    isBlank = true;
+  }
+}
+
+void SignGap::AddSign(char32_t sign) {
+  if (signs == kGapSignLimit) return;
+  if (isBlank) text += kBlankText;
+  isBlank = false;
+  text += HtmlText(sign);
+  ++signs;
+}
+
+std::string SignEntries::Key(uint8_t form, std::string_view text) {
+  return std::string(1, static_cast<char>(form)).append(text);
+}
+
+uint32_t SignEntries::Find(const SignGap& gap, bool blankBehind) {
+  const SignForm form = FormOf(gap.opens, blankBehind || gap.isBlank);
+  std::string_view text = gap.text;
+  auto found = numbers_.find(Key(form, text));
+  if (found == numbers_.end() && runs_.size() >= kRunLimit) {
+    text = FirstSign(text);
+    found = numbers_.find(Key(form, text));
+  }
+  if (found == numbers_.end()) {
+    const auto number = static_cast<uint32_t>(runs_.size());
+    found = numbers_.emplace(Key(form, text), number).first;
+    runs_.push_back({std::string(text), form, 0});
+  }
+  ++runs_[found->second].count;
+  return kFirstSignWord + found->second;
+}
+
+ReservedEntries SignEntries::Finish() const {
+  std::vector<uint32_t> order(runs_.size());
+  std::iota(order.begin(), order.end(), 0U);
+  std::ranges::sort(order, [&](uint32_t a, uint32_t b) {
+    const Run& left = runs_[a];
+    const Run& right = runs_[b];
+    if (left.count != right.count) return left.count > right.count;
+    return Key(left.form, left.text) < Key(right.form, right.text);
+  });
+  // By form, in the order of their numbers.
+  std::vector<std::string> chosen[4];
+  std::map<std::string, uint32_t> places;  // within the form, by Key
+  const auto choose = [&](uint8_t form, std::string_view text) {
+    const auto [place, isNew] =
+        places.try_emplace(Key(form, text), static_cast<uint32_t>(chosen[form].size()));
+    if (isNew) chosen[form].emplace_back(text);
+    return place->second;
+  };
+  std::vector<uint32_t> placeOf(runs_.size());
+  for (size_t i = 0; i < order.size(); ++i) {
+    const Run& run = runs_[order[i]];
+    placeOf[order[i]] = choose(run.form, i < kEntryLimit ? run.text : FirstSign(run.text));
+  }
+
+  ReservedEntries entries;
+  // The two marks are never shown; no query holds a bracket, so no phrase finds them.
+  entries.texts = {"(page)", "(run)"};
+  uint32_t firstOf[4] = {};
+  for (const SignForm form : {kSuffix, kAlone, kPrefix, kBetween}) {
+    firstOf[form] = static_cast<uint32_t>(entries.texts.size());
+    for (const std::string& text : chosen[form]) {
+      entries.texts.push_back(form == kAlone ? std::string(kBlankText) + text : text);
+    }
+  }
+  entries.numbers.suffixes = firstOf[kPrefix] - 1;
+  entries.numbers.prefixes = firstOf[kBetween] - 1;
+  entries.numbers.noSpaces = static_cast<uint32_t>(entries.texts.size()) - 1;
+  entries.numbers.limit = entries.numbers.noSpaces;
+  entries.finals = {kPageEndWord, kRunEndWord};
+  for (size_t i = 0; i < runs_.size(); ++i) {
+    entries.finals.push_back(firstOf[runs_[i].form] + placeOf[i]);
+  }
+  return entries;
+}
+
+}  // namespace vela::indexer
