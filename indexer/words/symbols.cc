@@ -37,6 +37,18 @@ CharacterKind ClassifyCharacter(char32_t c) {
   return dropped ? CharacterKind::kDropped : CharacterKind::kWord;
 }
 
+std::u32string_view SymbolsBeyondAscii() {
+  const auto* first = std::ranges::lower_bound(kSymbols, char32_t{0x80});
+  return {first, static_cast<size_t>(std::end(kSymbols) - first)};
+}
+
+std::string Utf8Text(char32_t c) {
+  uint8_t bytes[U8_MAX_LENGTH];
+  size_t length = 0;
+  U8_APPEND_UNSAFE(bytes, length, c);
+  return std::string(reinterpret_cast<const char*>(bytes), length);
+}
+
 std::string HtmlText(char32_t c) {
   switch (c) {
     case U'"':
@@ -48,10 +60,7 @@ std::string HtmlText(char32_t c) {
     default:
       break;
   }
-  uint8_t bytes[U8_MAX_LENGTH];
-  size_t length = 0;
-  U8_APPEND_UNSAFE(bytes, length, c);
-  return std::string(reinterpret_cast<const char*>(bytes), length);
+  return Utf8Text(c);
 }
 
 char32_t DecodeCharacter(std::string_view text, size_t at, size_t& length) {

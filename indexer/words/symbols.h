@@ -15,6 +15,11 @@ enum class CharacterKind : uint8_t {
 };
 CharacterKind ClassifyCharacter(char32_t c);
 
+// All that are shown, but those of ASCII; ascending.
+std::u32string_view SymbolsBeyondAscii();
+
+std::string Utf8Text(char32_t c);
+
 // The character in UTF-8; one that means something in HTML as a reference.
 std::string HtmlText(char32_t c);
 

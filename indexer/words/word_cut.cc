@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "indexer/words/plain_forms.h"
+#include "indexer/words/query_folding.h"
 #include "text/ascii.h"
 #include "text/lower.h"
 #include "text/word_split.h"
@@ -168,21 +169,6 @@ void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
   AddForm(cut, token, std::string(form));
 }
 
-// Words that a plain apostrophe joins are one word in a query typed with the curly one. `begin` and
-// `end` enclose them all.
-void AddCurlyForm(ChunkCut& cut, size_t token, size_t begin, size_t end) {
-  std::string form;
-  for (const char c : std::string_view(cut.out.lower).substr(begin, end - begin)) {
-    if (c == '\'') {
-      form += "\u2019";
-    } else {
-      form += c;
-    }
-  }
-  form.erase(0, form.find_first_not_of('-'));
-  AddForm(cut, token, std::move(form));
-}
-
 size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
   while (token < cut.out.tokens.size() && cut.out.tokens[token].sign != 0) ++token;
   return token;
@@ -191,6 +177,7 @@ size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
 // Calls `use(word)` for each word that the query's cut makes of `text`, which it changes.
 template <typename Use>
 void ForEachQueryWord(std::string& text, Use use) {
+  BlankFoldedSigns(text);
   text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
   for (size_t begin = text.find_first_not_of(' '); begin != text.npos;) {
     const size_t end = std::min(text.find(' ', begin), text.size());
@@ -204,28 +191,13 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   scratch.assign(cut.out.lower, coreBegin, coreEnd - coreBegin);
   scratch += ' ';  // as inside a query
   size_t at = coreBegin;
-  size_t chainBegin = coreBegin;  // of words joined by apostrophes
-  size_t chainToken = 0;
-  bool chained = false;
-  const auto closeChain = [&] {
-    const size_t token = FirstWordFrom(cut, chainToken);
-    if (chained && token < cut.out.tokens.size()) AddCurlyForm(cut, token, chainBegin, at);
-  };
   ForEachQueryWord(scratch, [&](std::string_view word) {
     // The cut only blanks and drops bytes, so its words follow one another in the chunk.
     const size_t begin = cut.out.lower.find(word, at);
     if (begin == std::string::npos) return;
-    const bool joined = at > coreBegin && begin == at + 1 && cut.out.lower[at] == '\'';
-    if (!joined) {
-      closeChain();
-      chainBegin = begin;
-      chainToken = cut.out.tokens.size();
-    }
-    chained = joined;
     at = begin + word.size();
     WriteCutWord(cut, begin, at);
   });
-  closeChain();
 }
 
 bool HasWordCharacter(std::string_view text) {

@@ -5,7 +5,7 @@
 // belong to no word (quotes, ";", "=", dashes ...) are taken off the ends of words and cut words
 // apart; and a word can be found by more than its own form:
 //   parts    of a joined word ("node.js" by "node" and "js");
-//   wholes   of words that signs inside cut apart, as the query would have them ("a=b");
+//   wholes   of words that signs inside cut apart, as the query would have them ("a<b");
 //   plain    forms without accents ("cafe" for "café"; see plain_forms.h).
 #pragma once
 

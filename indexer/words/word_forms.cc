@@ -1,6 +1,7 @@
 #include "indexer/words/word_forms.h"
 
 #include "indexer/report/index_error.h"
+#include "indexer/words/query_folding.h"
 
 namespace vela::indexer {
 
@@ -50,8 +51,9 @@ std::string_view WordForms::Stemmed(std::string_view word) {
 }
 
 std::string_view WordForms::Base(std::string_view lower) {
-  if (charset_.utf8()) return Stemmed(lower);
-  if (charset_.Exactly(lower, base_)) return Stemmed(base_);
+  folded_ = FoldedWord(lower);
+  if (charset_.utf8()) return Stemmed(folded_);
+  if (charset_.Exactly(folded_, base_)) return Stemmed(base_);
   base_ = charset_.WithReferences(lower);
   if (base_.size() > kStoredBytesLimit) base_.clear();
   return base_;
@@ -64,8 +66,9 @@ std::string_view WordForms::Surface(std::string_view surface) {
 }
 
 std::string_view WordForms::FoundBase(std::string_view lower) {
-  if (charset_.utf8()) return Stemmed(lower);
-  if (!charset_.Exactly(lower, base_)) return {};
+  folded_ = FoldedWord(lower);
+  if (charset_.utf8()) return Stemmed(folded_);
+  if (!charset_.Exactly(folded_, base_)) return {};
   return Stemmed(base_);
 }
 

@@ -1,5 +1,5 @@
-// word_forms.h: what becomes of a cut word before it enters the dictionary: the character set of
-// the index and stemming, through the search program's own stemmer.
+// word_forms.h: what becomes of a cut word before it enters the dictionary: folding, the character
+// set of the index and stemming, through the search program's own stemmer.
 #pragma once
 
 #include <string>
@@ -35,6 +35,7 @@ class WordForms {
   bool stems_ = false;
   Stemmer stemmer_;
   FixedText<2086> stem_;
+  std::string folded_;
   std::string base_;
   std::string surface_;
 };

@@ -7,6 +7,7 @@
 #include "format/recommended.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/plain_forms.h"
+#include "indexer/words/query_folding.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
 #include "text/edit.h"
@@ -19,7 +20,7 @@ namespace {
 
 // One keyword as a query that says the same would be compared with it.
 std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
-  std::string text(keyword);
+  std::string text = FoldedQuery(keyword);
   CleanText(text);
   LowerUtf8(text.data(), text.size());
   std::erase(text, '"');

@@ -10,6 +10,7 @@
 #include "format/settings_file.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
+#include "indexer/words/query_folding.h"
 #include "indexer/words/stored_text.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
@@ -85,20 +86,27 @@ void AddCharset(const IndexCharset& charset, SettingsText& out) {
   out.Add("UseUTF8", charset.utf8() ? 1 : 0);
   out.AddText("Charset", charset.name());
   out.Add("Codepage", charset.codepage());
-  // In UTF-8 the program folds case by itself. Accents need no table: words are in the dictionary
-  // with and without them.
-  out.Add("MapAccents", charset.uppers().empty() ? 0 : 1);
-  if (charset.uppers().empty()) return;
-  const auto addItems = [&out](std::string_view key, std::string_view letters) {
+  out.Add("MapAccents", 1);
+  std::vector<Folding> table;
+  // In UTF-8 the program folds case by itself.
+  for (size_t i = 0; i < charset.uppers().size(); ++i) {
+    table.push_back({{charset.uppers()[i]}, {charset.lowers()[i]}});
+  }
+  for (const Folding& folding : QueryFoldings()) {
+    Folding written;
+    const bool hasBoth =
+        charset.Exactly(folding.from, written.from) && charset.Exactly(folding.to, written.to);
+    if (hasBoth) table.push_back(std::move(written));
+  }
+  const auto addItems = [&](std::string_view key, std::string Folding::*item) {
     out.text.append(key);
-    for (size_t i = 0; i < letters.size(); ++i) {
-      out.text.append(i == 0 ? " = \"" : ",\"") += letters[i];
-      out.text += '"';
+    for (size_t i = 0; i < table.size(); ++i) {
+      out.text.append(i == 0 ? " = \"" : ",\"").append(table[i].*item) += '"';
     }
     out.text += '\n';
   };
-  addItems(kAccentCharsKey, charset.uppers());
-  addItems(kNormalCharsKey, charset.lowers());
+  addItems(kAccentCharsKey, &Folding::from);
+  addItems(kNormalCharsKey, &Folding::to);
 }
 
 void AddCategories(const std::vector<CategoryRule>& categories, SettingsText& out) {

@@ -41,6 +41,17 @@ struct SearchedSite : TestSite {
   }
 };
 
+// A query as a form sends it.
+std::string Encoded(std::string_view query) {
+  std::string text;
+  char code[4];
+  for (const char c : query) {
+    snprintf(code, sizeof code, "%%%02X", static_cast<unsigned char>(c));
+    text += code;
+  }
+  return text;
+}
+
 bool Holds(const std::string& text, std::string_view part) { return text.find(part) != text.npos; }
 
 TEST(SearchedSite, AMisspelledWordGetsItsSuggestion) {
@@ -92,6 +103,34 @@ TEST(SearchedSite, AWordWithASharpSIsFoundHoweverItIsTyped) {
   site.Build();
   for (const char* query : {"gr%C3%B6%C3%9Fe", "GR%C3%96SSE", "gr%C3%B6sse", "groesse", "Grosse"}) {
     EXPECT_EQ(site.Found(query), "a.html ") << query;
+  }
+}
+
+TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"Opening hours (2026): Monday \u2013 Friday", "Opening hours (2026): Monday \u2013 Friday"},
+      {"see (a), [b]; {c}", "see (a), [b]; {c}"},
+      {"\u0442.\u0435. \u0442\u0430\u043A", "\u0442.\u0435. \u0442\u0430\u043A"},
+      {"What\u2019s New in it", "What's New"},
+      {"What's New in it", "What\u2019s New"},
+      {"What\u2019s New in it", "What\u2019s New"},
+      {"It ends here.", "It ends here."},
+      {"and so on... until", "so on... until"},
+      {"one - two", "one - two"},
+      {"a heading\u00B6", "a heading\u00B6"},
+      {"set x=1; then", "set x=1; then"},
+      {"the \uFB01rst \uFF26\uFF35\uFF2C\uFF2C line", "first full line"},
+      {"\u1F41 \u03BB\u03CC\u03B3\u03BF\u03C2 \u03BA\u03B1\u03AF",
+       "\u039B\u038C\u0393\u039F\u03A3 \u039A\u0391\u038A"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.query);
+    SearchedSite site;
+    site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>") + c.text);
+    site.Build();
+    EXPECT_EQ(site.Found("%22" + Encoded(c.query) + "%22"), "a.html ");
   }
 }
 

@@ -1,0 +1,60 @@
+#include "indexer/words/query_folding.h"
+
+#include <gtest/gtest.h>
+
+namespace vela::indexer {
+namespace {
+
+TEST(QueryFolding, ItemsFitIntoTheSettings) {
+  for (const Folding& folding : QueryFoldings()) {
+    SCOPED_TRACE(folding.from);
+    EXPECT_FALSE(folding.from.empty());
+    EXPECT_LE(folding.from.size(), 9u);
+    EXPECT_LE(folding.to.size(), 4u);
+    EXPECT_EQ(folding.from.find_first_of("\"<&"), std::string::npos);
+    EXPECT_EQ(folding.to.find_first_of("\"<&"), std::string::npos);
+  }
+}
+
+TEST(QueryFolding, FoldsQueries) {
+  const struct {
+    const char *what, *query, *folded;
+  } kCases[] = {
+      {"a plain query is its own", "cats -dogs +c++ c# node.js g?y wor* \"a b\"",
+       "cats -dogs +c++ c# node.js g?y wor* \"a b\""},
+      {"dashes", "Monday \u2013 Friday\u2014now", "Monday   Friday now"},
+      {"apostrophes", "What\u2019s", "What s"},
+      {"quotes", "\u201Cgo\u201D", " go "},
+      {"a hyphen between blanks", "a - b", "a b"},
+      {"a full stop at the end of a phrase", "\"in the house.\"", "\"in the house \""},
+      {"a full stop inside", "3.11 .net v1.* x.?", "3.11 .net v1.* x.?"},
+      {"an ellipsis", "\"and so on...\"", "\"and so on \""},
+      {"blanks of every width", "a\u3000b\u00A0c", "a b c"},
+      {"what cannot be seen", "in\u00ADdex", "index"},
+      {"letters of one meaning", "\uFB01ve \uFF26\uFF35\uFF2C\uFF2C \u03C3\u03BF\u03C2",
+       "five FULL \u03C3\u03BF\u03C3"},
+      {"a restriction", "site:example.org url:a_b", "site:example.org url:a_b"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(FoldedQuery(c.query), c.folded);
+  }
+}
+
+TEST(QueryFolding, FoldsWordsAlike) {
+  for (const char* word :
+       {"\uFB01ve", "\uFF46\uFF55\uFF4C\uFF4C", "\u03BF\u03C2", "plain", "caf\u00E9"}) {
+    SCOPED_TRACE(word);
+    EXPECT_EQ(FoldedWord(word), FoldedQuery(word));
+    EXPECT_LE(FoldedWord(word).size(), std::string_view(word).size());
+  }
+}
+
+TEST(QueryFolding, BlanksSignsByteForByte) {
+  std::string text = "a=b\u2013c.d\u00E9<e..f.\u00E9.g.";
+  BlankFoldedSigns(text);
+  EXPECT_EQ(text, "a b   c.d\u00E9<e  f \u00E9.g ");
+}
+
+}  // namespace
+}  // namespace vela::indexer
