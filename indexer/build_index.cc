@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <thread>
 
 #include "format/index_directory.h"
@@ -17,16 +18,20 @@
 #include "indexer/publish/search_program.h"
 #include "indexer/publish/search_template.h"
 #include "indexer/report/index_error.h"
+#include "indexer/report/report_text.h"
 #include "indexer/site/address.h"
 #include "indexer/source/folder_source.h"
+#include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "indexer/write/dictionary_writer.h"
+#include "indexer/write/out_file.h"
 #include "indexer/write/page_table_writer.h"
 #include "indexer/write/page_text_writer.h"
 #include "indexer/write/recommended_writer.h"
 #include "indexer/write/settings_writer.h"
 #include "indexer/write/spelling_writer.h"
 #include "indexer/write/word_map_writer.h"
+#include "settings/settings_file.h"
 
 namespace vela::indexer {
 
@@ -122,6 +127,40 @@ Reason TakeItem(const FolderSource& source, const SourceItem& item, const PageWi
   return Reason::kNone;
 }
 
+void WriteReport(const Run& run) {
+  if (run.options.report.empty()) return;
+  OutFile file(run.options.report);
+  file.Write(RepairedUtf8(ReportText(run.summary)));
+  file.Finish();
+}
+
+// The pages of the index that this run will replace; 0 when there is none that can be read.
+uint64_t FormerPages(const IndexFolder& folder) {
+  constexpr uint64_t kSettingsLimit = uint64_t{16} << 20;
+  FileContent file;
+  const std::string path = (folder.target() / kSettingsFileName).string();
+  if (ReadRegularFile(path, kSettingsLimit, file) != Reason::kNone) return 0;
+  const auto settings = std::make_unique<Settings>();
+  if (ReadSettings(*settings, file.bytes) != SettingsStatus::kOk) return 0;
+  return static_cast<uint64_t>(std::max(settings->NumPages, 0));
+}
+
+// A site that lost many of its pages at once is more often half copied or not mounted than smaller.
+void CheckMissingPages(const Run& run, uint64_t pages) {
+  constexpr uint64_t kWhole = 100;
+  const Options& options = run.options;
+  if (options.acceptFewer || options.missingPercentLimit >= kWhole) return;
+  const uint64_t former = FormerPages(run.folder);
+  if (pages * kWhole >= former * (kWhole - options.missingPercentLimit)) return;
+  throw IndexError(ExitStatus::kShrunk,
+                   "Only " + CountText(pages) + " pages were found where the index has " +
+                       CountText(former) + "; more than " +
+                       std::to_string(options.missingPercentLimit) +
+                       " % are missing (stop_when_fewer), and the index was not changed. Check "
+                       "that " +
+                       options.site + " is whole, or run once with --accept-fewer.");
+}
+
 [[noreturn]] void RefuseEmptySite(const FolderSource& source, const LeftOut& leftOut) {
   std::string why;
   for (const auto& [reason, group] : GroupsByText(leftOut)) {
@@ -134,7 +173,11 @@ Reason TakeItem(const FolderSource& source, const SourceItem& item, const PageWi
 void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
   run.progress.Begin("Looking for pages", 0);
-  const std::vector<SourceItem> items = ListItems(source, run.summary.files);
+  SiteListing listing = ListItems(source);
+  const std::vector<SourceItem>& items = listing.items;
+  run.summary.files = std::move(listing.leftOut);
+  run.summary.otherKinds = std::move(listing.otherKinds);
+  std::ranges::move(listing.unused, std::back_inserter(run.summary.warnings));
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
   run.progress.Begin("Reading pages", items.size());
   const PageWishes wishes = {.images = config.images, .dates = config.dates};
@@ -145,7 +188,10 @@ void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
     if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
     run.progress.Step(++done);
   }
-  if (pages.collection.pages.empty()) RefuseEmptySite(source, run.summary.files);
+  if (pages.collection.pages.empty()) {
+    WriteReport(run);
+    RefuseEmptySite(source, run.summary.files);
+  }
   pages.collection.tokens = {};
 }
 
@@ -194,6 +240,7 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   const SiteConfig& config = run.options.config;
   std::vector<Finding>& warnings = run.summary.warnings;
   std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
+  std::ranges::move(UnusedFields(pages.collection), std::back_inserter(warnings));
   uint64_t bytes = 0;
   size_t longest = 0;
   if (!config.recommended.empty()) {
@@ -249,7 +296,8 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                                .excludedFolder = folder.target(),
                                .htmlEndings = options.config.htmlEndings,
                                .textEndings = options.config.textEndings,
-                               .fileLimit = options.maxFileMegabytes * kMegabyte};
+                               .fileLimit = options.maxFileMegabytes * kMegabyte,
+                               .followLinks = options.followLinks};
   SitePages pages(run);
   ReadPages(source, run, pages);
   IndexFacts facts;
@@ -258,9 +306,6 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,
                          language.strings);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);
-  CheckStop(stop);
-  folder.Commit();
-
   PageCollection& collection = pages.collection;
   summary.pages = facts.pages;
   summary.words = collection.vocabulary.words.size();
@@ -268,6 +313,11 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   summary.sourceBytes = collection.sourceBytes;
   summary.indexBytes = bytes;
   summary.metaValues = std::move(collection.metaValues);
+  // Before the index changes, so that a run that cannot write it leaves all as it was.
+  WriteReport(run);
+  CheckMissingPages(run, summary.pages);
+  CheckStop(stop);
+  folder.Commit();
   progress.Clear();
   return summary;
 }

@@ -7,6 +7,7 @@
 #include "indexer/collect/meta_values.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -15,17 +16,20 @@ namespace {
 constexpr size_t kPageLimit = kPageNumberLimit;
 // Of the memory, what the collected postings may take even when the vocabulary has used it up.
 constexpr size_t kLeastPostingBytes = size_t{1} << 20;
-constexpr size_t kExampleLimit = 60;  // bytes of a value that the summary shows
 
 std::string EncodedMetaValues(const Page& page, PageCollection& collection) {
+  const std::vector<FieldRule>& fields = collection.input.config.fields;
+  for (size_t i = 0; i < fields.size(); ++i) {
+    if (collection.usedFields[i]) continue;
+    const std::string name = LowerUtf8Copy(fields[i].meta);
+    collection.usedFields[i] = !MetaContent(page.content, name).empty();
+  }
   std::vector<Finding> findings;
   std::string values = EncodeMetaValues(collection.input.config.fields, collection.input.charset,
                                         page.content.metas, findings);
   for (const Finding& finding : findings) {
-    const bool isLong = finding.subject.size() > kExampleLimit;
-    std::string example = page.facts.path;
-    example.append(" (\"").append(isLong ? "..." : finding.subject).append("\")");
-    AddLeftOut(collection.metaValues, finding.reason, example, finding.where);
+    AddLeftOut(collection.metaValues, finding.reason, page.facts.path, finding.where,
+               finding.subject);
   }
   return values;
 }
@@ -63,7 +67,8 @@ PageCollection::PageCollection(const CollectionInput& collectionInput,
       addresses(input.base),
       forms(input.charset, input.config.stemming),
       postings(folder, input.memory),
-      rules(input.config) {}
+      rules(input.config),
+      usedFields(input.config.fields.size()) {}
 
 Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined) {
   const PageFacts& facts = page.facts;
@@ -98,6 +103,15 @@ Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined)
   }
   collection.sourceBytes += facts.fileSize;
   return Reason::kNone;
+}
+
+std::vector<Finding> UnusedFields(const PageCollection& collection) {
+  std::vector<Finding> unused;
+  const std::vector<FieldRule>& fields = collection.input.config.fields;
+  for (size_t i = 0; i < fields.size(); ++i) {
+    if (!collection.usedFields[i]) unused.push_back({Reason::kUnusedField, {}, fields[i].name});
+  }
+  return unused;
 }
 
 }  // namespace vela::indexer

@@ -43,10 +43,11 @@ struct PageCollection {
   std::vector<PageLengths> pages;
   SuggestionList suggestions;
   SiteRules rules;
-  LeftOut metaValues;        // of the fields
-  PageTokens tokens;         // of the page that joined last
-  uint64_t tokenCount = 0;   // of all pages
-  uint64_t sourceBytes = 0;  // of the pages' files
+  LeftOut metaValues;            // of the fields
+  std::vector<bool> usedFields;  // beside the fields: some page has an element for it
+  PageTokens tokens;             // of the page that joined last
+  uint64_t tokenCount = 0;       // of all pages
+  uint64_t sourceBytes = 0;      // of the pages' files
 };
 
 // What the page table and the recommended pages need of the page that joined.
@@ -59,5 +60,8 @@ struct JoinedPage {
 // kAddressTooLong: it is left out. Throws IndexError when the index is full or a temporary file
 // cannot be written.
 [[nodiscard]] Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined);
+
+// The fields that no page has an element for.
+std::vector<Finding> UnusedFields(const PageCollection& collection);
 
 }  // namespace vela::indexer

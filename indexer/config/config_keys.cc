@@ -1,6 +1,7 @@
 #include "indexer/config/config_keys.h"
 
 #include <algorithm>
+#include <charconv>
 #include <limits>
 #include <span>
 #include <string_view>
@@ -14,6 +15,7 @@
 #include "indexer/site/address.h"
 #include "indexer/words/word_forms.h"
 #include "text/ascii.h"
+#include "text/edit.h"
 #include "text/stemmer.h"
 
 namespace vela::indexer {
@@ -146,6 +148,20 @@ void ReadDates(const ConfigEntry& entry, Options& options) {
   }
 }
 
+// "20 %", or the number alone.
+void ReadStopWhenFewer(const ConfigEntry& entry, Options& options) {
+  std::string text;
+  if (!entry.table.Text(entry.key, kNameLimit, text)) return;
+  std::string_view digits = text;
+  if (digits.ends_with('%')) digits = TrimAll(digits.substr(0, digits.size() - 1));
+  uint32_t percent = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), percent);
+  if (error != std::errc() || end != digits.data() + digits.size() || percent > 100) {
+    entry.table.RefuseValue(entry.key, " must be a part of a hundred, as in \"20 %\".");
+  }
+  options.missingPercentLimit = percent;
+}
+
 void CheckSearchAddress(const ConfigEntry& entry, Options& options) {
   const std::string& address = options.config.searchAddress;
   const bool absolute = address.starts_with("http://") || address.starts_with("https://");
@@ -189,6 +205,7 @@ const ConfigKey kConfigKeys[] = {
     {"site", "base_url", Text{kBaseAddressLimit, &Options::baseUrl}, &CheckBaseUrl},
     {"site", "out", Path{&Options::out}},
     {"site", "exclude", Texts{kPathLimit, &Options::exclude}},
+    {"site", "follow_links", Flag{&Options::followLinks}},
     {"site", "html", Texts{kNameLimit, &SiteConfig::htmlEndings}, &CheckHtmlEndings},
     {"site", "text", Texts{kNameLimit, &SiteConfig::textEndings}, &CheckTextEndings},
     {"site", "template", Text{kPathLimit, &Options::templateName}, &CheckTemplate},
@@ -199,6 +216,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "charset", Text{kNameLimit, &SiteConfig::charset}, &CheckCharset},
     {"index", "stemming", &ReadStemming},  // after the character set, which it must suit
     {"index", "dates", &ReadDates},
+    {"index", "stop_when_fewer", &ReadStopWhenFewer},
     {"index", "images", Flag{&SiteConfig::images}},
 
     {"search", "address", Text{kBaseAddressLimit, &SiteConfig::searchAddress}, &CheckSearchAddress},

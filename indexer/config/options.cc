@@ -134,8 +134,8 @@ ParsedOptions ParseOptions(int argc, const char* const* argv) {
   app.footer(NeededNames() +
              " must be given here or in the configuration file.\n"
              "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
-             "configuration, 3 no page found, 4 interrupted, 5 another run is writing INDEXDIR.\n"
-             "Unless it is 0, an index in INDEXDIR stays as it was.");
+             "configuration, 3 no page found, 4 interrupted, 5 another run at work, 6 too many\n"
+             "pages missing. Unless it is 0, an index in INDEXDIR stays as it was.");
   app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
     return "vela_index: " + CLI::FailureMessage::simple(failed, error);
   });

@@ -23,6 +23,12 @@ struct Options {
   std::vector<std::string> exclude;
   uint64_t memoryMegabytes = 256;
   uint64_t maxFileMegabytes = 20;
+  std::string report;  // a file to write (report_text.h); empty: none
+  bool followLinks = false;
+  // Of the pages of the index that is there, how many in a hundred may be missing from the new one;
+  // more end the run. 100: all.
+  uint32_t missingPercentLimit = 100;
+  bool acceptFewer = false;  // the limit is not looked at
   bool quiet = false;
   std::string program;  // the search program, to be put into the index folder; empty: none
   bool wait = false;    // for another run that is writing the same index

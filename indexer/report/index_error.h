@@ -14,6 +14,7 @@ enum class ExitStatus {
   kNothing = 3,      // no page was found to index; the old index is untouched
   kInterrupted = 4,  // stopped by a signal; the old index is untouched
   kBusy = 5,         // another run is writing this index
+  kShrunk = 6,       // too few pages (stop_when_fewer); the old index is untouched
 };
 
 // Thrown by every stage that cannot go on; the message says what to do about it.

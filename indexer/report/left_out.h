@@ -1,4 +1,5 @@
-// left_out.h: what was left out of the index and why, counted for the summary.
+// left_out.h: what was left out of the index and why: counted for the summary, listed for the
+// report.
 #pragma once
 
 #include <compare>
@@ -21,16 +22,22 @@ struct LeftOut {
   };
   struct Group {
     uint64_t count = 0;
-    std::vector<std::string> examples;  // the first kExampleLimit
+    std::vector<std::string> examples;  // the first kExampleLimit, a value behind its path
+  };
+  struct Entry {
+    Reason reason = Reason::kNone;
+    std::string path;
+    std::string where;  // as in Key
+    std::string value;  // of the meta field; empty for files
   };
   std::map<Key, Group> groups;
+  std::vector<Entry> entries;  // all of them, in the order in which they were met
   uint64_t total = 0;
 };
 
-// Counts a file, or a value of the meta field `where`, under its reason. `example` is how the
-// summary calls it.
-void AddLeftOut(LeftOut& leftOut, Reason reason, const std::string& example,
-                std::string_view where = {});
+// Counts the file `path`, or what it holds as `value` for the meta field `where`, under its reason.
+void AddLeftOut(LeftOut& leftOut, Reason reason, const std::string& path,
+                std::string_view where = {}, std::string_view value = {});
 
 // The groups under their texts, in the order of those.
 std::map<std::string, const LeftOut::Group*> GroupsByText(const LeftOut& leftOut);

@@ -6,40 +6,46 @@ namespace {
 
 struct ReasonWords {
   Reason reason;
+  std::string_view code;
   std::string_view text;
 };
 
 constexpr ReasonWords kReasonWords[] = {
-    {Reason::kNone, ""},
-    {Reason::kFolderNotRead, "folder cannot be read"},
-    {Reason::kFileNotRead, "file cannot be read"},
-    {Reason::kFileNotFound, "no such file"},
-    {Reason::kFileNotOpened, "file cannot be opened"},
-    {Reason::kNoPermission, "no permission to read"},
-    {Reason::kNotRegular, "not a regular file"},
-    {Reason::kSymbolicLink, "symbolic link"},
-    {Reason::kFileTooLarge, "larger than the limit (--max-file-size)"},
-    {Reason::kReadError, "read error"},
-    {Reason::kBinary, "binary file"},
-    {Reason::kNotConverted, "character set cannot be converted"},
-    {Reason::kMarkupTooDeep, "markup nests too deep"},
-    {Reason::kMarkupTooLarge, "markup grows too large"},
-    {Reason::kNoindex, "noindex"},
-    {Reason::kNoText, "no text"},
-    {Reason::kCopy, "copy of another page (canonical address)"},
-    {Reason::kAddressTooLong, "address too long"},
-    {Reason::kNotInList, "not in the list of values"},
-    {Reason::kNoAmount, "no amount"},
-    {Reason::kNoWholeNumber, "no whole number"},
-    {Reason::kUnusedCategory, "the category \"%\" fits no page"},
-    {Reason::kUnusedBoost, "this [[boost]] fits no page"},
-    {Reason::kNoPageToRecommend, "there is no page % to recommend"},
-    {Reason::kNoKeyword, "the keywords of % hold no word"},
-    {Reason::kKeywordsTooLong, "the keywords of % are too long"},
-    {Reason::kTemplateLanguage,
+    {Reason::kNone, "", ""},
+    {Reason::kFolderNotRead, "folder_not_read", "folder cannot be read"},
+    {Reason::kFileNotRead, "file_not_read", "file cannot be read"},
+    {Reason::kFileNotFound, "file_not_found", "no such file"},
+    {Reason::kFileNotOpened, "file_not_opened", "file cannot be opened"},
+    {Reason::kNoPermission, "no_permission", "no permission to read"},
+    {Reason::kNotRegular, "not_regular", "not a regular file"},
+    {Reason::kSymbolicLink, "symbolic_link", "symbolic link (follow_links is off)"},
+    {Reason::kLinkOutside, "link_outside", "symbolic link that leads out of the site or nowhere"},
+    {Reason::kLinkNotFollowed, "link_not_followed", "symbolic link to what is read where it lies"},
+    {Reason::kFileTooLarge, "file_too_large", "larger than the limit (--max-file-size)"},
+    {Reason::kReadError, "read_error", "read error"},
+    {Reason::kOtherKind, "other_kind", "neither HTML nor text"},
+    {Reason::kBinary, "binary", "binary file"},
+    {Reason::kNotConverted, "not_converted", "character set cannot be converted"},
+    {Reason::kMarkupTooDeep, "markup_too_deep", "markup nests too deep"},
+    {Reason::kMarkupTooLarge, "markup_too_large", "markup grows too large"},
+    {Reason::kNoindex, "noindex", "noindex"},
+    {Reason::kNoText, "no_text", "no text"},
+    {Reason::kCopy, "copy", "copy of another page (canonical address)"},
+    {Reason::kAddressTooLong, "address_too_long", "address too long"},
+    {Reason::kNotInList, "not_in_list", "not in the list of values"},
+    {Reason::kNoAmount, "no_amount", "no amount"},
+    {Reason::kNoWholeNumber, "no_whole_number", "no whole number"},
+    {Reason::kUnusedExclude, "unused_exclude", "the pattern \"%\" to exclude leaves nothing out"},
+    {Reason::kUnusedCategory, "unused_category", "the category \"%\" fits no page"},
+    {Reason::kUnusedBoost, "unused_boost", "this [[boost]] fits no page"},
+    {Reason::kUnusedField, "unused_field", "no page has a value for the field \"%\""},
+    {Reason::kNoPageToRecommend, "no_page_to_recommend", "there is no page % to recommend"},
+    {Reason::kNoKeyword, "no_keyword", "the keywords of % hold no word"},
+    {Reason::kKeywordsTooLong, "keywords_too_long", "the keywords of % are too long"},
+    {Reason::kTemplateLanguage, "template_language",
      "the template is in another language than the search (%): change its words and its lang, or "
      "take a built-in one (--template default)"},
-    {Reason::kTemplateWithoutResults,
+    {Reason::kTemplateWithoutResults, "template_without_results",
      "the template % shows no results: it has neither <!--VELASEARCH--> nor "
      "<!--VELA_SHOW_RESULTS-->"},
 };
@@ -53,6 +59,10 @@ constexpr bool EachReasonHasItsPlace() {
 static_assert(EachReasonHasItsPlace());
 
 }  // namespace
+
+std::string_view ReasonCode(Reason reason) {
+  return kReasonWords[static_cast<size_t>(reason)].code;
+}
 
 std::string_view ReasonText(Reason reason) {
   return kReasonWords[static_cast<size_t>(reason)].text;

@@ -19,8 +19,11 @@ enum class Reason : uint8_t {
   kNoPermission,
   kNotRegular,
   kSymbolicLink,
+  kLinkOutside,
+  kLinkNotFollowed,
   kFileTooLarge,
   kReadError,
+  kOtherKind,  // `where` is the ending of its name
 
   // A page.
   kBinary,
@@ -38,14 +41,19 @@ enum class Reason : uint8_t {
   kNoWholeNumber,
 
   // A rule of the owner's or the template; `subject` is what it names, `where` the file and line.
+  kUnusedExclude,
   kUnusedCategory,
   kUnusedBoost,
+  kUnusedField,
   kNoPageToRecommend,
   kNoKeyword,
   kKeywordsTooLong,
   kTemplateLanguage,
   kTemplateWithoutResults,
 };
+
+// The reason as programs know it: small letters and "_". It stays when the words change.
+std::string_view ReasonCode(Reason reason);
 
 // The words for a person; "%" stands for the subject.
 std::string_view ReasonText(Reason reason);

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
+#include <string_view>
+#include <utility>
 
 #include "indexer/report/progress.h"
 #include "text/ascii.h"
@@ -16,14 +19,47 @@ std::string Shown(std::string text) {
   return text;
 }
 
+// A path that would fill the line, without its middle: what it begins with tells the part of the
+// site, its end the file.
+std::string ShownPath(std::string_view path) {
+  constexpr size_t kHead = 20;
+  constexpr size_t kTail = 40;
+  constexpr std::string_view kGap = "...";
+  if (path.size() <= kHead + kGap.size() + kTail) return Shown(std::string(path));
+  const auto isInside = [&](size_t at) { return (static_cast<unsigned char>(path[at]) >> 6) == 2; };
+  size_t head = kHead;
+  while (head > 0 && isInside(head)) --head;
+  size_t tail = path.size() - kTail;
+  while (tail < path.size() && isInside(tail)) ++tail;
+  std::string text(path.substr(0, head));
+  return Shown(text.append(kGap).append(path.substr(tail)));
+}
+
 void AddGroups(const LeftOut& leftOut, std::string& text) {
   for (const auto& [reason, group] : GroupsByText(leftOut)) {
     text += "  " + CountText(group->count) + "  " + Shown(reason) + ": ";
     for (size_t i = 0; i < group->examples.size(); ++i) {
-      text += (i == 0 ? "" : ", ") + Shown(group->examples[i]);
+      text += (i == 0 ? "" : ", ") + ShownPath(group->examples[i]);
     }
     text += group->count > group->examples.size() ? ", ...\n" : "\n";
   }
+}
+
+// "30 .pdf, 2 .docx, 1 without an ending", the most frequent first.
+std::string KindsText(const LeftOut& otherKinds) {
+  constexpr size_t kKindLimit = 8;
+  std::vector<std::pair<uint64_t, std::string_view>> kinds;
+  for (const auto& [key, group] : otherKinds.groups) kinds.emplace_back(group.count, key.where);
+  std::ranges::stable_sort(kinds, std::greater(), [](const auto& kind) { return kind.first; });
+  std::string text;
+  uint64_t others = otherKinds.total;
+  for (size_t i = 0; i < kinds.size() && i < kKindLimit; ++i) {
+    const auto& [count, ending] = kinds[i];
+    text += (i == 0 ? "" : ", ") + CountText(count) + " ";
+    text += ending.empty() ? "without an ending" : ShownPath(ending);
+    others -= count;
+  }
+  return others == 0 ? text : text + ", " + CountText(others) + " of other kinds";
 }
 
 }  // namespace
@@ -44,6 +80,9 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
     text += "Left out " + CountText(summary.files.total) +
             (summary.files.total == 1 ? " file:\n" : " files:\n");
     AddGroups(summary.files, text);
+  }
+  if (summary.otherKinds.total != 0) {
+    text += "Not read, being neither HTML nor text: " + KindsText(summary.otherKinds) + ".\n";
   }
   if (summary.metaValues.total != 0) {
     text += "Meta elements that do not fit their field:\n";

@@ -18,6 +18,7 @@ struct IndexSummary {
   uint64_t indexBytes = 0;   // of the files written
   uint64_t runs = 0;         // how often the memory for words was full
   LeftOut files;
+  LeftOut otherKinds;             // files of kinds that are not read, by ending
   LeftOut metaValues;             // of meta fields
   std::vector<Finding> warnings;  // what of the configuration had no use
 };

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <optional>
 #include <string_view>
+#include <unordered_set>
+#include <utility>
 
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
@@ -15,6 +17,11 @@ namespace vela::indexer {
 namespace fs = std::filesystem;
 
 namespace {
+
+// True when `inner` is `outer` or lies in it; both absolute and resolved.
+bool IsWithin(const fs::path& inner, const fs::path& outer) {
+  return std::ranges::mismatch(outer, inner).in1 == outer.end();
+}
 
 // None when the name is not that of a page.
 std::optional<FileType> TypeOf(const std::string& name, const FolderSource& source) {
@@ -33,73 +40,201 @@ std::optional<FileType> TypeOf(const std::string& name, const FolderSource& sour
 // Folders that tools make beside a site and that repeat its pages or hold none.
 constexpr std::string_view kNeverPages[] = {"_sources", "node_modules", "cgi-bin"};
 
-bool IsExcluded(const std::string& name, const std::string& path, const FolderSource& source) {
-  if (name.starts_with('.')) return true;
-  if (std::ranges::find(kNeverPages, name) != std::end(kNeverPages)) return true;
-  for (std::string pattern : source.excluded) {
-    if (pattern.ends_with('/')) pattern.pop_back();  // "drafts/" is a folder
-    if (fnmatch(pattern.c_str(), name.c_str(), 0) == 0) return true;
-    if (fnmatch(pattern.c_str(), path.c_str(), 0) == 0) return true;
-  }
-  return false;
+// What pages are made with and shown beside. Nobody expects to find it by its words, so that it is
+// not worth a line of the summary.
+constexpr std::string_view kFurniture[] = {
+    "avif", "bmp",         "cgi",  "css",  "cur",   "eot",  "gif", "ico",  "jpeg",
+    "jpg",  "js",          "json", "map",  "mjs",   "otf",  "php", "png",  "py",
+    "scss", "svg",         "svgz", "tif",  "tiff",  "toml", "ts",  "ttf",  "vdat",
+    "wasm", "webmanifest", "webp", "woff", "woff2", "xml",  "xsl", "yaml", "yml",
+};
+
+// ".pdf" for "A.PDF"; empty for a name without an ending.
+std::string EndingOf(const std::string& name) {
+  const size_t dot = name.rfind('.');
+  return dot == name.npos ? std::string() : LowerAsciiCopy(std::string_view(name).substr(dot));
 }
 
-}  // namespace
+bool IsFurniture(std::string_view ending) {
+  return !ending.empty() && std::ranges::find(kFurniture, ending.substr(1)) != std::end(kFurniture);
+}
 
-std::vector<SourceItem> ListItems(const FolderSource& source, LeftOut& leftOut) {
-  std::vector<SourceItem> items;
-  std::vector<std::string> folders = {""};  // still to be read; "" is the site itself
-  while (!folders.empty()) {
-    const std::string folder = std::move(folders.back());
-    folders.pop_back();
+// A folder or file of the site.
+struct Place {
+  std::string path;  // as SourceItem has it; "" is the site itself
+  std::string file;  // the same, links resolved
+};
+
+Place Inside(const Place& folder, const std::string& name) {
+  if (folder.path.empty()) return {name, name};
+  return {(fs::path(folder.path) / name).string(), (fs::path(folder.file) / name).string()};
+}
+
+// One reading of the site's folders.
+class Walk {
+ public:
+  explicit Walk(const FolderSource& source)
+      : source_(source), usedPatterns_(source.excluded.size()) {}
+
+  SiteListing List() {
+    seen_.insert("");
+    ReadFolders({"", ""});
+    // All that lies in the site on its own is known now. A link leads to more only once, whatever
+    // links are found behind it.
+    while (!links_.empty()) {
+      std::vector<Place> links = std::exchange(links_, {});
+      std::ranges::sort(links, {}, &Place::path);
+      for (const Place& link : links) Follow(link);
+    }
+    // std::string compares as unsigned bytes, so the order does not depend on the locale.
+    std::ranges::sort(out_.items, {}, &SourceItem::path);
+    for (size_t i = 0; i < usedPatterns_.size(); ++i) {
+      if (usedPatterns_[i]) continue;
+      out_.unused.push_back({Reason::kUnusedExclude, {}, source_.excluded[i]});
+    }
+    return std::move(out_);
+  }
+
+ private:
+  bool IsExcluded(const std::string& name, const std::string& path) {
+    bool excluded =
+        name.starts_with('.') || std::ranges::find(kNeverPages, name) != std::end(kNeverPages);
+    for (size_t i = 0; i < source_.excluded.size(); ++i) {
+      // One pattern is enough; the others are only looked at until each was of use.
+      if (excluded && usedPatterns_[i]) continue;
+      std::string pattern = source_.excluded[i];
+      if (pattern.ends_with('/')) pattern.pop_back();  // "drafts/" is a folder
+      if (fnmatch(pattern.c_str(), name.c_str(), 0) != 0 &&
+          fnmatch(pattern.c_str(), path.c_str(), 0) != 0) {
+        continue;
+      }
+      usedPatterns_[i] = true;
+      excluded = true;
+    }
+    return excluded;
+  }
+
+  void ReadFolders(Place first) {
+    std::vector<Place> folders = {std::move(first)};
+    while (!folders.empty()) {
+      const Place folder = std::move(folders.back());
+      folders.pop_back();
+      ReadFolder(folder, folders);
+    }
+  }
+
+  // Takes the pages of one folder; the folders in it join `folders`.
+  void ReadFolder(const Place& folder, std::vector<Place>& folders) {
     std::error_code error;
-    fs::directory_iterator entries(source.folder / folder, error);
+    fs::directory_iterator entries(source_.folder / folder.file, error);
     if (error) {
-      if (folder.empty()) {
+      if (folder.path.empty()) {
         throw IndexError(ExitStatus::kFailed, "Cannot read the site folder " +
-                                                  source.folder.string() + ": " + error.message() +
+                                                  source_.folder.string() + ": " + error.message() +
                                                   ". Check --site and the folder's permissions.");
       }
-      AddLeftOut(leftOut, Reason::kFolderNotRead, folder);
-      continue;
+      AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.path);
+      return;
     }
     while (entries != fs::directory_iterator()) {
       const fs::directory_entry& entry = *entries;
       const std::string name = entry.path().filename().string();
-      const std::string path = folder.empty() ? name : (fs::path(folder) / name).string();
-      const fs::file_type entryType = entry.symlink_status(error).type();
+      Place place = Inside(folder, name);
+      const fs::file_type type = entry.symlink_status(error).type();
       if (error) {
-        AddLeftOut(leftOut, Reason::kFileNotRead, path);
-      } else if (IsExcluded(name, path, source)) {
+        AddLeftOut(out_.leftOut, Reason::kFileNotRead, place.path);
+      } else if (IsExcluded(name, place.path)) {
         // Left out on purpose: no reason to report.
-      } else if (entryType == fs::file_type::symlink) {
-        // A link into the site is indexed where its target lies; one out of it never.
-        if (TypeOf(name, source).has_value() || entry.is_directory(error)) {
-          AddLeftOut(leftOut, Reason::kSymbolicLink, path);
-        }
-      } else if (entryType == fs::file_type::directory) {
-        if (entry.path() != source.excludedFolder) folders.push_back(path);
-      } else if (const std::optional<FileType> type = TypeOf(name, source); type.has_value()) {
-        if (entryType == fs::file_type::regular) {
-          items.push_back({path, PageAddress(source.base, path), *type});
-        } else {
-          AddLeftOut(leftOut, Reason::kNotRegular, path);
+      } else if (type == fs::file_type::symlink && source_.followLinks) {
+        links_.push_back(std::move(place));
+      } else if (type == fs::file_type::symlink) {
+        NoteLink(place, Reason::kSymbolicLink);
+      } else if (type != fs::file_type::directory) {
+        TakeFile(std::move(place), type);
+      } else if (IsNew(place)) {
+        if (source_.folder / place.file != source_.excludedFolder) {
+          folders.push_back(std::move(place));
         }
       }
       entries.increment(error);
       if (error) {
-        AddLeftOut(leftOut, Reason::kFolderNotRead, folder);
+        AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.path);
         break;
       }
     }
   }
-  // std::string compares as unsigned bytes, so the order does not depend on the locale.
-  std::ranges::sort(items, {}, &SourceItem::path);
-  return items;
-}
+
+  void TakeFile(Place place, fs::file_type fileType) {
+    const std::string name = fs::path(place.path).filename().string();
+    const std::optional<FileType> type = TypeOf(name, source_);
+    if (!type.has_value()) {
+      const std::string ending = EndingOf(name);
+      if (fileType == fs::file_type::regular && !IsFurniture(ending)) {
+        AddLeftOut(out_.otherKinds, Reason::kOtherKind, place.path, ending);
+      }
+      return;
+    }
+    if (fileType != fs::file_type::regular) {
+      AddLeftOut(out_.leftOut, Reason::kNotRegular, place.path);
+      return;
+    }
+    if (!IsNew(place)) return;
+    if (place.file == place.path) place.file.clear();
+    std::string address = PageAddress(source_.base, place.path);
+    out_.items.push_back({std::move(place.path), std::move(address), *type, std::move(place.file)});
+  }
+
+  // A link that was not followed is worth a word where it might have led to pages.
+  void NoteLink(const Place& link, Reason reason) {
+    std::error_code error;
+    if (TypeOf(link.path, source_).has_value() ||
+        fs::is_directory(source_.folder / link.file, error)) {
+      AddLeftOut(out_.leftOut, reason, link.path);
+    }
+  }
+
+  void Follow(const Place& link) {
+    std::error_code error;
+    const fs::path target = fs::canonical(source_.folder / link.file, error);
+    if (error || !IsWithin(target, source_.folder)) {
+      NoteLink(link, Reason::kLinkOutside);
+      return;
+    }
+    if (!source_.excludedFolder.empty() && IsWithin(target, source_.excludedFolder)) return;
+    const fs::path file = target.lexically_relative(source_.folder);
+    Place place = {link.path, file == "." ? std::string() : file.string()};
+    const fs::file_type type = fs::status(target, error).type();
+    if (seen_.contains(place.file)) {
+      NoteLink(link, Reason::kLinkNotFollowed);
+    } else if (type == fs::file_type::directory) {
+      seen_.insert(place.file);
+      ReadFolders(std::move(place));
+    } else {
+      TakeFile(std::move(place), type);
+    }
+  }
+
+  // Whether this is the first way to that folder or page. Without links there is but one.
+  bool IsNew(const Place& place) {
+    if (!source_.followLinks || seen_.insert(place.file).second) return true;
+    AddLeftOut(out_.leftOut, Reason::kLinkNotFollowed, place.path);
+    return false;
+  }
+
+  const FolderSource& source_;
+  SiteListing out_;
+  std::vector<bool> usedPatterns_;        // beside source_.excluded
+  std::vector<Place> links_;              // still to be followed
+  std::unordered_set<std::string> seen_;  // Place::file of folders and pages
+};
+
+}  // namespace
+
+SiteListing ListItems(const FolderSource& source) { return Walk(source).List(); }
 
 Reason ReadItem(const FolderSource& source, const SourceItem& item, FileContent& content) {
-  return ReadRegularFile((source.folder / item.path).string(), source.fileLimit, content);
+  return ReadRegularFile((source.folder / (item.file.empty() ? item.path : item.file)).string(),
+                         source.fileLimit, content);
 }
 
 }  // namespace vela::indexer

@@ -22,13 +22,21 @@ struct FolderSource {
   std::vector<std::string> htmlEndings;
   std::vector<std::string> textEndings;
   uint64_t fileLimit = 0;  // bytes
+  bool followLinks = false;
 };
 
-// Lists the pages in ascending byte order of their paths. Symbolic links are not followed, so that
-// nothing outside the site is ever read and no loop can occur; names that begin with a dot are
-// passed over. Files of other kinds are not counted as left out. Throws IndexError when the folder
-// itself cannot be read.
-std::vector<SourceItem> ListItems(const FolderSource& source, LeftOut& leftOut);
+struct SiteListing {
+  std::vector<SourceItem> items;  // in ascending byte order of their paths
+  LeftOut leftOut;                // what might have been pages
+  LeftOut otherKinds;             // `where` is the ending, with its dot; empty for none
+  std::vector<Finding> unused;    // patterns of `excluded` that left nothing out
+};
+
+// Lists the pages. Names that begin with a dot are passed over. Symbolic links are followed only
+// where the source says so, only to what lies in the site, and only to what is not read where it
+// lies: nothing outside the site is ever read, nothing twice, and no loop can occur. Throws
+// IndexError when the folder itself cannot be read.
+SiteListing ListItems(const FolderSource& source);
 
 // Reads an item of the list. What it holds is in `content` when kNone is returned.
 [[nodiscard]] Reason ReadItem(const FolderSource& source, const SourceItem& item,

@@ -13,6 +13,7 @@ struct SourceItem {
   std::string path;  // from the site's folder on, "/" between the names, as the file system has it
   std::string address;  // made by PageAddress
   FileType type = FileType::kHtml;
+  std::string file = {};  // like `path`, links resolved; empty where that is the same
 };
 
 }  // namespace vela::indexer

@@ -95,5 +95,22 @@ TEST(PageCollection, CountsTheValuesThatDoNotFitTheirField) {
   EXPECT_EQ(group.examples, (std::vector<std::string>{"a.html (\"cheap\")", "a.html (\"...\")"}));
 }
 
+TEST(PageCollection, NamesFieldsThatNoPageHas) {
+  Site site;
+  for (const char* name : {"Used", "unused"}) {
+    FieldRule rule;
+    rule.name = rule.meta = name;
+    site.config.fields.push_back(rule);
+  }
+  PageCollection collection = site.Collection();
+  JoinedPage joined;
+  Page page = PageAt("/a.html", "text");
+  page.content.metas = {{"used", "x"}};
+  ASSERT_EQ(AddPage(page, collection, joined), Reason::kNone);
+  const std::vector<Finding> unused = UnusedFields(collection);
+  ASSERT_EQ(unused.size(), 1u);
+  EXPECT_EQ(unused[0].subject, "unused");
+}
+
 }  // namespace
 }  // namespace vela::indexer

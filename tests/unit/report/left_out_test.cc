@@ -14,6 +14,18 @@ TEST(LeftOut, NamesOnlyTheFirstFilesOfAReason) {
   EXPECT_EQ(group.examples, (std::vector<std::string>{"a", "b", "c"}));
 }
 
+TEST(LeftOut, ListsEverything) {
+  LeftOut leftOut;
+  for (const char* path : {"a", "b", "c", "d"}) {
+    AddLeftOut(leftOut, Reason::kNoAmount, path, "price", "cheap");
+  }
+  ASSERT_EQ(leftOut.entries.size(), 4u);
+  EXPECT_EQ(leftOut.entries[3].path, "d");
+  EXPECT_EQ(leftOut.entries[3].where, "price");
+  EXPECT_EQ(leftOut.entries[3].value, "cheap");
+  EXPECT_EQ(leftOut.groups.begin()->second.examples.front(), "a (\"cheap\")");
+}
+
 TEST(LeftOut, CountsAFieldsValuesByThemselves) {
   LeftOut leftOut;
   AddLeftOut(leftOut, Reason::kNoAmount, "a", "price");

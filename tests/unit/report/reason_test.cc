@@ -7,14 +7,18 @@
 namespace vela::indexer {
 namespace {
 
-TEST(Reason, EachHasATextOfItsOwn) {
+TEST(Reason, EachHasATextAndACodeOfItsOwn) {
   EXPECT_EQ(ReasonText(Reason::kNone), "");
   std::set<std::string_view> texts;
+  std::set<std::string_view> codes;
   const auto last = static_cast<int>(Reason::kTemplateWithoutResults);
   for (int i = 1; i <= last; ++i) {
     const std::string_view text = ReasonText(static_cast<Reason>(i));
     EXPECT_FALSE(text.empty()) << i;
     EXPECT_TRUE(texts.insert(text).second) << text;
+    const std::string_view code = ReasonCode(static_cast<Reason>(i));
+    EXPECT_EQ(code.find_first_not_of("abcdefghijklmnopqrstuvwxyz_"), code.npos) << code;
+    EXPECT_TRUE(codes.insert(code).second) << code;
   }
 }
 

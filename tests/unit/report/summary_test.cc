@@ -22,7 +22,7 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
   summary.runs = 3;
   AddLeftOut(summary.files, Reason::kNoindex, "a\x1B[2J.html");
   for (const char* name : {"1", "2", "3", "4"}) AddLeftOut(summary.files, Reason::kCopy, name);
-  AddLeftOut(summary.metaValues, Reason::kNoAmount, "a.html (\"cheap\")", "price");
+  AddLeftOut(summary.metaValues, Reason::kNoAmount, "a.html", "price", "cheap");
   summary.warnings.push_back({Reason::kUnusedCategory, {}, "News"});
   EXPECT_EQ(SummaryText(summary, "i", 60),
             "Indexed 2 pages with 0 different words in 60.0 seconds.\n"
@@ -34,6 +34,36 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
             "Meta elements that do not fit their field:\n"
             "  1  price: no amount: a.html (\"cheap\")\n"
             "Warning: the category \"News\" fits no page.\n");
+}
+
+TEST(Summary, NamesTheKindsThatAreNotRead) {
+  IndexSummary summary;
+  for (const char* ending : {".pdf", ".docx", ".pdf", ""}) {
+    AddLeftOut(summary.otherKinds, Reason::kOtherKind, "x", ending);
+  }
+  EXPECT_NE(SummaryText(summary, "i", 1)
+                .find("Not read, being neither HTML nor text: 2 .pdf, 1 without an ending, 1 "
+                      ".docx.\n"),
+            std::string::npos);
+  for (char c = 'a'; c <= 'h'; ++c) {
+    AddLeftOut(summary.otherKinds, Reason::kOtherKind, "x", std::string(".z") + c);
+  }
+  EXPECT_NE(SummaryText(summary, "i", 1).find(".ze, 3 of other kinds.\n"), std::string::npos)
+      << SummaryText(summary, "i", 1);
+}
+
+TEST(Summary, ShortensLongPathsBetweenCharacters) {
+  IndexSummary summary;
+  const std::string middle(30, 'm');
+  const std::string longest = std::string(20, 'a') + "mmm" + std::string(40, 'z');
+  AddLeftOut(summary.files, Reason::kNoText, longest);
+  AddLeftOut(summary.files, Reason::kNoText,
+             std::string(19, 'a') + "ü" + middle + "ü" + std::string(39, 'z'));
+  EXPECT_NE(SummaryText(summary, "i", 1)
+                .find("no text: " + longest + ", " + std::string(19, 'a') + "..." +
+                      std::string(39, 'z') + "\n"),
+            std::string::npos)
+      << SummaryText(summary, "i", 1);
 }
 
 }  // namespace

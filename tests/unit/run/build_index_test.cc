@@ -522,6 +522,46 @@ TEST(BuildIndex, RefusesWrongOptions) {
   EXPECT_EQ(statusOf(site), ExitStatus::kSuccess);
 }
 
+TEST(BuildIndex, AShrunkenSiteKeepsTheOldIndexOnRequest) {
+  TestSite site;
+  for (int i = 0; i < 10; ++i) site.Add(std::to_string(i) + ".html", "x" + std::to_string(i));
+  site.options.missingPercentLimit = 20;
+  EXPECT_EQ(site.Build().pages, 10u);
+  for (int i = 0; i < 3; ++i) fs::remove(site.folder / (std::to_string(i) + ".html"));
+  const std::string before = site.Read("vela_pagedata.vdat");
+  try {
+    site.Build();
+    FAIL();
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kShrunk);
+  }
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"), before);
+  site.Add("0.html", "x0");  // two of ten are missing: a fifth
+  EXPECT_EQ(site.Build().pages, 8u);
+  fs::remove(site.folder / "7.html");
+  fs::remove(site.folder / "8.html");
+  site.options.acceptFewer = true;
+  EXPECT_EQ(site.Build().pages, 6u);
+}
+
+TEST(BuildIndex, WritesAReportOfWhatWasLeftOut) {
+  TestSite site;
+  site.Add("a.html", "x");
+  site.Add("\xFF.html", "");
+  site.options.report = (site.scratch.path() / "report.jsonl").string();
+  site.options.exclude = {"nowhere"};
+  site.Build();
+  EXPECT_EQ(ReadFile(site.options.report),
+            "{\"path\":\"\xEF\xBF\xBD.html\",\"reason\":\"no_text\",\"text\":\"no text\"}\n"
+            "{\"remark\":\"unused_exclude\",\"where\":\"\",\"subject\":\"nowhere\",\"text\":\"the "
+            "pattern \\\"nowhere\\\" to exclude leaves nothing out\"}\n");
+  const std::string before = site.Read("settings.vdat");
+  fs::remove(site.folder / "a.html");
+  site.options.report = "/nonexistent/report.jsonl";
+  EXPECT_THROW(site.Build(), IndexError);
+  EXPECT_EQ(site.Read("settings.vdat"), before);
+}
+
 TEST(BuildIndex, AnIndexInsideTheSiteIsNotIndexed) {
   TestSite site;
   site.Add("a.html", "x");

@@ -13,6 +13,8 @@ namespace fs = std::filesystem;
 struct Walk {
   std::vector<std::string> paths;
   LeftOut leftOut;
+  LeftOut otherKinds;
+  std::vector<Finding> unused;
 };
 
 FolderSource SourceOf(const fs::path& folder) {
@@ -26,12 +28,17 @@ FolderSource SourceOf(const fs::path& folder) {
 }
 
 Walk WalkOf(const TestSite& site, const std::vector<std::string>& excluded = {},
-            const fs::path& excludedFolder = {}) {
+            const fs::path& excludedFolder = {}, bool followLinks = false) {
   FolderSource source = SourceOf(site.folder);
   source.excluded = excluded;
   source.excludedFolder = excludedFolder;
-  Walk walk;
-  for (const SourceItem& item : ListItems(source, walk.leftOut)) {
+  source.followLinks = followLinks;
+  SiteListing listing = ListItems(source);
+  Walk walk{.paths = {},
+            .leftOut = std::move(listing.leftOut),
+            .otherKinds = std::move(listing.otherKinds),
+            .unused = std::move(listing.unused)};
+  for (const SourceItem& item : listing.items) {
     walk.paths.push_back(item.path + (item.type == FileType::kHtml ? " html" : " text"));
   }
   return walk;
@@ -77,6 +84,70 @@ TEST(FolderSource, FollowsNoSymbolicLink) {
   EXPECT_EQ(walk.leftOut.groups.at({"", Reason::kSymbolicLink}).count, 4u);
 }
 
+TEST(FolderSource, FollowsLinksInTheSiteOnRequest) {
+  const TestSite site;
+  site.Add("a.html", "x");
+  site.Add("sub/b.html", "x");
+  site.Add("releases/5/c.html", "x");
+  site.Add("releases/5/deep/d.html", "x");
+  site.Add("hidden/e.html", "x");
+  WriteFile(site.scratch.path() / "beside/secret.html", "x");
+  fs::create_directory_symlink("releases/5", site.folder / "current");
+  fs::create_directory_symlink("releases", site.folder / "z");   // 5 is read by then
+  fs::create_directory_symlink("..", site.folder / "sub/loop");  // the site itself
+  fs::create_directory_symlink("../..", site.folder / "releases/5/up");
+  fs::create_symlink("hidden/e.html", site.folder / "found.html");
+  fs::create_symlink("hidden/e.html", site.folder / "twice.html");
+  fs::create_symlink("a.html", site.folder / "again.html");
+  fs::create_directory_symlink(site.scratch.path() / "beside", site.folder / "out");
+  fs::create_symlink(site.scratch.path() / "beside/secret.html", site.folder / "out.html");
+  fs::create_symlink("nowhere", site.folder / "dangling.html");
+  const Walk walk = WalkOf(site, {"releases", "hidden"}, {}, true);
+  const std::vector<std::string> expected = {"a.html html", "current/c.html html",
+                                             "current/deep/d.html html", "found.html html",
+                                             "sub/b.html html"};
+  EXPECT_EQ(walk.paths, expected);
+  EXPECT_EQ(walk.leftOut.groups.at({"", Reason::kLinkOutside}).count, 3u);
+  EXPECT_TRUE(walk.leftOut.groups.contains({"", Reason::kLinkNotFollowed}));
+}
+
+TEST(FolderSource, ReadsTheFileThatALinkLeadsTo) {
+  const TestSite site;
+  site.Add("releases/5/c.html", "x");
+  fs::create_directory_symlink("releases/5", site.folder / "current");
+  FolderSource source = SourceOf(site.folder);
+  source.excluded = {"releases"};
+  source.followLinks = true;
+  const std::vector<SourceItem> items = ListItems(source).items;
+  ASSERT_EQ(items.size(), 1u);
+  EXPECT_EQ(items[0].address, "https://x.example/docs/current/c.html");
+  FileContent content;
+  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kNone);
+  EXPECT_EQ(content.bytes, "x");
+}
+
+TEST(FolderSource, CountsFilesOfOtherKindsByTheirEnding) {
+  const TestSite site;
+  for (const char* path : {"a.pdf", "b/c.PDF", "d.tar.gz", "LICENCE", "style.css", "e.png"}) {
+    site.Add(path, "x");
+  }
+  const Walk walk = WalkOf(site);
+  EXPECT_EQ(walk.otherKinds.total, 4u);
+  EXPECT_EQ(walk.otherKinds.groups.at({".pdf", Reason::kOtherKind}).count, 2u);
+  EXPECT_EQ(walk.otherKinds.groups.at({".gz", Reason::kOtherKind}).count, 1u);
+  EXPECT_EQ(walk.otherKinds.groups.at({"", Reason::kOtherKind}).count, 1u);
+}
+
+TEST(FolderSource, NamesPatternsThatLeaveNothingOut) {
+  const TestSite site;
+  site.Add("drafts/a.html", "x");
+  site.Add(".git/a.html", "x");
+  const Walk walk = WalkOf(site, {"drafts/", "draft", "*.git", "drafts"});
+  ASSERT_EQ(walk.unused.size(), 1u);
+  EXPECT_EQ(walk.unused[0].reason, Reason::kUnusedExclude);
+  EXPECT_EQ(walk.unused[0].subject, "draft");
+}
+
 TEST(FolderSource, TakesOnlyRegularFiles) {
   const TestSite site;
   ASSERT_EQ(mkfifo((site.folder / "pipe.html").c_str(), 0600), 0);
@@ -96,9 +167,8 @@ TEST(FolderSource, LeavesOutTheIndexInsideTheSite) {
 }
 
 TEST(FolderSource, SaysWhenTheSiteCannotBeRead) {
-  LeftOut leftOut;
   try {
-    ListItems(SourceOf("/nonexistent/site"), leftOut);
+    ListItems(SourceOf("/nonexistent/site"));
     FAIL();
   } catch (const IndexError& error) {
     EXPECT_EQ(error.status, ExitStatus::kFailed);
@@ -110,8 +180,7 @@ TEST(FolderSource, ItemsHaveAddressesAndAreRead) {
   const TestSite site;
   site.Add("a b.html", "<p>x", 1000000001);
   const FolderSource source = SourceOf(site.folder);
-  LeftOut leftOut;
-  const std::vector<SourceItem> items = ListItems(source, leftOut);
+  const std::vector<SourceItem> items = ListItems(source).items;
   ASSERT_EQ(items.size(), 1u);
   EXPECT_EQ(items[0].address, "https://x.example/docs/a%20b.html");
   FileContent content;
