@@ -138,7 +138,8 @@ void WriteReport(const Run& run) {
 uint64_t FormerPages(const IndexFolder& folder) {
   constexpr uint64_t kSettingsLimit = uint64_t{16} << 20;
   FileContent file;
-  const std::string path = (folder.target() / kSettingsFileName).string();
+  std::error_code error;  // without such a file the path is empty, and none is read
+  const std::string path = fs::canonical(folder.target() / kSettingsFileName, error).string();
   if (ReadRegularFile(path, kSettingsLimit, file) != Reason::kNone) return 0;
   const auto settings = std::make_unique<Settings>();
   if (ReadSettings(*settings, file.bytes) != SettingsStatus::kOk) return 0;
@@ -313,6 +314,8 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   summary.sourceBytes = collection.sourceBytes;
   summary.indexBytes = bytes;
   summary.metaValues = std::move(collection.metaValues);
+  const Finding logFault = LogFolderFault(options.config, folder.target());
+  if (logFault.reason != Reason::kNone) summary.warnings.push_back(logFault);
   // Before the index changes, so that a run that cannot write it leaves all as it was.
   WriteReport(run);
   CheckMissingPages(run, summary.pages);

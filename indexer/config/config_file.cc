@@ -67,7 +67,11 @@ void ReadTables(const toml::table& root, const ConfigSource& source, Options& op
   ConfigTable top(&root, source.file, "the file");
   ReadKeyTables(top, source, options);
   ReadRuleTables(top, source.file, options.config);
-  ReadSettingsTable(top.Table("settings"), source.file, options.config);
+  SiteConfig& config = options.config;
+  ReadSettingsTable(top.Table("settings"), source.file, config);
+  // Whichever table says that searches are logged, the log's folder has to be there.
+  config.logging = config.settings.at("Logging").number == 1;
+  config.logFile = config.settings.at("LogFileName").text;
   top.Finish();
 }
 

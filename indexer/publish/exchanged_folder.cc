@@ -26,6 +26,20 @@ constexpr std::string_view kAside = ".old";
 
 bool IsDenied(int error) { return error == EACCES || error == EPERM || error == EROFS; }
 
+// Whether something in the folder, such as the log folder of the web server's user, is a folder of
+// another user: a copy would belong to `user`, and moving it takes the right to write in it.
+bool HoldsFoldersOfOthers(const fs::path& folder, uid_t user) {
+  constexpr uid_t kRoot = 0;  // gives copies away
+  if (user == kRoot) return false;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    struct stat info = {};
+    if (lstat(entry.path().c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid != user) {
+      return true;
+    }
+  }
+  return false;
+}
+
 bool CanWriteIn(const fs::path& folder) {
   return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
@@ -65,6 +79,7 @@ bool ExchangedFolder::Begin() {
 
 bool ExchangedFolder::CanExchange() const {
   if (!fs::exists(target_)) return true;  // a plain rename will do
+  if (HoldsFoldersOfOthers(target_, system_.user()) && CanWriteIn(target_)) return false;
   const fs::path one = fresh_ / "one";
   const fs::path other = fresh_ / "other";
   fs::create_directory(one);

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -28,7 +29,7 @@ int ExchangeFolders(const fs::path& one, const fs::path& other) {
 }  // namespace
 
 PublishSystem::PublishSystem()
-    : exchange(&ExchangeFolders), now([] { return std::time(nullptr); }) {}
+    : exchange(&ExchangeFolders), now([] { return std::time(nullptr); }), user(&geteuid) {}
 
 IndexPlace::~IndexPlace() {
   if (!fresh_.empty()) RemoveFolder(fresh_);

@@ -5,6 +5,8 @@
 // one step, and the former one stays, all of it, as long as a search may go on reading it.
 #pragma once
 
+#include <sys/types.h>
+
 #include <ctime>
 #include <filesystem>
 #include <functional>
@@ -26,6 +28,8 @@ struct PublishSystem {
   std::function<int(const std::filesystem::path&, const std::filesystem::path&)> exchange;
   // The present time, in seconds since 1970.
   std::function<std::time_t()> now;
+  // Who runs the program.
+  std::function<uid_t()> user;
   // Called again and again while another run holds the index; waits a moment, or throws to give up.
   // Without it a run ends at once with ExitStatus::kBusy.
   std::function<void()> whenBusy;

@@ -1,5 +1,8 @@
 #include "indexer/publish/public_files.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "format/template_file.h"
@@ -52,6 +55,15 @@ bool IsPublic(std::string_view name) {
   return name.ends_with(".css") || name.ends_with(".js") || name.ends_with(".xsl");
 }
 
+// Where the log is, from the index folder on; empty without a log, for one in the index folder
+// itself and for one outside of it.
+fs::path LogFolder(const SiteConfig& config) {
+  if (!config.logging) return {};
+  fs::path logs = fs::path("/" + config.logFile).lexically_normal().parent_path().relative_path();
+  if (fs::path(config.logFile).lexically_normal().string().starts_with("..")) logs.clear();
+  return logs;
+}
+
 }  // namespace
 
 Finding WriteTemplate(const Options& options, const TemplateWords& words,
@@ -83,10 +95,24 @@ void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCha
   if (!config.searchAddress.empty()) {
     WriteWhole(folder.fresh() / kOpenSearchName, OpenSearchDocument(config, suggestions, charset));
   }
-  if (config.logging) {
-    const fs::path logs = fs::path(config.logFile).lexically_normal().parent_path();
-    if (!logs.empty() && *logs.begin() != "..") folder.Need(logs);
+  if (const fs::path logs = LogFolder(config); !logs.empty()) folder.Need(logs);
+}
+
+Finding LogFolderFault(const SiteConfig& config, const fs::path& target) {
+  const fs::path logs = LogFolder(config);
+  if (logs.empty()) return {};
+  const fs::path folder = target / logs;
+  struct stat info = {};
+  // A log that is there was written by whoever runs the search.
+  if (stat((folder / fs::path(config.logFile).filename()).c_str(), &info) == 0) return {};
+  if (stat(folder.c_str(), &info) == 0 &&
+      (info.st_uid != geteuid() || (info.st_mode & (S_IWGRP | S_IWOTH)) != 0)) {
+    return {};
   }
+  return {.reason = Reason::kLogFolderNotGiven,
+          .where = folder.string(),
+          .subject = "install -d -o www-data -g www-data -m 750 /var/log/vela; rmdir " +
+                     folder.string() + " && ln -sT /var/log/vela " + folder.string()};
 }
 
 }  // namespace vela::indexer

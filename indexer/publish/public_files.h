@@ -2,6 +2,7 @@
 // of the search link to.
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "indexer/config/language_file.h"
@@ -25,5 +26,10 @@ Finding WriteTemplate(const Options& options, const TemplateWords& words,
 // log when searches are logged.
 void WritePublicFiles(const SiteConfig& config, bool suggestions, const IndexCharset& charset,
                       IndexFolder& folder);
+
+// Whether the web server will not be able to write the log: its folder in `target` is made by this
+// run or an earlier one, belongs to this user alone, and nobody has written a log there. Otherwise
+// no reason.
+Finding LogFolderFault(const SiteConfig& config, const std::filesystem::path& target);
 
 }  // namespace vela::indexer

@@ -23,6 +23,7 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kLinkNotFollowed, "link_not_followed", "symbolic link to what is read where it lies"},
     {Reason::kFileTooLarge, "file_too_large", "larger than the limit (--max-file-size)"},
     {Reason::kReadError, "read_error", "read error"},
+    {Reason::kForRobots, "for_robots", "meant for robots"},
     {Reason::kOtherKind, "other_kind", "neither HTML nor text"},
     {Reason::kBinary, "binary", "binary file"},
     {Reason::kNotConverted, "not_converted", "character set cannot be converted"},
@@ -31,6 +32,8 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kNoindex, "noindex", "noindex"},
     {Reason::kNoText, "no_text", "no text"},
     {Reason::kCopy, "copy", "copy of another page (canonical address)"},
+    {Reason::kEqual, "equal", "copy of another page (the same text)"},
+    {Reason::kRefresh, "refresh", "only leads on to another page (refresh)"},
     {Reason::kAddressTooLong, "address_too_long", "address too long"},
     {Reason::kNotInList, "not_in_list", "not in the list of values"},
     {Reason::kNoAmount, "no_amount", "no amount"},
@@ -48,13 +51,16 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kTemplateWithoutResults, "template_without_results",
      "the template % shows no results: it has neither <!--VELASEARCH--> nor "
      "<!--VELA_SHOW_RESULTS-->"},
+    {Reason::kLogFolderNotGiven, "log_folder_not_given",
+     "searches are logged here, but unless the web server runs as the user of this run it cannot "
+     "write; as root: %"},
 };
 
 constexpr bool EachReasonHasItsPlace() {
   for (size_t i = 0; i < std::size(kReasonWords); ++i) {
     if (kReasonWords[i].reason != static_cast<Reason>(i)) return false;
   }
-  return std::size(kReasonWords) == static_cast<size_t>(Reason::kTemplateWithoutResults) + 1;
+  return std::size(kReasonWords) == static_cast<size_t>(Reason::kLogFolderNotGiven) + 1;
 }
 static_assert(EachReasonHasItsPlace());
 

@@ -23,6 +23,7 @@ enum class Reason : uint8_t {
   kLinkNotFollowed,
   kFileTooLarge,
   kReadError,
+  kForRobots,
   kOtherKind,  // `where` is the ending of its name
 
   // A page.
@@ -33,6 +34,8 @@ enum class Reason : uint8_t {
   kNoindex,
   kNoText,
   kCopy,
+  kEqual,
+  kRefresh,
   kAddressTooLong,
 
   // The value of a meta field; `where` is the field.
@@ -50,6 +53,7 @@ enum class Reason : uint8_t {
   kKeywordsTooLong,
   kTemplateLanguage,
   kTemplateWithoutResults,
+  kLogFolderNotGiven,  // `subject`: the commands that give it to the web server
 };
 
 // The reason as programs know it: small letters and "_". It stays when the words change.

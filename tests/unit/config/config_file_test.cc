@@ -145,6 +145,27 @@ LinkTarget = "_blank"
   EXPECT_EQ(config.settings.at("LinkTarget").text, "_blank");
 }
 
+TEST(ConfigFile, TheLogMayBeSwitchedOnAmongTheSettings) {
+  const SiteConfig plain = Read("[settings]\nLogging = 1\n").config;
+  EXPECT_TRUE(plain.logging);
+  EXPECT_EQ(plain.logFile, "logs/searchwords.log");
+  const SiteConfig named =
+      Read("[log]\nuse = true\n[settings]\nLogFileName = \"more/x.log\"\n").config;
+  EXPECT_TRUE(named.logging);
+  EXPECT_EQ(named.logFile, "more/x.log");
+  EXPECT_FALSE(Read("[log]\nuse = true\n[settings]\nLogging = 0\n").config.logging);
+}
+
+TEST(ConfigFile, ReadsWhatIsForTheRun) {
+  const Options options =
+      Read("[site]\nfollow_links = true\n[index]\nstop_when_fewer = \"20 %\"\n");
+  EXPECT_TRUE(options.followLinks);
+  EXPECT_EQ(options.missingPercentLimit, 20u);
+  EXPECT_EQ(Read("[index]\nstop_when_fewer = \"5\"\n").missingPercentLimit, 5u);
+  EXPECT_NE(MessageOf("[index]\nstop_when_fewer = \"101 %\"\n").find("line 2"), std::string::npos);
+  EXPECT_NE(MessageOf("[index]\nstop_when_fewer = \"few\"\n").find("20 %"), std::string::npos);
+}
+
 TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
   const struct {
     const char* text;

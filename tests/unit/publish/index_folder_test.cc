@@ -351,5 +351,28 @@ TEST(IndexFolder, NothingChangesWhenTheExchangeFailsAfterAll) {
   EXPECT_EQ(ReadFile(index / "search.cgi"), "program");
 }
 
+TEST(IndexFolder, LeavesFoldersOfAnotherUserWhereTheyAre) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  WriteFile(index / "logs/searchwords.log", "one\n");
+  PublishSystem system;
+  system.user = [] { return geteuid() + 1; };
+  const auto inode = [&] {
+    struct stat info = {};
+    stat((index / "logs").c_str(), &info);
+    return info.st_ino;
+  };
+  const ino_t before = inode();
+  {
+    IndexFolder folder(index, system);
+    WriteFile(folder.fresh() / "settings.vdat", "new");
+    folder.Need("logs");
+    folder.Commit();
+  }
+  EXPECT_EQ(inode(), before);
+  EXPECT_EQ(ReadFile(index / "logs/searchwords.log"), "one\n");
+  EXPECT_EQ(ReadFile(index / "settings.vdat"), "new");
+}
+
 }  // namespace
 }  // namespace vela::indexer

@@ -11,7 +11,7 @@ TEST(Reason, EachHasATextAndACodeOfItsOwn) {
   EXPECT_EQ(ReasonText(Reason::kNone), "");
   std::set<std::string_view> texts;
   std::set<std::string_view> codes;
-  const auto last = static_cast<int>(Reason::kTemplateWithoutResults);
+  const auto last = static_cast<int>(Reason::kLogFolderNotGiven);
   for (int i = 1; i <= last; ++i) {
     const std::string_view text = ReasonText(static_cast<Reason>(i));
     EXPECT_FALSE(text.empty()) << i;

@@ -544,6 +544,36 @@ TEST(BuildIndex, AShrunkenSiteKeepsTheOldIndexOnRequest) {
   EXPECT_EQ(site.Build().pages, 6u);
 }
 
+// What a run says of the folder of the log.
+size_t LogWarnings(const TestSite& site) {
+  size_t count = 0;
+  for (const Finding& warning : site.Build().warnings) {
+    if (warning.reason == Reason::kLogFolderNotGiven) ++count;
+  }
+  return count;
+}
+
+TEST(BuildIndex, SaysWhenTheWebServerCannotWriteTheLog) {
+  TestSite site;
+  site.Add("a.html", "x");
+  EXPECT_EQ(LogWarnings(site), 0u);
+  EXPECT_FALSE(fs::exists(site.index / "logs"));
+  site.options.config.logging = true;
+  EXPECT_EQ(LogWarnings(site), 1u);
+  EXPECT_TRUE(fs::is_directory(site.index / "logs"));
+  EXPECT_EQ(LogWarnings(site), 1u);
+  fs::permissions(site.index / "logs", fs::perms::group_write, fs::perm_options::add);
+  EXPECT_EQ(LogWarnings(site), 0u);
+  fs::permissions(site.index / "logs", fs::perms::group_write, fs::perm_options::remove);
+  WriteFile(site.index / "logs/searchwords.log", "");  // as a search has made it
+  EXPECT_EQ(LogWarnings(site), 0u);
+  site.options.config.logFile = ".//more//logs/x.log";
+  EXPECT_EQ(LogWarnings(site), 1u);
+  EXPECT_TRUE(fs::is_directory(site.index / "more/logs"));
+  site.options.config.logFile = "../x.log";
+  EXPECT_EQ(LogWarnings(site), 0u);
+}
+
 TEST(BuildIndex, WritesAReportOfWhatWasLeftOut) {
   TestSite site;
   site.Add("a.html", "x");
