@@ -1,0 +1,241 @@
+#include "indexer/extract/html_tokens.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "text/ascii.h"
+
+namespace vela::indexer {
+
+namespace {
+
+bool IsMarkupBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r' && c != '\v'); }
+
+bool EndsName(char c) { return IsMarkupBlank(c) || c == '/' || c == '>'; }
+
+bool SameLetters(std::string_view a, std::string_view b) {
+  return std::ranges::equal(
+      a, b, {}, [](char c) { return ToLowerAscii(c); }, [](char c) { return ToLowerAscii(c); });
+}
+
+// In the order of `Attribute`.
+constexpr std::string_view kAttributeNames[] = {
+    "alt",  "aria-hidden", "color",    "content", "datetime", "encoding", "face",  "hidden",
+    "href", "name",        "property", "rel",     "role",     "size",     "style",
+};
+static_assert(std::size(kAttributeNames) == static_cast<size_t>(Attribute::kCount));
+
+}  // namespace
+
+std::string AttributeValue(const Tag& tag, Attribute attribute) {
+  std::string value;
+  if (HasAttribute(tag, attribute)) {
+    AppendResolved(tag.values[static_cast<size_t>(attribute)], true, value);
+  }
+  return value;
+}
+
+// The place of `c`, or the end of the page.
+size_t HtmlTokens::Find(char c, size_t from) const {
+  return std::min(html.find(c, from), html.size());
+}
+
+TokenKind HtmlTokens::Next(bool inForeign) {
+  const size_t from = at;
+  const size_t known = std::max(textEnd, at);
+  const TokenKind kind = Cut(inForeign);
+  // What the search for the end of the text has seen, and what has been cut off.
+  TakeSteps(budget, 1 + (at - from) + (std::max(textEnd, known) - known));
+  return kind;
+}
+
+TokenKind HtmlTokens::Cut(bool inForeign) {
+  while (at < html.size()) {
+    if (at < textEnd) return ReadText();
+    if (html[at] != '<') {
+      textEnd = Find('<', at);
+      return ReadText();
+    }
+    const char next = At(at + 1);
+    if (IsAlpha(next)) {
+      if (ReadTag(at + 1, true)) return TokenKind::kStartTag;
+    } else if (next == '/' && IsAlpha(At(at + 2))) {
+      if (ReadTag(at + 2, false)) return TokenKind::kEndTag;
+    } else if (next == '/' && At(at + 2) == '>') {
+      at += 3;
+    } else if (next == '!' && html.substr(at + 2, 2) == "--") {
+      return PassComment(at + 4);
+    } else if (next == '!' && SameLetters(html.substr(at + 2, 7), "doctype")) {
+      return PassTo('>', at + 9, TokenKind::kDoctype);
+    } else if (next == '!' && inForeign && html.substr(at + 2, 7) == "[CDATA[") {
+      const size_t begin = at + 9;
+      const size_t end = std::min(html.find("]]>", begin), html.size());
+      piece = html.substr(begin, end - begin);
+      at = std::min(end + 3, html.size());
+      if (!piece.empty()) return TokenKind::kText;
+    } else if (next == '!' || next == '?' || (next == '/' && at + 2 < html.size())) {
+      return PassTo('>', at + 2, TokenKind::kComment);
+    } else {  // "<" that begins nothing
+      textEnd = Find('<', at + 1);
+      return ReadText();
+    }
+  }
+  return TokenKind::kEnd;
+}
+
+// Up to `textEnd`: text to the next reference, or one reference.
+TokenKind HtmlTokens::ReadText() {
+  size_t end = at;
+  if (html[at] == '&') {
+    reference = ReadCharacterReference(html.substr(at, textEnd - at), false);
+    if (reference.length != 0) {
+      piece = std::string_view(reference.text, reference.textLength);
+      at += reference.length;
+      return TokenKind::kText;
+    }
+    ++end;
+  }
+  const void* found = memchr(html.data() + end, '&', textEnd - end);
+  end = found == nullptr ? textEnd
+                         : static_cast<size_t>(static_cast<const char*>(found) - html.data());
+  piece = html.substr(at, end - at);
+  at = end;
+  return TokenKind::kText;
+}
+
+// The comment's text begins at `contentAt`; it may be no longer than ">" or "->".
+TokenKind HtmlTokens::PassComment(size_t contentAt) {
+  const std::string_view content = html.substr(contentAt);
+  if (content.starts_with('>')) {
+    at = contentAt + 1;
+    return TokenKind::kComment;
+  }
+  if (content.starts_with("->")) {
+    at = contentAt + 2;
+    return TokenKind::kComment;
+  }
+  size_t end = Find('>', contentAt);
+  for (; end < html.size(); end = Find('>', end + 1)) {
+    const std::string_view before = html.substr(contentAt, end - contentAt);
+    if (before.ends_with("--") || before.ends_with("--!")) break;
+  }
+  at = std::min(end + 1, html.size());
+  return TokenKind::kComment;
+}
+
+TokenKind HtmlTokens::PassTo(char last, size_t from, TokenKind kind) {
+  at = std::min(Find(last, std::min(from, html.size())) + 1, html.size());
+  return kind;
+}
+
+// False, and the rest of the page passed, when the tag has no end.
+bool HtmlTokens::ReadTag(size_t nameAt, bool isStart) {
+  size_t i = nameAt;
+  while (i < html.size() && !EndsName(html[i])) ++i;
+  current.name = html.substr(nameAt, i - nameAt);
+  current.element = FindElement(current.name);
+  current.closesItself = false;
+  current.present = 0;
+  while (i < html.size() && html[i] != '>') {
+    if (IsMarkupBlank(html[i])) {
+      ++i;
+    } else if (html[i] == '/') {
+      ++i;
+      current.closesItself = At(i) == '>';
+    } else {
+      i = ReadAttribute(i, isStart);
+    }
+  }
+  at = std::min(i + 1, html.size());
+  return i < html.size();
+}
+
+// Returns the place behind the attribute.
+size_t HtmlTokens::ReadAttribute(size_t nameAt, bool isStart) {
+  size_t i = nameAt + 1;  // even "=" begins a name
+  while (i < html.size() && html[i] != '=' && !EndsName(html[i])) ++i;
+  const std::string_view name = html.substr(nameAt, i - nameAt);
+  size_t behind = i;
+  while (behind < html.size() && IsMarkupBlank(html[behind])) ++behind;
+  std::string_view value;
+  if (At(behind) == '=') {
+    i = behind + 1;
+    while (i < html.size() && IsMarkupBlank(html[i])) ++i;
+    const char quote = At(i);
+    if (quote == '"' || quote == '\'') {
+      const size_t end = Find(quote, i + 1);
+      value = html.substr(i + 1, end - i - 1);
+      i = std::min(end + 1, html.size());
+    } else {
+      const size_t begin = i;
+      while (i < html.size() && !IsMarkupBlank(html[i]) && html[i] != '>') ++i;
+      value = html.substr(begin, i - begin);
+    }
+  }
+  if (isStart) AddAttribute(name, value);
+  return i;
+}
+
+void HtmlTokens::AddAttribute(std::string_view name, std::string_view value) {
+  for (size_t i = 0; i < std::size(kAttributeNames); ++i) {
+    if (kAttributeNames[i].size() != name.size() || !SameLetters(kAttributeNames[i], name))
+      continue;
+    if ((current.present >> i & 1) == 0) current.values[i] = value;
+    current.present |= 1U << i;
+  }
+}
+
+// Whether the end tag of an element `name` stands at `tagAt`, the place of a "<".
+bool HtmlTokens::EndsElement(size_t tagAt, std::string_view name) const {
+  return At(tagAt + 1) == '/' && SameLetters(html.substr(tagAt + 2, name.size()), name) &&
+         EndsName(At(tagAt + 2 + name.size()));
+}
+
+size_t HtmlTokens::EndOfRawText(std::string_view name) const {
+  size_t end = Find('<', at);
+  while (end < html.size() && !EndsElement(end, name)) end = Find('<', end + 1);
+  return end;
+}
+
+// A comment in a script may hold the tags of another script.
+size_t HtmlTokens::EndOfScript() const {
+  constexpr std::string_view kName = "script";
+  enum { kScript, kComment, kInnerScript } state = kScript;
+  for (size_t i = at; i < html.size(); ++i) {
+    if (state == kScript) i = Find('<', i);
+    if (At(i) == '<') {
+      if (EndsElement(i, kName)) {
+        if (state != kInnerScript) return i;
+        state = kComment;
+      } else if (state == kScript && html.substr(i, 4) == "<!--") {
+        state = kComment;
+        ++i;  // its hyphens may end it: "<!-->"
+      } else if (state == kComment && SameLetters(html.substr(i + 1, kName.size()), kName) &&
+                 EndsName(At(i + 1 + kName.size()))) {
+        state = kInnerScript;
+      }
+    } else if (At(i) == '-' && html.substr(i, 3) == "-->") {
+      state = kScript;
+    }
+  }
+  return html.size();
+}
+
+std::string_view HtmlTokens::TakeRawText() {
+  const size_t begin = at;
+  const size_t end =
+      current.element == Element::kScript ? EndOfScript() : EndOfRawText(current.name);
+  at = end;
+  if (end < html.size()) ReadTag(end + 2, false);
+  TakeSteps(budget, at - begin);
+  return html.substr(begin, end - begin);
+}
+
+std::string_view HtmlTokens::TakeRest() {
+  const std::string_view rest = html.substr(at);
+  at = html.size();
+  TakeSteps(budget, rest.size());
+  return rest;
+}
+
+}  // namespace vela::indexer

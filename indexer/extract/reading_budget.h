@@ -1,0 +1,42 @@
+// reading_budget.h: what the reading of one page may cost, and what it has cost.
+// A reader asks before it takes memory and as it goes on; once refused, it ends and hands the
+// status up. No page written for readers comes near the limits.
+#pragma once
+
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+
+#include "indexer/report/reason.h"
+
+namespace vela::indexer {
+
+struct ReadingBudget {
+  std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
+  size_t bytesLimit = SIZE_MAX;                      // of memory, in all
+  const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
+
+  // Filled by the reader.
+  // kNone; or why the reading ends: kMarkupTooSlow (the deadline has passed), kMarkupTooLarge (more
+  // memory was asked for than is allowed) or kStopped. The first stays.
+  Reason status = Reason::kNone;
+  uint64_t steps = 0;     // bytes looked at, tokens, elements opened or closed
+  uint64_t nextLook = 0;  // at how many steps the clock is read again
+  size_t bytes = 0;       // asked for so far
+};
+
+// Looks at the clock and the stop flag.
+void CheckBudget(ReadingBudget& budget);
+
+// Counts `steps` and, every 64 Ki of them, calls CheckBudget. False: the reading has to end.
+inline bool TakeSteps(ReadingBudget& budget, uint64_t steps) {
+  budget.steps += steps;
+  if (budget.steps >= budget.nextLook) CheckBudget(budget);
+  return budget.status == Reason::kNone;
+}
+
+// Asks for `bytes` more. False: they must not be taken, the reading has to end.
+[[nodiscard]] bool TakeBytes(ReadingBudget& budget, size_t bytes);
+
+}  // namespace vela::indexer
