@@ -1,0 +1,208 @@
+#include "indexer/extract/html_content.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "indexer/words/clean_text.h"
+#include "indexer/words/lower_copy.h"
+#include "text/lower.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// More or longer meta elements than this are not meant for readers.
+constexpr size_t kMetaLimit = 300;
+constexpr size_t kMetaBytesLimit = 20000;
+// A longer text is no date.
+constexpr size_t kTimeBytesLimit = 1000;
+
+std::string LowerValue(const Tag& tag, Attribute attribute) {
+  return HasAttribute(tag, attribute) ? LowerAsciiCopy(AttributeValue(tag, attribute))
+                                      : std::string();
+}
+
+std::string OneLine(std::string text) {
+  CleanText(text);
+  return CollapseBlanks(text);
+}
+
+// The level of h1 to h6, which the table of elements holds in a row; 0 of any other.
+uint8_t HeadingLevel(Element element) {
+  if (element < Element::kH1 || element > Element::kH6) return 0;
+  return static_cast<uint8_t>(static_cast<int>(element) - static_cast<int>(Element::kH1) + 1);
+}
+
+enum class Surrounding : uint8_t { kNone, kNavigation, kHeader, kFrame };
+
+// Whether the element is what surrounds the content of a page.
+Surrounding SurroundingOf(const Tag& tag, bool isOfPage) {
+  if (HasAttribute(tag, Attribute::kRole)) {
+    const std::string role = LowerValue(tag, Attribute::kRole);
+    for (std::string_view name : {"navigation", "search", "menu", "menubar", "toolbar"}) {
+      if (HoldsWord(role, name)) return Surrounding::kNavigation;
+    }
+    if (HoldsWord(role, "banner")) return Surrounding::kHeader;
+    if (HoldsWord(role, "contentinfo") || HoldsWord(role, "complementary")) {
+      return Surrounding::kFrame;
+    }
+  }
+  if (isOfPage && tag.element == Element::kHeader) return Surrounding::kHeader;
+  if (isOfPage && (tag.element == Element::kFooter || tag.element == Element::kAside)) {
+    return Surrounding::kFrame;
+  }
+  return Surrounding::kNone;
+}
+
+bool EnclosesContent(const Tag& tag) {
+  return tag.element == Element::kMain || tag.element == Element::kArticle ||
+         tag.element == Element::kSection ||
+         (HasAttribute(tag, Attribute::kRole) &&
+          HoldsWord(LowerValue(tag, Attribute::kRole), "main"));
+}
+
+// Words go on across the edges of inline elements, and of elements that a page's own scripts
+// define, whose names hold a hyphen.
+bool IsInline(const Tag& tag, bool isHtml) {
+  return Has(tag.element, kInline) ||
+         (isHtml && tag.element == Element::kOther && tag.name.find('-') != tag.name.npos);
+}
+
+bool IsPicture(const Tag& tag) {
+  return tag.element == Element::kImg || tag.element == Element::kImage ||
+         tag.element == Element::kArea;
+}
+
+bool IsSkipLink(const Tag& tag) {
+  return tag.element == Element::kA && AttributeValue(tag, Attribute::kHref).starts_with('#');
+}
+
+}  // namespace
+
+ElementRole HtmlContent::RoleOf(const Tag& tag, bool isHtml, const TextState& around) const {
+  ElementRole role;
+  const Surrounding surrounding = SurroundingOf(tag, around.isOfPage);
+  // A link into the page before its text is for skipping what surrounds it.
+  const bool skips = around.isOfPage && !text.HasContent() && IsSkipLink(tag);
+  role.isInert = isHtml && tag.element == Element::kTemplate;
+  role.leavesOut = Has(tag.element, kNeverText) || IsHidden(tag) ||
+                   surrounding == Surrounding::kNavigation || (skips && !text.HasText());
+  role.isFrame = skips || surrounding == Surrounding::kHeader || surrounding == Surrounding::kFrame;
+  role.isHeader = surrounding == Surrounding::kHeader;
+  role.breaksWords = !IsInline(tag, isHtml) && !(role.leavesOut && Has(tag.element, kInvisible));
+  role.enclosesContent = EnclosesContent(tag);
+  role.headingLevel = HeadingLevel(tag.element);
+  return role;
+}
+
+ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& around) {
+  if (around.isInert) return {};
+  if (isHtml) ReadHeadElement(tag);
+  ElementRole role = RoleOf(tag, isHtml, around);
+  if (isHtml && tag.element == Element::kTime) role.isTime = ReadTime(tag);
+  if (around.isLeftOut) return role;
+  if (tag.element == Element::kH1 && !role.leavesOut && !sawMainHeading) {
+    sawMainHeading = true;
+    const TextState inside = StateInside(around, role);
+    role.isHeadline = inside.style.share == TextShare::kFrame && inside.isInHeader;
+  }
+  if (isHtml && IsPicture(tag) && !role.leavesOut) {
+    role.breaksWords = false;
+    const std::string alternative = AttributeValue(tag, Attribute::kAlt);
+    if (alternative.empty()) return role;
+    text.Break(around.strand, around.style.share);
+    AddText(alternative, around);
+    text.Break(around.strand, around.style.share);
+    return role;
+  }
+  // A table is marked in the text (see PageText::Mark): what it puts before itself may go on with
+  // the last word there.
+  if (role.breaksWords && !(isHtml && tag.element == Element::kTable)) {
+    text.Break(around.strand, around.style.share);
+  }
+  return role;
+}
+
+void HtmlContent::End(const ElementRole& role, const TextState& inside) {
+  if (role.isTime) {
+    isInTime = false;
+    page.time = OneLine(std::move(timeText));
+    if (page.time.empty()) page.time = std::move(innerTime);
+    timeText.clear();
+    innerTime.clear();
+  }
+  if (role.breaksWords && !inside.isLeftOut) text.Break(inside.strand, inside.style.share);
+}
+
+void HtmlContent::AddText(std::string_view added, const TextState& state) {
+  if (state.isInert) return;
+  if (isInTime)
+    timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
+  if (!state.isLeftOut) text.Append(state.strand, state.style, added);
+}
+
+void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {
+  if (inside.isInert) return;
+  if (page.title.empty()) page.title = OneLine(title);
+  AddText(title, inside);
+}
+
+void HtmlContent::Finish() {
+  for (const char* name : {"description", "og:description"}) {
+    if (page.description.empty()) page.description = MetaContent(page, name);
+  }
+  if (noindex) return;
+  text.CopyTo(page.body, !text.HasContent());
+  // Content may still be nothing but marks that take no room.
+  if (page.body.empty()) text.CopyTo(page.body, true);
+}
+
+void HtmlContent::ReadHeadElement(const Tag& tag) {
+  switch (tag.element) {
+    case Element::kMeta:
+      ReadMeta(tag);
+      break;
+    case Element::kLink:
+      if (page.canonical.empty() && HasAttribute(tag, Attribute::kHref) &&
+          HoldsWord(LowerValue(tag, Attribute::kRel), "canonical")) {
+        page.canonical = AttributeValue(tag, Attribute::kHref);
+      }
+      break;
+    case Element::kBase:
+      if (page.base.empty()) page.base = AttributeValue(tag, Attribute::kHref);
+      break;
+    default:
+      break;
+  }
+}
+
+void HtmlContent::ReadMeta(const Tag& tag) {
+  if (!HasAttribute(tag, Attribute::kContent)) return;
+  std::string name = AttributeValue(tag, Attribute::kName);
+  if (name.empty()) name = AttributeValue(tag, Attribute::kProperty);
+  LowerUtf8(name.data(), name.size());  // the owner's fields may have any name
+  std::string content = AttributeValue(tag, Attribute::kContent);
+  if (name == "robots" || name == "velabot") {
+    const std::string rules = LowerAsciiCopy(content);
+    if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) noindex = true;
+  }
+  if (name.empty() || page.metas.size() == kMetaLimit || content.size() > kMetaBytesLimit) return;
+  content = OneLine(std::move(content));
+  if (!content.empty()) page.metas.emplace_back(std::move(name), std::move(content));
+}
+
+// True when the text of the time element is wanted.
+bool HtmlContent::ReadTime(const Tag& tag) {
+  if (!page.time.empty()) return false;
+  if (HasAttribute(tag, Attribute::kDatetime)) {
+    // One inside another that gives no time itself counts when that holds no text.
+    std::string& time = isInTime ? innerTime : page.time;
+    if (time.empty()) time = AttributeValue(tag, Attribute::kDatetime);
+    return false;
+  }
+  if (isInTime) return false;
+  isInTime = true;
+  return true;
+}
+
+}  // namespace vela::indexer

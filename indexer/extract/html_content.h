@@ -1,0 +1,49 @@
+// html_content.h: what the elements and texts of a page, told one after the other, say about it.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "indexer/extract/html_tokens.h"
+#include "indexer/extract/page.h"
+#include "indexer/extract/page_text.h"
+#include "indexer/extract/text_rules.h"
+
+namespace vela::indexer {
+
+class HtmlContent {
+ public:
+  // Both must outlive this.
+  HtmlContent(PageContent& filled, ReadingBudget& budget) : page(filled), text(budget) {}
+
+  // The element of `tag` begins where `around` holds: takes what its attributes say. `isHtml`: it
+  // is no part of a drawing or formula. Returns what it does to the text inside it.
+  ElementRole Begin(const Tag& tag, bool isHtml, const TextState& around);
+  // It ends, with `inside` what held in it.
+  void End(const ElementRole& role, const TextState& inside);
+  // Text, with character references resolved.
+  void AddText(std::string_view added, const TextState& state);
+  // The content of a title element; `inside` is what holds in it.
+  void AddTitle(const std::string& title, const TextState& inside);
+
+  bool asksForNoindex() const { return noindex; }
+  PageText& pageText() { return text; }
+  // To call once, when all was told.
+  void Finish();
+
+ private:
+  ElementRole RoleOf(const Tag& tag, bool isHtml, const TextState& around) const;
+  void ReadHeadElement(const Tag& tag);
+  void ReadMeta(const Tag& tag);
+  bool ReadTime(const Tag& tag);
+
+  PageContent& page;
+  PageText text;
+  bool noindex = false;
+  bool sawMainHeading = false;  // the first h1
+  bool isInTime = false;        // the text of a time element goes to `timeText`
+  std::string timeText;
+  std::string innerTime;  // the datetime of a time element inside of that
+};
+
+}  // namespace vela::indexer

@@ -1,0 +1,105 @@
+#include "indexer/extract/page_text.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "indexer/words/clean_text.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+bool IsBlank(std::string_view text) { return text.find_first_not_of(kBlanks) == text.npos; }
+
+// Makes room for `count` more elements. False when the budget refuses.
+template <typename Container>
+bool MakeRoom(Container& container, size_t count, ReadingBudget& budget) {
+  const size_t needed = container.size() + count;
+  if (needed <= container.capacity()) return true;
+  const size_t room = std::max(needed, container.capacity() * 2);
+  if (!TakeBytes(budget, (room - container.capacity()) * sizeof(container[0]))) return false;
+  container.reserve(room);
+  return true;
+}
+
+void Finish(TextRun& run, std::vector<TextRun>& runs) {
+  CleanText(run.text);
+  if (run.text.find_first_not_of(' ') != run.text.npos) runs.push_back(std::move(run));
+}
+
+}  // namespace
+
+PageText::PageText(ReadingBudget& takenFrom) : budget(takenFrom) {
+  pieces.push_back({0, 0, kNone, {}});
+  last.push_back(0);
+}
+
+bool PageText::Store(std::string_view added) {
+  if (!MakeRoom(text, added.size(), budget)) return false;
+  text += added;
+  TakeSteps(budget, added.size());
+  return true;
+}
+
+// An empty piece at the end of the strand.
+bool PageText::AddPiece(Strand strand, TextStyle style) {
+  if (!MakeRoom(pieces, 1, budget)) return false;
+  const auto added = static_cast<uint32_t>(pieces.size());
+  Piece& before = pieces[last[strand]];
+  pieces.push_back({text.size(), text.size(), before.next, style});
+  before.next = added;
+  last[strand] = added;
+  return true;
+}
+
+void PageText::Append(Strand strand, TextStyle style, std::string_view added) {
+  const Piece& at = pieces[last[strand]];
+  const bool goesOn = at.end == text.size() && at.style == style;
+  if ((!goesOn && !AddPiece(strand, style)) || !Store(added)) return;
+  pieces[last[strand]].end = text.size();
+  if (hasContent || (hasText && style.share != TextShare::kContent) || IsBlank(added)) return;
+  hasText = true;
+  hasContent = style.share == TextShare::kContent;
+}
+
+void PageText::Break(Strand strand, TextShare share) {
+  const Piece& at = pieces[last[strand]];
+  if (at.begin == at.end) return;
+  // A blank of the frame goes with it.
+  const bool counts = at.style.share != TextShare::kFrame || share == TextShare::kFrame;
+  if (counts && text[at.end - 1] == ' ') return;
+  Append(strand, {at.style.headingLevel, share}, " ");
+}
+
+PageText::Place PageText::Mark(Strand strand, TextShare share) {
+  const Place place = last[strand];
+  const TextStyle style = {pieces[place].style.headingLevel, share};
+  if (AddPiece(strand, style) && Store(" ")) pieces[last[strand]].end = text.size();
+  return place;
+}
+
+PageText::Strand PageText::StartStrand(Place place) {
+  if (!MakeRoom(last, 1, budget)) return kPageStrand;
+  last.push_back(place);
+  return static_cast<Strand>(last.size() - 1);
+}
+
+void PageText::CopyTo(std::vector<TextRun>& runs, bool withFrame) {
+  TextRun run;
+  for (uint32_t i = 0; i != kNone; i = pieces[i].next) {
+    const Piece& piece = pieces[i];
+    if (piece.style.share == TextShare::kFrame && !withFrame) continue;
+    const size_t length = piece.end - piece.begin;
+    if (!TakeSteps(budget, length + 1) || !MakeRoom(run.text, length, budget)) return;
+    if (piece.style.headingLevel != run.headingLevel) {
+      Finish(run, runs);
+      run = TextRun{{}, piece.style.headingLevel};
+    }
+    run.text.append(text, piece.begin, length);
+  }
+  Finish(run, runs);
+}
+
+}  // namespace vela::indexer
