@@ -4,17 +4,21 @@
 #include <string_view>
 
 #include "indexer/extract/page.h"
+#include "indexer/extract/reading_budget.h"
 #include "indexer/report/reason.h"
 
 namespace vela::indexer {
 
 // Takes title, description, robots, meta elements, first time, canonical address and text out of
-// `html` (UTF-8). Left out of the text: scripts, styles, templates, form controls, hidden parts,
-// and what surrounds the content of a page (navigation; header, footer and asides that belong to
-// the whole page). When nothing remains, headers, footers and asides count after all. Alternative
-// texts of pictures stand at their place. kNoindex: the page asks not to be found. kMarkupTooDeep,
-// kMarkupTooLarge: markup beyond what a page written for readers needs. Needs memory in proportion
-// to the page.
+// `html` (UTF-8). Left out of the text: scripts, styles, templates, form controls but for buttons,
+// hidden parts, and what surrounds the content of a page (navigation; header, footer and asides
+// that belong to the whole page, but for the first h1 in a header). When nothing remains, headers,
+// footers and asides count after all. Alternative texts of pictures stand at their place.
+// Takes time and memory in proportion to the page. kNone, kNoindex (the page asks not to be found),
+// or why `budget` ended the reading; then `page` is empty.
+[[nodiscard]] Reason ParseHtmlPage(std::string_view html, ReadingBudget& budget, PageContent& page);
+
+// The same with limits that no page written for readers comes near.
 [[nodiscard]] Reason ParseHtmlPage(std::string_view html, PageContent& page);
 
 }  // namespace vela::indexer

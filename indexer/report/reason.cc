@@ -27,7 +27,6 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kOtherKind, "other_kind", "neither HTML nor text"},
     {Reason::kBinary, "binary", "binary file"},
     {Reason::kNotConverted, "not_converted", "character set cannot be converted"},
-    {Reason::kMarkupTooDeep, "markup_too_deep", "markup nests too deep"},
     {Reason::kMarkupTooSlow, "markup_too_slow", "markup takes too long to read"},
     {Reason::kMarkupTooLarge, "markup_too_large", "markup grows too large"},
     {Reason::kStopped, "stopped", "reading was stopped"},

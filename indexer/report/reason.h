@@ -29,7 +29,6 @@ enum class Reason : uint8_t {
   // A page.
   kBinary,
   kNotConverted,
-  kMarkupTooDeep,
   kMarkupTooSlow,
   kMarkupTooLarge,
   kStopped,
