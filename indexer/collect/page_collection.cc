@@ -77,6 +77,7 @@ Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined)
   if (reason != Reason::kNone) return reason;
   const std::string stored = StoredAddress(address);
   if (stored.size() > kAddressLimit) return Reason::kAddressTooLong;
+  if (collection.equal.IsRepeated(page)) return Reason::kEqual;
   std::string image = StoredAddress(facts.image);
   if (image.size() > kAddressLimit) image.clear();
 

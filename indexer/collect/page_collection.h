@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "indexer/collect/equal_pages.h"
 #include "indexer/collect/page_entry.h"
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
@@ -36,6 +37,7 @@ struct PageCollection {
 
   CollectionInput input;
   CanonicalAddresses addresses;
+  EqualPages equal;
   WordForms forms;
   Vocabulary vocabulary;
   SignEntries signs;
@@ -56,7 +58,7 @@ struct JoinedPage {
   std::vector<std::string> addresses;  // under which it is known, the stored one first
 };
 
-// Joins one page to the collection; its tokens are then in `collection.tokens`. kCopy,
+// Joins one page to the collection; its tokens are then in `collection.tokens`. kCopy, kEqual,
 // kAddressTooLong: it is left out. Throws IndexError when the index is full or a temporary file
 // cannot be written.
 [[nodiscard]] Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined);

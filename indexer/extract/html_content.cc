@@ -176,10 +176,25 @@ void HtmlContent::ReadHeadElement(const Tag& tag) {
   }
 }
 
+// By what a meta element is called (see MetaElement); empty when it has no name.
+static std::string MetaName(const Tag& tag) {
+  constexpr struct {
+    Attribute attribute;
+    const char* prefix;
+  } kNames[] = {{Attribute::kName, ""},
+                {Attribute::kProperty, ""},
+                {Attribute::kItemprop, "itemprop:"},
+                {Attribute::kHttpEquiv, "http-equiv:"}};
+  for (const auto& [attribute, prefix] : kNames) {
+    const std::string given = AttributeValue(tag, attribute);
+    if (!given.empty()) return prefix + given;
+  }
+  return {};
+}
+
 void HtmlContent::ReadMeta(const Tag& tag) {
   if (!HasAttribute(tag, Attribute::kContent)) return;
-  std::string name = AttributeValue(tag, Attribute::kName);
-  if (name.empty()) name = AttributeValue(tag, Attribute::kProperty);
+  std::string name = MetaName(tag);
   LowerUtf8(name.data(), name.size());  // the owner's fields may have any name
   std::string content = AttributeValue(tag, Attribute::kContent);
   if (name == "robots" || name == "velabot") {

@@ -25,6 +25,8 @@ enum class Attribute : uint8_t {
   kFace,
   kHidden,
   kHref,
+  kHttpEquiv,
+  kItemprop,
   kName,
   kProperty,
   kRel,

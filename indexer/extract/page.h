@@ -17,7 +17,9 @@ struct TextRun {
   uint8_t headingLevel = 0;  // 1 to 6 inside h1 to h6; 0 elsewhere
 };
 
-// A meta element: its name (or property) in lower case, and its content, one line, trimmed.
+// A meta element: its name in lower case, and its content, one line, trimmed. One that has another
+// attribute in the place of a name is called by that: its property, "itemprop:datemodified",
+// "http-equiv:refresh".
 using MetaElement = std::pair<std::string, std::string>;
 
 struct PageContent {

@@ -7,7 +7,8 @@
 
 namespace vela::indexer {
 
-// The title is the first line, when it is short enough to be one. `text` is UTF-8.
+// The title is that of the front matter, or the first line that is no comment and no rule, when it
+// is short enough and neither markup nor the head of a letter. `text` is UTF-8.
 void ParsePlainTextPage(const std::string& text, PageContent& page);
 
 }  // namespace vela::indexer

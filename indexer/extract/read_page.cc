@@ -6,6 +6,7 @@
 #include "indexer/extract/page_date.h"
 #include "indexer/site/address.h"
 #include "indexer/words/clean_text.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -41,6 +42,17 @@ std::string PageImage(const PageContent& content, const std::string& own) {
   return image.empty() ? std::string() : ResolveAddress(LinkBase(content, own), image);
 }
 
+// Whether the page is there to lead on to another one: it refreshes to an address and says next to
+// nothing, such as "Redirecting" with a link.
+bool IsRefreshStub(const PageContent& content) {
+  constexpr size_t kTextLimit = 200;  // bytes
+  const std::string refresh = LowerAsciiCopy(MetaContent(content, "http-equiv:refresh"));
+  if (refresh.find("url") == refresh.npos) return false;
+  size_t bytes = 0;
+  for (const TextRun& run : content.body) bytes += run.text.size();
+  return bytes <= kTextLimit;
+}
+
 }  // namespace
 
 Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes, Page& page) {
@@ -51,6 +63,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
   if (content.body.empty() && content.title.empty() && content.description.empty()) {
     return Reason::kNoText;
   }
+  if (IsRefreshStub(content)) return Reason::kRefresh;
   page.facts = {
       .path = item.path,
       .address = item.address,

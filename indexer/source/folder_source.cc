@@ -40,6 +40,9 @@ std::optional<FileType> TypeOf(const std::string& name, const FolderSource& sour
 // Folders that tools make beside a site and that repeat its pages or hold none.
 constexpr std::string_view kNeverPages[] = {"_sources", "node_modules", "cgi-bin"};
 
+// The rules for robots, at the one place where they hold.
+constexpr std::string_view kRobotsFile = "robots.txt";
+
 // What pages are made with and shown beside. Nobody expects to find it by its words, so that it is
 // not worth a line of the summary.
 constexpr std::string_view kFurniture[] = {
@@ -176,6 +179,10 @@ class Walk {
     }
     if (fileType != fs::file_type::regular) {
       AddLeftOut(out_.leftOut, Reason::kNotRegular, place.path);
+      return;
+    }
+    if (place.path == kRobotsFile) {
+      AddLeftOut(out_.leftOut, Reason::kForRobots, place.path);
       return;
     }
     if (!IsNew(place)) return;

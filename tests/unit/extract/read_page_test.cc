@@ -67,6 +67,13 @@ TEST(ReadPage, SaysWhyAPageIsLeftOut) {
       {FileType::kHtml, "<p> </p>", Reason::kNoText},
       {FileType::kText, " \n ", Reason::kNoText},
       {FileType::kHtml, "<meta name=description content=d>", Reason::kNone},
+      {FileType::kHtml,
+       "<meta http-equiv=Refresh content='0; URL=b.html'><title>T</title>Redirecting to <a "
+       "href=b.html>b</a>",
+       Reason::kRefresh},
+      {FileType::kHtml, "<meta http-equiv=refresh content=60>Scores", Reason::kNone},
+      {FileType::kHtml,
+       "<meta http-equiv=refresh content='60; url=b.html'>" + std::string(201, 'x'), Reason::kNone},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.bytes);

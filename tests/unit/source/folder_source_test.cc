@@ -138,6 +138,15 @@ TEST(FolderSource, CountsFilesOfOtherKindsByTheirEnding) {
   EXPECT_EQ(walk.otherKinds.groups.at({"", Reason::kOtherKind}).count, 1u);
 }
 
+TEST(FolderSource, TheRulesForRobotsAreNoPage) {
+  const TestSite site;
+  site.Add("robots.txt", "x");
+  site.Add("sub/robots.txt", "x");
+  const Walk walk = WalkOf(site);
+  EXPECT_EQ(walk.paths, std::vector<std::string>{"sub/robots.txt text"});
+  EXPECT_TRUE(walk.leftOut.groups.contains({"", Reason::kForRobots}));
+}
+
 TEST(FolderSource, NamesPatternsThatLeaveNothingOut) {
   const TestSite site;
   site.Add("drafts/a.html", "x");

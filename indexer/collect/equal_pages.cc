@@ -1,0 +1,60 @@
+#include "indexer/collect/equal_pages.h"
+
+#include "indexer/words/clean_text.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr size_t kLeastBytes = 200;  // of the text of pages that are compared
+
+// FNV-1a, with a byte between the texts that none of them holds. Among the most pages that an index
+// can hold the chance that two of them meet is one in a hundred thousand.
+class Fingerprint {
+ public:
+  void Add(std::string_view text) {
+    for (const char c : text) AddByte(static_cast<unsigned char>(c));
+    AddByte(0xFF);
+  }
+  uint64_t value() const { return value_; }
+
+ private:
+  void AddByte(unsigned char byte) {
+    constexpr uint64_t kPrime = 0x100000001B3;
+    value_ = (value_ ^ byte) * kPrime;
+  }
+
+  uint64_t value_ = 0xCBF29CE484222325;
+};
+
+std::string BodyText(const PageContent& content) {
+  std::string text;
+  for (const TextRun& run : content.body) text.append(run.text).append(" ");
+  return CollapseBlanks(text);
+}
+
+}  // namespace
+
+bool EqualPages::IsRepeated(const Page& page) {
+  const PageContent& content = page.content;
+  const std::string text = BodyText(content);
+  if (text.size() < kLeastBytes) return false;
+  const std::string_view path = page.facts.path;
+  Fingerprint body;
+  body.Add(path.substr(0, path.rfind('.')));
+  body.Add(text);
+  if (page.facts.fileType == FileType::kText && bodies_.contains(body.value())) return true;
+  Fingerprint whole;
+  whole.Add(content.title);
+  whole.Add(content.description);
+  for (const auto& [name, value] : content.metas) {
+    whole.Add(name);
+    whole.Add(value);
+  }
+  whole.Add(text);
+  if (!whole_.insert(whole.value()).second) return true;
+  if (page.facts.fileType == FileType::kHtml) bodies_.insert(body.value());
+  return false;
+}
+
+}  // namespace vela::indexer
