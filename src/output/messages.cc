@@ -20,69 +20,97 @@ enum class Wrapping : uint8_t {
 };
 
 struct Wording {
+  Message message;
   std::string_view text;
   Wrapping wrapping;
 };
 
-// In the order of Message.
 constexpr Wording kWordings[] = {
-    {"Error: Out of memory", Wrapping::kElementLine},
-    {"Out of memory", Wrapping::kElementLine},
-    {"Error: out of memory", Wrapping::kElement},
-    {"Content-type: text/html\n\nError: Memory Allocation Error", Wrapping::kNone},
-    {"Invalid stemming algorithm specified in settings file.<br />\n", Wrapping::kElementLine},
-    {"Failed to initialize stemmer.<br />\n", Wrapping::kElementLine},
-    {"Error: Category number is invalid. Incorrect settings file used?", Wrapping::kElementLine},
-    {"Error: Corrupted or invalid index files. Please re-index and try again.",
+    {Message::kOutOfMemory, "Error: Out of memory", Wrapping::kElementLine},
+    {Message::kOutOfMemoryForSearch, "Out of memory", Wrapping::kElementLine},
+    {Message::kOutOfMemoryForIndex, "Error: out of memory", Wrapping::kElement},
+    {Message::kOutOfMemoryForForm, "Content-type: text/html\n\nError: Memory Allocation Error",
+     Wrapping::kNone},
+    {Message::kInvalidStemmer, "Invalid stemming algorithm specified in settings file.<br />\n",
      Wrapping::kElementLine},
-    {"Error: Corrupted or invalid index files. Please re-index your and try again.",
+    {Message::kNoStemmer, "Failed to initialize stemmer.<br />\n", Wrapping::kElementLine},
+    {Message::kInvalidCategory, "Error: Category number is invalid. Incorrect settings file used?",
+     Wrapping::kElementLine},
+    {Message::kCorruptIndex,
+     "Error: Corrupted or invalid index files. Please re-index and try again.",
+     Wrapping::kElementLine},
+    {Message::kCorruptRecommended,
+     "Error: Corrupted or invalid index files. Please re-index your and try again.",
      Wrapping::kElement},
-    {"Can not find the vela_autocomplete.vdat index file.<br />Please make sure the generated "
+    {Message::kAutoCompleteMissing,
+     "Can not find the vela_autocomplete.vdat index file.<br />Please make sure the generated "
      "index files are uploaded to the same path as this search script.<br />Also check file "
      "permissions have been set to allow reading.<br />",
      Wrapping::kNone},
-    {"Can not find one or more of the Vela index files.<br />Please make sure the generated index "
+    {Message::kRecommendedMissing,
+     "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
      "have been set to allow reading.<br />",
      Wrapping::kNone},
-    {"Can not find one or more of the Vela index files.<br />Please make sure the generated index "
+    {Message::kWordMapMissing,
+     "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
      "have been set to allow reading.<br />\n",
      Wrapping::kElementLine},
     // Kept: without the line breaks of the others (golden index/spelling_missing).
-    {"Can not find one or more of the Vela index files. Please make sure the generated index files "
+    {Message::kSpellingMissing,
+     "Can not find one or more of the Vela index files. Please make sure the generated index files "
      "are uploaded to the same path as this search script. Also check file permissions have been "
      "set to allow reading.",
      Wrapping::kElementLine},
-    {"<b>Vela config error:</b> The \"vela_pagetext.vdat\" file is not properly created for the "
+    {Message::kPageTextPlaceholder,
+     "<b>Vela config error:</b> The \"vela_pagetext.vdat\" file is not properly created for the "
      "search settings specified in \"setting.php\"<br />Please check that you have re-indexed and "
      "try again.",
      Wrapping::kElementLine},
-    {"Pageinfo file does not match PageInfoSize specified.", Wrapping::kNone},
-    {"Pageinfo file and PageInfoSize does not match NumPages specified.", Wrapping::kNone},
+    {Message::kPageInfoTooShort, "Pageinfo file does not match PageInfoSize specified.",
+     Wrapping::kNone},
+    {Message::kPageInfoRecords, "Pageinfo file and PageInfoSize does not match NumPages specified.",
+     Wrapping::kNone},
     // Kept: called a warning, it fails the request all the same (golden index/pageinfo_slack).
-    {"Warning: Pageinfo file and PageInfoSize does not match NumPages specified.", Wrapping::kNone},
-    {"Can not find one or more of the Vela index files.<br />Please make sure the generated index "
+    {Message::kPageInfoSlack,
+     "Warning: Pageinfo file and PageInfoSize does not match NumPages specified.", Wrapping::kNone},
+    {Message::kDictionaryMissing,
+     "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
      "have been set to allow reading.<br />\n",
      Wrapping::kNone},
-    {"Failed to load dictionary file.<br />\n", Wrapping::kElement},
-    {"Error: Could not allocate memory for storing base words.<br />", Wrapping::kNone},
-    {"Error: Out of memory for storing word variants.", Wrapping::kElement},
-    {"Error: Out of memory for storing base words. Settings file have been modified or invalid.",
+    {Message::kDictionaryFailed, "Failed to load dictionary file.<br />\n", Wrapping::kElement},
+    {Message::kNoBaseWordBlock, "Error: Could not allocate memory for storing base words.<br />",
+     Wrapping::kNone},
+    {Message::kNoVariantBlock, "Error: Out of memory for storing word variants.",
      Wrapping::kElement},
-    {"Error: Out of memory for storing word variants. Settings file have been modified or invalid.",
+    {Message::kBaseWordBlockFull,
+     "Error: Out of memory for storing base words. Settings file have been modified or invalid.",
      Wrapping::kElement},
-    {"Error in wordmap file: expected data not found.", Wrapping::kElementLine},
-    {"Error in wordmap: page number is invalid.", Wrapping::kElementLine},
-    {"Error seeking in file. This CGI build does not support files larger than 2GB in size. Please "
+    {Message::kVariantBlockFull,
+     "Error: Out of memory for storing word variants. Settings file have been modified or invalid.",
+     Wrapping::kElement},
+    {Message::kWordListMissing, "Error in wordmap file: expected data not found.",
+     Wrapping::kElementLine},
+    {Message::kWordListPage, "Error in wordmap: page number is invalid.", Wrapping::kElementLine},
+    {Message::kSeekBeyondLimit,
+     "Error seeking in file. This CGI build does not support files larger than 2GB in size. Please "
      "contact Brantel for help.",
      Wrapping::kOpenElement},
-    {"Error seeking in file. This may be due to an incompatible CGI build for your operating "
+    {Message::kSeekFailed,
+     "Error seeking in file. This may be due to an incompatible CGI build for your operating "
      "system. Please contact Brantel for help.",
      Wrapping::kOpenElement},
 };
-static_assert(std::size(kWordings) == kMessageCount);
+
+constexpr bool EachMessageHasItsPlace() {
+  for (size_t i = 0; i < std::size(kWordings); ++i) {
+    if (kWordings[i].message != static_cast<Message>(i)) return false;
+  }
+  return std::size(kWordings) == static_cast<size_t>(Message::kCount);
+}
+static_assert(EachMessageHasItsPlace());
 
 // Kept: a round decimal number, not 2^31 (unit messages_test).
 constexpr uint64_t kLargeFileOffset = 2000000000;
@@ -103,12 +131,51 @@ void WriteCannotOpen(Response& response, const char* name) {
   Close(response, Wrapping::kElementLine);
 }
 
-// Whatever its cause, it ends by saying that the file cannot be opened.
-void WritePageInfoFailure(Response& response, LoadStatus status) {
-  if (status == LoadStatus::kTooShort) WriteMessage(response, Message::kPageInfoTooShort);
-  if (status == LoadStatus::kRecordBeyondEnd) WriteMessage(response, Message::kPageInfoRecords);
-  if (status == LoadStatus::kSlackAtEnd) WriteMessage(response, Message::kPageInfoSlack);
-  WriteCannotOpen(response, kPageInfoFileName);
+void WriteFileMissing(Response& response, IndexFile file) {
+  switch (file) {
+    case IndexFile::kPageData:
+      WriteCannotOpen(response, kPageDataFileName);
+      break;
+    case IndexFile::kRecommended:
+      WriteMessage(response, Message::kRecommendedMissing);
+      break;
+    case IndexFile::kPageInfo:
+      WriteCannotOpen(response, kPageInfoFileName);
+      break;
+    case IndexFile::kPageText:
+      WriteCannotOpen(response, kPageTextFileName);
+      break;
+    case IndexFile::kWordMap:
+      WriteMessage(response, Message::kWordMapMissing);
+      break;
+    case IndexFile::kSpelling:
+      WriteMessage(response, Message::kSpellingMissing);
+      break;
+  }
+}
+
+void WriteNoMemoryForFile(Response& response, IndexFile file) {
+  switch (file) {
+    case IndexFile::kRecommended:
+      WriteMessage(response, Message::kOutOfMemoryForIndex);
+      break;
+    case IndexFile::kSpelling:
+      WriteMessage(response, Message::kOutOfMemory);
+      break;
+    // Kept: memory for the page info is not spoken of (unit messages_test). The others take none.
+    case IndexFile::kPageInfo:
+    case IndexFile::kPageData:
+    case IndexFile::kPageText:
+    case IndexFile::kWordMap:
+      WriteFileMissing(response, file);
+      break;
+  }
+}
+
+// Whatever is wrong with it, the message about that is followed by one that it cannot be opened.
+void WriteWrongPageInfo(Response& response, Message message) {
+  WriteMessage(response, message);
+  WriteFileMissing(response, IndexFile::kPageInfo);
 }
 
 void WriteCorruptEntry(Response& response, int32_t entry) {
@@ -174,31 +241,26 @@ void WriteFormFailure(Response& response, std::string_view reason) {
 }
 
 void WriteOpenFailure(Response& response, const OpenResult& result) {
-  if (result.status == LoadStatus::kOk) return;
-  const bool cannotOpen = result.status == LoadStatus::kCannotOpen;
-  switch (result.file) {
-    case IndexFile::kPageData:
-      WriteCannotOpen(response, kPageDataFileName);
+  switch (result.status) {
+    case LoadStatus::kOk:
       break;
-    case IndexFile::kRecommended:
-      WriteMessage(response,
-                   cannotOpen ? Message::kRecommendedMissing : Message::kOutOfMemoryForIndex);
+    case LoadStatus::kCannotOpen:
+      WriteFileMissing(response, result.file);
       break;
-    case IndexFile::kPageInfo:
-      WritePageInfoFailure(response, result.status);
+    case LoadStatus::kNoMemory:
+      WriteNoMemoryForFile(response, result.file);
       break;
-    case IndexFile::kPageText:
-      if (cannotOpen) {
-        WriteCannotOpen(response, kPageTextFileName);
-      } else {
-        WriteMessage(response, Message::kPageTextPlaceholder);
-      }
+    case LoadStatus::kPlaceholder:
+      WriteMessage(response, Message::kPageTextPlaceholder);
       break;
-    case IndexFile::kWordMap:
-      WriteMessage(response, Message::kWordMapMissing);
+    case LoadStatus::kTooShort:
+      WriteWrongPageInfo(response, Message::kPageInfoTooShort);
       break;
-    case IndexFile::kSpelling:
-      WriteMessage(response, cannotOpen ? Message::kSpellingMissing : Message::kOutOfMemory);
+    case LoadStatus::kRecordBeyondEnd:
+      WriteWrongPageInfo(response, Message::kPageInfoRecords);
+      break;
+    case LoadStatus::kSlackAtEnd:
+      WriteWrongPageInfo(response, Message::kPageInfoSlack);
       break;
   }
 }

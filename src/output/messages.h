@@ -45,8 +45,8 @@ enum class Message : uint8_t {
   kWordListPage,
   kSeekBeyondLimit,
   kSeekFailed,
+  kCount,  // of the messages; no message itself
 };
-inline constexpr size_t kMessageCount = 27;
 
 void WriteMessage(Response& response, Message message);
 
