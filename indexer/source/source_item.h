@@ -7,8 +7,6 @@
 
 namespace vela::indexer {
 
-using FileType = PageFileType;  // extract/file_types reads each
-
 struct SourceItem {
   std::string path;  // from the site's folder on, "/" between the names, as the file system has it
   std::string address;  // made by PageAddress

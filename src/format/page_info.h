@@ -10,7 +10,7 @@
 //   15      17      1       boost: scores of the page are multiplied by it in tenths; 0 and 10
 //   leave
 //                           them
-//   16      18      1       file type, a PageFileType; others are a site's own
+//   16      18      1       file type, a FileType; others are a site's own
 //   17      19      n       category set, NumCatBytes bytes, with UseCats 1: category c is bit c %
 //   8,
 //                           the lowest first, of byte c / 8
@@ -54,7 +54,7 @@ static_assert(kSmallPageInfo.fixedSize == 17 && kBigPageInfo.fixedSize == 19);
 inline constexpr int32_t kNoPageDate = 0;
 
 // The types that vela_index tells apart; all are below the FileTypePluginStart that it writes.
-enum class PageFileType : uint8_t { kHtml = 0, kText = 1 };
+enum class FileType : uint8_t { kHtml = 0, kText = 1 };
 
 // NumCatBytes for so many categories, and the place of one of them in a set.
 constexpr size_t CategorySetBytes(size_t categories) { return (categories + 7) / 8; }
