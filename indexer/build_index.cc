@@ -162,13 +162,23 @@ void CheckMissingPages(const Run& run, uint64_t pages) {
                        options.site + " is whole, or run once with --accept-fewer.");
 }
 
+// ".html, .txt": what the name of a page may end in.
+std::string EndingsText(const FileEndings& endings) {
+  std::string text;
+  for (const std::vector<std::string>& ofType : endings) {
+    for (const std::string& ending : ofType) text += (text.empty() ? "." : ", .") + ending;
+  }
+  return text.empty() ? "nothing: none is configured" : text;
+}
+
 [[noreturn]] void RefuseEmptySite(const FolderSource& source, const LeftOut& leftOut) {
   std::string why;
   for (const auto& [reason, group] : GroupsByText(leftOut)) {
     why += "\n  left out: " + std::to_string(group->count) + " (" + reason + ")";
   }
   throw IndexError(ExitStatus::kNothing, "No page to index was found in " + source.folder.string() +
-                                             ". The files must be HTML or text." + why);
+                                             ". Pages are files that end in " +
+                                             EndingsText(source.endings) + "." + why);
 }
 
 void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
@@ -295,8 +305,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                                .base = base,
                                .excluded = options.exclude,
                                .excludedFolder = folder.target(),
-                               .htmlEndings = options.config.htmlEndings,
-                               .textEndings = options.config.textEndings,
+                               .endings = options.config.endings,
                                .fileLimit = options.maxFileMegabytes * kMegabyte,
                                .followLinks = options.followLinks};
   SitePages pages(run);

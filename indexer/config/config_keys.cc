@@ -13,6 +13,7 @@
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
+#include "indexer/source/file_endings.h"
 #include "indexer/words/word_forms.h"
 #include "text/ascii.h"
 #include "text/edit.h"
@@ -84,25 +85,21 @@ void CheckBaseUrl(const ConfigEntry& entry, Options& options) {
   CheckHere(entry, [&] { CheckedBaseUrl(options.baseUrl); });
 }
 
-void CheckEndings(const ConfigEntry& entry, std::vector<std::string>& endings) {
-  for (std::string& ending : endings) {
-    if (ending.starts_with('.')) ending.erase(0, 1);
-    const auto isPlain = [](char c) { return IsLower(c) || IsDigit(c); };
-    if (ending.empty() || !std::ranges::all_of(ending, isPlain)) {
-      entry.table.Refuse(entry.key,
-                         "\"" + ending +
-                             "\" is no ending of file names. Give small letters and digits, as "
-                             "in \"html\".");
+void ReadEndings(const ConfigEntry& site, Options& options) {
+  for (const FileTypeEndings& row : kFileTypeEndings) {
+    std::vector<std::string>& endings = options.config.endings[static_cast<size_t>(row.type)];
+    if (!site.table.Texts(row.key, kNameLimit, endings)) continue;
+    for (std::string& ending : endings) {
+      if (ending.starts_with('.')) ending.erase(0, 1);
+      const auto isPlain = [](char c) { return IsLower(c) || IsDigit(c); };
+      if (ending.empty() || !std::ranges::all_of(ending, isPlain)) {
+        site.table.Refuse(row.key,
+                          "\"" + ending +
+                              "\" is no ending of file names. Give small letters and digits, as "
+                              "in \"html\".");
+      }
     }
   }
-}
-
-void CheckHtmlEndings(const ConfigEntry& entry, Options& options) {
-  CheckEndings(entry, options.config.htmlEndings);
-}
-
-void CheckTextEndings(const ConfigEntry& entry, Options& options) {
-  CheckEndings(entry, options.config.textEndings);
 }
 
 void CheckTemplate(const ConfigEntry& entry, Options& options) {
@@ -206,8 +203,7 @@ const ConfigKey kConfigKeys[] = {
     {"site", "out", Path{&Options::out}},
     {"site", "exclude", Texts{kPathLimit, &Options::exclude}},
     {"site", "follow_links", Flag{&Options::followLinks}},
-    {"site", "html", Texts{kNameLimit, &SiteConfig::htmlEndings}, &CheckHtmlEndings},
-    {"site", "text", Texts{kNameLimit, &SiteConfig::textEndings}, &CheckTextEndings},
+    {"site", {}, &ReadEndings},  // the keys of kFileTypeEndings
     {"site", "template", Text{kPathLimit, &Options::templateName}, &CheckTemplate},
     {"site", "language", Text{kPathLimit, &Options::language}, &CheckLanguage},
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "format/meta_fields.h"
+#include "indexer/source/file_endings.h"
 #include "settings/settings.h"
 
 namespace vela::indexer {
@@ -63,8 +64,7 @@ struct SettingValue {
 };
 
 struct SiteConfig {
-  std::vector<std::string> htmlEndings = {"html", "htm", "xhtml", "xht", "shtml"};
-  std::vector<std::string> textEndings = {"txt", "text", "md"};
+  FileEndings endings = DefaultFileEndings();
 
   std::string charset = "utf-8";
   int32_t stemming = -1;  // a StemmingAlgorithm; -1: off

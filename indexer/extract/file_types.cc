@@ -1,5 +1,6 @@
 #include "indexer/extract/file_types.h"
 
+#include <iterator>
 #include <utility>
 
 #include "indexer/extract/decoding.h"
@@ -43,7 +44,7 @@ constexpr bool EachTypeHasItsPlace() {
   for (size_t i = 0; i < std::size(kTypeReaders); ++i) {
     if (kTypeReaders[i].type != static_cast<FileType>(i)) return false;
   }
-  return true;
+  return std::size(kTypeReaders) == kFileTypeCount;
 }
 static_assert(EachTypeHasItsPlace());
 

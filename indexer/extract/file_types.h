@@ -1,5 +1,5 @@
 // file_types.h: what reads each type of file. A new type is a line of the table, its reader, and
-// the endings by which the source knows it (SiteConfig).
+// the endings by which the source knows it (source/file_endings.h).
 #pragma once
 
 #include <string>

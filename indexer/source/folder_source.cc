@@ -28,11 +28,9 @@ std::optional<FileType> TypeOf(const std::string& name, const FolderSource& sour
   const size_t dot = name.rfind('.');
   if (dot == name.npos) return {};
   const std::string ending = LowerAsciiCopy(std::string_view(name).substr(dot + 1));
-  if (std::ranges::find(source.htmlEndings, ending) != source.htmlEndings.end()) {
-    return FileType::kHtml;
-  }
-  if (std::ranges::find(source.textEndings, ending) != source.textEndings.end()) {
-    return FileType::kText;
+  for (size_t type = 0; type < kFileTypeCount; ++type) {
+    const std::vector<std::string>& endings = source.endings[type];
+    if (std::ranges::find(endings, ending) != endings.end()) return static_cast<FileType>(type);
   }
   return {};
 }

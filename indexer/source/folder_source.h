@@ -8,6 +8,7 @@
 
 #include "indexer/report/left_out.h"
 #include "indexer/report/reason.h"
+#include "indexer/source/file_endings.h"
 #include "indexer/source/file_reading.h"
 #include "indexer/source/source_item.h"
 
@@ -18,10 +19,8 @@ struct FolderSource {
   std::string base;                      // the folder's address, ending in "/"
   std::vector<std::string> excluded;     // shell patterns, tried on a name and on a relative path
   std::filesystem::path excludedFolder;  // absolute; the index folder, when it lies in the site
-  // What follows the last dot of a page's name, in lower case.
-  std::vector<std::string> htmlEndings;
-  std::vector<std::string> textEndings;
-  uint64_t fileLimit = 0;  // bytes
+  FileEndings endings;                   // of names of pages
+  uint64_t fileLimit = 0;                // bytes
   bool followLinks = false;
 };
 

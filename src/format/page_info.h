@@ -54,7 +54,12 @@ static_assert(kSmallPageInfo.fixedSize == 17 && kBigPageInfo.fixedSize == 19);
 inline constexpr int32_t kNoPageDate = 0;
 
 // The types that vela_index tells apart; all are below the FileTypePluginStart that it writes.
-enum class FileType : uint8_t { kHtml = 0, kText = 1 };
+enum class FileType : uint8_t {
+  kHtml = 0,
+  kText = 1,
+  kCount,  // of the types; no type itself
+};
+inline constexpr size_t kFileTypeCount = static_cast<size_t>(FileType::kCount);
 
 // NumCatBytes for so many categories, and the place of one of them in a set.
 constexpr size_t CategorySetBytes(size_t categories) { return (categories + 7) / 8; }

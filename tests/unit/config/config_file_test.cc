@@ -59,8 +59,7 @@ images = false
   EXPECT_EQ(options.baseUrl, "/");
   EXPECT_EQ(options.out, "/srv/search");
   EXPECT_EQ(options.exclude, (std::vector<std::string>{"drafts", "*.old"}));
-  EXPECT_EQ(options.config.htmlEndings, (std::vector<std::string>{"html", "php"}));
-  EXPECT_TRUE(options.config.textEndings.empty());
+  EXPECT_EQ(options.config.endings, (FileEndings{{{"html", "php"}, {}}}));
   EXPECT_EQ(options.templateName, "minimal");
   EXPECT_EQ(options.language, "/owner/mine.vlang");
   EXPECT_EQ(options.memoryMegabytes, 8u);
@@ -268,8 +267,7 @@ TEST(ConfigFile, TheExampleIsRightAsItStandsAndWithItsRemarksTaken) {
   EXPECT_EQ(options.memoryMegabytes, without.memoryMegabytes);
   EXPECT_EQ(options.maxFileMegabytes, without.maxFileMegabytes);
   EXPECT_EQ(options.language, without.language);
-  EXPECT_EQ(config.htmlEndings, without.config.htmlEndings);
-  EXPECT_EQ(config.textEndings, without.config.textEndings);
+  EXPECT_EQ(config.endings, without.config.endings);
   EXPECT_EQ(config.charset, without.config.charset);
   EXPECT_EQ(config.stemming, without.config.stemming);
   EXPECT_EQ(config.dates, without.config.dates);

@@ -21,8 +21,7 @@ FolderSource SourceOf(const fs::path& folder) {
   FolderSource source;
   source.folder = folder;
   source.base = "https://x.example/docs/";
-  source.htmlEndings = SiteConfig().htmlEndings;
-  source.textEndings = SiteConfig().textEndings;
+  source.endings = DefaultFileEndings();
   source.fileLimit = 4;
   return source;
 }
