@@ -64,9 +64,10 @@ def selection(files):
         patterns.append(r"system\.(exact_titles|features|install|ranks|rss)$")
     if any(file.startswith("tests/program/model/") for file in files or ()):
         patterns.append(r"model\.")
-    for reader in sorted(set(re.findall(r"tests/program/fuzz/(?:corpus/)?(\w+?)(?:_fuzz\.cc|/)",
-                                        "\n".join(files or ())))):
-        if (PROJECT / f"tests/program/fuzz/{reader}_fuzz.cc").is_file():
+    fuzzed = re.findall(r"tests/program/fuzz/(?:corpus/|indexer/)?(\w+?)(?:_fuzz\.cc|/)",
+                        "\n".join(files or ()))
+    for reader in sorted(set(fuzzed)):
+        if any(PROJECT.glob(f"tests/program/fuzz/**/{reader}_fuzz.cc")):
             targets.append(f"{reader}_fuzz")
             patterns.append(f"fuzz\\.{reader}$")
     return targets, patterns

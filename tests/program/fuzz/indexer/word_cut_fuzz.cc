@@ -5,7 +5,7 @@
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/word_cut.h"
 #include "program/fuzz/check.h"
-#include "program/fuzz/clean_text.h"
+#include "program/fuzz/indexer/clean_text.h"
 #include "text/lower.h"
 
 namespace vela::fuzz {

@@ -4,7 +4,7 @@
 
 #include "indexer/extract/decoding.h"
 #include "program/fuzz/check.h"
-#include "program/fuzz/clean_text.h"
+#include "program/fuzz/indexer/clean_text.h"
 
 namespace vela::fuzz {
 namespace {

@@ -6,7 +6,7 @@
 #include "indexer/site/address.h"
 #include "indexer/words/clean_text.h"
 #include "program/fuzz/check.h"
-#include "program/fuzz/clean_text.h"
+#include "program/fuzz/indexer/clean_text.h"
 
 namespace vela::fuzz {
 namespace {

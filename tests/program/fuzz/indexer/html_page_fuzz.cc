@@ -5,7 +5,7 @@
 #include "indexer/extract/html_page.h"
 #include "indexer/extract/page_date.h"
 #include "program/fuzz/check.h"
-#include "program/fuzz/clean_text.h"
+#include "program/fuzz/indexer/clean_text.h"
 
 namespace vela::fuzz {
 namespace {
