@@ -36,8 +36,12 @@ def settings_rows():
 class Settings(unittest.TestCase):
     def test_every_key_has_a_row_and_every_row_a_key(self):
         source = text("src", "settings", "setting_keys.h")
-        keys = set(re.findall(r'\{"(\w+)", &Settings::', source))
-        keys |= set(re.findall(r'TextSettingOf<&Settings::\w+>\("(\w+)"', source))
+        rows = re.findall(r'\{"(\w+)", &Settings::(\w+)\}', source)
+        rows += [(key, field) for field, key in
+                 re.findall(r'TextSettingOf<&Settings::(\w+)>\("(\w+)"', source)]
+        for key, field in rows:
+            self.assertEqual(key, field, "a field is spelled as in the file")
+        keys = {key for key, _ in rows}
         self.assertGreater(len(keys), 80)
         self.assertEqual(set(settings_rows()), keys | {"catnames", "metafields"})
 

@@ -8,10 +8,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
 
+#include "settings/setting_keys.h"
 #include "support/failing_allocation.h"
 #include "support/scratch_directory.h"
 #include "unit/settings/language_lines.h"
@@ -21,93 +23,22 @@ namespace {
 
 using namespace std::string_view_literals;
 
-struct IntegerCase {
-  const char* key;
-  int32_t Settings::*field;
-  int32_t byDefault;
+// The numbers that are not 0 without a line.
+constexpr struct {
+  std::string_view key;
+  int32_t value;
+} kNumberDefaults[] = {
+    {"StemmingAlgo", 2},       {"HighlightLimit", 30},       {"DotNetUseFormTags", 1},
+    {"MaxKeyWordLineLen", 32}, {"FileTypePluginStart", 4},   {"VelaInfo", 1},
+    {"MaxSearchTime", 30},     {"MaxResultsPerQuery", 1000},
 };
 
-// In the order of the file's description.
-constexpr IntegerCase kIntegers[] = {
-    {"UseUTF8", &Settings::UseUTF8, 0},
-    {"Codepage", &Settings::Codepage, 0},
-    {"UseStemming", &Settings::UseStemming, 0},
-    {"StemmingAlgo", &Settings::StemmingAlgo, 2},
-    {"NoCharset", &Settings::NoCharset, 0},
-    {"MinWordLen", &Settings::MinWordLen, 0},
-    {"Highlighting", &Settings::Highlighting, 0},
-    {"HighlightLimit", &Settings::HighlightLimit, 30},
-    {"GotoHighlight", &Settings::GotoHighlight, 0},
-    {"PdfHighlight", &Settings::PdfHighlight, 0},
-    {"FormFormat", &Settings::FormFormat, 0},
-    {"DisplayMetaDesc", &Settings::DisplayMetaDesc, 0},
-    {"DisplayMetaFields", &Settings::DisplayMetaFields, 0},
-    {"DotNetUseFormTags", &Settings::DotNetUseFormTags, 1},
-    {"DotNetUsePostBacks", &Settings::DotNetUsePostBacks, 0},
-    {"UseDateTime", &Settings::UseDateTime, 0},
-    {"DisplayDate", &Settings::DisplayDate, 0},
-    {"DefaultSort", &Settings::DefaultSort, 0},
-    {"DateRangeSearch", &Settings::DateRangeSearch, 0},
-    {"DateRangeFormat", &Settings::DateRangeFormat, 0},
-    {"UseAutoComplete", &Settings::UseAutoComplete, 0},
-    {"DisplayContext", &Settings::DisplayContext, 0},
-    {"DisplayNumber", &Settings::DisplayNumber, 0},
-    {"DisplayTitle", &Settings::DisplayTitle, 0},
-    {"DisplayTerms", &Settings::DisplayTerms, 0},
-    {"DisplayScore", &Settings::DisplayScore, 0},
-    {"DisplayURL", &Settings::DisplayURL, 0},
-    {"TruncateShowURL", &Settings::TruncateShowURL, 0},
-    {"DisplayFilesize", &Settings::DisplayFilesize, 0},
-    {"UseVelaImage", &Settings::UseVelaImage, 0},
-    {"DisplayCatSummary", &Settings::DisplayCatSummary, 0},
-    {"Logging", &Settings::Logging, 0},
-    {"MaxKeyWordLineLen", &Settings::MaxKeyWordLineLen, 32},
-    {"OutputVariantBufferSize", &Settings::OutputVariantBufferSize, 0},
-    {"OutputBasewordBufferSize", &Settings::OutputBasewordBufferSize, 0},
-    {"DictIDLen", &Settings::DictIDLen, 0},
-    {"DictReservedLimit", &Settings::DictReservedLimit, 0},
-    {"DictReservedPrefixes", &Settings::DictReservedPrefixes, 0},
-    {"DictReservedSuffixes", &Settings::DictReservedSuffixes, 0},
-    {"DictReservedNoSpaces", &Settings::DictReservedNoSpaces, 0},
-    {"UseBigPageInfoData", &Settings::UseBigPageInfoData, 0},
-    {"PluginOpenNewWindow", &Settings::PluginOpenNewWindow, 0},
-    {"FileTypePluginStart", &Settings::FileTypePluginStart, 4},
-    {"WordSplit", &Settings::WordSplit, 0},
-    {"VelaInfo", &Settings::VelaInfo, 1},
-    {"Timing", &Settings::Timing, 0},
-    {"SearchAsSubstring", &Settings::SearchAsSubstring, 0},
-    {"ToLowerSearchWords", &Settings::ToLowerSearchWords, 0},
-    {"ContextSize", &Settings::ContextSize, 0},
-    {"MaxContextKeywords", &Settings::MaxContextKeywords, 0},
-    {"MaxResultsPerQuery", &Settings::MaxResultsPerQuery, 1000},
-    {"WeightProximity", &Settings::WeightProximity, 0},
-    {"AllowExactPhrase", &Settings::AllowExactPhrase, 0},
-    {"MaxContextSeeks", &Settings::MaxContextSeeks, 0},
-    {"MaxMatches", &Settings::MaxMatches, 0},
-    {"MaxSearchTime", &Settings::MaxSearchTime, 30},
-    {"UseLinkTarget", &Settings::UseLinkTarget, 0},
-    {"Spelling", &Settings::Spelling, 0},
-    {"SpellingWhenLessThan", &Settings::SpellingWhenLessThan, 0},
-    {"NumSpellings", &Settings::NumSpellings, 0},
-    {"Recommended", &Settings::Recommended, 0},
-    {"NumRecommended", &Settings::NumRecommended, 0},
-    {"RecommendedMax", &Settings::RecommendedMax, 0},
-    {"UseCats", &Settings::UseCats, 0},
-    {"SearchMultiCats", &Settings::SearchMultiCats, 0},
-    {"NumKeywords", &Settings::NumKeywords, 0},
-    {"NumPages", &Settings::NumPages, 0},
-    {"NumVariants", &Settings::NumVariants, 0},
-    {"PageInfoSize", &Settings::PageInfoSize, 0},
-    {"DefaultToAnd", &Settings::DefaultToAnd, 0},
-    {"UseXML", &Settings::UseXML, 0},
-    {"XMLHighlight", &Settings::XMLHighlight, 0},
-    {"NumCats", &Settings::NumCats, 0},
-    {"NumCatBytes", &Settings::NumCatBytes, 0},
-    {"UseMetaFields", &Settings::UseMetaFields, 0},
-    {"NumMetaFields", &Settings::NumMetaFields, 0},
-    {"MetaMoneyShowDec", &Settings::MetaMoneyShowDec, 0},
-    {"MapAccents", &Settings::MapAccents, 0},
-};
+int32_t DefaultOf(const NumberSetting& setting) {
+  for (const auto& each : kNumberDefaults) {
+    if (each.key == setting.key) return each.value;
+  }
+  return 0;
+}
 
 struct TextCase {
   const char* key;
@@ -137,6 +68,7 @@ constexpr TextCase kTexts[] = {
     {"XMLOpenSearchDescURL", Get<&Settings::XMLOpenSearchDescURL>, "", 2083, true},
     {"MetaMoneyCurrency", Get<&Settings::MetaMoneyCurrency>, "&#36;", 63, false},
 };
+static_assert(std::size(kTexts) == std::size(kTextSettings));
 
 constexpr char kTwoFields[] =
     "NumMetaFields = 2\nmetafields\n"
@@ -159,9 +91,11 @@ class SettingsFileTest : public testing::Test {
 
 TEST_F(SettingsFileTest, LanguageLinesAloneLeaveEveryDefault) {
   ASSERT_EQ(Read(""), SettingsStatus::kOk);
-  for (const IntegerCase& c : kIntegers) {
-    SCOPED_TRACE(c.key);
-    EXPECT_EQ((*settings_).*c.field, c.byDefault);
+  for (const NumberSetting& setting : kNumberSettings) {
+    EXPECT_EQ((*settings_).*setting.field, DefaultOf(setting)) << setting.key;
+  }
+  for (const auto& each : kNumberDefaults) {
+    EXPECT_NE(FindNumberSetting(each.key), nullptr) << each.key;
   }
   for (const TextCase& c : kTexts) {
     SCOPED_TRACE(c.key);
@@ -197,28 +131,29 @@ TEST_F(SettingsFileTest, EveryIntegerKeyInEveryForm) {
       {"the sign at the key makes it another key", "=5\n", kKept},
       {"a longer key", "s = 5\n", kKept},
   };
-  for (const IntegerCase& c : kIntegers) {
-    SCOPED_TRACE(c.key);
-    const std::string key = c.key;
+  for (const auto& [name, field] : kNumberSettings) {
+    SCOPED_TRACE(name);
+    const std::string key(name);
     for (const IntegerLine& line : lines) {
       SCOPED_TRACE(line.what);
       ASSERT_EQ(Read(key + " = 3\n" + key + std::string(line.behindKey)), SettingsStatus::kOk);
-      EXPECT_EQ((*settings_).*c.field, line.expected);
+      EXPECT_EQ((*settings_).*field, line.expected);
     }
     ASSERT_EQ(Read(key + " = 3\n " + key + " = 5\n"), SettingsStatus::kOk);
-    EXPECT_EQ((*settings_).*c.field, kKept) << "a blank before the key does not fit the form";
+    EXPECT_EQ((*settings_).*field, kKept) << "a blank before the key does not fit the form";
     if (key == "DictIDLen") continue;  // has a greatest value
     ASSERT_EQ(Read(key + " = 99999999999\n"), SettingsStatus::kOk);
-    EXPECT_EQ((*settings_).*c.field, INT32_MAX);
+    EXPECT_EQ((*settings_).*field, INT32_MAX);
   }
 }
 
 TEST_F(SettingsFileTest, AnIntegerKeySetsNoOtherField) {
-  for (const IntegerCase& c : kIntegers) {
-    SCOPED_TRACE(c.key);
-    ASSERT_EQ(Read(std::string(c.key) + " = -77\n"), SettingsStatus::kOk);
-    for (const IntegerCase& other : kIntegers) {
-      EXPECT_EQ((*settings_).*other.field, other.key == c.key ? -77 : other.byDefault) << other.key;
+  for (const NumberSetting& setting : kNumberSettings) {
+    SCOPED_TRACE(setting.key);
+    ASSERT_EQ(Read(std::string(setting.key) + " = -77\n"), SettingsStatus::kOk);
+    for (const NumberSetting& other : kNumberSettings) {
+      const int32_t expected = other.key == setting.key ? -77 : DefaultOf(other);
+      EXPECT_EQ((*settings_).*other.field, expected) << other.key;
     }
   }
 }
@@ -226,7 +161,9 @@ TEST_F(SettingsFileTest, AnIntegerKeySetsNoOtherField) {
 TEST_F(SettingsFileTest, KeysAreComparedWholeAndWithCase) {
   ASSERT_EQ(Read("useutf8 = 1\nUSEUTF8 = 1\nUseUTF = 1\nUseUTF88 = 1\nNoSuchKey = 1\n"),
             SettingsStatus::kOk);
-  for (const IntegerCase& c : kIntegers) EXPECT_EQ((*settings_).*c.field, c.byDefault) << c.key;
+  for (const NumberSetting& setting : kNumberSettings) {
+    EXPECT_EQ((*settings_).*setting.field, DefaultOf(setting)) << setting.key;
+  }
 }
 
 TEST_F(SettingsFileTest, EveryTextKeyInEveryForm) {
