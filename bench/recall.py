@@ -24,7 +24,10 @@ import tempfile
 from pathlib import Path
 from urllib.parse import quote_plus
 
-from bs4 import BeautifulSoup, Comment, Doctype, ProcessingInstruction
+try:
+    from bs4 import BeautifulSoup, Comment, Doctype, ProcessingInstruction
+except ImportError:  # --help works without it; Debian has it as python3-bs4
+    BeautifulSoup = Comment = Doctype = ProcessingInstruction = None
 
 BASE = "https://x.example/"
 HIDDEN = (
@@ -135,6 +138,8 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--show", type=int, default=20, help="misses to print of each kind")
     options = parser.parse_args()
+    if BeautifulSoup is None:
+        parser.error("needs the Python module bs4: apt-get install python3-bs4, and /usr/bin/python3")
     pages = {}
     for file in sorted(options.site.rglob("*.html")):
         path = str(file.relative_to(options.site))
