@@ -84,6 +84,20 @@ function plainText(node) {
   return oneLine(text);
 }
 
+function metaName(node) {
+  const prefixes = { name: '', property: '', itemprop: 'itemprop:', 'http-equiv': 'http-equiv:' };
+  for (const [name, prefix] of Object.entries(prefixes)) {
+    if (attribute(node, name)) return prefix + attribute(node, name).toLowerCase();
+  }
+  return '';
+}
+
+function addDate(page, prefix, property, text) {
+  const name = property.toLowerCase();
+  if (!['datepublished', 'datemodified'].includes(name) || page.metas.length === 300) return;
+  if (oneLine(text) !== '') page.metas.push([prefix + name, oneLine(text)]);
+}
+
 function readHead(document, page) {
   for (const node of walk(document)) {
     if (node.namespaceURI !== HTML) continue;
@@ -94,7 +108,7 @@ function readHead(document, page) {
       case 'meta': {
         const content = attribute(node, 'content');
         if (content === undefined) break;
-        const name = (attribute(node, 'name') || attribute(node, 'property') || '').toLowerCase();
+        const name = metaName(node);
         if ((name === 'robots' || name === 'velabot') &&
             (holds(content, 'noindex') || holds(content, 'none'))) {
           page.noindex = true;
@@ -112,7 +126,19 @@ function readHead(document, page) {
         page.base ||= attribute(node, 'href') ?? '';
         break;
       case 'time':
-        page.time ||= attribute(node, 'datetime') ?? plainText(node);
+      {
+        const time = attribute(node, 'datetime') ?? plainText(node);
+        addDate(page, 'itemprop:', attribute(node, 'itemprop') ?? '', time);
+        page.time ||= time;
+        break;
+      }
+      case 'script':
+        if ((attribute(node, 'type') ?? '').toLowerCase() !== 'application/ld+json') break;
+        for (const property of ['dateModified', 'datePublished']) {
+          const [, date] = (node.childNodes[0]?.value ?? '')
+            .match(new RegExp(`^[^]*?"${property}"(?:\\s*:\\s*"([^"]*))?`)) ?? [];
+          if (date !== undefined) addDate(page, 'json-ld:', property, date);
+        }
         break;
     }
   }

@@ -61,6 +61,27 @@ bool EnclosesContent(const Tag& tag) {
           HoldsWord(LowerValue(tag, Attribute::kRole), "main"));
 }
 
+// By what a meta element is called (see MetaElement); empty when it has no name.
+std::string MetaName(const Tag& tag) {
+  constexpr struct {
+    Attribute attribute;
+    const char* prefix;
+  } kNames[] = {{Attribute::kName, ""},
+                {Attribute::kProperty, ""},
+                {Attribute::kItemprop, "itemprop:"},
+                {Attribute::kHttpEquiv, "http-equiv:"}};
+  for (const auto& [attribute, prefix] : kNames) {
+    const std::string given = AttributeValue(tag, attribute);
+    if (!given.empty()) return prefix + given;
+  }
+  return {};
+}
+
+// The properties of schema.org that say when a page was written, in lower case.
+bool IsDateProperty(std::string_view property) {
+  return property == "datepublished" || property == "datemodified";
+}
+
 // Words go on across the edges of inline elements, and of elements that a page's own scripts
 // define, whose names hold a hyphen.
 bool IsInline(const Tag& tag, bool isHtml) {
@@ -126,7 +147,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
 void HtmlContent::End(const ElementRole& role, const TextState& inside) {
   if (role.isTime) {
     isInTime = false;
-    page.time = OneLine(std::move(timeText));
+    TakeTime(OneLine(std::move(timeText)), timeProperty);
     if (page.time.empty()) page.time = std::move(innerTime);
     timeText.clear();
     innerTime.clear();
@@ -176,22 +197,6 @@ void HtmlContent::ReadHeadElement(const Tag& tag) {
   }
 }
 
-// By what a meta element is called (see MetaElement); empty when it has no name.
-static std::string MetaName(const Tag& tag) {
-  constexpr struct {
-    Attribute attribute;
-    const char* prefix;
-  } kNames[] = {{Attribute::kName, ""},
-                {Attribute::kProperty, ""},
-                {Attribute::kItemprop, "itemprop:"},
-                {Attribute::kHttpEquiv, "http-equiv:"}};
-  for (const auto& [attribute, prefix] : kNames) {
-    const std::string given = AttributeValue(tag, attribute);
-    if (!given.empty()) return prefix + given;
-  }
-  return {};
-}
-
 void HtmlContent::ReadMeta(const Tag& tag) {
   if (!HasAttribute(tag, Attribute::kContent)) return;
   std::string name = MetaName(tag);
@@ -208,16 +213,60 @@ void HtmlContent::ReadMeta(const Tag& tag) {
 
 // True when the text of the time element is wanted.
 bool HtmlContent::ReadTime(const Tag& tag) {
-  if (!page.time.empty()) return false;
+  std::string property = LowerValue(tag, Attribute::kItemprop);
+  if (!page.time.empty() && !IsDateProperty(property)) return false;
   if (HasAttribute(tag, Attribute::kDatetime)) {
-    // One inside another that gives no time itself counts when that holds no text.
-    std::string& time = isInTime ? innerTime : page.time;
-    if (time.empty()) time = AttributeValue(tag, Attribute::kDatetime);
+    std::string time = AttributeValue(tag, Attribute::kDatetime);
+    if (isInTime) {
+      // One inside another that gives no time itself counts when that holds no text.
+      if (innerTime.empty()) innerTime = time;
+      AddDate("itemprop:", property, std::move(time));
+    } else {
+      TakeTime(std::move(time), property);
+    }
     return false;
   }
   if (isInTime) return false;
   isInTime = true;
+  timeProperty = std::move(property);
   return true;
+}
+
+// `property`: its itemprop, in lower case.
+void HtmlContent::TakeTime(std::string time, std::string_view property) {
+  AddDate("itemprop:", property, time);
+  if (page.time.empty()) page.time = std::move(time);
+}
+
+// Keeps a date beside the meta elements when `property`, in lower case, says what it is of.
+void HtmlContent::AddDate(const char* prefix, std::string_view property, std::string date) {
+  if (!IsDateProperty(property) || page.metas.size() == kMetaLimit ||
+      date.size() > kMetaBytesLimit) {
+    return;
+  }
+  date = OneLine(std::move(date));
+  if (!date.empty()) page.metas.emplace_back(prefix + std::string(property), std::move(date));
+}
+
+// `"dateModified": "2026-03-05"`, without reading the rest.
+void HtmlContent::AddJson(std::string_view json, const TextState& inside) {
+  if (inside.isInert) return;
+  for (const std::string_view property : {"dateModified", "datePublished"}) {
+    const std::string key = '"' + std::string(property) + '"';
+    const size_t at = json.find(key);
+    if (at == json.npos) continue;
+    std::string_view rest = json.substr(at + key.size());
+    const auto take = [&rest](char sign) {
+      rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n"), rest.size()));
+      if (!rest.starts_with(sign)) return false;
+      rest.remove_prefix(1);
+      return true;
+    };
+    if (!take(':') || !take('"')) continue;
+    const std::string_view date = rest.substr(0, rest.find('"'));
+    if (date.size() > kMetaBytesLimit) continue;
+    AddDate("json-ld:", LowerAsciiCopy(property), std::string(date));
+  }
 }
 
 }  // namespace vela::indexer

@@ -26,6 +26,9 @@ class HtmlContent {
   // The content of a title element; `inside` is what holds in it.
   void AddTitle(const std::string& title, const TextState& inside);
 
+  // The content of a script of type application/ld+json, of which only the dates are taken.
+  void AddJson(std::string_view json, const TextState& inside);
+
   bool asksForNoindex() const { return noindex; }
   PageText& pageText() { return text; }
   // To call once, when all was told.
@@ -36,6 +39,8 @@ class HtmlContent {
   void ReadHeadElement(const Tag& tag);
   void ReadMeta(const Tag& tag);
   bool ReadTime(const Tag& tag);
+  void TakeTime(std::string time, std::string_view property);
+  void AddDate(const char* prefix, std::string_view property, std::string date);
 
   PageContent& page;
   PageText text;
@@ -43,7 +48,8 @@ class HtmlContent {
   bool sawMainHeading = false;  // the first h1
   bool isInTime = false;        // the text of a time element goes to `timeText`
   std::string timeText;
-  std::string innerTime;  // the datetime of a time element inside of that
+  std::string timeProperty;  // the itemprop of that element
+  std::string innerTime;     // the datetime of a time element inside of that
 };
 
 }  // namespace vela::indexer

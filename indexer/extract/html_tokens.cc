@@ -22,7 +22,7 @@ bool SameLetters(std::string_view a, std::string_view b) {
 constexpr std::string_view kAttributeNames[] = {
     "alt",      "aria-hidden", "color", "content",    "datetime", "encoding",
     "face",     "hidden",      "href",  "http-equiv", "itemprop", "name",
-    "property", "rel",         "role",  "size",       "style",
+    "property", "rel",         "role",  "size",       "style",    "type",
 };
 static_assert(std::size(kAttributeNames) == static_cast<size_t>(Attribute::kCount));
 

@@ -33,6 +33,7 @@ enum class Attribute : uint8_t {
   kRole,
   kSize,
   kStyle,
+  kType,
   kCount
 };
 

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <chrono>
 #include <limits>
+#include <string>
+
+#include "indexer/words/lower_copy.h"
+#include "text/ascii.h"
 
 namespace vela::indexer {
 
@@ -10,12 +14,18 @@ namespace {
 
 constexpr std::string_view kDateMetas[] = {
     "article:modified_time",
+    "itemprop:datemodified",
+    "json-ld:datemodified",
     "article:published_time",
+    "itemprop:datepublished",
+    "json-ld:datepublished",
     "dcterms.modified",
     "dcterms.date",
     "dc.date",
     "last-modified",
+    "http-equiv:last-modified",
     "date",
+    "http-equiv:date",
 };
 
 // Takes exactly `digits` digits off the text; -1 when they are not there.
@@ -60,6 +70,44 @@ bool ReadTime(std::string_view text, int64_t& seconds) {
   return true;
 }
 
+// The month that a text begins with, in three letters of any case, from 1 on; -1 for none.
+int TakeMonthName(std::string_view& text) {
+  constexpr std::string_view kMonths = "janfebmaraprmayjunjulaugsepoctnovdec";
+  constexpr size_t kLength = 3;
+  const std::string name = LowerAsciiCopy(text.substr(0, kLength));
+  for (size_t i = 0; i < kMonths.size(); i += kLength) {
+    if (name != kMonths.substr(i, kLength)) continue;
+    text.remove_prefix(kLength);
+    return static_cast<int>(i / kLength) + 1;
+  }
+  return -1;
+}
+
+// Takes "2026-03-05" off the text, or "Thu, 05 Mar 2026", whose day of the week may be missing and
+// is not compared. False for anything else.
+bool TakeDay(std::string_view& text, std::chrono::year_month_day& date) {
+  using namespace std::chrono;
+  if (text.size() >= 4 && text.find_first_not_of("0123456789") >= 4) {
+    const int y = TakeNumber(text, 4);
+    const int m = TakeSign(text, "-/") ? TakeNumber(text, 2) : -1;
+    const int d = TakeSign(text, "-/") ? TakeNumber(text, 2) : -1;
+    if (m < 0 || d < 0) return false;
+    date = year{y} / m / d;
+    return date.ok();
+  }
+  constexpr size_t kLongestWeekday = 9;  // "Wednesday"
+  if (const size_t comma = text.find(','); comma <= kLongestWeekday) {
+    text.remove_prefix(comma + 1);
+    TakeSign(text, " ");
+  }
+  const int d = TakeNumber(text, text.size() > 1 && IsDigit(text[1]) ? 2 : 1);
+  const int m = TakeSign(text, " -") ? TakeMonthName(text) : -1;
+  const int y = TakeSign(text, " -") ? TakeNumber(text, 4) : -1;
+  if (d < 0 || m < 0 || y < 0) return false;
+  date = year{y} / m / d;
+  return date.ok();
+}
+
 }  // namespace
 
 int64_t ReadDate(std::string_view text) {
@@ -68,12 +116,8 @@ int64_t ReadDate(std::string_view text) {
   while (TakeSign(text, " \t\r\n")) {
   }
   while (!text.empty() && static_cast<unsigned char>(text.back()) <= 0x20) text.remove_suffix(1);
-  const int y = TakeNumber(text, 4);
-  const int m = TakeSign(text, "-/") ? TakeNumber(text, 2) : -1;
-  const int d = TakeSign(text, "-/") ? TakeNumber(text, 2) : -1;
-  if (y < 0 || m < 0 || d < 0) return 0;
-  const year_month_day date = year{y} / m / d;
-  if (!date.ok()) return 0;
+  year_month_day date;
+  if (!TakeDay(text, date)) return 0;
   int64_t time = kNoon;
   if (!text.empty() && (!TakeSign(text, "Tt ") || !ReadTime(text, time))) return 0;
   const int64_t result = sys_days{date}.time_since_epoch().count() * int64_t{24 * 3600} + time;

@@ -10,15 +10,17 @@
 
 namespace vela::indexer {
 
-// A date as meta and time elements have it: "2026-03-05", "2026-03-05T18:30", with seconds, and
+// A date as meta and time elements have it: "2026-03-05", "2026-03-05T18:30", or as the headers of
+// the web do, "Thu, 05 Mar 2026 18:30:00 GMT", with seconds, and
 // with an offset ("Z", "+01:00") or without (then UTC). Seconds since 1970; noon of the day when
 // there is no time, so that it is the same day wherever it is shown. 0 for anything else and for
 // what lies outside 1970 to 2037.
 int64_t ReadDate(std::string_view text);
 
 // The page's date from the first of `sources` that has one: its meta elements
-// (article:modified_time, article:published_time, dcterms.modified, dcterms.date, dc.date,
-// last-modified, date, in this order), its first time element, or `fileTime`. 0 for none.
+// (article:modified_time, article:published_time, those of schema.org behind each of them,
+// dcterms.modified, dcterms.date, dc.date, last-modified, date, in this order), its first time
+// element, or `fileTime`. 0 for none.
 int64_t PageDate(const PageContent& page, int64_t fileTime, const std::vector<DateSource>& sources);
 
 }  // namespace vela::indexer

@@ -68,6 +68,9 @@ void TreeConstruction::Take(TokenKind kind) {
 // The element of the tag holds only characters.
 void TreeConstruction::AddCharacters(const TextState& around) {
   const Element element = tokens.tag().element;
+  const bool isJson =
+      element == Element::kScript &&
+      LowerAsciiCopy(AttributeValue(tokens.tag(), Attribute::kType)) == "application/ld+json";
   const ElementRole role = content.Begin(tokens.tag(), true, around);
   const TextState inside = StateInside(around, role);
   const std::string_view raw = tokens.TakeRawText();
@@ -75,6 +78,8 @@ void TreeConstruction::AddCharacters(const TextState& around) {
     std::string title;
     AppendResolved(raw, false, title);
     content.AddTitle(title, inside);
+  } else if (isJson) {
+    content.AddJson(raw, inside);
   } else if (element == Element::kXmp) {
     content.AddText(raw, inside);
   }

@@ -256,6 +256,39 @@ TEST(HtmlPage, TheFirstTimeThatSaysOne) {
   }
 }
 
+TEST(HtmlPage, DatesBesideTheMetaElements) {
+  const struct {
+    const char* what;
+    std::string html;
+    std::vector<MetaElement> expected;
+  } kCases[] = {
+      {"of a time element",
+       "<time itemprop=dateModified datetime=2026-03-05>March</time>",
+       {{"itemprop:datemodified", "2026-03-05"}}},
+      {"by its text, and not the first",
+       "<time>today</time><time itemprop=datePublished> 2026-03-05</time>",
+       {{"itemprop:datepublished", "2026-03-05"}}},
+      {"of another property", "<time itemprop=startDate datetime=2026-03-05>", {}},
+      {"of JSON-LD",
+       "<script type=application/LD+json>{\"a\":1,\"dateModified\" : \n\"2026-03-05\"}</script >",
+       {{"json-ld:datemodified", "2026-03-05"}}},
+      {"no text there", "<script type=application/ld+json>{\"dateModified\":5}</script>", {}},
+      {"in another script",
+       "<script>{\"dateModified\":\"2026-03-05\"}</script type=application/ld+json>",
+       {}},
+      {"in a template",
+       "<template><script type=application/ld+json>{\"dateModified\":\"2026-03-05\"}</script>"
+       "<time itemprop=dateModified datetime=2026-03-05></template>",
+       {}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    PageContent page;
+    EXPECT_EQ(ParseHtmlPage(c.html, page), Reason::kNone);
+    EXPECT_EQ(page.metas, c.expected);
+  }
+}
+
 TEST(HtmlPage, HeadElementsCountWhereverTheyStand) {
   PageContent page;
   EXPECT_EQ(ParseHtmlPage("<p>a<base href=/b/><table><link rel=canonical href=/c><tr><td>"

@@ -25,6 +25,13 @@ TEST(PageDate, ReadsWhatPagesWrite) {
       {"1972-01-01T", 0},
       {"1972-01-01T25:00", 0},
       {"1972-01-01T10:20 later", 0},
+      {"Sat, 01 Jan 1972 10:20:30 GMT", kDay + 37230},
+      {"Sat, 1 jan 1972 10:20:30 +0100", kDay + 33630},
+      {"Saturday, 01-Jan-1972 10:20:30 GMT", kDay + 37230},
+      {"01 Jan 1972", kDay + 43200},
+      {"Sat, 32 Jan 1972 10:20:30 GMT", 0},
+      {"Sat, 01 Jon 1972 10:20:30 GMT", 0},
+      {"Sat, 01 Jan 72 10:20:30 GMT", 0},
       {"1 January 1972", 0},
       {"1969-12-31", 0},
       {"2038-02-01", 0},
@@ -51,6 +58,34 @@ TEST(PageDate, SourcesAreTriedInTheirOrder) {
   page.metas = {{"dcterms.date", "soon"}, {"date", "1970-01-03"}};
   EXPECT_EQ(PageDate(page, kFileTime, {kMeta}), 2 * 86400 + 43200);
   EXPECT_EQ(PageDate({}, kFileTime, {kMeta, kTime, kFile}), 7);
+}
+
+TEST(PageDate, ReadsDatesOfEveryKindOfElement) {
+  const char* const kNames[] = {"article:modified_time",
+                                "itemprop:datemodified",
+                                "json-ld:datemodified",
+                                "article:published_time",
+                                "itemprop:datepublished",
+                                "json-ld:datepublished",
+                                "dcterms.modified",
+                                "dcterms.date",
+                                "dc.date",
+                                "last-modified",
+                                "http-equiv:last-modified",
+                                "date",
+                                "http-equiv:date"};
+  PageContent page;
+  int64_t day = 0;
+  for (const char* name : kNames) {
+    char text[20];
+    snprintf(text, sizeof text, "1970-01-%02dT00:00", static_cast<int>(day) + 2);
+    page.metas.emplace_back(name, text);
+    ++day;
+  }
+  for (int64_t i = 0; i < day; ++i) {  // the first that is there counts
+    EXPECT_EQ(PageDate(page, 7, {DateSource::kMeta}), (i + 1) * 86400);
+    page.metas.erase(page.metas.begin());
+  }
 }
 
 }  // namespace

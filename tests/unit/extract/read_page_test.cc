@@ -54,6 +54,31 @@ TEST(ReadPage, TitlesComeFromWhatThereIs) {
   }
 }
 
+TEST(ReadPage, FindsTheDateOfAPage) {
+  const char* const kPages[] = {
+      "<meta http-equiv=Last-Modified content='Sun, 09 Sep 2001 01:46:40 GMT'>x",
+      "<meta http-equiv=date content='Sun, 09 Sep 2001 01:46:40 GMT'>x",
+      "<meta itemprop=dateModified content=2001-09-09T01:46:40>x",
+      "<time datetime=1999-01-01>x</time><time itemprop=datePublished "
+      "datetime=2001-09-09T01:46:40Z>x",
+      "<script type=application/ld+json>{\"@type\": \"Article\", \"dateModified\" :\n"
+      "\"2001-09-09T03:46:40+02:00\"}</script>x",
+  };
+  for (const char* html : kPages) {
+    SCOPED_TRACE(html);
+    Page page;
+    ASSERT_EQ(Read(FileType::kHtml, "a.html", html, page), Reason::kNone);
+    EXPECT_EQ(page.facts.time, 1000000000);
+  }
+  Page page;
+  for (const char* html : {"<script type=application/ld+json>{\"dateModified\"</script>x",
+                           "<script type=application/ld+json>{\"dateModified\": 5}</script>x",
+                           "<script>{\"dateModified\": \"2001-09-09\"}</script>x"}) {
+    ASSERT_EQ(Read(FileType::kHtml, "a.html", html, page), Reason::kNone);
+    EXPECT_EQ(page.facts.time, 7);
+  }
+}
+
 TEST(ReadPage, SaysWhyAPageIsLeftOut) {
   const struct {
     FileType type;
