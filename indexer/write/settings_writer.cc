@@ -22,15 +22,22 @@ namespace {
 
 constexpr char kLineLengthKey[] = "MaxKeyWordLineLen";
 
+// GCC 12 takes nothing of this for a constant while it adds the checks of the sanitizers.
+#ifdef __SANITIZE_ADDRESS__
+#define VELA_AT_COMPILE_TIME constexpr
+#else
+#define VELA_AT_COMPILE_TIME consteval
+#endif
+
 // Keys that the search program reads, by their names; with any other the compiler meets the throw.
 struct NumberName {
-  consteval NumberName(const char* name) : key(name) {
+  VELA_AT_COMPILE_TIME NumberName(const char* name) : key(name) {
     if (FindNumberSetting(name) == nullptr) throw std::logic_error(name);
   }
   std::string_view key;
 };
 struct TextName {
-  consteval TextName(const char* name) : key(name) {
+  VELA_AT_COMPILE_TIME TextName(const char* name) : key(name) {
     if (FindTextSetting(name) == nullptr) throw std::logic_error(name);
   }
   std::string_view key;

@@ -21,87 +21,76 @@ enum class Wrapping : uint8_t {
 
 struct Wording {
   Message message;
-  std::string_view text;
   Wrapping wrapping;
+  std::string_view text;
 };
 
 constexpr Wording kWordings[] = {
-    {Message::kOutOfMemory, "Error: Out of memory", Wrapping::kElementLine},
-    {Message::kOutOfMemoryForSearch, "Out of memory", Wrapping::kElementLine},
-    {Message::kOutOfMemoryForIndex, "Error: out of memory", Wrapping::kElement},
-    {Message::kOutOfMemoryForForm, "Content-type: text/html\n\nError: Memory Allocation Error",
-     Wrapping::kNone},
-    {Message::kInvalidStemmer, "Invalid stemming algorithm specified in settings file.<br />\n",
-     Wrapping::kElementLine},
-    {Message::kNoStemmer, "Failed to initialize stemmer.<br />\n", Wrapping::kElementLine},
-    {Message::kInvalidCategory, "Error: Category number is invalid. Incorrect settings file used?",
-     Wrapping::kElementLine},
-    {Message::kCorruptIndex,
-     "Error: Corrupted or invalid index files. Please re-index and try again.",
-     Wrapping::kElementLine},
-    {Message::kCorruptRecommended,
-     "Error: Corrupted or invalid index files. Please re-index your and try again.",
-     Wrapping::kElement},
-    {Message::kAutoCompleteMissing,
+    {Message::kOutOfMemory, Wrapping::kElementLine, "Error: Out of memory"},
+    {Message::kOutOfMemoryForSearch, Wrapping::kElementLine, "Out of memory"},
+    {Message::kOutOfMemoryForIndex, Wrapping::kElement, "Error: out of memory"},
+    {Message::kOutOfMemoryForForm, Wrapping::kNone,
+     "Content-type: text/html\n\nError: Memory Allocation Error"},
+    {Message::kInvalidStemmer, Wrapping::kElementLine,
+     "Invalid stemming algorithm specified in settings file.<br />\n"},
+    {Message::kNoStemmer, Wrapping::kElementLine, "Failed to initialize stemmer.<br />\n"},
+    {Message::kInvalidCategory, Wrapping::kElementLine,
+     "Error: Category number is invalid. Incorrect settings file used?"},
+    {Message::kCorruptIndex, Wrapping::kElementLine,
+     "Error: Corrupted or invalid index files. Please re-index and try again."},
+    {Message::kCorruptRecommended, Wrapping::kElement,
+     "Error: Corrupted or invalid index files. Please re-index your and try again."},
+    {Message::kAutoCompleteMissing, Wrapping::kNone,
      "Can not find the vela_autocomplete.vdat index file.<br />Please make sure the generated "
      "index files are uploaded to the same path as this search script.<br />Also check file "
-     "permissions have been set to allow reading.<br />",
-     Wrapping::kNone},
-    {Message::kRecommendedMissing,
+     "permissions have been set to allow reading.<br />"},
+    {Message::kRecommendedMissing, Wrapping::kNone,
      "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
-     "have been set to allow reading.<br />",
-     Wrapping::kNone},
-    {Message::kWordMapMissing,
+     "have been set to allow reading.<br />"},
+    {Message::kWordMapMissing, Wrapping::kElementLine,
      "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
-     "have been set to allow reading.<br />\n",
-     Wrapping::kElementLine},
+     "have been set to allow reading.<br />\n"},
     // Kept: without the line breaks of the others (golden index/spelling_missing).
-    {Message::kSpellingMissing,
+    {Message::kSpellingMissing, Wrapping::kElementLine,
      "Can not find one or more of the Vela index files. Please make sure the generated index files "
      "are uploaded to the same path as this search script. Also check file permissions have been "
-     "set to allow reading.",
-     Wrapping::kElementLine},
-    {Message::kPageTextPlaceholder,
+     "set to allow reading."},
+    {Message::kPageTextPlaceholder, Wrapping::kElementLine,
      "<b>Vela config error:</b> The \"vela_pagetext.vdat\" file is not properly created for the "
      "search settings specified in \"setting.php\"<br />Please check that you have re-indexed and "
-     "try again.",
-     Wrapping::kElementLine},
-    {Message::kPageInfoTooShort, "Pageinfo file does not match PageInfoSize specified.",
-     Wrapping::kNone},
-    {Message::kPageInfoRecords, "Pageinfo file and PageInfoSize does not match NumPages specified.",
-     Wrapping::kNone},
+     "try again."},
+    {Message::kPageInfoTooShort, Wrapping::kNone,
+     "Pageinfo file does not match PageInfoSize specified."},
+    {Message::kPageInfoRecords, Wrapping::kNone,
+     "Pageinfo file and PageInfoSize does not match NumPages specified."},
     // Kept: called a warning, it fails the request all the same (golden index/pageinfo_slack).
-    {Message::kPageInfoSlack,
-     "Warning: Pageinfo file and PageInfoSize does not match NumPages specified.", Wrapping::kNone},
-    {Message::kDictionaryMissing,
+    {Message::kPageInfoSlack, Wrapping::kNone,
+     "Warning: Pageinfo file and PageInfoSize does not match NumPages specified."},
+    {Message::kDictionaryMissing, Wrapping::kNone,
      "Can not find one or more of the Vela index files.<br />Please make sure the generated index "
      "files are uploaded to the same path as this search script.<br />Also check file permissions "
-     "have been set to allow reading.<br />\n",
-     Wrapping::kNone},
-    {Message::kDictionaryFailed, "Failed to load dictionary file.<br />\n", Wrapping::kElement},
-    {Message::kNoBaseWordBlock, "Error: Could not allocate memory for storing base words.<br />",
-     Wrapping::kNone},
-    {Message::kNoVariantBlock, "Error: Out of memory for storing word variants.",
-     Wrapping::kElement},
-    {Message::kBaseWordBlockFull,
-     "Error: Out of memory for storing base words. Settings file have been modified or invalid.",
-     Wrapping::kElement},
-    {Message::kVariantBlockFull,
-     "Error: Out of memory for storing word variants. Settings file have been modified or invalid.",
-     Wrapping::kElement},
-    {Message::kWordListMissing, "Error in wordmap file: expected data not found.",
-     Wrapping::kElementLine},
-    {Message::kWordListPage, "Error in wordmap: page number is invalid.", Wrapping::kElementLine},
-    {Message::kSeekBeyondLimit,
+     "have been set to allow reading.<br />\n"},
+    {Message::kDictionaryFailed, Wrapping::kElement, "Failed to load dictionary file.<br />\n"},
+    {Message::kNoBaseWordBlock, Wrapping::kNone,
+     "Error: Could not allocate memory for storing base words.<br />"},
+    {Message::kNoVariantBlock, Wrapping::kElement,
+     "Error: Out of memory for storing word variants."},
+    {Message::kBaseWordBlockFull, Wrapping::kElement,
+     "Error: Out of memory for storing base words. Settings file have been modified or invalid."},
+    {Message::kVariantBlockFull, Wrapping::kElement,
+     "Error: Out of memory for storing word variants. Settings file have been modified or "
+     "invalid."},
+    {Message::kWordListMissing, Wrapping::kElementLine,
+     "Error in wordmap file: expected data not found."},
+    {Message::kWordListPage, Wrapping::kElementLine, "Error in wordmap: page number is invalid."},
+    {Message::kSeekBeyondLimit, Wrapping::kOpenElement,
      "Error seeking in file. This CGI build does not support files larger than 2GB in size. Please "
-     "contact Brantel for help.",
-     Wrapping::kOpenElement},
-    {Message::kSeekFailed,
+     "contact Brantel for help."},
+    {Message::kSeekFailed, Wrapping::kOpenElement,
      "Error seeking in file. This may be due to an incompatible CGI build for your operating "
-     "system. Please contact Brantel for help.",
-     Wrapping::kOpenElement},
+     "system. Please contact Brantel for help."},
 };
 
 constexpr bool EachMessageHasItsPlace() {
