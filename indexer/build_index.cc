@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <thread>
 
 #include "format/index_directory.h"
@@ -110,14 +111,29 @@ struct SitePages {
   PageTableWriter table;
 };
 
-// Takes one item of the site in. kNone, or why it is left out.
-Reason TakeItem(const FolderSource& source, const SourceItem& item, const PageWishes& wishes,
-                SitePages& pages) {
+// How the pages of the site are read.
+struct PageReading {
+  const FolderSource& source;
+  PageWishes wishes;
+  ReadingLimits limits;
+};
+
+// From an item of the site to a page. Nothing of the index is touched, so that a page which takes
+// more memory than there is costs the run no more than that page.
+Reason ReadItemPage(const PageReading& reading, const SourceItem& item, Page& page) try {
   FileContent file;
-  Reason reason = ReadItem(source, item, file);
+  const Reason reason = ReadItem(reading.source, item, file);
   if (reason != Reason::kNone) return reason;
+  return ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
+} catch (const std::bad_alloc&) {
+  return Reason::kNoMemory;
+}
+
+// Takes one item of the site in. kNone, or why it is left out. Where there is no memory for its
+// words, half of them may be in the index: the run cannot go on.
+Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& pages) try {
   Page page;
-  reason = ReadPage(item, std::move(file), wishes, page);
+  Reason reason = ReadItemPage(reading, item, page);
   if (reason != Reason::kNone) return reason;
   JoinedPage joined;
   reason = AddPage(page, pages.collection, joined);
@@ -125,6 +141,10 @@ Reason TakeItem(const FolderSource& source, const SourceItem& item, const PageWi
   pages.text.AddPage(pages.collection.tokens.tokens);
   pages.recommended.Note(joined.addresses, pages.table.AddPage(joined.entry));
   return Reason::kNone;
+} catch (const std::bad_alloc&) {
+  throw IndexError(ExitStatus::kFailed, "Out of memory at " + item.path +
+                                            ". Give a smaller --memory or --max-file-size, or "
+                                            "leave that page out (--exclude).");
 }
 
 void WriteReport(const Run& run) {
@@ -191,11 +211,13 @@ void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
   std::ranges::move(listing.unused, std::back_inserter(run.summary.warnings));
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
   run.progress.Begin("Reading pages", items.size());
-  const PageWishes wishes = {.images = config.images, .dates = config.dates};
+  const PageReading reading = {.source = source,
+                               .wishes = {.images = config.images, .dates = config.dates},
+                               .limits = {.stop = &run.stop}};
   uint64_t done = 0;
   for (const SourceItem& item : items) {
-    CheckStop(run.stop);
-    const Reason reason = TakeItem(source, item, wishes, pages);
+    const Reason reason = TakeItem(reading, item, pages);
+    CheckStop(run.stop);  // perhaps in the middle of the page
     if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
     run.progress.Step(++done);
   }

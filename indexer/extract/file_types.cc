@@ -13,26 +13,27 @@ namespace {
 
 // The bytes are given up before the text is parsed, so that a large page is not held twice.
 
-Reason ReadHtml(std::string bytes, PageContent& content) {
+Reason ReadHtml(std::string bytes, ReadingBudget& budget, PageContent& content) {
   std::string text;
   const Reason reason = ConvertToUtf8(bytes, true, text);
   if (reason != Reason::kNone) return reason;
   bytes = {};
-  return ParseHtmlPage(text, content);
+  return ParseHtmlPage(text, budget, content);
 }
 
-Reason ReadPlainText(std::string bytes, PageContent& content) {
+Reason ReadPlainText(std::string bytes, ReadingBudget& budget, PageContent& content) {
   std::string text;
   const Reason reason = ConvertToUtf8(bytes, false, text);
   if (reason != Reason::kNone) return reason;
   bytes = {};
+  if (!TakeBytes(budget, text.size())) return budget.status;
   ParsePlainTextPage(text, content);
   return Reason::kNone;
 }
 
 struct TypeReader {
   FileType type;
-  Reason (*read)(std::string bytes, PageContent& content);
+  Reason (*read)(std::string bytes, ReadingBudget& budget, PageContent& content);
 };
 
 constexpr TypeReader kTypeReaders[] = {
@@ -50,8 +51,8 @@ static_assert(EachTypeHasItsPlace());
 
 }  // namespace
 
-Reason ReadContent(FileType type, std::string bytes, PageContent& content) {
-  return kTypeReaders[static_cast<size_t>(type)].read(std::move(bytes), content);
+Reason ReadContent(FileType type, std::string bytes, ReadingBudget& budget, PageContent& content) {
+  return kTypeReaders[static_cast<size_t>(type)].read(std::move(bytes), budget, content);
 }
 
 }  // namespace vela::indexer

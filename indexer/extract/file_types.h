@@ -5,12 +5,15 @@
 #include <string>
 
 #include "indexer/extract/page.h"
+#include "indexer/extract/reading_budget.h"
 #include "indexer/report/reason.h"
 #include "indexer/source/source_item.h"
 
 namespace vela::indexer {
 
-// Brings the bytes of a file of that type into `content`. kNone, or why the page is left out.
-[[nodiscard]] Reason ReadContent(FileType type, std::string bytes, PageContent& content);
+// Brings the bytes of a file of that type into `content`, within `budget`. kNone, or why the page
+// is left out.
+[[nodiscard]] Reason ReadContent(FileType type, std::string bytes, ReadingBudget& budget,
+                                 PageContent& content);
 
 }  // namespace vela::indexer

@@ -18,7 +18,4 @@ namespace vela::indexer {
 // or why `budget` ended the reading; then `page` is empty.
 [[nodiscard]] Reason ParseHtmlPage(std::string_view html, ReadingBudget& budget, PageContent& page);
 
-// The same with limits that no page written for readers comes near.
-[[nodiscard]] Reason ParseHtmlPage(std::string_view html, PageContent& page);
-
 }  // namespace vela::indexer

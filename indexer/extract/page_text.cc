@@ -24,9 +24,10 @@ bool MakeRoom(Container& container, size_t count, ReadingBudget& budget) {
   return true;
 }
 
-void Finish(TextRun& run, std::vector<TextRun>& runs) {
+void Finish(TextRun& run, std::vector<TextRun>& runs, ReadingBudget& budget) {
   CleanText(run.text);
-  if (run.text.find_first_not_of(' ') != run.text.npos) runs.push_back(std::move(run));
+  if (IsBlank(run.text) || !MakeRoom(runs, 1, budget)) return;
+  runs.push_back(std::move(run));
 }
 
 }  // namespace
@@ -94,12 +95,12 @@ void PageText::CopyTo(std::vector<TextRun>& runs, bool withFrame) {
     const size_t length = piece.end - piece.begin;
     if (!TakeSteps(budget, length + 1) || !MakeRoom(run.text, length, budget)) return;
     if (piece.style.headingLevel != run.headingLevel) {
-      Finish(run, runs);
+      Finish(run, runs, budget);
       run = TextRun{{}, piece.style.headingLevel};
     }
     run.text.append(text, piece.begin, length);
   }
-  Finish(run, runs);
+  Finish(run, runs, budget);
 }
 
 }  // namespace vela::indexer

@@ -55,9 +55,11 @@ bool IsRefreshStub(const PageContent& content) {
 
 }  // namespace
 
-Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes, Page& page) {
+Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes,
+                const ReadingLimits& limits, Page& page) {
   page = Page();
-  const Reason reason = ReadContent(item.type, std::move(file.bytes), page.content);
+  ReadingBudget budget = StartReading(limits, file.bytes.size());
+  const Reason reason = ReadContent(item.type, std::move(file.bytes), budget, page.content);
   if (reason != Reason::kNone) return reason;
   const PageContent& content = page.content;
   if (content.body.empty() && content.title.empty() && content.description.empty()) {

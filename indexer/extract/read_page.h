@@ -5,6 +5,7 @@
 
 #include "indexer/config/site_config.h"
 #include "indexer/extract/page.h"
+#include "indexer/extract/reading_budget.h"
 #include "indexer/report/reason.h"
 #include "indexer/source/file_reading.h"
 #include "indexer/source/source_item.h"
@@ -17,8 +18,9 @@ struct PageWishes {
   std::vector<DateSource> dates;  // tried in this order
 };
 
-// Reads what `file` holds of `item` into `page`. kNone, or why the page is left out.
+// Reads what `file` holds of `item` into `page`, within `limits`. kNone, or why the page is left
+// out. Throws std::bad_alloc when there is no memory, also for less than the limits allow.
 [[nodiscard]] Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes,
-                              Page& page);
+                              const ReadingLimits& limits, Page& page);
 
 }  // namespace vela::indexer

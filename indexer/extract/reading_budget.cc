@@ -13,6 +13,14 @@ void End(ReadingBudget& budget, Reason status) {
 
 }  // namespace
 
+ReadingBudget StartReading(const ReadingLimits& limits, size_t pageBytes) {
+  ReadingBudget budget;
+  budget.deadline = std::chrono::steady_clock::now() + limits.time;
+  budget.bytesLimit = limits.bytes + pageBytes * limits.factor;
+  budget.stop = limits.stop;
+  return budget;
+}
+
 void CheckBudget(ReadingBudget& budget) {
   budget.nextLook = budget.steps + kStepsBetweenLooks;
   if (budget.stop != nullptr && *budget.stop != 0) End(budget, Reason::kStopped);

@@ -12,6 +12,14 @@
 
 namespace vela::indexer {
 
+// What the reading of any page may cost.
+struct ReadingLimits {
+  std::chrono::seconds time{60};  // a hundred megabytes of markup take a few
+  size_t bytes = size_t{64} << 20;
+  size_t factor = 8;                                 // and so many times the size of its file
+  const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
+};
+
 struct ReadingBudget {
   std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
   size_t bytesLimit = SIZE_MAX;                      // of memory, in all
@@ -25,6 +33,9 @@ struct ReadingBudget {
   uint64_t nextLook = 0;  // at how many steps the clock is read again
   size_t bytes = 0;       // asked for so far
 };
+
+// The budget of a page of `pageBytes`, whose reading begins now.
+ReadingBudget StartReading(const ReadingLimits& limits, size_t pageBytes);
 
 // Looks at the clock and the stop flag.
 void CheckBudget(ReadingBudget& budget);

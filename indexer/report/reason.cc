@@ -30,6 +30,7 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kMarkupTooSlow, "markup_too_slow", "markup takes too long to read"},
     {Reason::kMarkupTooLarge, "markup_too_large", "markup grows too large"},
     {Reason::kStopped, "stopped", "reading was stopped"},
+    {Reason::kNoMemory, "no_memory", "not enough memory to read it"},
     {Reason::kNoindex, "noindex", "noindex"},
     {Reason::kNoText, "no_text", "no text"},
     {Reason::kCopy, "copy", "copy of another page (canonical address)"},

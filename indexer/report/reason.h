@@ -32,6 +32,7 @@ enum class Reason : uint8_t {
   kMarkupTooSlow,
   kMarkupTooLarge,
   kStopped,
+  kNoMemory,
   kNoindex,
   kNoText,
   kCopy,

@@ -15,7 +15,7 @@ struct FileContent {
 };
 
 // Reads `path`, which must be a regular file and no symbolic link, of at most `limit` bytes.
-// What it holds is in `out` when kNone is returned.
+// What it holds is in `out` when kNone is returned. Throws std::bad_alloc when there is no memory.
 [[nodiscard]] Reason ReadRegularFile(const std::string& path, uint64_t limit, FileContent& out);
 
 }  // namespace vela::indexer

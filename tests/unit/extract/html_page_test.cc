@@ -7,6 +7,11 @@
 namespace vela::indexer {
 namespace {
 
+Reason ParseHtmlPage(std::string_view html, PageContent& page) {
+  ReadingBudget budget = StartReading({}, html.size());
+  return ParseHtmlPage(html, budget, page);
+}
+
 // The text of a page as one line, headings as "<level>text", blanks collapsed.
 std::string BodyOf(const std::string& html) {
   PageContent page;

@@ -9,7 +9,8 @@ const PageWishes kWishes = {.images = true, .dates = {DateSource::kMeta, DateSou
 
 Reason Read(FileType type, const char* path, const std::string& bytes, Page& page) {
   const SourceItem item = {path, std::string("https://x.example/") + path, type};
-  return ReadPage(item, {.bytes = bytes, .size = bytes.size(), .modifiedTime = 7}, kWishes, page);
+  return ReadPage(item, {.bytes = bytes, .size = bytes.size(), .modifiedTime = 7}, kWishes, {},
+                  page);
 }
 
 TEST(ReadPage, GathersWhatIsKnownOfAPage) {

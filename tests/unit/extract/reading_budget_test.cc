@@ -25,6 +25,19 @@ TEST(ReadingBudget, TheClockIsReadNowAndThen) {
   EXPECT_EQ(budget.status, Reason::kMarkupTooSlow);
 }
 
+TEST(ReadingBudget, LimitsGrowWithThePage) {
+  volatile std::sig_atomic_t stop = 1;
+  ReadingLimits limits;
+  limits.bytes = 100;
+  limits.factor = 3;
+  limits.stop = &stop;
+  ReadingBudget budget = StartReading(limits, 50);
+  EXPECT_EQ(budget.bytesLimit, 250u);
+  EXPECT_GT(budget.deadline, std::chrono::steady_clock::now());
+  CheckBudget(budget);
+  EXPECT_EQ(budget.status, Reason::kStopped);
+}
+
 TEST(ReadingBudget, TheFirstReasonStays) {
   ReadingBudget budget;
   volatile std::sig_atomic_t stop = 0;

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "indexer/report/index_error.h"
 #include "support/indexer_site.h"
+#include "support/largest_allocation.h"
 
 namespace vela::indexer {
 namespace {
@@ -368,6 +371,64 @@ TEST(BuildIndex, KeepsTheOldIndexWhenStopped) {
   EXPECT_EQ(site.Read("settings.vdat"), "old");
   EXPECT_EQ(std::distance(fs::directory_iterator(site.scratch.path()), fs::directory_iterator()),
             2);
+}
+
+// Were the page read to its end, the run would end for having found nothing.
+TEST(BuildIndex, AStopReachesIntoAPage) {
+  TestSite site;
+  site.options.maxFileMegabytes = 100;
+  std::string markup;
+  for (int i = 0; i < 4000000; ++i) markup += "<b></b>";
+  site.Add("a.html", markup);
+  Progress progress(false);
+  volatile std::sig_atomic_t stop = 0;
+  std::thread signal([&stop] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    stop = 1;
+  });
+  try {
+    BuildIndex(site.options, progress, stop);
+    ADD_FAILURE();
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kInterrupted);
+  }
+  signal.join();
+}
+
+TEST(BuildIndex, APageWithoutMemoryIsLeftOut) {
+  TestSite site;
+  site.options.memoryMegabytes = 1;
+  site.Add("a.html", "text");
+  site.Add("grows.html", "<meta charset=windows-1252>" + std::string(size_t{3} << 20, '\xE9'));
+  site.Add("large.html", std::string(size_t{5} << 20, 'x'));
+  site.Add("z.html", "more text");
+  const support::LargestAllocation largest(size_t{4} << 20);
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 2u);
+  ASSERT_EQ(summary.files.entries.size(), 2u);
+  EXPECT_EQ(summary.files.entries[0].path, "grows.html");
+  EXPECT_EQ(summary.files.entries[0].reason, Reason::kNoMemory);
+  EXPECT_EQ(summary.files.entries[1].path, "large.html");
+  EXPECT_EQ(summary.files.entries[1].reason, Reason::kNoMemory);
+}
+
+// Short words: they take more memory than the text they are cut from.
+TEST(BuildIndex, AnErrorForLackOfMemoryNamesThePage) {
+  TestSite site;
+  site.options.memoryMegabytes = 1;
+  std::string text;
+  for (int i = 0; i < 400000; ++i) text += "a ";
+  site.Add("words/many.html", text);
+  WriteFile(site.index / "settings.vdat", "old");
+  const support::LargestAllocation largest(size_t{4} << 20);
+  try {
+    site.Build();
+    ADD_FAILURE();
+  } catch (const IndexError& error) {
+    EXPECT_EQ(error.status, ExitStatus::kFailed);
+    EXPECT_NE(std::string(error.what()).find("words/many.html"), std::string::npos);
+  }
+  EXPECT_EQ(site.Read("settings.vdat"), "old");
 }
 
 TEST(BuildIndex, TheTemplateOfTheOwnerStays) {

@@ -26,6 +26,11 @@ void CheckPage(const indexer::PageContent& page) {
   VELA_CHECK(date >= 0 && date <= INT32_MAX);
 }
 
+indexer::Reason Parse(std::string_view html, indexer::PageContent& page) {
+  indexer::ReadingBudget budget = indexer::StartReading({}, html.size());
+  return indexer::ParseHtmlPage(html, budget, page);
+}
+
 // All of a page as one text, to compare two runs.
 std::string Listing(const indexer::PageContent& page) {
   std::string all = page.title + '\n' + page.description + '\n' + page.canonical + '\n' +
@@ -47,8 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (indexer::ConvertToUtf8(Text(data, size), true, html) != indexer::Reason::kNone) return 0;
   indexer::PageContent first;
   indexer::PageContent second;
-  const indexer::Reason reason = indexer::ParseHtmlPage(html, first);
-  VELA_CHECK(reason == indexer::ParseHtmlPage(html, second));
+  const indexer::Reason reason = Parse(html, first);
+  VELA_CHECK(reason == Parse(html, second));
   if (reason != indexer::Reason::kNone) return 0;
   CheckPage(first);
   VELA_CHECK(Listing(first) == Listing(second));
