@@ -131,7 +131,8 @@ Reason ReadItemPage(const PageReading& reading, const SourceItem& item, Page& pa
 
 // Takes one item of the site in. kNone, or why it is left out. Where there is no memory for its
 // words, half of them may be in the index: the run cannot go on.
-Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& pages) try {
+Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& pages,
+                LeftOut& remarks) try {
   Page page;
   Reason reason = ReadItemPage(reading, item, page);
   if (reason != Reason::kNone) return reason;
@@ -140,6 +141,9 @@ Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& p
   if (reason != Reason::kNone) return reason;
   pages.text.AddPage(pages.collection.tokens.tokens);
   pages.recommended.Note(joined.addresses, pages.table.AddPage(joined.entry));
+  if (!page.content.markupFault.empty()) {
+    AddLeftOut(remarks, Reason::kNotWellFormed, item.path, {}, page.content.markupFault);
+  }
   return Reason::kNone;
 } catch (const std::bad_alloc&) {
   throw IndexError(ExitStatus::kFailed, "Out of memory at " + item.path +
@@ -216,7 +220,7 @@ void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
                                .limits = {.stop = &run.stop}};
   uint64_t done = 0;
   for (const SourceItem& item : items) {
-    const Reason reason = TakeItem(reading, item, pages);
+    const Reason reason = TakeItem(reading, item, pages, run.summary.remarks);
     CheckStop(run.stop);  // perhaps in the middle of the page
     if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
     run.progress.Step(++done);

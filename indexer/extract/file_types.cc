@@ -6,6 +6,7 @@
 #include "indexer/extract/decoding.h"
 #include "indexer/extract/html_page.h"
 #include "indexer/extract/plain_text_page.h"
+#include "indexer/extract/xhtml_page.h"
 
 namespace vela::indexer {
 
@@ -13,15 +14,29 @@ namespace {
 
 // The bytes are given up before the text is parsed, so that a large page is not held twice.
 
-Reason ReadHtml(std::string bytes, ReadingBudget& budget, PageContent& content) {
+// As XML what is sent or declared as that. Browsers show nothing but a message of a page that is
+// sent as XML and is not well-formed; its visitors get it in some other way, so it is read all the
+// same.
+Reason ReadHtml(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+                PageContent& content) {
   std::string text;
-  const Reason reason = ConvertToUtf8(bytes, true, text);
+  Reason reason = ConvertToUtf8(bytes, true, text);
   if (reason != Reason::kNone) return reason;
   bytes = {};
-  return ParseHtmlPage(text, budget, content);
+  std::string fault;
+  if (item.isXml || text.starts_with("<?xml")) {
+    const ReadingBudget whole = budget;
+    reason = ParseXhtmlPage(text, budget, content, fault);
+    if (fault.empty()) return reason;
+    budget = whole;
+  }
+  reason = ParseHtmlPage(text, budget, content);
+  if (item.isXml) content.markupFault = std::move(fault);
+  return reason;
 }
 
-Reason ReadPlainText(std::string bytes, ReadingBudget& budget, PageContent& content) {
+Reason ReadPlainText(const SourceItem&, std::string bytes, ReadingBudget& budget,
+                     PageContent& content) {
   std::string text;
   const Reason reason = ConvertToUtf8(bytes, false, text);
   if (reason != Reason::kNone) return reason;
@@ -33,7 +48,8 @@ Reason ReadPlainText(std::string bytes, ReadingBudget& budget, PageContent& cont
 
 struct TypeReader {
   FileType type;
-  Reason (*read)(std::string bytes, ReadingBudget& budget, PageContent& content);
+  Reason (*read)(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+                 PageContent& content);
 };
 
 constexpr TypeReader kTypeReaders[] = {
@@ -51,8 +67,9 @@ static_assert(EachTypeHasItsPlace());
 
 }  // namespace
 
-Reason ReadContent(FileType type, std::string bytes, ReadingBudget& budget, PageContent& content) {
-  return kTypeReaders[static_cast<size_t>(type)].read(std::move(bytes), budget, content);
+Reason ReadContent(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+                   PageContent& content) {
+  return kTypeReaders[static_cast<size_t>(item.type)].read(item, std::move(bytes), budget, content);
 }
 
 }  // namespace vela::indexer

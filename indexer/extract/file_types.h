@@ -11,9 +11,9 @@
 
 namespace vela::indexer {
 
-// Brings the bytes of a file of that type into `content`, within `budget`. kNone, or why the page
+// Brings the bytes of an item's file into `content`, within `budget`. kNone, or why the page
 // is left out.
-[[nodiscard]] Reason ReadContent(FileType type, std::string bytes, ReadingBudget& budget,
+[[nodiscard]] Reason ReadContent(const SourceItem& item, std::string bytes, ReadingBudget& budget,
                                  PageContent& content);
 
 }  // namespace vela::indexer

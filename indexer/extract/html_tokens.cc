@@ -29,11 +29,21 @@ static_assert(std::size(kAttributeNames) == static_cast<size_t>(Attribute::kCoun
 }  // namespace
 
 std::string AttributeValue(const Tag& tag, Attribute attribute) {
+  if (!HasAttribute(tag, attribute)) return {};
+  const std::string_view given = tag.values[static_cast<size_t>(attribute)];
+  if (tag.valuesAreText) return std::string(given);
   std::string value;
-  if (HasAttribute(tag, attribute)) {
-    AppendResolved(tag.values[static_cast<size_t>(attribute)], true, value);
-  }
+  AppendResolved(given, true, value);
   return value;
+}
+
+void AddAttribute(std::string_view name, std::string_view value, Tag& tag) {
+  for (size_t i = 0; i < std::size(kAttributeNames); ++i) {
+    if (kAttributeNames[i].size() != name.size() || !SameLetters(kAttributeNames[i], name))
+      continue;
+    if ((tag.present >> i & 1) == 0) tag.values[i] = value;
+    tag.present |= 1U << i;
+  }
 }
 
 // The place of `c`, or the end of the page.
@@ -173,17 +183,8 @@ size_t HtmlTokens::ReadAttribute(size_t nameAt, bool isStart) {
       value = html.substr(begin, i - begin);
     }
   }
-  if (isStart) AddAttribute(name, value);
+  if (isStart) AddAttribute(name, value, current);
   return i;
-}
-
-void HtmlTokens::AddAttribute(std::string_view name, std::string_view value) {
-  for (size_t i = 0; i < std::size(kAttributeNames); ++i) {
-    if (kAttributeNames[i].size() != name.size() || !SameLetters(kAttributeNames[i], name))
-      continue;
-    if ((current.present >> i & 1) == 0) current.values[i] = value;
-    current.present |= 1U << i;
-  }
 }
 
 // Whether the end tag of an element `name` stands at `tagAt`, the place of a "<".

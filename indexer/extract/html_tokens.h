@@ -44,12 +44,17 @@ struct Tag {
   uint32_t present = 0;       // a bit for each Attribute
   std::array<std::string_view, static_cast<size_t>(Attribute::kCount)> values;  // of those, as in
                                                                                 // the page
+  bool valuesAreText = false;  // references in them are resolved already
 };
 
 // Of several attributes of one name, the first counts.
 inline bool HasAttribute(const Tag& tag, Attribute attribute) {
   return (tag.present >> static_cast<uint32_t>(attribute) & 1) != 0;
 }
+
+// Gives the tag an attribute, unless it has one of that name or nobody asks for it. `name` is in
+// either case.
+void AddAttribute(std::string_view name, std::string_view value, Tag& tag);
 
 // The value with its character references resolved; empty when there is none.
 std::string AttributeValue(const Tag& tag, Attribute attribute);
@@ -91,7 +96,6 @@ class HtmlTokens {
   TokenKind PassTo(char last, size_t from, TokenKind kind);
   bool ReadTag(size_t nameAt, bool isStart);
   size_t ReadAttribute(size_t nameAt, bool isStart);
-  void AddAttribute(std::string_view name, std::string_view value);
   bool EndsElement(size_t tagAt, std::string_view name) const;
   size_t EndOfRawText(std::string_view name) const;
   size_t EndOfScript() const;

@@ -30,6 +30,7 @@ struct PageContent {
   std::vector<MetaElement> metas;  // all that have a name and a content, in the page's order
   std::string time;                // of the first time element: its datetime, else its text
   std::vector<TextRun> body;       // in reading order
+  std::string markupFault;  // where and why a page that browsers take for XML is none; else empty
 };
 
 // The content of the first meta element of that name; empty when there is none.

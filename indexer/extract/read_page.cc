@@ -59,7 +59,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
                 const ReadingLimits& limits, Page& page) {
   page = Page();
   ReadingBudget budget = StartReading(limits, file.bytes.size());
-  const Reason reason = ReadContent(item.type, std::move(file.bytes), budget, page.content);
+  const Reason reason = ReadContent(item, std::move(file.bytes), budget, page.content);
   if (reason != Reason::kNone) return reason;
   const PageContent& content = page.content;
   if (content.body.empty() && content.title.empty() && content.description.empty()) {

@@ -37,6 +37,7 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kEqual, "equal", "copy of another page (the same text)"},
     {Reason::kRefresh, "refresh", "only leads on to another page (refresh)"},
     {Reason::kAddressTooLong, "address_too_long", "address too long"},
+    {Reason::kNotWellFormed, "not_well_formed", "no well-formed XHTML, read as HTML"},
     {Reason::kNotInList, "not_in_list", "not in the list of values"},
     {Reason::kNoAmount, "no_amount", "no amount"},
     {Reason::kNoWholeNumber, "no_whole_number", "no whole number"},

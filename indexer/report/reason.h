@@ -40,6 +40,9 @@ enum class Reason : uint8_t {
   kRefresh,
   kAddressTooLong,
 
+  // A page that is indexed all the same; the value is where and why.
+  kNotWellFormed,
+
   // The value of a meta field; `where` is the field.
   kNotInList,
   kNoAmount,

@@ -51,6 +51,14 @@ std::string ReportText(const IndexSummary& summary) {
   AppendEntries(summary.files, out);
   AppendEntries(summary.otherKinds, out);
   AppendEntries(summary.metaValues, out);
+  for (const LeftOut::Entry& entry : summary.remarks.entries) {
+    out += '{';
+    AppendMember("path", entry.path, out);
+    AppendMember("remark", ReasonCode(entry.reason), out);
+    AppendMember("subject", entry.value, out);
+    AppendMember("text", ReasonText(entry.reason), out);
+    out += "}\n";
+  }
   for (const Finding& warning : summary.warnings) {
     out += '{';
     AppendMember("remark", ReasonCode(warning.reason), out);

@@ -6,6 +6,8 @@
 //   {"path":"a/b.html","reason":"no_text","text":"no text"}      a file that is no page
 //   {"path":...,"field":"price","value":"cheap","reason":"no_amount","text":...}
 //                                                                a value that its field cannot take
+//   {"path":"a.xhtml","remark":"not_well_formed","subject":"line 3: mismatched tag","text":...}
+//                                                                a page, in the index all the same
 //   {"remark":"unused_boost","where":"x.toml, line 4","subject":"","text":...}
 //                                                                a rule that had no use
 //

@@ -88,6 +88,10 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
     text += "Meta elements that do not fit their field:\n";
     AddGroups(summary.metaValues, text);
   }
+  if (summary.remarks.total != 0) {
+    text += "Pages that browsers may show in another way:\n";
+    AddGroups(summary.remarks, text);
+  }
   for (const Finding& warning : summary.warnings) {
     text += "Warning: " + Shown(FindingText(warning)) + ".\n";
   }

@@ -20,6 +20,7 @@ struct IndexSummary {
   LeftOut files;
   LeftOut otherKinds;             // files of kinds that are not read, by ending
   LeftOut metaValues;             // of meta fields
+  LeftOut remarks;                // on pages that are in the index
   std::vector<Finding> warnings;  // what of the configuration had no use
 };
 

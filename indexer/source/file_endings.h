@@ -17,6 +17,8 @@ namespace vela::indexer {
 using FileEndings = std::array<std::vector<std::string>, kFileTypeCount>;
 
 inline constexpr std::string_view kHtmlEndings[] = {"html", "htm", "xhtml", "xht", "shtml"};
+// Of those, what web servers send as XML, whoever gave them.
+inline constexpr std::string_view kXmlEndings[] = {"xhtml", "xht"};
 inline constexpr std::string_view kTextEndings[] = {"txt", "text", "md"};
 
 struct FileTypeEndings {

@@ -56,6 +56,12 @@ std::string EndingOf(const std::string& name) {
   return dot == name.npos ? std::string() : LowerAsciiCopy(std::string_view(name).substr(dot));
 }
 
+bool IsXml(const std::string& name) {
+  const std::string ending = EndingOf(name);
+  return !ending.empty() &&
+         std::ranges::find(kXmlEndings, ending.substr(1)) != std::end(kXmlEndings);
+}
+
 bool IsFurniture(std::string_view ending) {
   return !ending.empty() && std::ranges::find(kFurniture, ending.substr(1)) != std::end(kFurniture);
 }
@@ -186,7 +192,9 @@ class Walk {
     if (!IsNew(place)) return;
     if (place.file == place.path) place.file.clear();
     std::string address = PageAddress(source_.base, place.path);
-    out_.items.push_back({std::move(place.path), std::move(address), *type, std::move(place.file)});
+    const bool isXml = IsXml(place.path);
+    out_.items.push_back(
+        {std::move(place.path), std::move(address), *type, std::move(place.file), isXml});
   }
 
   // A link that was not followed is worth a word where it might have led to pages.

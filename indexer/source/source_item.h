@@ -12,6 +12,7 @@ struct SourceItem {
   std::string address;  // made by PageAddress
   FileType type = FileType::kHtml;
   std::string file = {};  // like `path`, links resolved; empty where that is the same
+  bool isXml = false;     // of kHtml: web servers send it as XML
 };
 
 }  // namespace vela::indexer

@@ -7,8 +7,9 @@ namespace {
 
 const PageWishes kWishes = {.images = true, .dates = {DateSource::kMeta, DateSource::kFile}};
 
-Reason Read(FileType type, const char* path, const std::string& bytes, Page& page) {
-  const SourceItem item = {path, std::string("https://x.example/") + path, type};
+Reason Read(FileType type, const char* path, const std::string& bytes, Page& page,
+            bool isXml = false) {
+  const SourceItem item = {path, std::string("https://x.example/") + path, type, {}, isXml};
   return ReadPage(item, {.bytes = bytes, .size = bytes.size(), .modifiedTime = 7}, kWishes, {},
                   page);
 }
@@ -77,6 +78,33 @@ TEST(ReadPage, FindsTheDateOfAPage) {
                            "<script>{\"dateModified\": \"2001-09-09\"}</script>x"}) {
     ASSERT_EQ(Read(FileType::kHtml, "a.html", html, page), Reason::kNone);
     EXPECT_EQ(page.facts.time, 7);
+  }
+}
+
+TEST(ReadPage, ReadsAsXmlWhatIsSentOrDeclaredAsThat) {
+  const std::string closed = "<html><nav/>text<p>more</p></html>";
+  const struct {
+    const char* what;
+    std::string markup;
+    bool isXml;
+    const char* text;  // of the first run
+    const char* fault;
+  } kCases[] = {
+      // The element goes on in HTML, and with nothing else the page is its navigation.
+      {"HTML", "<title>T</title>" + closed, false, "", ""},
+      {"sent as XML", closed, true, "text more ", ""},
+      {"declared as XML", "<?xml version='1.0'?>" + closed, false, "text more ", ""},
+      {"sent as XML, and none", "<p>text</b>", true, "text ", "line 1: mismatched tag"},
+      {"the HTML of it", "<p>text<br>more", true, "text more ", "line 1: no element found"},
+      {"declared as XML, and none", "<?xml version='1.0'?><p>text<br>more", false, "text more ",
+       ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    Page page;
+    ASSERT_EQ(Read(FileType::kHtml, "a", c.markup, page, c.isXml), Reason::kNone);
+    EXPECT_EQ(page.content.body.empty() ? "" : page.content.body[0].text, c.text);
+    EXPECT_EQ(page.content.markupFault, c.fault);
   }
 }
 

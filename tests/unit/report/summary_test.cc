@@ -23,6 +23,7 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
   AddLeftOut(summary.files, Reason::kNoindex, "a\x1B[2J.html");
   for (const char* name : {"1", "2", "3", "4"}) AddLeftOut(summary.files, Reason::kCopy, name);
   AddLeftOut(summary.metaValues, Reason::kNoAmount, "a.html", "price", "cheap");
+  AddLeftOut(summary.remarks, Reason::kNotWellFormed, "a.xhtml", {}, "line 3: mismatched tag");
   summary.warnings.push_back({Reason::kUnusedCategory, {}, "News"});
   EXPECT_EQ(SummaryText(summary, "i", 60),
             "Indexed 2 pages with 0 different words in 60.0 seconds.\n"
@@ -33,6 +34,8 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
             "  1  noindex: a?[2J.html\n"
             "Meta elements that do not fit their field:\n"
             "  1  price: no amount: a.html (\"cheap\")\n"
+            "Pages that browsers may show in another way:\n"
+            "  1  no well-formed XHTML, read as HTML: a.xhtml (\"line 3: mismatched tag\")\n"
             "Warning: the category \"News\" fits no page.\n");
 }
 

@@ -66,6 +66,22 @@ TEST(SearchedSite, AMisspelledWordGetsItsSuggestion) {
   EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=language"), "<vela:spelling>"));
 }
 
+TEST(SearchedSite, XmlIsFoundByWhatItSays) {
+  const SearchedSite site;
+  site.Add("a.xhtml",
+           "<html xmlns='http://www.w3.org/1999/xhtml'><head><script src='a.js'/></head>"
+           "<body><p>caf&eacute; <![CDATA[x<y]]></p></body></html>");
+  site.Add("b.xhtml", "<p>na&iuml;ve<br>open");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(site.Found("caf%C3%A9"), "a.xhtml ");
+  EXPECT_EQ(site.Found("y"), "a.xhtml ");
+  EXPECT_EQ(site.Found("na%C3%AFve"), "b.xhtml ");
+  ASSERT_EQ(summary.remarks.entries.size(), 1u);
+  EXPECT_EQ(summary.remarks.entries[0].path, "b.xhtml");
+  EXPECT_EQ(summary.remarks.entries[0].reason, Reason::kNotWellFormed);
+  EXPECT_EQ(summary.remarks.entries[0].value, "line 1: no element found");
+}
+
 TEST(SearchedSite, TheBoxIsCompleted) {
   SearchedSite site;
   site.Add("a.html", "<title>Opening hours</title><h1>When we are open</h1>x");

@@ -184,6 +184,17 @@ TEST(FolderSource, SaysWhenTheSiteCannotBeRead) {
   }
 }
 
+TEST(FolderSource, KnowsWhatIsSentAsXml) {
+  const TestSite site;
+  for (const char* name : {"1.html", "2.XHTML", "3.xht", "4.xhtml.txt"}) site.Add(name, "x");
+  const std::vector<SourceItem> items = ListItems(SourceOf(site.folder)).items;
+  ASSERT_EQ(items.size(), 4u);
+  EXPECT_FALSE(items[0].isXml);
+  EXPECT_TRUE(items[1].isXml);
+  EXPECT_TRUE(items[2].isXml);
+  EXPECT_FALSE(items[3].isXml);
+}
+
 TEST(FolderSource, ItemsHaveAddressesAndAreRead) {
   const TestSite site;
   site.Add("a b.html", "<p>x", 1000000001);
