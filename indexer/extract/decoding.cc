@@ -2,13 +2,17 @@
 
 #include <uchardet/uchardet.h>
 #include <unicode/ucnv.h>
-#include <unicode/unistr.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <new>
+#include <utility>
+#include <vector>
 
+#include "indexer/extract/declared_charset.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/lower_copy.h"
 
@@ -16,46 +20,10 @@ namespace vela::indexer {
 
 namespace {
 
-// How far a declaration of the character set may stand from the start of a page.
-constexpr size_t kDeclarationBytes = 4096;
 // More than this is never needed to recognise a character set.
 constexpr size_t kDetectionBytes = 256 * 1024;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
-
-// The value behind the first `name` in `tag` that is followed by "=", with or without quotes.
-std::string ValueAfter(std::string_view tag, std::string_view name) {
-  for (size_t at = tag.find(name); at != tag.npos; at = tag.find(name, at + 1)) {
-    size_t i = at + name.size();
-    while (i < tag.size() && IsBlank(tag[i])) ++i;
-    if (i >= tag.size() || tag[i] != '=') continue;
-    ++i;
-    while (i < tag.size() && (IsBlank(tag[i]) || tag[i] == '"' || tag[i] == '\'')) ++i;
-    const size_t begin = i;
-    while (i < tag.size() && !IsBlank(tag[i]) && tag[i] != '"' && tag[i] != '\'' && tag[i] != ';' &&
-           tag[i] != '>' && tag[i] != '/' && tag[i] != '?') {
-      ++i;
-    }
-    return std::string(tag.substr(begin, i - begin));
-  }
-  return {};
-}
-
-// The name of the character set that the page declares, in lower case, or an empty text.
-std::string DeclaredCharset(std::string_view bytes) {
-  const std::string head = LowerAsciiCopy(bytes.substr(0, kDeclarationBytes));
-  if (head.starts_with("<?xml")) {
-    std::string name = ValueAfter(std::string_view(head).substr(0, head.find('>')), "encoding");
-    if (!name.empty()) return name;
-  }
-  for (size_t at = head.find("<meta"); at != head.npos; at = head.find("<meta", at + 5)) {
-    const size_t end = head.find('>', at);
-    std::string name =
-        ValueAfter(std::string_view(head).substr(at, end == head.npos ? end : end - at), "charset");
-    if (!name.empty()) return name;
-  }
-  return {};
-}
 
 // The converter to use for a declared name. Browsers read the smaller sets as the larger ones that
 // grew out of them, and so do authors; a page that could be read far enough to find the name is not
@@ -100,25 +68,129 @@ std::string DetectedCharset(std::string_view bytes) {
   return LowerAsciiCopy(uchardet_get_charset(detector.get()));
 }
 
-// False when there is no such converter.
-bool Convert(std::string_view bytes, const std::string& charset, std::string& utf8) {
+struct ConverterCloser {
+  void operator()(UConverter* converter) const { ucnv_close(converter); }
+};
+using ConverterPointer = std::unique_ptr<UConverter, ConverterCloser>;
+
+ConverterPointer OpenConverter(const char* name) {
   UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<UConverter, decltype(&ucnv_close)> converter(
-      ucnv_open(charset.c_str(), &status), &ucnv_close);
-  if (U_FAILURE(status)) return false;
-  const icu::UnicodeString text(bytes.data(), static_cast<int32_t>(bytes.size()), converter.get(),
-                                status);
-  if (U_FAILURE(status)) return false;
+  ConverterPointer converter(ucnv_open(name, &status));
+  if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+  return U_FAILURE(status) ? nullptr : std::move(converter);
+}
+
+// False when there is no such converter. When `budget` refuses more, `utf8` is cut short.
+bool Convert(std::string_view bytes, const std::string& charset, ReadingBudget& budget,
+             std::string& utf8) {
   utf8.clear();
-  text.toUTF8String(utf8);
+  const ConverterPointer from = OpenConverter(charset.c_str());
+  const ConverterPointer to = OpenConverter("UTF-8");
+  if (from == nullptr || to == nullptr) return false;
+  constexpr size_t kPieceBytes = size_t{1} << 16;
+  std::vector<char> piece(kPieceBytes);
+  std::array<UChar, 1024> pivot;
+  UChar* pivotSource = pivot.data();
+  UChar* pivotTarget = pivot.data();
+  const char* source = bytes.data();
+  UErrorCode status = U_BUFFER_OVERFLOW_ERROR;
+  for (bool isFirst = true; status == U_BUFFER_OVERFLOW_ERROR; isFirst = false) {
+    char* target = piece.data();
+    status = U_ZERO_ERROR;
+    ucnv_convertEx(to.get(), from.get(), &target, piece.data() + piece.size(), &source,
+                   bytes.data() + bytes.size(), pivot.data(), &pivotSource, &pivotTarget,
+                   pivot.data() + pivot.size(), isFirst, true, &status);
+    if (U_FAILURE(status) && status != U_BUFFER_OVERFLOW_ERROR) return false;
+    const std::string_view added(piece.data(), static_cast<size_t>(target - piece.data()));
+    if (!TakeBytes(budget, added.size()) || !TakeSteps(budget, added.size())) return true;
+    utf8 += added;
+  }
   return true;
 }
 
-// False when there is no such converter, or one that a declaration in ASCII cannot be true of.
+// False when there is no such converter, or one that a declaration in ASCII cannot be true of. What
+// hides markup in letters is none for pages.
 bool ReadsAscii(const std::string& charset) {
-  constexpr std::string_view kSample = "<meta charset=";
+  constexpr std::string_view kSample = "<meta charset=+ADw->";
+  ReadingBudget budget;
   std::string utf8;
-  return Convert(kSample, charset, utf8) && utf8 == kSample;
+  return Convert(kSample, charset, budget, utf8) && utf8 == kSample;
+}
+
+// The converter for the first name that the page declares and that can be true; empty for none.
+std::string DeclaredConverter(std::string_view bytes) {
+  for (const std::string& declared : DeclaredCharsets(bytes)) {
+    std::string name = ConverterName(declared);
+    if (ReadsAscii(name)) return name;
+  }
+  return {};
+}
+
+// A sign of text, not the first half of a pair: no control character but for blanks.
+bool IsTextUnit(uint32_t unit) {
+  const bool isControl = unit < 0x20 && !IsBlank(static_cast<char>(unit)) && unit != 0x0B;
+  return !isControl && unit != 0xFFFE && unit != 0xFFFF && (unit & 0xFFFFF800U) != 0xD800;
+}
+
+// Whether the bytes are numbers of `width` that stand for text, in the order that `isLittle` says,
+// and one in ten of them is of ASCII, as blanks and markup are everywhere.
+bool IsUnicodeText(std::string_view bytes, size_t width, bool isLittle) {
+  constexpr size_t kUnitLimit = 2048;
+  constexpr uint32_t kTextPlanes = 0x40000;
+  if (bytes.size() < 2 * width || bytes.size() % width != 0) return false;
+  const size_t count = std::min(bytes.size() / width, kUnitLimit);
+  size_t ascii = 0;
+  bool isPair = false;  // the unit before is its first half
+  for (size_t i = 0; i < count; ++i) {
+    uint32_t unit = 0;
+    for (size_t k = 0; k < width; ++k) {
+      const size_t at = i * width + (isLittle ? width - 1 - k : k);
+      unit = unit << 8 | static_cast<unsigned char>(bytes[at]);
+    }
+    const bool isLow = width == 2 && unit >= 0xDC00 && unit <= 0xDFFF;
+    const bool isHigh = width == 2 && unit >= 0xD800 && unit <= 0xDBFF;
+    if (isPair != isLow || unit >= kTextPlanes) return false;
+    if (!isLow && !isHigh && !IsTextUnit(unit)) return false;
+    isPair = isHigh;
+    if (unit < 0x80) ++ascii;
+  }
+  return ascii * 10 >= count;
+}
+
+struct UnicodeForm {
+  std::string_view mark;
+  size_t width;  // of its numbers, in bytes
+  bool isLittle;
+  const char* charset;
+};
+// The longer marks first: one begins as another does.
+constexpr UnicodeForm kUnicodeForms[] = {
+    {std::string_view("\xFF\xFE\0\0", 4), 4, true, "UTF-32LE"},
+    {std::string_view("\0\0\xFE\xFF", 4), 4, false, "UTF-32BE"},
+    {"\xFF\xFE", 2, true, "UTF-16LE"},
+    {"\xFE\xFF", 2, false, "UTF-16BE"},
+};
+
+// The form of Unicode that is no UTF-8, and whether a mark says so; null for none.
+const UnicodeForm* WideUnicode(std::string_view bytes, bool& isMarked) {
+  isMarked = true;
+  for (const UnicodeForm& form : kUnicodeForms) {
+    if (bytes.starts_with(form.mark) && (form.width == 2 || bytes.size() % 4 == 0)) return &form;
+  }
+  isMarked = false;
+  for (const UnicodeForm& form : kUnicodeForms) {
+    if (IsUnicodeText(bytes, form.width, form.isLittle)) return &form;
+  }
+  return nullptr;
+}
+
+// ISO-2022-JP is ASCII but for the sequences that switch to Japanese and back.
+bool IsJapaneseBySwitches(std::string_view bytes) {
+  const size_t to = std::min(bytes.find("\x1B$B"), bytes.find("\x1B$@"));
+  if (to == bytes.npos) return false;
+  const size_t back = std::min(bytes.find("\x1B(B", to), bytes.find("\x1B(J", to));
+  return back != bytes.npos &&
+         std::ranges::all_of(bytes, [](char c) { return static_cast<signed char>(c) >= 0; });
 }
 
 // Text holds hardly any control bytes; a picture or an archive is full of them.
@@ -151,34 +223,36 @@ bool MostlyUtf8(std::string_view text) {
 
 }  // namespace
 
-Reason ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8) {
-  if (bytes.starts_with("\xEF\xBB\xBF")) {
-    utf8 = RepairedUtf8(bytes.substr(3));
-  } else if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
-    const bool little = bytes[0] == '\xFF';
-    if (!Convert(bytes.substr(2), little ? "UTF-16LE" : "UTF-16BE", utf8)) {
-      return Reason::kNotConverted;
-    }
+Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
+                     std::string& utf8) {
+  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+  bool isMarked = false;
+  if (bytes.starts_with(kUtf8Mark)) {
+    utf8 = RepairedUtf8(bytes.substr(kUtf8Mark.size()));
+  } else if (const UnicodeForm* form = WideUnicode(bytes, isMarked); form != nullptr) {
+    if (isMarked) bytes.remove_prefix(form->mark.size());
+    if (!Convert(bytes, form->charset, budget, utf8)) return Reason::kNotConverted;
   } else {
     if (LooksBinary(bytes)) return Reason::kBinary;
-    std::string declared = isHtml ? ConverterName(DeclaredCharset(bytes)) : std::string();
-    if (!declared.empty() && !ReadsAscii(declared)) declared.clear();
+    std::string declared = isHtml ? DeclaredConverter(bytes) : std::string();
+    if (declared.empty() && IsJapaneseBySwitches(bytes)) declared = "iso-2022-jp";
     const bool valid = IsValidUtf8(bytes);
     if (valid && (declared.empty() || declared == "utf-8")) {
       utf8.assign(bytes);
     } else if (declared == "utf-8" && MostlyUtf8(bytes)) {
       utf8 = RepairedUtf8(bytes);
-    } else if (declared.empty() || declared == "utf-8" || !Convert(bytes, declared, utf8)) {
+    } else if (declared.empty() || declared == "utf-8" || !Convert(bytes, declared, budget, utf8)) {
       if (valid) {
         utf8.assign(bytes);
       } else if (const std::string detected = DetectedCharset(bytes);
-                 detected.empty() || !Convert(bytes, ConverterName(detected), utf8)) {
-        if (!Convert(bytes, "windows-1252", utf8)) return Reason::kNotConverted;
+                 detected.empty() || !Convert(bytes, ConverterName(detected), budget, utf8)) {
+        if (!Convert(bytes, "windows-1252", budget, utf8)) return Reason::kNotConverted;
       }
     }
   }
+  CheckBudget(budget);
   std::ranges::replace(utf8, '\0', ' ');
-  return Reason::kNone;
+  return budget.status;
 }
 
 }  // namespace vela::indexer

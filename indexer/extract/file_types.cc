@@ -20,7 +20,7 @@ namespace {
 Reason ReadHtml(const SourceItem& item, std::string bytes, ReadingBudget& budget,
                 PageContent& content) {
   std::string text;
-  Reason reason = ConvertToUtf8(bytes, true, text);
+  Reason reason = ConvertToUtf8(bytes, true, budget, text);
   if (reason != Reason::kNone) return reason;
   bytes = {};
   std::string fault;
@@ -38,7 +38,7 @@ Reason ReadHtml(const SourceItem& item, std::string bytes, ReadingBudget& budget
 Reason ReadPlainText(const SourceItem&, std::string bytes, ReadingBudget& budget,
                      PageContent& content) {
   std::string text;
-  const Reason reason = ConvertToUtf8(bytes, false, text);
+  const Reason reason = ConvertToUtf8(bytes, false, budget, text);
   if (reason != Reason::kNone) return reason;
   bytes = {};
   if (!TakeBytes(budget, text.size())) return budget.status;

@@ -18,6 +18,7 @@ namespace vela::indexer {
 enum class Attribute : uint8_t {
   kAlt,
   kAriaHidden,
+  kCharset,
   kColor,
   kContent,
   kDatetime,

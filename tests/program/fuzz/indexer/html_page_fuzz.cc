@@ -21,7 +21,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace vela;
   using namespace vela::fuzz;
   std::string html;
-  if (indexer::ConvertToUtf8(Text(data, size), true, html) != indexer::Reason::kNone) return 0;
+  indexer::ReadingBudget budget;
+  if (indexer::ConvertToUtf8(Text(data, size), true, budget, html) != indexer::Reason::kNone)
+    return 0;
   indexer::PageContent first;
   indexer::PageContent second;
   const indexer::Reason reason = Parse(html, first);

@@ -29,7 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace vela;
   using namespace vela::fuzz;
   std::string xml;
-  if (indexer::ConvertToUtf8(Text(data, size), true, xml) != indexer::Reason::kNone) return 0;
+  indexer::ReadingBudget budget;
+  if (indexer::ConvertToUtf8(Text(data, size), true, budget, xml) != indexer::Reason::kNone)
+    return 0;
   const Reading first = Read(xml);
   const Reading second = Read(xml);
   VELA_CHECK(first.reason == second.reason && first.fault == second.fault);
