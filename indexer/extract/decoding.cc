@@ -236,6 +236,8 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
     if (LooksBinary(bytes)) return Reason::kBinary;
     std::string declared = isHtml ? DeclaredConverter(bytes) : std::string();
     if (declared.empty() && IsJapaneseBySwitches(bytes)) declared = "iso-2022-jp";
+    CheckBudget(budget);
+    if (budget.status != Reason::kNone) return budget.status;
     const bool valid = IsValidUtf8(bytes);
     if (valid && (declared.empty() || declared == "utf-8")) {
       utf8.assign(bytes);
