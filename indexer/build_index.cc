@@ -13,6 +13,7 @@
 #include "indexer/collect/recommended_pages.h"
 #include "indexer/config/language_file.h"
 #include "indexer/extract/read_page.h"
+#include "indexer/publish/former_settings.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
 #include "indexer/publish/public_files.h"
@@ -32,7 +33,6 @@
 #include "indexer/write/settings_writer.h"
 #include "indexer/write/spelling_writer.h"
 #include "indexer/write/word_map_writer.h"
-#include "settings/settings_file.h"
 
 namespace vela::indexer {
 
@@ -158,24 +158,14 @@ void WriteReport(const Run& run) {
   file.Finish();
 }
 
-// The pages of the index that this run will replace; 0 when there is none that can be read.
-uint64_t FormerPages(const IndexFolder& folder) {
-  constexpr uint64_t kSettingsLimit = uint64_t{16} << 20;
-  FileContent file;
-  std::error_code error;  // without such a file the path is empty, and none is read
-  const std::string path = fs::canonical(folder.target() / kSettingsFileName, error).string();
-  if (ReadRegularFile(path, kSettingsLimit, file) != Reason::kNone) return 0;
-  const auto settings = std::make_unique<Settings>();
-  if (ReadSettings(*settings, file.bytes) != SettingsStatus::kOk) return 0;
-  return static_cast<uint64_t>(std::max(settings->NumPages, 0));
-}
-
 // A site that lost many of its pages at once is more often half copied or not mounted than smaller.
 void CheckMissingPages(const Run& run, uint64_t pages) {
   constexpr uint64_t kWhole = 100;
   const Options& options = run.options;
   if (options.acceptFewer || options.missingPercentLimit >= kWhole) return;
-  const uint64_t former = FormerPages(run.folder);
+  const std::unique_ptr<Settings> settings = ReadFormerSettings(run.folder.target());
+  if (settings == nullptr) return;
+  const auto former = static_cast<uint64_t>(std::max(settings->NumPages, 0));
   if (pages * kWhole >= former * (kWhole - options.missingPercentLimit)) return;
   throw IndexError(ExitStatus::kShrunk,
                    "Only " + CountText(pages) + " pages were found where the index has " +

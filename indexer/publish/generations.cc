@@ -95,7 +95,8 @@ void Generations::Begin() {
     std::error_code none;
     const fs::path current = fs::read_symlink(target_ / kCurrentGeneration, none);
     if (!current.empty() && fs::is_directory(folder_ / current)) former_ = folder_ / current;
-    isPlainIndexDone_ = !former_.empty() && IsLongFormer(target_ / kCurrentGeneration);
+    // Its settings lie in the index folder itself until then.
+    isPlainIndexDone_ = !former_.empty() && IsLongFormer(target_ / kCurrentGeneration, target_);
     Sweep();
     error = MakeFreshFolder(folder_ / kNew, fresh_);
   }

@@ -10,6 +10,7 @@
 #include <cstdlib>
 
 #include "indexer/publish/carry_over.h"
+#include "indexer/publish/former_settings.h"
 #include "indexer/report/index_error.h"
 #include "text/ascii.h"
 
@@ -54,11 +55,11 @@ int IndexPlace::TakeLock(const fs::path& file) {
   }
 }
 
-bool IndexPlace::IsLongFormer(const fs::path& folder) const {
+bool IndexPlace::IsLongFormer(const fs::path& folder, const fs::path& index) const {
   struct stat info = {};
   if (lstat(folder.c_str(), &info) != 0) return false;
   // The time of the last change to the folder itself, which nobody can set back.
-  return info.st_ctim.tv_sec + kFormerIndexSeconds <= system_.now();
+  return info.st_ctim.tv_sec + SecondsToKeep(index) <= system_.now();
 }
 
 int MakeFreshFolder(const fs::path& prefix, fs::path& made) {

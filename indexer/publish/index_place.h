@@ -2,7 +2,8 @@
 //
 // A search opens the files of its index one after the other, through one handle of the folder that
 // it takes at its start. So a new index is made whole in a folder of its own, is put into place in
-// one step, and the former one stays, all of it, as long as a search may go on reading it.
+// one step, and the former one stays, all of it, as long as a search may go on reading it
+// (former_settings.h); the first run after that time removes it.
 #pragma once
 
 #include <sys/types.h>
@@ -17,10 +18,6 @@
 #include "indexer/publish/run_lock.h"
 
 namespace vela::indexer {
-
-// How long a former index is kept at least, in seconds: longer than a web server lets a program
-// run. It is removed by the first run after that time.
-constexpr std::time_t kFormerIndexSeconds = 60;
 
 // What is asked of the system and of the caller; tests put their own in its place.
 struct PublishSystem {
@@ -58,8 +55,12 @@ class IndexPlace {
 
   // Takes the lock, as often as system_.whenBusy asks for it. 0, or the error number.
   int TakeLock(const std::filesystem::path& file);
-  // Whether the folder was renamed, or otherwise marked as former, long enough ago.
-  bool IsLongFormer(const std::filesystem::path& folder) const;
+  // Whether the folder was renamed, or otherwise marked as former, long enough ago for the searches
+  // in the index that lies in `index`.
+  bool IsLongFormer(const std::filesystem::path& folder, const std::filesystem::path& index) const;
+  bool IsLongFormer(const std::filesystem::path& folder) const {
+    return IsLongFormer(folder, folder);
+  }
 
   std::filesystem::path target_;
   std::filesystem::path fresh_;  // empty once it is in place

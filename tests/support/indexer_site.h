@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "indexer/build_index.h"
+#include "support/index_builder.h"
 #include "support/scratch_directory.h"
 
 namespace vela::indexer {
@@ -30,6 +31,13 @@ inline std::string ReadFile(const std::filesystem::path& path) {
 inline void SetTime(const std::filesystem::path& path, int64_t seconds) {
   const struct timespec times[2] = {{seconds, 0}, {seconds, 0}};
   utimensat(AT_FDCWD, path.c_str(), times, 0);
+}
+
+// A settings file that is read without a fault and holds that one setting.
+inline std::string SettingsFileWith(const std::string& setting) {
+  std::string lines = setting + "\n";
+  for (const auto& text : support::kLanguageTexts) lines += std::string(text.key) + " = \"text\"\n";
+  return lines;
 }
 
 struct TestSite {

@@ -13,6 +13,8 @@ namespace vela::indexer {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::time_t kFormerSeconds = 60;  // that an index without readable settings is kept
 using Names = std::vector<std::string>;
 
 Names NamesIn(const fs::path& folder) {
@@ -85,7 +87,7 @@ TEST(Generations, FormerOnesGoAfterTheirTime) {
   for (int i = 0; i < 3; ++i) volume.Run({"settings.vdat"}, "x");
   EXPECT_EQ(NamesIn(volume.index / kGenerations), (Names{"1", "2", "3", "current"}));
   fs::create_directory(volume.index / kGenerations / "new-aB3dE6");  // of a killed run
-  volume.later = kFormerIndexSeconds + 1;
+  volume.later = kFormerSeconds + 1;
   volume.Run({"settings.vdat"}, "x");
   EXPECT_EQ(NamesIn(volume.index / kGenerations), (Names{"3", "4", "current"}));
 }
@@ -182,11 +184,24 @@ TEST(Generations, TakeInTheIndexThatIsThere) {
     ASSERT_TRUE(file.Open(search, name, false)) << name;
     EXPECT_EQ(file.bytes(), std::string("plain ") + name);
   }
-  volume.later = kFormerIndexSeconds + 1;
+  volume.later = kFormerSeconds + 1;
   volume.Run({"settings.vdat", "style.css"}, "4");
   EXPECT_EQ(volume.Delivered("settings.vdat"), "4 settings.vdat");
   EXPECT_EQ(NamesIn(volume.index),
             (Names{".generations", "logs", "search.cgi", "settings.vdat", "style.css"}));
+}
+
+TEST(Generations, ThePlainIndexStaysAsLongAsItsOwnSearchesMayTake) {
+  Volume volume;
+  const std::string plain = SettingsFileWith("MaxSearchTime = 100");
+  WriteFile(volume.index / "settings.vdat", plain);
+  volume.Run({"settings.vdat"}, "2");
+  volume.later = 100;
+  volume.Run({"settings.vdat"}, "3");
+  EXPECT_EQ(volume.Delivered("settings.vdat"), plain);
+  volume.later = 111;
+  volume.Run({"settings.vdat"}, "4");
+  EXPECT_EQ(volume.Delivered("settings.vdat"), "4 settings.vdat");
 }
 
 TEST(Generations, BeginAnewWhenSomebodyRemovedThem) {

@@ -14,6 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::time_t kFormerSeconds = 60;  // that an index without readable settings is kept
+
 // The random end of a name is shown as XXXXXX.
 std::vector<std::string> NamesIn(const fs::path& folder) {
   std::vector<std::string> names;
@@ -178,7 +180,7 @@ TEST(IndexFolder, AReadOnlyFolderIsCarriedOverAgainAndAgain) {
   EXPECT_EQ(ReadFile(index / "pictures/old/a.png"), "picture");
   EXPECT_EQ(fs::status(index / "pictures/old").permissions(), fs::perms(0555));
   // The next run after a while removes read-only folders, too.
-  { const IndexFolder folder(index, Later(kFormerIndexSeconds)); }
+  { const IndexFolder folder(index, Later(kFormerSeconds)); }
   EXPECT_EQ(NamesIn(scratch.path()), Names{"index"});
   // So that the scratch directory can be removed.
   for (const char* name : {"pictures", "pictures/old"}) {
@@ -253,11 +255,23 @@ TEST(IndexFolder, AFormerFolderGoesWithTheFirstRunAfterItsTime) {
   const fs::path index = scratch.path() / "index";
   Publish(index, "1");
   Publish(index, "2");
-  Publish(index, "3", Later(kFormerIndexSeconds - 30));
+  Publish(index, "3", Later(kFormerSeconds - 30));
   EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", ".index.old-XXXXXX", "index"}));
-  Publish(index, "4", Later(kFormerIndexSeconds + 1));
+  Publish(index, "4", Later(kFormerSeconds + 1));
   EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", "index"}));
   EXPECT_EQ(ReadFile(index / "settings.vdat"), "4");
+}
+
+TEST(IndexFolder, AFormerFolderStaysAsLongAsItsOwnSearchesMayTake) {
+  const support::ScratchDirectory scratch;
+  const fs::path index = scratch.path() / "index";
+  Publish(index, SettingsFileWith("MaxSearchTime = 100"));
+  Publish(index, SettingsFileWith("MaxSearchTime = 10"));
+  Publish(index, SettingsFileWith("MaxSearchTime = 10"), Later(100));
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", ".index.old-XXXXXX", "index"}));
+  Publish(index, SettingsFileWith("MaxSearchTime = 10"),
+          Later(111));  // the one of 100 seconds, and the next
+  EXPECT_EQ(NamesIn(scratch.path()), (Names{".index.old-XXXXXX", "index"}));
 }
 
 TEST(IndexFolder, WhatKilledRunsLeftGoes) {
