@@ -100,13 +100,11 @@ struct SitePages {
                     .charset = run.charset,
                     .memory = run.options.memoryMegabytes * kMegabyte},
                    run.folder.fresh()),
-        recommended(run.options.config.recommended, run.base),
         text(run.folder.fresh()),
         table(run.folder.fresh() / kPageInfoFileName, run.folder.fresh() / kPageDataFileName,
               run.charset) {}
 
   PageCollection collection;
-  RecommendedPages recommended;
   PageTextWriter text;
   PageTableWriter table;
 };
@@ -136,11 +134,11 @@ Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& p
   Page page;
   Reason reason = ReadItemPage(reading, item, page);
   if (reason != Reason::kNone) return reason;
-  JoinedPage joined;
-  reason = AddPage(page, pages.collection, joined);
+  PageEntry entry;
+  reason = AddPage(page, pages.collection, entry);
   if (reason != Reason::kNone) return reason;
   pages.text.AddPage(pages.collection.tokens.tokens);
-  pages.recommended.Note(joined.addresses, pages.table.AddPage(joined.entry));
+  pages.table.AddPage(entry);
   if (!page.content.markupFault.empty()) {
     AddLeftOut(remarks, Reason::kNotWellFormed, item.path, {}, page.content.markupFault);
   }
@@ -249,9 +247,6 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
                                      wordMap.offsets, run.charset);
   uint64_t bytes = wordMap.fileBytes + facts.dictionary.fileBytes;
   bytes += pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
-  const PageTableWriter::Sizes table = pages.table.Finish();
-  facts.pageInfoBytes = table.infoBytes;
-  bytes += table.infoBytes + table.dataBytes;
   if (run.options.config.spelling) {
     const SpellingSizes spelling =
         WriteSpelling(fresh / kSpellingFileName, vocabulary, order, firstWord);
@@ -261,18 +256,31 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   return bytes;
 }
 
+// Settles in the page table what is known of pages only when all are read.
+void SettlePages(Run& run, SitePages& pages) {
+  for (const MoreCategories& more : CategoriesOfCopies(pages.collection)) {
+    pages.table.AddToCategories(more.page, more.categories);
+  }
+  std::vector<Finding>& warnings = run.summary.warnings;
+  std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
+  std::ranges::move(UnusedFields(pages.collection), std::back_inserter(warnings));
+}
+
 // The files that help a visitor beside the words. Returns the size of all.
 uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
   const SiteConfig& config = run.options.config;
   std::vector<Finding>& warnings = run.summary.warnings;
-  std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
-  std::ranges::move(UnusedFields(pages.collection), std::back_inserter(warnings));
   uint64_t bytes = 0;
   size_t longest = 0;
   if (!config.recommended.empty()) {
-    RecommendedSizes sizes = WriteRecommended(fresh / kRecommendedFileName, config.recommended,
-                                              pages.recommended, run.charset);
+    std::vector<Recommendation> recommendations;
+    for (const RecommendedRule& rule : config.recommended) {
+      recommendations.push_back(
+          {rule, RecommendedPage(rule, pages.collection.addresses, run.base)});
+    }
+    RecommendedSizes sizes =
+        WriteRecommended(fresh / kRecommendedFileName, recommendations, pages.table, run.charset);
     facts.recommended = sizes.entries;
     longest = sizes.longestLine;
     bytes += sizes.fileBytes;
@@ -328,7 +336,11 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   ReadPages(source, run, pages);
   IndexFacts facts;
   uint64_t bytes = WriteWords(run, pages, facts);
+  SettlePages(run, pages);
   bytes += WriteHelp(run, pages, facts);
+  const PageTableWriter::Sizes table = pages.table.Finish();
+  facts.pageInfoBytes = table.infoBytes;
+  bytes += table.infoBytes + table.dataBytes;
   bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,
                          language.strings);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);

@@ -1,5 +1,8 @@
 #include "indexer/collect/equal_pages.h"
 
+#include <string>
+#include <string_view>
+
 #include "indexer/words/clean_text.h"
 
 namespace vela::indexer {
@@ -35,15 +38,17 @@ std::string BodyText(const PageContent& content) {
 
 }  // namespace
 
-bool EqualPages::IsRepeated(const Page& page) {
+std::optional<uint32_t> EqualPages::EqualTo(const Page& page, uint32_t number) {
   const PageContent& content = page.content;
   const std::string text = BodyText(content);
-  if (text.size() < kLeastBytes) return false;
+  if (text.size() < kLeastBytes) return std::nullopt;
   const std::string_view path = page.facts.path;
   Fingerprint body;
   body.Add(path.substr(0, path.rfind('.')));
   body.Add(text);
-  if (page.facts.fileType == FileType::kText && bodies_.contains(body.value())) return true;
+  if (page.facts.fileType == FileType::kText) {
+    if (const auto made = bodies_.find(body.value()); made != bodies_.end()) return made->second;
+  }
   Fingerprint whole;
   whole.Add(content.title);
   whole.Add(content.description);
@@ -52,9 +57,10 @@ bool EqualPages::IsRepeated(const Page& page) {
     whole.Add(value);
   }
   whole.Add(text);
-  if (!whole_.insert(whole.value()).second) return true;
-  if (page.facts.fileType == FileType::kHtml) bodies_.insert(body.value());
-  return false;
+  const auto [same, isNew] = whole_.try_emplace(whole.value(), number);
+  if (!isNew) return same->second;
+  if (page.facts.fileType == FileType::kHtml) bodies_.try_emplace(body.value(), number);
+  return std::nullopt;
 }
 
 }  // namespace vela::indexer

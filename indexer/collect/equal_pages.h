@@ -2,26 +2,27 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
-#include <string_view>
-#include <unordered_set>
+#include <optional>
+#include <unordered_map>
 
 #include "indexer/extract/page.h"
 
 namespace vela::indexer {
 
-// Pages come one by one. Of each two numbers stay in memory.
+// Pages come one by one. Of each two fingerprints stay in memory.
 class EqualPages {
  public:
-  // Whether a page before had the same title, description, meta elements and text, as a copy or a
-  // hard link has, or was the HTML page made of this text file: the same name but for its ending,
-  // and the same text. Pages of little text are never equal: forms and lists of pictures would be.
-  // A page that is not equal is remembered.
-  [[nodiscard]] bool IsRepeated(const Page& page);
+  // The number of a page before that had the same title, description, meta elements and text, as a
+  // copy or a hard link has, or was the HTML page made of this text file: the same name but for its
+  // ending, and the same text. Pages of little text are never equal: forms and lists of pictures
+  // would be. A page that is equal to none is remembered as page `number`.
+  [[nodiscard]] std::optional<uint32_t> EqualTo(const Page& page, uint32_t number);
 
  private:
-  std::unordered_set<uint64_t> whole_;   // title, description, meta elements, text
-  std::unordered_set<uint64_t> bodies_;  // path without its ending, text; of HTML pages
+  using Numbers = std::unordered_map<uint64_t, uint32_t>;  // by the fingerprint
+
+  Numbers whole_;   // of title, description, meta elements, text
+  Numbers bodies_;  // of path without its ending, text; HTML pages
 };
 
 }  // namespace vela::indexer

@@ -1,6 +1,8 @@
 #include "indexer/collect/page_collection.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "format/page_data.h"
 #include "format/word_map.h"
@@ -59,6 +61,25 @@ void AddWords(const Page& page, const std::string& addressText, PageCollection& 
   collection.tokenCount += tokens.tokens.size();
 }
 
+// The addresses by which rules may name a page: those of its file, of the folder whose index page
+// it is, and the one that it is indexed under.
+std::vector<std::string> NamesOf(const std::string& own, const std::string& indexed) {
+  std::vector<std::string> names = {own};
+  if (indexed != own) names.push_back(indexed);
+  std::string folder = FolderOfIndexPage(own);
+  if (!folder.empty() && folder != indexed) names.push_back(std::move(folder));
+  return names;
+}
+
+// Leaves a page out for another one, which stands for it from now on.
+void LeaveOutCopy(const std::string& address, PageCollection& collection) {
+  const std::vector<std::string> names = NamesOf(address, address);
+  std::string categories =
+      collection.rules.CategoriesOf({.base = collection.input.base, .all = names});
+  if (categories.find_first_not_of('\0') == categories.npos) return;
+  collection.copies.push_back({.address = address, .categories = std::move(categories)});
+}
+
 }  // namespace
 
 PageCollection::PageCollection(const CollectionInput& collectionInput,
@@ -70,22 +91,31 @@ PageCollection::PageCollection(const CollectionInput& collectionInput,
       rules(input.config),
       usedFields(input.config.fields.size()) {}
 
-Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined) {
+Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
   const PageFacts& facts = page.facts;
   std::string address;
   const Reason reason = collection.addresses.Choose(facts.address, facts.canonical, address);
-  if (reason != Reason::kNone) return reason;
+  if (reason != Reason::kNone) {
+    LeaveOutCopy(facts.address, collection);
+    return reason;
+  }
   const std::string stored = StoredAddress(address);
   if (stored.size() > kAddressLimit) return Reason::kAddressTooLong;
-  if (collection.equal.IsRepeated(page)) return Reason::kEqual;
+  const auto number = static_cast<uint32_t>(collection.pages.size());
+  const std::optional<uint32_t> equal = collection.equal.EqualTo(page, number);
+  for (const std::string& each : {address, facts.address}) {
+    collection.addresses.Note(each, equal.value_or(number));
+  }
+  if (equal.has_value()) {
+    LeaveOutCopy(facts.address, collection);
+    return Reason::kEqual;
+  }
   std::string image = StoredAddress(facts.image);
   if (image.size() > kAddressLimit) image.clear();
 
-  joined.addresses = {address};
-  if (facts.address != address) joined.addresses.push_back(facts.address);
-  SiteRules::Outcome outcome =
-      collection.rules.Apply({.base = collection.input.base, .all = joined.addresses});
-  joined.entry = {
+  SiteRules::Outcome outcome = collection.rules.Apply(
+      {.base = collection.input.base, .all = NamesOf(facts.address, address)});
+  entry = {
       .address = stored,
       .title = facts.title,
       .description = page.content.description,
@@ -104,6 +134,17 @@ Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined)
   }
   collection.sourceBytes += facts.fileSize;
   return Reason::kNone;
+}
+
+std::vector<MoreCategories> CategoriesOfCopies(PageCollection& collection) {
+  std::vector<MoreCategories> more;
+  for (CopyLeftOut& copy : std::exchange(collection.copies, {})) {
+    const std::optional<uint32_t> page = collection.addresses.PageAt(copy.address);
+    if (!page.has_value()) continue;
+    collection.rules.UseCategories(copy.categories);
+    more.push_back({.page = *page, .categories = std::move(copy.categories)});
+  }
+  return more;
 }
 
 std::vector<Finding> UnusedFields(const PageCollection& collection) {

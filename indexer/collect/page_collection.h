@@ -31,6 +31,12 @@ struct CollectionInput {
   size_t memory = 0;  // bytes that collected words may take before they go to disk
 };
 
+// A page that is left out for another one.
+struct CopyLeftOut {
+  std::string address;
+  std::string categories;  // that its address would put it in; see category_set.h
+};
+
 struct PageCollection {
   // `folder` is where temporary files may lie.
   PageCollection(const CollectionInput& collectionInput, const std::filesystem::path& folder);
@@ -45,23 +51,30 @@ struct PageCollection {
   std::vector<PageLengths> pages;
   SuggestionList suggestions;
   SiteRules rules;
-  LeftOut metaValues;            // of the fields
-  std::vector<bool> usedFields;  // beside the fields: some page has an element for it
-  PageTokens tokens;             // of the page that joined last
-  uint64_t tokenCount = 0;       // of all pages
-  uint64_t sourceBytes = 0;      // of the pages' files
+  LeftOut metaValues;               // of the fields
+  std::vector<bool> usedFields;     // beside the fields: some page has an element for it
+  std::vector<CopyLeftOut> copies;  // those that rules put into a category
+  PageTokens tokens;                // of the page that joined last
+  uint64_t tokenCount = 0;          // of all pages
+  uint64_t sourceBytes = 0;         // of the pages' files
 };
 
-// What the page table and the recommended pages need of the page that joined.
-struct JoinedPage {
-  PageEntry entry;
-  std::vector<std::string> addresses;  // under which it is known, the stored one first
-};
-
-// Joins one page to the collection; its tokens are then in `collection.tokens`. kCopy, kEqual,
+// Joins one page to the collection: its tokens are then in `collection.tokens`, what the page table
+// keeps of it in `entry`. kCopy, kEqual,
 // kAddressTooLong: it is left out. Throws IndexError when the index is full or a temporary file
 // cannot be written.
-[[nodiscard]] Reason AddPage(const Page& page, PageCollection& collection, JoinedPage& joined);
+[[nodiscard]] Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry);
+
+// A page of the index, and categories that it is in beside those of its own addresses.
+struct MoreCategories {
+  uint32_t page = 0;
+  std::string categories;
+};
+
+// The categories that pages get from copies which were left out for them: an owner may know a page
+// by any of its addresses. Once, when all pages have joined. Boosts are not handed on: a rule that
+// puts printer's copies back means the copies.
+std::vector<MoreCategories> CategoriesOfCopies(PageCollection& collection);
 
 // The fields that no page has an element for.
 std::vector<Finding> UnusedFields(const PageCollection& collection);

@@ -26,9 +26,17 @@ uint8_t SiteRules::BoostOf(const PageAddresses& page) {
 }
 
 SiteRules::Outcome SiteRules::Apply(const PageAddresses& page) {
-  Outcome outcome = {.categories = CategorySet(categories_, page), .boost = BoostOf(page)};
-  AddCategories(outcome.categories, usedCategories_);
+  Outcome outcome = {.categories = CategoriesOf(page), .boost = BoostOf(page)};
+  UseCategories(outcome.categories);
   return outcome;
+}
+
+std::string SiteRules::CategoriesOf(const PageAddresses& copy) const {
+  return CategorySet(categories_, copy);
+}
+
+void SiteRules::UseCategories(std::string_view categories) {
+  AddCategories(categories, usedCategories_);
 }
 
 std::vector<Finding> SiteRules::Unused() const {

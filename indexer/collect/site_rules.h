@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "indexer/config/site_config.h"
@@ -21,6 +22,11 @@ class SiteRules {
     uint8_t boost = 0;       // tenths, of the first rule that fits; 0 for none
   };
   Outcome Apply(const PageAddresses& page);
+
+  // The categories alone, for a copy that is left out for another page; whether they are used is
+  // settled with that page, by UseCategories.
+  std::string CategoriesOf(const PageAddresses& copy) const;
+  void UseCategories(std::string_view categories);
 
   // The rules that fitted no page up to now, categories first.
   std::vector<Finding> Unused() const;

@@ -209,6 +209,12 @@ std::string StoredAddress(std::string_view address) {
   return out;
 }
 
+std::string FolderOfIndexPage(const std::string& address) {
+  const size_t name = address.rfind('/') + 1;
+  const bool isIndexPage = std::string_view(address).substr(name).starts_with("index.");
+  return isIndexPage ? address.substr(0, name) : std::string();
+}
+
 std::string AddressText(std::string_view address, std::string_view base) {
   const std::string_view fullPath = SplitAddress(address).path;
   const std::string_view basePath = SplitAddress(base).path;

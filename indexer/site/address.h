@@ -33,6 +33,10 @@ std::string InSpellingOf(std::string_view base, std::string_view address);
 // attribute or a line.
 std::string StoredAddress(std::string_view address);
 
+// The folder that a page named "index." stands for, whose address servers answer with it; empty for
+// another page.
+std::string FolderOfIndexPage(const std::string& address);
+
 // The words of an address: the path below `base` decoded, without the name's extension.
 std::string AddressText(std::string_view address, std::string_view base);
 

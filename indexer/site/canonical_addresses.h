@@ -1,23 +1,26 @@
-// canonical_addresses.h: under which address a page is indexed, and which pages are copies.
+// canonical_addresses.h: under which address a page is indexed, which pages are copies, and which
+// page stands for an address.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "indexer/report/reason.h"
 
 namespace vela::indexer {
 
-// Pages come one by one; what was decided for one holds when the next comes.
+// Pages come one by one; what was decided for one holds when the next comes. A folder's address
+// means the first page named "index." in it, unless a page has taken it for its own.
 class CanonicalAddresses {
  public:
   // `base` is the site's address, ending in "/".
   explicit CanonicalAddresses(std::string base) : base_(std::move(base)) {}
 
   // An address of the site, made by PageAddress. All of them come before the first page.
-  void AddItem(const std::string& address) { items_.insert(address); }
+  void AddItem(const std::string& address);
 
   // Settles the address of the page `own` that names `canonical` as its own (whole and encoded;
   // empty: none). A page of the site that is named so stays where it is; one elsewhere is an
@@ -26,13 +29,23 @@ class CanonicalAddresses {
   [[nodiscard]] Reason Choose(const std::string& own, const std::string& canonical,
                               std::string& address);
 
+  // Notes that `page`, a number in the index, stands for that address: it is its own, or that of a
+  // page which says the same.
+  void Note(const std::string& address, uint32_t page);
+
+  // The page that stands for an address of the site, also when it is that of a page left out as a
+  // copy. None before the page was noted.
+  std::optional<uint32_t> PageAt(const std::string& address) const;
+
  private:
+  const std::string& ItemAt(const std::string& address) const;
   bool LeadsBack(const std::string& from, const std::string& own) const;
 
   std::string base_;
-  std::unordered_set<std::string> items_;
-  std::unordered_set<std::string> used_;                 // canonical ones that no item has
-  std::unordered_map<std::string, std::string> copies_;  // left out, and of which item
+  // Of items, and canonical ones that no item has.
+  std::unordered_map<std::string, std::optional<uint32_t>> pages_;
+  std::unordered_map<std::string, std::string> copies_;      // left out, and of which address
+  std::unordered_map<std::string, std::string> indexPages_;  // by the folder
 };
 
 }  // namespace vela::indexer

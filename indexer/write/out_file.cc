@@ -44,6 +44,38 @@ void OutFile::WriteNumber(uint64_t value, size_t bytes) {
   Write(std::string_view(out, bytes));
 }
 
+std::string OutFile::Read(uint64_t at, size_t bytes) {
+  Flush();
+  const int fd = open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) Fail(path_);
+  std::string out(bytes, '\0');
+  size_t done = 0;
+  ssize_t got = 0;
+  do {
+    got = pread(fd, out.data() + done, bytes - done, static_cast<off_t>(at + done));
+    if (got > 0) done += static_cast<size_t>(got);
+  } while (got > 0 || (got < 0 && errno == EINTR));
+  const int error = errno;
+  close(fd);
+  if (got < 0) {
+    errno = error;
+    Fail(path_);
+  }
+  out.resize(done);
+  return out;
+}
+
+void OutFile::Replace(uint64_t at, std::string_view bytes) {
+  Flush();
+  while (!bytes.empty()) {
+    const ssize_t wrote = pwrite(fd_, bytes.data(), bytes.size(), static_cast<off_t>(at));
+    if (wrote < 0 && errno == EINTR) continue;
+    if (wrote < 0) Fail(path_);
+    at += static_cast<uint64_t>(wrote);
+    bytes.remove_prefix(static_cast<size_t>(wrote));
+  }
+}
+
 void OutFile::Flush() {
   size_t done = 0;
   while (done < buffer_.size()) {

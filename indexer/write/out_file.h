@@ -21,6 +21,10 @@ class OutFile {
   // The low `bytes` bytes (1 to 8) of `value`, lowest first.
   void WriteNumber(uint64_t value, size_t bytes);
   uint64_t size() const { return written_ + buffer_.size(); }
+  // Bytes written before, from `at` on: at most `bytes` of them, fewer at the end of the file.
+  std::string Read(uint64_t at, size_t bytes);
+  // Puts `bytes` in the place of as many that were written before, from `at` on.
+  void Replace(uint64_t at, std::string_view bytes);
   // Brings everything to the disk and closes the file. Returns its size in bytes.
   uint64_t Finish();
   // Closes a temporary file, which need not outlive the process.

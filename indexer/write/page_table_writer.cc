@@ -5,6 +5,7 @@
 
 #include "format/page_data.h"
 #include "format/page_info.h"
+#include "indexer/collect/category_set.h"
 #include "indexer/config/site_config.h"
 #include "indexer/words/stored_text.h"
 
@@ -32,12 +33,12 @@ PageTableWriter::PageTableWriter(const std::filesystem::path& info,
                                  const std::filesystem::path& data, const IndexCharset& charset)
     : info_(info), data_(data), charset_(charset) {}
 
-uint64_t PageTableWriter::AddPage(const PageEntry& page) {
+void PageTableWriter::AddPage(const PageEntry& page) {
   constexpr auto kMaxTime = std::numeric_limits<int32_t>::max();
-  const uint64_t dataOffset = data_.size();
+  places_.push_back({.record = info_.size(), .line = data_.size()});
   info_.WriteNumber(kLayout.fixedSize + page.categories.size() + page.metaValues.size(),
                     kLayout.lengthWidth);
-  info_.WriteNumber(dataOffset, kDataOffsetWidth);
+  info_.WriteNumber(places_.back().line, kDataOffsetWidth);
   info_.WriteNumber(std::min(page.fileSize, LargestNumber(kFileSizeWidth)), kFileSizeWidth);
   const bool dated = page.time > 0 && page.time <= kMaxTime;
   info_.WriteNumber(static_cast<uint64_t>(dated ? page.time : kNoPageDate), kDateTimeWidth);
@@ -55,7 +56,13 @@ uint64_t PageTableWriter::AddPage(const PageEntry& page) {
   data_.Write(page.image);
   data_.Write(kFieldEnd);
   data_.Write("\n");
-  return dataOffset;
+}
+
+void PageTableWriter::AddToCategories(uint32_t page, std::string_view categories) {
+  const uint64_t at = places_[page].record + kLayout.fixedSize;
+  std::string all = info_.Read(at, categories.size());
+  AddCategories(categories, all);
+  info_.Replace(at, all);
 }
 
 PageTableWriter::Sizes PageTableWriter::Finish() {

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
+#include <vector>
 
 #include "indexer/collect/page_entry.h"
 #include "indexer/words/index_charset.h"
@@ -16,8 +18,12 @@ class PageTableWriter {
   // `charset` must outlive the writer.
   PageTableWriter(const std::filesystem::path& info, const std::filesystem::path& data,
                   const IndexCharset& charset);
-  // Returns the position of the page's line in the page data.
-  uint64_t AddPage(const PageEntry& page);
+  // Pages are numbered from 0 on.
+  void AddPage(const PageEntry& page);
+  // Where the line of a page begins in the page data.
+  uint64_t LineAt(uint32_t page) const { return places_[page].line; }
+  // Adds categories to those of a page: a set of the same size (see category_set.h).
+  void AddToCategories(uint32_t page, std::string_view categories);
   struct Sizes {
     uint64_t infoBytes = 0;  // PageInfoSize
     uint64_t dataBytes = 0;
@@ -25,9 +31,15 @@ class PageTableWriter {
   Sizes Finish();
 
  private:
+  struct Place {
+    uint64_t record = 0;  // in the page info
+    uint64_t line = 0;    // in the page data
+  };
+
   OutFile info_;
   OutFile data_;
   const IndexCharset& charset_;
+  std::vector<Place> places_;
 };
 
 }  // namespace vela::indexer

@@ -1,7 +1,6 @@
 #include "indexer/write/recommended_writer.h"
 
 #include <algorithm>
-#include <optional>
 #include <string_view>
 
 #include "format/recommended.h"
@@ -51,13 +50,12 @@ std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
 }  // namespace
 
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
-                                  const std::vector<RecommendedRule>& rules,
-                                  const RecommendedPages& pages, const IndexCharset& charset) {
+                                  const std::vector<Recommendation>& recommendations,
+                                  const PageTableWriter& table, const IndexCharset& charset) {
   RecommendedSizes sizes;
   OutFile file(path);
-  for (const RecommendedRule& rule : rules) {
-    const std::optional<uint64_t> offset = pages.OffsetOf(rule);
-    if (!offset.has_value()) {
+  for (const auto& [rule, page] : recommendations) {
+    if (!page.has_value()) {
       sizes.unused.push_back({Reason::kNoPageToRecommend, rule.where, rule.address});
       continue;
     }
@@ -67,7 +65,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                               rule.where, rule.address});
       continue;
     }
-    const std::string line = keywords + " " + std::to_string(*offset) + "\n";
+    const std::string line = keywords + " " + std::to_string(table.LineAt(*page)) + "\n";
     sizes.longestLine = std::max(sizes.longestLine, line.size());
     file.Write(line);
     ++sizes.entries;

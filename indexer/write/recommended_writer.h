@@ -3,12 +3,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <vector>
 
-#include "indexer/collect/recommended_pages.h"
 #include "indexer/config/site_config.h"
 #include "indexer/report/reason.h"
 #include "indexer/words/index_charset.h"
+#include "indexer/write/page_table_writer.h"
 
 namespace vela::indexer {
 
@@ -19,9 +20,15 @@ struct RecommendedSizes {
   std::vector<Finding> unused;  // rules that could not be used
 };
 
-// Keywords are cut as a query would be.
+// A rule and the page of the index that it names, if there is one.
+struct Recommendation {
+  const RecommendedRule& rule;
+  std::optional<uint32_t> page;
+};
+
+// Keywords are cut as a query would be. `table` has all pages.
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
-                                  const std::vector<RecommendedRule>& rules,
-                                  const RecommendedPages& pages, const IndexCharset& charset);
+                                  const std::vector<Recommendation>& recommendations,
+                                  const PageTableWriter& table, const IndexCharset& charset);
 
 }  // namespace vela::indexer

@@ -16,33 +16,34 @@ Page PageOf(const std::string& path, const std::string& text, const std::string&
   return page;
 }
 
-TEST(EqualPages, ACopyIsRepeated) {
+TEST(EqualPages, ACopyIsToldByTheNumberOfTheFirst) {
   EqualPages pages;
-  EXPECT_FALSE(pages.IsRepeated(PageOf("a.html", kText)));
-  EXPECT_TRUE(pages.IsRepeated(PageOf("b/c.html", " " + kText + "  ")));
-  EXPECT_FALSE(pages.IsRepeated(PageOf("d.html", kText, "Another title")));
-  EXPECT_FALSE(pages.IsRepeated(PageOf("e.html", kText + " more")));
+  EXPECT_EQ(pages.EqualTo(PageOf("a.html", kText), 0), std::nullopt);
+  EXPECT_EQ(pages.EqualTo(PageOf("b/c.html", " " + kText + "  "), 1), 0u);
+  EXPECT_EQ(pages.EqualTo(PageOf("d.html", kText, "Another title"), 1), std::nullopt);
+  EXPECT_EQ(pages.EqualTo(PageOf("e.html", kText + " more"), 2), std::nullopt);
   Page described = PageOf("f.html", kText);
   described.content.metas = {{"price", "4"}};
-  EXPECT_FALSE(pages.IsRepeated(described));
+  EXPECT_EQ(pages.EqualTo(described, 3), std::nullopt);
   described.content.metas = {{"price", "5"}};
-  EXPECT_FALSE(pages.IsRepeated(described));
+  EXPECT_EQ(pages.EqualTo(described, 4), std::nullopt);
   described.content.description = "D";
-  EXPECT_FALSE(pages.IsRepeated(described));
-  EXPECT_TRUE(pages.IsRepeated(described));
+  EXPECT_EQ(pages.EqualTo(described, 5), std::nullopt);
+  EXPECT_EQ(pages.EqualTo(described, 6), 5u);
 }
 
 TEST(EqualPages, LittleTextMayBeTheSameByChance) {
   EqualPages pages;
-  EXPECT_FALSE(pages.IsRepeated(PageOf("a.html", std::string(199, 'x'))));
-  EXPECT_FALSE(pages.IsRepeated(PageOf("b.html", std::string(199, 'x'))));
+  EXPECT_EQ(pages.EqualTo(PageOf("a.html", std::string(199, 'x')), 0), std::nullopt);
+  EXPECT_EQ(pages.EqualTo(PageOf("b.html", std::string(199, 'x')), 1), std::nullopt);
 }
 
 TEST(EqualPages, ATextFileGivesWayToThePageMadeOfIt) {
   EqualPages pages;
-  EXPECT_FALSE(pages.IsRepeated(PageOf("man/a.html", kText, "The title of the page")));
-  EXPECT_TRUE(pages.IsRepeated(PageOf("man/a.txt", kText, "The first line")));
-  EXPECT_FALSE(pages.IsRepeated(PageOf("man/b.txt", kText, "The first line")));
+  EXPECT_EQ(pages.EqualTo(PageOf("other.html", "y" + kText), 0), std::nullopt);
+  EXPECT_EQ(pages.EqualTo(PageOf("man/a.html", kText, "The title of the page"), 1), std::nullopt);
+  EXPECT_EQ(pages.EqualTo(PageOf("man/a.txt", kText, "The first line"), 2), 1u);
+  EXPECT_EQ(pages.EqualTo(PageOf("man/b.txt", kText, "The first line"), 2), std::nullopt);
 }
 
 }  // namespace

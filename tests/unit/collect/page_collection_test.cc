@@ -34,12 +34,11 @@ Page PageAt(const std::string& address, const std::string& text) {
 TEST(PageCollection, PagesJoinOneBehindTheOther) {
   Site site;
   PageCollection collection = site.Collection();
-  JoinedPage joined;
-  ASSERT_EQ(AddPage(PageAt("/a.html", "one two"), collection, joined), Reason::kNone);
+  PageEntry entry;
+  ASSERT_EQ(AddPage(PageAt("/a.html", "one two"), collection, entry), Reason::kNone);
   const size_t tokens = collection.tokens.tokens.size();
-  EXPECT_EQ(joined.entry.address, "/a.html");
-  EXPECT_EQ(joined.addresses, std::vector<std::string>{"/a.html"});
-  ASSERT_EQ(AddPage(PageAt("/b.html", "three"), collection, joined), Reason::kNone);
+  EXPECT_EQ(entry.address, "/a.html");
+  ASSERT_EQ(AddPage(PageAt("/b.html", "three"), collection, entry), Reason::kNone);
   ASSERT_EQ(collection.pages.size(), 2u);
   EXPECT_EQ(collection.pages[0].firstToken, 0u);
   EXPECT_EQ(collection.pages[0].bodyWords, 2u);
@@ -52,11 +51,11 @@ TEST(PageCollection, APageThatIsLeftOutLeavesNothing) {
   Site site;
   PageCollection collection = site.Collection();
   collection.addresses.AddItem("/a.html");
-  JoinedPage joined;
+  PageEntry entry;
   Page copy = PageAt("/b.html", "copy");
   copy.facts.canonical = "/a.html";
-  EXPECT_EQ(AddPage(copy, collection, joined), Reason::kCopy);
-  EXPECT_EQ(AddPage(PageAt("/" + std::string(kAddressLimit, 'x'), "far"), collection, joined),
+  EXPECT_EQ(AddPage(copy, collection, entry), Reason::kCopy);
+  EXPECT_EQ(AddPage(PageAt("/" + std::string(kAddressLimit, 'x'), "far"), collection, entry),
             Reason::kAddressTooLong);
   EXPECT_TRUE(collection.pages.empty());
   EXPECT_TRUE(collection.vocabulary.words.empty());
@@ -70,11 +69,12 @@ TEST(PageCollection, ThePageIsKnownByBothItsAddresses) {
   Page page = PageAt("/b.html", "text");
   page.facts.canonical = "/pretty?x=1&y=2";
   page.facts.image = "/" + std::string(kAddressLimit, 'x');
-  JoinedPage joined;
-  ASSERT_EQ(AddPage(page, collection, joined), Reason::kNone);
-  EXPECT_EQ(joined.entry.address, "/pretty?x=1&amp;y=2");
-  EXPECT_EQ(joined.addresses, (std::vector<std::string>{"/pretty?x=1&y=2", "/b.html"}));
-  EXPECT_EQ(joined.entry.image, "");  // too long to be linked
+  PageEntry entry;
+  ASSERT_EQ(AddPage(page, collection, entry), Reason::kNone);
+  EXPECT_EQ(entry.address, "/pretty?x=1&amp;y=2");
+  EXPECT_EQ(collection.addresses.PageAt("/pretty?x=1&y=2"), 0u);
+  EXPECT_EQ(collection.addresses.PageAt("/b.html"), 0u);
+  EXPECT_EQ(entry.image, "");  // too long to be linked
 }
 
 TEST(PageCollection, CountsTheValuesThatDoNotFitTheirField) {
@@ -84,13 +84,13 @@ TEST(PageCollection, CountsTheValuesThatDoNotFitTheirField) {
   price.kind = kMetaMoney;
   site.config.fields = {price};
   PageCollection collection = site.Collection();
-  JoinedPage joined;
+  PageEntry entry;
   Page page = PageAt("/a.html", "text");
   page.content.metas = {{"price", "cheap"}};
-  ASSERT_EQ(AddPage(page, collection, joined), Reason::kNone);
+  ASSERT_EQ(AddPage(page, collection, entry), Reason::kNone);
   page.facts.address = "/b.html";
   page.content.metas = {{"price", std::string(61, 'x')}};
-  ASSERT_EQ(AddPage(page, collection, joined), Reason::kNone);
+  ASSERT_EQ(AddPage(page, collection, entry), Reason::kNone);
   const LeftOut::Group& group = collection.metaValues.groups.at({"price", Reason::kNoAmount});
   EXPECT_EQ(group.examples, (std::vector<std::string>{"a.html (\"cheap\")", "a.html (\"...\")"}));
 }
@@ -103,13 +103,49 @@ TEST(PageCollection, NamesFieldsThatNoPageHas) {
     site.config.fields.push_back(rule);
   }
   PageCollection collection = site.Collection();
-  JoinedPage joined;
+  PageEntry entry;
   Page page = PageAt("/a.html", "text");
   page.content.metas = {{"used", "x"}};
-  ASSERT_EQ(AddPage(page, collection, joined), Reason::kNone);
+  ASSERT_EQ(AddPage(page, collection, entry), Reason::kNone);
   const std::vector<Finding> unused = UnusedFields(collection);
   ASSERT_EQ(unused.size(), 1u);
   EXPECT_EQ(unused[0].subject, "unused");
+}
+
+TEST(PageCollection, ACopyHandsItsCategoriesOn) {
+  Site site;
+  site.config.categories = {{"Own", {"b.html"}},    {"Equal", {"c.html"}},   {"Named", {"a.html"}},
+                            {"Index page", {"d/"}}, {"Nowhere", {"e.html"}}, {"Folder", {"f/"}}};
+  PageCollection collection = site.Collection();
+  for (const char* item : {"/a.html", "/b.html", "/c.html", "/d/index.html", "/e.html"}) {
+    collection.addresses.AddItem(item);
+  }
+  PageEntry entry;
+  Page named = PageAt("/a.html", "other words");
+  named.facts.canonical = "/b.html";
+  EXPECT_EQ(AddPage(named, collection, entry), Reason::kCopy);
+  const std::string text(200, 'x');
+  ASSERT_EQ(AddPage(PageAt("/b.html", text), collection, entry), Reason::kNone);
+  EXPECT_EQ(entry.categories, "\x01");
+  EXPECT_EQ(AddPage(PageAt("/c.html", text), collection, entry), Reason::kEqual);
+  EXPECT_EQ(AddPage(PageAt("/d/index.html", text), collection, entry), Reason::kEqual);
+  Page ofNone = PageAt("/e.html", "other words");
+  ofNone.facts.canonical = "/d/x.html";
+  collection.addresses.AddItem("/d/x.html");  // which turns out to be no page
+  EXPECT_EQ(AddPage(ofNone, collection, entry), Reason::kCopy);
+  ASSERT_EQ(AddPage(PageAt("/f/index.html", "more"), collection, entry), Reason::kNone);
+  EXPECT_EQ(entry.categories, "\x20");
+
+  const std::vector<MoreCategories> more = CategoriesOfCopies(collection);
+  ASSERT_EQ(more.size(), 3u);
+  const char* kSets[] = {"\x04", "\x02", "\x08"};
+  for (size_t i = 0; i < more.size(); ++i) {
+    EXPECT_EQ(more[i].page, 0u);
+    EXPECT_EQ(more[i].categories, kSets[i]);
+  }
+  const std::vector<Finding> unused = collection.rules.Unused();
+  ASSERT_EQ(unused.size(), 1u);
+  EXPECT_EQ(unused[0].subject, "Nowhere");
 }
 
 }  // namespace

@@ -113,6 +113,36 @@ TEST(SearchedSite, RecommendedPagesAreShown) {
   EXPECT_FALSE(Holds(site.Ask("vela_query=coffee"), "<div class=\"recommended\">"));
 }
 
+// An owner knows a page by any of its addresses.
+TEST(SearchedSite, RulesThatNameACopyMeanThePageKept) {
+  SearchedSite site;
+  const std::string text = "<title>Visit us</title>" + std::string(200, 'x') + " words";
+  site.Configure(
+      "[recommended.pages]\n\"equal\" = \"z.html\"\n\"folder\" = \"copies/\"\n"
+      "\"named\" = \"old.html\"\n"
+      "[[category]]\nname = \"First\"\npages = [\"z.html\"]\n"
+      "[[category]]\nname = \"Second\"\npages = [\"copies/\"]\n"
+      "[[category]]\nname = \"Third\"\npages = [\"old.html\"]\n"
+      "[[category]]\nname = \"Other\"\npages = [\"other.html\"]\n");
+  site.Add("copies/index.html", "<link rel=canonical href=/visit/>short");
+  site.Add("old.html", "<link rel=canonical href=/copies/>short");
+  site.Add("other.html", "other");
+  site.Add("visit/index.html", text);
+  site.Add("z.html", text);
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 2u);
+  EXPECT_TRUE(summary.warnings.empty());
+  for (const char* query : {"equal", "folder", "named"}) {
+    EXPECT_TRUE(Holds(site.Ask(std::string("vela_query=") + query),
+                      "<div class=\"recommend_title\"><a href="
+                      "\"https://x.example/visit/index.html\" >Visit us</a></div>"))
+        << query;
+  }
+  EXPECT_TRUE(Holds(site.Ask("vela_query=words"),
+                    "<span class=\"category\"> [First] [Second] [Third]</span>"));
+  EXPECT_EQ(site.Found("words&vela_cat=2"), "visit/index.html ");
+}
+
 TEST(SearchedSite, AWordWithASharpSIsFoundHoweverItIsTyped) {
   SearchedSite site;
   site.Add("a.html", "<meta charset=utf-8><title>T</title>Die Gr\u00F6\u00DFe.");

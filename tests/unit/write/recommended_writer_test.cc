@@ -7,6 +7,19 @@
 namespace vela::indexer {
 namespace {
 
+// Whose lines have 100 bytes each.
+struct Table {
+  support::ScratchDirectory scratch;
+  IndexCharset utf8;
+  PageTableWriter writer{scratch.path() / "info", scratch.path() / "data", utf8};
+
+  explicit Table(int pages) {
+    PageEntry entry;
+    entry.address = std::string(95, 'a');
+    for (int i = 0; i < pages; ++i) writer.AddPage(entry);
+  }
+};
+
 TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
   const support::ScratchDirectory scratch;
   const std::vector<RecommendedRule> rules = {
@@ -17,17 +30,19 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
       {" , \"", "h.html", "line 5"},
       {std::string(501, 'a'), "h.html", "line 6"},
   };
-  RecommendedPages pages(rules, "https://x.example/");
-  pages.Note(std::vector<std::string>{"https://x.example/h.html"}, 0);
-  pages.Note(std::vector<std::string>{"https://x.example/c/index.html"}, 40);
-  pages.Note(std::vector<std::string>{"https://x.example/p.html"}, 1234567);
-  pages.Note(std::vector<std::string>{"https://x.example/other.html"}, 5);
-  const RecommendedSizes sizes =
-      WriteRecommended(scratch.path() / "r", rules, pages, IndexCharset());
+  const Table table(3);
+  const RecommendedSizes sizes = WriteRecommended(scratch.path() / "r",
+                                                  {{rules[0], 0},
+                                                   {rules[1], 1},
+                                                   {rules[2], 2},
+                                                   {rules[3], std::nullopt},
+                                                   {rules[4], 0},
+                                                   {rules[5], 0}},
+                                                  table.writer, IndexCharset());
   EXPECT_EQ(ReadFile(scratch.path() / "r"),
             "hours,opening-times 0\n"
-            "caf\u00E9,cafe 40\n"
-            "prod* 1234567\n");
+            "caf\u00E9,cafe 100\n"
+            "prod* 200\n");
   EXPECT_EQ(sizes.entries, 3u);
   EXPECT_EQ(sizes.longestLine, 22u);
   ASSERT_EQ(sizes.unused.size(), 3u);
@@ -36,22 +51,6 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
   EXPECT_EQ(sizes.unused[0].subject, "gone.html");
   EXPECT_EQ(sizes.unused[1].reason, Reason::kNoKeyword);
   EXPECT_EQ(sizes.unused[2].reason, Reason::kKeywordsTooLong);
-}
-
-TEST(RecommendedWriter, AddressesAreWrittenAsPeopleWriteThem) {
-  const support::ScratchDirectory scratch;
-  const std::vector<RecommendedRule> rules = {
-      {"list", "notes/Preis liste.txt", "line 1"},
-      {"about", "https://x.example/\u00DCber.html#top", "line 2"},
-      {"encoded", "%c3%9cber.html", "line 3"},
-  };
-  RecommendedPages pages(rules, "https://x.example/");
-  pages.Note(std::vector<std::string>{"https://x.example/notes/Preis%20liste.txt"}, 7);
-  pages.Note(std::vector<std::string>{"https://x.example/%C3%9Cber.html"}, 9);
-  const RecommendedSizes sizes =
-      WriteRecommended(scratch.path() / "r", rules, pages, IndexCharset());
-  EXPECT_EQ(ReadFile(scratch.path() / "r"), "list 7\nabout 9\nencoded 9\n");
-  EXPECT_TRUE(sizes.unused.empty());
 }
 
 }  // namespace
