@@ -276,8 +276,7 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   if (!config.recommended.empty()) {
     std::vector<Recommendation> recommendations;
     for (const RecommendedRule& rule : config.recommended) {
-      recommendations.push_back(
-          {rule, RecommendedPage(rule, pages.collection.addresses, run.base)});
+      recommendations.push_back(FindRecommended(rule, pages.collection.addresses, run.base));
     }
     RecommendedSizes sizes =
         WriteRecommended(fresh / kRecommendedFileName, recommendations, pages.table, run.charset);

@@ -1,4 +1,4 @@
-// recommended_pages.h: which pages the owner recommends.
+// recommended_pages.h: what the owner recommends, among the pages of the index and elsewhere.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,17 @@
 
 namespace vela::indexer {
 
-// The page that stands for the address of the rule, which is whole or from `base` on, the site's
-// address; none when no page of the index does. `addresses` know all pages.
-std::optional<uint32_t> RecommendedPage(const RecommendedRule& rule,
-                                        const CanonicalAddresses& addresses,
-                                        const std::string& base);
+// A rule and what it leads to: one of the two, or neither.
+struct Recommendation {
+  const RecommendedRule& rule;
+  std::optional<uint32_t> page;  // of the index
+  std::string link;              // an address that is none of a page; as StoredAddress makes it
+};
+
+// The page that stands for the rule's address, which is whole or from `base` on, the site's
+// address; else the address where it is not one of the site, or the rule gives its title: another
+// may be a mistake. `addresses` know all pages, and the rule outlives the result.
+Recommendation FindRecommended(const RecommendedRule& rule, const CanonicalAddresses& addresses,
+                               const std::string& base);
 
 }  // namespace vela::indexer

@@ -2,18 +2,21 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 #include <span>
 #include <string_view>
 #include <variant>
 #include <vector>
 
+#include "format/recommended.h"
 #include "indexer/config/built_in_template.h"
 #include "indexer/config/language_file.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
 #include "indexer/source/file_endings.h"
+#include "indexer/words/clean_text.h"
 #include "indexer/words/word_forms.h"
 #include "text/ascii.h"
 #include "text/edit.h"
@@ -171,7 +174,7 @@ void CheckSearchAddress(const ConfigEntry& entry, Options& options) {
 void ReadRecommendedPages(const ConfigEntry& entry, Options& options) {
   const toml::table* pages = entry.table.Table(entry.key);
   if (pages == nullptr) return;
-  std::vector<RecommendedRule>& recommended = options.config.recommended;
+  std::vector<RecommendedRule> recommended;
   ConfigTable rules(pages, entry.source.file, "[recommended.pages]");
   for (const auto& [key, node] : *pages) {
     RecommendedRule rule;
@@ -185,6 +188,34 @@ void ReadRecommendedPages(const ConfigEntry& entry, Options& options) {
     const toml::source_position at = pages->get(rule.keywords)->source().begin;
     return std::pair(at.line, at.column);
   });
+  std::ranges::move(recommended, std::back_inserter(options.config.recommended));
+}
+
+// A text of the owner's in the form in which those of pages are.
+std::string OneLine(std::string text) {
+  CleanText(text);
+  return CollapseBlanks(text);
+}
+
+void ReadRecommendedPage(const ConfigEntry& entry, Options& options) {
+  const std::string name = "[[recommended.page]]";
+  for (const toml::table* each : entry.table.Tables(entry.key)) {
+    ConfigTable table(each, entry.source.file, name);
+    RecommendedRule rule;
+    if (!table.Text("keywords", kRecommendedKeywordsLimit, rule.keywords)) {
+      table.RefuseWhole("A " + name + " needs keywords = \"...\", separated by commas.");
+    }
+    if (!table.Text("address", kBaseAddressLimit, rule.address) || rule.address.empty()) {
+      table.RefuseWhole("A " + name + " needs address = \"...\".");
+    }
+    table.Text("title", kPageTitleLimit, rule.title);
+    table.Text("text", kPageDescriptionLimit, rule.text);
+    rule.title = OneLine(std::move(rule.title));
+    rule.text = OneLine(std::move(rule.text));
+    rule.where = table.Where();
+    table.Finish();
+    options.config.recommended.push_back(std::move(rule));
+  }
 }
 
 void ReadLogFile(const ConfigEntry& entry, Options& options) {
@@ -228,6 +259,7 @@ const ConfigKey kConfigKeys[] = {
 
     {"recommended", "file", Path{&SiteConfig::recommendedFile}},
     {"recommended", "most", Setting{"RecommendedMax"}},
+    {"recommended", "page", &ReadRecommendedPage},
     {"recommended", "pages", &ReadRecommendedPages},
 
     {"log", "use", Flag{&SiteConfig::logging}},

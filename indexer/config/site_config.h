@@ -19,7 +19,9 @@ constexpr size_t kCategoryLimit = 2000;
 constexpr size_t kFieldLimit = 100;
 constexpr size_t kFieldNameLimit = decltype(MetaFieldDef::name)::kCapacity;
 constexpr size_t kFieldLabelLimit = decltype(MetaFieldDef::label)::kCapacity;
-constexpr size_t kFieldTextLimit = 500;  // bytes of a text in a page's record
+constexpr size_t kPageTitleLimit = 1000;        // bytes of a page's title
+constexpr size_t kPageDescriptionLimit = 2000;  // and of its description
+constexpr size_t kFieldTextLimit = 500;         // bytes of a text in a page's record
 constexpr size_t kListValueCountLimit = kMetaChoiceLimit;
 constexpr size_t kListValueLimit = MetaListText::kCapacity;
 
@@ -48,9 +50,11 @@ struct FieldRule {
 
 // A page that the owner puts first for some words.
 struct RecommendedRule {
-  std::string keywords;  // several are separated by ","
-  std::string address;   // absolute, or from the site's address on
-  std::string where;     // for messages: the file and line
+  std::string keywords;    // several are separated by ","
+  std::string address;     // absolute, or from the site's address on
+  std::string where;       // for messages: the file and line
+  std::string title = {};  // plain text in the place of the page's own; empty: none is given
+  std::string text = {};   // the same of its description
 };
 
 // Where a page's date comes from.

@@ -5,6 +5,7 @@
 
 #include "format/page_data.h"
 #include "format/page_info.h"
+#include "index/page_data.h"
 #include "indexer/collect/category_set.h"
 #include "indexer/config/site_config.h"
 #include "indexer/words/stored_text.h"
@@ -13,10 +14,8 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr size_t kMaxTitleBytes = 1000;
-constexpr size_t kMaxDescriptionBytes = 2000;
 constexpr size_t kLineFeed = 1;
-static_assert(2 * kAddressLimit + kMaxTitleBytes + kMaxDescriptionBytes + kPageDataFields +
+static_assert(2 * kAddressLimit + kPageTitleLimit + kPageDescriptionLimit + kPageDataFields +
                   kLineFeed <=
               kPageDataLineLimit);
 
@@ -47,15 +46,30 @@ void PageTableWriter::AddPage(const PageEntry& page) {
   info_.Write(page.categories);
   info_.Write(page.metaValues);
 
-  data_.Write(page.address);
-  data_.Write(kFieldEnd);
-  data_.Write(StoredText(page.title, kMaxTitleBytes, charset_));
-  data_.Write(kFieldEnd);
-  data_.Write(StoredText(page.description, kMaxDescriptionBytes, charset_));
-  data_.Write(kFieldEnd);
-  data_.Write(page.image);
-  data_.Write(kFieldEnd);
+  AddLine({.address = page.address,
+           .title = StoredText(page.title, kPageTitleLimit, charset_),
+           .description = StoredText(page.description, kPageDescriptionLimit, charset_),
+           .image = page.image});
+}
+
+uint64_t PageTableWriter::AddLine(const PageLine& line) {
+  const uint64_t begin = data_.size();
+  for (const std::string* field : {&line.address, &line.title, &line.description, &line.image}) {
+    data_.Write(*field);
+    data_.Write(kFieldEnd);
+  }
   data_.Write("\n");
+  return begin;
+}
+
+PageLine PageTableWriter::ReadLine(uint32_t page) {
+  const std::string bytes = data_.Read(LineAt(page), kPageDataLineLimit);
+  PageTexts texts;
+  if (!ReadPageData(bytes, 0, texts)) return {};  // the disk lost what was written
+  return {.address = std::string(texts.url),
+          .title = std::string(texts.title),
+          .description = std::string(texts.description),
+          .image = std::string(texts.image)};
 }
 
 void PageTableWriter::AddToCategories(uint32_t page, std::string_view categories) {

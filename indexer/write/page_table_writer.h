@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,6 +13,14 @@
 #include "indexer/write/out_file.h"
 
 namespace vela::indexer {
+
+// The texts of a line of the page data as they stand there; see StoredText and StoredAddress.
+struct PageLine {
+  std::string address;
+  std::string title;
+  std::string description;
+  std::string image;
+};
 
 class PageTableWriter {
  public:
@@ -22,6 +31,10 @@ class PageTableWriter {
   void AddPage(const PageEntry& page);
   // Where the line of a page begins in the page data.
   uint64_t LineAt(uint32_t page) const { return places_[page].line; }
+  // The line as it was written.
+  PageLine ReadLine(uint32_t page);
+  // Adds a line that is no page's: no search finds it, no count has it. Returns where it begins.
+  uint64_t AddLine(const PageLine& line);
   // Adds categories to those of a page: a set of the same size (see category_set.h).
   void AddToCategories(uint32_t page, std::string_view categories);
   struct Sizes {

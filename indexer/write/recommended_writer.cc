@@ -1,12 +1,15 @@
 #include "indexer/write/recommended_writer.h"
 
 #include <algorithm>
+#include <array>
+#include <map>
 #include <string_view>
 
 #include "format/recommended.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/query_folding.h"
+#include "indexer/words/stored_text.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/write/out_file.h"
 #include "text/edit.h"
@@ -47,15 +50,55 @@ std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
   return forms;
 }
 
+// Where the texts of what is recommended stand in the page data.
+class RecommendedLines {
+ public:
+  // Both outlive the lines.
+  RecommendedLines(PageTableWriter& table, const IndexCharset& charset)
+      : table_(table), charset_(charset) {}
+
+  // The place of the page's own line, or of one with the owner's words.
+  uint64_t At(const Recommendation& recommendation) {
+    const RecommendedRule& rule = recommendation.rule;
+    const bool isPage = recommendation.page.has_value();
+    if (isPage && rule.title.empty() && rule.text.empty())
+      return table_.LineAt(*recommendation.page);
+    PageLine line;
+    if (isPage) {
+      line = table_.ReadLine(*recommendation.page);
+    } else {
+      line.address = recommendation.link;
+    }
+    if (!rule.title.empty() || !isPage) {
+      const std::string& title = rule.title.empty() ? rule.address : rule.title;
+      line.title = StoredText(title, kPageTitleLimit, charset_);
+    }
+    if (!rule.text.empty())
+      line.description = StoredText(rule.text, kPageDescriptionLimit, charset_);
+    // The search shows a link once where rules that follow each other name the same place.
+    const auto [place, isNew] =
+        places_.try_emplace({line.address, line.title, line.description}, uint64_t{0});
+    if (isNew) place->second = table_.AddLine(line);
+    return place->second;
+  }
+
+ private:
+  PageTableWriter& table_;
+  const IndexCharset& charset_;
+  std::map<std::array<std::string, 3>, uint64_t> places_;
+};
+
 }  // namespace
 
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                                   const std::vector<Recommendation>& recommendations,
-                                  const PageTableWriter& table, const IndexCharset& charset) {
+                                  PageTableWriter& table, const IndexCharset& charset) {
   RecommendedSizes sizes;
   OutFile file(path);
-  for (const auto& [rule, page] : recommendations) {
-    if (!page.has_value()) {
+  RecommendedLines lines(table, charset);
+  for (const Recommendation& recommendation : recommendations) {
+    const RecommendedRule& rule = recommendation.rule;
+    if (!recommendation.page.has_value() && recommendation.link.empty()) {
       sizes.unused.push_back({Reason::kNoPageToRecommend, rule.where, rule.address});
       continue;
     }
@@ -65,7 +108,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                               rule.where, rule.address});
       continue;
     }
-    const std::string line = keywords + " " + std::to_string(table.LineAt(*page)) + "\n";
+    const std::string line = keywords + " " + std::to_string(lines.At(recommendation)) + "\n";
     sizes.longestLine = std::max(sizes.longestLine, line.size());
     file.Write(line);
     ++sizes.entries;

@@ -3,10 +3,9 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <vector>
 
-#include "indexer/config/site_config.h"
+#include "indexer/collect/recommended_pages.h"
 #include "indexer/report/reason.h"
 #include "indexer/words/index_charset.h"
 #include "indexer/write/page_table_writer.h"
@@ -20,15 +19,10 @@ struct RecommendedSizes {
   std::vector<Finding> unused;  // rules that could not be used
 };
 
-// A rule and the page of the index that it names, if there is one.
-struct Recommendation {
-  const RecommendedRule& rule;
-  std::optional<uint32_t> page;
-};
-
-// Keywords are cut as a query would be. `table` has all pages.
+// Keywords are cut as a query would be. `table` has all pages, and gets a line for what is no page
+// of the index or is shown with the owner's words.
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                                   const std::vector<Recommendation>& recommendations,
-                                  const PageTableWriter& table, const IndexCharset& charset);
+                                  PageTableWriter& table, const IndexCharset& charset);
 
 }  // namespace vela::indexer

@@ -1,6 +1,7 @@
 // page_data.h: `vela_pagedata.vdat`, the texts of every page.
 //
-// A text file, a line a page at the position that its record names (page_info.h):
+// A text file, a line a page at the position that its record names (page_info.h), and one for
+// what is recommended and is no page (recommended.h):
 //
 //   address|title|description|picture|
 //

@@ -260,7 +260,7 @@ TEST(ConfigFile, TheExampleIsRightAsItStandsAndWithItsRemarksTaken) {
   EXPECT_EQ(config.categories.size(), 1u);
   EXPECT_EQ(config.fields.size(), 1u);
   EXPECT_EQ(config.boosts.size(), 1u);
-  EXPECT_EQ(config.recommended.size(), 2u);
+  EXPECT_EQ(config.recommended.size(), 3u);
   EXPECT_TRUE(config.settings.contains("MaxSearchTime"));
   // What is no example is what holds without the line.
   const Options without;
@@ -348,6 +348,30 @@ TEST(ConfigFile, RecommendedPagesOfOneLineStayInOrder) {
       Read("[recommended]\npages = { zoo = \"z.html\", art = \"a.html\" }\n").config;
   ASSERT_EQ(config.recommended.size(), 2u);
   EXPECT_EQ(config.recommended[0].keywords, "zoo");
+}
+
+TEST(ConfigFile, RecommendedPagesMayHaveWordsOfTheOwners) {
+  const SiteConfig config = Read(R"([recommended]
+pages = { zoo = "z.html" }
+[[recommended.page]]
+keywords = "shop, buy"
+address = "https://shop.example/"
+title = "Our  shop "
+text = "Books & <more>"
+[[recommended.page]]
+keywords = "art"
+address = "a.html"
+)")
+                                .config;
+  ASSERT_EQ(config.recommended.size(), 3u);
+  EXPECT_EQ(config.recommended[0].keywords, "shop, buy");
+  EXPECT_EQ(config.recommended[0].address, "https://shop.example/");
+  EXPECT_EQ(config.recommended[0].title, "Our shop");
+  EXPECT_EQ(config.recommended[0].text, "Books & <more>");
+  EXPECT_EQ(config.recommended[0].where, "/owner/vela_index.toml, line 3");
+  EXPECT_EQ(config.recommended[1].address, "a.html");
+  EXPECT_EQ(config.recommended[1].title, "");
+  EXPECT_EQ(config.recommended[2].keywords, "zoo");
 }
 
 TEST(ConfigFile, PatternsAreEncodedAsAddressesAre) {

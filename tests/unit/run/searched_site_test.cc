@@ -113,6 +113,40 @@ TEST(SearchedSite, RecommendedPagesAreShown) {
   EXPECT_FALSE(Holds(site.Ask("vela_query=coffee"), "<div class=\"recommended\">"));
 }
 
+TEST(SearchedSite, WhatIsRecommendedMayLieElsewhere) {
+  SearchedSite site;
+  site.Configure(R"([[recommended.page]]
+keywords = "buy"
+address = "https://shop.example/?a=1&b=2"
+title = "Shop \"A & B\" <i>"
+text = "Books | more"
+[[recommended.page]]
+keywords = "visit"
+address = "visit/"
+text = "When we are open"
+)");
+  site.Add("visit/index.html", "<title>Visit us</title>words of a visit");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 1u);
+  EXPECT_TRUE(summary.warnings.empty());
+  EXPECT_TRUE(Holds(site.Ask("vela_query=buy"),
+                    "<div class=\"recommend_title\"><a href="
+                    "\"https://shop.example/?a=1&amp;b=2\" >Shop &#34;A &#38; B&#34; "
+                    "&#60;i&#62;</a></div>\n"
+                    "<div class=\"recommend_description\">Books &#124; more</div>\n"
+                    "<div class=\"recommend_infoline\">https://shop.example/?a=1&amp;b=2</div>"));
+  EXPECT_TRUE(Holds(site.Ask("vela_query=buy&vela_xml=1"),
+                    "<vela:recommended>\n"
+                    "<title>Shop &#34;A &#38; B&#34; &#60;i&#62;</title>\n"
+                    "<link>https://shop.example/?a=1&amp;b=2</link>\n"
+                    "<description>Books &#124; more</description>\n"
+                    "</vela:recommended>\n"));
+  for (const char* query : {"buy", "books", "shop.example"}) EXPECT_EQ(site.Found(query), "");
+  EXPECT_EQ(site.Found("*"), "visit/index.html ");
+  EXPECT_TRUE(Holds(site.Ask("vela_query=visit"), "recommend_description\">When we are open<"));
+  EXPECT_EQ(site.Found("visit"), "visit/index.html ");
+}
+
 // An owner knows a page by any of its addresses.
 TEST(SearchedSite, RulesThatNameACopyMeanThePageKept) {
   SearchedSite site;
