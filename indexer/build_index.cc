@@ -262,6 +262,12 @@ void SettlePages(Run& run, SitePages& pages) {
     pages.table.AddToCategories(more.page, more.categories);
   }
   std::vector<Finding>& warnings = run.summary.warnings;
+  const FileDates& fileDates = pages.collection.fileDates;
+  const std::string sharedDay = fileDates.SharedDay();
+  if (!run.options.config.trustsFileDates && !sharedDay.empty() && !fileDates.pages().empty()) {
+    for (const FileDate& page : fileDates.pages()) pages.table.SetTime(page.page, page.ownTime);
+    warnings.push_back({Reason::kFileDatesShared, {}, sharedDay});
+  }
   std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
   std::ranges::move(UnusedFields(pages.collection), std::back_inserter(warnings));
 }

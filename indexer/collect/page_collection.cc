@@ -128,6 +128,7 @@ Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
       .metaValues = EncodedMetaValues(page, collection),
   };
   CheckRoomForPage(collection);
+  collection.fileDates.AddPage(number, facts);
   AddWords(page, AddressText(address, collection.input.base), collection);
   if (collection.input.config.suggestions) {
     collection.suggestions.AddPage(page.content, facts.title);

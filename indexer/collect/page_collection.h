@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "indexer/collect/equal_pages.h"
+#include "indexer/collect/file_dates.h"
 #include "indexer/collect/page_entry.h"
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
@@ -51,6 +52,7 @@ struct PageCollection {
   std::vector<PageLengths> pages;
   SuggestionList suggestions;
   SiteRules rules;
+  FileDates fileDates;
   LeftOut metaValues;               // of the fields
   std::vector<bool> usedFields;     // beside the fields: some page has an element for it
   std::vector<CopyLeftOut> copies;  // those that rules put into a category

@@ -148,6 +148,12 @@ void ReadDates(const ConfigEntry& entry, Options& options) {
   }
 }
 
+void ReadFileDates(const ConfigEntry& entry, Options& options) {
+  constexpr std::string_view kNames[] = {"auto", "always"};
+  size_t place = 0;
+  if (entry.table.Choice(entry.key, kNames, place)) options.config.trustsFileDates = place == 1;
+}
+
 // "20 %", or the number alone.
 void ReadStopWhenFewer(const ConfigEntry& entry, Options& options) {
   std::string text;
@@ -243,6 +249,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "charset", Text{kNameLimit, &SiteConfig::charset}, &CheckCharset},
     {"index", "stemming", &ReadStemming},  // after the character set, which it must suit
     {"index", "dates", &ReadDates},
+    {"index", "file_dates", &ReadFileDates},
     {"index", "stop_when_fewer", &ReadStopWhenFewer},
     {"index", "images", Flag{&SiteConfig::images}},
 

@@ -74,6 +74,7 @@ struct SiteConfig {
   int32_t stemming = -1;  // a StemmingAlgorithm; -1: off
   bool images = true;
   std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
+  bool trustsFileDates = false;  // even where most of the files were changed on one day
 
   std::vector<CategoryRule> categories;
   std::vector<FieldRule> fields;

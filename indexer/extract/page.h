@@ -50,6 +50,8 @@ struct PageFacts {
   std::string image;      // whole address of the picture that stands for it, or empty
   uint64_t fileSize = 0;  // bytes
   int64_t time = 0;       // of its date, seconds since 1970; 0 for none
+  int64_t ownTime = 0;    // the same when the time of its file is not taken for a date
+  int64_t fileTime = 0;   // when its file was changed
   FileType fileType = FileType::kHtml;
 };
 

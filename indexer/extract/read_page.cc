@@ -74,6 +74,8 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
       .image = wishes.images ? PageImage(content, item.address) : std::string(),
       .fileSize = file.size,
       .time = PageDate(content, file.modifiedTime, wishes.dates),
+      .ownTime = PageDate(content, 0, wishes.dates),
+      .fileTime = file.modifiedTime,
       .fileType = item.type,
   };
   return Reason::kNone;

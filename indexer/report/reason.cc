@@ -45,6 +45,9 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kUnusedCategory, "unused_category", "the category \"%\" fits no page"},
     {Reason::kUnusedBoost, "unused_boost", "this [[boost]] fits no page"},
     {Reason::kUnusedField, "unused_field", "no page has a value for the field \"%\""},
+    {Reason::kFileDatesShared, "file_dates_shared",
+     "most files were changed on one day, %: their time is not shown as the date of a page "
+     "(file_dates)"},
     {Reason::kNoPageToRecommend, "no_page_to_recommend", "there is no page % to recommend"},
     {Reason::kNoKeyword, "no_keyword", "the keywords of % hold no word"},
     {Reason::kKeywordsTooLong, "keywords_too_long", "the keywords of % are too long"},

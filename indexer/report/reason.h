@@ -53,6 +53,7 @@ enum class Reason : uint8_t {
   kUnusedCategory,
   kUnusedBoost,
   kUnusedField,
+  kFileDatesShared,  // `subject`: the day
   kNoPageToRecommend,
   kNoKeyword,
   kKeywordsTooLong,

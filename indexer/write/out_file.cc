@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -18,6 +19,12 @@ constexpr size_t kBufferBytes = 128 * 1024;
 [[noreturn]] void Fail(const std::filesystem::path& path) {
   throw IndexError(ExitStatus::kFailed, "Cannot write " + path.string() + ": " + strerror(errno) +
                                             ". Check the permissions and the free space there.");
+}
+
+std::array<char, sizeof(uint64_t)> LittleEndian(uint64_t value) {
+  std::array<char, sizeof(uint64_t)> bytes;
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(value >> (8 * i) & 0xFF);
+  return bytes;
 }
 
 }  // namespace
@@ -39,9 +46,11 @@ void OutFile::Write(std::string_view bytes) {
 }
 
 void OutFile::WriteNumber(uint64_t value, size_t bytes) {
-  char out[8];
-  for (size_t i = 0; i < bytes; ++i) out[i] = static_cast<char>(value >> (8 * i) & 0xFF);
-  Write(std::string_view(out, bytes));
+  Write(std::string_view(LittleEndian(value).data(), bytes));
+}
+
+void OutFile::ReplaceNumber(uint64_t at, uint64_t value, size_t bytes) {
+  Replace(at, std::string_view(LittleEndian(value).data(), bytes));
 }
 
 std::string OutFile::Read(uint64_t at, size_t bytes) {

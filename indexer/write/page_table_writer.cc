@@ -26,6 +26,12 @@ static_assert(kListValueCountLimit + 1 <= kFieldTextLimit + 1);
 static_assert(kLayout.fixedSize + CategorySetBytes(kCategoryLimit) + kMostMetaBytes <=
               kLayout.LengthLimit());
 
+// A date as a record holds it.
+uint64_t RecordedTime(int64_t time) {
+  const bool dated = time > 0 && time <= std::numeric_limits<int32_t>::max();
+  return static_cast<uint64_t>(dated ? time : kNoPageDate);
+}
+
 }  // namespace
 
 PageTableWriter::PageTableWriter(const std::filesystem::path& info,
@@ -33,14 +39,12 @@ PageTableWriter::PageTableWriter(const std::filesystem::path& info,
     : info_(info), data_(data), charset_(charset) {}
 
 void PageTableWriter::AddPage(const PageEntry& page) {
-  constexpr auto kMaxTime = std::numeric_limits<int32_t>::max();
   places_.push_back({.record = info_.size(), .line = data_.size()});
   info_.WriteNumber(kLayout.fixedSize + page.categories.size() + page.metaValues.size(),
                     kLayout.lengthWidth);
   info_.WriteNumber(places_.back().line, kDataOffsetWidth);
   info_.WriteNumber(std::min(page.fileSize, LargestNumber(kFileSizeWidth)), kFileSizeWidth);
-  const bool dated = page.time > 0 && page.time <= kMaxTime;
-  info_.WriteNumber(static_cast<uint64_t>(dated ? page.time : kNoPageDate), kDateTimeWidth);
+  info_.WriteNumber(RecordedTime(page.time), kDateTimeWidth);
   info_.WriteNumber(page.boost, kBoostWidth);
   info_.WriteNumber(static_cast<uint64_t>(page.fileType), kFileTypeWidth);
   info_.Write(page.categories);
@@ -70,6 +74,10 @@ PageLine PageTableWriter::ReadLine(uint32_t page) {
           .title = std::string(texts.title),
           .description = std::string(texts.description),
           .image = std::string(texts.image)};
+}
+
+void PageTableWriter::SetTime(uint32_t page, int64_t time) {
+  info_.ReplaceNumber(places_[page].record + kLayout.dateTime, RecordedTime(time), kDateTimeWidth);
 }
 
 void PageTableWriter::AddToCategories(uint32_t page, std::string_view categories) {

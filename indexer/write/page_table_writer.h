@@ -35,6 +35,8 @@ class PageTableWriter {
   PageLine ReadLine(uint32_t page);
   // Adds a line that is no page's: no search finds it, no count has it. Returns where it begins.
   uint64_t AddLine(const PageLine& line);
+  // Puts another date in the place of the page's: seconds since 1970, as in a PageEntry.
+  void SetTime(uint32_t page, int64_t time);
   // Adds categories to those of a page: a set of the same size (see category_set.h).
   void AddToCategories(uint32_t page, std::string_view categories);
   struct Sizes {

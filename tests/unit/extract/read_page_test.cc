@@ -27,6 +27,7 @@ TEST(ReadPage, GathersWhatIsKnownOfAPage) {
   EXPECT_EQ(page.facts.image, "https://x.example/b/p.png");
   EXPECT_EQ(page.facts.fileSize, html.size());
   EXPECT_EQ(page.facts.time, 1000036800);  // noon
+  EXPECT_EQ(page.facts.ownTime, 1000036800);
   EXPECT_EQ(page.facts.fileType, FileType::kHtml);
   ASSERT_EQ(page.content.body.size(), 1u);
 }

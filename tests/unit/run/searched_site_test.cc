@@ -147,6 +147,32 @@ text = "When we are open"
   EXPECT_EQ(site.Found("visit"), "visit/index.html ");
 }
 
+TEST(SearchedSite, FilesOfOneDayDateNoPage) {
+  SearchedSite site;
+  site.Add("old.html", "words", 800000000);  // 9 May 1995
+  site.Add("dated.html", "<meta name=date content=2001-05-06>words");
+  site.Add("a.html", "words");  // 9 September 2001, as the one before
+  site.Configure("[index]\nfile_dates = \"auto\"\n");
+  const IndexSummary summary = site.Build();
+  ASSERT_EQ(summary.warnings.size(), 1u);
+  EXPECT_EQ(summary.warnings[0].reason, Reason::kFileDatesShared);
+  EXPECT_EQ(summary.warnings[0].subject, "2001-09-09");
+  const std::string answer = site.Ask("vela_query=words");
+  EXPECT_TRUE(Holds(answer, "<div class=\"infoline\">06 May 2001&nbsp; - &nbsp;"));
+  for (const char* date : {"09 Sep 2001", "09 May 1995"}) EXPECT_FALSE(Holds(answer, date));
+
+  site.Configure("[index]\nfile_dates = \"always\"\n");
+  EXPECT_TRUE(site.Build().warnings.empty());
+  const std::string trusting = site.Ask("vela_query=words");
+  for (const char* date : {"06 May 2001", "09 Sep 2001", "09 May 1995"}) {
+    EXPECT_TRUE(Holds(trusting, date)) << date;
+  }
+  site.Configure("[index]\nfile_dates = \"auto\"\n");
+  site.Add("b.html", "words", 900000000);  // 9 July 1998: now the first day has half of the files
+  EXPECT_TRUE(site.Build().warnings.empty());
+  EXPECT_TRUE(Holds(site.Ask("vela_query=words"), "09 Jul 1998"));
+}
+
 // An owner knows a page by any of its addresses.
 TEST(SearchedSite, RulesThatNameACopyMeanThePageKept) {
   SearchedSite site;

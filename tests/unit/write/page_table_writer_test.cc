@@ -113,5 +113,21 @@ TEST(PageTable, CategoriesCanComeLater) {
   for (size_t i = 0; i < 4; ++i) EXPECT_EQ(info.substr(i * 23 + 17, 6), kSets[i]);
 }
 
+TEST(PageTable, ADateCanComeLater) {
+  const support::ScratchDirectory scratch;
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageEntry entry;
+  entry.time = 0x11223344;
+  for (int i = 0; i < 3; ++i) writer.AddPage(entry);
+  writer.SetTime(1, 0x01020304);
+  writer.SetTime(2, int64_t{1} << 31);  // no date that a record can hold
+  writer.Finish();
+  const std::string info = ReadFile(scratch.path() / "info");
+  ASSERT_EQ(info.size(), 3 * 17u);
+  const std::string dates[] = {"\x44\x33\x22\x11", "\x04\x03\x02\x01", "\0\0\0\0"s};
+  for (size_t i = 0; i < 3; ++i) EXPECT_EQ(info.substr(i * 17 + 11, 4), dates[i]);
+}
+
 }  // namespace
 }  // namespace vela::indexer

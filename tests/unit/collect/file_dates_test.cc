@@ -1,0 +1,55 @@
+#include "indexer/collect/file_dates.h"
+
+#include <gtest/gtest.h>
+
+namespace vela::indexer {
+namespace {
+
+constexpr int64_t kDay = 24 * 3600;
+constexpr int64_t kFirst = 20517 * kDay;  // 2026-03-05 begins
+
+TEST(FileDates, ADayIsSharedByMoreThanHalfOfTheFiles) {
+  const struct {
+    const char* what;
+    std::vector<int64_t> times;
+    const char* day;
+  } kCases[] = {
+      {"no page", {}, ""},
+      {"one page", {kFirst}, "2026-03-05"},
+      {"exactly half", {kFirst, kFirst + 1, kFirst - 1, kFirst + kDay}, ""},
+      {"more than half", {kFirst, kFirst + kDay - 1, kFirst - 1}, "2026-03-05"},
+      {"the day before 1970", {-1, -kDay}, "1969-12-31"},
+      {"a year of five digits", {int64_t{253402300800}}, "10000-01-01"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    FileDates dates;
+    uint32_t number = 0;
+    for (const int64_t time : c.times) {
+      PageFacts page;
+      page.fileTime = time;
+      dates.AddPage(number++, page);
+    }
+    EXPECT_EQ(dates.SharedDay(), c.day);
+  }
+}
+
+TEST(FileDates, PagesDatedByTheirFileAreKept) {
+  FileDates dates;
+  PageFacts page;
+  page.fileTime = 7;
+  page.time = page.ownTime = 3;  // by a meta element
+  dates.AddPage(0, page);
+  page.time = 7;
+  dates.AddPage(1, page);
+  page.ownTime = 0;
+  dates.AddPage(2, page);
+  ASSERT_EQ(dates.pages().size(), 2u);
+  EXPECT_EQ(dates.pages()[0].page, 1u);
+  EXPECT_EQ(dates.pages()[0].ownTime, 3);
+  EXPECT_EQ(dates.pages()[1].page, 2u);
+  EXPECT_EQ(dates.pages()[1].ownTime, 0);
+}
+
+}  // namespace
+}  // namespace vela::indexer
