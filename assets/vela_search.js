@@ -1,6 +1,6 @@
-// vela_search.js: what the default template does beyond the form and the answer that the search
+// vela_search.js: what a page of the search does beyond the form and the answer that the search
 // program writes: chips of the filters that hold, few page numbers, a way back from a page that there
-// is not. Without it the page works as well, with less comfort.
+// is not, short addresses. Without it the page works as well, with less comfort.
 //
 // Its words stand on the script element: data-remove, data-beyond, data-first.
 (function () {
@@ -101,7 +101,12 @@
     return make('div', { class: 'cat_summary' }, title ? title.textContent : label, list);
   }
 
-  const place = document.querySelector('.vela_chosen');
+  // A template of one marker has no place of its own for the chips.
+  let place = document.querySelector('.vela_chosen');
+  if (!place && results) {
+    place = make('div', { class: 'vela_chosen' });
+    (document.querySelector('.cat_summary, .recommended') || results).before(place);
+  }
   if (place && results && pieces.length) {
     const all = categories();
     const others = [...fields(), ...dates()];
@@ -111,6 +116,24 @@
     // On a phone the form would push the results out of sight; the chips tell all there.
     const options = form.querySelector('.vela_options');
     if (options && (isIn || others.length) && matchMedia('(min-width: 48rem)').matches) options.open = true;
+  }
+
+  // Of an address that is on this host its path is enough, of another the scheme says nothing; and
+  // it is read as it was written.
+  function readable(path) {
+    try {
+      return decodeURI(path);
+    } catch {
+      return path;  // in another character set, or cut inside a character
+    }
+  }
+  for (const line of document.querySelectorAll('.infoline, .recommend_infoline')) {
+    const parts = line.textContent.split('\xa0 - \xa0');
+    const address = /^(?:.*\s)?(?:https?:\/\/([^/\s]+))?(\/\S*)$/.exec(parts.pop());
+    if (!address) continue;
+    const [, host, path] = address;
+    const shown = make('bdi', {}, (host && host !== location.host ? host : '') + readable(path));
+    line.replaceChildren(...parts.flatMap((part) => [part, ' \xb7 ']), shown);
   }
 
   // Another order begins with its first page.
@@ -176,6 +199,7 @@
     note.id = 'vela_note';
     note.setAttribute('role', 'alert');
     box.setAttribute('aria-describedby', note.id);
-    (box.closest('.vela_bar') || box).after(note);
+    const bar = box.closest('.vela_bar');
+    if (bar) bar.after(note);
   }
 })();

@@ -75,6 +75,22 @@ for (const template of ['own', 'default']) {
   }
 }
 
+test('the library: filters are chips, and the row of pages is short', async () => {
+  page = await openPage(browser);
+  await page.goto(`${servers.own.search}?vela_query=library&vela_page=2`);
+  assert.equal(await page.locator('.vela_current').innerText(), '2');
+  await shot(page, 'library_own_pages');
+  await page.goto(`${servers.own.search}?vela_query=library&vela_cat[]=0`);
+  assert.equal(await page.locator('.vela_on').count(), 1);
+  const line = await page.locator('.infoline').first().innerText();
+  assert.match(line, / \d\d \w{3} \d{4} \xb7 \d+k \xb7 \/[\w./-]+$/);
+  await shot(page, 'library_own_filters');
+  await assertAccessible(page);
+  await page.locator('#vela_cat-1').check();  // "all" takes the others out
+  assert.equal(await page.locator('#vela_cat0').isChecked(), false);
+  await closePage(page);
+});
+
 test('typing in the library: a suggestion leads to its page', async () => {
   page = await openPage(browser);
   await page.goto(servers.own.search);

@@ -15,6 +15,8 @@ before(async () => {
   for (const name of ['minimal', 'embed']) {
     servers[name] = await serve(makeGarden(name, { template: `search_template_${name}.html` }));
   }
+  servers.minimalBare = await serve(makeGarden('minimal_bare', { template: 'search_template_minimal.html',
+    settings: { FormFormat: 1, UseCats: 0, UseMetaFields: 0, DateRangeSearch: 0 } }));
   browser = await launch();
 });
 after(async () => {
@@ -51,18 +53,49 @@ test('minimal: suggestions, the calendar and paging work', async () => {
   await closePage(page);
 });
 
+// What vela_search.js does with the answer to `query`, in a page that has the category boxes.
+async function assertConveniences(page, visit) {
+  await visit('?vela_query=garden&vela_cat[]=0&season=1');
+  assert.deepEqual(await page.locator('.vela_on').allInnerTexts(), ['Season: Summer \xd7', 'Plants \xd7']);
+  await visit('?vela_query=garden&vela_per_page=2&vela_page=7');
+  assert.equal(await page.locator('.vela_current').innerText(), '7');
+  assert.equal(await page.locator('.result_pages').getAttribute('role'), 'navigation');
+  assert.deepEqual(await page.locator('.vela_on').count(), 0);
+  await visit('?vela_query=garden&vela_page=7');
+  assert.equal(await page.locator('.vela_beyond a').getAttribute('href'), '?vela_query=garden');
+  await visit('?vela_query=orchard');
+  assert.equal(await page.locator('.infoline').first().innerText(), '02 Oct 2024 \xb7 47k \xb7 /orchard.html');
+}
+
+test('minimal: chips, few page numbers, a way back, short addresses', async () => {
+  const page = await openPage(browser);
+  await assertConveniences(page, (query) => page.goto(servers.minimal.search + query));
+  await page.goto(`${servers.minimal.search}?vela_query=garden&season=1`);
+  await shot(page, 'minimal_filters');
+  await follow(page, () => page.locator('.vela_on a').click());
+  assert.equal(new URL(page.url()).search, '?vela_query=garden');
+  await page.goto(`${servers.minimalBare.search}?vela_query=`);
+  await assertAccessible(page);
+  // The question for words stays where the program put it.
+  assert.equal(await page.locator('form + .summary, form ~ .summary').getAttribute('role'), 'alert');
+  assert.equal(await page.locator('#vela_searchbox').getAttribute('aria-describedby'), 'vela_note');
+  await closePage(page);
+});
+
 // A site's page around the answer, as a server-side include makes it. With `style` the site links
-// the search's style sheet.
-async function embedded(page, query, style) {
+// the search's style sheet, with `script` vela_search.js.
+async function embedded(page, query, style, script) {
   const { body } = await get(servers.embed.search + query);
-  const link = style ? '<link rel="stylesheet" href="/search/vela_search.css">' : '';
+  const link = (style ? '<link rel="stylesheet" href="/search/vela_search.css">' : '') +
+    (script ? '<script defer src="/search/vela_search.js"></script>' : '');
   const whole = `<!DOCTYPE html><html lang="en"><head><meta charset="utf-8"><title>Holm Garden: search</title>${link}
     <meta name="viewport" content="width=device-width, initial-scale=1">
     <style>body { margin: 2rem; font-family: Georgia, serif; background: #fbf8f1; color: #222; } a { color: #14563b; }</style></head>
     <body><header><p><a href="/">Holm Garden</a></p></header><main><h1>Search the garden</h1>${body}</main></body></html>`;
   const address = `${servers.embed.origin}/whole.html`;
-  await page.route(address, (route) => route.fulfill({ contentType: 'text/html; charset=utf-8', body: whole }));
-  await page.goto(address);
+  await page.unroute(`${address}*`);
+  await page.route(`${address}*`, (route) => route.fulfill({ contentType: 'text/html; charset=utf-8', body: whole }));
+  await page.goto(address + query);
 }
 
 test('embed: nothing but the search', async () => {
@@ -88,6 +121,15 @@ for (const [name, style, options] of [['with_the_style_sheet', true, {}], ['with
     await closePage(page);
   });
 }
+
+test('embed: a page that links the script has its conveniences', async () => {
+  const page = await openPage(browser);
+  await assertConveniences(page, (query) => embedded(page, query, true, true));
+  await embedded(page, '?vela_query=garden&season=1', true, true);
+  await shot(page, 'embed_filters');
+  await assertAccessible(page);
+  await closePage(page);
+});
 
 test('embed: suggestions and the calendar work', async () => {
   const page = await openPage(browser);
