@@ -7,8 +7,8 @@
 #   bench/compare.sh [--corpus small|medium|large] [--runs N] [--only vela] [--instructions]
 #                    [--without KEY,...] [--build DIR] [--corpora DIR] [--keep DIR] [--results DIR]
 # Needs what `scripts/install_packages.sh bench` installs, none of which is needed for the tests.
-# Pages and indexes are kept: --corpora, else $VELA_CORPORA, else build/corpora. The other programs' indexes of the large corpus take an hour,
-# most of it Namazu's (`--without namazu`), and 4 GB.
+# Pages and indexes are kept: --corpora, else $VELA_CORPORA, else build/corpora. The other programs'
+# indexes of the large corpus take an hour, most of it Namazu's (`--without namazu`), and 4 GB.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 build=$here/../build/release
