@@ -7,23 +7,17 @@ there from an earlier run is used again, but for our own index when its program 
 import argparse
 import json
 import math
-import os
-import platform
 import shutil
 import statistics
-import subprocess
 import sys
-import tempfile
-import time
 from dataclasses import asdict
-from datetime import datetime, timezone
 from pathlib import Path
 
 import chart
+from measure import circumstances, count_instructions, markdown_table, run_timed, time_commands
 from peers import LOOKUP_FILE, Namazu, Omega, PlainVela, SqliteFts, SwishE, Vela
 from queries import KINDS, Query, choose_queries
 
-HERE = Path(__file__).resolve().parent
 SEED = 7
 BASELINE = "omega"
 
@@ -31,19 +25,6 @@ BASELINE = "omega"
 def size_of(paths):
     files = [file for path in paths for file in ([path] if path.is_file() else path.rglob("*"))]
     return sum(file.stat().st_size for file in files if file.is_file())
-
-
-def run_timed(command):
-    """CPU and wall seconds and peak memory (kB) of a command and all that it starts."""
-    with tempfile.NamedTemporaryFile("r") as figures:
-        started = time.monotonic()
-        done = subprocess.run(["/usr/bin/time", "-f", "%U %S %M", "-o", figures.name, *command],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, check=False)
-        wall = time.monotonic() - started
-        last = figures.read().splitlines()[-1].split()
-    if done.returncode != 0:
-        sys.exit(f"{command[0]} failed:\n{done.stderr.decode('utf-8', 'replace')[-2000:]}")
-    return float(last[0]) + float(last[1]), wall, int(last[2])
 
 
 def make_index(program, pages, keep, newer_than):
@@ -63,54 +44,6 @@ def make_index(program, pages, keep, newer_than):
     return made
 
 
-def time_requests(timer, runs, empty, programs, queries):
-    """(program key, query number) -> median, lower quartile (ms), peak memory (kB), page faults."""
-    lines = [f"empty\t/\t--\t{empty}"]
-    for number, query in enumerate(queries):
-        for program in programs:
-            command = program.command(query)
-            lines.append("\t".join([f"{program.key}/{number}", str(command.folder),
-                                    *(f"{name}={value}"
-                                      for name, value in command.variables.items()),
-                                    "--", *command.arguments]))
-    done = subprocess.run([timer, str(runs)], input="\n".join(lines) + "\n", text=True, check=True,
-                          stdout=subprocess.PIPE)
-    figures = {}
-    for line in done.stdout.splitlines():
-        name, median, lower, peak, faults, _ = line.split("\t")
-        figures[name] = {"ms": float(median) / 1000, "lower_ms": float(lower) / 1000,
-                         "peak_kb": int(peak), "faults": int(faults)}
-    return figures
-
-
-def count_instructions(program, query, work):
-    """Of one request, with callgrind; a figure that does not depend on what else runs."""
-    out = work / "callgrind.out"
-    command = program.command(query)
-    subprocess.run(["valgrind", "--tool=callgrind", f"--callgrind-out-file={out}",
-                    *command.arguments], cwd=command.folder, env=command.variables, check=True,
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    for line in out.read_text().splitlines():
-        if line.startswith(("summary:", "totals:")):
-            return int(line.split()[1])
-    sys.exit("callgrind counted nothing")
-
-
-def machine():
-    model = "unknown processor"
-    for line in Path("/proc/cpuinfo").read_text().splitlines():
-        if line.startswith("model name"):
-            model = line.split(":", 1)[1].strip()
-            break
-    return f"{model}, {os.cpu_count()} cores, Linux {platform.release()}"
-
-
-def commit():
-    done = subprocess.run(["git", "-C", str(HERE), "describe", "--always", "--dirty"], text=True,
-                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
-    return done.stdout.strip() or "unknown"
-
-
 def geometric_mean(values):
     return math.exp(statistics.fmean(math.log(value) for value in values))
 
@@ -125,58 +58,58 @@ def by_kind(queries, values, summary):
     return found
 
 
-def table(header, rows):
-    lines = ["| " + " | ".join(header) + " |", "|" + " --- |" + " ---: |" * (len(header) - 1)]
-    lines += ["| " + " | ".join(str(cell) for cell in row) + " |" for row in rows]
-    return "\n".join(lines)
+def table_by_kind(programs, field, form="{:.2f}", rest=()):
+    """A row a kind of query, a column a program, numbers as `form` says."""
+    kinds = [kind for kind in KINDS if kind in programs[0][field]]
+    rows = [[kind, *(form.format(program[field][kind]) for program in programs)]
+            for kind in kinds]
+    return markdown_table(["", *(program["title"] for program in programs)], [*rows, *rest])
 
 
 def report(result):
     """The tables of a result as Markdown."""
     programs = result["programs"]
     titles = [program["title"] for program in programs]
-    times = {program["key"]: program["ms_by_kind"] for program in programs}
-    kinds = [kind for kind in KINDS if kind in programs[0]["ms_by_kind"]]
+    empty = result["empty"]
     parts = [f"# Searches of {result['pages']:,} pages ({result['corpus']})", "",
              f"{result['date']}, commit {result['commit']}, {result['machine']}, load "
              f"{result['load']}. `{result['command']}`", "",
              f"One fresh process a request, warm cache, {result['runs']} rounds by turns; the "
              f"median of each query, then the median of a kind's queries. An empty program takes "
-             f"{result['empty']['ms']:.2f} ms.", "", "## Milliseconds a request", "",
-             table(["", *titles], [[kind, *(f"{times[p['key']][kind]:.2f}" for p in programs)]
-                                   for kind in kinds])]
-    if any("ratio_by_kind" in program for program in programs):
+             f"{empty['ms']:.2f} ms, {empty['cpu_ms']:.2f} ms of CPU, {empty['peak_kb']} kB.", "",
+             "## Milliseconds a request", "", table_by_kind(programs, "ms_by_kind"), "",
+             "## CPU milliseconds a request", "",
+             "What the process had of a processor: hardly depends on what else the machine does.",
+             "", table_by_kind(programs, "cpu_ms_by_kind")]
+    if "ratio" in programs[0]:
+        everything = ["all queries", *(f"{program['ratio']:.2f}" for program in programs)]
+        cpu = ["all queries, CPU", *(f"{program['cpu_ratio']:.2f}" for program in programs)]
         parts += ["", "## Time against Omega's", "", "The geometric mean over the queries of a "
                   "kind, of the whole request; below 1 is faster than Omega.", "",
-                  table(["", *titles],
-                        [[kind, *(f"{p['ratio_by_kind'][kind]:.2f}" for p in programs)]
-                         for kind in kinds] +
-                        [["all queries", *(f"{p['ratio']:.2f}" for p in programs)]])]
+                  table_by_kind(programs, "ratio_by_kind", rest=[everything, cpu])]
     parts += ["", "## Memory of a request", "",
-              table(["", *titles],
-                    [["peak, MB", *(f"{p['peak_kb'] / 1024:.1f}" for p in programs)],
-                     ["page faults, median", *(f"{p['faults']:.0f}" for p in programs)]])]
-    indexed = [program for program in programs if program["index"]]
+              markdown_table(["", *titles],
+                             [["peak, MB", *(f"{p['peak_kb'] / 1024:.1f}" for p in programs)],
+                              ["page faults, median", *(f"{p['faults']:.0f}" for p in programs)]])]
+    made = [program["index"] for program in programs]
     parts += ["", "## The index", "",
-              table(["", *(program["title"] for program in indexed)],
-                    [["MB on disk", *(f"{p['index']['bytes'] / 1e6:.1f}" for p in indexed)],
-                     ["CPU seconds", *(f"{p['index']['cpu_seconds']:.1f}" for p in indexed)],
-                     ["wall seconds", *(f"{p['index']['wall_seconds']:.1f}" for p in indexed)],
-                     ["peak memory, MB",
-                      *(f"{p['index']['peak_kb'] / 1024:.0f}" for p in indexed)]])]
-    if "instructions_by_kind" in programs[0]:
-        counted = [program for program in programs if "instructions_by_kind" in program]
-        parts += ["", "## Million instructions a request", "",
-                  table(["", *(program["title"] for program in counted)],
-                        [[kind, *(f"{p['instructions_by_kind'][kind] / 1e6:.2f}" for p in counted)]
-                         for kind in kinds])]
+              markdown_table(["", *titles],
+                             [["MB on disk", *(f"{one['bytes'] / 1e6:.1f}" for one in made)],
+                              ["CPU seconds", *(f"{one['cpu_seconds']:.1f}" for one in made)],
+                              ["wall seconds", *(f"{one['wall_seconds']:.1f}" for one in made)],
+                              ["peak memory, MB", *(f"{one['peak_kb'] / 1024:.0f}"
+                                                    for one in made)]])]
+    counted = [program for program in programs if "instructions_by_kind" in program]
+    if counted:
+        parts += ["", "## Instructions a request", "",
+                  table_by_kind(counted, "instructions_by_kind", "{:,.0f}")]
     parts += ["", "## Pages found", "", "Programs cut words differently, so some difference is "
               "right; a program that finds nothing where the others find hundreds did not do the "
               "work.", "",
-              table(["query", "kind", *titles],
-                    [[f"`{query['text']}`", query["kind"],
-                      *(f"{p['found'][number]:,}" for p in programs)]
-                     for number, query in enumerate(result["queries"])])]
+              markdown_table(["query", "kind", *titles],
+                             [[f"`{query['text']}`", query["kind"],
+                               *(f"{program['found'][number]:,}" for program in programs)]
+                              for number, query in enumerate(result["queries"])])]
     return "\n".join(parts) + "\n"
 
 
@@ -261,33 +194,35 @@ def main():
 
     print(f"timing {len(queries)} queries, {arguments.runs} rounds ...", file=sys.stderr,
           flush=True)
-    load = f"{os.getloadavg()[0]:.1f}"
-    figures = time_requests(binaries / "time_commands", arguments.runs, binaries / "empty_program",
-                            programs, queries)
+    measured = circumstances()
+    figures = time_commands(binaries, arguments.runs,
+                            {f"{program.key}/{number}": program.command(query)
+                             for number, query in enumerate(queries) for program in programs})
     result = {"corpus": arguments.corpus, "pages": sum(1 for _ in pages.rglob("*.html")),
-              "date": datetime.now(timezone.utc).strftime("%Y-%m-%d"), "commit": commit(),
-              "machine": machine(), "load": load, "runs": arguments.runs, "seed": SEED,
+              **measured, "runs": arguments.runs, "seed": SEED,
               "command": f"bench/compare.sh --corpus {arguments.corpus} --runs {arguments.runs}",
               "empty": figures["empty"],
               "queries": [{"kind": query.kind, "text": str(query)} for query in queries],
               "programs": []}
-    baseline = [figures[f"{BASELINE}/{number}"]["ms"] for number in range(len(queries))] \
-        if f"{BASELINE}/0" in figures else None
     for program in programs:
         own = [figures[f"{program.key}/{number}"] for number in range(len(queries))]
-        times = [one["ms"] for one in own]
-        record = {"key": program.key, "title": program.title, "index": made[program.key],
-                  "ms": times, "ms_by_kind": by_kind(queries, times, statistics.median),
-                  "lower_ms": [one["lower_ms"] for one in own],
-                  "peak_kb": max(one["peak_kb"] for one in own),
-                  "faults": statistics.median(one["faults"] for one in own),
-                  "found": [program.count(query) for query in queries]}
-        if baseline:
-            ratios = [time / base for time, base in zip(times, baseline)]
+        record = {"key": program.key, "title": program.title, "index": made[program.key]}
+        for field in ("ms", "lower_ms", "cpu_ms"):
+            record[field] = [one[field] for one in own]
+        for field in ("ms", "cpu_ms"):
+            record[f"{field}_by_kind"] = by_kind(queries, record[field], statistics.median)
+        record["peak_kb"] = max(one["peak_kb"] for one in own)
+        record["faults"] = statistics.median(one["faults"] for one in own)
+        record["found"] = [program.count(query) for query in queries]
+        if f"{BASELINE}/0" in figures:
+            base = [figures[f"{BASELINE}/{number}"] for number in range(len(queries))]
+            ratios = [one["ms"] / other["ms"] for one, other in zip(own, base)]
             record["ratio_by_kind"] = by_kind(queries, ratios, geometric_mean)
             record["ratio"] = geometric_mean(ratios)
+            record["cpu_ratio"] = geometric_mean([one["cpu_ms"] / other["cpu_ms"]
+                                                  for one, other in zip(own, base)])
         if arguments.instructions and isinstance(program, Vela):
-            counts = [count_instructions(program, query, keep) for query in queries]
+            counts = [count_instructions(program.command(query)) for query in queries]
             record["instructions"] = counts
             record["instructions_by_kind"] = by_kind(queries, counts, statistics.median)
         result["programs"].append(record)

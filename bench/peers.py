@@ -8,34 +8,15 @@ import os
 import re
 import shutil
 import sqlite3
-import subprocess
 import sys
-from dataclasses import dataclass
 from pathlib import Path
 from urllib.parse import quote_plus
+
+from measure import Command, cgi
 
 HERE = Path(__file__).resolve().parent
 BASE_URL = "http://127.0.0.1/"
 LOOKUP_FILE = "vela_lookup.vdat"
-
-
-@dataclass
-class Command:
-    folder: Path
-    variables: dict
-    arguments: list
-
-    def run(self):
-        """Standard output; a program that fails to start ends the benchmark."""
-        return subprocess.run(self.arguments, cwd=self.folder, env=self.variables, check=False,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
-
-
-def cgi(folder, program, query_string, **variables):
-    return Command(folder, {"REQUEST_METHOD": "GET", "QUERY_STRING": query_string,
-                            "SCRIPT_NAME": "/search/" + Path(program).name,
-                            "SERVER_PROTOCOL": "HTTP/1.1", "REMOTE_ADDR": "127.0.0.1",
-                            **variables}, [str(program)])
 
 
 def in_quotes(query):

@@ -7,7 +7,8 @@
 // The process starts in FOLDER, with these variables as its whole environment; its output is thrown
 // away. After one round that is not counted, every round runs each command once, so that whatever
 // else the machine does meets all of them. One line a command, divided by tabs:
-//   NAME MEDIAN LOWER_QUARTILE (microseconds) PEAK_MEMORY (kB) MINOR_FAULTS EXIT_STATUS
+//   NAME MEDIAN LOWER_QUARTILE CPU_MEDIAN (microseconds) PEAK_MEMORY (kB) MINOR_FAULTS EXIT_STATUS
+// The CPU time is what the process had of a processor, and hardly depends on what else wants one.
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -35,9 +36,10 @@ struct Command {
   std::string folder;
   std::vector<std::string> variables;
   std::vector<std::string> arguments;
-  std::vector<double> times;  // microseconds
-  long minorFaults = 0;       // of the last run
-  int exitStatus = 0;         // of the last run; 128 and the signal when it was killed
+  std::vector<double> times;     // from start to end, microseconds
+  std::vector<double> cpuTimes;  // microseconds
+  long minorFaults = 0;          // of the last run
+  int exitStatus = 0;            // of the last run; 128 and the signal when it was killed
 };
 
 [[noreturn]] void Fail(const std::string& what) {
@@ -75,6 +77,10 @@ int ExitStatus(int status) {
   return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
+double Microseconds(const timeval& time) {
+  return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_usec);
+}
+
 void RunOnce(Command& command, bool counted) {
   const std::vector<char*> arguments = PointersTo(command.arguments);
   const std::vector<char*> variables = PointersTo(command.variables);
@@ -97,6 +103,7 @@ void RunOnce(Command& command, bool counted) {
   posix_spawn_file_actions_destroy(&actions);
   if (!counted) return;
   command.times.push_back(std::chrono::duration<double, std::micro>(end - start).count());
+  command.cpuTimes.push_back(Microseconds(usage.ru_utime) + Microseconds(usage.ru_stime));
   command.minorFaults = usage.ru_minflt;
   command.exitStatus = ExitStatus(status);
 }
@@ -164,8 +171,9 @@ int main(int argc, char** argv) {
     for (Command& command : commands) RunOnce(command, run > 0);
   }
   for (Command& command : commands) {
-    printf("%s\t%.1f\t%.1f\t%ld\t%ld\t%d\n", command.name.c_str(), Quantile(command.times, 0.5),
-           Quantile(command.times, 0.25), MeasurePeak(command), command.minorFaults,
+    printf("%s\t%.1f\t%.1f\t%.1f\t%ld\t%ld\t%d\n", command.name.c_str(),
+           Quantile(command.times, 0.5), Quantile(command.times, 0.25),
+           Quantile(command.cpuTimes, 0.5), MeasurePeak(command), command.minorFaults,
            command.exitStatus);
   }
   return 0;
