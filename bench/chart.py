@@ -6,7 +6,7 @@ A number of 0 or less has no place on a logarithmic scale and is left out.
 import math
 from html import escape
 
-# Told apart by people who do not see every colour, too; the first one is ours.
+# Told apart by people who do not see every colour, too.
 COLOURS = ("#0b6bcb", "#7fb2e5", "#c4501b", "#7a5195", "#2e7d4f", "#b8860b", "#8a1538", "#5f6b76")
 INK, FAINT, LINE = "#1f2933", "#5f6b76", "#dde2e7"
 
@@ -63,7 +63,7 @@ class Scale:
 
 
 def dot_rows(title, subtitle, unit, series, rows):
-    """One line a row with a dot for each of `series`.
+    """One line a row with a dot for each of `series`, name -> colour.
 
     rows: (name, {series: value}). The legend stands above.
     """
@@ -73,10 +73,10 @@ def dot_rows(title, subtitle, unit, series, rows):
                   left, right)
     parts = [_text(20, 30, title, size=16, weight="bold"), _text(20, 50, subtitle, colour=FAINT)]
     x = 20
-    for name, colour in zip(series, COLOURS):
+    for name, colour in series.items():
         parts += [f'<circle cx="{x + 5}" cy="70" r="5" fill="{colour}"/>',
                   _text(x + 15, 74, name)]
-        x += 34 + 7 * len(name)
+        x += 34 + 8 * len(name)
     for value, label in scale.ticks():
         parts += [_line(scale.at(value), top - 8, scale.at(value), bottom),
                   _text(scale.at(value), bottom + 16, label, "middle", colour=FAINT)]
@@ -85,7 +85,7 @@ def dot_rows(title, subtitle, unit, series, rows):
         y = top + step * number + step / 2
         parts += [_text(left - 14, y + 4, name, "end"), _line(left, y, right, y)]
         # The first series is drawn last, above the others.
-        for key, colour in reversed(list(zip(series, COLOURS))):
+        for key, colour in reversed(series.items()):
             if values.get(key, 0) > 0:
                 parts.append(f'<circle cx="{scale.at(values[key]):.1f}" cy="{y:.1f}" r="6" '
                              f'fill="{colour}"><title>{escape(key)}: {values[key]:.3g} '

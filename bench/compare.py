@@ -20,6 +20,7 @@ from queries import KINDS, Query, choose_queries
 
 SEED = 7
 BASELINE = "omega"
+COLOURS = dict(zip(("ours", "plain", "omega", "swish", "namazu", "sqlite"), chart.COLOURS))
 
 
 def size_of(paths):
@@ -120,7 +121,7 @@ def draw(result):
     return chart.dot_rows(f"One search of {result['pages']:,} pages, as a process of its own",
                           f"Medians; an empty program takes {result['empty']['ms']:.1f} ms. "
                           f"Logarithmic: each step to the right is a multiple.",
-                          "milliseconds", [p["title"] for p in programs], rows)
+                          "milliseconds", {p["title"]: COLOURS[p["key"]] for p in programs}, rows)
 
 
 def parse_arguments():
