@@ -34,7 +34,7 @@ ln -sf "$work"/large/vela_*.vdat "$work/large/search_template.html" "$marked"
   cat "$work/large/settings.vdat"
   printf '%s = 1\n' DisplayContext Highlighting AllowExactPhrase
 } >"$marked/settings.vdat"
-read -r _ _ _ common next <"$work/words"
+read -r _ _ _ common next _ <"$work/words"
 phrase="%22$common+$next%22"
 "$bin/process_bench" 100 "$bin/empty_program" "$bin/vela_search" "$work/large" "$first+$second" \
   "$marked" "$first+$second" "$marked" "$phrase"
