@@ -27,7 +27,7 @@ constexpr std::string_view kWordJoinChars = ".-_";
 constexpr size_t kWordBytesLimit = 120;
 
 struct TextToken {
-  char32_t sign = 0;         // 0 for a word
+  char32_t sign = 0;         // 0 for a word; of a picture of several characters the first
   std::string_view base;     // of a word: lower-cased, as the dictionary has it
   std::string_view surface;  // as the page writes it
 };
@@ -38,7 +38,7 @@ struct FoundForm {
   std::string text;
 };
 
-// One character of a chunk.
+// One character of a chunk, or the several of one picture (see GoesWithSymbol).
 struct ChunkCharacter {
   uint32_t at = 0;
   uint32_t length = 0;
@@ -46,7 +46,7 @@ struct ChunkCharacter {
   CharacterKind kind = CharacterKind::kWord;
 };
 
-// The tokens of one chunk. All views point into this record and hold until the next cut.
+// The tokens of one chunk. All views hold until the next cut.
 struct ChunkTokens {
   std::vector<TextToken> tokens;
   std::vector<FoundForm> forms;

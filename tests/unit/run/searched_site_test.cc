@@ -140,6 +140,14 @@ TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
       {"the \uFB01rst \uFF26\uFF35\uFF2C\uFF2C line", "first full line"},
       {"\u1F41 \u03BB\u03CC\u03B3\u03BF\u03C2 \u03BA\u03B1\u03AF",
        "\u039B\u038C\u0393\u039F\u03A3 \u039A\u0391\u038A"},
+      {"def delete(d, n): d.rotate(-n)", "delete(d, n): d.rotate(-n)"},
+      {"an old class (__metaclass__ and more)", "old class (__metaclass__"},
+      {"new in x.__mro__: more", "in x.__mro"},
+      {"may be (re-)enabled", "be (re-)enabled"},
+      {"samples of 1-, 2-byte", "of 1-, 2-byte"},
+      {"go \u2192 on \u2B07 down", "go \u2192 on \u2B07 down"},
+      {"go \U0001F600 on", "go \U0001F600 on"},
+      {"an area of 5m\u00B2 only", "of 5m2 only"},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.query);
@@ -147,6 +155,34 @@ TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
     site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>") + c.text);
     site.Build();
     EXPECT_EQ(site.Found("%22" + Encoded(c.query) + "%22"), "a.html ");
+  }
+}
+
+TEST(SearchedSite, SignsBesideAWordDoNotHideIt) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"Download\u2B07", "download"},
+      {"\u2192next", "next"},
+      {"Star\u2605", "star"},
+      {"Great\U0001F600", "great"},
+      {"Great\U0001F600", "Great\U0001F600"},
+      {"Great!\U0001F600", "\U0001F600"},
+      {"so great \U0001F600", "\U0001F600"},
+      {"go\u27A1\uFE0F", "go\u27A1\uFE0F"},
+      {"hi\U0001F44B\U0001F3FD", "hi"},
+      {"1\uFE0F\u20E3", "1"},
+      {"1\uFE0F\u20E3", "1\uFE0F\u20E3"},
+      {"Word\u2122", "word"},
+      {"\u20B9500", "500"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(std::string(c.text) + " by " + c.query);
+    SearchedSite site;
+    site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>word ") + c.text);
+    site.Build();
+    EXPECT_EQ(site.Found(Encoded(c.query)), "a.html ");
+    EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=word"), c.text));
   }
 }
 
