@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "indexer/words/compatible_text.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/query_folding.h"
@@ -102,6 +103,12 @@ void ForEachQueryWord(std::string& text, Use use) {
 void AddForms(ChunkCut& cut, size_t token, std::string_view surface) {
   AddForm(cut, token, LowerUtf8Copy(surface));
   for (std::string& form : PlainForms(surface)) AddForm(cut, token, std::move(form));
+  std::string compatible = LowerUtf8Copy(CompatibleText(surface));
+  if (compatible.empty()) return;
+  ForEachQueryWord(compatible, [&](std::string_view word) {
+    AddForm(cut, token, std::string(word));
+    for (std::string& form : PlainForms(word)) AddForm(cut, token, std::move(form));
+  });
 }
 
 // Calls `use(first, last)` for each longest run of word characters among first .. last.

@@ -186,6 +186,32 @@ TEST(SearchedSite, SignsBesideAWordDoNotHideIt) {
   }
 }
 
+TEST(SearchedSite, CharactersThatStandForOthersAreFoundByThose) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"\uFF76\uFF9E\uFF97\uFF7D", "\u30AC\u30E9\u30B9"},  // half-width katakana with its mark
+      {"\uFF76\uFF9E\uFF97\uFF7D", "\uFF76\uFF9E\uFF97\uFF7D"},
+      {"\u2460", "1"},
+      {"H\u2082O", "h2o"},
+      {"10\u2074", "104"},
+      {"20\u2103", "20"},
+      {"\u3314", "\u30AD\u30ED"},  // a unit in one character
+      {"Part \u2163", "iv"},
+      {"Part \u2163", "\u2163"},
+      {"o\uFB03ce", "office"},
+      {"\uFE8D\uFEDF", "\u0627\u0644"},  // Arabic letters in the form that printers use
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(std::string(c.text) + " by " + c.query);
+    SearchedSite site;
+    site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>word ") + c.text);
+    site.Build();
+    EXPECT_EQ(site.Found(Encoded(c.query)), "a.html ");
+    EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=word"), c.text));
+  }
+}
+
 TEST(SearchedSite, MoreThanEightCategories) {
   SearchedSite site;
   std::string toml;

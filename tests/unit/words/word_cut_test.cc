@@ -120,7 +120,13 @@ TEST(WordCut, CutsChunks) {
       {"a cap on a sign", "a#️⃣", "a# ️⃣ {a ️⃣}"},
       {"a joiner inside a word", "क्‍ष", "क्‍ष"},
       {"a currency", "₹500", "₹ 500"},
+      {"a superscript", "m²", "m² {m2}"},
+      {"a circled digit", "①", "① {1}"},
+      {"a Roman numeral", "Ⅳ", "ⅳ/Ⅳ {iv}"},
       {"a trade mark", "Word™", "word/Word ™"},
+      {"a degree in one character", "20℃", "20℃ {20 c}"},
+      {"half-width katakana", "ｶﾞﾗｽ", "ｶﾞﾗｽ {ガラス}"},
+      {"a unit in one character", "㌔", "㌔ {キロ}"},
       {"a sign that is not shown", "word¶", "word"},
       {"damage in the text cuts",
        "a\xEF\xBF\xBD"
