@@ -142,17 +142,48 @@ bool WriteToken(ChunkCut& cut, std::string_view surface) {
   return true;
 }
 
+// Writes the characters first .. last as the words that word_breaks.h finds, and the signs before
+// them. Each two words that follow each other are a form of the first.
+void WriteBrokenPart(ChunkCut& cut, size_t first, size_t last) {
+  constexpr std::string_view kBreakText = "\u200B";
+  WriteSigns(cut, first);
+  cut.next = last;
+  const std::string_view part = SurfaceOf(cut, first, last);
+  const size_t firstToken = cut.out.tokens.size();
+  size_t begin = 0;
+  size_t begunBefore = 0;
+  bool followsWord = false;  // the token written last is the word that ends at `begin`
+  for (const uint32_t end : cut.out.breaks.EndsOf(part)) {
+    const size_t before = cut.out.tokens.size() - 1;
+    if (followsWord) {
+      AddForms(cut, before, part.substr(begunBefore, end - begunBefore));
+      cut.out.tokens.push_back({.sign = kWordBreakSign, .base = {}, .surface = kBreakText});
+    }
+    followsWord = WriteToken(cut, part.substr(begin, end - begin));
+    begunBefore = begin;
+    begin = end;
+  }
+  if (firstToken < cut.out.tokens.size()) AddForms(cut, firstToken, part);
+}
+
 // Writes the characters first .. last as one word, and the signs before them; as its parts if it is
-// too long.
+// too long, and as several where no blanks are written.
 void WriteWord(ChunkCut& cut, size_t first, size_t last) {
   const auto& characters = cut.out.characters;
   const std::string_view surface = SurfaceOf(cut, first, last);
-  if (surface.size() > kWordBytesLimit) {
-    const bool isOnePart = std::all_of(characters.begin() + static_cast<ptrdiff_t>(first),
-                                       characters.begin() + static_cast<ptrdiff_t>(last), IsWord);
-    cut.next = isOnePart ? last : cut.next;
-    if (isOnePart) return;
-    ForEachPart(cut, first, last, [&](size_t a, size_t b) { WriteWord(cut, a, b); });
+  const bool isBroken =
+      std::any_of(characters.begin() + static_cast<ptrdiff_t>(first),
+                  characters.begin() + static_cast<ptrdiff_t>(last),
+                  [](const ChunkCharacter& c) { return IsWrittenWithoutBlanks(c.character); });
+  if (isBroken || surface.size() > kWordBytesLimit) {
+    const size_t firstToken = cut.out.tokens.size();
+    size_t inParts = 0;
+    ForEachPart(cut, first, last, [&](size_t a, size_t b) {
+      WriteBrokenPart(cut, a, b);
+      inParts += b - a;
+    });
+    const size_t token = FirstWordFrom(cut, firstToken);
+    if (token < cut.out.tokens.size() && inParts < last - first) AddForms(cut, token, surface);
     return;
   }
   WriteSigns(cut, first);

@@ -212,6 +212,45 @@ TEST(SearchedSite, CharactersThatStandForOthersAreFoundByThose) {
   }
 }
 
+// One sentence each, longer than a word may be.
+TEST(SearchedSite, WordsThatNoBlanksPartAreFound) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"\u6771\u4EAC\u56F3\u66F8\u9928\u306F\u958B\u3044\u3066\u3044\u307E\u3059",
+       "\u56F3\u66F8\u9928"},
+      {"\u6771\u4EAC\u56F3\u66F8\u9928\u306F\u958B\u3044\u3066\u3044\u307E\u3059", "\u6771\u4EAC"},
+      {"\u6771\u4EAC\u56F3\u66F8\u9928\u306F\u958B\u3044\u3066\u3044\u307E\u3059",
+       "\u6771\u4EAC\u56F3\u66F8\u9928"},
+      {"\u0E01\u0E23\u0E38\u0E07\u0E40\u0E17\u0E1E\u0E40\u0E1B\u0E47\u0E19\u0E40\u0E21\u0E37\u0E2D"
+       "\u0E07\u0E2B\u0E25\u0E27\u0E07\u0E02\u0E2D\u0E07\u0E1B\u0E23\u0E30\u0E40\u0E17\u0E28\u0E44"
+       "\u0E17\u0E22",  // Bangkok is the capital of Thailand
+       "\u0E40\u0E21\u0E37\u0E2D\u0E07\u0E2B\u0E25\u0E27\u0E07"},
+      {"\u0E01\u0E23\u0E38\u0E07\u0E40\u0E17\u0E1E\u0E40\u0E1B\u0E47\u0E19\u0E40\u0E21\u0E37\u0E2D"
+       "\u0E07\u0E2B\u0E25\u0E27\u0E07\u0E02\u0E2D\u0E07\u0E1B\u0E23\u0E30\u0E40\u0E17\u0E28\u0E44"
+       "\u0E17\u0E22",
+       "\u0E1B\u0E23\u0E30\u0E40\u0E17\u0E28\u0E44\u0E17\u0E22"},
+  };
+  for (const auto& c : kCases) {
+    for (const int times :
+         {1, 20}) {  // as a short stretch, and as one that is longer than any word
+      SCOPED_TRACE(std::string(c.text) + " by " + c.query);
+      std::string text;
+      for (int i = 0; i < times; ++i) text += c.text;
+      SearchedSite site;
+      site.Add("a.html", "<meta charset=utf-8><title>T</title>word " + text);
+      site.Build();
+      EXPECT_EQ(site.Found(Encoded(c.query)), "a.html ");
+      // The passage is the page's own but for places where a line may break.
+      std::string answer = site.Ask("vela_xml=1&vela_query=word");
+      const std::string_view kBreak = "\u200B";
+      for (size_t at; (at = answer.find(kBreak)) != answer.npos;) answer.erase(at, kBreak.size());
+      EXPECT_TRUE(Holds(answer, c.text));
+      EXPECT_EQ(site.Found(Encoded(text)), times == 1 ? "a.html " : "");
+    }
+  }
+}
+
 TEST(SearchedSite, MoreThanEightCategories) {
   SearchedSite site;
   std::string toml;

@@ -148,6 +148,25 @@ TEST(WordCut, LongWordsAreFoundByTheirParts) {
   EXPECT_EQ(Cut(word + "a.b"), ". b");
 }
 
+// Dictionary words: 東京 図書館 は ; ภาษา ไทย.
+TEST(WordCut, FindsWordsThatNoBlanksPart) {
+  EXPECT_EQ(Cut("東京図書館"), "東京 + 図書館 {東京図書館}");
+  EXPECT_EQ(Cut("ภาษาไทย"), "ภาษา + ไทย {ภาษาไทย}");
+  EXPECT_EQ(Cut("「Linux入門」"), "「 linux/Linux + 入門 」 {linux入門}");
+  EXPECT_EQ(Cut("東京.jp"), "東京 . jp {東京.jp}");
+  EXPECT_EQ(Cut("한국어"), "한국어");
+}
+
+TEST(WordCut, LongTextWithoutBlanksIsCut) {
+  std::string chunk;
+  std::string tokens;
+  for (int i = 0; i < 50; ++i) {
+    chunk += "東京図書館";
+    tokens += i == 0 ? "東京 + 図書館" : " + 東京 + 図書館";
+  }
+  EXPECT_EQ(Cut(chunk), tokens + " {図書館東京 東京図書館}");
+}
+
 TEST(WordCut, ChunksAreWhatBlanksLeave) {
   std::string_view text = "  one two,  three";
   EXPECT_EQ(NextChunk(text), "one");
