@@ -145,6 +145,7 @@ TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
       {"new in x.__mro__: more", "in x.__mro"},
       {"may be (re-)enabled", "be (re-)enabled"},
       {"samples of 1-, 2-byte", "of 1-, 2-byte"},
+      {"f(first, second, third, fourth, fifth)", "f(first, second, third, fourth, fifth)"},
       {"go \u2192 on \u2B07 down", "go \u2192 on \u2B07 down"},
       {"go \U0001F600 on", "go \U0001F600 on"},
       {"an area of 5m\u00B2 only", "of 5m2 only"},
@@ -156,6 +157,15 @@ TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
     site.Build();
     EXPECT_EQ(site.Found("%22" + Encoded(c.query) + "%22"), "a.html ");
   }
+}
+
+TEST(SearchedSite, APhraseIsFoundBehindManyOfItsFirstWord) {
+  SearchedSite site;
+  std::string text;
+  for (int i = 0; i < 300; ++i) text += "the end of the list ";
+  site.Add("a.html", "<title>T</title>" + text + "the bottom");
+  site.Build();
+  EXPECT_EQ(site.Found("%22the+bottom%22"), "a.html ");
 }
 
 TEST(SearchedSite, SignsBesideAWordDoNotHideIt) {
