@@ -13,6 +13,12 @@ three to six words are drawn at random, and asked for as a visitor would who cop
 
 It counts as found when the answer holds the page that it came from. Signs that mean something in
 a query (quotes, *, ?) and what begins with "-" are not drawn.
+
+Some of what is drawn cannot be asked for, whatever the index holds: the share without that is told
+beside the other, with the misses of each kind.
+
+    less-than sign  the query keeps "<" as a part of its word, and no word may hold it
+    half a name     taking off signs left "name__" of "__name__"
 """
 import argparse
 import os
@@ -21,6 +27,7 @@ import re
 import subprocess
 import sys
 import tempfile
+from collections import Counter
 from pathlib import Path
 from urllib.parse import quote_plus
 
@@ -91,8 +98,16 @@ def can_ask(text):
     return not MEANT & set(text) and not re.search(r"(^|\s)-", text) and re.search(r"\w", text)
 
 
+def obstacle(written, asked):
+    """Why `asked`, a part of what the page has, cannot be asked for; None when it can."""
+    if "<" in asked:
+        return "less-than sign"
+    before, _, behind = written.partition(asked)
+    return "half a name" if before.endswith("_") or behind.startswith("_") else None
+
+
 def draw(pages, samples, seed):
-    """For each kind, (path, what is asked for)."""
+    """For each kind, (path, what is asked for, why it cannot be)."""
     choice = random.Random(seed)
     paths = sorted(pages)
     kinds = {"words": [], "phrases": [], "verbatim": []}
@@ -108,11 +123,10 @@ def draw(pages, samples, seed):
             if len(words) < length:
                 continue
             at = choice.randrange(len(words) - length + 1)
-            text = " ".join(words[at : at + length])
-            if kind != "verbatim":
-                text = bare(text)
+            written = " ".join(words[at : at + length])
+            text = written if kind == "verbatim" else bare(written)
             if can_ask(text) and (kind == "words" or re.search(r"\w.*\s.*\w", text)):
-                drawn.append((path, text))
+                drawn.append((path, text, obstacle(written, text)))
     return kinds
 
 
@@ -120,7 +134,8 @@ def is_found(search, index, path, text, phrase):
     query = f'"{text}"' if phrase else text
     environment = {
         "REQUEST_METHOD": "GET",
-        "QUERY_STRING": f"vela_xml=1&vela_per_page=10000&vela_and=1&vela_query={quote_plus(query)}",
+        # The query first, as the form sends it: in the last parameter "=" ends a value.
+        "QUERY_STRING": f"vela_query={quote_plus(query)}&vela_xml=1&vela_per_page=10000&vela_and=1",
         "SCRIPT_NAME": "/search.cgi",
         "PATH": os.environ["PATH"],
     }
@@ -128,6 +143,10 @@ def is_found(search, index, path, text, phrase):
         [search, "/I", index], env=environment, capture_output=True, check=True
     ).stdout.decode("utf-8", "replace")
     return f"<link>{BASE}{path}</link>" in answer
+
+
+def share(missed, drawn):
+    return f"{100 * (1 - missed / max(1, drawn)):6.2f} % of {drawn}"
 
 
 def main():
@@ -152,14 +171,19 @@ def main():
             sys.exit(result.stderr)
         for kind, drawn in draw(pages, options.samples, options.seed).items():
             missed = [
-                (path, text)
-                for path, text in drawn
+                (path, text, why)
+                for path, text, why in drawn
                 if not is_found(options.bin / "vela_search", index, path, text, kind != "words")
             ]
-            share = 100 * (1 - len(missed) / max(1, len(drawn)))
-            print(f"{kind:9} {share:6.2f} % of {len(drawn)}")
-            for path, text in missed[: options.show]:
-                print(f"    {path}: {text}")
+            askable = [why for _, _, why in drawn].count(None)
+            mistakes = [why for _, _, why in missed].count(None)
+            kinds = Counter(why for _, _, why in missed if why)
+            print(
+                f"{kind:9} {share(len(missed), len(drawn))}; {share(mistakes, askable)} that can be"
+                " asked for" + "".join(f"; {why}: {count}" for why, count in kinds.items())
+            )
+            for path, text, why in missed[: options.show]:
+                print(f"    {path}: {text}" + (f" ({why})" if why else ""))
 
 
 if __name__ == "__main__":

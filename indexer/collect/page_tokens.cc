@@ -47,7 +47,7 @@ uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut&
       const auto written = static_cast<uint32_t>(out.tokens.size());
       out.places.push_back(place);
       out.written.push_back(base.empty() ? kNone32 : written);
-      if (token.sign != 0) out.gap.AddSign(token.sign);
+      if (token.sign != 0) out.gap.AddSign(token.surface);
       if (base.empty()) continue;
       const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
       const uint8_t variant =

@@ -52,11 +52,15 @@ void SignGap::AddBlank() {
   }
 }
 
-void SignGap::AddSign(char32_t sign) {
+void SignGap::AddSign(std::string_view sign) {
   if (signs == kGapSignLimit) return;
   if (isBlank) text += kBlankText;
   isBlank = false;
-  text += HtmlText(sign);
+  if (sign.size() == 1) {
+    text += HtmlText(static_cast<unsigned char>(sign[0]));
+  } else {
+    text += sign;
+  }
   ++signs;
 }
 

@@ -24,8 +24,9 @@ struct SignGap {
 
   void Clear(bool blankBefore);
   void AddBlank();
-  // What goes beyond a few signs is a ruler or a drawing, and dropped.
-  void AddSign(char32_t sign);
+  // `sign` is a character in UTF-8, or the several of one picture. What goes beyond a few signs is
+  // a ruler or a drawing, and dropped.
+  void AddSign(std::string_view sign);
   bool IsEmpty() const { return signs == 0; }
 };
 

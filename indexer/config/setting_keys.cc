@@ -120,6 +120,7 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"DictReservedPrefixes", kFollows},
     {"DictReservedSuffixes", kFollows},
     {"DictReservedNoSpaces", kFollows},
+    {"PhraseSigns", "what stands between two words is always one entry of the page text"},
     {"NumKeywords", kFollows},
     {"NumPages", kFollows},
     {"NumVariants", kFollows},

@@ -18,7 +18,7 @@ constexpr char32_t kPilcrow = 0x00B6;
 
 bool IsFoldedSign(char32_t c) {
   if (c < 0x80) return kAsciiSigns.find(c) != kAsciiSigns.npos;
-  return c == kPilcrow || ClassifyCharacter(c) == CharacterKind::kSymbol;
+  return c == kPilcrow || std::ranges::binary_search(QuerySymbols(), c);
 }
 
 struct LetterFolding {
@@ -27,9 +27,12 @@ struct LetterFolding {
 };
 
 constexpr LetterFolding kLetters[] = {
-    {0x03C2, "\u03C3"},  // final sigma
-    {0xFB00, "ff"},     {0xFB01, "fi"}, {0xFB02, "fl"}, {0xFB03, "ffi"},
-    {0xFB04, "ffl"},    {0xFB05, "st"}, {0xFB06, "st"},
+    {0x00B2, "2"},      {0x00B3, "3"},   {0x00B9, "1"},  // superscripts
+    {0x00B5, "\u03BC"},                                  // micro sign
+    {0x03C2, "\u03C3"},                                  // final sigma
+    {0x2082, "2"},      {0xFB00, "ff"},  {0xFB01, "fi"}, {0xFB02, "fl"},
+    {0xFB03, "ffi"},    {0xFB04, "ffl"}, {0xFB05, "st"}, {0xFB06, "st"},
+    {0xFE0E, ""},       {0xFE0F, ""},  // whether a sign is shown as text or as a picture
 };
 
 // Full-width forms stand in the order of ASCII.
@@ -39,35 +42,75 @@ bool IsAsciiAlphaNumeric(char32_t c) {
   return (c >= U'0' && c <= U'9') || (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z');
 }
 
-// Whether a full stop before it is part of a word.
-bool GoesOn(char c) { return IsAsciiAlphaNumeric(static_cast<unsigned char>(c)) || c == '_'; }
+// Whether a full stop or an underscore before it is part of a word.
+bool GoesOn(char c) { return IsAsciiAlphaNumeric(static_cast<unsigned char>(c)); }
 
-std::vector<Folding> MakeFoldings() {
-  std::vector<Folding> table;
-  const auto add = [&table](std::string from, std::string to) {
-    table.push_back({std::move(from), std::move(to)});
-  };
-  // As CleanText has it.
-  for (const char32_t c : std::u32string_view(U"\u00AD\u200B\uFEFF")) add(Utf8Text(c), "");
-  for (const char32_t c : std::u32string_view(U"\u00A0\u202F\u3000")) add(Utf8Text(c), " ");
-  for (const char32_t c : std::u32string_view(U"\u2010\u2011")) add(Utf8Text(c), "-");
-  for (const char32_t c : kAsciiSigns) add(Utf8Text(c), " ");
-  for (const char32_t c : SymbolsBeyondAscii()) add(Utf8Text(c), " ");
-  add(Utf8Text(kPilcrow), " ");
-  // Signs with a meaning have none between blanks.
-  for (const char* alone : {" -- ", " - ", " # ", " * ", " ? ", " ++ "}) add(alone, " ");
-  // The query's cut keeps a full stop before a closing quote, which no item can name. So all are
-  // set aside, those before what may go on a word are brought back, and the others are blanks.
-  const std::string aside = Utf8Text(0x2024);  // a full stop of its own, which nobody types
-  for (size_t dots = 9; dots > 1; --dots) add(std::string(dots, '.'), " ");
-  add(".", aside);
-  for (char c = '!'; c < 0x7F; ++c) {
-    if (GoesOn(c) || c == '*' || c == '?') add(aside + c, std::string(".") + c);
+// Underscores in a row that may be part of a word: "__init__". More are a line to write on.
+constexpr size_t kUnderscoreLimit = 2;
+
+// Hyphens that are taken off before a blank.
+constexpr int kFinalHyphens = 2;
+
+using FoldingTable = std::vector<Folding>;
+
+void Add(FoldingTable& table, std::string from, std::string to) {
+  table.push_back({std::move(from), std::move(to)});
+}
+
+// A hyphen beside a bracket or the like ("[-1]", "'--help'", "(re-)use") excludes nothing, and
+// pages have it apart from the word.
+void AddHyphens(FoldingTable& table) {
+  for (const char before : std::string_view("([{'=")) {
+    for (const char* hyphens : {"--", "-"}) Add(table, before + std::string(hyphens), {before});
   }
-  add(aside, " ");
-  for (const LetterFolding& letter : kLetters) add(Utf8Text(letter.from), std::string(letter.to));
+  for (const char behind : std::string_view(")],'")) {
+    Add(table, std::string("-") + behind, {behind});
+  }
+}
+
+// Full stops and underscores are parts of words only before what may go on a word. The query's own
+// cut keeps them before a closing quote, which no item can name. So each gets a mark behind it,
+// marks before what may go on a word are taken away again, and what still has one is a blank. The
+// signs that stand in for them are blanks by now.
+void AddFinalSigns(FoldingTable& table) {
+  for (size_t count = 9; count > 1; --count) {
+    Add(table, std::string(count, '.'), " ");
+    if (count > kUnderscoreLimit) Add(table, std::string(count, '_'), " ");
+  }
+  Add(table, "__", "=;");
+  Add(table, "_", "~;");
+  Add(table, ".", "`;");
+  for (char c = '!'; c < 0x7F; ++c) {
+    if (GoesOn(c) || c == '*' || c == '?') Add(table, std::string(";") + c, {c});
+  }
+  Add(table, "=;", " ");
+  Add(table, "~;", " ");
+  Add(table, "=", "__");
+  Add(table, "~", "_");
+  Add(table, ";_", "_");  // a full stop before underscores that go on a word
+  Add(table, "`;", " ");
+  Add(table, "`", ".");
+}
+
+FoldingTable MakeFoldings() {
+  FoldingTable table;
+  // As CleanText has it.
+  for (const char32_t c : std::u32string_view(U"\u00AD\u200B\uFEFF")) Add(table, Utf8Text(c), "");
+  for (const char32_t c : std::u32string_view(U"\u00A0\u202F\u3000")) Add(table, Utf8Text(c), " ");
+  for (const char32_t c : std::u32string_view(U"\u2010\u2011")) Add(table, Utf8Text(c), "-");
+  AddHyphens(table);
+  for (const char32_t c : kAsciiSigns) Add(table, Utf8Text(c), " ");
+  for (const char32_t c : QuerySymbols()) Add(table, Utf8Text(c), " ");
+  Add(table, Utf8Text(kPilcrow), " ");
+  // Signs with a meaning have none between blanks, nor have hyphens behind a word.
+  for (const char* alone : {" -- ", " - ", " # ", " * ", " ? ", " ++ "}) Add(table, alone, " ");
+  for (int i = 0; i < kFinalHyphens; ++i) Add(table, "- ", " ");
+  AddFinalSigns(table);
+  for (const LetterFolding& letter : kLetters) {
+    Add(table, Utf8Text(letter.from), std::string(letter.to));
+  }
   for (char32_t c = U'0'; c <= U'z'; ++c) {
-    if (IsAsciiAlphaNumeric(c)) add(Utf8Text(c + kFullWidthOffset), Utf8Text(c));
+    if (IsAsciiAlphaNumeric(c)) Add(table, Utf8Text(c + kFullWidthOffset), Utf8Text(c));
   }
   return table;
 }
@@ -75,7 +118,7 @@ std::vector<Folding> MakeFoldings() {
 }  // namespace
 
 std::span<const Folding> QueryFoldings() {
-  static const std::vector<Folding> table = MakeFoldings();
+  static const FoldingTable table = MakeFoldings();
   return table;
 }
 
@@ -109,15 +152,26 @@ std::string FoldedWord(std::string_view word) {
 
 void BlankFoldedSigns(std::string& text) {
   size_t length = 0;
+  // Underscores first, since a full stop goes on with those that are left.
+  for (size_t at = text.find('_'); at != text.npos; at = text.find('_', at + length)) {
+    const size_t end = std::min(text.find_first_not_of('_', at), text.size());
+    length = end - at;
+    if (length > kUnderscoreLimit || end == text.size() || !GoesOn(text[end])) {
+      text.replace(at, length, length, ' ');
+    }
+  }
   for (size_t at = 0; at < text.size(); at += length) {
     if (text[at] == '.') {
       const size_t end = std::min(text.find_first_not_of('.', at), text.size());
       length = end - at;
-      if (length == 1 && end < text.size() && GoesOn(text[end])) continue;
+      if (length == 1 && end < text.size() && (GoesOn(text[end]) || text[end] == '_')) continue;
       text.replace(at, length, length, ' ');
     } else if (IsFoldedSign(DecodeCharacter(text, at, length))) {
       text.replace(at, length, length, ' ');
     }
+  }
+  for (int i = 0; i < kFinalHyphens; ++i) {
+    for (size_t at = text.find("- "); at != text.npos; at = text.find("- ", at + 1)) text[at] = ' ';
   }
 }
 

@@ -26,8 +26,9 @@ std::string FoldedQuery(std::string_view query);
 // A word of a page as a query for it is folded; never longer than the word.
 std::string FoldedWord(std::string_view word);
 
-// Blanks what the table makes blanks inside a word of a page, byte for byte: signs, and full stops
-// that no letter, digit or "_" of ASCII follows.
+// Blanks what the table makes blanks inside a word of a page, byte for byte: signs, underscores
+// that no letter or digit of ASCII follows, full stops that neither those nor what is left of the
+// underscores follows, and hyphens before a blank.
 void BlankFoldedSigns(std::string& text);
 
 }  // namespace vela::indexer

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "indexer/words/compatible_text.h"
+#include "indexer/words/lower_copy.h"
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/query_folding.h"
 #include "text/ascii.h"
@@ -39,13 +41,21 @@ size_t ByteAt(const ChunkCut& cut, size_t character) {
   return character < characters.size() ? characters[character].at : cut.out.lower.size();
 }
 
+// The first word at or behind token `token`; the count of tokens when there is none.
+size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
+  while (token < cut.out.tokens.size() && cut.out.tokens[token].sign != 0) ++token;
+  return token;
+}
+
 // Writes the signs among the characters next .. end.
 void WriteSigns(ChunkCut& cut, size_t end) {
   size_t written = 0;
   for (; cut.next < end; ++cut.next) {
     const ChunkCharacter& c = cut.out.characters[cut.next];
     if (c.kind != CharacterKind::kSymbol || written == kSignRunLimit) continue;
-    cut.out.tokens.push_back({.sign = c.character, .base = {}, .surface = {}});
+    const std::string_view surface = cut.out.surface;
+    cut.out.tokens.push_back(
+        {.sign = c.character, .base = {}, .surface = surface.substr(c.at, c.length)});
     ++written;
   }
 }
@@ -63,8 +73,42 @@ void AddForm(ChunkCut& cut, size_t token, std::string text) {
   cut.out.forms.push_back({static_cast<uint32_t>(token), std::move(text)});
 }
 
-void AddPlainForms(ChunkCut& cut, size_t token, std::string_view surface) {
+// Adds a word as a query has it, without the hyphens that would make an exclusion of it (the mark
+// of an emoji, which queries drop, may stand before them), and also without those behind it, which
+// queries keep only at their end.
+void AddQueryForm(ChunkCut& cut, size_t token, std::string_view word) {
+  constexpr std::string_view kEmojiMark = "\uFE0F";
+  std::string_view rest = word;
+  while (rest.starts_with(kEmojiMark)) rest.remove_prefix(kEmojiMark.size());
+  if (rest.starts_with('-')) word = rest.substr(std::min(rest.find_first_not_of('-'), rest.size()));
+  AddForm(cut, token, std::string(word));
+  if (word.ends_with('-')) {
+    AddForm(cut, token, std::string(word.substr(0, word.find_last_not_of('-') + 1)));
+  }
+}
+
+// Calls `use(word)` for each word that the query's cut makes of `text`, which it changes.
+template <typename Use>
+void ForEachQueryWord(std::string& text, Use use) {
+  BlankFoldedSigns(text);
+  text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
+  for (size_t begin = text.find_first_not_of(' '); begin != text.npos;) {
+    const size_t end = std::min(text.find(' ', begin), text.size());
+    use(std::string_view(text).substr(begin, end - begin));
+    begin = text.find_first_not_of(' ', end);
+  }
+}
+
+// The forms of a word or of a part of one other than the word `token` itself.
+void AddForms(ChunkCut& cut, size_t token, std::string_view surface) {
+  AddForm(cut, token, LowerUtf8Copy(surface));
   for (std::string& form : PlainForms(surface)) AddForm(cut, token, std::move(form));
+  std::string compatible = LowerUtf8Copy(CompatibleText(surface));
+  if (compatible.empty()) return;
+  ForEachQueryWord(compatible, [&](std::string_view word) {
+    AddForm(cut, token, std::string(word));
+    for (std::string& form : PlainForms(word)) AddForm(cut, token, std::move(form));
+  });
 }
 
 // Calls `use(first, last)` for each longest run of word characters among first .. last.
@@ -82,34 +126,72 @@ void ForEachPart(const ChunkCut& cut, size_t first, size_t last, Use use) {
   }
 }
 
-// Writes the characters first .. last as one word, and the signs before them.
-void WriteWord(ChunkCut& cut, size_t first, size_t last) {
+std::string_view SurfaceOf(const ChunkCut& cut, size_t first, size_t last) {
   const size_t begin = ByteAt(cut, first);
-  const size_t length = ByteAt(cut, last) - begin;
-  if (length > kWordBytesLimit) {
-    const auto words =
-        std::ranges::count_if(cut.out.characters.begin() + static_cast<ptrdiff_t>(first),
-                              cut.out.characters.begin() + static_cast<ptrdiff_t>(last), IsWord);
-    if (static_cast<size_t>(words) == last - first) {
-      cut.next = last;
-      return;
+  return std::string_view(cut.out.surface).substr(begin, ByteAt(cut, last) - begin);
+}
+
+// Appends the word of `surface`, a piece of the chunk, unless it is too long.
+bool WriteToken(ChunkCut& cut, std::string_view surface) {
+  if (surface.size() > kWordBytesLimit) return false;
+  const auto begin = static_cast<size_t>(surface.data() - cut.out.surface.data());
+  const size_t token = cut.out.tokens.size();
+  cut.out.tokens.push_back(
+      {0, std::string_view(cut.out.lower).substr(begin, surface.size()), surface});
+  AddForms(cut, token, surface);
+  return true;
+}
+
+// Writes the characters first .. last as the words that word_breaks.h finds, and the signs before
+// them. Each two words that follow each other are a form of the first.
+void WriteBrokenPart(ChunkCut& cut, size_t first, size_t last) {
+  constexpr std::string_view kBreakText = "\u200B";
+  WriteSigns(cut, first);
+  cut.next = last;
+  const std::string_view part = SurfaceOf(cut, first, last);
+  const size_t firstToken = cut.out.tokens.size();
+  size_t begin = 0;
+  size_t begunBefore = 0;
+  bool followsWord = false;  // the token written last is the word that ends at `begin`
+  for (const uint32_t end : cut.out.breaks.EndsOf(part)) {
+    const size_t before = cut.out.tokens.size() - 1;
+    if (followsWord) {
+      AddForms(cut, before, part.substr(begunBefore, end - begunBefore));
+      cut.out.tokens.push_back({.sign = kWordBreakSign, .base = {}, .surface = kBreakText});
     }
-    ForEachPart(cut, first, last, [&](size_t a, size_t b) { WriteWord(cut, a, b); });
+    followsWord = WriteToken(cut, part.substr(begin, end - begin));
+    begunBefore = begin;
+    begin = end;
+  }
+  if (firstToken < cut.out.tokens.size()) AddForms(cut, firstToken, part);
+}
+
+// Writes the characters first .. last as one word, and the signs before them; as its parts if it is
+// too long, and as several where no blanks are written.
+void WriteWord(ChunkCut& cut, size_t first, size_t last) {
+  const auto& characters = cut.out.characters;
+  const std::string_view surface = SurfaceOf(cut, first, last);
+  const bool isBroken =
+      std::any_of(characters.begin() + static_cast<ptrdiff_t>(first),
+                  characters.begin() + static_cast<ptrdiff_t>(last),
+                  [](const ChunkCharacter& c) { return IsWrittenWithoutBlanks(c.character); });
+  if (isBroken || surface.size() > kWordBytesLimit) {
+    const size_t firstToken = cut.out.tokens.size();
+    size_t inParts = 0;
+    ForEachPart(cut, first, last, [&](size_t a, size_t b) {
+      WriteBrokenPart(cut, a, b);
+      inParts += b - a;
+    });
+    const size_t token = FirstWordFrom(cut, firstToken);
+    if (token < cut.out.tokens.size() && inParts < last - first) AddForms(cut, token, surface);
     return;
   }
   WriteSigns(cut, first);
   cut.next = last;
-  const std::string_view lower = cut.out.lower;
-  const std::string_view surface = cut.out.surface;
   const size_t token = cut.out.tokens.size();
-  cut.out.tokens.push_back({0, lower.substr(begin, length), surface.substr(begin, length)});
-  AddPlainForms(cut, token, surface.substr(begin, length));
+  WriteToken(cut, surface);
   ForEachPart(cut, first, last, [&](size_t a, size_t b) {
-    if (a == first && b == last) return;
-    const size_t partBegin = ByteAt(cut, a);
-    const size_t partLength = ByteAt(cut, b) - partBegin;
-    AddForm(cut, token, std::string(lower.substr(partBegin, partLength)));
-    AddPlainForms(cut, token, surface.substr(partBegin, partLength));
+    if (a != first || b != last) AddForms(cut, token, SurfaceOf(cut, a, b));
   });
 }
 
@@ -161,35 +243,16 @@ void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
     i = after;
   }
   // The signs before the first piece are tokens too: the forms belong to the word behind them.
-  size_t token = firstToken;
-  while (token < cut.out.tokens.size() && cut.out.tokens[token].sign != 0) ++token;
+  const size_t token = FirstWordFrom(cut, firstToken);
   if (whole || token == cut.out.tokens.size()) return;
-  std::string_view form = std::string_view(cut.out.lower).substr(begin, end - begin);
-  form.remove_prefix(std::min(form.find_first_not_of('-'), form.size()));
-  AddForm(cut, token, std::string(form));
-}
-
-size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
-  while (token < cut.out.tokens.size() && cut.out.tokens[token].sign != 0) ++token;
-  return token;
-}
-
-// Calls `use(word)` for each word that the query's cut makes of `text`, which it changes.
-template <typename Use>
-void ForEachQueryWord(std::string& text, Use use) {
-  BlankFoldedSigns(text);
-  text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
-  for (size_t begin = text.find_first_not_of(' '); begin != text.npos;) {
-    const size_t end = std::min(text.find(' ', begin), text.size());
-    use(std::string_view(text).substr(begin, end - begin));
-    begin = text.find_first_not_of(' ', end);
-  }
+  AddQueryForm(cut, token, std::string_view(cut.out.lower).substr(begin, end - begin));
 }
 
 void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   std::string& scratch = cut.out.scratch;
   scratch.assign(cut.out.lower, coreBegin, coreEnd - coreBegin);
-  scratch += ' ';  // as inside a query
+  // As inside a query, but hyphens are kept as at its end: "pre-" alone is looked for as it stands.
+  if (!scratch.ends_with('-')) scratch += ' ';
   size_t at = coreBegin;
   ForEachQueryWord(scratch, [&](std::string_view word) {
     // The cut only blanks and drops bytes, so its words follow one another in the chunk.
@@ -200,39 +263,57 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   });
 }
 
-bool HasWordCharacter(std::string_view text) {
+// Whether a query would have `text` as a word: it holds more than signs.
+bool IsQueryWord(std::string_view text) {
   size_t length = 0;
   for (size_t at = 0; at < text.size(); at += length) {
-    if (ClassifyCharacter(DecodeCharacter(text, at, length)) == CharacterKind::kWord) {
-      return true;
-    }
+    const char32_t c = DecodeCharacter(text, at, length);
+    if (ClassifyCharacter(c) == CharacterKind::kWord || IsPictograph(c)) return true;
   }
   return false;
 }
 
-// What stands behind a word decides whether a query keeps "#", "++" or "_" at its end: "c++," is
-// "c" there, while the page text has "c++". The query's form is added.
+// What stands behind a word decides whether a query keeps "#" or "++" at its end: "c++," is "c"
+// there, while the page text has "c++". And a query keeps pictures that pages have apart from the
+// word. The query's form is added.
 void AddQueryForms(ChunkCut& cut) {
   const size_t token = FirstWordFrom(cut, 0);
   if (token == cut.out.tokens.size()) return;
   cut.out.scratch = cut.out.lower + ' ';
   ForEachQueryWord(cut.out.scratch, [&](std::string_view word) {
-    word.remove_prefix(std::min(word.find_first_not_of('-'), word.size()));
-    if (HasWordCharacter(word)) AddForm(cut, token, std::string(word));
+    if (IsQueryWord(word)) AddQueryForm(cut, token, word);
   });
 }
 
-void ClassifyChunk(ChunkTokens& out) {
-  out.characters.clear();
-  for (size_t i = 0; i < out.surface.size();) {
+// Returns whether pictographs stand beside a word. Alone they are the words of the chunk, as they
+// are in a query.
+bool ClassifyChunk(ChunkTokens& out) {
+  auto& characters = out.characters;
+  characters.clear();
+  const std::string_view surface = out.surface;
+  for (size_t i = 0; i < surface.size();) {
     size_t length = 0;
-    const char32_t c = DecodeCharacter(out.surface, i, length);
-    out.characters.push_back({.at = static_cast<uint32_t>(i),
-                              .length = static_cast<uint32_t>(length),
-                              .character = c,
-                              .kind = ClassifyCharacter(c)});
+    const char32_t c = DecodeCharacter(surface, i, length);
+    const bool joins =
+        !characters.empty() && characters.back().kind == CharacterKind::kSymbol &&
+        GoesWithSymbol(surface.substr(characters.back().at, characters.back().length), c);
+    if (joins) {
+      characters.back().length += static_cast<uint32_t>(length);
+    } else {
+      characters.push_back({.at = static_cast<uint32_t>(i),
+                            .length = static_cast<uint32_t>(length),
+                            .character = c,
+                            .kind = ClassifyCharacter(c)});
+    }
     i += length;
   }
+  const auto isPicture = [](const ChunkCharacter& c) { return IsPictograph(c.character); };
+  if (std::ranges::none_of(characters, isPicture)) return false;
+  if (std::ranges::any_of(characters, IsWord)) return true;
+  for (ChunkCharacter& c : characters) {
+    if (isPicture(c)) c.kind = CharacterKind::kWord;
+  }
+  return false;
 }
 
 }  // namespace
@@ -259,7 +340,7 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
     if (chunk.size() <= kWordBytesLimit) out.tokens.push_back({0, out.lower, out.surface});
     return;
   }
-  ClassifyChunk(out);
+  const bool hasPictures = ClassifyChunk(out);
   ChunkCut cut{out};
   const auto& characters = out.characters;
   // Signs around the chunk go first, so that they do not hide a "#" or "++" at its end.
@@ -270,12 +351,12 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
     ++first;
   }
   while (last > first && !IsWord(characters[last - 1]) &&
-         !IsOneOf(ByteOf(cut, characters[last - 1]), "#+-_")) {
+         !IsOneOf(ByteOf(cut, characters[last - 1]), "#+-")) {
     --last;
   }
   WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
   const bool trimmed = first > 0 || last < characters.size();
-  if (trimmed && chunk.find_first_of("#+_") != chunk.npos) AddQueryForms(cut);
+  if (hasPictures || (trimmed && chunk.find_first_of("#+") != chunk.npos)) AddQueryForms(cut);
   WriteSigns(cut, characters.size());
 }
 

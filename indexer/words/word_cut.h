@@ -6,7 +6,12 @@
 // apart; and a word can be found by more than its own form:
 //   parts    of a joined word ("node.js" by "node" and "js");
 //   wholes   of words that signs inside cut apart, as the query would have them ("a<b");
-//   plain    forms without accents ("cafe" for "café"; see plain_forms.h).
+//   plain    forms without accents ("cafe" for "café"; see plain_forms.h);
+//   compatible forms of characters that stand for others ("m2" for "m²"; see compatible_text.h).
+//
+// Where a script has no blanks between words, they are told apart by word_breaks.h. The query is
+// not cut there, so such words are found one by one, two that follow each other as one, and all
+// that stands between blanks and signs.
 #pragma once
 
 #include <cstdint>
@@ -15,6 +20,7 @@
 #include <vector>
 
 #include "indexer/words/symbols.h"
+#include "indexer/words/word_breaks.h"
 
 namespace vela::indexer {
 
@@ -27,9 +33,9 @@ constexpr std::string_view kWordJoinChars = ".-_";
 constexpr size_t kWordBytesLimit = 120;
 
 struct TextToken {
-  char32_t sign = 0;         // 0 for a word
+  char32_t sign = 0;         // 0 for a word; of a picture of several characters the first
   std::string_view base;     // of a word: lower-cased, as the dictionary has it
-  std::string_view surface;  // as the page writes it
+  std::string_view surface;  // as the page writes it; kWordBreakSign where it writes nothing
 };
 
 // A further form that finds the word `token`.
@@ -38,7 +44,7 @@ struct FoundForm {
   std::string text;
 };
 
-// One character of a chunk.
+// One character of a chunk, or the several of one picture (see GoesWithSymbol).
 struct ChunkCharacter {
   uint32_t at = 0;
   uint32_t length = 0;
@@ -46,12 +52,13 @@ struct ChunkCharacter {
   CharacterKind kind = CharacterKind::kWord;
 };
 
-// The tokens of one chunk. All views point into this record and hold until the next cut.
+// The tokens of one chunk. All views hold until the next cut.
 struct ChunkTokens {
   std::vector<TextToken> tokens;
   std::vector<FoundForm> forms;
   std::string surface, lower, scratch;
   std::vector<ChunkCharacter> characters;
+  WordBreaks breaks;
 };
 
 // Takes the next chunk (a run without blanks) off the start of clean text (see CleanText).

@@ -184,6 +184,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   out.Add("DictReservedPrefixes", reserved.prefixes);
   out.Add("DictReservedSuffixes", reserved.suffixes);
   out.Add("DictReservedNoSpaces", reserved.noSpaces);
+  out.Add("PhraseSigns", 1);
   out.AddCount("NumKeywords", facts.dictionary.entries);
   out.AddCount("NumVariants", facts.dictionary.variants);
   out.AddCount("OutputBasewordBufferSize", facts.dictionary.baseBytes);

@@ -12,6 +12,11 @@ namespace {
 // Past the limit of seeks by this much, distant words are rejected without reading the text.
 constexpr int64_t kSeeksBeforeCheapReject = 50;
 
+// Signs that may stand between the words of a phrase, all together, where PhraseSigns is not set.
+constexpr int64_t kUsualReach = 3;
+// No larger PhraseSigns counts, so that no reach is beyond 64 bits.
+constexpr int64_t kMostPhraseSigns = 100;
+
 bool IsSortedByPage(const WordList& list) {
   for (int32_t i = 1; i < list.size(); ++i) {
     if (RecordAt(list, i - 1).page > RecordAt(list, i).page) return false;
@@ -41,8 +46,16 @@ int32_t FindPage(const PhraseWord& word, uint32_t page) {
   return -1;
 }
 
-// Reads tokens from the reader's position on until the phrase is found, its page ends, or the
-// first word has been met more often than its score says it occurs.
+// How many tokens behind the start of the phrase its word number `word` may stand.
+int64_t ReachOf(int64_t word, const Settings& settings) {
+  if (settings.PhraseSigns > 0) {
+    return word * (std::min(int64_t{settings.PhraseSigns}, kMostPhraseSigns) + 1);
+  }
+  return word + kUsualReach;
+}
+
+// Reads tokens from the reader's position on until the phrase is found, its page ends, or, unless
+// PhraseSigns is set, the first word has been met more often than its score says it occurs.
 bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& settings,
                   PageTextReader& text, uint64_t& start) {
   const auto count = phrase.words.size();
@@ -71,7 +84,8 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
       }
       if (++k == count) return true;
     }
-    if (token.word == kPageEndWord || firstScore < occurrences) return false;
+    if (token.word == kPageEndWord) return false;
+    if (settings.PhraseSigns <= 0 && firstScore < occurrences) return false;
   }
 }
 
@@ -127,14 +141,14 @@ CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candida
     score += other.score;
   }
   if (budget.seeksDone > budget.maxSeeks + kSeeksBeforeCheapReject &&
-      position + tokenSize * (count + 3) <= furthest) {
+      position + tokenSize * (count + kUsualReach) <= furthest) {
     return CandidateResult::kRejected;
   }
   budget.seeksDone = WrapAdd32(budget.seeksDone, 1);
   if (budget.seeksDone > budget.maxSeeks || budget.now() > budget.deadline) {
     return CandidateResult::kStop;
   }
-  const int64_t from = std::max(position, furthest - tokenSize * (furthestWord + 3));
+  const int64_t from = std::max(position, furthest - tokenSize * ReachOf(furthestWord, settings));
   SeekPageText(text, static_cast<uint64_t>(from));
   uint64_t start = 0;
   if (!VerifyPhrase(phrase, candidate.score, settings, text, start)) {

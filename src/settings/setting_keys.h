@@ -72,6 +72,7 @@ inline constexpr NumberSetting kNumberSettings[] = {
     {"WeightProximity", &Settings::WeightProximity},
     {"AllowExactPhrase", &Settings::AllowExactPhrase},
     {"MaxContextSeeks", &Settings::MaxContextSeeks},
+    {"PhraseSigns", &Settings::PhraseSigns},
     {"MaxMatches", &Settings::MaxMatches},
     {"MaxSearchTime", &Settings::MaxSearchTime},
     {"UseLinkTarget", &Settings::UseLinkTarget},

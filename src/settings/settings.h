@@ -94,6 +94,7 @@ struct Settings {
   int32_t WeightProximity = 0;
   int32_t AllowExactPhrase = 0;
   int32_t MaxContextSeeks = 0;
+  int32_t PhraseSigns = 0;  // tokens
   int32_t MaxMatches = 0;
   int32_t MaxSearchTime = 30;  // seconds
   int32_t UseLinkTarget = 0;

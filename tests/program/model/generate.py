@@ -48,6 +48,7 @@ def make_index(r, features):
     setting("ContextSize", 0, 1, 3, 6, 10, 20, 33, 100)
     setting("MaxContextKeywords", 0 if chance(r, 0.2) else 2, 1, 2, 3, 3, 5)
     setting("MaxContextSeeks", 0 if chance(r, 0.3) else 2, 3, 20, 500, 500, 500, 500)
+    setting("PhraseSigns", 0, 0, 1, 1, 2, 0 if chance(r, 0.8) else -1)
     s["MaxSearchTime"] = 0 if chance(r, 0.03) else 30
     if "highlight" in features:
         setting("Highlighting", 0, 1, 1, 1, 2 if chance(r, 0.2) else 1)

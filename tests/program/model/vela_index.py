@@ -19,7 +19,7 @@ INT_KEYS = {
     "FileTypePluginStart": 4, "WordSplit": 0, "VelaInfo": 1, "Timing": 0,
     "SearchAsSubstring": 0, "ToLowerSearchWords": 0, "ContextSize": 0, "MaxContextKeywords": 0,
     "MaxResultsPerQuery": 1000, "WeightProximity": 0, "AllowExactPhrase": 0,
-    "MaxContextSeeks": 0, "MaxMatches": 0, "MaxSearchTime": 30, "UseLinkTarget": 0,
+    "MaxContextSeeks": 0, "PhraseSigns": 0, "MaxMatches": 0, "MaxSearchTime": 30, "UseLinkTarget": 0,
     "Spelling": 0, "SpellingWhenLessThan": 0, "NumSpellings": 0, "Recommended": 0,
     "NumRecommended": 0, "RecommendedMax": 0, "UseCats": 0, "SearchMultiCats": 0,
     "NumKeywords": 0, "NumPages": 0, "NumVariants": 0, "PageInfoSize": 0, "DefaultToAnd": 0,

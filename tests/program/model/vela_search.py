@@ -650,7 +650,8 @@ def verify_phrase(c, phrase, record):
     if s.MaxSearchTime <= 0:
         c.limit_reached = True
         return STOP
-    start = max(position, furthest - size * (best + 3))
+    reach = best * (1 + min(s.PhraseSigns, 100)) if s.PhraseSigns > 0 else best + 3
+    start = max(position, furthest - size * reach)
     c.pagetext.seek(start)
     at = start
     seen = 0
@@ -677,7 +678,7 @@ def verify_phrase(c, phrase, record):
             k += 1
         if k == n:
             return total, flags, page, phrase_start
-        if last == 0 or score < seen:
+        if last == 0 or (s.PhraseSigns <= 0 and score < seen):
             return None
 
 

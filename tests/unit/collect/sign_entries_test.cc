@@ -5,6 +5,7 @@
 #include <set>
 
 #include "format/page_text.h"
+#include "indexer/words/symbols.h"
 
 namespace vela::indexer {
 namespace {
@@ -17,7 +18,7 @@ SignGap GapOf(std::u32string_view text) {
     if (c == U' ') {
       gap.AddBlank();
     } else {
-      gap.AddSign(c);
+      gap.AddSign(Utf8Text(c));
     }
   }
   return gap;

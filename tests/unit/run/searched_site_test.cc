@@ -230,6 +230,15 @@ TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
       {"the \uFB01rst \uFF26\uFF35\uFF2C\uFF2C line", "first full line"},
       {"\u1F41 \u03BB\u03CC\u03B3\u03BF\u03C2 \u03BA\u03B1\u03AF",
        "\u039B\u038C\u0393\u039F\u03A3 \u039A\u0391\u038A"},
+      {"def delete(d, n): d.rotate(-n)", "delete(d, n): d.rotate(-n)"},
+      {"an old class (__metaclass__ and more)", "old class (__metaclass__"},
+      {"new in x.__mro__: more", "in x.__mro"},
+      {"may be (re-)enabled", "be (re-)enabled"},
+      {"samples of 1-, 2-byte", "of 1-, 2-byte"},
+      {"f(first, second, third, fourth, fifth)", "f(first, second, third, fourth, fifth)"},
+      {"go \u2192 on \u2B07 down", "go \u2192 on \u2B07 down"},
+      {"go \U0001F600 on", "go \U0001F600 on"},
+      {"an area of 5m\u00B2 only", "of 5m2 only"},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.query);
@@ -237,6 +246,108 @@ TEST(SearchedSite, APhraseIsFoundAsItStandsOnThePage) {
     site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>") + c.text);
     site.Build();
     EXPECT_EQ(site.Found("%22" + Encoded(c.query) + "%22"), "a.html ");
+  }
+}
+
+TEST(SearchedSite, APhraseIsFoundBehindManyOfItsFirstWord) {
+  SearchedSite site;
+  std::string text;
+  for (int i = 0; i < 300; ++i) text += "the end of the list ";
+  site.Add("a.html", "<title>T</title>" + text + "the bottom");
+  site.Build();
+  EXPECT_EQ(site.Found("%22the+bottom%22"), "a.html ");
+}
+
+TEST(SearchedSite, SignsBesideAWordDoNotHideIt) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"Download\u2B07", "download"},
+      {"\u2192next", "next"},
+      {"Star\u2605", "star"},
+      {"Great\U0001F600", "great"},
+      {"Great\U0001F600", "Great\U0001F600"},
+      {"Great!\U0001F600", "\U0001F600"},
+      {"so great \U0001F600", "\U0001F600"},
+      {"go\u27A1\uFE0F", "go\u27A1\uFE0F"},
+      {"hi\U0001F44B\U0001F3FD", "hi"},
+      {"1\uFE0F\u20E3", "1"},
+      {"1\uFE0F\u20E3", "1\uFE0F\u20E3"},
+      {"Word\u2122", "word"},
+      {"\u20B9500", "500"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(std::string(c.text) + " by " + c.query);
+    SearchedSite site;
+    site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>word ") + c.text);
+    site.Build();
+    EXPECT_EQ(site.Found(Encoded(c.query)), "a.html ");
+    EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=word"), c.text));
+  }
+}
+
+TEST(SearchedSite, CharactersThatStandForOthersAreFoundByThose) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"\uFF76\uFF9E\uFF97\uFF7D", "\u30AC\u30E9\u30B9"},  // half-width katakana with its mark
+      {"\uFF76\uFF9E\uFF97\uFF7D", "\uFF76\uFF9E\uFF97\uFF7D"},
+      {"\u2460", "1"},
+      {"H\u2082O", "h2o"},
+      {"10\u2074", "104"},
+      {"20\u2103", "20"},
+      {"\u3314", "\u30AD\u30ED"},  // a unit in one character
+      {"Part \u2163", "iv"},
+      {"Part \u2163", "\u2163"},
+      {"o\uFB03ce", "office"},
+      {"\uFE8D\uFEDF", "\u0627\u0644"},  // Arabic letters in the form that printers use
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(std::string(c.text) + " by " + c.query);
+    SearchedSite site;
+    site.Add("a.html", std::string("<meta charset=utf-8><title>T</title>word ") + c.text);
+    site.Build();
+    EXPECT_EQ(site.Found(Encoded(c.query)), "a.html ");
+    EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=word"), c.text));
+  }
+}
+
+// One sentence each, longer than a word may be.
+TEST(SearchedSite, WordsThatNoBlanksPartAreFound) {
+  const struct {
+    const char *text, *query;
+  } kCases[] = {
+      {"\u6771\u4EAC\u56F3\u66F8\u9928\u306F\u958B\u3044\u3066\u3044\u307E\u3059",
+       "\u56F3\u66F8\u9928"},
+      {"\u6771\u4EAC\u56F3\u66F8\u9928\u306F\u958B\u3044\u3066\u3044\u307E\u3059", "\u6771\u4EAC"},
+      {"\u6771\u4EAC\u56F3\u66F8\u9928\u306F\u958B\u3044\u3066\u3044\u307E\u3059",
+       "\u6771\u4EAC\u56F3\u66F8\u9928"},
+      {"\u0E01\u0E23\u0E38\u0E07\u0E40\u0E17\u0E1E\u0E40\u0E1B\u0E47\u0E19\u0E40\u0E21\u0E37\u0E2D"
+       "\u0E07\u0E2B\u0E25\u0E27\u0E07\u0E02\u0E2D\u0E07\u0E1B\u0E23\u0E30\u0E40\u0E17\u0E28\u0E44"
+       "\u0E17\u0E22",  // Bangkok is the capital of Thailand
+       "\u0E40\u0E21\u0E37\u0E2D\u0E07\u0E2B\u0E25\u0E27\u0E07"},
+      {"\u0E01\u0E23\u0E38\u0E07\u0E40\u0E17\u0E1E\u0E40\u0E1B\u0E47\u0E19\u0E40\u0E21\u0E37\u0E2D"
+       "\u0E07\u0E2B\u0E25\u0E27\u0E07\u0E02\u0E2D\u0E07\u0E1B\u0E23\u0E30\u0E40\u0E17\u0E28\u0E44"
+       "\u0E17\u0E22",
+       "\u0E1B\u0E23\u0E30\u0E40\u0E17\u0E28\u0E44\u0E17\u0E22"},
+  };
+  for (const auto& c : kCases) {
+    for (const int times :
+         {1, 20}) {  // as a short stretch, and as one that is longer than any word
+      SCOPED_TRACE(std::string(c.text) + " by " + c.query);
+      std::string text;
+      for (int i = 0; i < times; ++i) text += c.text;
+      SearchedSite site;
+      site.Add("a.html", "<meta charset=utf-8><title>T</title>word " + text);
+      site.Build();
+      EXPECT_EQ(site.Found(Encoded(c.query)), "a.html ");
+      // The passage is the page's own but for places where a line may break.
+      std::string answer = site.Ask("vela_xml=1&vela_query=word");
+      const std::string_view kBreak = "\u200B";
+      for (size_t at; (at = answer.find(kBreak)) != answer.npos;) answer.erase(at, kBreak.size());
+      EXPECT_TRUE(Holds(answer, c.text));
+      EXPECT_EQ(site.Found(Encoded(text)), times == 1 ? "a.html " : "");
+    }
   }
 }
 

@@ -252,6 +252,46 @@ TEST(TestCandidate, NoMoreTextIsReadThanTheFirstWordOccurs) {
   }
 }
 
+TEST(TestCandidate, PhraseSignsMayStandBetweenAnyTwoWords) {
+  // york's record stands at token 10.
+  const struct {
+    const char *what, *signs;
+    uint64_t at;  // where the phrase begins; its words stand side by side
+    bool expected;
+  } cases[] = {
+      {"one sign: two tokens ahead", "1", 8, true},
+      {"one sign: no more", "1", 7, false},
+      {"three signs: four tokens ahead", "3", 6, true},
+      {"none: as usual, four tokens ahead", "0", 6, true},
+      {"a number below 0 is none", "-1", 6, true},
+      {"none: no more", "0", 5, false},
+      {"the largest number", "2147483647", 0, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::vector<uint32_t> text(12, kPie);
+    text[10] = kYork;
+    text[11] = kEnd;
+    text[c.at] = kNew;
+    text[c.at + 1] = kYork;
+    Verification v(Site({{At(0)}, {At(10)}}, text).Set("PhraseSigns", c.signs));
+    EXPECT_EQ(v.Test(), c.expected ? CandidateResult::kFound : CandidateResult::kRejected);
+  }
+}
+
+TEST(TestCandidate, WithPhraseSignsThePageIsReadToItsEnd) {
+  std::vector<uint32_t> text;
+  for (int i = 0; i < 300; ++i) text.insert(text.end(), {kNew, kPie});
+  const uint64_t length = text.size() + 1;
+  text.insert(text.end(), {kEnd, kNew, kYork, kEnd});
+  Verification other(Site({{At(0, 255)}, {At(1)}}, text).Set("PhraseSigns", "1"));
+  EXPECT_EQ(other.Test(), CandidateResult::kRejected);  // the next page has it
+  EXPECT_EQ(other.text.position, kTokenSize * length);
+  text[length - 1] = kNew;
+  Verification v(Site({{At(0, 255)}, {At(1)}}, text).Set("PhraseSigns", "1"));
+  EXPECT_EQ(v.Test(), CandidateResult::kFound);
+}
+
 TEST(TestCandidate, LimitOfVerifications) {
   Verification v(Site({}, {kNew, kYork, kEnd}));
   for (int i = 0; i < 5; ++i) EXPECT_EQ(v.Test(), CandidateResult::kFound);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "format/settings_file.h"
+
 namespace vela::indexer {
 namespace {
 
@@ -14,6 +16,18 @@ TEST(QueryFolding, ItemsFitIntoTheSettings) {
     EXPECT_EQ(folding.from.find_first_of("\"<&"), std::string::npos);
     EXPECT_EQ(folding.to.find_first_of("\"<&"), std::string::npos);
   }
+}
+
+TEST(QueryFolding, TheTableFitsIntoItsLines) {
+  size_t from = 0;
+  size_t to = 0;
+  for (const Folding& folding : QueryFoldings()) {
+    from += folding.from.size() + sizeof "\"\"";
+    to += folding.to.size() + sizeof "\"\"";
+  }
+  constexpr size_t kKeyBytes = 40;  // of the longer key and what stands around it, at most
+  EXPECT_LT(from + kKeyBytes, kSettingsLineLimit);
+  EXPECT_LT(to + kKeyBytes, kSettingsLineLimit);
 }
 
 TEST(QueryFolding, FoldsQueries) {
@@ -33,6 +47,14 @@ TEST(QueryFolding, FoldsQueries) {
       {"what cannot be seen", "in\u00ADdex", "index"},
       {"letters of one meaning", "\uFB01ve \uFF26\uFF35\uFF2C\uFF2C \u03C3\u03BF\u03C2",
        "five FULL \u03C3\u03BF\u03C3"},
+      {"pictures", "go\u27A1\uFE0F", "go "},
+      {"letters that stand for others", "m\u00B2 CO\u2082 5\u00B5m", "m2 CO2 5\u03BCm"},
+      {"an underscore inside", "a_b _c x._d _* a__b", "a_b _c x._d _* a__b"},
+      {"an underscore at the end", "\"a __init__\" x_.y", "\"a __init \" x .y"},
+      {"a line to write on", "name ____x", "name  x"},
+      {"hyphens after brackets", "x[-1] (-obj) '--help' {-a} n=-1", "x[1] (obj) 'help' {a} n 1"},
+      {"hyphens behind words", "(re-)use 1-, pre- and f->x", "(re)use 1, pre and f x"},
+      {"exclusions", "cats -dogs -\"big birds\"", "cats -dogs -\"big birds\""},
       {"a restriction", "site:example.org url:a_b", "site:example.org url:a_b"},
   };
   for (const auto& c : kCases) {
@@ -54,6 +76,12 @@ TEST(QueryFolding, BlanksSignsByteForByte) {
   std::string text = "a=b\u2013c.d\u00E9<e..f.\u00E9.g.";
   BlankFoldedSigns(text);
   EXPECT_EQ(text, "a b   c.d\u00E9<e  f \u00E9.g ");
+  text = "a_b__c___d.__e__.f__";
+  BlankFoldedSigns(text);
+  EXPECT_EQ(text, "a_b__c   d.__e  .f  ");
+  text = "a-=b-c--\u2013d-";
+  BlankFoldedSigns(text);
+  EXPECT_EQ(text, "a  b-c     d-");
 }
 
 }  // namespace

@@ -17,7 +17,10 @@ TEST(Symbols, Classifies) {
   EXPECT_EQ(ClassifyCharacter(U'7'), CharacterKind::kWord);
   EXPECT_EQ(ClassifyCharacter(0x00E9), CharacterKind::kWord);
   EXPECT_EQ(ClassifyCharacter(0x56F3), CharacterKind::kWord);
-  EXPECT_EQ(ClassifyCharacter(0x1F600), CharacterKind::kWord);
+  EXPECT_EQ(ClassifyCharacter(0x1F600), CharacterKind::kSymbol);  // emoji
+  EXPECT_EQ(ClassifyCharacter(0x2103), CharacterKind::kWord);     // degree Celsius
+  EXPECT_EQ(ClassifyCharacter(0x2460), CharacterKind::kWord);     // circled digit one
+  EXPECT_EQ(ClassifyCharacter(0x06FD), CharacterKind::kWord);     // a word of Sindhi
   EXPECT_EQ(ClassifyCharacter(0x00B6), CharacterKind::kDropped);  // paragraph sign
   EXPECT_EQ(ClassifyCharacter(0xFFFD), CharacterKind::kDropped);
   for (char32_t c = 0x21; c < 0x7F; ++c) {
@@ -25,6 +28,29 @@ TEST(Symbols, Classifies) {
         (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z') || (c >= U'0' && c <= U'9');
     EXPECT_EQ(ClassifyCharacter(c), letter ? CharacterKind::kWord : CharacterKind::kSymbol);
   }
+}
+
+TEST(Symbols, PictographsAreWhatQueriesKeep) {
+  EXPECT_TRUE(IsPictograph(0x1F600));
+  EXPECT_TRUE(IsPictograph(0xFE0F));
+  EXPECT_FALSE(IsPictograph(0x2B07));  // queries are cut at it
+  EXPECT_FALSE(IsPictograph(0x2460));
+  EXPECT_FALSE(IsPictograph(U'+'));
+  for (const char32_t c : QuerySymbols()) EXPECT_FALSE(IsPictograph(c)) << Utf8Text(c);
+}
+
+TEST(Symbols, SeveralCharactersMakeAPicture) {
+  EXPECT_TRUE(GoesWithSymbol("\U0001F44B", 0x1F3FD));  // a waving hand and a skin tone
+  EXPECT_TRUE(GoesWithSymbol("\u27A1", 0xFE0F));
+  EXPECT_TRUE(GoesWithSymbol("\U0001F468\u200D", 0x1F469));
+  EXPECT_FALSE(GoesWithSymbol("\U0001F468", 0x1F469));
+  EXPECT_TRUE(GoesWithSymbol("\U0001F1E9", 0x1F1EA));
+  EXPECT_FALSE(GoesWithSymbol("\U0001F1E9\U0001F1EA", 0x1F1EB));
+  EXPECT_FALSE(GoesWithSymbol("<", 0xFE0F));  // shown as a reference
+  EXPECT_FALSE(GoesWithSymbol("\U0001F468\u200D", U'a'));
+  std::string endless = "\U0001F468";
+  while (GoesWithSymbol(endless, 0xFE0F)) endless += "\uFE0F";
+  EXPECT_LT(endless.size(), 100u);
 }
 
 TEST(Symbols, DecodesAnyBytes) {

@@ -13,8 +13,9 @@
 namespace vela::indexer {
 namespace {
 
-// The tokens of a chunk on one line, signs as in HTML. A word is its base form, with "/" and its
-// surface where that differs. Further forms stand in braces, sorted, each once.
+// The tokens of a chunk on one line, signs as in HTML, "+" where words touch. A word is its base
+// form, with "/" and its surface where that differs. Further forms stand in braces, sorted, each
+// once.
 std::string Cut(std::string_view chunk) {
   ChunkTokens cut;
   CutChunk(chunk, cut);
@@ -22,7 +23,11 @@ std::string Cut(std::string_view chunk) {
   for (const TextToken& token : cut.tokens) {
     if (!line.empty()) line += ' ';
     if (token.sign != 0) {
-      line += HtmlText(token.sign);
+      if (token.sign == kWordBreakSign) {
+        line += '+';
+      } else {
+        line += token.surface.size() == 1 ? HtmlText(token.sign) : std::string(token.surface);
+      }
       continue;
     }
     line += token.base;
@@ -70,8 +75,11 @@ TEST(WordCut, CutsChunks) {
       {"a hyphen before a word would exclude it", "-x", "- x"},
       {"an option", "--help", "- - help"},
       {"a hyphen behind", "pre-", "pre - {pre-}"},
-      {"a dunder name", "__init__", "__init_ _ {init}"},
+      {"a dunder name", "__init__", "__init _ _ {init}"},
+      {"a dunder name of a module", "(a.__b__)", "( a.__b _ _ ) {a b}"},
       {"an underscore behind, and a dot", "x_.", "x _ ."},
+      {"underscores before no letter", "_(\"x\")", "_ ( &#34; x &#34; )"},
+      {"a line to write on", "Name:______", "name/Name : _ _ _"},
       {"a sign that a query keeps inside", "a<b", "a &#60; b"},
       {"a semicolon behind", "foo;", "foo ;"},
       {"marks are never part of the dictionary", "vector<int>", "vector &#60; int &#62;"},
@@ -95,6 +103,30 @@ TEST(WordCut, CutsChunks) {
       {"a price", "€50", "€ 50"},
       {"a temperature", "20°C", "20 ° c/C"},
       {"a full stop of another script", "図書館。", "図書館 。"},
+      {"an arrow behind", "Download⬇", "download/Download ⬇"},
+      {"an arrow before", "→next", "→ next"},
+      {"a star", "Star★", "star/Star ★"},
+      {"an emoji, which a query keeps", "Great😀", "great/Great 😀 {great😀}"},
+      {"emoji between words", "a😀😁b", "a 😀 😁 b {a😀😁b}"},
+      {"an emoji behind a sign", "ok!😀", "ok ! 😀 {😀}"},
+      {"an emoji alone is a word", "😀", "😀"},
+      {"an emoji in brackets", "(😀)", "( 😀 )"},
+      {"a sign in its emoji form", "go➡️", "go ➡️"},
+      {"a picture joined of several", "us👨‍👩‍👧‍👦!",
+       "us 👨‍👩‍👧‍👦 ! {us👨‍👩‍👧‍👦}"},
+      {"a skin tone", "hi👋🏽", "hi 👋🏽 {hi👋🏽}"},
+      {"two flags", "EU🇩🇪🇫🇷", "eu/EU 🇩🇪 🇫🇷 {eu🇩🇪🇫🇷}"},
+      {"a key's cap", "1️⃣", "1 ️⃣ {1️⃣}"},
+      {"a cap on a sign", "a#️⃣", "a# ️⃣ {a ️⃣}"},
+      {"a joiner inside a word", "क्‍ष", "क्‍ष"},
+      {"a currency", "₹500", "₹ 500"},
+      {"a superscript", "m²", "m² {m2}"},
+      {"a circled digit", "①", "① {1}"},
+      {"a Roman numeral", "Ⅳ", "ⅳ/Ⅳ {iv}"},
+      {"a trade mark", "Word™", "word/Word ™"},
+      {"a degree in one character", "20℃", "20℃ {20 c}"},
+      {"half-width katakana", "ｶﾞﾗｽ", "ｶﾞﾗｽ {ガラス}"},
+      {"a unit in one character", "㌔", "㌔ {キロ}"},
       {"a sign that is not shown", "word¶", "word"},
       {"damage in the text cuts",
        "a\xEF\xBF\xBD"
@@ -114,6 +146,25 @@ TEST(WordCut, LongWordsAreFoundByTheirParts) {
   EXPECT_EQ(Cut(word + "a"), "");
   EXPECT_EQ(Cut(word + ".b"), word + " . b");
   EXPECT_EQ(Cut(word + "a.b"), ". b");
+}
+
+// Dictionary words: 東京 図書館 は ; ภาษา ไทย.
+TEST(WordCut, FindsWordsThatNoBlanksPart) {
+  EXPECT_EQ(Cut("東京図書館"), "東京 + 図書館 {東京図書館}");
+  EXPECT_EQ(Cut("ภาษาไทย"), "ภาษา + ไทย {ภาษาไทย}");
+  EXPECT_EQ(Cut("「Linux入門」"), "「 linux/Linux + 入門 」 {linux入門}");
+  EXPECT_EQ(Cut("東京.jp"), "東京 . jp {東京.jp}");
+  EXPECT_EQ(Cut("한국어"), "한국어");
+}
+
+TEST(WordCut, LongTextWithoutBlanksIsCut) {
+  std::string chunk;
+  std::string tokens;
+  for (int i = 0; i < 50; ++i) {
+    chunk += "東京図書館";
+    tokens += i == 0 ? "東京 + 図書館" : " + 東京 + 図書館";
+  }
+  EXPECT_EQ(Cut(chunk), tokens + " {図書館東京 東京図書館}");
 }
 
 TEST(WordCut, ChunksAreWhatBlanksLeave) {
@@ -179,10 +230,10 @@ bool HasWordCharacter(std::string_view text) {
 
 TEST(WordCut, WhatAQueryHoldsTheIndexHolds) {
   const std::vector<std::string> pieces = {
-      "a", "B", "c7", "word", "ö", "É", "图", ".", "-", "_",     "#",    "+", "'",
-      "’", ",", ";",  ":",    "=", "/", "\\", "@", "&", "$",     "!",    "(", ")",
-      "[", "]", "{",  "}",    "|", "%", "^",  "~", "`", "–",     "—",    "…", "°",
-      "€", "¶", ".",  "-",    "_", "+", "#",  "a", "b", "site:", "[#@!]"};
+      "a", "B", "c7", "word", "ö", "É",  "图",    ".",     "-", "_", "#",      "+", "'",      "’",
+      ",", ";", ":",  "=",    "/", "\\", "@",     "&",     "$", "!", "(",      ")", "[",      "]",
+      "{", "}", "|",  "%",    "^", "~",  "`",     "–",     "—", "…", "°",      "€", "¶",      ".",
+      "-", "_", "+",  "#",    "a", "b",  "site:", "[#@!]", "⬇", "😀", "➡️", "_", "1️⃣"};
   std::mt19937 random(20240229);
   size_t terms = 0;
   for (int round = 0; round < 200000; ++round) {
@@ -193,12 +244,12 @@ TEST(WordCut, WhatAQueryHoldsTheIndexHolds) {
     CutChunk(chunk, cut);
     std::set<std::string> found;
     for (const TextToken& token : cut.tokens) {
-      if (token.sign == 0) found.emplace(token.base);
+      if (token.sign == 0) found.insert(FoldedWord(token.base));
     }
     for (const FoundForm& form : cut.forms) {
       ASSERT_LT(form.token, cut.tokens.size()) << chunk;
       ASSERT_EQ(cut.tokens[form.token].sign, 0u) << chunk;
-      found.insert(form.text);
+      found.insert(FoldedWord(form.text));
     }
     for (const std::string& text : found) {
       ASSERT_NE(text[0], '-') << chunk;
@@ -225,6 +276,7 @@ TEST(WordCut, SurvivesAnyBytes) {
     CutChunk(text, cut);
     for (const TextToken& token : cut.tokens) {
       ASSERT_EQ(token.base.empty(), token.sign != 0);
+      if (token.sign != 0) continue;
       ASSERT_EQ(token.base.size(), token.surface.size());
       ASSERT_LE(token.base.size(), kWordBytesLimit);
     }

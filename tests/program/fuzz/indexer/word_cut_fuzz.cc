@@ -16,7 +16,7 @@ void CheckCut(const indexer::ChunkTokens& cut, bool clean) {
   for (const indexer::TextToken& token : cut.tokens) {
     if (token.sign != 0) {
       VELA_CHECK(indexer::ClassifyCharacter(token.sign) == indexer::CharacterKind::kSymbol);
-      VELA_CHECK(token.base.empty() && token.surface.empty());
+      VELA_CHECK(token.base.empty() && !token.surface.empty());
       continue;
     }
     VELA_CHECK(!token.base.empty() && token.base.size() <= indexer::kWordBytesLimit);
