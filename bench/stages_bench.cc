@@ -63,10 +63,12 @@ int main(int argc, char** argv) {
     auto fresh = std::make_unique<vela::Settings>();
     if (vela::ReadSettingsFile(*fresh, directory) != vela::SettingsStatus::kOk) abort();
   });
+  const vela::LookupFile noLookup;
   size_t dictionaryBytes = 0;
   const double dictionaryTime = MedianMicroseconds(repeats, [&] {
     vela::Dictionary dictionary;
-    if (dictionary.Load(directory, *settings).status != vela::DictionaryStatus::kOk) abort();
+    if (dictionary.Load(directory, *settings, noLookup).status != vela::DictionaryStatus::kOk)
+      abort();
   });
   {
     vela::FileImage file;
@@ -76,13 +78,13 @@ int main(int argc, char** argv) {
   size_t pageInfoBytes = 0;
   const double pageInfoTime = MedianMicroseconds(repeats, [&] {
     vela::PageTable pages;
-    if (vela::LoadPageInfo(pages, directory, *settings) != vela::LoadStatus::kOk) abort();
+    if (vela::LoadPageInfo(pages, directory, *settings, noLookup) != vela::LoadStatus::kOk) abort();
     pageInfoBytes = pages.image.size();
   });
   vela::IndexFiles files;
   vela::Dictionary dictionary;
   if (vela::OpenIndexFiles(files, directory, *settings).status != vela::LoadStatus::kOk ||
-      dictionary.Load(directory, *settings).status != vela::DictionaryStatus::kOk) {
+      dictionary.Load(directory, *settings, files.lookup).status != vela::DictionaryStatus::kOk) {
     return 1;
   }
   std::string typed = argv[2];

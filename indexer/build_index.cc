@@ -26,6 +26,7 @@
 #include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "indexer/write/dictionary_writer.h"
+#include "indexer/write/lookup_writer.h"
 #include "indexer/write/out_file.h"
 #include "indexer/write/page_table_writer.h"
 #include "indexer/write/page_text_writer.h"
@@ -253,6 +254,9 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
     facts.spellings = spelling.entries;
     bytes += spelling.fileBytes;
   }
+  const LookupSizes lookup = WriteLookup(fresh);
+  facts.lookupGeneration = lookup.generation;
+  bytes += lookup.fileBytes;
   return bytes;
 }
 

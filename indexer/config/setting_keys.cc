@@ -125,6 +125,7 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"NumPages", kFollows},
     {"NumVariants", kFollows},
     {"PageInfoSize", kFollows},
+    {"LookupGeneration", kFollows},
     {"OutputVariantBufferSize", kFollows},
     {"OutputBasewordBufferSize", kFollows},
 };

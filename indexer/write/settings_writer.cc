@@ -191,6 +191,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   out.AddCount("OutputVariantBufferSize", facts.dictionary.variantBytes);
   out.AddCount("NumPages", facts.pages);
   out.AddCount("PageInfoSize", facts.pageInfoBytes);
+  out.Add("LookupGeneration", facts.lookupGeneration);
   out.text += charset.WithReferences(strings);
   OutFile file(path);
   file.Write(out.text);

@@ -9,6 +9,7 @@
 //   vela_spelling.vdat        spelling.h        other spellings
 //   vela_recommended.vdat     recommended.h     recommended pages
 //   vela_autocomplete.vdat    autocomplete.h    suggestions while typing
+//   vela_lookup.vdat          lookup.h          where things stand in the others; may be absent
 //   search_template.html      template_file.h   the page around the results; the owner's own
 //
 // A directory that cannot be replaced as a whole, such as the root of a mounted file system, holds
@@ -23,6 +24,7 @@
 
 #include "format/autocomplete.h"
 #include "format/dictionary.h"
+#include "format/lookup.h"
 #include "format/page_data.h"
 #include "format/page_info.h"
 #include "format/page_text.h"
@@ -38,9 +40,9 @@ inline constexpr char kGenerations[] = ".generations";
 inline constexpr char kCurrentGeneration[] = ".generations/current";
 
 inline constexpr std::string_view kIndexFileNames[] = {
-    kSettingsFileName, kDictionaryFileName,  kWordMapFileName,
-    kPageInfoFileName, kPageDataFileName,    kPageTextFileName,
-    kSpellingFileName, kRecommendedFileName, kAutoCompleteFileName,
+    kSettingsFileName,     kDictionaryFileName, kWordMapFileName,  kPageInfoFileName,
+    kPageDataFileName,     kPageTextFileName,   kSpellingFileName, kRecommendedFileName,
+    kAutoCompleteFileName, kLookupFileName,
 };
 
 // Whether a file of that name belongs to one run of the indexer, as those above and any of another

@@ -13,6 +13,11 @@ constexpr int64_t kTableBytesPerWord = 20;
 
 constexpr std::string_view kVariantEnds = " \r\n";
 
+// Whether the memory of a process can hold the tables for so many words.
+bool IsCountHeld(int32_t numKeywords) {
+  return numKeywords >= 0 && (int64_t{numKeywords} + 1) * kTableBytesPerWord <= INT32_MAX;
+}
+
 // Takes a token off the text: leading `ends` characters are passed over, and the one behind the
 // token goes with it.
 std::string_view TakeToken(std::string_view& text, std::string_view ends) {
@@ -116,37 +121,83 @@ bool FindWord(std::string_view line, std::string_view& word) {
 
 }  // namespace
 
-DictionaryResult Dictionary::Load(const IndexDirectory& directory, const Settings& settings) {
-  if (!file_.Open(directory, kDictionaryFileName, true)) return {DictionaryStatus::kCannotOpen};
-  return Load(file_.bytes(), settings);
+DictionaryResult Dictionary::Load(const IndexDirectory& directory, const Settings& settings,
+                                  const LookupFile& lookup) {
+  if (!file_.Open(directory, kDictionaryFileName, !lookup.isOpen())) {
+    return {DictionaryStatus::kCannotOpen};
+  }
+  return Load(file_.bytes(), settings, lookup);
 }
 
-DictionaryResult Dictionary::Load(std::string_view bytes, const Settings& settings) {
+DictionaryResult Dictionary::Load(std::string_view bytes, const Settings& settings,
+                                  const LookupFile& lookup) {
   bytes_ = bytes;
   count_ = 0;
+  settings_ = &settings;
+  if (UseLookup(settings, lookup)) return {};
+  const DictionaryResult result = table_.Read(bytes, settings);
+  if (result.status == DictionaryStatus::kOk) {
+    bytes_ = bytes.substr(0, table_.end);
+    count_ = table_.count;
+  }
+  return result;
+}
+
+// Whether the lookup file stands for a pass over this dictionary, which it then has passed: every
+// check that depends on the settings is made here.
+bool Dictionary::UseLookup(const Settings& settings, const LookupFile& lookup) {
+  lookup_ = nullptr;
+  if (!lookup.isOpen()) return false;
+  const LookupHeader& header = lookup.header();
+  const auto fits = [](uint64_t used, int64_t room) {
+    return room > 0 && room <= INT32_MAX && used <= static_cast<uint64_t>(room);
+  };
+  if (!IsCountHeld(settings.NumKeywords) || !fits(header.words, settings.NumKeywords) ||
+      !fits(header.baseWordBytes, settings.OutputBasewordBufferSize) ||
+      VariantBlockSize(settings) < 0 || VariantBlockSize(settings) > INT32_MAX ||
+      header.variantBytes > static_cast<uint64_t>(VariantBlockSize(settings)) ||
+      header.wordStarts.count != header.words || bytes_.size() > UINT32_MAX ||
+      !IsFileOf(header.dictionary, bytes_)) {
+    return false;
+  }
+  lookup_ = &lookup;
+  count_ = static_cast<int32_t>(header.words);
+  return true;
+}
+
+// From now on the table is used.
+void Dictionary::LeaveLookup() const {
+  lookup_ = nullptr;
+  // The files belong together but for the damage, so that the pass ends well; where it does not,
+  // the words that it has not reached are empty.
+  if (table_.Read(bytes_, *settings_).status != DictionaryStatus::kOk) table_.count = 0;
+}
+
+DictionaryResult Dictionary::WordTable::Read(std::string_view bytes, const Settings& settings) {
+  count = 0;
+  end = 0;
   // The shortest base-word line has three bytes, its line feed included.
-  const int64_t words = int64_t{settings.NumKeywords} + 1;
-  const size_t wanted = static_cast<size_t>(
-      std::min<int64_t>(std::max<int64_t>(words, 0), static_cast<int64_t>(bytes.size() / 2) + 2));
-  if (settings.NumKeywords < 0 || words * kTableBytesPerWord > INT32_MAX ||
-      bytes.size() > UINT32_MAX || !starts_.TryAllocate(wanted) ||
-      !variantBits_.TryAllocate(wanted / 64 + 1)) {
+  const auto wanted = static_cast<size_t>(std::clamp<int64_t>(
+      int64_t{settings.NumKeywords} + 1, 0, static_cast<int64_t>(bytes.size() / 2) + 2));
+  if (!IsCountHeld(settings.NumKeywords) || bytes.size() > UINT32_MAX ||
+      !starts.TryAllocate(wanted) || !variantBits.TryAllocate(wanted / 64 + 1)) {
     return {DictionaryStatus::kNoMemory};
   }
   if (settings.OutputBasewordBufferSize <= 0) return {DictionaryStatus::kNoBaseWordBlock};
   const int64_t variantBlock = VariantBlockSize(settings);
   if (variantBlock < 0 || variantBlock > INT32_MAX) return {DictionaryStatus::kNoVariantBlock};
-  return ReadLines(settings);
+  return ReadLines(bytes, settings);
 }
 
-DictionaryResult Dictionary::ReadLines(const Settings& settings) {
-  if (bytes_.empty()) return {};
-  const bool mayHoldNul = memchr(bytes_.data(), '\0', bytes_.size()) != nullptr;
+DictionaryResult Dictionary::WordTable::ReadLines(std::string_view bytes,
+                                                  const Settings& settings) {
+  if (bytes.empty()) return {};
+  const bool mayHoldNul = memchr(bytes.data(), '\0', bytes.size()) != nullptr;
   int64_t baseWordRoom = settings.OutputBasewordBufferSize;
   int64_t variantRoom = VariantBlockSize(settings);
   int32_t variantLines = 0;  // still to come for the last entry
   int32_t entries = 0;
-  std::string_view rest = bytes_;
+  std::string_view rest = bytes;
   std::string_view line;
   while (TakeLine(rest, line, mayHoldNul)) {
     if (variantLines > 0) {
@@ -161,46 +212,83 @@ DictionaryResult Dictionary::ReadLines(const Settings& settings) {
     baseWordRoom -= BasewordBufferBytes(word.size());
     if (baseWordRoom < 0) return {DictionaryStatus::kBaseWordBlockFull, entries};
     const auto number = static_cast<size_t>(entries);
-    starts_[number] = static_cast<uint32_t>(word.data() - bytes_.data());
+    starts[number] = static_cast<uint32_t>(word.data() - bytes.data());
     variantLines = VariantLinesBehind(line, word);
-    if (variantLines > 0) variantBits_[number / 64] |= uint64_t{1} << (number % 64);
+    if (variantLines > 0) variantBits[number / 64] |= uint64_t{1} << (number % 64);
     ++entries;
     if (entries > settings.NumKeywords) return {DictionaryStatus::kTooManyEntries, entries};
   }
-  bytes_ = bytes_.substr(0, bytes_.size() - rest.size());
-  count_ = entries;
+  end = bytes.size() - rest.size();
+  count = entries;
   return {};
 }
 
 void Dictionary::Release() {
   file_.Close();
   bytes_ = {};
-  starts_.Release();
-  variantBits_.Release();
+  table_ = WordTable();
+  lookup_ = nullptr;
   count_ = 0;
 }
 
-std::string_view Dictionary::WordAt(int32_t number) const {
-  const size_t start = starts_[static_cast<size_t>(number)];
+size_t Dictionary::StartOf(int32_t number) const {
+  const auto place = static_cast<size_t>(number);
+  if (lookup_ != nullptr) {
+    LookupWordStart start = 0;
+    if (lookup_->Read(lookup_->header().wordStarts, place, start) && start < bytes_.size()) {
+      return start;
+    }
+    LeaveLookup();
+  }
+  return number < table_.count ? table_.starts[place] : bytes_.size();
+}
+
+std::string_view Dictionary::WordFrom(size_t start) const {
   size_t end = start;
-  while (bytes_[end] != ' ' && bytes_[end] != '\n' && bytes_[end] != '\0') ++end;
+  while (end < bytes_.size() && bytes_[end] != ' ' && bytes_[end] != '\n' && bytes_[end] != '\0') {
+    ++end;
+  }
   return bytes_.substr(start, end - start);
 }
+
+std::string_view Dictionary::WordAt(int32_t number) const { return WordFrom(StartOf(number)); }
 
 DictEntry Dictionary::EntryAt(int32_t number) const {
   DictEntry entry;
   entry.word = WordAt(number);
   const auto behindWord =
       static_cast<size_t>(entry.word.data() - bytes_.data()) + entry.word.size();
-  const size_t lineEnd = bytes_.find('\n', behindWord);
-  entry.end = lineEnd + 1;
+  const size_t lineEnd = std::min(bytes_.find('\n', behindWord), bytes_.size());
+  entry.end = std::min(lineEnd + 1, bytes_.size());
   const std::string_view line = UpToNul(bytes_.substr(behindWord, lineEnd - behindWord));
   if (!line.empty()) ReadNumbers(line.substr(1), entry.offset, entry.variantCount);
   return entry;
 }
 
+bool Dictionary::HasVariants(int32_t number) const {
+  if (lookup_ != nullptr) return EntryAt(number).variantCount > 0;
+  const auto place = static_cast<size_t>(number);
+  return number < table_.count && (table_.variantBits[place / 64] >> (place % 64) & 1) != 0;
+}
+
+bool Dictionary::CollectByBeginning(std::string_view beginning, WordSet& found) const {
+  if (lookup_ == nullptr || beginning.empty()) return false;
+  if (vela::CollectByBeginning(Sorted(), beginning, found)) return true;
+  LeaveLookup();
+  return false;
+}
+
 int32_t Dictionary::FindExact(std::string_view word, int32_t from) const {
   if (word.empty() || word.find_first_of(kVariantEnds.substr(0, 1)) != word.npos) return -1;
+  if (lookup_ != nullptr) {
+    int32_t number = -1;
+    if (FindEqualWord(Sorted(), word, from, number)) return number;
+    LeaveLookup();
+  }
+  return FindInTable(word, from);
+}
+
+int32_t Dictionary::FindInTable(std::string_view word, int32_t from) const {
   const char* const base = bytes_.data();
   // A word that fits into eight bytes, with the one behind it, is compared in one step.
   uint64_t wanted = 0;
@@ -208,14 +296,14 @@ int32_t Dictionary::FindExact(std::string_view word, int32_t from) const {
   const size_t compared = std::min<size_t>(word.size(), sizeof wanted);
   memcpy(&wanted, word.data(), compared);
   mask = compared == sizeof mask ? ~uint64_t{0} : (uint64_t{1} << (8 * compared)) - 1;
-  for (int32_t number = from; number < count_; ++number) {
-    const size_t start = starts_[static_cast<size_t>(number)];
+  for (int32_t number = from; number < table_.count; ++number) {
+    const size_t start = table_.starts[static_cast<size_t>(number)];
     if (start + sizeof wanted <= bytes_.size()) {
       uint64_t found = 0;
       memcpy(&found, base + start, sizeof found);
       if ((found & mask) != wanted) continue;
     }
-    if (WordAt(number) == word) return number;
+    if (WordFrom(start) == word) return number;
   }
   return -1;
 }

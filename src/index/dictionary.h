@@ -1,13 +1,15 @@
 // dictionary.h: the reader of the indexed words (format/dictionary.h).
 //
-// The file is mapped and used in place; one pass over it makes every check and notes where each
-// word stands.
+// The file is mapped and used in place. One pass over it makes every check and notes where each
+// word stands; where the lookup file says both, there is none, and only what is asked for is read.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
 #include "format/dictionary.h"
+#include "index/lookup_file.h"
+#include "index/sorted_words.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -42,10 +44,12 @@ struct DictionaryResult {
 
 class Dictionary {
  public:
-  // Opens and checks the file.
-  [[nodiscard]] DictionaryResult Load(const IndexDirectory& directory, const Settings& settings);
-  // The same over bytes in memory, which must outlive the dictionary.
-  [[nodiscard]] DictionaryResult Load(std::string_view bytes, const Settings& settings);
+  // Opens and checks the file. `lookup` and `settings` must outlive the dictionary.
+  [[nodiscard]] DictionaryResult Load(const IndexDirectory& directory, const Settings& settings,
+                                      const LookupFile& lookup);
+  // The same over bytes in memory, which must outlive the dictionary, too.
+  [[nodiscard]] DictionaryResult Load(std::string_view bytes, const Settings& settings,
+                                      const LookupFile& lookup);
   void Release();
 
   // Word numbers 0 up to size() - 1 are in use; it may be less than NumKeywords.
@@ -57,10 +61,13 @@ class Dictionary {
   // The first word number from `from` on whose word equals `word` byte for byte; -1 for none.
   int32_t FindExact(std::string_view word, int32_t from) const;
 
-  // Whether variant lines follow the word; costs nothing, unlike looking for them.
-  bool HasVariants(int32_t number) const {
-    return (variantBits_[static_cast<size_t>(number) / 64] >> (number % 64) & 1) != 0;
-  }
+  // Collects the numbers of all words that begin with `beginning` (not empty), themselves or in one
+  // of their stored variants, ASCII letters alike in either case. False when that takes looking at
+  // every word.
+  [[nodiscard]] bool CollectByBeginning(std::string_view beginning, WordSet& found) const;
+
+  // Whether variant lines follow the word.
+  bool HasVariants(int32_t number) const;
 
   // The text of a word in its spelling `variant`: 0 the word itself, from 1 on its stored variants
   // in order, and the word itself for a number beyond these.
@@ -68,13 +75,32 @@ class Dictionary {
 
  private:
   friend class VariantReader;
-  [[nodiscard]] DictionaryResult ReadLines(const Settings& settings);
+
+  // What the pass over the file finds.
+  struct WordTable {
+    OwnedArray<uint32_t> starts;       // where each word stands
+    OwnedArray<uint64_t> variantBits;  // one bit a word
+    int32_t count = 0;
+    size_t end = 0;  // of what was read
+    [[nodiscard]] DictionaryResult Read(std::string_view bytes, const Settings& settings);
+    [[nodiscard]] DictionaryResult ReadLines(std::string_view bytes, const Settings& settings);
+  };
+
+  [[nodiscard]] bool UseLookup(const Settings& settings, const LookupFile& lookup);
+  SortedWords Sorted() const { return {*lookup_, bytes_, count_}; }
+  void LeaveLookup() const;
+  size_t StartOf(int32_t number) const;
+  std::string_view WordFrom(size_t start) const;
+  int32_t FindInTable(std::string_view word, int32_t from) const;
 
   FileImage file_;
-  std::string_view bytes_;            // up to where loading went
-  OwnedArray<uint32_t> starts_;       // where each word stands
-  OwnedArray<uint64_t> variantBits_;  // one bit a word
+  std::string_view bytes_;  // up to where loading went
   int32_t count_ = 0;
+  const Settings* settings_ = nullptr;
+  // Which of the two is used makes no difference to any answer: a lookup file that turns out to be
+  // damaged in a place that is needed is left for the table in the middle of a request.
+  mutable const LookupFile* lookup_ = nullptr;  // null: the table is used
+  mutable WordTable table_;
 };
 
 // Goes through the stored variants of one word in order: none when its first variant line was too

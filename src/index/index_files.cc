@@ -28,7 +28,7 @@ LoadStatus OpenIndexFile(IndexFiles& files, IndexFile file, const IndexDirectory
       if (settings.Recommended != 1) break;
       return LoadRecommended(files.recommended, directory, settings);
     case IndexFile::kPageInfo:
-      return LoadPageInfo(files.pages, directory, settings);
+      return LoadPageInfo(files.pages, directory, settings, files.lookup);
     case IndexFile::kPageText:
       if (!NeedsPageText(settings)) break;
       return OpenPageText(files.pageText, directory);
@@ -36,7 +36,7 @@ LoadStatus OpenIndexFile(IndexFiles& files, IndexFile file, const IndexDirectory
       return OpenFile(files.wordMap, directory, kWordMapFileName);
     case IndexFile::kSpelling:
       if (settings.Spelling != 1) break;
-      return LoadSpelling(files.spelling, directory, settings);
+      return LoadSpelling(files.spelling, directory, settings, files.lookup);
   }
   return LoadStatus::kOk;
 }
@@ -45,6 +45,7 @@ LoadStatus OpenIndexFile(IndexFiles& files, IndexFile file, const IndexDirectory
 
 OpenResult OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory,
                           const Settings& settings) {
+  files.lookup.Open(directory, settings);
   for (IndexFile file : {IndexFile::kPageData, IndexFile::kRecommended, IndexFile::kPageInfo,
                          IndexFile::kPageText, IndexFile::kWordMap, IndexFile::kSpelling}) {
     const LoadStatus status = OpenIndexFile(files, file, directory, settings);
@@ -58,11 +59,13 @@ void CloseIndexFiles(IndexFiles& files) {
   files.pageText.Close();
   files.wordMap.Close();
   files.recommended = RecommendedTies();
-  files.spelling = SpellingTable();
+  files.spelling.file.Close();
+  files.spelling.lookup = nullptr;
   files.pages.file.Close();
   files.pages.image = {};
   files.pages.pageCount = 0;
   files.pages.starts.Release();
+  files.lookup.Close();
 }
 
 }  // namespace vela

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "index/load_status.h"
+#include "index/lookup_file.h"
 #include "index/page_info.h"
 #include "index/recommended.h"
 #include "index/spelling.h"
@@ -14,6 +15,7 @@ namespace vela {
 
 // Each file is open, and its bytes valid, from OpenIndexFiles until it is closed or released.
 struct IndexFiles {
+  LookupFile lookup;  // closed where there is none to use
   FileImage pageData;
   RecommendedTies recommended;  // only with Recommended 1
   PageTable pages;
@@ -22,7 +24,7 @@ struct IndexFiles {
   SpellingTable spelling;  // only with Spelling 1
 };
 
-// In the order in which they are opened.
+// In the order in which they are opened, behind the lookup file.
 enum class IndexFile : uint8_t {
   kPageData,
   kRecommended,

@@ -15,6 +15,7 @@ const PageInfoLayout& LayoutOf(const PageTable& pages) {
 }
 
 size_t StartOf(const PageTable& pages, uint32_t page) {
+  if (pages.recordLength != 0) return page * pages.recordLength;
   if (pages.starts.empty()) return 0;
   return pages.starts[std::min<size_t>(page, pages.starts.size() - 1)];
 }
@@ -45,11 +46,28 @@ LoadStatus FindRecords(PageTable& pages) {
   return total < size ? LoadStatus::kSlackAtEnd : LoadStatus::kOk;
 }
 
+// Whether the lookup file stands for a pass over this image.
+bool UseLookup(PageTable& pages, const LookupFile& lookup) {
+  if (!lookup.isOpen()) return false;
+  const LookupHeader& header = lookup.header();
+  if (pages.big || header.pageInfoLength < kSmallPageInfo.lengthWidth ||
+      header.pages != static_cast<uint64_t>(pages.pageCount) ||
+      header.pageInfoLength * header.pages != pages.image.size() ||
+      !IsFileOf(header.pageInfo, pages.image)) {
+    return false;
+  }
+  pages.recordLength = static_cast<size_t>(header.pageInfoLength);
+  return true;
+}
+
 }  // namespace
 
-LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
-                        const Settings& settings) {
-  if (!pages.file.Open(directory, kPageInfoFileName, true)) return LoadStatus::kCannotOpen;
+LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory, const Settings& settings,
+                        const LookupFile& lookup) {
+  if (!pages.file.Open(directory, kPageInfoFileName, !lookup.isOpen())) {
+    return LoadStatus::kCannotOpen;
+  }
+  pages.recordLength = 0;
   pages.big = settings.UseBigPageInfoData == 1;
   pages.pageCount = settings.NumPages;
   pages.categoryBytes = HasCategorySets(settings) && settings.NumCatBytes > 0
@@ -63,7 +81,7 @@ LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
     return LoadStatus::kNoMemory;
   }
   pages.image = pages.file.bytes().substr(0, size);
-  return FindRecords(pages);
+  return UseLookup(pages, lookup) ? LoadStatus::kOk : FindRecords(pages);
 }
 
 uint64_t PageDataOffset(const PageTable& pages, uint32_t page) {

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "index/load_status.h"
+#include "index/lookup_file.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -20,12 +21,14 @@ struct PageTable {
   bool big = false;             // the layout of the records
   int32_t pageCount = 0;        // NumPages
   size_t categoryBytes = 0;     // bytes of the category set that stand ahead of the meta fields
+  size_t recordLength = 0;      // of every record, in bytes; 0: they differ, and `starts` is used
   OwnedArray<uint32_t> starts;  // offset of each record; the last one serves all pages behind it
 };
 
-// Opens the file and finds the start of every record.
+// Opens the file and finds the start of every record, by a pass over the file unless `lookup` says
+// that it is sound and its records are alike.
 [[nodiscard]] LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory,
-                                      const Settings& settings);
+                                      const Settings& settings, const LookupFile& lookup);
 
 // The fields of page `page`, 0 <= page < pageCount.
 uint64_t PageDataOffset(const PageTable& pages, uint32_t page);

@@ -34,30 +34,67 @@ bool ReadEntry(std::string_view line, SpellingEntry& entry) {
   return numbers > 0;
 }
 
+// The index of the last entry of the guide whose key is below `key`; false when there is none or
+// the guide is damaged.
+bool FindGuide(const LookupFile& lookup, LookupKey key, LookupSpelling& guide, size_t& index) {
+  const LookupTablePlace& place = lookup.header().spellingGuide;
+  size_t low = 0;
+  size_t high = static_cast<size_t>(place.count);
+  while (low < high) {
+    const size_t middle = low + (high - low) / 2;
+    if (!lookup.Read(place, middle, guide)) return false;
+    if (guide.key < key) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  if (low == 0) return false;
+  index = low - 1;
+  return lookup.Read(place, index, guide);
+}
+
 }  // namespace
 
 LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
-                        const Settings& settings) {
-  FileImage file;
-  if (!file.Open(directory, kSpellingFileName, true)) return LoadStatus::kCannotOpen;
+                        const Settings& settings, const LookupFile& lookup) {
+  table.lookup = nullptr;
+  if (!table.file.Open(directory, kSpellingFileName, false)) return LoadStatus::kCannotOpen;
   const int64_t wanted = int64_t{settings.NumSpellings} + 1;
   if (settings.NumSpellings < 0 || wanted * kTableBytesPerEntry > INT32_MAX) {
     return LoadStatus::kNoMemory;
   }
-  // The shortest entry has four bytes, its line feed included, and the last may lack that.
-  const auto most = static_cast<int64_t>(file.bytes().size() / 3) + 1;
-  if (!table.entries.TryAllocate(static_cast<size_t>(std::min(wanted, most)))) {
-    return LoadStatus::kNoMemory;
-  }
-  LineReader reader{file.bytes()};
-  std::string_view line;
-  const auto room = static_cast<int32_t>(table.entries.size());
-  while (table.count < room &&
-         ReadLine(reader, KeywordLineLimit(settings.MaxKeyWordLineLen), line)) {
-    if (ReadEntry(UpToNul(line), table.entries[static_cast<size_t>(table.count)])) ++table.count;
+  table.lineLimit = KeywordLineLimit(settings.MaxKeyWordLineLen);
+  table.most = wanted;
+  const LookupHeader& header = lookup.header();
+  if (lookup.isOpen() && header.spellings <= static_cast<uint64_t>(wanted) &&
+      table.lineLimit >= kLookupSpellingLine && IsFileOf(header.spelling, table.file.bytes())) {
+    table.lookup = &lookup;
   }
   table.isLoaded = true;
   return LoadStatus::kOk;
+}
+
+SpellingReader::SpellingReader(const SpellingTable& table)
+    : lines_{table.file.bytes()}, lineLimit_(table.lineLimit), left_(table.most) {}
+
+SpellingReader::SpellingReader(const SpellingTable& table, std::string_view key)
+    : SpellingReader(table) {
+  LookupSpelling guide;
+  size_t index = 0;
+  if (table.lookup == nullptr || !FindGuide(*table.lookup, LookupKeyOf(key), guide, index)) return;
+  lines_.rest.remove_prefix(std::min<size_t>(guide.start, lines_.rest.size()));
+  left_ -= static_cast<int64_t>(index * kLookupSpellingStep);
+}
+
+bool SpellingReader::Next(SpellingEntry& entry) {
+  std::string_view line;
+  while (left_ > 0 && ReadLine(lines_, lineLimit_, line)) {
+    if (!ReadEntry(UpToNul(line), entry)) continue;
+    --left_;
+    return true;
+  }
+  return false;
 }
 
 }  // namespace vela

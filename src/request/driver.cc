@@ -49,7 +49,8 @@ int OpenIndex(SearchContext& ctx) {
 }
 
 int LoadDictionary(SearchContext& ctx) {
-  const DictionaryResult result = ctx.dictionary.Load(ctx.directory, ctx.settings);
+  const DictionaryResult result =
+      ctx.dictionary.Load(ctx.directory, ctx.settings, ctx.index.lookup);
   if (result.status == DictionaryStatus::kOk) return 1;
   WriteDictionaryFailure(ctx.response, result, ctx.settings);
   return EndRequest(ctx);

@@ -46,6 +46,11 @@ bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view 
   return false;
 }
 
+bool CollectCandidates(const Dictionary& dictionary, std::string_view pattern,
+                       WordSet& candidates) {
+  return dictionary.CollectByBeginning(pattern.substr(0, pattern.find_first_of("*?")), candidates);
+}
+
 bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion,
                     bool& limitReached) {
   budget.used = WrapAdd32(budget.used, 1);

@@ -63,6 +63,10 @@ int32_t FirstSearchedWord(const Settings& settings);
 bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view pattern,
                  bool foldCase);
 
+// The words that may fit the pattern, which begins with characters that are no wildcards; false
+// when any word may, or when telling them takes looking at every word.
+bool CollectCandidates(const Dictionary& dictionary, std::string_view pattern, WordSet& candidates);
+
 // Counts one more matched word. False when a budget is used up and the scan must end.
 bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion,
                     bool& limitReached);
@@ -103,10 +107,13 @@ template <typename Add>
 [[nodiscard]] TermResult LookUpPattern(const LookupTerm& term, const LookupInput& input,
                                        LookupCounts& counts, Add add) {
   const bool foldCase = LowersQueries(input.settings);
+  const int32_t end = input.dictionary.size();
+  WordSet candidates;
+  const bool isNarrowed = CollectCandidates(input.dictionary, term.word, candidates);
   int32_t matched = 0;
-  for (int32_t number = FirstSearchedWord(input.settings); number < input.dictionary.size();
-       ++number) {
-    if (input.limitReached && !term.isExclusion) break;
+  for (int32_t number = FirstSearchedWord(input.settings); number < end; ++number) {
+    if (isNarrowed) number = NextInSet(candidates, number, end);
+    if (number == end || (input.limitReached && !term.isExclusion)) break;
     if (!MatchesWord(input.dictionary, number, term.word, foldCase)) continue;
     const int64_t offset = input.dictionary.EntryAt(number).offset;
     if (offset == kNoWordList) continue;

@@ -27,8 +27,9 @@ int32_t FindAlike(std::string_view term, const SpellingTable& spelling,
                   QueryText (&alike)[Suggestions::kLimit]) {
   const SoundKey key = MakeSoundKey(term);
   if (IsEmpty(key)) return 0;
-  for (int32_t i = 0; i < spelling.count; ++i) {
-    const SpellingEntry& entry = spelling.entries[static_cast<size_t>(i)];
+  SpellingReader entries(spelling, View(key));
+  SpellingEntry entry;
+  while (entries.Next(entry)) {
     const int order = View(entry.key).compare(View(key));
     if (order > 0) return 0;
     if (order < 0) continue;

@@ -88,6 +88,7 @@ inline constexpr NumberSetting kNumberSettings[] = {
     {"NumPages", &Settings::NumPages},
     {"NumVariants", &Settings::NumVariants},
     {"PageInfoSize", &Settings::PageInfoSize},
+    {"LookupGeneration", &Settings::LookupGeneration},
     {"DefaultToAnd", &Settings::DefaultToAnd},
     {"UseXML", &Settings::UseXML},
     {"XMLHighlight", &Settings::XMLHighlight},

@@ -111,8 +111,9 @@ struct Settings {
   int32_t NumKeywords = 0;
   int32_t NumPages = 0;
   int32_t NumVariants = 0;
-  int32_t PageInfoSize = 0;     // bytes
-  FixedText<2048> LinkBackURL;  // preset to the program's own file name
+  int32_t PageInfoSize = 0;      // bytes
+  int32_t LookupGeneration = 0;  // of the lookup file; below 1: none is used
+  FixedText<2048> LinkBackURL;   // preset to the program's own file name
   int32_t DefaultToAnd = 0;
   int32_t UseXML = 0;
   FixedText<1025> XMLTitle;

@@ -24,6 +24,9 @@
 
 namespace vela::support {
 
+// Where there is none.
+inline const LookupFile kNoLookup{};
+
 // A nameless file that collects what is written to its descriptor.
 class CaptureFile {
  public:
@@ -114,7 +117,7 @@ struct LoadedSite {
     EXPECT_EQ(OpenIndexFiles(files, directory, settings).status, LoadStatus::kOk);
     // A site without words needs room for one to have a dictionary at all.
     if (settings.NumKeywords > 0) {
-      EXPECT_EQ(dictionary.Load(directory, settings).status, DictionaryStatus::kOk);
+      EXPECT_EQ(dictionary.Load(directory, settings, files.lookup).status, DictionaryStatus::kOk);
     }
   }
 };

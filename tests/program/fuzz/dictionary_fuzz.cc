@@ -46,8 +46,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
              &settings->NumVariants) != 4) {
     return 0;
   }
+  const LookupFile noLookup;
   Dictionary dictionary;
-  const DictionaryResult result = dictionary.Load(input, *settings);
+  const DictionaryResult result = dictionary.Load(input, *settings, noLookup);
   VELA_CHECK(result.entries == 0 || result.entries - 1 <= settings->NumKeywords);
   if (result.status == DictionaryStatus::kOk) CheckWords(dictionary, *settings);
   return 0;

@@ -24,34 +24,40 @@ void WriteFile(const support::ScratchDirectory& scratch, const char* name, std::
   std::ofstream(scratch.path() / name, std::ios::binary | std::ios::trunc) << bytes;
 }
 
-// What was read, written again, reads back the same.
-void CheckSpelling(const support::ScratchDirectory& scratch, const IndexDirectory& directory,
-                   Settings& settings, std::string_view file) {
-  WriteFile(scratch, kSpellingFileName, file);
-  SpellingTable table;
-  VELA_CHECK(LoadSpelling(table, directory, settings) == LoadStatus::kOk);
-  VELA_CHECK(table.isLoaded);
-  VELA_CHECK(table.count >= 0 && table.count <= settings.NumSpellings + 1);
+const LookupFile kNoLookup{};
+
+// The entries in the order of the file, as they are written.
+std::string EntriesOf(const SpellingTable& table, const Settings& settings) {
+  SpellingReader entries(table);
+  SpellingEntry entry;
   std::string written;
-  for (int32_t i = 0; i < table.count; ++i) {
-    const SpellingEntry& entry = table.entries[static_cast<size_t>(i)];
+  int32_t count = 0;
+  while (entries.Next(entry)) {
     const std::string_view key = View(entry.key);
     VELA_CHECK(!key.empty() && key.size() <= kSoundKeyLength);
     VELA_CHECK(key.find_first_of(" \r\n") == key.npos);
     written += key;
     for (const int32_t word : entry.words) written += " " + std::to_string(word);
     written += "\n";
+    ++count;
   }
+  VELA_CHECK(count <= settings.NumSpellings + 1);
+  return written;
+}
+
+// What was read, written again, reads back the same.
+void CheckSpelling(const support::ScratchDirectory& scratch, const IndexDirectory& directory,
+                   Settings& settings, std::string_view file) {
+  WriteFile(scratch, kSpellingFileName, file);
+  SpellingTable table;
+  VELA_CHECK(LoadSpelling(table, directory, settings, kNoLookup) == LoadStatus::kOk);
+  VELA_CHECK(table.isLoaded);
+  const std::string written = EntriesOf(table, settings);
   settings.MaxKeyWordLineLen = kLongLine;
   WriteFile(scratch, kSpellingFileName, written);
   SpellingTable again;
-  VELA_CHECK(LoadSpelling(again, directory, settings) == LoadStatus::kOk);
-  VELA_CHECK(again.count == table.count);
-  for (int32_t i = 0; i < table.count; ++i) {
-    const SpellingEntry& a = table.entries[static_cast<size_t>(i)];
-    const SpellingEntry& b = again.entries[static_cast<size_t>(i)];
-    VELA_CHECK(View(a.key) == View(b.key) && a.words == b.words);
-  }
+  VELA_CHECK(LoadSpelling(again, directory, settings, kNoLookup) == LoadStatus::kOk);
+  VELA_CHECK(EntriesOf(again, settings) == written);
 }
 
 void CheckRecommended(const support::ScratchDirectory& scratch, const IndexDirectory& directory,

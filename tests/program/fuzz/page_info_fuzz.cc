@@ -45,7 +45,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   IndexDirectory directory;
   OpenIndexDirectory(directory, scratch.path().string());
   PageTable pages;
-  if (LoadPageInfo(pages, directory, *settings) != LoadStatus::kOk) return 0;
+  const LookupFile noLookup;
+  if (LoadPageInfo(pages, directory, *settings, noLookup) != LoadStatus::kOk) return 0;
   VELA_CHECK(pages.pageCount == settings->NumPages);
   // Pages without end share the last record, so the first ones tell it all.
   for (int32_t page = 0; page < pages.pageCount && page < 1000; ++page) {

@@ -153,8 +153,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Input input;
   if (!ReadInput(Text(data, size), *settings, input)) return 0;
 
+  const LookupFile noLookup;
   Dictionary dictionary;
-  VELA_CHECK(dictionary.Load(kWords, *settings).status == DictionaryStatus::kOk);
+  VELA_CHECK(dictionary.Load(kWords, *settings, noLookup).status == DictionaryStatus::kOk);
   TermList words;
   FillTerms(words, {"cat", input.phrase});
   HighlightTerms terms;

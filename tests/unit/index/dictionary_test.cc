@@ -12,6 +12,7 @@ namespace vela {
 namespace {
 
 using namespace std::string_literals;
+using support::kNoLookup;
 using support::OpenDirectory;
 using support::Repeat;
 
@@ -39,7 +40,7 @@ std::vector<std::string> VariantsOf(const Dictionary& dictionary, int32_t number
 void ExpectWords(const std::string& bytes, const std::vector<Word>& words,
                  const Settings& settings) {
   Dictionary dictionary;
-  ASSERT_EQ(dictionary.Load(bytes, settings).status, DictionaryStatus::kOk);
+  ASSERT_EQ(dictionary.Load(bytes, settings, kNoLookup).status, DictionaryStatus::kOk);
   ASSERT_EQ(dictionary.size(), static_cast<int32_t>(words.size()));
   for (int32_t i = 0; i < dictionary.size(); ++i) {
     const Word& expected = words[static_cast<size_t>(i)];
@@ -61,7 +62,7 @@ void ExpectWords(const std::string& bytes, const std::vector<Word>& words) {
 
 DictionaryResult LoadOf(std::string_view bytes, const Settings& settings) {
   Dictionary dictionary;
-  return dictionary.Load(bytes, settings);
+  return dictionary.Load(bytes, settings, kNoLookup);
 }
 
 TEST(Dictionary, TwoVariantLinesBelongToTheEntryBeforeThem) {
@@ -284,7 +285,8 @@ TEST(Dictionary, FileMissing) {
   Settings settings;
   Prepare(settings);
   Dictionary dictionary;
-  EXPECT_EQ(dictionary.Load(site.directory, settings).status, DictionaryStatus::kCannotOpen);
+  EXPECT_EQ(dictionary.Load(site.directory, settings, kNoLookup).status,
+            DictionaryStatus::kCannotOpen);
 }
 
 TEST(Dictionary, ReadFromItsFile) {
@@ -293,7 +295,7 @@ TEST(Dictionary, ReadFromItsFile) {
   Settings settings;
   Prepare(settings);
   Dictionary dictionary;
-  ASSERT_EQ(dictionary.Load(site.directory, settings).status, DictionaryStatus::kOk);
+  ASSERT_EQ(dictionary.Load(site.directory, settings, kNoLookup).status, DictionaryStatus::kOk);
   ASSERT_EQ(dictionary.size(), 1);
   EXPECT_EQ(dictionary.WordAt(0), "run");
   dictionary.Release();
@@ -306,7 +308,7 @@ TEST(Dictionary, EmptyFile) {
   Settings settings;
   Prepare(settings);
   Dictionary dictionary;
-  ASSERT_EQ(dictionary.Load(site.directory, settings).status, DictionaryStatus::kOk);
+  ASSERT_EQ(dictionary.Load(site.directory, settings, kNoLookup).status, DictionaryStatus::kOk);
   EXPECT_EQ(dictionary.size(), 0);
   EXPECT_EQ(dictionary.FindExact("run", 0), -1);
 }
@@ -316,7 +318,7 @@ TEST(Dictionary, FailedTableAllocation) {
   Prepare(settings);
   Dictionary dictionary;
   g_failAllocationNumber = 1;
-  EXPECT_EQ(dictionary.Load("run 40 0\n", settings).status, DictionaryStatus::kNoMemory);
+  EXPECT_EQ(dictionary.Load("run 40 0\n", settings, kNoLookup).status, DictionaryStatus::kNoMemory);
   g_failAllocationNumber = 0;
 }
 
@@ -326,7 +328,7 @@ TEST(Dictionary, FindExact) {
   Settings settings;
   Prepare(settings);
   Dictionary dictionary;
-  ASSERT_EQ(dictionary.Load(bytes, settings).status, DictionaryStatus::kOk);
+  ASSERT_EQ(dictionary.Load(bytes, settings, kNoLookup).status, DictionaryStatus::kOk);
   const struct {
     const char* what;
     std::string word;
@@ -360,7 +362,7 @@ TEST(Dictionary, DisplayTextByVariantNumber) {
   Settings settings;
   Prepare(settings);
   Dictionary dictionary;
-  ASSERT_EQ(dictionary.Load(bytes, settings).status, DictionaryStatus::kOk);
+  ASSERT_EQ(dictionary.Load(bytes, settings, kNoLookup).status, DictionaryStatus::kOk);
   EXPECT_EQ(dictionary.DisplayText(0, 0), "run");
   EXPECT_EQ(dictionary.DisplayText(0, 1), "Run");
   EXPECT_EQ(dictionary.DisplayText(0, 2), "RUN");  // the empty line is not stored

@@ -12,6 +12,7 @@ namespace vela {
 namespace {
 
 using namespace std::string_literals;
+using support::kNoLookup;
 using support::LittleEndian;
 using support::OpenDirectory;
 
@@ -34,7 +35,7 @@ struct Load {
     settings.PageInfoSize = static_cast<int32_t>(bytes.size());
     settings.UseBigPageInfoData = big ? 1 : 0;
   }
-  LoadStatus Run() { return LoadPageInfo(pages, site.directory, settings); }
+  LoadStatus Run() { return LoadPageInfo(pages, site.directory, settings, kNoLookup); }
 };
 
 TEST(PageInfo, FieldsOfBothLayouts) {
@@ -178,7 +179,7 @@ TEST(PageInfo, FileMissing) {
   OpenDirectory site;
   Settings settings;
   PageTable pages;
-  EXPECT_EQ(LoadPageInfo(pages, site.directory, settings), LoadStatus::kCannotOpen);
+  EXPECT_EQ(LoadPageInfo(pages, site.directory, settings, kNoLookup), LoadStatus::kCannotOpen);
 }
 
 TEST(PageInfo, FailedAllocation) {

@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <string>
 
-#include "support/failing_allocation.h"
 #include "support/loaded_site.h"
 
 namespace vela {
 namespace {
 
+using support::kNoLookup;
 using support::OpenDirectory;
 using support::Repeat;
 
@@ -25,8 +25,9 @@ Settings SettingsOf(int32_t numSpellings, int32_t lineLength = 32) {
 // The entries as "KEY first second third; ".
 std::string EntriesOf(const SpellingTable& table) {
   std::string text;
-  for (int32_t i = 0; i < table.count; ++i) {
-    const SpellingEntry& entry = table.entries[static_cast<size_t>(i)];
+  SpellingReader entries(table);
+  SpellingEntry entry;
+  while (entries.Next(entry)) {
     text += View(entry.key);
     for (int32_t word : entry.words) text += " " + std::to_string(word);
     text += "; ";
@@ -71,7 +72,7 @@ TEST(Spelling, LinesTable) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", c.file);
     SpellingTable table;
-    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, 64)), LoadStatus::kOk);
+    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, 64), kNoLookup), LoadStatus::kOk);
     EXPECT_TRUE(table.isLoaded);
     EXPECT_EQ(EntriesOf(table), c.entries);
   }
@@ -106,7 +107,8 @@ TEST(Spelling, LongLinesAreReadInPieces) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", c.file);
     SpellingTable table;
-    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, c.lineLength)), LoadStatus::kOk);
+    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(10, c.lineLength), kNoLookup),
+              LoadStatus::kOk);
     EXPECT_EQ(EntriesOf(table), c.entries);
   }
 }
@@ -128,7 +130,8 @@ TEST(Spelling, RoomForOneEntryMoreThanTheSettingsSay) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", "A 1\nB 2\nnone\nC 3\nD 4\n");
     SpellingTable table;
-    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings)), LoadStatus::kOk);
+    ASSERT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings), kNoLookup),
+              LoadStatus::kOk);
     EXPECT_EQ(EntriesOf(table), c.entries);
   }
 }
@@ -151,7 +154,7 @@ TEST(Spelling, SizesThatAreRefused) {
     OpenDirectory site;
     site.Write("vela_spelling.vdat", "A 1\n");
     SpellingTable table;
-    EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings)), c.status);
+    EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(c.numSpellings), kNoLookup), c.status);
     EXPECT_EQ(table.isLoaded, c.status == LoadStatus::kOk);
   }
 }
@@ -159,24 +162,14 @@ TEST(Spelling, SizesThatAreRefused) {
 TEST(Spelling, FileThatCannotBeOpened) {
   OpenDirectory site;
   SpellingTable table;
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), LoadStatus::kCannotOpen);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1), kNoLookup), LoadStatus::kCannotOpen);
   EXPECT_FALSE(table.isLoaded);
   std::filesystem::create_directory(site.scratch.path() / "vela_spelling.vdat");
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), LoadStatus::kCannotOpen);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1), kNoLookup), LoadStatus::kCannotOpen);
   EXPECT_FALSE(table.isLoaded);
   // The file is opened before its size is looked at.
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(-1)), LoadStatus::kCannotOpen);
-}
-
-TEST(Spelling, OutOfMemory) {
-  OpenDirectory site;
-  site.Write("vela_spelling.vdat", "A 1\n");
-  SpellingTable table;
-  g_failAllocationNumber = 1;
-  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(1)), LoadStatus::kNoMemory);
-  g_failAllocationNumber = 0;
-  EXPECT_FALSE(table.isLoaded);
-  EXPECT_EQ(table.count, 0);
+  EXPECT_EQ(LoadSpelling(table, site.directory, SettingsOf(-1), kNoLookup),
+            LoadStatus::kCannotOpen);
 }
 
 }  // namespace

@@ -33,7 +33,8 @@ struct Search {
     ctx.settings.VelaInfo = 0;
     EXPECT_TRUE(AllocateSections(ctx.output, 10));
     EXPECT_EQ(OpenIndexFiles(ctx.index, ctx.directory, ctx.settings).status, LoadStatus::kOk);
-    EXPECT_EQ(ctx.dictionary.Load(ctx.directory, ctx.settings).status, DictionaryStatus::kOk);
+    EXPECT_EQ(ctx.dictionary.Load(ctx.directory, ctx.settings, ctx.index.lookup).status,
+              DictionaryStatus::kOk);
   }
   std::string Run(const std::string& typed) {
     Set(ctx.query.typed, typed);

@@ -39,13 +39,16 @@ struct Speller {
     site.settings.Spelling = 1;
     site.settings.SpellingWhenLessThan = 1;
     EXPECT_EQ(stemmer.Create(2, false), StemmerStatus::kOk);
-    EXPECT_TRUE(table.entries.TryAllocate(lines.size() + 1));
+    site.settings.NumSpellings = static_cast<int32_t>(lines.size());
+    std::ofstream file(site.scratch.path() / kSpellingFileName, std::ios::binary);
     for (const Line& line : lines) {
-      SpellingEntry& entry = table.entries[static_cast<size_t>(table.count++)];
-      Set(entry.key, line.key);
-      entry.words = line.words;
+      file << line.key;
+      for (const int32_t word : line.words) file << " " << word;
+      file << "\n";
     }
-    table.isLoaded = true;
+    file.close();
+    EXPECT_EQ(LoadSpelling(table, site.directory, site.settings, site.files.lookup),
+              LoadStatus::kOk);
   }
   static IndexBuilder Words() {
     IndexBuilder builder;

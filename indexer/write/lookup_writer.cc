@@ -1,0 +1,271 @@
+#include "indexer/write/lookup_writer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "format/index_directory.h"
+#include "format/lookup.h"
+#include "format/page_info.h"
+#include "indexer/write/out_file.h"
+#include "settings/index_directory.h"
+#include "text/ascii.h"
+#include "text/numbers.h"
+#include "text/sound_key.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// A line of a text file without its line feed; false when none is left that is whole.
+bool TakeLine(std::string_view& rest, std::string_view& line) {
+  const size_t end = rest.find('\n');
+  if (end == rest.npos) return false;
+  line = rest.substr(0, end);
+  rest.remove_prefix(end + 1);
+  return true;
+}
+
+// A field up to the next blank, which goes with it.
+std::string_view TakeField(std::string_view& line) {
+  const std::string_view field = line.substr(0, line.find(' '));
+  line.remove_prefix(std::min(field.size() + 1, line.size()));
+  return field;
+}
+
+bool IsWordText(std::string_view text) {
+  return !text.empty() &&
+         std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) > ' '; });
+}
+
+bool IsNumber(std::string_view text) {
+  if (text.starts_with('-')) text.remove_prefix(1);
+  return !text.empty() && std::ranges::all_of(text, IsDigit);
+}
+
+bool EqualFolded(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, {}, ToLowerAscii, ToLowerAscii);
+}
+
+LookupKey FoldedKeyOf(std::string_view text) {
+  std::string folded(text.substr(0, sizeof(LookupKey)));
+  std::ranges::transform(folded, folded.begin(), ToLowerAscii);
+  return LookupKeyOf(folded);
+}
+
+LookupFileFacts FactsOf(std::string_view bytes) { return {bytes.size(), FileSample(bytes)}; }
+
+struct WordTables {
+  std::vector<LookupWordStart> starts;
+  std::vector<LookupSortedWord> sorted;
+  uint64_t baseWordBytes = 0;
+  uint64_t variantBytes = 0;
+};
+
+// Goes through the dictionary. False when a line is not in the form that its writer gives it.
+bool ReadWords(std::string_view bytes, WordTables& tables) {
+  if (bytes.size() > UINT32_MAX) return false;
+  std::string_view rest = bytes;
+  std::string_view line;
+  const auto add = [&](std::string_view text, size_t word) {
+    tables.sorted.push_back({FoldedKeyOf(text), static_cast<uint32_t>(word),
+                             static_cast<uint32_t>(text.data() - bytes.data())});
+  };
+  while (TakeLine(rest, line)) {
+    if (line.size() > kDictionaryLineLimit) return false;
+    const std::string_view text = TakeField(line);
+    const std::string_view offset = TakeField(line);
+    if (!IsWordText(text) || !IsNumber(offset) || !IsNumber(line)) return false;
+    const size_t word = tables.starts.size();
+    tables.starts.push_back(static_cast<uint32_t>(text.data() - bytes.data()));
+    tables.baseWordBytes += static_cast<uint64_t>(BasewordBufferBytes(text.size()));
+    add(text, word);
+    for (int32_t variants = ReadDecimal32(line); variants > 0; --variants) {
+      if (!TakeLine(rest, line) || !IsWordText(line) || line.size() > kVariantLimit) return false;
+      tables.variantBytes += static_cast<uint64_t>(VariantBufferBytes(line.size()));
+      if (!EqualFolded(line, text)) add(line, word);
+    }
+  }
+  return rest.empty() && !tables.starts.empty();
+}
+
+void SortWords(std::string_view dictionary, std::vector<LookupSortedWord>& sorted) {
+  const auto textOf = [dictionary](const LookupSortedWord& word) {
+    const std::string_view rest = dictionary.substr(word.start);
+    return rest.substr(0, rest.find_first_of(" \n"));
+  };
+  const auto isBelow = [&](const LookupSortedWord& a, const LookupSortedWord& b) {
+    if (a.key != b.key) return a.key < b.key;
+    const std::string_view left = textOf(a);
+    const std::string_view right = textOf(b);
+    const auto [l, r] = std::ranges::mismatch(left, right, {}, ToLowerAscii, ToLowerAscii);
+    if (l == left.end() || r == right.end()) {
+      if (left.size() != right.size()) return left.size() < right.size();
+    } else {
+      return static_cast<unsigned char>(ToLowerAscii(*l)) <
+             static_cast<unsigned char>(ToLowerAscii(*r));
+    }
+    return a.word != b.word ? a.word < b.word : a.start < b.start;
+  };
+  std::ranges::sort(sorted, isBelow);
+}
+
+struct SpellingGuide {
+  std::vector<LookupSpelling> entries;
+  uint64_t count = 0;  // of the entries of the file
+};
+
+// False when the file is not in the form that its writer gives it.
+bool ReadSpellings(std::string_view bytes, SpellingGuide& guide) {
+  if (bytes.size() > UINT32_MAX) return false;
+  std::string_view rest = bytes;
+  std::string_view line;
+  LookupKey former = 0;
+  while (TakeLine(rest, line)) {
+    if (line.size() >= kLookupSpellingLine) return false;
+    const auto start = static_cast<uint32_t>(line.data() - bytes.data());
+    const std::string_view text = TakeField(line);
+    const LookupKey key = LookupKeyOf(text);
+    if (!IsWordText(text) || text.size() > kSoundKeyLength || key < former || line.empty()) {
+      return false;
+    }
+    while (!line.empty()) {
+      if (!IsNumber(TakeField(line))) return false;
+    }
+    former = key;
+    if (guide.count % kLookupSpellingStep == 0) guide.entries.push_back({key, start, 0});
+    ++guide.count;
+  }
+  return rest.empty() && guide.count > 0;
+}
+
+struct PageInfoShape {
+  uint64_t pages = 0;
+  uint64_t length = 0;  // of every record; 0: they differ
+};
+
+// What is known of the records, read as those of the small layout, the only one that is written.
+PageInfoShape ReadPageInfo(std::string_view bytes) {
+  PageInfoShape shape;
+  constexpr size_t kWidth = kSmallPageInfo.lengthWidth;
+  for (size_t at = 0; at < bytes.size();) {
+    uint16_t length = 0;
+    static_assert(sizeof length == kWidth);
+    if (bytes.size() - at < kWidth) return {};
+    memcpy(&length, bytes.data() + at, kWidth);
+    if (length < kSmallPageInfo.fixedSize || length > bytes.size() - at) return {};
+    if (at == 0) shape.length = length;
+    if (length != shape.length) return {};
+    at += length;
+    ++shape.pages;
+  }
+  return shape;
+}
+
+// Writes blocks with their checksums.
+class BlockWriter {
+ public:
+  explicit BlockWriter(OutFile& file) : file_(file) {}
+
+  template <typename Record>
+  void Write(const std::vector<Record>& records) {
+    constexpr size_t kPerBlock = kLookupRecordsPerBlock<Record>;
+    for (size_t i = 0; i < records.size(); i += kPerBlock) {
+      WriteBlock(records.data() + i, std::min(kPerBlock, records.size() - i) * sizeof(Record));
+    }
+  }
+  void WriteBlock(const void* content, size_t size) {
+    char block[kLookupBlockRoom] = {};
+    memcpy(block, content, size);
+    const std::string_view room(block, sizeof block);
+    file_.Write(room);
+    file_.WriteNumber(Checksum(room, written_), sizeof(uint64_t));
+    ++written_;
+  }
+
+ private:
+  OutFile& file_;
+  uint64_t written_ = 0;
+};
+
+// Gives tables their places, one behind the other.
+class TablePlaces {
+ public:
+  template <typename Record>
+  LookupTablePlace Next(const std::vector<Record>& records) {
+    constexpr size_t kPerBlock = kLookupRecordsPerBlock<Record>;
+    const LookupTablePlace place = {next_, records.size()};
+    next_ += (records.size() + kPerBlock - 1) / kPerBlock;
+    return place;
+  }
+
+ private:
+  uint64_t next_ = 1;  // behind the header
+};
+
+// A number for this content, 1 to INT32_MAX.
+uint64_t GenerationOf(const LookupHeader& header) {
+  char bytes[sizeof header];
+  memcpy(bytes, &header, sizeof header);
+  return Checksum({bytes, sizeof bytes}, 0) % INT32_MAX + 1;
+}
+
+}  // namespace
+
+LookupSizes WriteLookup(const std::filesystem::path& folder) {
+  IndexDirectory directory;
+  OpenIndexDirectory(directory, folder.string());
+  FileImage dictionary;
+  WordTables words;
+  if (!dictionary.Open(directory, kDictionaryFileName, false) ||
+      !ReadWords(dictionary.bytes(), words)) {
+    return {};
+  }
+  SortWords(dictionary.bytes(), words.sorted);
+  LookupHeader header;
+  header.dictionary = FactsOf(dictionary.bytes());
+  header.words = words.starts.size();
+  header.baseWordBytes = words.baseWordBytes;
+  header.variantBytes = words.variantBytes;
+
+  FileImage spelling;
+  SpellingGuide guide;
+  if (spelling.Open(directory, kSpellingFileName, false) &&
+      ReadSpellings(spelling.bytes(), guide)) {
+    header.spelling = FactsOf(spelling.bytes());
+    header.spellings = guide.count;
+  } else {
+    guide = {};
+  }
+  FileImage pageInfo;
+  if (pageInfo.Open(directory, kPageInfoFileName, false)) {
+    const PageInfoShape shape = ReadPageInfo(pageInfo.bytes());
+    header.pageInfo = FactsOf(pageInfo.bytes());
+    header.pages = shape.pages;
+    header.pageInfoLength = shape.length;
+  }
+
+  std::vector<LookupKey> wordGuide;
+  constexpr size_t kStep = kLookupGuideStep * kLookupRecordsPerBlock<LookupSortedWord>;
+  for (size_t i = 0; i < words.sorted.size(); i += kStep) wordGuide.push_back(words.sorted[i].key);
+
+  TablePlaces places;
+  header.wordStarts = places.Next(words.starts);
+  header.sortedWords = places.Next(words.sorted);
+  header.wordGuide = places.Next(wordGuide);
+  header.spellingGuide = places.Next(guide.entries);
+  header.generation = GenerationOf(header);
+
+  OutFile file(folder / kLookupFileName);
+  BlockWriter blocks(file);
+  blocks.WriteBlock(&header, sizeof header);
+  blocks.Write(words.starts);
+  blocks.Write(words.sorted);
+  blocks.Write(wordGuide);
+  blocks.Write(guide.entries);
+  return {static_cast<int32_t>(header.generation), file.Finish()};
+}
+
+}  // namespace vela::indexer

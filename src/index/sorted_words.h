@@ -1,0 +1,38 @@
+// sorted_words.h: finding words of the dictionary by their text, in the tables of the lookup file.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "index/lookup_file.h"
+#include "text/owned_array.h"
+
+namespace vela {
+
+// A set of word numbers.
+struct WordSet {
+  OwnedArray<uint64_t> bits;  // one a word
+};
+
+// The first number of the set from `from` on; `end` when there is none below it.
+int32_t NextInSet(const WordSet& words, int32_t from, int32_t end);
+
+// The words of a dictionary that the lookup file belongs to.
+struct SortedWords {
+  const LookupFile& lookup;
+  std::string_view dictionary;  // the bytes of its file
+  int32_t count = 0;            // of base words
+};
+
+// Finds the first word number from `from` on whose base word equals `word` byte for byte; -1 for
+// none. False when the tables are damaged.
+[[nodiscard]] bool FindEqualWord(const SortedWords& words, std::string_view word, int32_t from,
+                                 int32_t& number);
+
+// Collects the numbers of all words that begin with `beginning` (not empty), themselves or in one
+// of their stored variants, ASCII letters alike in either case. False when the tables are damaged
+// or memory is out.
+[[nodiscard]] bool CollectByBeginning(const SortedWords& words, std::string_view beginning,
+                                      WordSet& found);
+
+}  // namespace vela
