@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "index/byte_cursor.h"
 #include "text/numbers.h"
@@ -22,6 +23,34 @@ void FillBuffer(PageTextReader& reader, uint64_t buffered) {
   reader.bufferEnd += got;
 }
 
+// The place of the first token from `at` on that is of `word` or ends the page. It may stop earlier
+// where fewer tokens are left than are compared at once.
+template <size_t kSize>
+size_t FindWord(std::string_view file, size_t at, uint32_t word) {
+  constexpr size_t kAtOnce = 32;
+  constexpr auto kMask = static_cast<uint32_t>(LargestNumber(kSize - kTokenVariantWidth));
+  const auto wordAt = [&file](size_t place) {
+    uint32_t number = 0;
+    memcpy(&number, file.data() + place, sizeof number);
+    return number & kMask;
+  };
+  // What is loaded reaches beyond the last token by less than a token.
+  for (; file.size() - at >= (kAtOnce + 1) * kSize + sizeof word; at += kAtOnce * kSize) {
+    // Without a branch, so that the compiler compares several at a time.
+    uint32_t found = 0;
+    for (size_t i = 0; i < kAtOnce; ++i) {
+      const uint32_t number = wordAt(at + i * kSize);
+      found |= static_cast<uint32_t>(number == word) | static_cast<uint32_t>(number == kPageEndWord);
+    }
+    if (found != 0) break;
+  }
+  while (file.size() - at >= kSize + sizeof word && wordAt(at) != word &&
+         wordAt(at) != kPageEndWord) {
+    at += kSize;
+  }
+  return at;
+}
+
 }  // namespace
 
 bool IsPageTextPlaceholder(std::string_view file) {
@@ -35,6 +64,28 @@ void SeekPageText(PageTextReader& reader, uint64_t position) {
   reader.position = position;
   reader.bufferEnd = position;
   reader.atEnd = false;
+}
+
+void SkipToWord(PageTextReader& reader, uint32_t word) {
+  if (reader.position >= reader.file.size()) return;
+  auto at = static_cast<size_t>(reader.position);
+  switch (reader.tokenSize) {
+    case 2:
+      at = FindWord<2>(reader.file, at, word);
+      break;
+    case 3:
+      at = FindWord<3>(reader.file, at, word);
+      break;
+    case 4:
+      at = FindWord<4>(reader.file, at, word);
+      break;
+    case 5:
+      at = FindWord<5>(reader.file, at, word);
+      break;
+    default:
+      return;
+  }
+  SeekPageText(reader, at);
 }
 
 int32_t ReadPageTextToken(PageTextReader& reader, PageTextToken& token) {

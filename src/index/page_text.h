@@ -31,6 +31,9 @@ struct PageTextReader {
 // Positions the reader. Any position can be taken; beyond the end of the file there is no token.
 void SeekPageText(PageTextReader& reader, uint64_t position);
 
+// Passes over tokens up to the next one of `word` or kPageEndWord, or to the end of the data.
+void SkipToWord(PageTextReader& reader, uint32_t word);
+
 // Reads the next token; the bytes consumed, 0 at the end of the data. Bytes at the end that make no
 // whole token are never returned.
 int32_t ReadPageTextToken(PageTextReader& reader, PageTextToken& token);

@@ -66,6 +66,8 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
   for (;;) {
     PageTextToken token;
     for (size_t k = 0; k < count;) {
+      // Nothing but the first word and the end of the page has a consequence here.
+      if (k == 0) SkipToWord(text, static_cast<uint32_t>(phrase.words[0].number));
       uint64_t position = 0;
       int32_t consumed = 0;
       do {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 namespace vela {
@@ -49,6 +50,39 @@ TEST(PageText, TokenSizes) {
     EXPECT_EQ(ReadPageTextToken(reader, token), c.size);
     EXPECT_EQ(token.word, c.word);
     EXPECT_EQ(token.variant, c.variant);
+  }
+}
+
+TEST(PageText, SkippingStopsWhereReadingFindsTheWord) {
+  // Around the number of tokens that are compared at once, with every width.
+  for (int32_t size = 1; size <= 5; ++size) {
+    for (size_t tokens = 0; tokens < 80; ++tokens) {
+      for (const size_t place : {size_t{0}, tokens / 3, tokens - 1, tokens}) {
+        for (const char wanted : {'\x07', '\0'}) {
+          std::string file;
+          for (size_t i = 0; i < tokens; ++i) {
+            std::string token(static_cast<size_t>(size), '\0');
+            token.front() = i == place ? wanted : '\x09';
+            token.back() = '\x07';  // a variant is no word
+            file += token;
+          }
+          file += "\x07";
+          PageTextReader reader;
+          reader.file = file;
+          reader.tokenSize = size;
+          SeekPageText(reader, 0);
+          SkipToWord(reader, 7);
+          PageTextToken token;
+          uint64_t at = 0;
+          do {
+            at = reader.position;
+          } while (ReadPageTextToken(reader, token) != 0 && token.word != 7 && token.word != 0);
+          // With one byte a token is all variant, and every one ends a page.
+          const size_t expected = size == 1 ? 0 : std::min(place, tokens);
+          EXPECT_EQ(at, expected * static_cast<size_t>(size)) << size << " " << tokens;
+        }
+      }
+    }
   }
 }
 
