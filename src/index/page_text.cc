@@ -40,7 +40,8 @@ size_t FindWord(std::string_view file, size_t at, uint32_t word) {
     uint32_t found = 0;
     for (size_t i = 0; i < kAtOnce; ++i) {
       const uint32_t number = wordAt(at + i * kSize);
-      found |= static_cast<uint32_t>(number == word) | static_cast<uint32_t>(number == kPageEndWord);
+      found |=
+          static_cast<uint32_t>(number == word) | static_cast<uint32_t>(number == kPageEndWord);
     }
     if (found != 0) break;
   }

@@ -5,7 +5,10 @@
 // without taking more memory than such small files call for.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
+#include <cstddef>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -13,10 +16,12 @@
 #include <string_view>
 #include <vector>
 
+#include "format/lookup.h"
 #include "support/index_builder.h"
 #include "support/recipe.h"
 #include "support/run_program.h"
 #include "support/scratch_directory.h"
+#include "support/with_lookup.h"
 
 namespace vela::support {
 namespace {
@@ -211,6 +216,95 @@ TEST_P(Damage, EveryNumberReplaced) {
     index.Try(bytes, std::string("number at ") + std::to_string(run.at) + " becomes " +
                          kNumbers[i % std::size(kNumbers)]);
   }
+}
+
+// The lookup file only says what the others say: damaged, cut or of another index it changes no
+// answer.
+class DamagedLookup : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    IndexBuilder index = Everything();
+    index.Set("Timing", "0").Set("Logging", "0");
+    index.WriteTo(scratch_.path());
+    for (const char* query : kQueries) answers_.push_back(Answer(query));
+    ASSERT_TRUE(AddLookup(scratch_.path()));
+    whole_ = ReadWholeFile(File());
+    for (size_t i = 0; i < std::size(kQueries); ++i) Try(whole_, "nothing changed");
+  }
+
+  std::filesystem::path File() const { return scratch_.path() / kLookupFileName; }
+
+  std::string Answer(const char* query) const {
+    return RunProgram(kProgram, GetRequest(scratch_.path(), query)).output;
+  }
+
+  void Try(std::string_view bytes, const std::string& what) {
+    std::ofstream(File(), std::ios::binary | std::ios::trunc) << bytes;
+    const size_t query = runs_++ % std::size(kQueries);
+    EXPECT_EQ(Answer(kQueries[query]), answers_[query]) << what << ", " << kQueries[query];
+  }
+
+  // How far apart tries are so that there are kMostRuns.
+  size_t Step() const { return std::max<size_t>(1, whole_.size() / kMostRuns); }
+
+  std::string whole_;
+  ScratchDirectory scratch_;
+
+ private:
+  std::vector<std::string> answers_;  // without the file
+  size_t runs_ = 0;
+};
+
+TEST_F(DamagedLookup, Cut) {
+  for (size_t length = 0; length < whole_.size(); length += Step()) {
+    Try(std::string_view(whole_).substr(0, length), "cut to " + std::to_string(length));
+  }
+}
+
+TEST_F(DamagedLookup, BytesChanged) {
+  for (size_t at = 0; at < whole_.size(); at += Step()) {
+    std::string bytes = whole_;
+    bytes[at] = static_cast<char>(bytes[at] ^ 0x11);
+    Try(bytes, "byte " + std::to_string(at));
+  }
+}
+
+// A block with a checksum that is right, and numbers that no indexer writes: positions and counts
+// beyond everything, on every place of eight bytes. The answer may then be another one, as with any
+// file that somebody has made up, but there is one.
+TEST_F(DamagedLookup, MadeUpNumbers) {
+  constexpr uint64_t kNumbers[] = {~uint64_t{0}, uint64_t{1} << 63, 0x00FF'FFFF'00FF'FFFF, 1};
+  for (size_t at = 0; at < whole_.size(); at += sizeof(uint64_t)) {
+    const size_t block = at / kLookupBlockSize;
+    if (at % kLookupBlockSize >= kLookupBlockRoom) continue;
+    std::string bytes = whole_;
+    memcpy(bytes.data() + at, &kNumbers[at / sizeof(uint64_t) % std::size(kNumbers)],
+           sizeof(uint64_t));
+    const std::string_view room =
+        std::string_view(bytes).substr(block * kLookupBlockSize, kLookupBlockRoom);
+    const uint64_t sum = Checksum(room, block);
+    memcpy(bytes.data() + block * kLookupBlockSize + kLookupBlockRoom, &sum, sizeof sum);
+    std::ofstream(File(), std::ios::binary | std::ios::trunc) << bytes;
+    const char* query = kQueries[at / sizeof(uint64_t) % std::size(kQueries)];
+    const Outcome outcome = RunProgram(kProgram, GetRequest(scratch_.path(), query));
+    EXPECT_EQ(outcome.exitStatus, 0) << at << " " << query << DescribeEnd(outcome);
+    EXPECT_FALSE(outcome.output.empty());
+    EXPECT_EQ(outcome.errorOutput, "");
+  }
+}
+
+TEST_F(DamagedLookup, OfAnotherIndexWithTheSameGeneration) {
+  IndexBuilder other = Everything();
+  other.Word("zebra", {{.page = 0, .score = 9}});
+  const ScratchDirectory folder;
+  other.WriteTo(folder.path());
+  ASSERT_TRUE(AddLookup(folder.path()));
+  std::string bytes = ReadWholeFile(folder.path() / kLookupFileName);
+  const size_t generation = offsetof(LookupHeader, generation);
+  bytes.replace(generation, sizeof(uint64_t), whole_.substr(generation, sizeof(uint64_t)));
+  const uint64_t sum = Checksum(std::string_view(bytes).substr(0, kLookupBlockRoom), 0);
+  memcpy(bytes.data() + kLookupBlockRoom, &sum, sizeof sum);
+  for (size_t i = 0; i < std::size(kQueries); ++i) Try(bytes, "of another index");
 }
 
 }  // namespace

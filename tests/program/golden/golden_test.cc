@@ -2,7 +2,8 @@
 // response.
 //
 // A folder holds `request`, `index` (a recipe, see support/recipe.h), `expected`, when the exit
-// status is not 0 `status`, and when the search is logged `expected_log`.
+// status is not 0 `status`, and when the search is logged `expected_log`. Each is asked twice, with
+// and without the lookup file, which makes no difference.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,6 +20,7 @@
 #include "support/run_program.h"
 #include "support/scratch_directory.h"
 #include "support/text_diff.h"
+#include "support/with_lookup.h"
 
 namespace vela::support {
 namespace {
@@ -72,12 +74,14 @@ void ExpectSame(const std::string& expected, const std::string& actual) {
 
 class Golden : public ::testing::TestWithParam<std::string> {};
 
-TEST_P(Golden, Response) {
-  const std::filesystem::path folder = kCases / GetParam();
+enum class Lookup : uint8_t { kNone, kBeside };
+
+void ExpectAnswer(const std::filesystem::path& folder, Lookup lookup) {
   const ScratchDirectory scratch;
   IndexBuilder index;
   ApplyRecipe(ReadWholeFile(folder / "index"), kCases / "indexes", index);
   index.WriteTo(scratch.path() / "index");
+  if (lookup == Lookup::kBeside && !AddLookup(scratch.path() / "index")) return;
 
   Request request = ParseRequest(ReadWholeFile(folder / "request"));
   request.workingDirectory = scratch.path() / request.workingDirectory;
@@ -105,6 +109,12 @@ TEST_P(Golden, Response) {
   ExpectSame(ReadWholeFile(folder / "expected_log"), log);
   const std::string logged = LoggedTime(LastLine(log));
   EXPECT_TRUE(begin <= logged && logged <= end) << logged << ", between " << begin << ", " << end;
+}
+
+TEST_P(Golden, Response) {
+  ExpectAnswer(kCases / GetParam(), Lookup::kNone);
+  SCOPED_TRACE("with the lookup file");
+  ExpectAnswer(kCases / GetParam(), Lookup::kBeside);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, Golden, ::testing::ValuesIn(CaseNames()), TestName);
