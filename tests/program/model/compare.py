@@ -22,6 +22,7 @@ import vela_model
 
 PER_INDEX = 40
 PER_INDEX_DIFFERENCES = 2
+LOOKUP = "vela_lookup.vdat"
 MASKS = ((re.compile(rb"search_took \d+\.\d{3} "), b"search_took T "),
          (re.compile(rb"<vela:searchtime>\d+\.\d{3}<"), b"<vela:searchtime>T<"))
 LOG_MASKS = ((re.compile(rb"^\d+-\d\d-\d\d, \d\d:\d\d:\d\d, "), b"DATE, "),
@@ -53,7 +54,7 @@ def take_logs(directory, index):
         for name in names:
             path = os.path.join(folder, name)
             inside = os.path.relpath(path, directory)
-            if inside not in index.files and name != "vela.cgi":
+            if inside not in index.files and name not in ("vela.cgi", LOOKUP):
                 with open(path, "rb") as stream:
                     text += stream.read()
                 os.unlink(path)
@@ -94,6 +95,7 @@ def main():
     parser.add_argument("--only", type=int, help="run only this case of the seed")
     parser.add_argument("--stop-after", type=int, default=10)
     parser.add_argument("--keep", default=None, help="where directories of differences are kept")
+    parser.add_argument("--add-lookup", help="program that gives every other index its lookup file")
     parser.add_argument("--model-only", action="store_true", help="run the model alone")
     options = parser.parse_args()
     features = [f for f in options.features.split(",") if f]
@@ -118,6 +120,8 @@ def main():
                 index = generate.make_index(random.Random(f"{options.seed}/{block}"), features)
                 directory = os.path.join(work, "index")
                 write_index(directory, index)
+                if options.add_lookup and block % 2 == 0:
+                    subprocess.run([options.add_lookup, directory], check=True)
         if options.only is not None and number != options.only:
             continue
         if here >= PER_INDEX_DIFFERENCES:
