@@ -130,7 +130,7 @@ int main(int argc, char** argv) {
         vela::RankMatches(matches, filters, rankInput, list) != vela::RankStatus::kOk) {
       abort();
     }
-    vela::SortResults(list, files.pages, request.sort, false);
+    vela::SortResults(list, files.pages, request.sort, false, INT32_MAX);
     records = 0;
     for (const vela::SearchedTerm& term : terms.terms) records += term.records;
     results = matches.resultCount;

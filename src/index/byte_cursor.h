@@ -1,9 +1,13 @@
 // byte_cursor.h: reading numbers from the bytes of an index file, which are never trusted.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
+
+#include "format/little_endian.h"
 
 namespace vela {
 
@@ -11,6 +15,11 @@ namespace vela {
 // 0.
 inline uint64_t ReadLittleEndian(std::string_view bytes, size_t offset, size_t width) {
   uint64_t value = 0;
+  if (bytes.size() >= sizeof value && offset <= bytes.size() - sizeof value && width != 0) {
+    static_assert(std::endian::native == std::endian::little);
+    memcpy(&value, bytes.data() + offset, sizeof value);
+    return value & LargestNumber(width);
+  }
   for (size_t i = 0; i < width && offset + i < bytes.size(); ++i) {
     value |= uint64_t{static_cast<unsigned char>(bytes[offset + i])} << (8 * i);
   }

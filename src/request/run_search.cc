@@ -1,5 +1,7 @@
 #include "request/run_search.h"
 
+#include <algorithm>
+
 #include "output/messages.h"
 #include "output/recommended.h"
 #include "output/result_block.h"
@@ -118,7 +120,8 @@ int Rank(SearchContext& ctx, SearchState& state) {
       return EndWithInvalidCategory(ctx);
   }
   if (state.matches.resultCount > 1) {
-    SortResults(state.results, ctx.index.pages, ctx.search.sort, ctx.settings.UseDateTime == 1);
+    SortResults(state.results, ctx.index.pages, ctx.search.sort, ctx.settings.UseDateTime == 1,
+                int64_t{std::max(ctx.search.page, 1)} * EffectivePerPage(ctx.search));
   }
   return 1;
 }

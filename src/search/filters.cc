@@ -232,6 +232,10 @@ bool PrepareFilters(PageFilters& filters, const FilterInput& input) {
   for (size_t i = 0; i < fields; ++i) {
     filters.metaConstraints[i] = ReadMetaConstraint(settings.metaFields[i], request.metaValues[i]);
   }
+  const auto isActive = [](const MetaConstraint& constraint) { return constraint.active; };
+  if (std::none_of(filters.metaConstraints.begin(), filters.metaConstraints.end(), isActive)) {
+    filters.metaConstraints.Release();
+  }
   return true;
 }
 
@@ -244,6 +248,7 @@ bool PassesSiteRestriction(const PageFilters& filters, uint32_t page) {
 }
 
 int32_t PassedMetaConstraints(const PageFilters& filters, uint32_t page) {
+  if (filters.metaConstraints.empty()) return 0;
   ByteCursor cursor{PageMetaData(*filters.pages, page)};
   int32_t passed = 0;
   for (size_t i = 0; i < filters.metaConstraints.size(); ++i) {

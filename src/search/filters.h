@@ -55,7 +55,7 @@ struct PageFilters {
   std::string_view pageData;  // the bytes of the page data file
 
   SiteRestriction site;
-  OwnedArray<MetaConstraint> metaConstraints;  // one per field, or none
+  OwnedArray<MetaConstraint> metaConstraints;  // one per field, or none where none is active
   DateRange dates;
   bool countsCategories = false;        // the category summary is asked for and applies
   OwnedArray<uint32_t> categoryCounts;  // one per category name while countsCategories

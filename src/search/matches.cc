@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "search/query.h"
 #include "search/search_request.h"
 #include "text/numbers.h"
 
@@ -13,7 +14,12 @@ namespace {
 constexpr uint32_t kFullScoreLimit = 10000;
 
 // The largest number of pages whose records fit in the memory of a 32-bit process.
-constexpr int32_t kPageLimit = INT32_MAX / static_cast<int32_t>(sizeof(PageMatch));
+constexpr int32_t kBytesPerPage = 40;
+constexpr int32_t kPageLimit = INT32_MAX / kBytesPerPage;
+
+// More terms than a query can hold.
+constexpr uint32_t kTermsLimit = 0xFFFF;
+static_assert(sizeof(QueryText) < kTermsLimit);
 
 void TrackKeyRange(Matches& matches, const PageMatch& match, int32_t sort, int32_t date) {
   if (sort <= kSortByRelevance) {
@@ -25,11 +31,11 @@ void TrackKeyRange(Matches& matches, const PageMatch& match, int32_t sort, int32
   matches.minDate = matches.resultCount == 1 ? date : std::min(matches.minDate, date);
 }
 
-void AddPosition(PageMatch& match, uint64_t position) {
-  if (match.secondPosition == 0) {
-    match.secondPosition = position;
-  } else if (match.thirdPosition == 0) {
-    match.thirdPosition = position;
+void AddPosition(FurtherPositions& further, uint64_t position) {
+  if (further.second == 0) {
+    further.second = position;
+  } else if (further.third == 0) {
+    further.third = position;
   }
 }
 
@@ -38,7 +44,8 @@ void AddPosition(PageMatch& match, uint64_t position) {
 bool AllocateMatches(Matches& matches, int32_t pageCount) {
   if (pageCount < 0 || pageCount > kPageLimit) return false;
   const auto pages = static_cast<size_t>(pageCount);
-  return matches.pages.TryAllocate(pages) && matches.touched.TryAllocate((pages + 63) / 64);
+  return matches.pages.TryAllocate(pages) && matches.further.TryAllocate(pages) &&
+         matches.touched.TryAllocate((pages + 63) / 64);
 }
 
 uint32_t BoostedScore(uint32_t score, uint8_t boost) {
@@ -64,12 +71,14 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
     match.score += match.score <= kFullScoreLimit ? score : 1;
     const bool roomForContext =
         maxContextKeywords > 0 && match.termsMatched < static_cast<uint32_t>(maxContextKeywords);
-    if (match.termsMatched != 0 && roomForContext) AddPosition(match, record.position);
+    if (match.termsMatched != 0 && roomForContext) {
+      AddPosition(matches.further[record.page], record.position);
+    }
     match.proximityMask &= record.proximity;
   } else {
     matches.resultCount = WrapAdd32(matches.resultCount, 1);
     match.score = score;
-    match.firstPosition = record.position;
+    match.firstPosition = record.position & kPositionLimit;
     match.proximityMask = record.proximity;
   }
   ++match.termsMatched;
@@ -78,7 +87,8 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
 
   const auto index = static_cast<uint32_t>(term.index);
   const auto inOrder = static_cast<uint32_t>(term.index - term.skipped - term.excluded);
-  if (match.termsInOrder == index || match.termsInOrder == inOrder) ++match.termsInOrder;
+  const uint32_t reached = match.termsInOrder;
+  if (reached == index || reached == inOrder) match.termsInOrder = (reached + 1) & kTermsLimit;
   return true;
 }
 

@@ -11,20 +11,28 @@
 
 namespace vela {
 
-// One page of the index, all zero until a term matches it.
+// One page of the index, all zero until a term matches it. A common word touches every page, so
+// that the size of this record is what it costs.
 struct PageMatch {
-  uint32_t score = 0;          // of the word-map records added, saturating softly above 10000
-  uint32_t termsMatched = 0;   // records that touched the page, those of exclusions included
-  uint32_t termsInOrder = 0;   // terms matched without a gap, in query order
-  uint8_t proximityMask = 0;   // AND of the proximity bytes of the records
-  uint64_t firstPosition = 0;  // in the page text file; where the snippets start
-  uint64_t secondPosition = 0;
-  uint64_t thirdPosition = 0;
+  uint32_t score = 0;         // of the word-map records added, saturating softly above 10000
+  uint32_t termsMatched = 0;  // records that touched the page, those of exclusions included
+  // In the page text file; where the snippets start. As wide as a position of the word map.
+  uint64_t firstPosition : 8 * kWordMapPositionWidth = 0;
+  uint64_t proximityMask : 8 = 0;  // AND of the proximity bytes of the records
+  uint64_t termsInOrder : 16 = 0;  // terms matched without a gap, in query order
+};
+static_assert(sizeof(PageMatch) == 16);
+
+// Where the snippets go on; 0 for nowhere.
+struct FurtherPositions {
+  uint64_t second = 0;
+  uint64_t third = 0;
 };
 
 // All pages of the index and what is counted over them.
 struct Matches {
-  OwnedArray<PageMatch> pages;   // NumPages
+  OwnedArray<PageMatch> pages;           // NumPages
+  OwnedArray<FurtherPositions> further;  // NumPages
   OwnedArray<uint64_t> touched;  // one bit a page that a record touched
   int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
   int32_t fullMatchCount = 0;    // accepted pages that match every effective term

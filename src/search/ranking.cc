@@ -100,8 +100,8 @@ RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& 
                                 FinalScore(match, input.settings.WeightProximity),
                                 match.termsMatched,
                                 match.firstPosition,
-                                match.secondPosition,
-                                match.thirdPosition};
+                                matches.further[page].second,
+                                matches.further[page].third};
     return true;
   });
   // Every page of the buckets taken has been met: the list is full.
@@ -114,6 +114,9 @@ RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& 
 int32_t BucketOf(const KeyHistogram& histogram, int64_t key) {
   const int64_t distance = key - histogram.keyMin;
   if (distance <= 0) return 0;
+  if (histogram.width == 1) {  // as it mostly is, and dividing takes its time
+    return static_cast<int32_t>(std::min<int64_t>(distance, kBucketCount - 1));
+  }
   const int64_t bucket = (distance + histogram.width - 1) / histogram.width;
   return static_cast<int32_t>(std::min<int64_t>(bucket, kBucketCount - 1));
 }
@@ -197,23 +200,26 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
   return ListResults(matches, filters, input, histogram, results);
 }
 
-void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime) {
+void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime,
+                 int64_t shown) {
   const auto byScore = [](const ResultEntry& a, const ResultEntry& b) {
     return a.score != b.score ? a.score > b.score : a.page < b.page;
   };
-  const bool byDate = useDateTime && (sort == kSortNewestFirst || sort == kSortOldestFirst);
-  if (!byDate) {
-    std::sort(results.entries.begin(), results.entries.end(), byScore);
-    return;
-  }
   const bool newestFirst = sort == kSortNewestFirst;
-  std::sort(results.entries.begin(), results.entries.end(),
-            [&](const ResultEntry& a, const ResultEntry& b) {
-              const int32_t dateA = PageDateTime(pages, a.page);
-              const int32_t dateB = PageDateTime(pages, b.page);
-              if (dateA != dateB) return newestFirst ? dateA > dateB : dateA < dateB;
-              return byScore(a, b);
-            });
+  const auto byDate = [&](const ResultEntry& a, const ResultEntry& b) {
+    const int32_t dateA = PageDateTime(pages, a.page);
+    const int32_t dateB = PageDateTime(pages, b.page);
+    if (dateA != dateB) return newestFirst ? dateA > dateB : dateA < dateB;
+    return byScore(a, b);
+  };
+  ResultEntry* const begin = results.entries.begin();
+  ResultEntry* const end = results.entries.end();
+  ResultEntry* const last = begin + std::clamp<int64_t>(shown, 0, end - begin);
+  if (useDateTime && (newestFirst || sort == kSortOldestFirst)) {
+    std::partial_sort(begin, last, end, byDate);
+  } else {
+    std::partial_sort(begin, last, end, byScore);
+  }
 }
 
 }  // namespace vela

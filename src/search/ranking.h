@@ -70,7 +70,9 @@ struct RankInput {
 [[nodiscard]] RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& input,
                                      ResultList& results);
 
-// Sorts the list in the order that the request asks for; ties by page number.
-void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime);
+// Brings the first `shown` results of the list into the order that the request asks for, ties by
+// page number; those behind them stay in any.
+void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime,
+                 int64_t shown);
 
 }  // namespace vela

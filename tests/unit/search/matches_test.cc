@@ -105,7 +105,7 @@ TEST(Matches, FirstRecordOfAPage) {
   EXPECT_EQ(gathering[2].score, 77u);
   EXPECT_EQ(gathering[2].proximityMask, 0xA5);
   EXPECT_EQ(gathering[2].firstPosition, 1099511627775u);
-  EXPECT_EQ(gathering[2].secondPosition, 0u);
+  EXPECT_EQ(gathering.matches.further[2].second, 0u);
   EXPECT_EQ(gathering[2].termsMatched, 1u);
   EXPECT_EQ(gathering[2].termsInOrder, 1u);
   EXPECT_EQ(gathering[0].score, 0u);
@@ -153,8 +153,8 @@ TEST(Matches, PositionsTable) {
     gathering.maxContextKeywords = c.maxContextKeywords;
     for (uint64_t position : c.positions) ASSERT_TRUE(gathering.Add(0, 1, {}, 0, position));
     EXPECT_EQ(gathering[0].firstPosition, c.first);
-    EXPECT_EQ(gathering[0].secondPosition, c.second);
-    EXPECT_EQ(gathering[0].thirdPosition, c.third);
+    EXPECT_EQ(gathering.matches.further[0].second, c.second);
+    EXPECT_EQ(gathering.matches.further[0].third, c.third);
   }
 }
 

@@ -422,7 +422,7 @@ TEST(SortResults, Table) {
     LoadedSite site(DatedPages(c.dates));
     ResultList list;
     FillResults(list, c.scores);
-    SortResults(list, site.files.pages, c.sort, c.useDateTime);
+    SortResults(list, site.files.pages, c.sort, c.useDateTime, INT32_MAX);
     Numbers order;
     for (const ResultEntry& entry : list.entries) order.push_back(entry.page);
     EXPECT_EQ(order, c.order);
@@ -435,7 +435,7 @@ TEST(SortResults, EqualEntriesComeInTheSameOrderEveryTime) {
   for (Numbers& order : orders) {
     ResultList list;
     FillResults(list, std::vector<uint32_t>(300, 7));
-    SortResults(list, site.files.pages, 0, true);
+    SortResults(list, site.files.pages, 0, true, INT32_MAX);
     for (const ResultEntry& entry : list.entries) order.push_back(entry.page);
   }
   EXPECT_EQ(orders[0], orders[1]);
@@ -448,7 +448,7 @@ TEST(SortResults, LongList) {
   for (uint32_t i = 0; i < 1000; ++i) scores.push_back(i * 7919 % 1009);
   ResultList list;
   FillResults(list, scores);
-  SortResults(list, site.files.pages, 0, true);
+  SortResults(list, site.files.pages, 0, true, INT32_MAX);
   ASSERT_EQ(list.size(), 1000);
   for (size_t i = 0; i < list.entries.size(); ++i) {
     const ResultEntry& entry = list.entries[i];
