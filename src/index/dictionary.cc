@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "text/find_folded.h"
 #include "text/numbers.h"
 
 namespace vela {
@@ -276,6 +277,40 @@ bool Dictionary::CollectByBeginning(std::string_view beginning, WordSet& found) 
   if (vela::CollectByBeginning(Sorted(), beginning, found)) return true;
   LeaveLookup();
   return false;
+}
+
+// The last word from `from` on that begins at or before the position; `from` itself does.
+int32_t Dictionary::WordAtPosition(size_t position, int32_t from) const {
+  int32_t low = from;
+  int64_t high = int64_t{from} + 1;
+  for (int64_t step = 1; high < count_ && StartOf(static_cast<int32_t>(high)) <= position;
+       step *= 2) {
+    low = static_cast<int32_t>(high);
+    high += step;
+  }
+  high = std::min<int64_t>(high, count_);
+  while (high - low > 1) {
+    const auto middle = static_cast<int32_t>(low + (high - low) / 2);
+    if (StartOf(middle) <= position) {
+      low = middle;
+    } else {
+      high = middle;
+    }
+  }
+  return low;
+}
+
+bool Dictionary::CollectByPiece(std::string_view piece, WordSet& found) const {
+  if (!found.bits.TryAllocate(static_cast<size_t>(count_) / 64 + 1)) return false;
+  if (count_ == 0) return true;
+  int32_t number = 0;
+  for (size_t at = StartOf(0); (at = FindFolded(bytes_, piece, at)) != bytes_.npos;) {
+    number = WordAtPosition(at, number);
+    found.bits[static_cast<size_t>(number) / 64] |= uint64_t{1} << (number % 64);
+    if (++number == count_) break;
+    at = std::max(at + 1, StartOf(number));
+  }
+  return true;
 }
 
 int32_t Dictionary::FindExact(std::string_view word, int32_t from) const {

@@ -66,6 +66,10 @@ class Dictionary {
   // every word.
   [[nodiscard]] bool CollectByBeginning(std::string_view beginning, WordSet& found) const;
 
+  // The same of words that hold `piece` anywhere, and of some others: by looking at the bytes of
+  // the file instead of at every word. False when memory is out.
+  [[nodiscard]] bool CollectByPiece(std::string_view piece, WordSet& found) const;
+
   // Whether variant lines follow the word.
   bool HasVariants(int32_t number) const;
 
@@ -91,6 +95,7 @@ class Dictionary {
   void LeaveLookup() const;
   size_t StartOf(int32_t number) const;
   std::string_view WordFrom(size_t start) const;
+  int32_t WordAtPosition(size_t position, int32_t from) const;
   int32_t FindInTable(std::string_view word, int32_t from) const;
 
   FileImage file_;

@@ -48,7 +48,16 @@ bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view 
 
 bool CollectCandidates(const Dictionary& dictionary, std::string_view pattern,
                        WordSet& candidates) {
-  return dictionary.CollectByBeginning(pattern.substr(0, pattern.find_first_of("*?")), candidates);
+  constexpr std::string_view kWildcards = "*?";
+  const std::string_view beginning = pattern.substr(0, pattern.find_first_of(kWildcards));
+  if (dictionary.CollectByBeginning(beginning, candidates)) return true;
+  std::string_view longest;
+  while (!pattern.empty()) {
+    const std::string_view piece = pattern.substr(0, pattern.find_first_of(kWildcards));
+    if (piece.size() > longest.size()) longest = piece;
+    pattern.remove_prefix(std::min(piece.size() + 1, pattern.size()));
+  }
+  return !longest.empty() && dictionary.CollectByPiece(longest, candidates);
 }
 
 bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion,

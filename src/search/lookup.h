@@ -63,8 +63,7 @@ int32_t FirstSearchedWord(const Settings& settings);
 bool MatchesWord(const Dictionary& dictionary, int32_t number, std::string_view pattern,
                  bool foldCase);
 
-// The words that may fit the pattern, which begins with characters that are no wildcards; false
-// when any word may, or when telling them takes looking at every word.
+// Collects the words that may fit the pattern. False when any may.
 bool CollectCandidates(const Dictionary& dictionary, std::string_view pattern, WordSet& candidates);
 
 // Counts one more matched word. False when a budget is used up and the scan must end.

@@ -33,7 +33,7 @@ struct FurtherPositions {
 struct Matches {
   OwnedArray<PageMatch> pages;           // NumPages
   OwnedArray<FurtherPositions> further;  // NumPages
-  OwnedArray<uint64_t> touched;  // one bit a page that a record touched
+  OwnedArray<uint64_t> touched;          // one bit a page that a record touched
   int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
   int32_t fullMatchCount = 0;    // accepted pages that match every effective term
   uint32_t maxTermsMatched = 0;  // the ranges of the sort keys

@@ -25,25 +25,33 @@ bool IsSortedByPage(const WordList& list) {
 }
 
 // The index of the first record of the page; -1 when the list has none.
-int32_t FindPage(const PhraseWord& word, uint32_t page) {
+int32_t FindPage(PhraseWord& word, uint32_t page) {
   const int32_t size = word.list.size();
-  int32_t low = 0;
-  if (word.isSorted) {
-    int32_t high = size;
-    while (low < high) {
-      const int32_t middle = low + (high - low) / 2;
-      if (RecordAt(word.list, middle).page < page) {
-        low = middle + 1;
-      } else {
-        high = middle;
-      }
+  const auto pageAt = [&word](int32_t i) { return RecordAt(word.list, i).page; };
+  if (!word.isSorted) {
+    int32_t i = 0;
+    while (i < size && pageAt(i) != page) ++i;
+    return i < size ? i : -1;
+  }
+  // From the page asked for before, in steps that double: pages are asked for in their order.
+  int32_t low = word.next;
+  if (low > 0 && pageAt(low - 1) >= page) low = 0;
+  int64_t high = low;
+  for (int64_t step = 1; high < size && pageAt(static_cast<int32_t>(high)) < page; step *= 2) {
+    low = static_cast<int32_t>(high) + 1;
+    high += step;
+  }
+  high = std::min<int64_t>(high, size);
+  while (low < high) {
+    const auto middle = static_cast<int32_t>(low + (high - low) / 2);
+    if (pageAt(middle) < page) {
+      low = middle + 1;
+    } else {
+      high = middle;
     }
-    return low < size && RecordAt(word.list, low).page == page ? low : -1;
   }
-  for (; low < size; ++low) {
-    if (RecordAt(word.list, low).page == page) return low;
-  }
-  return -1;
+  word.next = low;
+  return low < size && pageAt(low) == page ? low : -1;
 }
 
 // How many tokens behind the start of the phrase its word number `word` may stand.
@@ -118,7 +126,7 @@ TermResult PreparePhrase(Phrase& phrase, std::string_view words, const Dictionar
   return {};
 }
 
-CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candidate,
+CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, PageTextReader& text, PhraseBudget& budget,
                               WordMapRecord& found) {
   const auto count = static_cast<int64_t>(phrase.words.size());
@@ -128,7 +136,7 @@ CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candida
   int64_t furthestWord = 0;
   uint32_t score = candidate.score;
   for (int64_t k = 1; k < count; ++k) {
-    const PhraseWord& word = phrase.words[static_cast<size_t>(k)];
+    PhraseWord& word = phrase.words[static_cast<size_t>(k)];
     if (word.list.bytes.empty()) continue;
     const int32_t index = FindPage(word, candidate.page);
     if (index < 0) return CandidateResult::kRejected;

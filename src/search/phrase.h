@@ -18,7 +18,8 @@ namespace vela {
 struct PhraseWord {
   int32_t number = -1;  // in the dictionary
   WordList list;
-  bool isSorted = false;  // by page: searched by halving
+  bool isSorted = false;  // by page: searched in growing steps and by halving
+  int32_t next = 0;       // where the search of a sorted list begins
 };
 
 struct Phrase {
@@ -42,7 +43,7 @@ enum class CandidateResult { kRejected, kFound, kStop };
 
 // Tests one record of the first word. kFound: `found` is the record to add, with the score of all
 // words and the position where the phrase begins. kStop: a limit was reached and the term ends.
-CandidateResult TestCandidate(const Phrase& phrase, const WordMapRecord& candidate,
+CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, PageTextReader& text, PhraseBudget& budget,
                               WordMapRecord& found);
 

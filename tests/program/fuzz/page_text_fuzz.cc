@@ -113,7 +113,7 @@ std::string WithoutMarks(std::string text) {
 }
 
 // A phrase that is found stands at the position it was found at.
-void CheckPhrase(const Phrase& phrase, const Settings& settings, PageTextReader& text,
+void CheckPhrase(Phrase& phrase, const Settings& settings, PageTextReader& text,
                  const Input& input) {
   if (phrase.words.empty()) return;
   for (const unsigned position : input.positions) {

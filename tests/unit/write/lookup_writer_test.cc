@@ -136,6 +136,32 @@ TEST(Lookup, BeginningsCollectWordsByTheirVariantsToo) {
   EXPECT_FALSE(both.plain.CollectByBeginning("c", found));
 }
 
+TEST(Lookup, PiecesCollectAtLeastTheWordsThatHoldThem) {
+  const TwoDictionaries both(ManyWords());
+  for (const std::string piece :
+       {"9", "99", "RATION2", "ixe", "W", "\u00DC", "\xFE", "/b:", "zz"}) {
+    for (const Dictionary* dictionary : {&both.fast, &both.plain}) {
+      WordSet found;
+      ASSERT_TRUE(dictionary->CollectByPiece(piece, found));
+      size_t others = 0;
+      for (int32_t i = 0; i < both.plain.size(); ++i) {
+        bool holds = false;
+        for (int32_t variant = 0; variant <= both.plain.EntryAt(i).variantCount; ++variant) {
+          const std::string pattern = "*" + piece + "*";
+          holds = holds || MatchesWildcard(both.plain.DisplayText(i, variant), pattern, true);
+        }
+        const bool isFound = NextInSet(found, i, i + 1) == i;
+        ASSERT_TRUE(isFound || !holds) << piece << " " << i;
+        others += isFound && !holds ? 1 : 0;
+      }
+      // Those whose numbers hold the digits.
+      if (piece.find('9') == piece.npos) {
+        EXPECT_EQ(others, 0u) << piece;
+      }
+    }
+  }
+}
+
 TEST(Lookup, ADamagedBlockSendsTheReaderOnAPass) {
   const TwoDictionaries made(ManyWords());
   const std::filesystem::path path = made.site.scratch.path() / kLookupFileName;
