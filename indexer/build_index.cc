@@ -254,9 +254,6 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
     facts.spellings = spelling.entries;
     bytes += spelling.fileBytes;
   }
-  const LookupSizes lookup = WriteLookup(fresh);
-  facts.lookupGeneration = lookup.generation;
-  bytes += lookup.fileBytes;
   return bytes;
 }
 
@@ -347,6 +344,9 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   uint64_t bytes = WriteWords(run, pages, facts);
   SettlePages(run, pages);
   bytes += WriteHelp(run, pages, facts);
+  const LookupSizes lookup = WriteLookup(folder.fresh());
+  facts.lookupGeneration = lookup.generation;
+  bytes += lookup.fileBytes;
   const PageTableWriter::Sizes table = pages.table.Finish();
   facts.pageInfoBytes = table.infoBytes;
   bytes += table.infoBytes + table.dataBytes;

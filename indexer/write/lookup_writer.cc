@@ -164,6 +164,17 @@ PageInfoShape ReadPageInfo(std::string_view bytes) {
   return shape;
 }
 
+// In bytes, with the line feed.
+uint64_t LongestLine(std::string_view bytes) {
+  size_t longest = 0;
+  while (!bytes.empty()) {
+    const size_t length = std::min(bytes.find('\n'), bytes.size() - 1) + 1;
+    longest = std::max(longest, length);
+    bytes.remove_prefix(length);
+  }
+  return longest;
+}
+
 // Writes blocks with their checksums.
 class BlockWriter {
  public:
@@ -245,6 +256,12 @@ LookupSizes WriteLookup(const std::filesystem::path& folder) {
     header.pageInfo = FactsOf(pageInfo.bytes());
     header.pages = shape.pages;
     header.pageInfoLength = shape.length;
+  }
+
+  FileImage autocomplete;
+  if (autocomplete.Open(directory, kAutoCompleteFileName, false)) {
+    header.autocomplete = FactsOf(autocomplete.bytes());
+    header.longestSuggestion = LongestLine(autocomplete.bytes());
   }
 
   std::vector<LookupKey> wordGuide;

@@ -11,10 +11,11 @@ struct LookupSizes {
   uint64_t fileBytes = 0;
 };
 
-// Reads the dictionary, the spelling file, if there is one, and the page information of the index
-// in `folder`, which are complete, and writes the lookup file beside them. Nothing is written about
-// a file that is not in the form that the writers give it, nothing at all for such a dictionary. It
-// takes about 16 bytes of memory a word. The same files give the same bytes and generation.
+// Reads the dictionary, the page information and, where there are any, the spelling and the
+// autocomplete file of the index in `folder`, which are complete, and writes the lookup file beside
+// them. Nothing is written about a file that is not in the form that the writers give it, nothing
+// at all for such a dictionary. It takes about 16 bytes of memory a word. The same files give the
+// same bytes and generation.
 LookupSizes WriteLookup(const std::filesystem::path& folder);
 
 }  // namespace vela::indexer

@@ -46,12 +46,14 @@ struct LookupHeader {
   LookupFileFacts dictionary;
   LookupFileFacts spelling;
   LookupFileFacts pageInfo;
+  LookupFileFacts autocomplete;
   uint64_t words = 0;              // base words of the dictionary
   uint64_t baseWordBytes = 0;      // what they take of OutputBasewordBufferSize
   uint64_t variantBytes = 0;       // what the variants take of OutputVariantBufferSize
   uint64_t spellings = 0;          // entries of the spelling file
   uint64_t pages = 0;              // records of the page info file in the small layout ...
   uint64_t pageInfoLength = 0;     // ... which all have this length in bytes; 0: they differ
+  uint64_t longestSuggestion = 0;  // bytes of a line of the autocomplete file with its line feed
   LookupTablePlace wordStarts;     // LookupWordStart, by word number
   LookupTablePlace sortedWords;    // LookupSortedWord, by folded text
   LookupTablePlace wordGuide;      // LookupKey of every kLookupGuideStep-th block of sortedWords

@@ -64,8 +64,11 @@ void AnswerAutoComplete(SearchContext& ctx) {
     WriteMessage(ctx.response, Message::kAutoCompleteMissing);
     return;
   }
-  const OwnedArray<std::string_view>& words = ctx.query.terms.terms;
-  WriteAutoComplete(ctx.response, suggestions, {words.data(), words.size()}, IsUtf8(ctx.settings));
+  const std::span<const std::string_view> words = {ctx.query.terms.terms.data(),
+                                                   ctx.query.terms.terms.size()};
+  ctx.index.lookup.Open(ctx.directory, ctx.settings);
+  suggestions.NarrowTo(words, IsUtf8(ctx.settings), ctx.index.lookup);
+  WriteAutoComplete(ctx.response, suggestions, words, IsUtf8(ctx.settings));
 }
 
 void AnswerSearch(SearchContext& ctx) {

@@ -11,6 +11,7 @@
 
 #include "format/index_directory.h"
 #include "format/lookup.h"
+#include "index/autocomplete.h"
 #include "index/dictionary.h"
 #include "index/spelling.h"
 #include "support/loaded_site.h"
@@ -263,6 +264,66 @@ TEST(Lookup, NothingIsWrittenForADictionaryOfAnotherForm) {
     EXPECT_EQ(WriteLookup(site.scratch.path()).generation, 0);
     EXPECT_FALSE(std::filesystem::exists(site.scratch.path() / kLookupFileName));
   }
+}
+
+TEST(Lookup, SuggestionsThatBeginWithNoneOfTheWordsArePassedOver) {
+  OpenDirectory site;
+  site.Write(kDictionaryFileName, "run 40 0\n");
+  std::string file = "apple\n\nApple pie\nbanana apple\nIce\nice\n\u0130ce\nbread\nBroth\n";
+  for (int i = 0; i < 500; ++i) file += "word" + std::to_string(i) + " apple\n";
+  file += "apple tart\nlast";
+  site.Write(kAutoCompleteFileName, file);
+  Settings settings = SettingsOf();
+  settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+  LookupFile lookup;
+  lookup.Open(site.directory, settings);
+  const struct {
+    std::vector<std::string_view> words;
+    size_t most;  // suggestions that are still looked at
+  } cases[] = {{{"app"}, 3},         {{"APP", "br"}, 5}, {{"ice"}, 1000}, {{"app", "i"}, 1000},
+               {{"word49"}, 12},     {{"zz"}, 1},        {{"a"}, 3},      {{"banana "}, 2},
+               {{"bi"}, 4},          {{"\u00FC"}, 1000}, {{}, 1000},      {{"las"}, 2},
+               {{"apple", "app"}, 3}};
+  for (const auto& c : cases) {
+    const auto matching = [&](bool narrowed, size_t& looked) {
+      SuggestionReader reader;
+      EXPECT_EQ(reader.Open(site.directory, settings), LoadStatus::kOk);
+      if (narrowed) reader.NarrowTo(c.words, true, lookup);
+      std::string found;
+      std::string_view text;
+      while (reader.Next(text)) {
+        ++looked;
+        for (const std::string_view word : c.words) {
+          if (PrefixMatches(text, word, true)) found += std::string(text) + "; ";
+        }
+      }
+      return found;
+    };
+    size_t all = 0;
+    size_t looked = 0;
+    EXPECT_EQ(matching(true, looked), matching(false, all));
+    EXPECT_EQ(all, 510u);
+    EXPECT_LE(looked, c.most);
+  }
+}
+
+TEST(Lookup, SuggestionsInPiecesAreAllLookedAt) {
+  OpenDirectory site;
+  site.Write(kDictionaryFileName, "run 40 0\n");
+  site.Write(kAutoCompleteFileName, "banana apple\n");
+  Settings settings = SettingsOf();
+  settings.MaxKeyWordLineLen = 8;  // "banana " and "apple"
+  settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+  LookupFile lookup;
+  lookup.Open(site.directory, settings);
+  const std::vector<std::string_view> words = {"app"};
+  SuggestionReader reader;
+  ASSERT_EQ(reader.Open(site.directory, settings), LoadStatus::kOk);
+  reader.NarrowTo(words, true, lookup);
+  std::string_view text;
+  ASSERT_TRUE(reader.Next(text));
+  ASSERT_TRUE(reader.Next(text));
+  EXPECT_EQ(text, "apple");
 }
 
 TEST(Lookup, SpellingEntriesFromAKeyOn) {
