@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 #include "text/ascii.h"
 
@@ -9,18 +10,38 @@ namespace vela {
 
 namespace {
 
+// So many bytes at once; a compiler without such instructions makes loops of it.
+using Bytes = uint8_t __attribute__((vector_size(16)));
+
 // One byte to look for, a letter in either case.
 struct FoldedByte {
   explicit FoldedByte(char c)
       : caseBit(IsAlpha(c) ? 0x20 : 0), wanted(static_cast<uint8_t>(ToLowerAscii(c))) {}
 
-  uint8_t Differs(char c) const {
-    return static_cast<uint8_t>((static_cast<uint8_t>(c) | caseBit) ^ wanted);
+  // 0 where it stands.
+  Bytes Differs(const char* at) const {
+    Bytes bytes;
+    memcpy(&bytes, at, sizeof bytes);
+    return (bytes | caseBit) ^ wanted;
   }
+  bool Equals(char c) const { return (static_cast<uint8_t>(c) | caseBit) == wanted; }
 
   uint8_t caseBit;
   uint8_t wanted;
 };
+
+// Whether one of `kPlaces` places from `at` on has `first`, with `last` so far behind it.
+template <size_t kPlaces>
+bool IsNear(const char* at, const FoldedByte& first, const FoldedByte& last, size_t toLast) {
+  Bytes found = {};
+  for (size_t i = 0; i < kPlaces; i += sizeof found) {
+    const Bytes differs = first.Differs(at + i) | last.Differs(at + i + toLast);
+    found |= differs == 0;
+  }
+  uint64_t halves[2];
+  memcpy(halves, &found, sizeof halves);
+  return (halves[0] | halves[1]) != 0;
+}
 
 bool EqualFolded(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(),
@@ -35,23 +56,21 @@ size_t FindFolded(std::string_view text, std::string_view piece, size_t from) {
   const FoldedByte first(piece.front());
   const FoldedByte last(piece.back());
   const size_t toLast = piece.size() - 1;
-  constexpr size_t kAtOnce = 64;
+  constexpr size_t kMany = 8 * sizeof(Bytes);
+  constexpr size_t kFew = sizeof(Bytes);
   for (size_t at = from; at < end;) {
-    const size_t stop = std::min(end, at + kAtOnce);
-    if (stop - at == kAtOnce) {
-      // Without a branch inside, so that the compiler compares many at a time.
-      uint8_t found = 0;
-      for (size_t i = 0; i < kAtOnce; ++i) {
-        const int differs = first.Differs(text[at + i]) | last.Differs(text[at + i + toLast]);
-        found |= static_cast<uint8_t>(differs == 0);
-      }
-      if (found == 0) {
-        at = stop;
-        continue;
-      }
+    const char* const here = text.data() + at;
+    if (end - at >= kMany && !IsNear<kMany>(here, first, last, toLast)) {
+      at += kMany;
+      continue;
+    }
+    const size_t stop = std::min(end, at + kFew);
+    if (stop - at == kFew && !IsNear<kFew>(here, first, last, toLast)) {
+      at = stop;
+      continue;
     }
     for (; at < stop; ++at) {
-      if (first.Differs(text[at]) == 0 && last.Differs(text[at + toLast]) == 0 &&
+      if (first.Equals(text[at]) && last.Equals(text[at + toLast]) &&
           EqualFolded(text.substr(at, piece.size()), piece)) {
         return at;
       }
