@@ -171,7 +171,8 @@ void Dictionary::LeaveLookup() const {
   lookup_ = nullptr;
   // The files belong together but for the damage, so that the pass ends well; where it does not,
   // the words that it has not reached are empty.
-  if (table_.Read(bytes_, *settings_).status != DictionaryStatus::kOk) table_.count = 0;
+  const DictionaryResult result = table_.Read(bytes_, *settings_);
+  table_.count = result.status == DictionaryStatus::kOk ? std::min(table_.count, count_) : 0;
 }
 
 DictionaryResult Dictionary::WordTable::Read(std::string_view bytes, const Settings& settings) {
