@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import path from 'node:path';
 import { fileURLToPath } from 'node:url';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, launch, openPage, shot, unfold } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, inEveryLook, launch, openPage, shot, unfold } from './support/browser.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { get, serve } from './support/server.mjs';
 import { assertValidHtml } from './support/valid_html.mjs';
@@ -21,48 +21,57 @@ const INDEXES = {
   broken: { settings: { NumKeywords: -1 } },
   right_to_left: { language: arabic, template: (text) => text.replace('lang="en"', 'lang="ar" dir="rtl"') },
 };
-const narrow = { viewport: { width: 320, height: 640 } };
-const phone = { viewport: { width: 360, height: 740 } };
-const dark = { colorScheme: 'dark' };
 
-// Name, index, query, the window, whether the options are unfolded.
+// Types what has suggestions, and points at the second.
+async function complete(page) {
+  await page.locator('#vela_searchbox').pressSequentially('gar');
+  await page.waitForSelector('[role=option]');
+  await page.keyboard.press('ArrowDown');
+  await page.keyboard.press('ArrowDown');
+}
+
+// Name, index, query, what is done on the page, how the browser is set up.
 const STATES = [
   ['start', 'advanced', ''],
-  ['start_dark', 'advanced', '', dark],
-  ['start_narrow', 'advanced', '', narrow],
+  ['start_options', 'advanced', '', unfold],
   ['start_basic', 'basic', ''],
+  ['suggestions', 'advanced', '', complete],
   ['results', 'advanced', '?vela_query=garden+rose'],
-  ['results_dark', 'advanced', '?vela_query=garden+apple', dark],
-  ['results_narrow', 'advanced', '?vela_query=garden+apple', narrow],
-  ['results_narrow_dark', 'advanced', '?vela_query=glasshouse', { ...narrow, ...dark }],
+  ['results_pictures', 'advanced', '?vela_query=glasshouse'],
   ['results_last_page', 'advanced', '?vela_query=garden&vela_page=3'],
   ['results_many_pages', 'advanced', '?vela_query=garden&vela_per_page=2&vela_page=7'],
-  ['results_many_pages_phone', 'advanced', '?vela_query=garden&vela_per_page=2&vela_page=7', { ...phone, ...dark }],
   ['results_by_date', 'advanced', '?vela_query=apple&vela_sort=1'],
   ['results_basic', 'basic', '?vela_query=apple'],
   ['results_bare', 'bare', '?vela_query=apple'],
-  ['results_no_scripts', 'advanced', '?vela_query=rose', { javaScriptEnabled: false }],
-  ['options', 'advanced', '?vela_query=rose&vela_cat[]=0&vela_cat[]=1&season=1', {}, true],
-  ['options_dark', 'advanced', '?vela_query=rose&vela_datefrom=01/01/2025&vela_dateto=31/12/2025', dark, true],
-  ['options_narrow', 'advanced', '?vela_query=rose&vela_datefrom=01/01/2025&vela_dateto=31/12/2025', narrow, true],
-  ['options_one_category', 'one_category', '?vela_query=garden&vela_cat[]=1', {}, true],
+  ['results_no_scripts', 'advanced', '?vela_query=rose', undefined, { javaScriptEnabled: false }],
+  ['options', 'advanced', '?vela_query=rose&vela_cat[]=0&vela_cat[]=1&season=1', unfold],
+  ['options_dates', 'advanced', '?vela_query=rose&vela_datefrom=01/01/2025&vela_dateto=31/12/2025', unfold],
+  ['options_one_category', 'one_category', '?vela_query=garden&vela_cat[]=1', unfold],
   ['filters', 'advanced', '?vela_query=garden&vela_cat[]=0&season=1&price=9&vela_datefrom=01/01/2020&vela_dateto=31/12/2026'],
-  ['filters_dark', 'advanced', '?vela_query=garden&vela_cat[]=0&vela_cat[]=1&colours[]=0', dark],
-  ['filters_phone', 'one_category', '?vela_query=garden&vela_cat[]=1&gardener=Ida', phone],
-  ['filters_phone_dark', 'advanced', '?vela_query=garden&vela_cat[]=0&season=1', { ...phone, ...dark }],
+  ['filters_several', 'advanced', '?vela_query=garden&vela_cat[]=0&vela_cat[]=1&colours[]=0'],
+  ['filters_one_category', 'one_category', '?vela_query=garden&vela_cat[]=1&gardener=Ida'],
   ['date_wrong', 'advanced', '?vela_query=garden&vela_datefrom=soon&vela_dateto=31/12/2026'],
-  ['date_wrong_phone_dark', 'advanced', '?vela_query=garden&vela_datefrom=soon', { ...phone, ...dark }],
+  ['recommended', 'advanced', '?vela_query=pear'],
   ['corrections', 'advanced', '?vela_query=roze&vela_cat[]=2&vela_and=1'],
   ['nothing_found', 'bare', '?vela_query=volcano'],
+  ['nothing_found_filtered', 'advanced', '?vela_query=volcano&vela_cat[]=1&season=1'],
   ['no_question', 'bare', '?vela_query='],
-  ['no_question_phone_dark', 'bare', '?vela_query=', { ...phone, ...dark }],
   ['beyond_last', 'advanced', '?vela_query=garden&vela_page=7'],
-  ['beyond_last_phone_dark', 'advanced', '?vela_query=garden&vela_page=7', { ...phone, ...dark }],
   ['too_far', 'advanced', '?vela_query=garden&vela_page=500'],
-  ['long_words', 'advanced', `?vela_query=${'extraordinarily'.repeat(12)}`, narrow],
+  ['long_words', 'advanced', `?vela_query=${'extraordinarily'.repeat(12)}`],
   ['error', 'broken', '?vela_query=garden'],
-  ['right_to_left', 'right_to_left', '?vela_query=garden+rose', {}, true],
-  ['right_to_left_narrow_dark', 'right_to_left', '?vela_query=rose', { ...narrow, ...dark }],
+  ['right_to_left', 'right_to_left', '?vela_query=garden+rose', unfold],
+  ['right_to_left_filters', 'right_to_left', '?vela_query=garden&vela_cat[]=0&season=1&vela_page=2'],
+];
+
+// What has to give way first on the narrowest screens that there are.
+const NARROW = [
+  ['start', 'advanced', ''],
+  ['results', 'advanced', '?vela_query=garden+apple'],
+  ['results_many_pages', 'advanced', '?vela_query=garden&vela_per_page=2&vela_page=7'],
+  ['options', 'advanced', '?vela_query=rose&vela_datefrom=01/01/2025&vela_dateto=31/12/2025', unfold],
+  ['long_words', 'advanced', `?vela_query=${'extraordinarily'.repeat(12)}`],
+  ['right_to_left', 'right_to_left', '?vela_query=rose'],
 ];
 
 const servers = {};
@@ -76,16 +85,19 @@ after(async () => {
   for (const server of Object.values(servers)) await server.stop();
 });
 
-for (const [name, index, query, options, unfolded] of STATES) {
+async function check(page) {
+  await assertFits(page);
+  await assertAccessible(page);
+}
+
+for (const [name, index, query, act, options] of STATES) {
   test(name.replaceAll('_', ' '), async () => {
-    const page = await openPage(browser, options);
-    await page.goto(servers[index].search + query);
-    if (unfolded) await unfold(page);
-    await shot(page, name);
-    await assertFits(page);
-    // The check is a script itself; without scripts the same elements come.
-    if (options?.javaScriptEnabled !== false) await assertAccessible(page);
-    await closePage(page);
+    const show = async (page) => {
+      await page.goto(servers[index].search + query);
+      await act?.(page);
+    };
+    // The check for accessibility is a script itself; without scripts the same elements come.
+    await inEveryLook(browser, name, show, options?.javaScriptEnabled === false ? assertFits : check, options);
     // A message in front of everything stands before the page begins; the page itself is whole.
     const { body } = await get(servers[index].search + query);
     if (name === 'error') assert.match(body, /^Error: [^<]*<!DOCTYPE html>/);
@@ -93,8 +105,19 @@ for (const [name, index, query, options, unfolded] of STATES) {
   });
 }
 
+for (const [name, index, query, act] of NARROW) {
+  test(`narrow: ${name.replaceAll('_', ' ')}`, async () => {
+    const page = await openPage(browser, { viewport: { width: 320, height: 640 } });
+    await page.goto(servers[index].search + query);
+    await act?.(page);
+    await shot(page, `narrow_${name}`);
+    await check(page);
+    await closePage(page);
+  });
+}
+
 test('on paper: what was found, with its addresses, and nothing to press', async () => {
-  const page = await openPage(browser, dark);
+  const page = await openPage(browser, { colorScheme: 'dark' });
   await page.goto(`${servers.advanced.search}?vela_query=rose`);
   await page.emulateMedia({ media: 'print' });
   await shot(page, 'print');

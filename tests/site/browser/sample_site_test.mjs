@@ -4,7 +4,7 @@ import { execFileSync } from 'node:child_process';
 import { copyFileSync, mkdirSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, follow, inEveryLook, launch, openPage, shot } from './support/browser.mjs';
 import { bin, project, work } from './support/environment.mjs';
 import { get, serve } from './support/server.mjs';
 import { assertValidHtml } from './support/valid_html.mjs';
@@ -52,24 +52,27 @@ test('what the pages link is delivered, the index is not', async () => {
 
 const STATES = [
   ['start', ''],
-  ['results', '?vela_query=summer+reading'],
-  ['narrow', '?vela_query=summer+reading', { viewport: { width: 320, height: 640 } }],
-  ['dark', '?vela_query=library', { colorScheme: 'dark' }],
-  ['options', '?vela_query=library&vela_cat[]=0', {}, true],
-  ['misspelt', '?vela_query=poetri'],
+  ['results', '?vela_query=summer+reading', '.result_title', /^1\.\s+Summer reading/i],
+  ['events', '?vela_query=&price=5&audience=4', '.vela_on', /^Price up to: 5/],
+  ['pages', '?vela_query=library&vela_page=2', '.vela_current', /^2$/],
+  ['filters', '?vela_query=library&vela_cat[]=0', '.vela_on', /^News/],
+  ['recommended', '?vela_query=opening+times', '.recommend_title', /Opening hours/],
+  ['recommended_elsewhere', '?vela_query=audiobooks', '.recommend_infoline', /^ebooks\.example\.net\/$/],
+  ['misspelt', '?vela_query=poetri', '.suggestion', /poetry/],
+  ['nothing', '?vela_query=volcano', '.summary', /No results found/],
+  ['no_question', '?vela_query=', '.summary', /No results found/],
+  ['date_wrong', '?vela_query=library&vela_datefrom=soon&vela_dateto=31/12/2025', '.vela_dp_wrong', /^This is no date/],
+  ['beyond_last', '?vela_query=library&vela_page=60', '.vela_beyond', /^There are no results on this page/],
 ];
 for (const template of ['own', 'default']) {
-  for (const [name, query, options, unfolded] of STATES) {
-    test(`${template} template: ${name}`, async () => {
-      page = await openPage(browser, options);
-      await page.goto(servers[template].search + query);
-      if (unfolded) await page.locator('details summary').first().click({ timeout: 1000 }).catch(() => {});
-      await shot(page, `library_${template}_${name}`);
-      if (query.includes('summer')) assert.match(await page.locator('.result_title').first().innerText(), /Summer reading/i);
-      if (name === 'misspelt') assert.match(await page.locator('.suggestion').innerText(), /poetry/);
-      await assertFits(page);
-      await assertAccessible(page);
-      await closePage(page);
+  for (const [name, query, selector, text] of STATES) {
+    test(`${template} template: ${name.replaceAll('_', ' ')}`, async () => {
+      await inEveryLook(browser, `library_${template}_${name}`, (seen) => seen.goto(servers[template].search + query),
+        async (seen) => {
+          if (selector) assert.match(await seen.locator(selector).first().innerText(), text);
+          await assertFits(seen);
+          await assertAccessible(seen);
+        });
       await assertValidHtml((await get(servers[template].search + query)).body);
     });
   }
@@ -79,13 +82,10 @@ test('the library: filters are chips, and the row of pages is short', async () =
   page = await openPage(browser);
   await page.goto(`${servers.own.search}?vela_query=library&vela_page=2`);
   assert.equal(await page.locator('.vela_current').innerText(), '2');
-  await shot(page, 'library_own_pages');
   await page.goto(`${servers.own.search}?vela_query=library&vela_cat[]=0`);
   assert.equal(await page.locator('.vela_on').count(), 1);
   const line = await page.locator('.infoline').first().innerText();
   assert.match(line, / \d\d \w{3} \d{4} \xb7 \d+k \xb7 \/[\w./-]+$/);
-  await shot(page, 'library_own_filters');
-  await assertAccessible(page);
   await page.locator('#vela_cat-1').check();  // "all" takes the others out
   assert.equal(await page.locator('#vela_cat0').isChecked(), false);
   await closePage(page);
@@ -112,12 +112,13 @@ test('the XML answer of the library brings no warning of the browser', async () 
 });
 
 test('the XML answer of the library can be read with a style sheet', async () => {
-  page = await openPage(browser);
-  await page.goto(`${servers.styled.search}?vela_xml=1&vela_query=library`);
-  await page.waitForSelector('.result_title a');
-  await page.evaluate(() => document.querySelector('xslt-warning-banner')?.remove());
-  await shot(page, 'library_xml');
-  await assertFits(page);
-  await assertAccessible(page, ['xslt-warning-banner']);
-  await closePage(page);
+  const show = async (seen) => {
+    await seen.goto(`${servers.styled.search}?vela_xml=1&vela_query=library`);
+    await seen.waitForSelector('.result_title a');
+    await seen.evaluate(() => document.querySelector('xslt-warning-banner')?.remove());
+  };
+  await inEveryLook(browser, 'library_xml', show, async (seen) => {
+    await assertFits(seen);
+    await assertAccessible(seen, ['xslt-warning-banner']);
+  });
 });

@@ -3,7 +3,7 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import path from 'node:path';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, follow, inEveryLook, launch, openPage, shot } from './support/browser.mjs';
 import { assets } from './support/environment.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { get, serve } from './support/server.mjs';
@@ -26,11 +26,10 @@ after(async () => {
 
 for (const [state, query] of [['start', ''], ['results', '?vela_query=garden+rose'], ['corrections', '?vela_query=roze']]) {
   test(`minimal: ${state}`, async () => {
-    const page = await openPage(browser);
-    await page.goto(servers.minimal.search + query);
-    await shot(page, `minimal_${state}`);
-    await assertAccessible(page);
-    await closePage(page);
+    await inEveryLook(browser, `minimal_${state}`, (page) => page.goto(servers.minimal.search + query), async (page) => {
+      await assertFits(page);
+      await assertAccessible(page);
+    });
     const { body } = await get(servers.minimal.search + query);
     await assertValidHtml(body);
     assert.ok(!body.includes('vela_search.css'));
@@ -105,22 +104,35 @@ test('embed: nothing but the search', async () => {
   for (const element of ['<html', '<head', '<body', '<link', '<title']) assert.ok(!body.includes(element), element);
 });
 
-for (const [name, style, options] of [['with_the_style_sheet', true, {}], ['without_style', false, {}],
-  ['dark_visitor', true, { colorScheme: 'dark' }], ['narrow', true, { viewport: { width: 320, height: 640 } }]]) {
+// The site's text keeps its own look; a light page stays light for those who prefer dark.
+async function assertLooksLikeTheSite(page) {
+  const style = (selector) => page.locator(selector).first().evaluate((element) => {
+    const { color, fontFamily } = getComputedStyle(element);
+    return { color, fontFamily };
+  });
+  assert.equal((await style('.result_title a')).color, 'rgb(20, 86, 59)');
+  assert.deepEqual(await style('.description'), { color: 'rgb(34, 34, 34)', fontFamily: 'Georgia, serif' });
+}
+
+for (const [name, style] of [['with_the_style_sheet', true], ['without_style', false]]) {
   test(`embed: ${name.replaceAll('_', ' ')}`, async () => {
-    const page = await openPage(browser, options);
-    await embedded(page, '?vela_query=garden+rose', style);
-    await shot(page, `embed_${name}`);
-    if (style) await assertFits(page);
-    // The site's text keeps its own look; a light page stays light for those who prefer dark.
-    const look = await page.locator('.result_title a').first().evaluate((a) => getComputedStyle(a).color);
-    assert.equal(look, 'rgb(20, 86, 59)');
-    assert.match(await page.locator('.description').first().evaluate((e) => getComputedStyle(e).fontFamily), /Georgia/);
-    assert.equal(await page.locator('.description').first().evaluate((e) => getComputedStyle(e).color), 'rgb(34, 34, 34)');
-    if (style) await assertAccessible(page);
-    await closePage(page);
+    const show = (page) => embedded(page, '?vela_query=garden+rose', style);
+    await inEveryLook(browser, `embed_${name}`, show, async (page) => {
+      await assertLooksLikeTheSite(page);
+      if (!style) return;
+      await assertFits(page);
+      await assertAccessible(page);
+    });
   });
 }
+
+test('embed: on the narrowest screens', async () => {
+  const page = await openPage(browser, { viewport: { width: 320, height: 640 } });
+  await embedded(page, '?vela_query=garden+rose', true);
+  await shot(page, 'embed_narrow');
+  await assertFits(page);
+  await closePage(page);
+});
 
 test('embed: a page that links the script has its conveniences', async () => {
   const page = await openPage(browser);

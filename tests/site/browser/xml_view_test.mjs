@@ -1,7 +1,7 @@
 // The XML answer in a browser, made readable by vela_results.xsl.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { assertAccessible, assertFits, closePage, follow, launch, openPage, shot } from './support/browser.mjs';
+import { assertAccessible, assertFits, closePage, follow, inEveryLook, launch, openPage, shot } from './support/browser.mjs';
 import { makeGarden } from './support/garden.mjs';
 import { serve } from './support/server.mjs';
 
@@ -18,17 +18,18 @@ after(async () => {
   await server?.stop();
 });
 
-async function visit(query, options) {
-  page = await openPage(browser, options);
-  await page.goto(`${server.search}?vela_xml=1&${query}`);
-  await page.waitForSelector('.vela_header');
-  await page.evaluate(() => document.querySelector('xslt-warning-banner')?.remove());
+async function show(to, query) {
+  await to.goto(`${server.search}?vela_xml=1&${query}`);
+  await to.waitForSelector('.vela_header');
+  await to.evaluate(() => document.querySelector('xslt-warning-banner')?.remove());
 }
-async function check(name) {
-  await shot(page, name);
-  await assertFits(page);
-  await assertAccessible(page, OF_THE_BROWSER);
-  await closePage(page);
+async function visit(query) {
+  page = await openPage(browser);
+  await show(page, query);
+}
+async function check(seen) {
+  await assertFits(seen);
+  await assertAccessible(seen, OF_THE_BROWSER);
 }
 const titles = () => page.locator('.result_title a').allInnerTexts();
 const text = (selector) => page.locator(selector).first().innerText();
@@ -47,7 +48,7 @@ test('results', async () => {
     ['year: 1897', 'season: Autumn', 'colours: Red, White', 'gardener: Ida Holm']);
   assert.equal(await orchard.locator('.infoline').innerText(), '02 Oct 2024 – 47k – /orchard.html');
   assert.deepEqual(await orchard.locator('.highlight').allInnerTexts(), ['apple']);
-  await check('xml_results');
+  await closePage(page);
 });
 
 test('pages follow one another, whatever else was asked', async () => {
@@ -110,14 +111,22 @@ test('corrections, errors and nothing found', async () => {
   await visit('vela_query=roze');
   assert.equal(await text('.suggestion'), 'Did you mean rose or rosemary?');
   assert.equal(await text('.summary'), 'No results found.');
-  await check('xml_corrections');
+  await closePage(page);
   await visit('vela_query=garden&vela_page=500');
   assert.match(await text('[role=alert]'), /beyond the last result/);
   assert.equal(await page.locator('.summary').count(), 0);
-  await check('xml_error');
+  await closePage(page);
 });
 
-test('dark and narrow', async () => {
-  await visit('vela_query=garden+rose', { viewport: { width: 320, height: 640 }, colorScheme: 'dark' });
-  await check('xml_narrow_dark');
+for (const [name, query] of [['results', 'vela_query=garden+apple'], ['corrections', 'vela_query=roze'],
+  ['nothing', 'vela_query=volcano'], ['error', 'vela_query=garden&vela_page=500']]) {
+  test(`every look: ${name}`, () => inEveryLook(browser, `xml_${name}`, (seen) => show(seen, query), check));
+}
+
+test('on the narrowest screens', async () => {
+  page = await openPage(browser, { viewport: { width: 320, height: 640 } });
+  await show(page, 'vela_query=garden+rose');
+  await shot(page, 'xml_narrow');
+  await check(page);
+  await closePage(page);
 });

@@ -174,6 +174,15 @@ _row("Recommended pages", "vela_query=opening+times",
             '<div class="recommend_infoline">/hours.html</div>'))
 _row("Recommended for a beginning", "vela_query=renewing",
      shows=('<div class="recommend_infoline">/membership/loans.html</div>',))
+_row("Recommended with words of its own, and outside the site", "vela_query=audiobooks",
+     finds=("/using/ebooks.html", "/using/home-delivery.html", "/news/van-wins-prize.html",
+            "/index.html"),
+     shows=("4 results found.",
+            '<div class="recommend_title"><a href="https://ebooks.example.net/" >'
+            f'E&#45;books and {_mark("audiobooks")} for members</a></div>',
+            '<div class="recommend_description">Borrow them on the site that we share with other '
+            "libraries, with the number of your card&#46;</div>",
+            '<div class="recommend_infoline">https://ebooks.example.net/</div>'))
 _row("Completion while typing", "vela_query=bo&vela_ac=1",
      matches=(r'<div class="vela_ac_item" onclick="VelaAutoComplete_UseSuggestion\(&quot;'
               r'Bookbinding in an afternoon&quot;\);">',),

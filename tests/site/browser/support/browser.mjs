@@ -7,6 +7,9 @@ import { chromium as program, require, screenshots } from './environment.mjs';
 const { chromium } = require('playwright-core');
 const axeSource = readFileSync(require.resolve('axe-core/axe.min.js'), 'utf8');
 
+const WIDE = { width: 1280, height: 900 };
+const PHONE = { width: 360, height: 740 };
+
 export function launch() {
   return chromium.launch({
     executablePath: program,
@@ -22,7 +25,7 @@ const isIcon = (address) => address.endsWith('/favicon.ico');
 // A page in a visitor's own window. `page.troubles` lists errors on the console, exceptions,
 // requests that failed and requests to another machine.
 export async function openPage(browser, options = {}) {
-  const context = await browser.newContext({ viewport: { width: 1200, height: 900 }, ...options });
+  const context = await browser.newContext({ viewport: WIDE, ...options });
   const page = await context.newPage();
   page.setDefaultTimeout(15000);
   page.troubles = [];
@@ -99,4 +102,19 @@ export async function assertFits(page) {
 
 export async function shot(page, name) {
   await page.screenshot({ path: path.join(screenshots, `${name}.png`), fullPage: true, animations: 'disabled' });
+}
+
+// One state of a page in every look: wide and on a phone, by day and in the dark. `show` brings a new
+// page there, `check` looks at it. The screenshots are NAME_1280_light.png and so on.
+export async function inEveryLook(browser, name, show, check, options = {}) {
+  for (const viewport of [WIDE, PHONE]) {
+    const page = await openPage(browser, { ...options, viewport });
+    await show(page);
+    for (const colorScheme of ['light', 'dark']) {
+      await page.emulateMedia({ colorScheme });
+      await shot(page, `${name}_${viewport.width}_${colorScheme}`);
+      await check(page);
+    }
+    await closePage(page);
+  }
 }
