@@ -24,6 +24,7 @@
 #include "format/little_endian.h"
 #include "format/page_text.h"
 #include "format/word_map.h"
+#include "indexer/write/lookup_writer.h"
 
 namespace {
 
@@ -297,9 +298,11 @@ int main(int argc, char** argv) {
     settings += std::string("STR_") + key + " = \"" + key + "\"\n";
   }
 
-  WriteFile(directory / "settings.vdat", settings);
   WriteFile(directory / "vela_dictionary.vdat", dictionary);
   WriteFile(directory / "vela_pageinfo.vdat", pageInfo);
+  const int32_t generation = vela::indexer::WriteLookup(directory).generation;
+  number("LookupGeneration", static_cast<size_t>(generation));
+  WriteFile(directory / "settings.vdat", settings);
   WriteFile(directory / "vela_pagedata.vdat", pageData);
   WriteFile(directory / "search_template.html",
             "<html><head></head><body>\n<!--VELASEARCH-->\n</body></html>\n");

@@ -84,7 +84,8 @@ def machine():
         if line.startswith("model name"):
             model = line.split(":", 1)[1].strip()
             break
-    return f"{model}, {os.cpu_count()} cores, Linux {platform.release()}"
+    release = ".".join(platform.release().split(".")[:2])
+    return f"{model}, {os.cpu_count()} cores, Linux {release}"
 
 
 def commit():
