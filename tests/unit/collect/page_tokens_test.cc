@@ -222,7 +222,7 @@ TEST(PageTokens, WordsOfALongTextWithoutSignsTouch) {
 }
 
 TEST(PageTokens, WhatIsKeptOfAPageGrowsWithItsDifferentWords) {
-  for (const std::string piece : {"a ", "(a) b-c; "}) {
+  for (const std::string piece : {"a-b;c.", "a-", "a ", "(a) b-c; "}) {
     SCOPED_TRACE(piece);
     std::string text;
     while (text.size() < (size_t{1} << 20)) text += piece;
@@ -232,6 +232,9 @@ TEST(PageTokens, WhatIsKeptOfAPageGrowsWithItsDifferentWords) {
     EXPECT_LT(page.words.places.capacity(), 10000u);
     EXPECT_LE(page.words.postings.size(), 5u);
     EXPECT_EQ(page.words.pageWords.size(), page.words.postings.size());
+    EXPECT_LT(page.words.chunk.tokens.capacity(), 4 * kChunkBytesLimit);
+    EXPECT_LT(page.words.chunk.forms.capacity(), 8 * kChunkBytesLimit);
+    EXPECT_LT(page.words.chunk.characters.capacity(), 4 * kChunkBytesLimit);
   }
 }
 

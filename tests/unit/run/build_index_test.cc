@@ -416,7 +416,7 @@ TEST(BuildIndex, APageWithoutMemoryIsLeftOut) {
 TEST(BuildIndex, WordsTakeNoMoreMemoryThanTheText) {
   TestSite site;
   site.options.memoryMegabytes = 1;
-  for (const char* piece : {"a ", "a; ", "a-b; c. "}) {
+  for (const char* piece : {"a-b;c.", "a-", "a;", "a ", "\xE6\x9D\xB1", "\xC3\xA9/"}) {
     std::string text;
     while (text.size() < (size_t{1} << 20)) text += piece;
     site.Add("words.html", text);
