@@ -99,7 +99,9 @@ struct SitePages {
       : collection({.base = run.base,
                     .config = run.options.config,
                     .charset = run.charset,
-                    .memory = run.options.memoryMegabytes * kMegabyte},
+                    .memory = run.options.memoryMegabytes * kMegabyte,
+                    .sink = [this](const std::vector<PageToken>& tokens) { text.Add(tokens); },
+                    .stop = &run.stop},
                    run.folder.fresh()),
         text(run.folder.fresh()),
         table(run.folder.fresh() / kPageInfoFileName, run.folder.fresh() / kPageDataFileName,
@@ -138,7 +140,6 @@ Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& p
   PageEntry entry;
   reason = AddPage(page, pages.collection, entry);
   if (reason != Reason::kNone) return reason;
-  pages.text.AddPage(pages.collection.tokens.tokens);
   pages.table.AddPage(entry);
   if (!page.content.markupFault.empty()) {
     AddLeftOut(remarks, Reason::kNotWellFormed, item.path, {}, page.content.markupFault);

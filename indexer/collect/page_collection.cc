@@ -43,13 +43,19 @@ void CheckRoomForPage(const PageCollection& collection) {
                    "Index its parts into several folders.");
 }
 
-// Cuts the page's words and hands their postings on.
-void AddWords(const Page& page, const std::string& addressText, PageCollection& collection) {
+// Cuts the page's words and hands their tokens and postings on. False: it was stopped.
+[[nodiscard]] bool AddWords(const Page& page, const std::string& addressText,
+                            PageCollection& collection) {
   const auto number = static_cast<uint32_t>(collection.pages.size());
-  CutPage(
+  const bool isWhole = CutPage(
       {.content = page.content, .title = page.facts.title, .addressText = addressText}, number,
-      {.forms = collection.forms, .vocabulary = collection.vocabulary, .signs = collection.signs},
+      {.forms = collection.forms,
+       .vocabulary = collection.vocabulary,
+       .signs = collection.signs,
+       .sink = collection.input.sink,
+       .stop = collection.input.stop},
       collection.tokens);
+  if (!isWhole) return false;
   const size_t memory = collection.input.memory;
   const size_t taken = MemoryOf(collection.vocabulary);
   collection.postings.SetMemory(std::max(kLeastPostingBytes, memory - std::min(memory, taken)));
@@ -58,7 +64,8 @@ void AddWords(const Page& page, const std::string& addressText, PageCollection& 
   collection.pages.push_back({.firstToken = collection.tokenCount,
                               .bodyWords = tokens.bodyWords,
                               .titleWords = tokens.titleWords});
-  collection.tokenCount += tokens.tokens.size();
+  collection.tokenCount += tokens.tokenCount;
+  return true;
 }
 
 // The addresses by which rules may name a page: those of its file, of the folder whose index page
@@ -129,7 +136,9 @@ Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
   };
   CheckRoomForPage(collection);
   collection.fileDates.AddPage(number, facts);
-  AddWords(page, AddressText(address, collection.input.base), collection);
+  if (!AddWords(page, AddressText(address, collection.input.base), collection)) {
+    return Reason::kStopped;
+  }
   if (collection.input.config.suggestions) {
     collection.suggestions.AddPage(page.content, facts.title);
   }

@@ -1,6 +1,7 @@
 // page_collection.h: everything that grows while pages are read, and how a page joins it.
 #pragma once
 
+#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -30,6 +31,8 @@ struct CollectionInput {
   const SiteConfig& config;
   const IndexCharset& charset;
   size_t memory = 0;  // bytes that collected words may take before they go to disk
+  TokenSink sink;     // takes the tokens of the pages that join
+  const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
 };
 
 // A page that is left out for another one.
@@ -56,15 +59,15 @@ struct PageCollection {
   LeftOut metaValues;               // of the fields
   std::vector<bool> usedFields;     // beside the fields: some page has an element for it
   std::vector<CopyLeftOut> copies;  // those that rules put into a category
-  PageTokens tokens;                // of the page that joined last
+  PageTokens tokens;                // what is kept of the page that joined last
   uint64_t tokenCount = 0;          // of all pages
   uint64_t sourceBytes = 0;         // of the pages' files
 };
 
-// Joins one page to the collection: its tokens are then in `collection.tokens`, what the page table
-// keeps of it in `entry`. kCopy, kEqual,
-// kAddressTooLong: it is left out. Throws IndexError when the index is full or a temporary file
-// cannot be written.
+// Joins one page to the collection: its tokens have then gone to the sink, what the page table
+// keeps of it is in `entry`. kCopy, kEqual, kAddressTooLong: it is left out. kStopped: it was
+// stopped in the middle, and the collection is of no use any more. Throws IndexError when the index
+// is full or a temporary file cannot be written.
 [[nodiscard]] Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry);
 
 // A page of the index, and categories that it is in beside those of its own addresses.

@@ -15,139 +15,197 @@ uint8_t HeadingZone(uint8_t level) {
   return level <= 3 ? kInHeading : kInSmallHeading;
 }
 
+// Tokens that are handed on at once.
+constexpr size_t kPortionTokens = 4096;
+
 // What the tokens of a page are made with and go to.
 struct PageCut {
   const SiteWords& site;
+  uint32_t pageNumber = 0;
   PageTokens& out;
 };
+
+// Where in the page text of its page a word stands.
+struct Occurrence {
+  uint32_t word = 0;  // number in the vocabulary
+  uint32_t token = 0;
+  uint32_t place = 0;  // of its word among the body's words
+  uint8_t zone = 0;    // one Zone bit, 0 for plain text
+  bool inBody = false;
+};
+
+void WriteToken(const PageCut& cut, PageToken token) {
+  cut.out.tokens.push_back(token);
+  ++cut.out.tokenCount;
+}
+
+void HandOn(const PageCut& cut) {
+  cut.site.sink(cut.out.tokens);
+  cut.out.tokens.clear();
+}
 
 // Writes the signs behind the last word as one token. The next begins as `blankBehind` says.
 void CloseGap(const PageCut& cut, bool blankBehind) {
   SignGap& gap = cut.out.gap;
-  if (!gap.IsEmpty()) cut.out.tokens.push_back({cut.site.signs.Find(gap, blankBehind), 0});
+  if (!gap.IsEmpty()) WriteToken(cut, {cut.site.signs.Find(gap, blankBehind), 0});
   gap.Clear(blankBehind);
-}
-
-// Cuts one run of text and appends its tokens. Returns the number of its words.
-uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
-  PageTokens& out = cut.out;
-  uint32_t wordCount = 0;
-  out.gap.Clear(true);
-  for (std::string_view chunk = NextChunk(text); !chunk.empty(); chunk = NextChunk(text)) {
-    CutChunk(chunk, out.chunk);
-    const uint32_t firstPlace = inBody ? out.bodyWords : 0;
-    uint32_t place = firstPlace;
-    out.places.clear();
-    out.written.clear();
-    out.gap.AddBlank();
-    for (const TextToken& token : out.chunk.tokens) {
-      const std::string_view base =
-          token.sign == 0 ? cut.site.forms.Base(token.base) : std::string_view();
-      if (!base.empty()) CloseGap(cut, false);
-      const auto written = static_cast<uint32_t>(out.tokens.size());
-      out.places.push_back(place);
-      out.written.push_back(base.empty() ? kNone32 : written);
-      if (token.sign != 0) out.gap.AddSign(token.surface);
-      if (base.empty()) continue;
-      const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
-      const uint8_t variant =
-          FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(token.surface));
-      cut.site.vocabulary.words[word].isWritten = true;
-      out.occurrences.push_back({word, written, place, zone, inBody});
-      out.tokens.push_back({kWordBase + word, variant});
-      ++place;
-    }
-    for (const FoundForm& form : out.chunk.forms) {
-      const std::string_view base = cut.site.forms.FoundBase(form.text);
-      // A word that could not be written has no place of its own.
-      if (base.empty() || out.written[form.token] == kNone32) continue;
-      const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
-      // Beside its stem, so that a pattern such as "cafe*" meets it whole.
-      FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(form.text));
-      out.occurrences.push_back(
-          {word, out.written[form.token], out.places[form.token], zone, inBody});
-    }
-    wordCount += place - firstPlace;
-    if (inBody) out.bodyWords = place;
-  }
-  CloseGap(cut, true);
-  return wordCount;
-}
-
-uint32_t CountDistinctWords(const PageTokens& words, size_t firstToken) {
-  std::vector<uint32_t> numbers;
-  for (size_t i = firstToken; i < words.tokens.size(); ++i) {
-    if (words.tokens[i].number >= kWordBase) numbers.push_back(words.tokens[i].number);
-  }
-  std::ranges::sort(numbers);
-  return static_cast<uint32_t>(std::unique(numbers.begin(), numbers.end()) - numbers.begin());
 }
 
 void AddOne(uint8_t& count) {
   if (count < 255) ++count;
 }
 
-void CollectPostings(uint32_t pageNumber, Vocabulary& vocabulary, PageTokens& out) {
-  const uint32_t blockWords = ProximityBlockWords(out.bodyWords);
-  for (const PageTokens::Occurrence& occurrence : out.occurrences) {
-    Word& word = vocabulary.words[occurrence.word];
-    if (word.lastPage != pageNumber) {
-      word.lastPage = pageNumber;
-      word.slot = static_cast<uint32_t>(out.postings.size());
-      ++word.pageCount;
-      Posting posting;
-      posting.word = occurrence.word;
-      posting.page = pageNumber;
-      posting.token = occurrence.token;
-      out.postings.push_back(posting);
-      out.lastTokens.push_back(kNone32);
-    }
-    Posting& posting = out.postings[word.slot];
-    if (occurrence.zone == kInTitle) word.inTitle = true;
-    posting.zones |= occurrence.zone;
+// Counts the occurrence in the posting of its word. Returns what else is known of the word.
+PageTokens::PageWord& Count(const Occurrence& occurrence, const PageCut& cut) {
+  PageTokens& out = cut.out;
+  Word& word = cut.site.vocabulary.words[occurrence.word];
+  if (word.lastPage != cut.pageNumber) {
+    word.lastPage = cut.pageNumber;
+    word.slot = static_cast<uint32_t>(out.postings.size());
+    ++word.pageCount;
+    Posting posting;
+    posting.word = occurrence.word;
+    posting.page = cut.pageNumber;
+    posting.token = occurrence.token;
+    out.postings.push_back(posting);
+    out.pageWords.emplace_back();
+  }
+  Posting& posting = out.postings[word.slot];
+  PageTokens::PageWord& pageWord = out.pageWords[word.slot];
+  if (occurrence.zone == kInTitle) word.inTitle = true;
+  posting.zones |= occurrence.zone;
+  if (occurrence.inBody) {
+    NotePlace(word.slot, occurrence.place, pageWord.places, out.places);
+  } else {
     // Title, description and address belong to the page as a whole and count as its beginning.
-    const uint32_t block = occurrence.inBody ? occurrence.place / blockWords : 0;
-    posting.blocks |= ProximityBit(block);
-    // A word and a part of it that reads the same ("a-a") are one occurrence.
-    if (out.lastTokens[word.slot] == occurrence.token) continue;
-    out.lastTokens[word.slot] = occurrence.token;
-    AddOne(posting.total);
-    if (occurrence.inBody) AddOne(posting.body);
+    posting.blocks |= ProximityBit(0);
+  }
+  // A word and a part of it that reads the same ("a-a") are one occurrence.
+  if (pageWord.lastToken == occurrence.token) return pageWord;
+  pageWord.lastToken = occurrence.token;
+  AddOne(posting.total);
+  if (occurrence.inBody) AddOne(posting.body);
+  return pageWord;
+}
+
+// Writes and counts the words of the chunk that was cut. Returns their number.
+uint32_t WriteWords(uint8_t zone, bool inBody, const PageCut& cut) {
+  PageTokens& out = cut.out;
+  uint32_t place = inBody ? out.bodyWords : 0;
+  uint32_t count = 0;
+  out.chunkWords.clear();
+  for (const TextToken& token : out.chunk.tokens) {
+    PageTokens::ChunkWord& chunkWord = out.chunkWords.emplace_back();
+    if (token.sign != 0) {
+      out.gap.AddSign(token.surface);
+      continue;
+    }
+    const std::string_view base = cut.site.forms.Base(token.base);
+    if (base.empty()) continue;
+    CloseGap(cut, false);
+    chunkWord = {.token = out.tokenCount, .place = place};
+    const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
+    const uint8_t variant =
+        FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(token.surface));
+    cut.site.vocabulary.words[word].isWritten = true;
+    PageTokens::PageWord& pageWord = Count({word, out.tokenCount, place, zone, inBody}, cut);
+    if (zone == kInTitle && !pageWord.isTitleWord) {
+      pageWord.isTitleWord = true;
+      ++out.titleWords;
+    }
+    WriteToken(cut, {kWordBase + word, variant});
+    ++place;
+    ++count;
+  }
+  if (inBody) out.bodyWords = place;
+  return count;
+}
+
+// Counts the further forms by which words of the chunk are found.
+void CountForms(uint8_t zone, bool inBody, const PageCut& cut) {
+  for (const FoundForm& form : cut.out.chunk.forms) {
+    const std::string_view base = cut.site.forms.FoundBase(form.text);
+    const PageTokens::ChunkWord& found = cut.out.chunkWords[form.token];
+    // A word that could not be written has no place of its own.
+    if (base.empty() || found.token == kNone32) continue;
+    const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
+    // Beside its stem, so that a pattern such as "cafe*" meets it whole.
+    FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(form.text));
+    Count({word, found.token, found.place, zone, inBody}, cut);
+  }
+}
+
+bool IsStopped(const PageCut& cut) { return cut.site.stop != nullptr && *cut.site.stop != 0; }
+
+// Cuts one run of text and writes its tokens, unless it is stopped. Returns the number of its
+// words. Without any, nothing of the run was handed on.
+uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
+  PageTokens& out = cut.out;
+  uint32_t wordCount = 0;
+  out.gap.Clear(true);
+  while (!IsStopped(cut)) {
+    const bool followsBlank = text.starts_with(' ');
+    const std::string_view chunk = NextChunk(text);
+    if (chunk.empty()) break;
+    CutChunk(chunk, out.chunk);
+    if (followsBlank) out.gap.AddBlank();
+    // Words that a chunk ends and the next begins with are still written without a blank.
+    if (!followsBlank && !out.gap.opens && out.gap.IsEmpty()) {
+      out.gap.AddSign(Utf8Text(kWordBreakSign));
+    }
+    wordCount += WriteWords(zone, inBody, cut);
+    CountForms(zone, inBody, cut);
+    if (wordCount != 0 && out.tokens.size() >= kPortionTokens) HandOn(cut);
+  }
+  CloseGap(cut, true);
+  return wordCount;
+}
+
+// Sets the blocks of the words now that the page's length is known.
+void SetBlocks(PageTokens& out) {
+  const uint32_t blockWords = ProximityBlockWords(out.bodyWords);
+  const auto set = [&](size_t slot, uint32_t place) {
+    if (place != kNoPlace) out.postings[slot].blocks |= ProximityBit(place / blockWords);
+  };
+  for (const PlaceOfWord& each : out.places) set(each.slot, each.place);
+  for (size_t slot = 0; slot < out.pageWords.size(); ++slot) {
+    set(slot, out.pageWords[slot].places.before);
+    set(slot, out.pageWords[slot].places.last);
   }
 }
 
 }  // namespace
 
-void CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, PageTokens& out) {
-  const PageCut cut = {.site = site, .out = out};
-  Vocabulary& vocabulary = site.vocabulary;
+bool CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, PageTokens& out) {
+  const PageCut cut = {.site = site, .pageNumber = pageNumber, .out = out};
   out.tokens.clear();
   out.postings.clear();
-  out.occurrences.clear();
-  out.lastTokens.clear();
-  out.bodyWords = 0;
+  out.pageWords.clear();
+  out.places.clear();
+  out.tokenCount = out.bodyWords = out.titleWords = 0;
   for (const TextRun& run : page.content.body) {
     CutRun(run.text, HeadingZone(run.headingLevel), true, cut);
   }
   // Behind the body, so that snippets show the body and phrases find all of it.
   const auto addRun = [&](std::string_view text, Zone zone) {
     const size_t before = out.tokens.size();
-    if (before != 0) out.tokens.push_back({kRunEndWord, 0});
-    const uint32_t count = CutRun(text, zone, false, cut);
-    if (count == 0) out.tokens.resize(before);
-    return count;
+    if (out.tokenCount != 0) WriteToken(cut, {kRunEndWord, 0});
+    if (CutRun(text, zone, false, cut) != 0) return;
+    out.tokenCount -= static_cast<uint32_t>(out.tokens.size() - before);
+    out.tokens.resize(before);
   };
-  const size_t beforeTitle = out.tokens.size();
   addRun(page.title, kInTitle);
-  out.titleWords = CountDistinctWords(out, beforeTitle);
   addRun(page.content.description, kInDescription);
   addRun(page.addressText, kInAddress);
-  out.tokens.push_back({kPageEndWord, 0});
-  CollectPostings(pageNumber, vocabulary, out);
+  WriteToken(cut, {kPageEndWord, 0});
+  HandOn(cut);
+  if (IsStopped(cut)) return false;
+  SetBlocks(out);
   for (const Posting& posting : out.postings) {
-    Word& word = vocabulary.words[posting.word];
+    Word& word = site.vocabulary.words[posting.word];
     word.mostOnPage = std::max(word.mostOnPage, posting.total);
   }
+  return true;
 }
 
 }  // namespace vela::indexer

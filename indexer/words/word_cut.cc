@@ -1,5 +1,7 @@
 #include "indexer/words/word_cut.h"
 
+#include <unicode/utf8.h>
+
 #include <algorithm>
 
 #include "indexer/words/compatible_text.h"
@@ -316,6 +318,38 @@ bool ClassifyChunk(ChunkTokens& out) {
   return false;
 }
 
+// How much of `text`, which begins with more than kChunkBytesLimit bytes without a blank, is one
+// chunk: up to a word behind a sign, best one that joins no words; else to the end of the run of
+// word characters or of signs; or a part of that run, where the rest of it is too long for a word.
+size_t PieceLength(std::string_view text) {
+  constexpr size_t kSignSearchBytes = 1024;
+  constexpr size_t kMiddle = kChunkBytesLimit - kWordBytesLimit - 2 * U8_MAX_LENGTH;
+  size_t at = kMiddle - kSignSearchBytes;
+  while (at < kMiddle && U8_IS_TRAIL(text[at])) ++at;
+  size_t behindSign = 0;
+  size_t behindJoin = 0;
+  size_t middle = 0;
+  size_t length = 0;
+  std::string_view before;
+  bool afterWord = false;
+  for (; at < kChunkBytesLimit; at += length) {
+    const char32_t c = DecodeCharacter(text, at, length);
+    const bool isWord = ClassifyCharacter(c) == CharacterKind::kWord;
+    const bool isEdge = !before.empty() && isWord != afterWord && !GoesWithSymbol(before, c);
+    if (at >= kMiddle) {
+      if (behindSign != 0) return behindSign;
+      if (behindJoin != 0) return behindJoin;
+      if (isEdge) return at;
+      if (middle == 0) middle = at;
+    } else if (isEdge && isWord) {
+      (IsOneOf(before.back(), ".-_#+") ? behindJoin : behindSign) = at;
+    }
+    before = text.substr(at, length);
+    afterWord = isWord;
+  }
+  return middle;
+}
+
 }  // namespace
 
 std::string_view NextChunk(std::string_view& text) {
@@ -324,9 +358,14 @@ std::string_view NextChunk(std::string_view& text) {
     text = {};
     return {};
   }
-  const size_t end = std::min(text.find(' ', begin), text.size());
-  const std::string_view chunk = text.substr(begin, end - begin);
-  text.remove_prefix(end);
+  text.remove_prefix(begin);
+  // No further, or a text without blanks would be looked through once for each of its pieces.
+  size_t length = text.substr(0, kChunkBytesLimit + 1).find(' ');
+  if (length == text.npos) {
+    length = text.size() <= kChunkBytesLimit ? text.size() : PieceLength(text);
+  }
+  const std::string_view chunk = text.substr(0, length);
+  text.remove_prefix(length);
   return chunk;
 }
 

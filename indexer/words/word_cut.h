@@ -1,9 +1,9 @@
 // word_cut.h: where the words of a text begin and end.
 //
-// A text is cut at its blanks into chunks, and a chunk by the code that cuts queries, so that what
-// a visitor types meets what the index holds. On top of that, signs that a query keeps but that
-// belong to no word (quotes, ";", "=", dashes ...) are taken off the ends of words and cut words
-// apart; and a word can be found by more than its own form:
+// A text is cut at its blanks into chunks (one of unusual length into several), and a chunk by the
+// code that cuts queries, so that what a visitor types meets what the index holds. On top of that,
+// signs that a query keeps but that belong to no word (quotes, ";", "=", dashes ...) are taken off
+// the ends of words and cut words apart; and a word can be found by more than its own form:
 //   parts    of a joined word ("node.js" by "node" and "js");
 //   wholes   of words that signs inside cut apart, as the query would have them ("a<b");
 //   plain    forms without accents ("cafe" for "café"; see plain_forms.h);
@@ -31,6 +31,10 @@ constexpr std::string_view kWordJoinChars = ".-_";
 
 // Longer words are no words: they are neither stored nor found, only their parts are.
 constexpr size_t kWordBytesLimit = 120;
+
+// A longer run without blanks (data, a minified script) is several chunks: what the cutting of one
+// takes is many times its length.
+constexpr size_t kChunkBytesLimit = 8192;
 
 struct TextToken {
   char32_t sign = 0;         // 0 for a word; of a picture of several characters the first
@@ -61,11 +65,13 @@ struct ChunkTokens {
   WordBreaks breaks;
 };
 
-// Takes the next chunk (a run without blanks) off the start of clean text (see CleanText).
-// Empty when there is none.
+// Takes the next chunk off the start of clean text (see CleanText): a run without blanks, or up to
+// kChunkBytesLimit bytes of a longer one. That is cut behind a sign where there is one near, and
+// never so that a part of a word which is too long would be a word; what is left of it stands at
+// the start of `text`, without a blank before it. Empty when there is none.
 std::string_view NextChunk(std::string_view& text);
 
-// Cuts one chunk.
+// Cuts one chunk, in time and memory in proportion to its length.
 void CutChunk(std::string_view chunk, ChunkTokens& out);
 
 }  // namespace vela::indexer

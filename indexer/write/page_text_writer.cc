@@ -18,7 +18,7 @@ PageTextWriter::PageTextWriter(const std::filesystem::path& folder)
   std::filesystem::remove(temporary_);  // gone with the process, however it ends
 }
 
-void PageTextWriter::AddPage(const std::vector<PageToken>& tokens) {
+void PageTextWriter::Add(const std::vector<PageToken>& tokens) {
   for (const PageToken& token : tokens) {
     waiting_->WriteNumber(uint64_t{token.variant} << 32 | token.number, kWaitingBytes);
   }

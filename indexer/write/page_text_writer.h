@@ -17,7 +17,7 @@ namespace vela::indexer {
 class PageTextWriter {
  public:
   explicit PageTextWriter(const std::filesystem::path& folder);
-  void AddPage(const std::vector<PageToken>& tokens);
+  void Add(const std::vector<PageToken>& tokens);
   // Writes `path` and lets go of the temporary file. `order` is DictionaryOrder, `tokenBytes`
   // DictIDLen. Returns the size in bytes.
   uint64_t Finish(const std::filesystem::path& path, const ReservedEntries& reserved,

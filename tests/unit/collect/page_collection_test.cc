@@ -10,13 +10,23 @@ namespace vela::indexer {
 namespace {
 
 struct Site {
+  std::vector<PageToken> tokens;  // of the pages that joined
   support::ScratchDirectory scratch;
   std::string base = "/";
   SiteConfig config;
   IndexCharset charset;
+  volatile std::sig_atomic_t stop = 0;
 
-  PageCollection Collection() const {
-    return {{.base = base, .config = config, .charset = charset, .memory = 1 << 20},
+  PageCollection Collection() {
+    const auto take = [this](const std::vector<PageToken>& portion) {
+      tokens.insert(tokens.end(), portion.begin(), portion.end());
+    };
+    return {{.base = base,
+             .config = config,
+             .charset = charset,
+             .memory = 1 << 20,
+             .sink = take,
+             .stop = &stop},
             scratch.path()};
   }
 };
@@ -36,15 +46,26 @@ TEST(PageCollection, PagesJoinOneBehindTheOther) {
   PageCollection collection = site.Collection();
   PageEntry entry;
   ASSERT_EQ(AddPage(PageAt("/a.html", "one two"), collection, entry), Reason::kNone);
-  const size_t tokens = collection.tokens.tokens.size();
+  const size_t tokens = site.tokens.size();
   EXPECT_EQ(entry.address, "/a.html");
   ASSERT_EQ(AddPage(PageAt("/b.html", "three"), collection, entry), Reason::kNone);
   ASSERT_EQ(collection.pages.size(), 2u);
   EXPECT_EQ(collection.pages[0].firstToken, 0u);
   EXPECT_EQ(collection.pages[0].bodyWords, 2u);
   EXPECT_EQ(collection.pages[1].firstToken, tokens);
-  EXPECT_EQ(collection.tokenCount, tokens + collection.tokens.tokens.size());
+  EXPECT_EQ(tokens, 7u);  // one, two, run end, title, run end, a, page end
+  EXPECT_EQ(site.tokens.size(), 13u);
+  EXPECT_EQ(collection.tokenCount, 13u);
   EXPECT_EQ(collection.sourceBytes, 20u);
+}
+
+TEST(PageCollection, AStopReachesIntoThePage) {
+  Site site;
+  PageCollection collection = site.Collection();
+  site.stop = 1;
+  PageEntry entry;
+  EXPECT_EQ(AddPage(PageAt("/a.html", "one two"), collection, entry), Reason::kStopped);
+  EXPECT_TRUE(collection.pages.empty());
 }
 
 TEST(PageCollection, APageThatIsLeftOutLeavesNothing) {

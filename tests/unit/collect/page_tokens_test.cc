@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "format/page_text.h"
 #include "indexer/words/symbols.h"
 
@@ -12,6 +14,8 @@ struct CutResult {
   Vocabulary vocabulary;
   SignEntries signs;
   PageTokens words;
+  std::vector<PageToken> tokens;
+  size_t largestPortion = 0;
 
   const Posting* Find(std::string_view text) const {
     for (const Posting& posting : words.postings) {
@@ -22,7 +26,7 @@ struct CutResult {
   // The base words of the tokens; ends of runs as "|", of the page as "."
   std::string Tokens() const {
     std::string line;
-    for (const PageToken& token : words.tokens) {
+    for (const PageToken& token : tokens) {
       if (token.number == kRunEndWord) {
         line += "| ";
       } else if (token.number == kPageEndWord) {
@@ -37,6 +41,14 @@ struct CutResult {
   }
 };
 
+// What takes the tokens of a page into `result`.
+TokenSink SinkOf(CutResult& result) {
+  return [&result](const std::vector<PageToken>& portion) {
+    result.largestPortion = std::max(result.largestPortion, portion.size());
+    result.tokens.insert(result.tokens.end(), portion.begin(), portion.end());
+  };
+}
+
 CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
                 const std::string& description = "", const std::string& address = "") {
   CutResult result;
@@ -45,8 +57,13 @@ CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
   page.description = description;
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
-  CutPage({.content = page, .title = title, .addressText = address}, 0,
-          {.forms = forms, .vocabulary = result.vocabulary, .signs = result.signs}, result.words);
+  const TokenSink sink = SinkOf(result);
+  const bool isWhole = CutPage(
+      {.content = page, .title = title, .addressText = address}, 0,
+      {.forms = forms, .vocabulary = result.vocabulary, .signs = result.signs, .sink = sink},
+      result.words);
+  EXPECT_TRUE(isWhole);
+  EXPECT_EQ(result.words.tokenCount, result.tokens.size());
   return result;
 }
 
@@ -126,7 +143,7 @@ TEST(PageTokens, SignsBetweenTwoWordsAreOneToken) {
   EXPECT_EQ(page.Tokens(), "open # 2026 # monday # friday # and # or # not | t .");
   const ReservedEntries entries = page.signs.Finish();
   std::string texts;
-  for (const PageToken& token : page.words.tokens) {
+  for (const PageToken& token : page.tokens) {
     if (token.number < kWordBase && token.number > kRunEndWord) {
       texts += entries.texts[entries.finals[token.number]] + " ";
     }
@@ -154,21 +171,91 @@ TEST(PageTokens, CountsDifferentTitleWords) {
 }
 
 TEST(PageTokens, VariantsAreThoseOfTheSite) {
-  Vocabulary vocabulary;
-  SignEntries signs;
-  PageTokens words;
+  CutResult result;
   PageContent page;
   page.body = {{"Cat CAT cat", 0}};
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
-  const SiteWords site = {.forms = forms, .vocabulary = vocabulary, .signs = signs};
-  CutPage({.content = page, .title = "x", .addressText = ""}, 0, site, words);
-  CutPage({.content = page, .title = "x", .addressText = ""}, 1, site, words);
-  EXPECT_EQ(words.tokens[0].variant, 1);
-  EXPECT_EQ(words.tokens[1].variant, 2);
-  EXPECT_EQ(words.tokens[2].variant, 0);
-  EXPECT_EQ(vocabulary.words[0].pageCount, 2u);
-  EXPECT_EQ(vocabulary.words[0].mostOnPage, 3);
+  const TokenSink sink = SinkOf(result);
+  const SiteWords site = {
+      .forms = forms, .vocabulary = result.vocabulary, .signs = result.signs, .sink = sink};
+  for (const uint32_t number : {0u, 1u}) {
+    result.tokens.clear();
+    EXPECT_TRUE(
+        CutPage({.content = page, .title = "x", .addressText = ""}, number, site, result.words));
+  }
+  EXPECT_EQ(result.tokens[0].variant, 1);
+  EXPECT_EQ(result.tokens[1].variant, 2);
+  EXPECT_EQ(result.tokens[2].variant, 0);
+  EXPECT_EQ(result.vocabulary.words[0].pageCount, 2u);
+  EXPECT_EQ(result.vocabulary.words[0].mostOnPage, 3);
+}
+
+// "a;b" is two words and the sign between them; the last "b" has a sign as well.
+TEST(PageTokens, ALongTextWithoutBlanksIsOneTextWithoutBlanks) {
+  std::string text;
+  std::string tokens;
+  for (int i = 0; i < 20000; ++i) {
+    text += "a;b;";
+    tokens += "a # b # ";
+  }
+  const CutResult page = CutOf({{text, 0}}, "");
+  EXPECT_EQ(page.Tokens(), tokens + ".");
+  // Of "b;" at the end no sign is like that of "a;b", as a blank stands behind.
+  const uint32_t between = page.tokens[1].number;
+  for (size_t i = 1; i + 2 < page.tokens.size(); i += 2) {
+    ASSERT_EQ(page.tokens[i].number, between) << i;
+  }
+  EXPECT_NE(page.tokens[page.tokens.size() - 2].number, between);
+  EXPECT_EQ(page.words.bodyWords, 40000u);
+}
+
+TEST(PageTokens, WordsOfALongTextWithoutSignsTouch) {
+  std::string text;
+  for (int i = 0; i < 6000; ++i) text += "東京";
+  const CutResult page = CutOf({{text, 0}}, "");
+  ASSERT_EQ(page.tokens.size(), 12000u);  // word, sign, ..., word, page end
+  const uint32_t touching = page.tokens[1].number;
+  for (size_t i = 1; i + 1 < page.tokens.size(); i += 2) {
+    ASSERT_EQ(page.tokens[i].number, touching) << i;
+  }
+}
+
+TEST(PageTokens, WhatIsKeptOfAPageGrowsWithItsDifferentWords) {
+  for (const std::string piece : {"a-b;c.", "a-", "a ", "(a) b-c; "}) {
+    SCOPED_TRACE(piece);
+    std::string text;
+    while (text.size() < (size_t{1} << 20)) text += piece;
+    const CutResult page = CutOf({{text, 0}}, "a");
+    EXPECT_LT(page.largestPortion, 20000u);
+    EXPECT_LT(page.words.tokens.capacity(), 40000u);
+    EXPECT_LT(page.words.places.capacity(), 10000u);
+    EXPECT_LE(page.words.postings.size(), 5u);
+    EXPECT_EQ(page.words.pageWords.size(), page.words.postings.size());
+    EXPECT_LT(page.words.chunk.tokens.capacity(), 4 * kChunkBytesLimit);
+    EXPECT_LT(page.words.chunk.forms.capacity(), 8 * kChunkBytesLimit);
+    EXPECT_LT(page.words.chunk.characters.capacity(), 4 * kChunkBytesLimit);
+  }
+}
+
+TEST(PageTokens, AStopEndsTheCutting) {
+  CutResult result;
+  PageContent page;
+  page.body = {{Words(100000), 0}};
+  const IndexCharset utf8;
+  WordForms forms(utf8, -1);
+  volatile std::sig_atomic_t stop = 0;
+  const TokenSink sink = [&](const std::vector<PageToken>& portion) {
+    result.tokens.insert(result.tokens.end(), portion.begin(), portion.end());
+    stop = 1;
+  };
+  const SiteWords site = {.forms = forms,
+                          .vocabulary = result.vocabulary,
+                          .signs = result.signs,
+                          .sink = sink,
+                          .stop = &stop};
+  EXPECT_FALSE(CutPage({.content = page, .title = "x", .addressText = ""}, 0, site, result.words));
+  EXPECT_LT(result.tokens.size(), 20000u);
 }
 
 }  // namespace

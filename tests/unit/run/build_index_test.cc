@@ -412,12 +412,25 @@ TEST(BuildIndex, APageWithoutMemoryIsLeftOut) {
   EXPECT_EQ(summary.files.entries[1].reason, Reason::kNoMemory);
 }
 
-// Short words: they take more memory than the text they are cut from.
+// As many words and signs as a text can have: they take more memory than the text, if held at once.
+TEST(BuildIndex, WordsTakeNoMoreMemoryThanTheText) {
+  TestSite site;
+  site.options.memoryMegabytes = 1;
+  for (const char* piece : {"a-b;c.", "a-", "a;", "a ", "\xE6\x9D\xB1", "\xC3\xA9/"}) {
+    std::string text;
+    while (text.size() < (size_t{1} << 20)) text += piece;
+    site.Add("words.html", text);
+    const support::LargestAllocation largest(size_t{4} << 20);
+    EXPECT_EQ(site.Build().pages, 1u) << piece;
+  }
+}
+
+// Different words: the list of those stays in memory.
 TEST(BuildIndex, AnErrorForLackOfMemoryNamesThePage) {
   TestSite site;
   site.options.memoryMegabytes = 1;
   std::string text;
-  for (int i = 0; i < 400000; ++i) text += "a ";
+  for (int i = 0; i < 100000; ++i) text += "w" + std::to_string(i) + " ";
   site.Add("words/many.html", text);
   WriteFile(site.index / "settings.vdat", "old");
   const support::LargestAllocation largest(size_t{4} << 20);

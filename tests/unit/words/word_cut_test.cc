@@ -176,6 +176,78 @@ TEST(WordCut, ChunksAreWhatBlanksLeave) {
   EXPECT_EQ(NextChunk(text), "");
 }
 
+// Where the chunks of a text without blanks end.
+std::vector<size_t> EndsOfChunks(std::string_view text) {
+  std::vector<size_t> ends;
+  size_t end = 0;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view chunk = NextChunk(rest);
+    EXPECT_LE(chunk.size(), kChunkBytesLimit);
+    EXPECT_EQ(chunk, text.substr(end, chunk.size()));
+    if (chunk.empty()) break;
+    end += chunk.size();
+    ends.push_back(end);
+  }
+  EXPECT_EQ(end, text.size());
+  return ends;
+}
+
+std::string Repeated(std::string_view piece, size_t count) {
+  std::string text;
+  for (size_t i = 0; i < count; ++i) text += piece;
+  return text;
+}
+
+TEST(WordCut, AChunkOfUnusualLengthIsCutBehindASign) {
+  EXPECT_EQ(EndsOfChunks(Repeated("abc;", kChunkBytesLimit / 4)).size(), 1u);
+  const struct {
+    const char* what;
+    std::string piece;
+    size_t cutBehind;  // so many bytes of a piece
+  } kCases[] = {
+      {"behind a semicolon rather than a hyphen", "a-b;c.", 4},
+      {"behind a hyphen where there is nothing better", "ab-", 3},
+      {"behind a comma", "12,", 3},
+      {"behind the last of several signs", "word\"},\n{\"", 10},
+      {"behind a full stop of another script", "図書館。", 12},
+      {"behind a picture, and not inside of it", "a👨‍👩‍👧", 19},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    const std::string text = Repeated(c.piece, 30000 / c.piece.size());
+    const std::vector<size_t> ends = EndsOfChunks(text);
+    EXPECT_GT(ends.size(), 3u);
+    EXPECT_LT(ends.size(), 6u);
+    for (size_t i = 0; i + 1 < ends.size(); ++i) {
+      EXPECT_EQ(ends[i] % c.piece.size(), c.cutBehind % c.piece.size());
+    }
+  }
+}
+
+TEST(WordCut, NoPartOfATooLongWordIsAWord) {
+  for (size_t length = kChunkBytesLimit - 300; length < kChunkBytesLimit + 300; ++length) {
+    const std::string text = std::string(length, 'x') + ";b";
+    std::string words;
+    std::string_view rest = text;
+    for (std::string_view chunk; !(chunk = NextChunk(rest)).empty();) words += Cut(chunk);
+    ASSERT_EQ(words, "; b") << length;
+  }
+}
+
+TEST(WordCut, NoCharacterOfALongChunkIsCut) {
+  const struct {
+    const char *what, *piece;
+  } kCases[] = {{"two bytes", "é"}, {"three bytes", "東"}, {"four bytes", "😀"}};
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    const std::string_view piece = c.piece;
+    for (size_t shift = 0; shift < piece.size(); ++shift) {
+      const std::string text = std::string(shift, 'a') + Repeated(piece, 10000);
+      for (const size_t end : EndsOfChunks(text)) EXPECT_EQ((end - shift) % piece.size(), 0u);
+    }
+  }
+}
+
 // The terms that a query of this text has, without exclusion marks.
 std::vector<std::string> QueryTerms(std::string text) {
   text = FoldedQuery(text);

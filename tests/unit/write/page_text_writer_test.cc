@@ -11,7 +11,7 @@ TEST(PageTextWriter, LeavesNoTemporaryFileHoweverTheRunEnds) {
   const support::ScratchDirectory scratch;
   PageTextWriter writer(scratch.path());
   EXPECT_TRUE(std::filesystem::is_empty(scratch.path()));
-  writer.AddPage({{.number = 7, .variant = 1}, {.number = 300, .variant = 2}});
+  writer.Add({{.number = 7, .variant = 1}, {.number = 300, .variant = 2}});
   ReservedEntries reserved;
   reserved.numbers.limit = 600;
   reserved.finals.resize(301);

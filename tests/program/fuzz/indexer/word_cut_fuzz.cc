@@ -56,7 +56,7 @@ void CheckText(std::string_view text, bool clean) {
   indexer::ChunkTokens cut;  // used again for each chunk, as the indexer does
   std::string_view rest = text;
   for (std::string_view chunk; !(chunk = indexer::NextChunk(rest)).empty();) {
-    VELA_CHECK(chunk.find(' ') == chunk.npos);
+    VELA_CHECK(chunk.find(' ') == chunk.npos && chunk.size() <= indexer::kChunkBytesLimit);
     indexer::CutChunk(chunk, cut);
     CheckCut(cut, clean);
     indexer::ChunkTokens fresh;
