@@ -23,33 +23,68 @@ void FillBuffer(PageTextReader& reader, uint64_t buffered) {
   reader.bufferEnd += got;
 }
 
-// The place of the first token from `at` on that is of `word` or ends the page. It may stop earlier
+// What is looked for: tokens that begin a phrase, and, with a second word, only those behind which
+// that word or a sign stands.
+template <bool kHasSecond>
+struct Wanted {
+  uint32_t first;
+  uint32_t second;
+  uint32_t signs;  // how many numbers from kFirstSignWord on are signs
+
+  // Without a branch, so that the compiler compares several at a time.
+  uint32_t Meets(uint32_t word, uint32_t next) const {
+    auto meets = static_cast<uint32_t>(word == first);
+    if constexpr (kHasSecond) {
+      meets &= static_cast<uint32_t>(next == second) |
+               static_cast<uint32_t>(next - kFirstSignWord < signs);
+    }
+    return meets | static_cast<uint32_t>(word == kPageEndWord);
+  }
+};
+
+// The place of the first token from `at` on that is wanted or ends the page. It may stop earlier
 // where fewer tokens are left than are compared at once.
-template <size_t kSize>
-size_t FindWord(std::string_view file, size_t at, uint32_t word) {
+template <size_t kSize, bool kHasSecond>
+size_t Find(std::string_view file, size_t at, const Wanted<kHasSecond>& wanted) {
   constexpr size_t kAtOnce = 32;
   constexpr auto kMask = static_cast<uint32_t>(LargestNumber(kSize - kTokenVariantWidth));
-  const auto wordAt = [&file](size_t place) {
+  const char* const bytes = file.data();
+  const auto wordAt = [bytes](size_t place) {
     uint32_t number = 0;
-    memcpy(&number, file.data() + place, sizeof number);
+    memcpy(&number, bytes + place, sizeof number);
     return number & kMask;
   };
-  // What is loaded reaches beyond the last token by less than a token.
-  for (; file.size() - at >= (kAtOnce + 1) * kSize + sizeof word; at += kAtOnce * kSize) {
-    // Without a branch, so that the compiler compares several at a time.
+  // What is loaded reaches beyond the last token by less than two.
+  constexpr size_t kBeyond = 2 * kSize + sizeof(uint32_t);
+  for (; file.size() - at >= kAtOnce * kSize + kBeyond; at += kAtOnce * kSize) {
     uint32_t found = 0;
     for (size_t i = 0; i < kAtOnce; ++i) {
-      const uint32_t number = wordAt(at + i * kSize);
-      found |=
-          static_cast<uint32_t>(number == word) | static_cast<uint32_t>(number == kPageEndWord);
+      found |= wanted.Meets(wordAt(at + i * kSize), wordAt(at + (i + 1) * kSize));
     }
     if (found != 0) break;
   }
-  while (file.size() - at >= kSize + sizeof word && wordAt(at) != word &&
-         wordAt(at) != kPageEndWord) {
+  while (file.size() - at >= kBeyond && wanted.Meets(wordAt(at), wordAt(at + kSize)) == 0) {
     at += kSize;
   }
   return at;
+}
+
+template <bool kHasSecond>
+void Skip(PageTextReader& reader, const Wanted<kHasSecond>& wanted) {
+  if (reader.position >= reader.file.size()) return;
+  const auto at = static_cast<size_t>(reader.position);
+  switch (reader.tokenSize) {
+    case 2:
+      return SeekPageText(reader, Find<2>(reader.file, at, wanted));
+    case 3:
+      return SeekPageText(reader, Find<3>(reader.file, at, wanted));
+    case 4:
+      return SeekPageText(reader, Find<4>(reader.file, at, wanted));
+    case 5:
+      return SeekPageText(reader, Find<5>(reader.file, at, wanted));
+    default:
+      return;
+  }
 }
 
 }  // namespace
@@ -67,26 +102,11 @@ void SeekPageText(PageTextReader& reader, uint64_t position) {
   reader.atEnd = false;
 }
 
-void SkipToWord(PageTextReader& reader, uint32_t word) {
-  if (reader.position >= reader.file.size()) return;
-  auto at = static_cast<size_t>(reader.position);
-  switch (reader.tokenSize) {
-    case 2:
-      at = FindWord<2>(reader.file, at, word);
-      break;
-    case 3:
-      at = FindWord<3>(reader.file, at, word);
-      break;
-    case 4:
-      at = FindWord<4>(reader.file, at, word);
-      break;
-    case 5:
-      at = FindWord<5>(reader.file, at, word);
-      break;
-    default:
-      return;
-  }
-  SeekPageText(reader, at);
+void SkipToWord(PageTextReader& reader, uint32_t word) { Skip(reader, Wanted<false>{word, 0, 0}); }
+
+void SkipToPair(PageTextReader& reader, uint32_t first, uint32_t second, int32_t lastSign) {
+  const int64_t signs = int64_t{lastSign} + 1 - kFirstSignWord;
+  Skip(reader, Wanted<true>{first, second, static_cast<uint32_t>(std::max<int64_t>(signs, 0))});
 }
 
 int32_t ReadPageTextToken(PageTextReader& reader, PageTextToken& token) {

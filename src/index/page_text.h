@@ -34,6 +34,10 @@ void SeekPageText(PageTextReader& reader, uint64_t position);
 // Passes over tokens up to the next one of `word` or kPageEndWord, or to the end of the data.
 void SkipToWord(PageTextReader& reader, uint32_t word);
 
+// Passes over tokens up to the next one of `first` behind which `second` or a sign stands, a word
+// from kFirstSignWord to `lastSign`, or up to kPageEndWord, or to the end of the data.
+void SkipToPair(PageTextReader& reader, uint32_t first, uint32_t second, int32_t lastSign);
+
 // Reads the next token; the bytes consumed, 0 at the end of the data. Bytes at the end that make no
 // whole token are never returned.
 int32_t ReadPageTextToken(PageTextReader& reader, PageTextToken& token);

@@ -62,6 +62,16 @@ int64_t ReachOf(int64_t word, const Settings& settings) {
   return word + kUsualReach;
 }
 
+// Passes over tokens that do not begin the phrase: nothing but its first word and the end of the
+// page has a consequence there, and, unless the first word is counted, only where the second may
+// follow.
+void SkipToStart(const Phrase& phrase, const Settings& settings, PageTextReader& text) {
+  const auto first = static_cast<uint32_t>(phrase.words[0].number);
+  if (settings.PhraseSigns <= 0 || phrase.words.size() < 2) return SkipToWord(text, first);
+  SkipToPair(text, first, static_cast<uint32_t>(phrase.words[1].number),
+             settings.DictReservedLimit);
+}
+
 // Reads tokens from the reader's position on until the phrase is found, its page ends, or, unless
 // PhraseSigns is set, the first word has been met more often than its score says it occurs.
 bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& settings,
@@ -74,8 +84,7 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
   for (;;) {
     PageTextToken token;
     for (size_t k = 0; k < count;) {
-      // Nothing but the first word and the end of the page has a consequence here.
-      if (k == 0) SkipToWord(text, static_cast<uint32_t>(phrase.words[0].number));
+      if (k == 0) SkipToStart(phrase, settings, text);
       uint64_t position = 0;
       int32_t consumed = 0;
       do {

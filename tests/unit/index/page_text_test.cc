@@ -86,6 +86,36 @@ TEST(PageText, SkippingStopsWhereReadingFindsTheWord) {
   }
 }
 
+TEST(PageText, SkippingToAPairStopsWhereTheSecondWordMayFollow) {
+  // 7 is the first word, 8 the second, 2 and 3 are signs, 1 ends a stretch, 0 the page.
+  const struct {
+    const char* what;
+    char next;
+    bool stops;
+  } cases[] = {{"the second word", 8, true},   {"a sign", 2, true},
+               {"the last sign", 3, true},     {"another word", 9, false},
+               {"no sign any more", 4, false}, {"the end of a stretch", 1, false},
+               {"the first again", 7, false}};
+  for (const auto& c : cases) {
+    for (int32_t size = 2; size <= 5; ++size) {
+      for (size_t place = 0; place < 70; ++place) {
+        std::string file;
+        for (size_t i = 0; i < 100; ++i) {
+          std::string token(static_cast<size_t>(size), '\0');
+          token.front() = i == place ? '\x07' : i == place + 1 ? c.next : i == 80 ? '\0' : '\x09';
+          file += token;
+        }
+        PageTextReader reader;
+        reader.file = file;
+        reader.tokenSize = size;
+        SeekPageText(reader, 0);
+        SkipToPair(reader, 7, 8, 3);
+        EXPECT_EQ(reader.position, (c.stops ? place : 80) * static_cast<size_t>(size)) << c.what;
+      }
+    }
+  }
+}
+
 TEST(PageText, TrailingBytesAreNoToken) {
   // 43 tokens of 3 bytes pass the 128 bytes read at a time; two bytes are left over.
   std::string file;
