@@ -345,12 +345,12 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   uint64_t bytes = WriteWords(run, pages, facts);
   SettlePages(run, pages);
   bytes += WriteHelp(run, pages, facts);
-  const LookupSizes lookup = WriteLookup(folder.fresh());
-  facts.lookupGeneration = lookup.generation;
-  bytes += lookup.fileBytes;
   const PageTableWriter::Sizes table = pages.table.Finish();
   facts.pageInfoBytes = table.infoBytes;
   bytes += table.infoBytes + table.dataBytes;
+  const LookupSizes lookup = WriteLookup(folder.fresh());
+  facts.lookupGeneration = lookup.generation;
+  bytes += lookup.fileBytes;
   bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,
                          language.strings);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);

@@ -4,6 +4,7 @@
 
 #include <thread>
 
+#include "index/lookup_file.h"
 #include "indexer/report/index_error.h"
 #include "support/indexer_site.h"
 #include "support/largest_allocation.h"
@@ -28,6 +29,26 @@ std::string DictionaryWords(const TestSite& site) {
   for (int64_t i = 0; i <= Setting(site, "DictReservedLimit"); ++i)
     at = dictionary.find('\n', at) + 1;
   return dictionary.substr(at);
+}
+
+// The lookup file is made from the files as they are in the end, and so every one of them is used.
+TEST(BuildIndex, TheLookupFileBelongsToAllFiles) {
+  const TestSite site;
+  for (int i = 0; i < 3000; ++i) {
+    site.Add("p" + std::to_string(i) + ".html", "<title>Cat " + std::to_string(i) + "</title>dog");
+  }
+  site.Build();
+  LookupFile lookup;
+  const std::string bytes = site.Read("vela_lookup.vdat");
+  lookup.Open(bytes, static_cast<int32_t>(Setting(site, "LookupGeneration")));
+  ASSERT_TRUE(lookup.isOpen());
+  const LookupHeader& header = lookup.header();
+  EXPECT_TRUE(IsFileOf(header.dictionary, site.Read("vela_dictionary.vdat")));
+  EXPECT_TRUE(IsFileOf(header.spelling, site.Read("vela_spelling.vdat")));
+  EXPECT_TRUE(IsFileOf(header.pageInfo, site.Read("vela_pageinfo.vdat")));
+  EXPECT_TRUE(IsFileOf(header.autocomplete, site.Read("vela_autocomplete.vdat")));
+  EXPECT_EQ(header.pages, 3000u);
+  EXPECT_EQ(header.pageInfoLength, 17u);
 }
 
 TEST(BuildIndex, WritesATinySite) {
