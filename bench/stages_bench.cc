@@ -120,6 +120,7 @@ int main(int argc, char** argv) {
                                          .pages = files.pages,
                                          .wordMap = files.wordMap.bytes(),
                                          .pageText = files.pageText.bytes(),
+                                         .lookup = files.lookup,
                                          .sort = request.sort,
                                          .stemmer = stemmer};
     const vela::RankInput rankInput = {.settings = *settings,

@@ -348,7 +348,8 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   const PageTableWriter::Sizes table = pages.table.Finish();
   facts.pageInfoBytes = table.infoBytes;
   bytes += table.infoBytes + table.dataBytes;
-  const LookupSizes lookup = WriteLookup(folder.fresh());
+  const LookupSizes lookup = WriteLookup(
+      folder.fresh(), {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit});
   facts.lookupGeneration = lookup.generation;
   bytes += lookup.fileBytes;
   bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,

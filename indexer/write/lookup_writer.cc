@@ -175,6 +175,50 @@ uint64_t LongestLine(std::string_view bytes) {
   return longest;
 }
 
+// Goes through a page text: calls `pair(first, second)` for two words beside each other, and
+// `end(next, words)` behind every text with the place of the next one and the number of its words.
+template <typename Pair, typename End>
+void ReadTexts(std::string_view bytes, const TextShape& shape, Pair pair, End end) {
+  const size_t wordBytes = shape.tokenBytes - kTokenVariantWidth;
+  uint32_t former = kPageEndWord;  // the word before in this stretch of text; none yet
+  uint64_t words = 0;
+  size_t at = 0;
+  for (; at + shape.tokenBytes <= bytes.size(); at += shape.tokenBytes) {
+    uint32_t word = 0;
+    memcpy(&word, bytes.data() + at, wordBytes);
+    if (EndsRun(word)) {
+      former = kPageEndWord;
+      if (word != kPageEndWord) continue;
+      end(at + shape.tokenBytes, words);
+      words = 0;
+    } else if (int64_t{word} > shape.lastSign) {
+      if (former != kPageEndWord) pair(former, word);
+      former = word;
+      ++words;
+    }
+  }
+  if (words > 0) end(at, words);
+}
+
+// The table of texts; empty when nothing is said about this page text.
+std::vector<LookupText> TextsOf(std::string_view bytes, const TextShape& shape) {
+  std::vector<LookupText> texts(1);
+  if (bytes.empty() || shape.tokenBytes <= kTokenVariantWidth ||
+      shape.tokenBytes > kTokenWidthLimit) {
+    return {};
+  }
+  uint64_t records = 0;
+  ReadTexts(
+      bytes, shape, [](uint32_t, uint32_t) {},
+      [&](uint64_t next, uint64_t words) {
+        const uint64_t pairs = LookupPairRecords(words);
+        texts.back().pairs = static_cast<uint32_t>(pairs);
+        records += pairs;
+        texts.push_back({next, static_cast<uint32_t>(records), 0});
+      });
+  return records > UINT32_MAX ? std::vector<LookupText>() : texts;
+}
+
 // Writes blocks with their checksums.
 class BlockWriter {
  public:
@@ -196,19 +240,56 @@ class BlockWriter {
     ++written_;
   }
 
+  // A record of a table that is written record by record.
+  template <typename Record>
+  void Add(const Record& record) {
+    memcpy(started_ + startedSize_, &record, sizeof record);
+    startedSize_ += sizeof record;
+    if (startedSize_ + sizeof record > kLookupBlockRoom) End();
+  }
+  // Ends such a table.
+  void End() {
+    if (startedSize_ > 0) WriteBlock(started_, startedSize_);
+    startedSize_ = 0;
+  }
+
  private:
   OutFile& file_;
   uint64_t written_ = 0;
+  char started_[kLookupBlockRoom] = {};
+  size_t startedSize_ = 0;
 };
+
+void WritePairs(BlockWriter& blocks, std::string_view pageText, const TextShape& shape,
+                const std::vector<LookupText>& texts) {
+  size_t page = 0;
+  std::vector<LookupPairs> pairs(texts.empty() ? 0 : texts[0].pairs);
+  if (texts.empty()) return;
+  ReadTexts(
+      pageText, shape,
+      [&](uint32_t first, uint32_t second) {
+        const LookupPairPlace place = LookupPairPlaceOf(first, second, texts[page].pairs);
+        pairs[place.record] |= place.bits;
+      },
+      [&](uint64_t, uint64_t) {
+        for (const LookupPairs& record : pairs) blocks.Add(record);
+        pairs.assign(texts[++page].pairs, 0);
+      });
+  blocks.End();
+}
 
 // Gives tables their places, one behind the other.
 class TablePlaces {
  public:
   template <typename Record>
   LookupTablePlace Next(const std::vector<Record>& records) {
+    return Next<Record>(records.size());
+  }
+  template <typename Record>
+  LookupTablePlace Next(uint64_t count) {
     constexpr size_t kPerBlock = kLookupRecordsPerBlock<Record>;
-    const LookupTablePlace place = {next_, records.size()};
-    next_ += (records.size() + kPerBlock - 1) / kPerBlock;
+    const LookupTablePlace place = {next_, count};
+    next_ += (count + kPerBlock - 1) / kPerBlock;
     return place;
   }
 
@@ -225,7 +306,7 @@ uint64_t GenerationOf(const LookupHeader& header) {
 
 }  // namespace
 
-LookupSizes WriteLookup(const std::filesystem::path& folder) {
+LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text) {
   IndexDirectory directory;
   OpenIndexDirectory(directory, folder.string());
   FileImage dictionary;
@@ -264,6 +345,15 @@ LookupSizes WriteLookup(const std::filesystem::path& folder) {
     header.longestSuggestion = LongestLine(autocomplete.bytes());
   }
 
+  FileImage pageText;
+  std::vector<LookupText> texts;
+  if (pageText.Open(directory, kPageTextFileName, false)) {
+    texts = TextsOf(pageText.bytes(), text);
+    header.pageText = FactsOf(pageText.bytes());
+    header.tokenSize = text.tokenBytes;
+    header.lastSign = static_cast<uint64_t>(text.lastSign);
+  }
+
   std::vector<LookupKey> wordGuide;
   constexpr size_t kStep = kLookupGuideStep * kLookupRecordsPerBlock<LookupSortedWord>;
   for (size_t i = 0; i < words.sorted.size(); i += kStep) wordGuide.push_back(words.sorted[i].key);
@@ -273,6 +363,8 @@ LookupSizes WriteLookup(const std::filesystem::path& folder) {
   header.sortedWords = places.Next(words.sorted);
   header.wordGuide = places.Next(wordGuide);
   header.spellingGuide = places.Next(guide.entries);
+  header.texts = places.Next(texts);
+  header.pairs = places.Next<LookupPairs>(texts.empty() ? 0 : texts.back().firstPairs);
   header.generation = GenerationOf(header);
 
   OutFile file(folder / kLookupFileName);
@@ -282,6 +374,8 @@ LookupSizes WriteLookup(const std::filesystem::path& folder) {
   blocks.Write(words.sorted);
   blocks.Write(wordGuide);
   blocks.Write(guide.entries);
+  blocks.Write(texts);
+  WritePairs(blocks, pageText.bytes(), text, texts);
   return {static_cast<int32_t>(header.generation), file.Finish()};
 }
 

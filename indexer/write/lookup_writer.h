@@ -11,11 +11,17 @@ struct LookupSizes {
   uint64_t fileBytes = 0;
 };
 
-// Reads the dictionary, the page information and, where there are any, the spelling and the
-// autocomplete file of the index in `folder`, which are complete, and writes the lookup file beside
-// them. Nothing is written about a file that is not in the form that the writers give it, nothing
-// at all for such a dictionary. It takes about 16 bytes of memory a word. The same files give the
-// same bytes and generation.
-LookupSizes WriteLookup(const std::filesystem::path& folder);
+// How the page text is to be read.
+struct TextShape {
+  size_t tokenBytes = 0;  // DictIDLen
+  int64_t lastSign = 0;   // DictReservedLimit
+};
+
+// Reads the dictionary, the page information, the page text and, where there are any, the spelling
+// and the autocomplete file of the index in `folder`, which are complete, and writes the lookup
+// file beside them. Nothing is written about a file that is not in the form that the writers give
+// it, nothing at all for such a dictionary. It takes about 16 bytes of memory a word. The same
+// files give the same bytes and generation.
+LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text);
 
 }  // namespace vela::indexer

@@ -47,6 +47,7 @@ struct LookupHeader {
   LookupFileFacts spelling;
   LookupFileFacts pageInfo;
   LookupFileFacts autocomplete;
+  LookupFileFacts pageText;
   uint64_t words = 0;              // base words of the dictionary
   uint64_t baseWordBytes = 0;      // what they take of OutputBasewordBufferSize
   uint64_t variantBytes = 0;       // what the variants take of OutputVariantBufferSize
@@ -54,10 +55,14 @@ struct LookupHeader {
   uint64_t pages = 0;              // records of the page info file in the small layout ...
   uint64_t pageInfoLength = 0;     // ... which all have this length in bytes; 0: they differ
   uint64_t longestSuggestion = 0;  // bytes of a line of the autocomplete file with its line feed
+  uint64_t tokenSize = 0;          // DictIDLen that the page text was read with ...
+  uint64_t lastSign = 0;           // ... and DictReservedLimit
   LookupTablePlace wordStarts;     // LookupWordStart, by word number
   LookupTablePlace sortedWords;    // LookupSortedWord, by folded text
   LookupTablePlace wordGuide;      // LookupKey of every kLookupGuideStep-th block of sortedWords
   LookupTablePlace spellingGuide;  // LookupSpelling of every kLookupSpellingStep-th entry
+  LookupTablePlace texts;          // LookupText, a page each, and one more for the end of the file
+  LookupTablePlace pairs;          // LookupPairs, page after page
 };
 static_assert(sizeof(LookupHeader) <= kLookupBlockRoom);
 
@@ -90,6 +95,35 @@ static_assert(sizeof(LookupSpelling) == 16);
 inline constexpr size_t kLookupSpellingStep = 32;
 // The longest line of a spelling file, its line feed included, that the guide is made for.
 inline constexpr size_t kLookupSpellingLine = 64;
+
+// The text of a page in the page text file, by page number.
+struct LookupText {
+  uint64_t start = 0;       // of its first token
+  uint32_t firstPairs = 0;  // its records in the table of pairs ...
+  uint32_t pairs = 0;       // ... and how many they are
+};
+static_assert(sizeof(LookupText) == 16);
+
+// Which words stand beside each other in a text, signs between them passed over: for each such pair
+// bits are set in one of the records of the page, other pairs may share them. What has no bits set
+// is not there.
+using LookupPairs = uint64_t;
+// How many records a text of so many words has.
+constexpr uint64_t LookupPairRecords(uint64_t words) {
+  constexpr uint64_t kBitsPerWord = 6;
+  return words * kBitsPerWord / 64 + 1;
+}
+struct LookupPairPlace {
+  uint32_t record;  // of those of the page
+  LookupPairs bits;
+};
+constexpr LookupPairPlace LookupPairPlaceOf(uint32_t first, uint32_t second, uint32_t records) {
+  uint64_t mixed = (uint64_t{first} << 32 | second) * 0x9E37'79B9'7F4A'7C15U;
+  mixed = (mixed ^ mixed >> 32) * 0xD6E8'FEB8'6659'FD93U;
+  mixed ^= mixed >> 32;
+  return {static_cast<uint32_t>((mixed >> 32) * records >> 32),
+          uint64_t{1} << (mixed % 64) | uint64_t{1} << (mixed / 64 % 64)};
+}
 
 template <typename Record>
 inline constexpr size_t kLookupRecordsPerBlock = kLookupBlockRoom / sizeof(Record);

@@ -41,7 +41,9 @@ bool LookupFile::HoldsTables() const {
   return HoldsTable<LookupWordStart>(header_.wordStarts, blocks) &&
          HoldsTable<LookupSortedWord>(header_.sortedWords, blocks) &&
          HoldsTable<LookupKey>(header_.wordGuide, blocks) &&
-         HoldsTable<LookupSpelling>(header_.spellingGuide, blocks);
+         HoldsTable<LookupSpelling>(header_.spellingGuide, blocks) &&
+         HoldsTable<LookupText>(header_.texts, blocks) &&
+         HoldsTable<LookupPairs>(header_.pairs, blocks);
 }
 
 void LookupFile::Close() {

@@ -95,6 +95,7 @@ int LookUpTerms(SearchContext& ctx, SearchState& state) {
                                  .pages = ctx.index.pages,
                                  .wordMap = ctx.index.wordMap.bytes(),
                                  .pageText = ctx.index.pageText.bytes(),
+                                 .lookup = ctx.index.lookup,
                                  .sort = ctx.search.sort,
                                  .stemmer = ctx.stemmer};
   const TermResult result = SearchTerms(state.terms, input, state.matches);

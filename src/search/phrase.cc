@@ -62,6 +62,20 @@ int64_t ReachOf(int64_t word, const Settings& settings) {
   return word + kUsualReach;
 }
 
+// Whether each two words of the phrase may stand beside each other in the text of the page, in
+// which reading begins at `from`.
+bool MayHoldPairs(const Phrase& phrase, const WordMapRecord& candidate, uint64_t from,
+                  const TextPairs& pairs) {
+  for (size_t k = 1; k < phrase.words.size(); ++k) {
+    if (!pairs.MayHold(candidate.page, candidate.position, from,
+                       static_cast<uint32_t>(phrase.words[k - 1].number),
+                       static_cast<uint32_t>(phrase.words[k].number))) {
+      return false;
+    }
+  }
+  return true;
+}
+
 // Passes over tokens that do not begin the phrase: nothing but its first word and the end of the
 // page has a consequence there, and, unless the first word is counted, only where the second may
 // follow.
@@ -136,8 +150,8 @@ TermResult PreparePhrase(Phrase& phrase, std::string_view words, const Dictionar
 }
 
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
-                              const Settings& settings, PageTextReader& text, PhraseBudget& budget,
-                              WordMapRecord& found) {
+                              const Settings& settings, const TextPairs& pairs,
+                              PageTextReader& text, PhraseBudget& budget, WordMapRecord& found) {
   const auto count = static_cast<int64_t>(phrase.words.size());
   const int64_t tokenSize = settings.DictIDLen;
   const auto position = static_cast<int64_t>(candidate.position);
@@ -168,6 +182,9 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
     return CandidateResult::kStop;
   }
   const int64_t from = std::max(position, furthest - tokenSize * ReachOf(furthestWord, settings));
+  if (!MayHoldPairs(phrase, candidate, static_cast<uint64_t>(from), pairs)) {
+    return CandidateResult::kRejected;
+  }
   SeekPageText(text, static_cast<uint64_t>(from));
   uint64_t start = 0;
   if (!VerifyPhrase(phrase, candidate.score, settings, text, start)) {

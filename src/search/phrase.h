@@ -8,6 +8,7 @@
 
 #include "index/dictionary.h"
 #include "index/page_text.h"
+#include "index/text_pairs.h"
 #include "index/word_map.h"
 #include "search/lookup.h"
 #include "settings/settings.h"
@@ -41,10 +42,11 @@ struct PhraseBudget {
 
 enum class CandidateResult { kRejected, kFound, kStop };
 
-// Tests one record of the first word. kFound: `found` is the record to add, with the score of all
+// Tests one record of the first word; a page on which `pairs` knows two of the words not to stand
+// beside each other is not read. kFound: `found` is the record to add, with the score of all
 // words and the position where the phrase begins. kStop: a limit was reached and the term ends.
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
-                              const Settings& settings, PageTextReader& text, PhraseBudget& budget,
-                              WordMapRecord& found);
+                              const Settings& settings, const TextPairs& pairs,
+                              PageTextReader& text, PhraseBudget& budget, WordMapRecord& found);
 
 }  // namespace vela

@@ -45,13 +45,14 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   if (input.dictionary.EntryAt(first.number).offset == kNoWordList) return {};
   if (!TakeFromBudget(search.matchBudget, 1, place.isExclusion, matches.limitReached)) return {};
   term.records += first.list.size();
+  const TextPairs pairs(input.lookup, input.pageText, settings);
   PageTextReader text;
   text.file = input.pageText;
   text.tokenSize = settings.DictIDLen;
   for (int32_t i = 0; i < first.list.size(); ++i) {
     WordMapRecord found;
-    switch (TestCandidate(phrase, RecordAt(first.list, i), settings, text, search.phraseBudget,
-                          found)) {
+    switch (TestCandidate(phrase, RecordAt(first.list, i), settings, pairs, text,
+                          search.phraseBudget, found)) {
       case CandidateResult::kRejected:
         break;
       case CandidateResult::kStop:

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "index/dictionary.h"
+#include "index/lookup_file.h"
 #include "index/page_info.h"
 #include "search/lookup.h"
 #include "search/matches.h"
@@ -36,6 +37,7 @@ struct TermSearchInput {
   const PageTable& pages;
   std::string_view wordMap;
   std::string_view pageText;
+  const LookupFile& lookup;
   int32_t sort = 0;
   Stemmer& stemmer;
 };

@@ -126,7 +126,8 @@ void CheckPhrase(Phrase& phrase, const Settings& settings, PageTextReader& text,
     candidate.proximity = 1;
     candidate.position = position;
     WordMapRecord found;
-    const CandidateResult result = TestCandidate(phrase, candidate, settings, text, budget, found);
+    const CandidateResult result =
+        TestCandidate(phrase, candidate, settings, TextPairs(), text, budget, found);
     VELA_CHECK(result != CandidateResult::kStop);
     if (result != CandidateResult::kFound) continue;
     VELA_CHECK(found.position >= candidate.position);

@@ -47,7 +47,9 @@ TEST(BuildIndex, TheLookupFileBelongsToAllFiles) {
   EXPECT_TRUE(IsFileOf(header.spelling, site.Read("vela_spelling.vdat")));
   EXPECT_TRUE(IsFileOf(header.pageInfo, site.Read("vela_pageinfo.vdat")));
   EXPECT_TRUE(IsFileOf(header.autocomplete, site.Read("vela_autocomplete.vdat")));
+  EXPECT_TRUE(IsFileOf(header.pageText, site.Read("vela_pagetext.vdat")));
   EXPECT_EQ(header.pages, 3000u);
+  EXPECT_EQ(header.texts.count, 3001u);
   EXPECT_EQ(header.pageInfoLength, 17u);
 }
 

@@ -63,8 +63,8 @@ struct Verification {
     budget = {5, 0, 100, [] { return g_now; }};
   }
   CandidateResult Test(int32_t record = 0) {
-    return TestCandidate(phrase, RecordAt(phrase.words[0].list, record), site.settings, text,
-                         budget, found);
+    return TestCandidate(phrase, RecordAt(phrase.words[0].list, record), site.settings, TextPairs(),
+                         text, budget, found);
   }
 };
 

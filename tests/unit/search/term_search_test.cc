@@ -66,6 +66,7 @@ struct Terms {
             .pages = site.files.pages,
             .wordMap = site.files.wordMap.bytes(),
             .pageText = site.files.pageText.bytes(),
+            .lookup = site.files.lookup,
             .sort = 0,
             .stemmer = stemmer};
   }

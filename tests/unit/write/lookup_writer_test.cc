@@ -14,6 +14,7 @@
 #include "index/autocomplete.h"
 #include "index/dictionary.h"
 #include "index/spelling.h"
+#include "index/text_pairs.h"
 #include "support/loaded_site.h"
 #include "support/recipe.h"
 #include "text/wildcard.h"
@@ -24,6 +25,8 @@ namespace {
 using support::kNoLookup;
 using support::OpenDirectory;
 using support::ReadWholeFile;
+
+constexpr TextShape kNoText = {.tokenBytes = 4, .lastSign = 3};
 
 // Words that share their first letters with many others, differ in case alone, or do not at all.
 std::string ManyWords() {
@@ -70,7 +73,7 @@ struct TwoDictionaries {
 
   explicit TwoDictionaries(const std::string& words) {
     site.Write(kDictionaryFileName, words);
-    settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+    settings.LookupGeneration = WriteLookup(site.scratch.path(), kNoText).generation;
     Load();
   }
   void Load() {
@@ -205,7 +208,8 @@ TEST(Lookup, IsUsedWithItsOwnFilesOnly) {
     OpenDirectory site;
     site.Write(kDictionaryFileName, words);
     Settings settings = SettingsOf();
-    settings.LookupGeneration = WriteLookup(site.scratch.path()).generation + c.otherGeneration;
+    settings.LookupGeneration =
+        WriteLookup(site.scratch.path(), kNoText).generation + c.otherGeneration;
     settings.OutputBasewordBufferSize = c.baseBytes;
     settings.OutputVariantBufferSize = c.variantBytes;
     settings.NumKeywords = c.numKeywords;
@@ -243,7 +247,7 @@ TEST(Lookup, SettingsThatDoNotFitAreRefusedAsByAPass) {
     OpenDirectory site;
     site.Write(kDictionaryFileName, words);
     Settings settings = SettingsOf();
-    settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+    settings.LookupGeneration = WriteLookup(site.scratch.path(), kNoText).generation;
     settings.*c.field = c.value;
     LookupFile lookup;
     lookup.Open(site.directory, settings);
@@ -261,7 +265,7 @@ TEST(Lookup, NothingIsWrittenForADictionaryOfAnotherForm) {
     SCOPED_TRACE(words);
     OpenDirectory site;
     site.Write(kDictionaryFileName, words);
-    EXPECT_EQ(WriteLookup(site.scratch.path()).generation, 0);
+    EXPECT_EQ(WriteLookup(site.scratch.path(), kNoText).generation, 0);
     EXPECT_FALSE(std::filesystem::exists(site.scratch.path() / kLookupFileName));
   }
 }
@@ -274,7 +278,7 @@ TEST(Lookup, SuggestionsThatBeginWithNoneOfTheWordsArePassedOver) {
   file += "apple tart\nlast";
   site.Write(kAutoCompleteFileName, file);
   Settings settings = SettingsOf();
-  settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+  settings.LookupGeneration = WriteLookup(site.scratch.path(), kNoText).generation;
   LookupFile lookup;
   lookup.Open(site.directory, settings);
   const struct {
@@ -313,7 +317,7 @@ TEST(Lookup, SuggestionsInPiecesAreAllLookedAt) {
   site.Write(kAutoCompleteFileName, "banana apple\n");
   Settings settings = SettingsOf();
   settings.MaxKeyWordLineLen = 8;  // "banana " and "apple"
-  settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+  settings.LookupGeneration = WriteLookup(site.scratch.path(), kNoText).generation;
   LookupFile lookup;
   lookup.Open(site.directory, settings);
   const std::vector<std::string_view> words = {"app"};
@@ -324,6 +328,73 @@ TEST(Lookup, SuggestionsInPiecesAreAllLookedAt) {
   ASSERT_TRUE(reader.Next(text));
   ASSERT_TRUE(reader.Next(text));
   EXPECT_EQ(text, "apple");
+}
+
+// Words of the page text by their numbers: 1 ends a stretch, 0 a page; 2 and 3 are signs.
+std::string TokensOf(const std::vector<std::vector<uint32_t>>& pages) {
+  std::string tokens;
+  for (const std::vector<uint32_t>& page : pages) {
+    for (const uint32_t word : page) tokens += support::LittleEndian(word, 3) + '\x07';
+    tokens += support::LittleEndian(0, 4);
+  }
+  return tokens;
+}
+
+TEST(Lookup, WordsBesideEachOtherAreKnown) {
+  std::vector<uint32_t> many;
+  for (uint32_t i = 0; i < 5000; ++i) many.push_back(10 + i * i % 4999);
+  const std::string text =
+      TokensOf({{10, 11, 2, 12, 3, 2, 13, 1, 14, 10}, {}, {4, 5, 6, 4}, many, {7, 8}});
+  OpenDirectory site;
+  site.Write(kDictionaryFileName, "run 40 0\n");
+  site.Write(kPageTextFileName, text);
+  Settings settings = SettingsOf();
+  settings.DictIDLen = 4;
+  settings.DictReservedLimit = 3;
+  settings.LookupGeneration =
+      WriteLookup(site.scratch.path(), {.tokenBytes = 4, .lastSign = 3}).generation;
+  LookupFile lookup;
+  lookup.Open(site.directory, settings);
+  const TextPairs pairs(lookup, text, settings);
+  const struct {
+    const char* what;
+    uint32_t page;
+    uint64_t position;
+    uint32_t first;
+    uint32_t second;
+    bool mayHold;
+  } cases[] = {
+      {"side by side", 0, 0, 10, 11, true},
+      {"with a sign between", 0, 0, 11, 12, true},
+      {"with two signs between", 0, 0, 12, 13, true},
+      {"not the other way round", 0, 0, 11, 10, false},
+      {"not with a word between", 0, 0, 10, 12, false},
+      {"not across the end of a stretch", 0, 0, 13, 14, false},
+      {"the last two of a page", 0, 0, 14, 10, true},
+      {"not on another page", 2, 48, 10, 11, false},
+      {"on the third", 2, 48, 5, 6, true},
+      {"the last page", 4, 48 + 20 + 20004, 7, 8, true},
+      {"the last page, not there", 4, 48 + 20 + 20004, 8, 7, false},
+      {"a place of another page tells nothing", 0, 48, 11, 10, true},
+      {"a page that is not there tells nothing", 5, 0, 11, 10, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(pairs.MayHold(c.page, c.position, c.position, c.first, c.second), c.mayHold);
+  }
+  EXPECT_TRUE(pairs.MayHold(0, 0, 48, 11, 10)) << "the other place is one of another page";
+  size_t wrong = 0;
+  for (size_t i = 0; i + 1 < many.size(); ++i) {
+    ASSERT_TRUE(pairs.MayHold(3, 68, 68, many[i], many[i + 1]));
+    if (pairs.MayHold(3, 68, 68, many[i], 9000 + static_cast<uint32_t>(i))) ++wrong;
+  }
+  EXPECT_LT(wrong, many.size() / 5);  // one in nine is to be expected
+  settings.DictReservedLimit = 2;
+  EXPECT_TRUE(TextPairs(lookup, text, settings).MayHold(0, 0, 0, 11, 10)) << "other signs";
+  settings.DictReservedLimit = 3;
+  std::string other = text;
+  other[5] ^= 1;
+  EXPECT_TRUE(TextPairs(lookup, other, settings).MayHold(0, 0, 0, 11, 10)) << "another text";
 }
 
 TEST(Lookup, SpellingEntriesFromAKeyOn) {
@@ -340,7 +411,7 @@ TEST(Lookup, SpellingEntriesFromAKeyOn) {
   site.Write(kDictionaryFileName, "run 40 0\n");
   site.Write(kSpellingFileName, spelling);
   Settings settings = SettingsOf();
-  settings.LookupGeneration = WriteLookup(site.scratch.path()).generation;
+  settings.LookupGeneration = WriteLookup(site.scratch.path(), kNoText).generation;
   LookupFile lookup;
   lookup.Open(site.directory, settings);
   SpellingTable table;
