@@ -1,6 +1,6 @@
 // lookup_fuzz.cc: the readers of the lookup file. Input: the file, beside the dictionary, the
-// spelling and the autocomplete file below; its checksums, and what says that it belongs to them,
-// are put right, so that what is read behind them is tried, too.
+// spelling, the autocomplete and the page text file below; its checksums, and what says that it
+// belongs to them, are put right, so that what is read behind them is tried, too.
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -11,6 +11,7 @@
 #include "index/dictionary.h"
 #include "index/lookup_file.h"
 #include "index/spelling.h"
+#include "index/text_pairs.h"
 #include "program/fuzz/check.h"
 #include "support/scratch_directory.h"
 
@@ -21,6 +22,8 @@ constexpr std::string_view kWords =
     "walk 10 2\nWalk\nwalked\nconfiguration 20 0\nconfigure 30 1\nreconfigure\nrun -1 0\nx 40 0\n";
 constexpr std::string_view kSpellings = "KNFK 2 1\nRN 3\nWLK 0\n";
 constexpr std::string_view kSuggestions = "walk\nWalking tour\nrun\nconfigure\n";
+
+constexpr std::string_view kPageText("\x04\0\x05\0\x02\0\x06\0\0\0\x05\0\x04\0\0\0", 16);
 
 LookupFileFacts FactsOf(std::string_view bytes) { return {bytes.size(), FileSample(bytes)}; }
 
@@ -36,6 +39,9 @@ std::string SoundFile(std::string_view input) {
   header.dictionary = FactsOf(kWords);
   header.spelling = FactsOf(kSpellings);
   header.autocomplete = FactsOf(kSuggestions);
+  header.pageText = FactsOf(kPageText);
+  header.tokenSize = 2;
+  header.lastSign = 3;
   header.wordStarts.count = header.words;
   memcpy(bytes.data(), &header, sizeof header);
   for (size_t block = 0; block < bytes.size() / kLookupBlockSize; ++block) {
@@ -90,6 +96,16 @@ void CheckSuggestions(const LookupFile& lookup, const IndexDirectory& directory,
   for (size_t i = 0; reader.Next(text); ++i) VELA_CHECK(i < kSuggestions.size());
 }
 
+void CheckPairs(const LookupFile& lookup, const Settings& settings) {
+  const TextPairs pairs(lookup, kPageText, settings);
+  for (const uint32_t page : {0U, 1U, 2U, UINT32_MAX}) {
+    for (uint64_t position = 0; position < kPageText.size(); position += 5) {
+      const bool mayHold = pairs.MayHold(page, position, position, 4, page + 5);
+      VELA_CHECK(mayHold == pairs.MayHold(page, position, position, 4, page + 5));
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vela::fuzz
 
@@ -111,11 +127,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   settings->OutputVariantBufferSize = 10000;
   settings->NumSpellings = 100;
   settings->MaxKeyWordLineLen = 256;
+  settings->DictIDLen = 2;
+  settings->DictReservedLimit = 3;
   const std::string file = SoundFile(Text(data, size));
   LookupFile lookup;
   lookup.Open(file, 1);
   CheckDictionary(lookup, *settings);
   CheckSpelling(lookup, directory, *settings);
   CheckSuggestions(lookup, directory, *settings);
+  CheckPairs(lookup, *settings);
   return 0;
 }
