@@ -49,12 +49,6 @@ bool EqualFolded(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, {}, ToLowerAscii, ToLowerAscii);
 }
 
-LookupKey FoldedKeyOf(std::string_view text) {
-  std::string folded(text.substr(0, sizeof(LookupKey)));
-  std::ranges::transform(folded, folded.begin(), ToLowerAscii);
-  return LookupKeyOf(folded);
-}
-
 LookupFileFacts FactsOf(std::string_view bytes) { return {bytes.size(), FileSample(bytes)}; }
 
 struct WordTables {
@@ -70,7 +64,7 @@ bool ReadWords(std::string_view bytes, WordTables& tables) {
   std::string_view rest = bytes;
   std::string_view line;
   const auto add = [&](std::string_view text, size_t word) {
-    tables.sorted.push_back({FoldedKeyOf(text), static_cast<uint32_t>(word),
+    tables.sorted.push_back({FoldedLookupKeyOf(text), static_cast<uint32_t>(word),
                              static_cast<uint32_t>(text.data() - bytes.data())});
   };
   while (TakeLine(rest, line)) {

@@ -16,8 +16,7 @@ static_assert(std::endian::native == std::endian::little, "numbers are loaded as
 // eight bytes at a multiple of eight changes it.
 inline uint64_t Checksum(std::string_view bytes, uint64_t seed) {
   constexpr uint64_t kOdd = 0x9E3779B97F4A7C15U;
-  constexpr size_t kLanes =
-      4;  // side by side, so that one multiplication need not wait for another
+  constexpr size_t kLanes = 4;  // side by side: no multiplication waits for the one before
   uint64_t lanes[kLanes] = {seed ^ bytes.size(), seed + kOdd, ~seed, kOdd - seed};
   const auto take = [](uint64_t& lane, uint64_t word) {
     lane = (lane ^ word) * kOdd;

@@ -12,11 +12,13 @@
 // in blocks of its own, as many whole records in each as it holds.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "format/checksum.h"
+#include "text/ascii.h"
 
 namespace vela {
 
@@ -134,6 +136,14 @@ constexpr LookupKey LookupKeyOf(std::string_view text) {
     key = key << 8 | (i < text.size() ? static_cast<unsigned char>(text[i]) : 0U);
   }
   return key;
+}
+
+// The key of the text with ASCII letters in lower case.
+constexpr LookupKey FoldedLookupKeyOf(std::string_view text) {
+  char folded[sizeof(LookupKey)] = {};
+  const size_t length = std::min(text.size(), sizeof folded);
+  for (size_t i = 0; i < length; ++i) folded[i] = ToLowerAscii(text[i]);
+  return LookupKeyOf({folded, length});
 }
 
 // What tells one file from another of its size: the checksum of the whole of a small one, of pieces

@@ -22,13 +22,6 @@ int CompareFolded(std::string_view a, std::string_view b) {
   return a.size() < b.size() ? -1 : 1;
 }
 
-LookupKey FoldedKeyOf(std::string_view text) {
-  char folded[sizeof(LookupKey)];
-  const size_t length = std::min(text.size(), sizeof folded);
-  std::transform(text.begin(), text.begin() + static_cast<ptrdiff_t>(length), folded, ToLowerAscii);
-  return LookupKeyOf({folded, length});
-}
-
 // A text of the sorted table; empty when its position lies beyond the dictionary.
 std::string_view TextOf(const SortedWords& words, const LookupSortedWord& sorted) {
   if (sorted.start >= words.dictionary.size()) return {};
@@ -105,7 +98,7 @@ int32_t NextInSet(const WordSet& words, int32_t from, int32_t end) {
 
 bool FindEqualWord(const SortedWords& words, std::string_view word, int32_t from, int32_t& number) {
   const LookupHeader& header = words.lookup.header();
-  const LookupKey key = FoldedKeyOf(word);
+  const LookupKey key = FoldedLookupKeyOf(word);
   size_t index = 0;
   number = -1;
   if (!LowerBound(words, key, word, index)) return false;
@@ -127,7 +120,7 @@ bool FindEqualWord(const SortedWords& words, std::string_view word, int32_t from
 
 bool CollectByBeginning(const SortedWords& words, std::string_view beginning, WordSet& found) {
   const LookupHeader& header = words.lookup.header();
-  const LookupKey key = FoldedKeyOf(beginning);
+  const LookupKey key = FoldedLookupKeyOf(beginning);
   size_t index = 0;
   if (!LowerBound(words, key, beginning, index) ||
       !found.bits.TryAllocate(static_cast<size_t>(words.count) / 64 + 1)) {
