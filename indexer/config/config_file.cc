@@ -27,10 +27,12 @@ constexpr char kExampleName[] = "vela_index.example.toml";
 
 void ReadSettingsTable(const toml::table* settings, const std::string& file, SiteConfig& config) {
   ConfigTable table(settings, file, "[settings]");
-  for (const NumberKey& key : NumberKeys()) {
-    int64_t value = 0;
-    if (!table.Number(key.key, key.least, key.most, value)) continue;
-    config.settings[std::string(key.key)] = {.number = static_cast<int32_t>(value)};
+  for (const std::span<const NumberKey> keys : {NumberKeys(), ExtensionKeys()}) {
+    for (const NumberKey& key : keys) {
+      int64_t value = 0;
+      if (!table.Number(key.key, key.least, key.most, value)) continue;
+      config.settings[std::string(key.key)] = {.number = static_cast<int32_t>(value)};
+    }
   }
   for (const TextKey& key : TextKeys()) {
     std::string value;

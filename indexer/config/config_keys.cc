@@ -253,6 +253,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "stop_when_fewer", &ReadStopWhenFewer},
     {"index", "images", Flag{&SiteConfig::images}},
 
+    {"search", "extensions", Flag{&SiteConfig::extensions}},
     {"search", "address", Text{kBaseAddressLimit, &SiteConfig::searchAddress}, &CheckSearchAddress},
     {"search", "name", Text{kNameLimit, &SiteConfig::searchName}},
     {"search", "description", Text{kNameLimit, &SiteConfig::searchDescription}},

@@ -70,6 +70,13 @@ constexpr NumberKey kNumberKeys[] = {
     {"WeightProximity", kProximityWeight, -100, 100},
 };
 
+constexpr NumberKey kExtensionKeys[] = {
+    {"CutSigns", 0, 0, 1}, {"PlainQueries", 0, 0, 1},     {"OfferWords", 0, 0, 1},
+    {"Ranking", 0, 0, 1},  {"SpellingDistance", 0, 0, 1}, {"ShowCorrected", 0, 0, 1},
+    {"Passages", 0, 0, 1}, {"SectionLinks", 0, 0, 1},     {"CompleteAnyWord", 0, 0, 1},
+    {"CutRuns", 0, 0, 1},  {"AmendedAnswers", 0, 0, 1},
+};
+
 // DatePickerPath stands before LinkBackURL: the search program forgets the latter when it reads the
 // former.
 constexpr TextKey kTextKeys[] = {
@@ -121,6 +128,8 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"DictReservedSuffixes", kFollows},
     {"DictReservedNoSpaces", kFollows},
     {"PhraseSigns", "what stands between two words is always one entry of the page text"},
+    {"StopWords", "it follows from the language of the pages"},
+    {"Synonyms", kFollows},
     {"NumKeywords", kFollows},
     {"NumPages", kFollows},
     {"NumVariants", kFollows},
@@ -141,20 +150,22 @@ constexpr size_t CountIn(const Key (&keys)[N], std::string_view key) {
 }
 
 // Whether every key that the search program reads is either the owner's or refused, once.
-template <typename Owners, size_t M, typename Settings, size_t N>
-constexpr bool AllStandOnce(const Owners (&owners)[M], const Settings (&settings)[N]) {
-  return std::ranges::all_of(settings, [&owners](const Settings& setting) {
-    return CountIn(owners, setting.key) + CountIn(kRefusedKeys, setting.key) == 1;
-  });
+template <typename Setting, size_t N, typename... Tables>
+constexpr bool AllStandOnce(const Setting (&settings)[N], const Tables&... tables) {
+  return std::ranges::all_of(
+      settings, [&](const Setting& setting) { return (CountIn(tables, setting.key) + ...) == 1; });
 }
 
 // GCC 12 takes none of this for a constant while it adds the checks of the sanitizers.
 #ifndef __SANITIZE_ADDRESS__
-static_assert(AllStandOnce(kNumberKeys, kNumberSettings));
-static_assert(AllStandOnce(kTextKeys, kTextSettings));
+static_assert(AllStandOnce(kNumberSettings, kNumberKeys, kExtensionKeys, kRefusedKeys));
+static_assert(AllStandOnce(kTextSettings, kTextKeys, kRefusedKeys));
 
 // Whether the search program reads every key of the tables.
 static_assert(std::ranges::all_of(kNumberKeys, [](const NumberKey& key) {
+  return FindNumberSetting(key.key) != nullptr;
+}));
+static_assert(std::ranges::all_of(kExtensionKeys, [](const NumberKey& key) {
   return FindNumberSetting(key.key) != nullptr;
 }));
 static_assert(std::ranges::all_of(kRefusedKeys, [](const RefusedKey& refused) {
@@ -166,6 +177,8 @@ static_assert(std::ranges::all_of(kRefusedKeys, [](const RefusedKey& refused) {
 }  // namespace
 
 std::span<const NumberKey> NumberKeys() { return kNumberKeys; }
+
+std::span<const NumberKey> ExtensionKeys() { return kExtensionKeys; }
 
 std::span<const TextKey> TextKeys() { return kTextKeys; }
 

@@ -28,6 +28,10 @@ struct TextKey {
 std::span<const NumberKey> NumberKeys();
 std::span<const TextKey> TextKeys();
 
+// The extensions that are switched by a number: what is written with `extensions` of [search]. One
+// of value 0 is not written.
+std::span<const NumberKey> ExtensionKeys();
+
 // Why the owner may not set `key`, for keys that follow from the index or have a table of their
 // own in the configuration; empty for every other key.
 std::string_view RefusedKeyReason(std::string_view key);

@@ -86,6 +86,7 @@ struct SiteConfig {
   bool suggestions = true;
   uint32_t mostSuggestions = 5000;
 
+  bool extensions = true;     // those of ExtensionKeys (setting_keys.h) are switched on
   std::string searchAddress;  // of the search on the web, absolute; empty: not known
   std::string searchName;
   std::string searchDescription;

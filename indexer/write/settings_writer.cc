@@ -89,6 +89,16 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
   }
 }
 
+// Those that are off are not written: without their key they are off.
+void AddExtensions(const SiteConfig& config, SettingsText& out) {
+  for (const NumberKey& key : ExtensionKeys()) {
+    const auto given = config.settings.find(key.key);
+    const int32_t standard = config.extensions ? key.value : 0;
+    const int32_t value = given == config.settings.end() ? standard : given->second.number;
+    if (value != 0) out.AddNumber(key.key, value);
+  }
+}
+
 void AddCharset(const IndexCharset& charset, SettingsText& out) {
   out.Add("UseUTF8", charset.utf8() ? 1 : 0);
   out.AddText("Charset", charset.name());
@@ -168,6 +178,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   out.Add("UseStemming", config.stemming < 0 ? 0 : 1);
   if (config.stemming >= 0) out.Add("StemmingAlgo", config.stemming);
   AddOwnersKeys(config, out);
+  AddExtensions(config, out);
   AddCategories(config.categories, out);
   AddFields(config.fields, out);
   out.Add("Spelling", facts.spellings == 0 ? 0 : 1);

@@ -98,6 +98,18 @@ inline constexpr NumberSetting kNumberSettings[] = {
     {"NumMetaFields", &Settings::NumMetaFields},
     {"MetaMoneyShowDec", &Settings::MetaMoneyShowDec},
     {"MapAccents", &Settings::MapAccents},
+    {"CutSigns", &Settings::CutSigns},
+    {"PlainQueries", &Settings::PlainQueries},
+    {"Synonyms", &Settings::Synonyms},
+    {"OfferWords", &Settings::OfferWords},
+    {"Ranking", &Settings::Ranking},
+    {"SpellingDistance", &Settings::SpellingDistance},
+    {"ShowCorrected", &Settings::ShowCorrected},
+    {"Passages", &Settings::Passages},
+    {"SectionLinks", &Settings::SectionLinks},
+    {"CompleteAnyWord", &Settings::CompleteAnyWord},
+    {"CutRuns", &Settings::CutRuns},
+    {"AmendedAnswers", &Settings::AmendedAnswers},
 };
 
 struct TextSetting {
@@ -128,6 +140,7 @@ inline constexpr TextSetting kTextSettings[] = {
     TextSettingOf<&Settings::XMLXSLTURL>("XMLXSLTURL", true),
     TextSettingOf<&Settings::XMLOpenSearchDescURL>("XMLOpenSearchDescURL", true),
     TextSettingOf<&Settings::MetaMoneyCurrency>("MetaMoneyCurrency"),
+    TextSettingOf<&Settings::StopWords>("StopWords"),
 };
 
 // The row of a key; null when no number or text has that key.

@@ -130,6 +130,21 @@ struct Settings {
   FixedText<64> MetaMoneyCurrency = {"&#36;"};
   int32_t MapAccents = 0;
 
+  // The extensions, each off while its key is 0 or empty (docs/settings.md).
+  int32_t CutSigns = 0;
+  int32_t PlainQueries = 0;
+  FixedText<2001> StopWords;  // blanks between them
+  int32_t Synonyms = 0;       // lines of the synonyms file
+  int32_t OfferWords = 0;
+  int32_t Ranking = 0;
+  int32_t SpellingDistance = 0;
+  int32_t ShowCorrected = 0;
+  int32_t Passages = 0;
+  int32_t SectionLinks = 0;
+  int32_t CompleteAnyWord = 0;
+  int32_t CutRuns = 0;
+  int32_t AmendedAnswers = 0;
+
   // Stands between LinkBackURL and the parameters of a link: "?" or "&amp;".
   FixedText<8> linkBackSeparator = {"?"};
 

@@ -70,6 +70,13 @@ images = false
   EXPECT_FALSE(options.config.images);
 }
 
+TEST(ConfigFile, ExtensionsAreOnUnlessSwitchedOff) {
+  EXPECT_TRUE(Read("").config.extensions);
+  const SiteConfig config = Read("[search]\nextensions = false\n[settings]\nRanking = 1\n").config;
+  EXPECT_FALSE(config.extensions);
+  EXPECT_EQ(config.settings.at("Ranking").number, 1);
+}
+
 TEST(ConfigFile, ReadsWhatTheSearchOffers) {
   const SiteConfig config = Read(R"([search]
 address = "https://x.example/search/search.cgi"
