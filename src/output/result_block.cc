@@ -16,7 +16,7 @@ BlockStatus WriteResultBlocks(Response& response, OutputSections& sections,
   const LinkAttribute configuredAttribute = ConfiguredLinkAttribute(blocks.settings);
   const PageTable& pages = blocks.files.pages;
   for (int64_t i = first; i < end; ++i) {
-    Result result = {.entry = results.entries[static_cast<size_t>(i)],
+    Result result = {.entry = ShownEntry(results.entries[static_cast<size_t>(i)], blocks.matches),
                      .index = static_cast<int32_t>(i),
                      .texts = {},
                      .target = {},

@@ -31,6 +31,7 @@ struct ResultBlocks {
   const IndexFiles& files;
   const Dictionary& dictionary;
   const HighlightTerms& highlight;
+  const Matches& matches;
   bool showsContext = false;  // the search was for words, and the settings want context
 };
 
@@ -38,7 +39,7 @@ enum class BlockStatus { kOk, kCorruptPageData, kInvalidCategory };
 
 // One result: where it stands and what the index says of its page.
 struct Result {
-  const ResultEntry& entry;
+  ResultEntry entry;
   int32_t index = 0;  // in the whole list, from 0
   PageTexts texts;
   LinkText target;             // where the links of the result lead

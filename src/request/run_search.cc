@@ -147,6 +147,7 @@ int Render(SearchContext& ctx, SearchState& state) {
       .files = ctx.index,
       .dictionary = ctx.dictionary,
       .highlight = state.highlight,
+      .matches = state.matches,
       .showsContext = ctx.settings.DisplayContext == 1 && !state.everyPage};
   switch (WriteResultBlocks(ctx.response, ctx.output, blocks, state.results)) {
     case BlockStatus::kOk:

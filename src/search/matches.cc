@@ -17,9 +17,8 @@ constexpr uint32_t kFullScoreLimit = 10000;
 constexpr int32_t kBytesPerPage = 40;
 constexpr int32_t kPageLimit = INT32_MAX / kBytesPerPage;
 
-// More terms than a query can hold.
-constexpr uint32_t kTermsLimit = 0xFFFF;
-static_assert(sizeof(QueryText) < kTermsLimit);
+// No query holds so many terms that their number in a record comes round to 0.
+static_assert(sizeof(QueryText) < UINT16_MAX);
 
 void TrackKeyRange(Matches& matches, const PageMatch& match, int32_t sort, int32_t date) {
   if (sort <= kSortByRelevance) {
@@ -31,11 +30,37 @@ void TrackKeyRange(Matches& matches, const PageMatch& match, int32_t sort, int32
   matches.minDate = matches.resultCount == 1 ? date : std::min(matches.minDate, date);
 }
 
-void AddPosition(FurtherPositions& further, uint64_t position) {
-  if (further.second == 0) {
-    further.second = position;
-  } else if (further.third == 0) {
-    further.third = position;
+bool HasBit(const OwnedArray<uint64_t>& bits, uint32_t page) {
+  return (bits[page / 64] >> (page % 64) & 1) != 0;
+}
+
+void SetBit(OwnedArray<uint64_t>& bits, uint32_t page) {
+  bits[page / 64] |= uint64_t{1} << (page % 64);
+}
+
+void Store(uint8_t (&bytes)[kWordMapPositionWidth], uint64_t position) {
+  for (uint8_t& byte : bytes) {
+    byte = static_cast<uint8_t>(position);
+    position >>= 8;
+  }
+}
+
+uint64_t Load(const uint8_t (&bytes)[kWordMapPositionWidth]) {
+  uint64_t position = 0;
+  for (size_t i = 0; i < sizeof bytes; ++i) position |= uint64_t{bytes[i]} << (8 * i);
+  return position;
+}
+
+void AddPosition(Matches& matches, uint32_t page, uint64_t position) {
+  FurtherPositions& further = matches.further[page];
+  if (!HasBit(matches.hasFurther, page)) {
+    SetBit(matches.hasFurther, page);
+    further = {};
+    Store(further.second, position);
+  } else if (Load(further.second) == 0) {
+    Store(further.second, position);
+  } else if (Load(further.third) == 0) {
+    Store(further.third, position);
   }
 }
 
@@ -45,7 +70,14 @@ bool AllocateMatches(Matches& matches, int32_t pageCount) {
   if (pageCount < 0 || pageCount > kPageLimit) return false;
   const auto pages = static_cast<size_t>(pageCount);
   return matches.pages.TryAllocate(pages) && matches.further.TryAllocate(pages) &&
-         matches.touched.TryAllocate((pages + 63) / 64);
+         matches.touched.TryAllocate((pages + 63) / 64) &&
+         matches.hasFurther.TryAllocate((pages + 63) / 64);
+}
+
+uint64_t FurtherPosition(const Matches& matches, uint32_t page, int32_t number) {
+  if (!HasBit(matches.hasFurther, page)) return 0;
+  const FurtherPositions& further = matches.further[page];
+  return Load(number == 0 ? further.second : further.third);
 }
 
 uint32_t BoostedScore(uint32_t score, uint8_t boost) {
@@ -60,8 +92,12 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
   const uint32_t score = BoostedScore(record.score, PageBoost(pages, record.page));
   if (score == 0) return true;
 
-  PageMatch& match = matches.pages[record.page];
-  matches.touched[record.page / 64] |= uint64_t{1} << (record.page % 64);
+  PageMatch match;
+  if (HasBit(matches.touched, record.page)) {
+    match = matches.pages[record.page];
+  } else {
+    SetBit(matches.touched, record.page);
+  }
   if (term.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
     // search/exclusion_counts_down_to_nothing).
@@ -72,13 +108,14 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
     const bool roomForContext =
         maxContextKeywords > 0 && match.termsMatched < static_cast<uint32_t>(maxContextKeywords);
     if (match.termsMatched != 0 && roomForContext) {
-      AddPosition(matches.further[record.page], record.position);
+      AddPosition(matches, record.page, record.position);
     }
     match.proximityMask &= record.proximity;
   } else {
     matches.resultCount = WrapAdd32(matches.resultCount, 1);
     match.score = score;
-    match.firstPosition = record.position & kPositionLimit;
+    match.firstPositionLow = static_cast<uint32_t>(record.position);
+    match.firstPositionHigh = static_cast<uint8_t>(record.position >> 32);
     match.proximityMask = record.proximity;
   }
   ++match.termsMatched;
@@ -88,7 +125,9 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
   const auto index = static_cast<uint32_t>(term.index);
   const auto inOrder = static_cast<uint32_t>(term.index - term.skipped - term.excluded);
   const uint32_t reached = match.termsInOrder;
-  if (reached == index || reached == inOrder) match.termsInOrder = (reached + 1) & kTermsLimit;
+  if (reached == index || reached == inOrder)
+    match.termsInOrder = static_cast<uint16_t>(reached + 1);
+  matches.pages[record.page] = match;
   return true;
 }
 

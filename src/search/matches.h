@@ -16,24 +16,31 @@ namespace vela {
 struct PageMatch {
   uint32_t score = 0;         // of the word-map records added, saturating softly above 10000
   uint32_t termsMatched = 0;  // records that touched the page, those of exclusions included
-  // In the page text file; where the snippets start. As wide as a position of the word map.
-  uint64_t firstPosition : 8 * kWordMapPositionWidth = 0;
-  uint64_t proximityMask : 8 = 0;  // AND of the proximity bytes of the records
-  uint64_t termsInOrder : 16 = 0;  // terms matched without a gap, in query order
+  // Where the snippets start in the page text file, as wide as a position of the word map.
+  uint32_t firstPositionLow = 0;
+  uint8_t firstPositionHigh = 0;
+  uint8_t proximityMask = 0;  // AND of the proximity bytes of the records
+  uint16_t termsInOrder = 0;  // terms matched without a gap, in query order
+
+  uint64_t firstPosition() const { return uint64_t{firstPositionHigh} << 32 | firstPositionLow; }
 };
 static_assert(sizeof(PageMatch) == 16);
+static_assert(kWordMapPositionWidth == 5);
 
 // Where the snippets go on; 0 for nowhere.
 struct FurtherPositions {
-  uint64_t second = 0;
-  uint64_t third = 0;
+  uint8_t second[kWordMapPositionWidth] = {};  // little-endian
+  uint8_t third[kWordMapPositionWidth] = {};
 };
+static_assert(sizeof(FurtherPositions) == 10);
 
-// All pages of the index and what is counted over them.
+// All pages of the index and what is counted over them. The memory of a page is not looked at
+// before its bit says that it was written: a first look costs as much as a first write.
 struct Matches {
   OwnedArray<PageMatch> pages;           // NumPages
   OwnedArray<FurtherPositions> further;  // NumPages
   OwnedArray<uint64_t> touched;          // one bit a page that a record touched
+  OwnedArray<uint64_t> hasFurther;       // one bit a page that has a further position
   int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
   int32_t fullMatchCount = 0;    // accepted pages that match every effective term
   uint32_t maxTermsMatched = 0;  // the ranges of the sort keys
@@ -59,6 +66,9 @@ struct TermPlace {
 // request and the settings. False when the record names a page that is not in the index.
 [[nodiscard]] bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& record,
                             const TermPlace& term, int32_t sort, int32_t maxContextKeywords);
+
+// The further position of the page, 0 or 1, where the snippets go on; 0 for nowhere.
+uint64_t FurtherPosition(const Matches& matches, uint32_t page, int32_t number);
 
 // A score times a page's boost, in tenths, rounded; a boost of 0 leaves it.
 uint32_t BoostedScore(uint32_t score, uint8_t boost);

@@ -19,6 +19,10 @@ int64_t KeyOf(const PageMatch& match, const PageTable& pages, uint32_t page, int
   return SortsByDate(sort) ? int64_t{PageDateTime(pages, page)} : int64_t{match.score};
 }
 
+int64_t LastBucket(const KeyHistogram& histogram) {
+  return static_cast<int64_t>(histogram.counts.size()) - 1;
+}
+
 // Calls `visit(page)` for every page that may be a result, in page order, until it gives false.
 template <typename Visit>
 void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
@@ -73,9 +77,12 @@ RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters, con
 }
 
 // The range of the keys, as the terms have met them.
-bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, int32_t sort) {
+bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, int32_t sort,
+                       bool everyPage) {
   if (SortsByDate(sort)) return StartHistogram(histogram, matches.minDate, matches.maxDate);
-  return StartHistogram(histogram, 0, int64_t{matches.maxTermsMatched} * matches.maxScore);
+  // Where every page is a candidate, its score was not seen by the terms.
+  return StartHistogram(histogram, 0, int64_t{matches.maxTermsMatched} * matches.maxScore,
+                        everyPage);
 }
 
 RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& input,
@@ -96,12 +103,8 @@ RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& 
       return true;
     }
     if (count == results.entries.size()) return true;
-    results.entries[count++] = {page,
-                                FinalScore(match, input.settings.WeightProximity),
-                                match.termsMatched,
-                                match.firstPosition,
-                                matches.further[page].second,
-                                matches.further[page].third};
+    results.entries[count++] = {page, FinalScore(match, input.settings.WeightProximity),
+                                match.termsMatched};
     return true;
   });
   // Every page of the buckets taken has been met: the list is full.
@@ -111,41 +114,48 @@ RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& 
 
 }  // namespace
 
+ResultEntry ShownEntry(const RankedPage& row, const Matches& matches) {
+  return {row, matches.pages[row.page].firstPosition(), FurtherPosition(matches, row.page, 0),
+          FurtherPosition(matches, row.page, 1)};
+}
+
 int32_t BucketOf(const KeyHistogram& histogram, int64_t key) {
   const int64_t distance = key - histogram.keyMin;
   if (distance <= 0) return 0;
   if (histogram.width == 1) {  // as it mostly is, and dividing takes its time
-    return static_cast<int32_t>(std::min<int64_t>(distance, kBucketCount - 1));
+    return static_cast<int32_t>(std::min(distance, LastBucket(histogram)));
   }
   const int64_t bucket = (distance + histogram.width - 1) / histogram.width;
-  return static_cast<int32_t>(std::min<int64_t>(bucket, kBucketCount - 1));
+  return static_cast<int32_t>(std::min(bucket, LastBucket(histogram)));
 }
 
-bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax) {
+bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax, bool hasKeysBeyond) {
   const int64_t range = keyMax - keyMin;
   histogram.keyMin = keyMin;
   histogram.width = range > kBucketCount - 1 ? (range + kBucketCount - 1) / kBucketCount : 1;
-  return histogram.counts.TryAllocate(kBucketCount);
+  const bool isNarrow = !hasKeysBeyond && 0 <= range && range < kBucketCount;
+  return histogram.counts.TryAllocate(isNarrow ? static_cast<size_t>(range) + 1 : kBucketCount);
 }
 
 void TakeBuckets(KeyHistogram& histogram, int32_t most, bool oldestFirst) {
   histogram.total = 0;
   const auto isFull = [&] { return int64_t{histogram.total} >= most; };
+  const auto buckets = static_cast<int32_t>(histogram.counts.size());
   if (oldestFirst) {
     int32_t next = 0;
-    for (; next < kBucketCount && !isFull(); ++next) {
+    for (; next < buckets && !isFull(); ++next) {
       histogram.total += histogram.counts[static_cast<size_t>(next)];
     }
     histogram.firstTaken = 0;
     histogram.lastTaken = next - 1;
     return;
   }
-  int32_t next = kBucketCount - 1;
+  int32_t next = buckets - 1;
   for (; next >= 0 && !isFull(); --next) {
     histogram.total += histogram.counts[static_cast<size_t>(next)];
   }
   histogram.firstTaken = next + 1;
-  histogram.lastTaken = kBucketCount - 1;
+  histogram.lastTaken = buckets - 1;
 }
 
 uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
@@ -176,7 +186,7 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
   if (matches.resultCount == 0 && !input.everyPage) {
     return ListResults(matches, filters, input, histogram, results);
   }
-  if (!StartHistogramFor(histogram, matches, sort)) return RankStatus::kNoMemory;
+  if (!StartHistogramFor(histogram, matches, sort, input.everyPage)) return RankStatus::kNoMemory;
   matches.resultCount = 0;
   RankStatus status = RankStatus::kOk;
   ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
@@ -202,19 +212,19 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
 
 void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime,
                  int64_t shown) {
-  const auto byScore = [](const ResultEntry& a, const ResultEntry& b) {
+  const auto byScore = [](const RankedPage& a, const RankedPage& b) {
     return a.score != b.score ? a.score > b.score : a.page < b.page;
   };
   const bool newestFirst = sort == kSortNewestFirst;
-  const auto byDate = [&](const ResultEntry& a, const ResultEntry& b) {
+  const auto byDate = [&](const RankedPage& a, const RankedPage& b) {
     const int32_t dateA = PageDateTime(pages, a.page);
     const int32_t dateB = PageDateTime(pages, b.page);
     if (dateA != dateB) return newestFirst ? dateA > dateB : dateA < dateB;
     return byScore(a, b);
   };
-  ResultEntry* const begin = results.entries.begin();
-  ResultEntry* const end = results.entries.end();
-  ResultEntry* const last = begin + std::clamp<int64_t>(shown, 0, end - begin);
+  RankedPage* const begin = results.entries.begin();
+  RankedPage* const end = results.entries.end();
+  RankedPage* const last = begin + std::clamp<int64_t>(shown, 0, end - begin);
   if (useDateTime && (newestFirst || sort == kSortOldestFirst)) {
     std::partial_sort(begin, last, end, byDate);
   } else {

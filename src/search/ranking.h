@@ -12,26 +12,33 @@
 
 namespace vela {
 
-// One row of the result list.
-struct ResultEntry {
+// One row of the result list. There are many more than are shown.
+struct RankedPage {
   uint32_t page = 0;
   uint32_t score = 0;  // final relevance, as shown
   uint32_t termsMatched = 0;
+};
+
+struct ResultList {
+  OwnedArray<RankedPage> entries;
+  int32_t size() const { return static_cast<int32_t>(entries.size()); }
+};
+
+// A row that is shown, with where its snippets begin and go on.
+struct ResultEntry : RankedPage {
   uint64_t firstPosition = 0;
   uint64_t secondPosition = 0;
   uint64_t thirdPosition = 0;
 };
 
-struct ResultList {
-  OwnedArray<ResultEntry> entries;
-  int32_t size() const { return static_cast<int32_t>(entries.size()); }
-};
+// The row with the positions of its page; without words searched for, all are 0.
+ResultEntry ShownEntry(const RankedPage& row, const Matches& matches);
 
 // Pages by their sort key, in buckets of equal width, so that the best can be taken without sorting
 // all of them. A bucket is taken whole or not at all.
 inline constexpr int32_t kBucketCount = 10000;
 struct KeyHistogram {
-  OwnedArray<uint32_t> counts;  // kBucketCount
+  OwnedArray<uint32_t> counts;  // kBucketCount, or as many as the keys need
   int64_t keyMin = 0;
   int64_t width = 1;
   int32_t firstTaken = 0;  // the range of buckets taken
@@ -43,8 +50,10 @@ struct KeyHistogram {
 // key below keyMin goes to bucket 0.
 int32_t BucketOf(const KeyHistogram& histogram, int64_t key);
 
-// Buckets from keyMin to keyMax. False when memory is out.
-[[nodiscard]] bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax);
+// Buckets from keyMin to keyMax; where no key is beyond keyMax, there are none for such. False when
+// memory is out.
+[[nodiscard]] bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax,
+                                  bool hasKeysBeyond = true);
 
 // Takes buckets, from the smallest key on with `oldestFirst` and from the largest otherwise, while
 // fewer than `most` pages are taken.

@@ -30,6 +30,7 @@ struct Blocks {
   HighlightTerms highlight;
   OutputSections sections;
   support::CapturedResponse captured;
+  Matches matches;
   ResultList results;
   BlockStatus status = BlockStatus::kOk;
 
@@ -38,6 +39,7 @@ struct Blocks {
     Set(query.text, "red \"oak\"");
     Set(links.query, "red+%22oak%22");
     EXPECT_TRUE(AllocateSections(sections, 10));
+    EXPECT_TRUE(AllocateMatches(matches, site.settings.NumPages));
     ListPages(site.settings.NumPages);
   }
   void ListPages(int32_t count) {
@@ -55,7 +57,8 @@ struct Blocks {
                                  .links = links,
                                  .files = site.files,
                                  .dictionary = site.dictionary,
-                                 .highlight = highlight};
+                                 .highlight = highlight,
+                                 .matches = matches};
     status = WriteResultBlocks(captured.response, sections, blocks, results);
     return captured.response.xml ? captured.Text() : std::string(sections.results.view());
   }

@@ -104,8 +104,8 @@ TEST(Matches, FirstRecordOfAPage) {
   EXPECT_EQ(gathering.matches.resultCount, 1);
   EXPECT_EQ(gathering[2].score, 77u);
   EXPECT_EQ(gathering[2].proximityMask, 0xA5);
-  EXPECT_EQ(gathering[2].firstPosition, 1099511627775u);
-  EXPECT_EQ(gathering.matches.further[2].second, 0u);
+  EXPECT_EQ(gathering[2].firstPosition(), 1099511627775u);
+  EXPECT_EQ(FurtherPosition(gathering.matches, 2, 0), 0u);
   EXPECT_EQ(gathering[2].termsMatched, 1u);
   EXPECT_EQ(gathering[2].termsInOrder, 1u);
   EXPECT_EQ(gathering[0].score, 0u);
@@ -152,9 +152,9 @@ TEST(Matches, PositionsTable) {
     Gathering gathering(PlainPages(1));
     gathering.maxContextKeywords = c.maxContextKeywords;
     for (uint64_t position : c.positions) ASSERT_TRUE(gathering.Add(0, 1, {}, 0, position));
-    EXPECT_EQ(gathering[0].firstPosition, c.first);
-    EXPECT_EQ(gathering.matches.further[0].second, c.second);
-    EXPECT_EQ(gathering.matches.further[0].third, c.third);
+    EXPECT_EQ(gathering[0].firstPosition(), c.first);
+    EXPECT_EQ(FurtherPosition(gathering.matches, 0, 0), c.second);
+    EXPECT_EQ(FurtherPosition(gathering.matches, 0, 1), c.third);
   }
 }
 
@@ -183,7 +183,7 @@ TEST(Matches, RecordBehindAnExclusionStartsThePageAgain) {
   ASSERT_TRUE(gathering.Add(0, 30, {2, 0, 1, false}, 0x80, 7));
   EXPECT_EQ(gathering[0].score, 30u);
   EXPECT_EQ(gathering[0].proximityMask, 0x80);
-  EXPECT_EQ(gathering[0].firstPosition, 7u);
+  EXPECT_EQ(gathering[0].firstPosition(), 7u);
   EXPECT_EQ(gathering[0].termsMatched, 3u);
   EXPECT_EQ(gathering.matches.resultCount, 1);
 }

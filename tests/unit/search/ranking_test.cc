@@ -113,8 +113,21 @@ TEST(Histogram, Buckets) {
     KeyHistogram histogram;
     histogram.keyMin = c.keyMin;
     histogram.width = c.width;
+    ASSERT_TRUE(histogram.counts.TryAllocate(kBucketCount));
     EXPECT_EQ(BucketOf(histogram, c.key), c.bucket);
   }
+}
+
+TEST(Histogram, NoMoreBucketsThanTheKeysNeed) {
+  KeyHistogram histogram;
+  ASSERT_TRUE(StartHistogram(histogram, 10, 15, false));
+  EXPECT_EQ(histogram.counts.size(), 6u);
+  EXPECT_EQ(BucketOf(histogram, 15), 5);
+  ASSERT_TRUE(StartHistogram(histogram, 10, 15));
+  EXPECT_EQ(BucketOf(histogram, 16), 6);
+  ASSERT_TRUE(StartHistogram(histogram, 0, kBucketCount + 5, false));
+  EXPECT_EQ(histogram.counts.size(), static_cast<size_t>(kBucketCount));
+  EXPECT_EQ(histogram.width, 2);
 }
 
 TEST(Histogram, TakingBuckets) {
@@ -204,7 +217,7 @@ struct Ranking {
   // The pages listed, in page order, which is how the list is built.
   Numbers Listed() const {
     Numbers pages;
-    for (const ResultEntry& entry : results.entries) pages.push_back(entry.page);
+    for (const RankedPage& entry : results.entries) pages.push_back(entry.page);
     return pages;
   }
 };
@@ -369,9 +382,10 @@ TEST(RankMatches, PositionsAreCopied) {
   }
   ASSERT_EQ(ranking.Rank(1), RankStatus::kOk);
   ASSERT_EQ(ranking.results.size(), 1);
-  EXPECT_EQ(ranking.results.entries[0].firstPosition, 11u);
-  EXPECT_EQ(ranking.results.entries[0].secondPosition, 22u);
-  EXPECT_EQ(ranking.results.entries[0].thirdPosition, 33u);
+  const ResultEntry entry = ShownEntry(ranking.results.entries[0], ranking.matches);
+  EXPECT_EQ(entry.firstPosition, 11u);
+  EXPECT_EQ(entry.secondPosition, 22u);
+  EXPECT_EQ(entry.thirdPosition, 33u);
 }
 
 TEST(RankMatches, FailedAllocations) {
@@ -424,7 +438,7 @@ TEST(SortResults, Table) {
     FillResults(list, c.scores);
     SortResults(list, site.files.pages, c.sort, c.useDateTime, INT32_MAX);
     Numbers order;
-    for (const ResultEntry& entry : list.entries) order.push_back(entry.page);
+    for (const RankedPage& entry : list.entries) order.push_back(entry.page);
     EXPECT_EQ(order, c.order);
   }
 }
@@ -436,7 +450,7 @@ TEST(SortResults, EqualEntriesComeInTheSameOrderEveryTime) {
     ResultList list;
     FillResults(list, std::vector<uint32_t>(300, 7));
     SortResults(list, site.files.pages, 0, true, INT32_MAX);
-    for (const ResultEntry& entry : list.entries) order.push_back(entry.page);
+    for (const RankedPage& entry : list.entries) order.push_back(entry.page);
   }
   EXPECT_EQ(orders[0], orders[1]);
   EXPECT_EQ(orders[0].size(), 300u);
@@ -451,7 +465,7 @@ TEST(SortResults, LongList) {
   SortResults(list, site.files.pages, 0, true, INT32_MAX);
   ASSERT_EQ(list.size(), 1000);
   for (size_t i = 0; i < list.entries.size(); ++i) {
-    const ResultEntry& entry = list.entries[i];
+    const RankedPage& entry = list.entries[i];
     EXPECT_EQ(entry.score, scores[entry.page]);
     if (i > 0) {
       EXPECT_GE(list.entries[i - 1].score, entry.score);
