@@ -150,7 +150,7 @@ constexpr LookupKey FoldedLookupKeyOf(std::string_view text) {
 // from the first to the last of a large one.
 inline uint64_t FileSample(std::string_view bytes) {
   constexpr size_t kWhole = size_t{64} << 10;
-  constexpr size_t kPieces = 8;
+  constexpr size_t kPieces = 4;
   constexpr size_t kPiece = 1024;
   if (bytes.size() <= kWhole) return Checksum(bytes, 0);
   uint64_t sum = bytes.size();

@@ -41,7 +41,8 @@ bool ReadWhole(int descriptor, size_t size, OwnedArray<char>& copy, size_t& fill
   filled = 0;
   if (!copy.TryAllocate(size)) return false;
   while (filled < size) {
-    const ssize_t got = read(descriptor, copy.data() + filled, size - filled);
+    const ssize_t got =
+        pread(descriptor, copy.data() + filled, size - filled, static_cast<off_t>(filled));
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) return false;
     if (got == 0) break;
@@ -51,6 +52,24 @@ bool ReadWhole(int descriptor, size_t size, OwnedArray<char>& copy, size_t& fill
 }
 
 }  // namespace
+
+bool FileImage::Take(int descriptor, size_t size, bool wholeSoon) {
+  // To map little and to let go of it costs more than to copy it.
+  constexpr size_t kLittle = size_t{32} << 10;
+  size_t filled = 0;
+  if (!wholeSoon || size > kLittle || !ReadWhole(descriptor, size, copy_, filled)) {
+    const int flags = MAP_PRIVATE | (wholeSoon ? MAP_POPULATE : 0);
+    void* start = mmap(nullptr, size, PROT_READ, flags, descriptor, 0);
+    if (start != MAP_FAILED) {
+      mapped_ = true;
+      bytes_ = {static_cast<const char*>(start), size};
+      return true;
+    }
+    if (!ReadWhole(descriptor, size, copy_, filled)) return false;
+  }
+  bytes_ = {copy_.data(), filled};
+  return true;
+}
 
 bool FileImage::Open(const IndexDirectory& directory, const char* name, bool wholeSoon) {
   Close();
@@ -66,18 +85,7 @@ bool FileImage::Open(const IndexDirectory& directory, const char* name, bool who
   }
   const auto size = static_cast<size_t>(info.st_size);
   open_ = true;
-  if (size > 0) {
-    const int flags = MAP_PRIVATE | (wholeSoon ? MAP_POPULATE : 0);
-    void* start = mmap(nullptr, size, PROT_READ, flags, descriptor, 0);
-    if (start != MAP_FAILED) {
-      mapped_ = true;
-      bytes_ = {static_cast<const char*>(start), size};
-    } else {
-      size_t filled = 0;
-      open_ = ReadWhole(descriptor, size, copy_, filled);
-      if (open_) bytes_ = {copy_.data(), filled};
-    }
-  }
+  if (size > 0) open_ = Take(descriptor, size, wholeSoon);
   close(descriptor);
   return open_;
 }

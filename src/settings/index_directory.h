@@ -40,7 +40,8 @@ class FileImage {
   ~FileImage() { Close(); }
 
   // Opens a regular file of the directory; anything else (a directory, a pipe) cannot be opened.
-  // With `wholeSoon` the pages are brought in at once, for files that are read from end to end.
+  // With `wholeSoon`, for files that are read from end to end, a little one is copied and of a
+  // larger one all pages are brought in at once.
   [[nodiscard]] bool Open(const IndexDirectory& directory, const char* name, bool wholeSoon);
   void Close();
 
@@ -48,10 +49,13 @@ class FileImage {
   std::string_view bytes() const { return bytes_; }
 
  private:
+  // Brings in the `size` bytes, at least 1, of a file. False when that cannot be.
+  bool Take(int descriptor, size_t size, bool wholeSoon);
+
   bool open_ = false;
   bool mapped_ = false;
   std::string_view bytes_;
-  OwnedArray<char> copy_;  // where the file cannot be mapped
+  OwnedArray<char> copy_;  // where the file is not mapped
 };
 
 // Hands out a text the way a line-oriented read with a buffer of fixed size does.

@@ -27,6 +27,8 @@ TEST(IndexDirectory, OpensAWholeFile) {
   const support::ScratchDirectory scratch;
   WriteFile(scratch.path() / "file", "some\0bytes\n"sv);
   WriteFile(scratch.path() / "empty", "");
+  const std::string large(100000, 'x');
+  WriteFile(scratch.path() / "large", large);
   IndexDirectory directory;
   OpenIndexDirectory(directory, scratch.path().string());
   EXPECT_EQ(View(directory.path), scratch.path().string());
@@ -38,6 +40,8 @@ TEST(IndexDirectory, OpensAWholeFile) {
     ASSERT_TRUE(file.Open(directory, "empty", wholeSoon));
     EXPECT_TRUE(file.isOpen());
     EXPECT_EQ(file.bytes(), "");
+    ASSERT_TRUE(file.Open(directory, "large", wholeSoon));
+    EXPECT_EQ(file.bytes(), large);
     file.Close();
     EXPECT_FALSE(file.isOpen());
     EXPECT_EQ(file.bytes(), "");

@@ -67,6 +67,7 @@ constexpr TextCase kTexts[] = {
     {"XMLXSLTURL", Get<&Settings::XMLXSLTURL>, "", 2083, true},
     {"XMLOpenSearchDescURL", Get<&Settings::XMLOpenSearchDescURL>, "", 2083, true},
     {"MetaMoneyCurrency", Get<&Settings::MetaMoneyCurrency>, "&#36;", 63, false},
+    {"StopWords", Get<&Settings::StopWords>, "", 2000, false},
 };
 static_assert(std::size(kTexts) == std::size(kTextSettings));
 
