@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "text/find_folded.h"
+#include "text/low_bytes.h"
 #include "text/numbers.h"
 
 namespace vela {
@@ -53,20 +54,6 @@ void ReadNumbers(std::string_view rest, int64_t& offset, int32_t& variantCount) 
   variantCount = ReadDecimalWrap32(TakeToken(rest, kVariantEnds));
 }
 
-// The same when only the count is wanted: the usual line, whose count is one digit or absent, is
-// read without looking at the offset digit by digit.
-int32_t ReadVariantCount(std::string_view rest) {
-  if (rest.size() >= 3 && rest[rest.size() - 2] == ' ' && rest.back() >= '0' &&
-      rest.back() <= '9' && rest[0] != ' ' &&
-      memchr(rest.data(), ' ', rest.size() - 2) == nullptr) {
-    return rest.back() - '0';
-  }
-  int64_t offset = 0;
-  int32_t count = 0;
-  ReadNumbers(rest, offset, count);
-  return count;
-}
-
 bool IsStored(std::string_view variant) {
   return !variant.empty() && variant.size() <= kVariantLimit;
 }
@@ -74,13 +61,12 @@ bool IsStored(std::string_view variant) {
 std::string_view VariantOf(std::string_view line) { return TakeToken(line, kVariantEnds); }
 
 // Takes the next complete line, up to a NUL in it; false when there is none or it is too long.
-bool TakeLine(std::string_view& rest, std::string_view& line, bool mayHoldNul) {
+bool TakeLine(std::string_view& rest, std::string_view& line) {
   const auto* end = static_cast<const char*>(memchr(rest.data(), '\n', rest.size()));
   if (end == nullptr) return false;
   const auto length = static_cast<size_t>(end - rest.data());
   if (length > kDictionaryLineLimit) return false;
-  line = rest.substr(0, length);
-  if (mayHoldNul) line = UpToNul(line);
+  line = UpToNul(rest.substr(0, length));
   rest.remove_prefix(length + 1);
   return true;
 }
@@ -90,19 +76,16 @@ int32_t VariantLinesBehind(std::string_view line, std::string_view word) {
   const char* const wordEnd = word.data() + word.size();
   const char* const lineEnd = line.data() + line.size();
   if (wordEnd == lineEnd) return 0;
-  return ReadVariantCount({wordEnd + 1, static_cast<size_t>(lineEnd - wordEnd - 1)});
+  int64_t offset = 0;
+  int32_t count = 0;
+  ReadNumbers({wordEnd + 1, static_cast<size_t>(lineEnd - wordEnd - 1)}, offset, count);
+  return count;
 }
 
 // The size of the block that the variants are taken to lie in, each with two bytes more.
 int64_t VariantBlockSize(const Settings& settings) {
   return settings.OutputVariantBufferSize != 0 ? settings.OutputVariantBufferSize
                                                : settings.NumVariants * kMeanVariantBufferBytes;
-}
-
-// What a variant line takes of that block; nothing when its variant is not stored.
-int64_t VariantSize(std::string_view line) {
-  const std::string_view variant = VariantOf(line);
-  return IsStored(variant) ? VariantBufferBytes(variant.size()) : 0;
 }
 
 // Finds the word of a base-word line: empty when the line holds only blanks. False when it holds
@@ -119,6 +102,82 @@ bool FindWord(std::string_view line, std::string_view& word) {
   word = {start, static_cast<size_t>(blank - start)};
   return true;
 }
+
+// One line of the file.
+struct DictionaryLine {
+  std::string_view text;     // the base word, or the variant
+  bool hasWord = false;      // of a base word's line, whose word is empty where it has blanks alone
+  int32_t variantLines = 0;  // how many follow a base word; 0 or less for none
+};
+
+// Goes through the lines in one pass over the bytes up to a blank. Lines in the usual form, as an
+// indexer writes them, are taken apart by these places alone.
+class LineSplitter {
+ public:
+  explicit LineSplitter(std::string_view bytes) : bytes_(bytes), low_(bytes) {}
+
+  // Each takes the next complete line; false when there is none or it is too long.
+  bool NextBaseWord(DictionaryLine& line) {
+    const size_t wordEnd = low_.Next();
+    if (wordEnd == bytes_.size()) return false;
+    if (bytes_[wordEnd] != ' ' || wordEnd == start_) return TakeUnusual(line, &ReadBaseWord);
+    const size_t offsetEnd = low_.Next();
+    if (offsetEnd == bytes_.size()) return false;
+    size_t end = offsetEnd;
+    line.variantLines = 0;
+    if (bytes_[offsetEnd] == ' ') {
+      end = low_.Next();
+      const bool isOneDigit = end == offsetEnd + 2 && end < bytes_.size() &&
+                              '0' <= bytes_[end - 1] && bytes_[end - 1] <= '9';
+      if (offsetEnd == wordEnd + 1 || !isOneDigit) return TakeUnusual(line, &ReadBaseWord);
+      line.variantLines = bytes_[end - 1] - '0';
+    }
+    if (bytes_[end] != '\n') return TakeUnusual(line, &ReadBaseWord);
+    line.text = bytes_.substr(start_, wordEnd - start_);
+    line.hasWord = true;
+    return GoBehind(end);
+  }
+
+  bool NextVariant(DictionaryLine& line) {
+    const size_t end = low_.Next();
+    if (end == bytes_.size()) return false;
+    if (bytes_[end] != '\n') return TakeUnusual(line, &ReadVariant);
+    line.text = bytes_.substr(start_, end - start_);
+    return GoBehind(end);
+  }
+
+  // Where the next line begins.
+  size_t start() const { return start_; }
+
+ private:
+  static void ReadBaseWord(std::string_view text, DictionaryLine& line) {
+    line.hasWord = FindWord(text, line.text);
+    if (line.hasWord) line.variantLines = VariantLinesBehind(text, line.text);
+  }
+  static void ReadVariant(std::string_view text, DictionaryLine& line) {
+    line.text = VariantOf(text);
+  }
+
+  bool TakeUnusual(DictionaryLine& line, void (*read)(std::string_view, DictionaryLine&)) {
+    std::string_view rest = bytes_.substr(start_);
+    std::string_view text;
+    if (!TakeLine(rest, text)) return false;
+    read(text, line);
+    start_ = bytes_.size() - rest.size();
+    low_.SkipTo(start_);
+    return true;
+  }
+
+  bool GoBehind(size_t lineFeed) {
+    if (lineFeed - start_ > kDictionaryLineLimit) return false;
+    start_ = lineFeed + 1;
+    return true;
+  }
+
+  std::string_view bytes_;
+  LowBytes low_;
+  size_t start_ = 0;
+};
 
 }  // namespace
 
@@ -193,35 +252,30 @@ DictionaryResult Dictionary::WordTable::Read(std::string_view bytes, const Setti
 
 DictionaryResult Dictionary::WordTable::ReadLines(std::string_view bytes,
                                                   const Settings& settings) {
-  if (bytes.empty()) return {};
-  const bool mayHoldNul = memchr(bytes.data(), '\0', bytes.size()) != nullptr;
   int64_t baseWordRoom = settings.OutputBasewordBufferSize;
   int64_t variantRoom = VariantBlockSize(settings);
   int32_t variantLines = 0;  // still to come for the last entry
-  int32_t entries = 0;
-  std::string_view rest = bytes;
-  std::string_view line;
-  while (TakeLine(rest, line, mayHoldNul)) {
+  LineSplitter lines(bytes);
+  DictionaryLine line;
+  while (variantLines > 0 ? lines.NextVariant(line) : lines.NextBaseWord(line)) {
     if (variantLines > 0) {
       --variantLines;
-      variantRoom -= VariantSize(line);
-      if (variantRoom < 0) return {DictionaryStatus::kVariantBlockFull, entries};
+      if (IsStored(line.text)) variantRoom -= VariantBufferBytes(line.text.size());
+      if (variantRoom < 0) return {DictionaryStatus::kVariantBlockFull, count};
       continue;
     }
-    std::string_view word;
-    if (!FindWord(line, word)) return {DictionaryStatus::kCorruptEntry, entries};
-    if (word.empty()) continue;  // the next line takes the entry
-    baseWordRoom -= BasewordBufferBytes(word.size());
-    if (baseWordRoom < 0) return {DictionaryStatus::kBaseWordBlockFull, entries};
-    const auto number = static_cast<size_t>(entries);
-    starts[number] = static_cast<uint32_t>(word.data() - bytes.data());
-    variantLines = VariantLinesBehind(line, word);
+    if (!line.hasWord) return {DictionaryStatus::kCorruptEntry, count};
+    if (line.text.empty()) continue;  // the next line takes the entry
+    baseWordRoom -= BasewordBufferBytes(line.text.size());
+    if (baseWordRoom < 0) return {DictionaryStatus::kBaseWordBlockFull, count};
+    const auto number = static_cast<size_t>(count);
+    starts[number] = static_cast<uint32_t>(line.text.data() - bytes.data());
+    variantLines = line.variantLines;
     if (variantLines > 0) variantBits[number / 64] |= uint64_t{1} << (number % 64);
-    ++entries;
-    if (entries > settings.NumKeywords) return {DictionaryStatus::kTooManyEntries, entries};
+    ++count;
+    if (count > settings.NumKeywords) return {DictionaryStatus::kTooManyEntries, count};
   }
-  end = bytes.size() - rest.size();
-  count = entries;
+  end = lines.start();
   return {};
 }
 
@@ -362,7 +416,7 @@ bool VariantReader::Next(std::string_view& variant) {
   while (left_ > 0) {
     --left_;
     std::string_view line;
-    if (!TakeLine(rest_, line, true)) break;
+    if (!TakeLine(rest_, line)) break;
     variant = VariantOf(line);
     const bool stored = IsStored(variant);
     // A word whose first variant was dropped has none.
