@@ -11,6 +11,7 @@
 #include "format/index_directory.h"
 #include "indexer/collect/page_collection.h"
 #include "indexer/collect/recommended_pages.h"
+#include "indexer/collect/stop_words.h"
 #include "indexer/config/language_file.h"
 #include "indexer/extract/read_page.h"
 #include "indexer/publish/former_settings.h"
@@ -228,6 +229,7 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   PageCollection& collection = pages.collection;
   const Vocabulary& vocabulary = collection.vocabulary;
   facts.pages = collection.pages.size();
+  facts.stopWords = StopWordsOf(vocabulary, facts.pages, collection.forms);
   const ReservedEntries reserved = collection.signs.Finish();
   facts.reserved = reserved.numbers;
   const uint64_t firstWord = reserved.texts.size();

@@ -34,15 +34,17 @@ void ReadSettingsTable(const toml::table* settings, const std::string& file, Sit
       config.settings[std::string(key.key)] = {.number = static_cast<int32_t>(value)};
     }
   }
-  for (const TextKey& key : TextKeys()) {
-    std::string value;
-    if (!table.Text(key.key, key.mostBytes, value)) continue;
-    if (value.find('"') != value.npos) {
-      table.RefuseValue(key.key, " cannot hold a double quote.");
+  for (const std::span<const TextKey> keys : {TextKeys(), ExtensionTextKeys()}) {
+    for (const TextKey& key : keys) {
+      std::string value;
+      if (!table.Text(key.key, key.mostBytes, value)) continue;
+      if (value.find('"') != value.npos) {
+        table.RefuseValue(key.key, " cannot hold a double quote.");
+      }
+      // What names the search in a feed is text, as in [search]; the others are pieces of a page.
+      if (key.key == "XMLTitle" || key.key == "XMLDesc") value = StoredText(value, IndexCharset());
+      config.settings[std::string(key.key)] = {.isText = true, .text = value};
     }
-    // What names the search in a feed is text, as in [search]; the others are pieces of a page.
-    if (key.key == "XMLTitle" || key.key == "XMLDesc") value = StoredText(value, IndexCharset());
-    config.settings[std::string(key.key)] = {.isText = true, .text = value};
   }
   if (settings == nullptr) return;
   for (const auto& [key, node] : *settings) {

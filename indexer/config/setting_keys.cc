@@ -92,6 +92,10 @@ constexpr TextKey kTextKeys[] = {
     {"MetaMoneyCurrency", "&#36;"},
 };
 
+constexpr TextKey kExtensionTextKeys[] = {
+    {"StopWords", ""},
+};
+
 struct RefusedKey {
   std::string_view key;
   std::string_view reason;
@@ -128,7 +132,6 @@ constexpr RefusedKey kRefusedKeys[] = {
     {"DictReservedSuffixes", kFollows},
     {"DictReservedNoSpaces", kFollows},
     {"PhraseSigns", "what stands between two words is always one entry of the page text"},
-    {"StopWords", "it follows from the language of the pages"},
     {"Synonyms", kFollows},
     {"NumKeywords", kFollows},
     {"NumPages", kFollows},
@@ -159,7 +162,7 @@ constexpr bool AllStandOnce(const Setting (&settings)[N], const Tables&... table
 // GCC 12 takes none of this for a constant while it adds the checks of the sanitizers.
 #ifndef __SANITIZE_ADDRESS__
 static_assert(AllStandOnce(kNumberSettings, kNumberKeys, kExtensionKeys, kRefusedKeys));
-static_assert(AllStandOnce(kTextSettings, kTextKeys, kRefusedKeys));
+static_assert(AllStandOnce(kTextSettings, kTextKeys, kExtensionTextKeys, kRefusedKeys));
 
 // Whether the search program reads every key of the tables.
 static_assert(std::ranges::all_of(kNumberKeys, [](const NumberKey& key) {
@@ -181,6 +184,8 @@ std::span<const NumberKey> NumberKeys() { return kNumberKeys; }
 std::span<const NumberKey> ExtensionKeys() { return kExtensionKeys; }
 
 std::span<const TextKey> TextKeys() { return kTextKeys; }
+
+std::span<const TextKey> ExtensionTextKeys() { return kExtensionTextKeys; }
 
 std::string_view RefusedKeyReason(std::string_view key) {
   for (const RefusedKey& refused : kRefusedKeys) {

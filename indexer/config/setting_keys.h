@@ -32,6 +32,10 @@ std::span<const TextKey> TextKeys();
 // of value 0 is not written.
 std::span<const NumberKey> ExtensionKeys();
 
+// Those that are a text. What they are without the owner follows from the pages; an empty one is
+// not written.
+std::span<const TextKey> ExtensionTextKeys();
+
 // Why the owner may not set `key`, for keys that follow from the index or have a table of their
 // own in the configuration; empty for every other key.
 std::string_view RefusedKeyReason(std::string_view key);

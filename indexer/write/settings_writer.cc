@@ -67,6 +67,17 @@ struct SettingsText {
   void AddLine(std::string_view line) { text.append(line).append("\n"); }
 };
 
+void AddOwnersText(const TextKey& key, std::string_view value, SettingsText& out) {
+  // References for what the character set lacks make a text longer than it was when it was read.
+  if (out.charset.WithReferences(value).size() > key.mostBytes) {
+    throw IndexError(ExitStatus::kUsage, std::string(key.key) + " is too long when written in " +
+                                             out.charset.name() + ", with more than " +
+                                             std::to_string(key.mostBytes) +
+                                             " bytes. Make it shorter.");
+  }
+  out.AddQuoted(key.key, value);
+}
+
 void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
   for (const NumberKey& key : NumberKeys()) {
     if (key.key == kLineLengthKey) continue;
@@ -77,25 +88,23 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
   }
   for (const TextKey& key : TextKeys()) {
     const auto given = config.settings.find(key.key);
-    const std::string_view value = given == config.settings.end() ? key.value : given->second.text;
-    // References for what the character set lacks make a text longer than it was when it was read.
-    if (out.charset.WithReferences(value).size() > key.mostBytes) {
-      throw IndexError(ExitStatus::kUsage, std::string(key.key) + " is too long when written in " +
-                                               out.charset.name() + ", with more than " +
-                                               std::to_string(key.mostBytes) +
-                                               " bytes. Make it shorter.");
-    }
-    out.AddQuoted(key.key, value);
+    AddOwnersText(key, given == config.settings.end() ? key.value : given->second.text, out);
   }
 }
 
 // Those that are off are not written: without their key they are off.
-void AddExtensions(const SiteConfig& config, SettingsText& out) {
+void AddExtensions(const IndexFacts& facts, const SiteConfig& config, SettingsText& out) {
   for (const NumberKey& key : ExtensionKeys()) {
     const auto given = config.settings.find(key.key);
     const int32_t standard = config.extensions ? key.value : 0;
     const int32_t value = given == config.settings.end() ? standard : given->second.number;
     if (value != 0) out.AddNumber(key.key, value);
+  }
+  for (const TextKey& key : ExtensionTextKeys()) {
+    const auto given = config.settings.find(key.key);
+    const std::string_view standard = config.extensions ? std::string_view(facts.stopWords) : "";
+    const std::string_view value = given == config.settings.end() ? standard : given->second.text;
+    if (!value.empty()) AddOwnersText(key, value, out);
   }
 }
 
@@ -178,7 +187,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   out.Add("UseStemming", config.stemming < 0 ? 0 : 1);
   if (config.stemming >= 0) out.Add("StemmingAlgo", config.stemming);
   AddOwnersKeys(config, out);
-  AddExtensions(config, out);
+  AddExtensions(facts, config, out);
   AddCategories(config.categories, out);
   AddFields(config.fields, out);
   out.Add("Spelling", facts.spellings == 0 ? 0 : 1);

@@ -23,6 +23,7 @@ struct IndexFacts {
   uint64_t autocomplete = 0;  // lines of its file
   size_t lineLength = 256;    // MaxKeyWordLineLen; see KeyWordLineLength
   int32_t lookupGeneration = 0;
+  std::string stopWords;  // in UTF-8; see StopWordsOf
 };
 
 // MaxKeyWordLineLen: what the configuration says, and at least so much that the longest line of the

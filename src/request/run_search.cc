@@ -12,6 +12,7 @@
 #include "search/highlight_terms.h"
 #include "search/matches.h"
 #include "search/ranking.h"
+#include "search/stop_words.h"
 #include "search/suggestions.h"
 #include "search/term_search.h"
 
@@ -57,6 +58,7 @@ int CreateStemmer(SearchContext& ctx) {
 int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
   if (!AllocateMatches(state.matches, settings.NumPages) ||
+      !DropStopWords(ctx.query.terms, View(ctx.query.text), settings) ||
       !AddSubstringAsterisks(ctx.query.terms, settings) ||
       !StartTermSearch(state.terms, ctx.query.terms, settings) ||
       (ctx.search.marksWords &&

@@ -107,6 +107,7 @@ def make_index(r, features):
             (b"\xe9", b"e"), (b"\xef", b"ii"), (b"&#233;", b"e")]
         if chance(r, 0.2):
             x.accents = []
+    typed_extensions(r, x)
 
     # Words: reserved entries first, then the vocabulary in random order.
     k = r.choice((3, 6, 9))
@@ -330,6 +331,12 @@ def make_index(r, features):
         for _ in range(r.choice((1, 1, 2))):
             damage(r, x, features)
     return x
+
+
+def typed_extensions(r, x):
+    """The extensions that change what is made of a query."""
+    if chance(r, 0.2):
+        x.settings["StopWords"] = r.choice((b'"a of the and"', b'"the"', b'"of  a cat "', b'"-a the"'))
 
 
 def some_text(r, x, count):

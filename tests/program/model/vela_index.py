@@ -30,7 +30,7 @@ TEXT_KEYS = {  # longest text kept
     "Charset": 1023, "DatePickerPath": 2083, "Version": 1023, "LogFileName": 255,
     "LinkTarget": 2047, "WordJoinChars": 1023, "LinkBackURL": 2047, "XMLTitle": 1024,
     "XMLDesc": 2000, "XMLURL": 2083, "XMLXSLTURL": 2083, "XMLOpenSearchDescURL": 2083,
-    "MetaMoneyCurrency": 63,
+    "MetaMoneyCurrency": 63, "StopWords": 2000,
 }
 EMPTIED_FIRST = ("XMLTitle", "XMLDesc", "XMLURL", "XMLXSLTURL", "XMLOpenSearchDescURL")
 

@@ -261,6 +261,21 @@ def split_terms(query):
     return terms, has_phrase
 
 
+def drop_stop_words(s, terms, query):
+    listed = s.StopWords.split(b" ")
+
+    def is_stop_word(term):
+        return term != b"" and term in listed and b'"%s"' % term not in query
+
+    def is_searched(term):
+        return (term and not term.startswith(b"-") and not is_site(term)
+                and len(term) >= s.MinWordLen and not is_stop_word(term))
+
+    if any(is_searched(term) for term in terms):
+        return [term for term in terms if not is_stop_word(term)]
+    return terms
+
+
 def is_site(term):
     body = term[1:] if term.startswith(b"-") else term
     return body.startswith(b"site:") or body.startswith(b"url:")

@@ -3,7 +3,7 @@ import math
 
 import vela_index
 import vela_page
-from vela_query import is_site, substring_term
+from vela_query import drop_stop_words, is_site, substring_term
 from vela_text import (DIGITS, INT_MAX, atoi, find_no_case, lower, read_number, strip_ws,
                        to_float, url_encode, wildcard, word_equal)
 
@@ -117,7 +117,7 @@ def run_search(c):
     vela_page.heading(c)
     c.pages = [Page() for _ in range(s.NumPages)]
     c.terms = []
-    for text in c.term_texts:
+    for text in drop_stop_words(s, c.term_texts, c.query):
         phrase = s.AllowExactPhrase == 1 and b" " in text
         if s.SearchAsSubstring == 1:
             text = substring_term(s, text)

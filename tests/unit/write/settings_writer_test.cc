@@ -46,5 +46,27 @@ TEST(SettingsWriter, AnExtensionIsSwitchedOffByItsName) {
   }());
 }
 
+TEST(SettingsWriter, StopWordsAreThoseFoundUnlessTheOwnerSaysOthers) {
+  const support::ScratchDirectory scratch;
+  const auto stopWords = [&](const SiteConfig& config) {
+    IndexFacts facts;
+    facts.stopWords = "a list that is too long to be kept in a small string";
+    WriteSettings(scratch.path() / "settings.vdat", facts, config, {}, "");
+    const std::string text = ReadFile(scratch.path() / "settings.vdat");
+    const size_t at = text.find("\nStopWords");
+    return at == text.npos ? "" : text.substr(at + 1, text.find('\n', at + 1) - at - 1);
+  };
+  SiteConfig config;
+  EXPECT_EQ(stopWords(config),
+            "StopWords = \"a list that is too long to be kept in a small string\"");
+  config.extensions = false;
+  EXPECT_EQ(stopWords(config), "");
+  config.settings["StopWords"] = {.isText = true, .text = "an own list"};
+  EXPECT_EQ(stopWords(config), "StopWords = \"an own list\"");
+  config.extensions = true;
+  config.settings["StopWords"] = {.isText = true, .text = ""};
+  EXPECT_EQ(stopWords(config), "");
+}
+
 }  // namespace
 }  // namespace vela::indexer
