@@ -289,7 +289,8 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
       recommendations.push_back(FindRecommended(rule, pages.collection.addresses, run.base));
     }
     RecommendedSizes sizes =
-        WriteRecommended(fresh / kRecommendedFileName, recommendations, pages.table, run.charset);
+        WriteRecommended(fresh / kRecommendedFileName, recommendations, pages.table, run.charset,
+                         CutsSigns(config, run.charset));
     facts.recommended = sizes.entries;
     longest = sizes.longestLine;
     bytes += sizes.fileBytes;

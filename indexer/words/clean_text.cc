@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "text/signs.h"
+
 namespace vela::indexer {
 
 namespace {
@@ -53,40 +55,6 @@ void Compose(std::string& text) {
   if (U_SUCCESS(status)) text = std::move(composed);
 }
 
-// Takes no room and belongs to no word: a reader does not see it.
-bool IsInvisible(UChar32 c) {
-  switch (c) {
-    case 0xFFFE:  // no characters, and not allowed in XML
-    case 0xFFFF:
-    case 0x00AD:  // soft hyphen
-    case 0x200B:  // zero-width space: a place where a long word may break
-    case 0x200E:  // marks of the writing direction
-    case 0x200F:
-    case 0x202A:
-    case 0x202B:
-    case 0x202C:
-    case 0x202D:
-    case 0x202E:
-    case 0x2060:
-    case 0x2066:
-    case 0x2067:
-    case 0x2068:
-    case 0x2069:
-    case 0xFEFF:
-      return true;
-    default:
-      return false;
-  }
-}
-
-// Of the characters beyond ASCII: control characters, line ends and blanks of every width.
-bool IsWideBlank(UChar32 c) {
-  return (c >= 0x80 && c < 0xA1) || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x2028 ||
-         c == 0x2029 || c == 0x202F || c == 0x205F || c == 0x3000;
-}
-
-bool IsHyphen(UChar32 c) { return c == 0x2010 || c == 0x2011; }
-
 // `text` is valid UTF-8.
 std::string WithPlainSigns(std::string_view text) {
   std::string clean;
@@ -101,13 +69,18 @@ std::string WithPlainSigns(std::string_view text) {
     const size_t begin = i;
     UChar32 c = 0;
     U8_NEXT(bytes, i, text.size(), c);
-    if (IsInvisible(c)) continue;
-    if (IsHyphen(c)) {
-      clean += '-';
-    } else if (IsWideBlank(c)) {
-      clean += ' ';
-    } else {
-      clean.append(text, begin, i - begin);
+    switch (KindOf(static_cast<char32_t>(c))) {
+      case CharacterKind::kInvisible:
+        break;
+      case CharacterKind::kHyphen:
+        clean += '-';
+        break;
+      case CharacterKind::kBlank:
+        clean += ' ';
+        break;
+      default:
+        clean.append(text, begin, i - begin);
+        break;
     }
   }
   return clean;

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "indexer/words/symbols.h"
+#include "text/ascii.h"
+#include "text/sign_cut.h"
 
 namespace vela::indexer {
 
@@ -38,18 +40,13 @@ constexpr LetterFolding kLetters[] = {
 // Full-width forms stand in the order of ASCII.
 constexpr char32_t kFullWidthOffset = 0xFF01 - U'!';
 
-bool IsAsciiAlphaNumeric(char32_t c) {
-  return (c >= U'0' && c <= U'9') || (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z');
-}
-
-// Whether a full stop or an underscore before it is part of a word.
-bool GoesOn(char c) { return IsAsciiAlphaNumeric(static_cast<unsigned char>(c)); }
-
-// Underscores in a row that may be part of a word: "__init__". More are a line to write on.
+// Underscores in a row that may be part of a word (see BlankLooseJoins).
 constexpr size_t kUnderscoreLimit = 2;
 
 // Hyphens that are taken off before a blank.
 constexpr int kFinalHyphens = 2;
+
+bool IsAsciiAlphaNumeric(char32_t c) { return c < 0x80 && IsAlphaNumeric(static_cast<char>(c)); }
 
 using FoldingTable = std::vector<Folding>;
 
@@ -81,7 +78,7 @@ void AddFinalSigns(FoldingTable& table) {
   Add(table, "_", "~;");
   Add(table, ".", "`;");
   for (char c = '!'; c < 0x7F; ++c) {
-    if (GoesOn(c) || c == '*' || c == '?') Add(table, std::string(";") + c, {c});
+    if (IsAlphaNumeric(c) || c == '*' || c == '?') Add(table, std::string(";") + c, {c});
   }
   Add(table, "=;", " ");
   Add(table, "~;", " ");
@@ -92,8 +89,8 @@ void AddFinalSigns(FoldingTable& table) {
   Add(table, "`", ".");
 }
 
-FoldingTable MakeFoldings() {
-  FoldingTable table;
+// What CutAtSigns does where the search program is told to.
+void AddSigns(FoldingTable& table) {
   // As CleanText has it.
   for (const char32_t c : std::u32string_view(U"\u00AD\u200B\uFEFF")) Add(table, Utf8Text(c), "");
   for (const char32_t c : std::u32string_view(U"\u00A0\u202F\u3000")) Add(table, Utf8Text(c), " ");
@@ -106,6 +103,11 @@ FoldingTable MakeFoldings() {
   for (const char* alone : {" -- ", " - ", " # ", " * ", " ? ", " ++ "}) Add(table, alone, " ");
   for (int i = 0; i < kFinalHyphens; ++i) Add(table, "- ", " ");
   AddFinalSigns(table);
+}
+
+FoldingTable MakeFoldings(bool cutsSigns) {
+  FoldingTable table;
+  if (!cutsSigns) AddSigns(table);
   for (const LetterFolding& letter : kLetters) {
     Add(table, Utf8Text(letter.from), std::string(letter.to));
   }
@@ -117,14 +119,15 @@ FoldingTable MakeFoldings() {
 
 }  // namespace
 
-std::span<const Folding> QueryFoldings() {
-  static const FoldingTable table = MakeFoldings();
-  return table;
+std::span<const Folding> QueryFoldings(bool cutsSigns) {
+  static const FoldingTable tables[] = {MakeFoldings(false), MakeFoldings(true)};
+  return tables[cutsSigns ? 1 : 0];
 }
 
-std::string FoldedQuery(std::string_view query) {
+std::string FoldedQuery(std::string_view query, bool cutsSigns) {
   std::string text(query);
-  for (const Folding& folding : QueryFoldings()) {
+  if (cutsSigns) text.resize(CutAtSigns(text.data(), text.size(), true));
+  for (const Folding& folding : QueryFoldings(cutsSigns)) {
     for (size_t at = text.find(folding.from); at != text.npos;
          at = text.find(folding.from, at + folding.to.size())) {
       text.replace(at, folding.from.size(), folding.to);
@@ -152,27 +155,10 @@ std::string FoldedWord(std::string_view word) {
 
 void BlankFoldedSigns(std::string& text) {
   size_t length = 0;
-  // Underscores first, since a full stop goes on with those that are left.
-  for (size_t at = text.find('_'); at != text.npos; at = text.find('_', at + length)) {
-    const size_t end = std::min(text.find_first_not_of('_', at), text.size());
-    length = end - at;
-    if (length > kUnderscoreLimit || end == text.size() || !GoesOn(text[end])) {
-      text.replace(at, length, length, ' ');
-    }
-  }
   for (size_t at = 0; at < text.size(); at += length) {
-    if (text[at] == '.') {
-      const size_t end = std::min(text.find_first_not_of('.', at), text.size());
-      length = end - at;
-      if (length == 1 && end < text.size() && (GoesOn(text[end]) || text[end] == '_')) continue;
-      text.replace(at, length, length, ' ');
-    } else if (IsFoldedSign(DecodeCharacter(text, at, length))) {
-      text.replace(at, length, length, ' ');
-    }
+    if (IsFoldedSign(DecodeCharacter(text, at, length))) text.replace(at, length, length, ' ');
   }
-  for (int i = 0; i < kFinalHyphens; ++i) {
-    for (size_t at = text.find("- "); at != text.npos; at = text.find("- ", at + 1)) text[at] = ' ';
-  }
+  BlankLooseJoins(text.data(), text.size());
 }
 
 }  // namespace vela::indexer

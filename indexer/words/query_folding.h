@@ -1,9 +1,11 @@
 // query_folding.h: what the search program replaces in a query before it cuts it into words.
 //
-// The index brings this table along in its settings. It makes blanks of the signs that cut words on
-// pages and that the query's own cut knows nothing of (dashes, curly quotes and apostrophes, "=",
-// ";" ...), and one form of characters that readers take for the same ("ﬁ", full-width letters, the
-// final sigma). Words of pages are folded alike, so a phrase is found as it stands on the page.
+// The index brings this table along in its settings. It has one form of characters that readers
+// take for the same ("ﬁ", full-width letters, the final sigma). Where the search program does not
+// cut queries at signs by itself (text/sign_cut.h), the table also makes blanks of the signs that
+// cut words on pages and that the query's own cut knows nothing of (dashes, curly quotes and
+// apostrophes, "=", ";" ...), as far as there is room. Words of pages are folded alike, so a phrase
+// is found as it stands on the page.
 #pragma once
 
 #include <span>
@@ -17,18 +19,17 @@ struct Folding {
   std::string to;    // at most 4
 };
 
-// In the order in which they are applied, each to the whole text.
-std::span<const Folding> QueryFoldings();
+// In the order in which they are applied, each to the whole text. `cutsSigns` is whether the search
+// program cuts at signs by itself.
+std::span<const Folding> QueryFoldings(bool cutsSigns);
 
-// A query as the search program folds it.
-std::string FoldedQuery(std::string_view query);
+// A query as the search program cuts and folds it.
+std::string FoldedQuery(std::string_view query, bool cutsSigns);
 
 // A word of a page as a query for it is folded; never longer than the word.
 std::string FoldedWord(std::string_view word);
 
-// Blanks what the table makes blanks inside a word of a page, byte for byte: signs, underscores
-// that no letter or digit of ASCII follows, full stops that neither those nor what is left of the
-// underscores follows, and hyphens before a blank.
+// Blanks what the table with all signs makes blanks inside a word of a page, byte for byte.
 void BlankFoldedSigns(std::string& text);
 
 }  // namespace vela::indexer

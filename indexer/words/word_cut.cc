@@ -276,14 +276,24 @@ bool IsQueryWord(std::string_view text) {
 }
 
 // What stands behind a word decides whether a query keeps "#" or "++" at its end: "c++," is "c"
-// there, while the page text has "c++". And a query keeps pictures that pages have apart from the
-// word. The query's form is added.
-void AddQueryForms(ChunkCut& cut) {
+// there, while the page text has "c++". And a query that is not cut at all signs keeps pictures
+// that pages have apart from the word. The query's forms are added.
+void AddQueryForms(ChunkCut& cut, bool hasPictures) {
   const size_t token = FirstWordFrom(cut, 0);
   if (token == cut.out.tokens.size()) return;
   cut.out.scratch = cut.out.lower + ' ';
   ForEachQueryWord(cut.out.scratch, [&](std::string_view word) {
     if (IsQueryWord(word)) AddQueryForm(cut, token, word);
+  });
+  if (!hasPictures) return;
+  cut.out.scratch = cut.out.lower + ' ';
+  for (const ChunkCharacter& c : cut.out.characters) {
+    if (IsPictograph(c.character)) cut.out.scratch.replace(c.at, c.length, c.length, ' ');
+  }
+  ForEachQueryWord(cut.out.scratch, [&](std::string_view word) {
+    const bool isToken =
+        std::ranges::find(cut.out.tokens, word, &TextToken::base) != cut.out.tokens.end();
+    if (!isToken && IsQueryWord(word)) AddQueryForm(cut, token, word);
   });
 }
 
@@ -298,7 +308,7 @@ bool ClassifyChunk(ChunkTokens& out) {
     const char32_t c = DecodeCharacter(surface, i, length);
     const bool joins =
         !characters.empty() && characters.back().kind == CharacterKind::kSymbol &&
-        GoesWithSymbol(surface.substr(characters.back().at, characters.back().length), c);
+        GoesWithSign(surface.substr(characters.back().at, characters.back().length), c);
     if (joins) {
       characters.back().length += static_cast<uint32_t>(length);
     } else {
@@ -335,7 +345,7 @@ size_t PieceLength(std::string_view text) {
   for (; at < kChunkBytesLimit; at += length) {
     const char32_t c = DecodeCharacter(text, at, length);
     const bool isWord = ClassifyCharacter(c) == CharacterKind::kWord;
-    const bool isEdge = !before.empty() && isWord != afterWord && !GoesWithSymbol(before, c);
+    const bool isEdge = !before.empty() && isWord != afterWord && !GoesWithSign(before, c);
     if (at >= kMiddle) {
       if (behindSign != 0) return behindSign;
       if (behindJoin != 0) return behindJoin;
@@ -395,7 +405,9 @@ void CutChunk(std::string_view chunk, ChunkTokens& out) {
   }
   WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
   const bool trimmed = first > 0 || last < characters.size();
-  if (hasPictures || (trimmed && chunk.find_first_of("#+") != chunk.npos)) AddQueryForms(cut);
+  if (hasPictures || (trimmed && chunk.find_first_of("#+") != chunk.npos)) {
+    AddQueryForms(cut, hasPictures);
+  }
   WriteSigns(cut, characters.size());
 }
 

@@ -48,7 +48,7 @@ struct FoundForm {
   std::string text;
 };
 
-// One character of a chunk, or the several of one picture (see GoesWithSymbol).
+// One character of a chunk, or the several of one picture (see GoesWithSign).
 struct ChunkCharacter {
   uint32_t at = 0;
   uint32_t length = 0;

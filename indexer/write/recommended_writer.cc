@@ -21,8 +21,8 @@ namespace vela::indexer {
 namespace {
 
 // One keyword as a query that says the same would be compared with it.
-std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
-  std::string text = FoldedQuery(keyword);
+std::string QueryForm(std::string_view keyword, const IndexCharset& charset, bool cutsSigns) {
+  std::string text = FoldedQuery(keyword, cutsSigns);
   CleanText(text);
   LowerUtf8(text.data(), text.size());
   std::erase(text, '"');
@@ -32,7 +32,7 @@ std::string QueryForm(std::string_view keyword, const IndexCharset& charset) {
   return form;
 }
 
-std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
+std::string QueryForms(std::string_view keywords, const IndexCharset& charset, bool cutsSigns) {
   std::string forms;
   while (!keywords.empty()) {
     const size_t end = std::min(keywords.find(kKeywordSeparator), keywords.size());
@@ -41,7 +41,7 @@ std::string QueryForms(std::string_view keywords, const IndexCharset& charset) {
     std::vector<std::string> spellings = PlainForms(keyword);  // "cafe" for "café" as well
     spellings.emplace(spellings.begin(), keyword);
     for (const std::string& spelling : spellings) {
-      const std::string form = QueryForm(spelling, charset);
+      const std::string form = QueryForm(spelling, charset, cutsSigns);
       if (form.empty()) continue;
       if (!forms.empty()) forms += kKeywordSeparator;
       forms += form;
@@ -92,7 +92,8 @@ class RecommendedLines {
 
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                                   const std::vector<Recommendation>& recommendations,
-                                  PageTableWriter& table, const IndexCharset& charset) {
+                                  PageTableWriter& table, const IndexCharset& charset,
+                                  bool cutsSigns) {
   RecommendedSizes sizes;
   OutFile file(path);
   RecommendedLines lines(table, charset);
@@ -102,7 +103,7 @@ RecommendedSizes WriteRecommended(const std::filesystem::path& path,
       sizes.unused.push_back({Reason::kNoPageToRecommend, rule.where, rule.address});
       continue;
     }
-    const std::string keywords = QueryForms(rule.keywords, charset);
+    const std::string keywords = QueryForms(rule.keywords, charset, cutsSigns);
     if (keywords.empty() || keywords.size() > kRecommendedKeywordsLimit) {
       sizes.unused.push_back({keywords.empty() ? Reason::kNoKeyword : Reason::kKeywordsTooLong,
                               rule.where, rule.address});

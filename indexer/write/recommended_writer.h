@@ -19,10 +19,11 @@ struct RecommendedSizes {
   std::vector<Finding> unused;  // rules that could not be used
 };
 
-// Keywords are cut as a query would be. `table` has all pages, and gets a line for what is no page
-// of the index or is shown with the owner's words.
+// Keywords are cut as a query would be (see CutsSigns). `table` has all pages, and gets a line for
+// what is no page of the index or is shown with the owner's words.
 RecommendedSizes WriteRecommended(const std::filesystem::path& path,
                                   const std::vector<Recommendation>& recommendations,
-                                  PageTableWriter& table, const IndexCharset& charset);
+                                  PageTableWriter& table, const IndexCharset& charset,
+                                  bool cutsSigns);
 
 }  // namespace vela::indexer

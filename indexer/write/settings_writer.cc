@@ -21,6 +21,7 @@ namespace vela::indexer {
 namespace {
 
 constexpr char kLineLengthKey[] = "MaxKeyWordLineLen";
+constexpr std::string_view kCutSignsKey = "CutSigns";
 
 // GCC 12 takes nothing of this for a constant while it adds the checks of the sanitizers.
 #ifdef __SANITIZE_ADDRESS__
@@ -92,12 +93,19 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
   }
 }
 
+int32_t ExtensionValue(const NumberKey& key, const SiteConfig& config,
+                       const IndexCharset& charset) {
+  const auto given = config.settings.find(key.key);
+  if (given != config.settings.end()) return given->second.number;
+  // In a single-byte set the program knows the signs of ASCII alone.
+  if (!config.extensions || (key.key == kCutSignsKey && !charset.utf8())) return 0;
+  return key.value;
+}
+
 // Those that are off are not written: without their key they are off.
 void AddExtensions(const IndexFacts& facts, const SiteConfig& config, SettingsText& out) {
   for (const NumberKey& key : ExtensionKeys()) {
-    const auto given = config.settings.find(key.key);
-    const int32_t standard = config.extensions ? key.value : 0;
-    const int32_t value = given == config.settings.end() ? standard : given->second.number;
+    const int32_t value = ExtensionValue(key, config, out.charset);
     if (value != 0) out.AddNumber(key.key, value);
   }
   for (const TextKey& key : ExtensionTextKeys()) {
@@ -108,7 +116,7 @@ void AddExtensions(const IndexFacts& facts, const SiteConfig& config, SettingsTe
   }
 }
 
-void AddCharset(const IndexCharset& charset, SettingsText& out) {
+void AddCharset(const IndexCharset& charset, bool cutsSigns, SettingsText& out) {
   out.Add("UseUTF8", charset.utf8() ? 1 : 0);
   out.AddText("Charset", charset.name());
   out.Add("Codepage", charset.codepage());
@@ -118,7 +126,7 @@ void AddCharset(const IndexCharset& charset, SettingsText& out) {
   for (size_t i = 0; i < charset.uppers().size(); ++i) {
     table.push_back({{charset.uppers()[i]}, {charset.lowers()[i]}});
   }
-  for (const Folding& folding : QueryFoldings()) {
+  for (const Folding& folding : QueryFoldings(cutsSigns)) {
     Folding written;
     const bool hasBoth =
         charset.Exactly(folding.from, written.from) && charset.Exactly(folding.to, written.to);
@@ -176,12 +184,17 @@ size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
   return std::max(length, KeywordLineLenFor(longestRecommended));
 }
 
+bool CutsSigns(const SiteConfig& config, const IndexCharset& charset) {
+  const auto key = std::ranges::find(ExtensionKeys(), kCutSignsKey, &NumberKey::key);
+  return charset.utf8() && ExtensionValue(*key, config, charset) == 1;
+}
+
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,
                        const SiteConfig& config, const IndexCharset& charset,
                        const std::string& strings) {
   SettingsText out{charset, {}};
   out.AddText("Version", VELA_VERSION);
-  AddCharset(charset, out);
+  AddCharset(charset, CutsSigns(config, charset), out);
   out.AddText("WordJoinChars", kWordJoinChars);
   out.Add("ToLowerSearchWords", 1);
   out.Add("UseStemming", config.stemming < 0 ? 0 : 1);

@@ -30,6 +30,10 @@ struct IndexFacts {
 // recommended file, its line feed included, can be read in one piece.
 size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended);
 
+// Whether the search program will cut queries at all the signs at which pages are cut, so that the
+// settings need not name them.
+bool CutsSigns(const SiteConfig& config, const IndexCharset& charset);
+
 // Writes every setting that a good results page needs, with what the configuration says instead of
 // the defaults. `strings` are those of a Language. Returns the size of the file. The search
 // program rejects numbers above 2147483647: IndexError.

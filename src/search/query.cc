@@ -5,11 +5,15 @@
 
 #include "text/edit.h"
 #include "text/lower.h"
+#include "text/sign_cut.h"
 #include "text/word_split.h"
 
 namespace vela {
 
 void NormaliseQuery(QueryText& text, const Settings& settings) {
+  if (settings.CutSigns == 1) {
+    text.bytes[CutAtSigns(text.bytes, View(text).size(), IsUtf8(settings))] = '\0';
+  }
   if (settings.MapAccents == 1) {
     for (const AccentPair& pair : settings.accents) {
       ReplaceAll(text, View(pair.accent), View(pair.normal));

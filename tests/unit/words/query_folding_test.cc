@@ -8,7 +8,7 @@ namespace vela::indexer {
 namespace {
 
 TEST(QueryFolding, ItemsFitIntoTheSettings) {
-  for (const Folding& folding : QueryFoldings()) {
+  for (const Folding& folding : QueryFoldings(false)) {
     SCOPED_TRACE(folding.from);
     EXPECT_FALSE(folding.from.empty());
     EXPECT_LE(folding.from.size(), 9u);
@@ -21,7 +21,7 @@ TEST(QueryFolding, ItemsFitIntoTheSettings) {
 TEST(QueryFolding, TheTableFitsIntoItsLines) {
   size_t from = 0;
   size_t to = 0;
-  for (const Folding& folding : QueryFoldings()) {
+  for (const Folding& folding : QueryFoldings(false)) {
     from += folding.from.size() + sizeof "\"\"";
     to += folding.to.size() + sizeof "\"\"";
   }
@@ -59,15 +59,26 @@ TEST(QueryFolding, FoldsQueries) {
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(FoldedQuery(c.query), c.folded);
+    EXPECT_EQ(FoldedQuery(c.query, false), c.folded);
   }
+}
+
+TEST(QueryFolding, NamesNoSignsThatTheSearchKnows) {
+  for (const Folding& folding : QueryFoldings(true)) {
+    for (const char c : std::string_view("-.;=>_~ ")) {
+      EXPECT_EQ(folding.from.find(c), std::string::npos);
+    }
+  }
+  EXPECT_LT(QueryFoldings(true).size() * 3, QueryFoldings(false).size());
+  EXPECT_EQ(FoldedQuery("\u201Cm\u00B2\u2026\u201D \u2602\uFE0F", true), "\"m2 \"  \u2602");
 }
 
 TEST(QueryFolding, FoldsWordsAlike) {
   for (const char* word :
        {"\uFB01ve", "\uFF46\uFF55\uFF4C\uFF4C", "\u03BF\u03C2", "plain", "caf\u00E9"}) {
     SCOPED_TRACE(word);
-    EXPECT_EQ(FoldedWord(word), FoldedQuery(word));
+    EXPECT_EQ(FoldedWord(word), FoldedQuery(word, false));
+    EXPECT_EQ(FoldedWord(word), FoldedQuery(word, true));
     EXPECT_LE(FoldedWord(word).size(), std::string_view(word).size());
   }
 }

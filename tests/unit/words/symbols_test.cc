@@ -40,16 +40,16 @@ TEST(Symbols, PictographsAreWhatQueriesKeep) {
 }
 
 TEST(Symbols, SeveralCharactersMakeAPicture) {
-  EXPECT_TRUE(GoesWithSymbol("\U0001F44B", 0x1F3FD));  // a waving hand and a skin tone
-  EXPECT_TRUE(GoesWithSymbol("\u27A1", 0xFE0F));
-  EXPECT_TRUE(GoesWithSymbol("\U0001F468\u200D", 0x1F469));
-  EXPECT_FALSE(GoesWithSymbol("\U0001F468", 0x1F469));
-  EXPECT_TRUE(GoesWithSymbol("\U0001F1E9", 0x1F1EA));
-  EXPECT_FALSE(GoesWithSymbol("\U0001F1E9\U0001F1EA", 0x1F1EB));
-  EXPECT_FALSE(GoesWithSymbol("<", 0xFE0F));  // shown as a reference
-  EXPECT_FALSE(GoesWithSymbol("\U0001F468\u200D", U'a'));
+  EXPECT_TRUE(GoesWithSign("\U0001F44B", 0x1F3FD));  // a waving hand and a skin tone
+  EXPECT_TRUE(GoesWithSign("\u27A1", 0xFE0F));
+  EXPECT_TRUE(GoesWithSign("\U0001F468\u200D", 0x1F469));
+  EXPECT_FALSE(GoesWithSign("\U0001F468", 0x1F469));
+  EXPECT_TRUE(GoesWithSign("\U0001F1E9", 0x1F1EA));
+  EXPECT_FALSE(GoesWithSign("\U0001F1E9\U0001F1EA", 0x1F1EB));
+  EXPECT_FALSE(GoesWithSign("<", 0xFE0F));  // shown as a reference
+  EXPECT_FALSE(GoesWithSign("\U0001F468\u200D", U'a'));
   std::string endless = "\U0001F468";
-  while (GoesWithSymbol(endless, 0xFE0F)) endless += "\uFE0F";
+  while (GoesWithSign(endless, 0xFE0F)) endless += "\uFE0F";
   EXPECT_LT(endless.size(), 100u);
 }
 

@@ -6,6 +6,7 @@
 #include <random>
 #include <set>
 
+#include "indexer/words/clean_text.h"
 #include "indexer/words/query_folding.h"
 #include "text/lower.h"
 #include "text/word_split.h"
@@ -249,8 +250,8 @@ TEST(WordCut, NoCharacterOfALongChunkIsCut) {
 }
 
 // The terms that a query of this text has, without exclusion marks.
-std::vector<std::string> QueryTerms(std::string text) {
-  text = FoldedQuery(text);
+std::vector<std::string> QueryTerms(std::string text, bool cutsSigns) {
+  text = FoldedQuery(text, cutsSigns);
   LowerUtf8(text.data(), text.size());
   text += ' ';
   text.resize(SeparateWords(text.data(), text.size(), kWordJoinChars));
@@ -327,16 +328,75 @@ TEST(WordCut, WhatAQueryHoldsTheIndexHolds) {
       ASSERT_NE(text[0], '-') << chunk;
       ASSERT_EQ(text.find_first_of(" <>\"&|"), std::string::npos) << chunk;
     }
-    for (const std::string& term : QueryTerms(chunk)) {
-      // "site:x" restricts a search; it looks for no word.
-      if (!HasWordCharacter(term) || term.find(':') != term.npos) continue;
-      ASSERT_TRUE(std::ranges::any_of(
-          AsMeant(term), [&](const std::string& text) { return found.contains(text); }))
-          << chunk << " lacks " << term << ": " << Cut(chunk);
-      ++terms;
+    for (const bool cutsSigns : {false, true}) {
+      for (const std::string& term : QueryTerms(chunk, cutsSigns)) {
+        // "site:x" restricts a search; it looks for no word.
+        if (!HasWordCharacter(term) || term.find(':') != term.npos) continue;
+        ASSERT_TRUE(std::ranges::any_of(
+            AsMeant(term), [&](const std::string& text) { return found.contains(text); }))
+            << chunk << " lacks " << term << ": " << Cut(chunk);
+        ++terms;
+      }
     }
   }
-  EXPECT_GT(terms, 100000u);
+  EXPECT_GT(terms, 200000u);
+}
+
+// Whether composing makes another word or a sign and a mark of a character. Queries are not
+// composed.
+bool IsComposed(char32_t c) {
+  std::string text = "q" + Utf8Text(c) + "q";
+  const std::string before = text;
+  CleanText(text);
+  const CharacterKind kind = KindOf(c);
+  return text != before && (kind == CharacterKind::kWord || kind == CharacterKind::kPicture);
+}
+
+// Every character is tried between letters, and all but ideographs and what no text uses before and
+// behind letters and alone, too.
+TEST(WordCut, PagesAndQueriesAreCutAlikeAtEveryCharacter) {
+  size_t cuts = 0;
+  for (char32_t c = 0; c < 0x110000; ++c) {
+    const bool isSurrogate = c >= 0xD800 && c < 0xE000;
+    // These have a meaning in a query, and are cut by the code that cuts pages.
+    const bool hasMeaning = c == U'"' || c == U'*' || c == U'?';
+    if (c == 0 || isSurrogate || hasMeaning || IsComposed(c)) continue;
+    const bool isWord = KindOf(c) == CharacterKind::kWord;
+    if (isWord && c >= 0x40000 && c % 251 != 0) continue;  // no text uses them
+    const std::string sign = Utf8Text(c);
+    std::vector<std::string> texts = {"xq" + sign + "qx"};
+    if (!isWord || c < 0x3400) {
+      for (const std::string& other : {sign + "qx", "xq" + sign, sign}) texts.push_back(other);
+    }
+    for (const std::string& text : texts) {
+      std::string page = text;
+      CleanText(page);
+      std::set<std::string> found;
+      std::string_view rest = page;
+      ChunkTokens cut;
+      for (std::string_view chunk = NextChunk(rest); !chunk.empty(); chunk = NextChunk(rest)) {
+        CutChunk(chunk, cut);
+        for (const TextToken& token : cut.tokens) {
+          if (token.sign == 0) found.insert(FoldedWord(token.base));
+        }
+        for (const FoundForm& form : cut.forms) found.insert(FoldedWord(form.text));
+      }
+      for (std::string term : QueryTerms(text, true)) {
+        std::erase(term, '"');
+        if (term.starts_with('-')) term.erase(0, 1);  // an exclusion
+        if (term.find_first_not_of("#+-") == term.npos) continue;
+        ASSERT_TRUE(found.contains(term))
+            << std::hex << static_cast<uint32_t>(c) << " in " << text << " lacks " << term;
+      }
+      if (text != sign && !isWord && c > 0x80) {
+        // What cuts or vanishes leaves the words that are in the text without it.
+        ASSERT_TRUE(found.contains("qx") || found.contains("xq") || found.contains("xqqx"))
+            << std::hex << uint32_t{c};
+        ++cuts;
+      }
+    }
+  }
+  EXPECT_GT(cuts, 10000u);
 }
 
 TEST(WordCut, SurvivesAnyBytes) {

@@ -38,7 +38,7 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
                                                    {rules[3], std::nullopt, {}},
                                                    {rules[4], 0, {}},
                                                    {rules[5], 0, {}}},
-                                                  table.writer, IndexCharset());
+                                                  table.writer, IndexCharset(), true);
   EXPECT_EQ(ReadFile(scratch.path() / "r"),
             "hours,opening-times 0\n"
             "caf\u00E9,cafe 100\n"
@@ -76,7 +76,7 @@ TEST(RecommendedWriter, TheOwnersWordsHaveLinesOfTheirOwn) {
                                                    {rules[2], 0, {}},
                                                    {rules[3], std::nullopt, "https://y.example/"},
                                                    {rules[4], std::nullopt, "https://y.example/"}},
-                                                  table, utf8);
+                                                  table, utf8, true);
   EXPECT_TRUE(sizes.unused.empty());
   const PageTableWriter::Sizes written = table.Finish();
   EXPECT_EQ(written.infoBytes, 17u);
