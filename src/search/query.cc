@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "search/plain_query.h"
 #include "text/edit.h"
 #include "text/lower.h"
 #include "text/sign_cut.h"
@@ -19,6 +20,7 @@ void NormaliseQuery(QueryText& text, const Settings& settings) {
       ReplaceAll(text, View(pair.accent), View(pair.normal));
     }
   }
+  if (settings.PlainQueries == 1) DropUnmeantSigns(text);
   const size_t length = View(text).size();
   if (LowersQueries(settings)) LowerText(text.bytes, length, IsUtf8(settings));
   if (settings.AllowExactPhrase == 0) ReplaceCharacters(text.bytes, length, "\"", " ");
