@@ -41,7 +41,11 @@ LinkParameters MakeLinkParameters(const Settings& settings, const SearchRequest&
   LinkParameters parameters;
   UrlEncode(query, parameters.query.bytes, sizeof parameters.query.bytes);
   AppendCategories(parameters.categories, settings, request);
-  if (dates.valid) {
+  const bool isNumbers = request.lastTimeFrom > 0 && request.lastTimeTo > 0;
+  if (dates.valid && isNumbers && settings.AmendedAnswers == 1) {
+    Appendf(parameters.dates, "&amp;vela_ltimefrom=%d&amp;vela_ltimeto=%d", request.lastTimeFrom,
+            request.lastTimeTo);
+  } else if (dates.valid) {
     Appendf(parameters.dates, "&amp;vela_datefrom=%s&amp;vela_dateto=%s",
             EscapedRequestText<kDateTextSize>(View(request.dateFrom)).bytes,
             EscapedRequestText<kDateTextSize>(View(request.dateTo)).bytes);

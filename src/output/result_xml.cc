@@ -1,5 +1,6 @@
 #include "output/result_xml.h"
 
+#include <cinttypes>
 #include <string_view>
 
 #include "output/context_text.h"
@@ -83,8 +84,9 @@ BlockStatus WriteResultXml(Response& response, const ResultBlocks& blocks, const
   WriteDate(response, blocks, result);
   if (settings.DisplayFilesize == 1) {
     // Kept: bytes, although a "k" follows (golden output/xml_items).
-    WriteOut(response, "<vela:fileSize>%dk</vela:fileSize>\n",
-             static_cast<int32_t>(PageFileSize(blocks.files.pages, result.entry.page)));
+    const int64_t size = PageFileSize(blocks.files.pages, result.entry.page);
+    WriteOut(response, "<vela:fileSize>%" PRId64 "k</vela:fileSize>\n",
+             settings.AmendedAnswers == 1 ? size : int64_t{static_cast<int32_t>(size)});
   }
   WriteRaw(response, "</item>\n");
   return BlockStatus::kOk;

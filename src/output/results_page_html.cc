@@ -211,15 +211,21 @@ LinkText PageLink(const ResultsPage& page, int32_t number) {
                    request.sort, 0);
 }
 
+// How many pages the most results that are ever shown fill; with AmendedAnswers the last may be
+// filled in part.
+int64_t PagesWithinLimit(const ResultsPage& page) {
+  const int64_t perPage = EffectivePerPage(page.request);
+  const int64_t rest = page.settings.AmendedAnswers == 1 ? perPage - 1 : 0;
+  return (page.settings.MaxResultsPerQuery + rest) / perPage;
+}
+
 void AppendPageLinks(OutputSections& sections, const ResultsPage& page) {
   const int64_t pageCount = PageCount(page);
   if (pageCount <= 1) return;
   const LanguageStrings& language = page.settings.language;
   const int32_t current = page.request.page;
   const int64_t first = std::max<int64_t>(1, current - kPagesEachSide);
-  const int64_t last =
-      std::min({current + kPagesEachSide, pageCount,
-                int64_t{page.settings.MaxResultsPerQuery} / EffectivePerPage(page.request)});
+  const int64_t last = std::min({current + kPagesEachSide, pageCount, PagesWithinLimit(page)});
   AppendSection(sections, Section::kPageNumbers, "<div class=\"result_pages\">%s ",
                 Text(language, Str::kResultPages));
   if (current > 1) {

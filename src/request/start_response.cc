@@ -9,6 +9,7 @@
 #include "output/search_form.h"
 #include "output/xml_document.h"
 #include "request/search_context.h"
+#include "search/typed_text.h"
 
 namespace vela {
 
@@ -32,6 +33,12 @@ SearchRequest SettleRequest(const RequestParams& params, const Settings& setting
       .metaOnly = IsEmpty(params.query) && params.queryGiven && UsesMetaFields(settings),
       .marksWords = MarksWords(settings) || (xml && settings.XMLHighlight == 1),
   };
+}
+
+DisplayQuery DisplayOf(const QueryText& text, const Settings& settings) {
+  DisplayQuery display = EscapedRequestText<kDisplayQuerySize>(View(text));
+  if (settings.AmendedAnswers == 1 && IsUtf8(settings)) DropCutCharacter(display);
+  return display;
 }
 
 // Whether the page asked for begins behind the last result that is ever shown.
@@ -68,7 +75,8 @@ int StartResponse(SearchContext& ctx) {
   ctx.response.xml = params.xmlMode == kNotGiven ? settings.UseXML == 1 : params.xmlMode != 0;
   ctx.search = SettleRequest(params, settings, ctx.response.xml);
   query.typed = params.query;
-  query.typedDisplay = EscapedRequestText<kDisplayQuerySize>(View(query.typed));
+  if (settings.AmendedAnswers == 1) ReplaceUnshowable(query.typed, IsUtf8(settings));
+  query.typedDisplay = DisplayOf(query.typed, settings);
   WriteHeader(ctx.response, settings);
   if (ctx.response.xml) {
     WriteXmlOpening(ctx.response, settings, ctx.search.masterNode == 1);
@@ -83,7 +91,7 @@ int StartResponse(SearchContext& ctx) {
     WriteMessage(ctx.response, Message::kOutOfMemoryForSearch);
     return EndRequest(ctx);
   }
-  query.display = EscapedRequestText<kDisplayQuerySize>(View(query.text));
+  query.display = DisplayOf(query.text, settings);
   query.isParsed = true;
   return 1;
 }

@@ -68,7 +68,9 @@ bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion
     limitReached = true;
     return false;
   }
-  return matchedByTerm <= budget.perTerm;
+  if (matchedByTerm <= budget.perTerm) return true;
+  budget.isTermCut = true;
+  return false;
 }
 
 }  // namespace vela

@@ -12,9 +12,10 @@ namespace vela {
 
 // How many dictionary words the terms may match before the lookup stops.
 struct MatchBudget {
-  int32_t total = 0;    // MaxMatches
-  int32_t perTerm = 0;  // the even share of one term, rounded up
-  int32_t used = 0;     // words matched so far, by all terms
+  int32_t total = 0;       // MaxMatches
+  int32_t perTerm = 0;     // the even share of one term, rounded up
+  int32_t used = 0;        // words matched so far, by all terms
+  bool isTermCut = false;  // some term matches more than its share
 };
 
 MatchBudget MakeMatchBudget(int32_t maxMatches, int32_t termCount);

@@ -101,8 +101,9 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
   if (term.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
     // search/exclusion_counts_down_to_nothing).
+    const bool counts = match.score != 0 || !term.countsFoundOnly;
     match.score = 0;
-    matches.resultCount = WrapSub32(matches.resultCount, 1);
+    if (counts) matches.resultCount = WrapSub32(matches.resultCount, 1);
   } else if (match.score != 0) {
     match.score += match.score <= kFullScoreLimit ? score : 1;
     const bool roomForContext =

@@ -57,6 +57,7 @@ struct TermPlace {
   int32_t skipped = 0;   // terms passed over so far
   int32_t excluded = 0;  // exclusions and site restrictions so far
   bool isExclusion = false;
+  bool countsFoundOnly = false;  // an exclusion counts down only pages that had been found
 };
 
 // Makes the record of every page. False when the memory cannot be had.

@@ -98,6 +98,16 @@ TermResult SearchWord(TermSearch& search, const TermSearchInput& input, Searched
   return result;
 }
 
+// A page then has a term once whatever number of its words it holds: with two places that count,
+// the words of a pattern behind a term that was passed over count for the next term, too. And it is
+// counted down once by all exclusions together.
+void CountOnce(TermPlace& place) {
+  place.countsFoundOnly = true;
+  place.index -= place.skipped + place.excluded;
+  place.skipped = 0;
+  place.excluded = 0;
+}
+
 TermResult SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t index,
                       Matches& matches) {
   SearchedTerm& term = search.terms[static_cast<size_t>(index)];
@@ -111,10 +121,11 @@ TermResult SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t 
   const bool isRestriction = ReadSiteRestriction(View(term.word)).active;
   if (isExclusion || isRestriction) ++search.excludedCount;
   if (isRestriction) return {};
-  const TermPlace place = {.index = index,
-                           .skipped = search.skippedCount,
-                           .excluded = search.excludedCount,
-                           .isExclusion = isExclusion};
+  TermPlace place = {.index = index,
+                     .skipped = search.skippedCount,
+                     .excluded = search.excludedCount,
+                     .isExclusion = isExclusion};
+  if (input.settings.AmendedAnswers == 1) CountOnce(place);
   const bool isPhrase = IsPhrase(View(term.word), input.settings);
   return isPhrase ? SearchPhrase(search, input, term, place, matches)
                   : SearchWord(search, input, term, place, matches);
@@ -145,6 +156,10 @@ TermResult SearchTerms(TermSearch& search, const TermSearchInput& input, Matches
   for (int32_t i = 0; i < count; ++i) {
     const TermResult result = SearchTerm(search, input, i, matches);
     if (result.status != TermStatus::kOk) return result;
+  }
+  // Not earlier: it would end the search for the terms that follow.
+  if (input.settings.AmendedAnswers == 1 && search.matchBudget.isTermCut) {
+    matches.limitReached = true;
   }
   return {};
 }
