@@ -19,7 +19,7 @@ struct IndexFiles {
   FileImage pageData;
   RecommendedTies recommended;  // only with Recommended 1
   PageTable pages;
-  FileImage pageText;  // only with DisplayContext or AllowExactPhrase 1
+  FileImage pageText;  // only with DisplayContext, AllowExactPhrase or CutRuns 1
   FileImage wordMap;
   SpellingTable spelling;  // only with Spelling 1
 };

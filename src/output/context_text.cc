@@ -2,6 +2,7 @@
 
 #include "text/edit.h"
 #include "text/fixed_text.h"
+#include "text/run_cut.h"
 
 namespace vela {
 
@@ -49,10 +50,14 @@ class Spacing {
   explicit Spacing(const Settings& settings)
       : prefixes_(settings.DictReservedPrefixes),
         suffixes_(settings.DictReservedSuffixes),
-        noSpaces_(settings.DictReservedNoSpaces) {}
+        noSpaces_(settings.DictReservedNoSpaces),
+        cutsRuns_(CutsRuns(settings)) {}
 
-  bool TakesBlank(int32_t word) {
-    const bool blank = Decide(word);
+  bool TakesBlank(int32_t word, std::string_view text) {
+    const bool isPiece = cutsRuns_ && word > noSpaces_ && RunPieceLength(text) == text.size();
+    // Two pieces of a script without blanks; a blank between them is an entry of its own.
+    const bool blank = Decide(word) && !(isPiece && afterPiece_);
+    afterPiece_ = isPiece;
     previous_ = word;
     hasPrevious_ = true;
     return blank;
@@ -78,9 +83,11 @@ class Spacing {
   int32_t prefixes_;
   int32_t suffixes_;
   int32_t noSpaces_;
+  bool cutsRuns_;
   int32_t previous_ = 0;
   bool hasPrevious_ = false;
   bool nextWithoutBlank_ = false;
+  bool afterPiece_ = false;
 };
 
 // Builds the text of a piece, with marks and without.
@@ -91,7 +98,6 @@ void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const 
   bool isOpen = false;
   for (int32_t i = 0; i < piece.count; ++i) {
     const SnippetSlot& slot = piece.slots[static_cast<size_t>(i)];
-    const std::string_view blank = spacing.TakesBlank(slot.word) ? " " : "";
     const bool opens = slot.mark == SlotMark::kWhole || slot.mark == SlotMark::kOpen;
     const bool closes = slot.mark == SlotMark::kWhole || slot.mark == SlotMark::kClose;
     const std::string_view open = opens ? form.openMark : "";
@@ -99,6 +105,7 @@ void BuildPassage(const SnippetSource& source, const SnippetPiece& piece, const 
     const std::string_view word = slot.word < source.dictionary.size()
                                       ? source.dictionary.DisplayText(slot.word, slot.variant)
                                       : std::string_view();
+    const std::string_view blank = spacing.TakesBlank(slot.word, word) ? " " : "";
     const size_t added = blank.size() + open.size() + word.size() + close.size();
     if (used + added > kPassageLimit) break;
     used += added;

@@ -7,6 +7,7 @@
 #include "text/ascii.h"
 #include "text/edit.h"
 #include "text/join_chars.h"
+#include "text/run_cut.h"
 #include "text/wildcard.h"
 
 namespace vela {
@@ -97,6 +98,10 @@ TokenKind NextToken(Tokenizer& tokenizer, std::string_view joinChars, std::strin
       return TokenKind::kWord;
     }
     const char c = rest[at];
+    if (const size_t piece = tokenizer.cutsRuns ? RunPieceLength(rest.substr(at)) : 0; piece != 0) {
+      take(at == 0 ? piece : at);
+      return TokenKind::kWord;
+    }
     if (c == '&' && rest.substr(at + 1, 1) == "#") {
       const size_t end = rest.substr(at, kReferenceLimit).find(';');
       if (end != rest.npos) {
@@ -127,7 +132,7 @@ bool HighlightText(std::string_view text, const HighlightTerms& terms, const Hig
   if (!decoded.TryAllocate(text.size() + 1) || !collected.TryAllocate(collectedRoom)) return false;
   const size_t decodedLength = DecodeJoinChars(text, decoded.data(), rules.joinChars);
   Writer out(collected.data());
-  Tokenizer tokenizer{{decoded.data(), decodedLength}};
+  Tokenizer tokenizer{{decoded.data(), decodedLength}, rules.cutsRuns};
   // What begins no phrase here begins none farther on in the same run of punctuation, ahead of the
   // same word; asking once keeps the walk linear.
   std::bitset<256> failed;

@@ -14,6 +14,7 @@ namespace vela {
 struct HighlightRules {
   TextMode mode;
   std::string_view joinChars;
+  bool cutsRuns = false;  // pieces of scripts without blanks are words
 };
 
 enum class TokenKind {
@@ -28,6 +29,7 @@ enum class TokenKind {
 // output/highlight_word_of_401_characters).
 struct Tokenizer {
   std::string_view rest;
+  bool cutsRuns = false;  // a piece of a script without blanks is a word of its own
 };
 TokenKind NextToken(Tokenizer& tokenizer, std::string_view joinChars, std::string_view& token);
 

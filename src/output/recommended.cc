@@ -8,6 +8,7 @@
 #include "output/recommended_html.h"
 #include "output/recommended_xml.h"
 #include "output/target_url.h"
+#include "search/run_terms.h"
 #include "text/edit.h"
 #include "text/wildcard.h"
 
@@ -72,7 +73,8 @@ bool MatchesKeyword(const RecommendedInput& input, std::string_view keyword) {
   const Settings& settings = input.settings;
   const TextMode mode = WordMode(settings);
   for (int32_t i = 0; i < input.query.terms.size(); ++i) {
-    const std::string_view term = input.query.terms[i];
+    QueryText joined;
+    const std::string_view term = JoinedRuns(input.query.terms[i], settings, joined);
     if (term.empty()) continue;  // what a stray quote leaves
     bool matches = false;
     // In a substring search the words of a phrase stand for themselves.

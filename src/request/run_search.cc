@@ -12,6 +12,7 @@
 #include "search/highlight_terms.h"
 #include "search/matches.h"
 #include "search/ranking.h"
+#include "search/run_terms.h"
 #include "search/stop_words.h"
 #include "search/suggestions.h"
 #include "search/term_search.h"
@@ -59,10 +60,11 @@ int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
   if (!AllocateMatches(state.matches, settings.NumPages) ||
       !DropStopWords(ctx.query.terms, View(ctx.query.text), settings) ||
+      !CutRunsOfTerms(ctx.query.terms, settings) ||
       !AddSubstringAsterisks(ctx.query.terms, settings) ||
       !StartTermSearch(state.terms, ctx.query.terms, settings) ||
       (ctx.search.marksWords &&
-       !CollectHighlightTerms(state.highlight, ctx.query.terms, AllowsPhrases(settings))) ||
+       !CollectHighlightTerms(state.highlight, ctx.query.terms, SearchesPhrases(settings))) ||
       !PrepareFilters(state.filters, {.settings = settings,
                                       .request = ctx.search,
                                       .pages = ctx.index.pages,

@@ -171,20 +171,23 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
       furthest = static_cast<int64_t>(other.position);
       furthestWord = k;
     }
-    score += other.score;
+    score = CutsRuns(settings) ? std::min(score, other.score) : score + other.score;
   }
   if (budget.seeksDone > budget.maxSeeks + kSeeksBeforeCheapReject &&
       position + tokenSize * (count + kUsualReach) <= furthest) {
     return CandidateResult::kRejected;
   }
+  const int64_t from = std::max(position, furthest - tokenSize * ReachOf(furthestWord, settings));
+  const auto mayHoldPairs = [&] {
+    return MayHoldPairs(phrase, candidate, static_cast<uint64_t>(from), pairs);
+  };
+  // Pieces of a script without blanks stand on many pages: those without the pairs are not seeks.
+  if (CutsRuns(settings) && !mayHoldPairs()) return CandidateResult::kRejected;
   budget.seeksDone = WrapAdd32(budget.seeksDone, 1);
   if (budget.seeksDone > budget.maxSeeks || budget.now() > budget.deadline) {
     return CandidateResult::kStop;
   }
-  const int64_t from = std::max(position, furthest - tokenSize * ReachOf(furthestWord, settings));
-  if (!MayHoldPairs(phrase, candidate, static_cast<uint64_t>(from), pairs)) {
-    return CandidateResult::kRejected;
-  }
+  if (!CutsRuns(settings) && !mayHoldPairs()) return CandidateResult::kRejected;
   SeekPageText(text, static_cast<uint64_t>(from));
   uint64_t start = 0;
   if (!VerifyPhrase(phrase, candidate.score, settings, text, start)) {

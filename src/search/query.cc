@@ -112,7 +112,7 @@ SiteRestriction ReadSiteRestriction(std::string_view word) {
 }
 
 bool IsPhrase(std::string_view term, const Settings& settings) {
-  return AllowsPhrases(settings) && term.find(' ') != term.npos;
+  return SearchesPhrases(settings) && term.find(' ') != term.npos;
 }
 
 QueryText SubstringTerm(std::string_view term, const Settings& settings) {

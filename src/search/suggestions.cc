@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "search/run_terms.h"
 #include "text/lower.h"
 #include "text/sound_key.h"
 
@@ -61,7 +62,8 @@ Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spell
   QueryText alike[Suggestions::kLimit];
   for (size_t i = 0; i < search.terms.size(); ++i) {
     const SearchedTerm& term = search.terms[i];
-    std::string_view piece = View(term.word);
+    QueryText joined;
+    std::string_view piece = JoinedRuns(View(term.word), settings, joined);
     if (isRare(term)) {
       const int32_t found =
           FindAlike(View(term.word), spelling, dictionary, settings, stemmer, alike);

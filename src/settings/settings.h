@@ -190,7 +190,11 @@ inline bool LowersQueries(const Settings& s) { return s.ToLowerSearchWords == 1;
 inline bool SearchesSubstrings(const Settings& s) { return s.SearchAsSubstring == 1; }
 // Only 1 lets quotes make phrases; with any other number but 0 they only group words.
 inline bool AllowsPhrases(const Settings& s) { return s.AllowExactPhrase == 1; }
-inline bool NeedsPageText(const Settings& s) { return s.DisplayContext == 1 || AllowsPhrases(s); }
+// UTF-8 alone has the scripts that are written without blanks.
+inline bool CutsRuns(const Settings& s) { return s.CutRuns == 1 && IsUtf8(s); }
+// Whether several words in one term stand one after another.
+inline bool SearchesPhrases(const Settings& s) { return AllowsPhrases(s) || CutsRuns(s); }
+inline bool NeedsPageText(const Settings& s) { return s.DisplayContext == 1 || SearchesPhrases(s); }
 inline bool SearchesDates(const Settings& s) { return s.DateRangeSearch == 1; }
 inline bool ShowsImages(const Settings& s) { return s.UseVelaImage == 1; }
 inline bool MarksWords(const Settings& s) { return s.Highlighting == 1; }

@@ -124,6 +124,36 @@ TEST(ContextText, SpacingTable) {
   }
 }
 
+TEST(ContextText, BetweenPiecesOfScriptsWithoutBlanksStandsNothing) {
+  IndexBuilder builder = Punctuated().Set("UseUTF8", "1");
+  for (const char* word : {"\u6697", "\u53F7", "\u0E17\u0E35\u0E48"}) builder.Word(word);
+  const struct {
+    const char* what;
+    const char* tokens;
+    const char* expected;
+  } cases[] = {
+      {"two pieces", "\u6697 \u53F7 0", " \u6697\u53F7"},
+      {"a piece with marks", "\u0E17\u0E35\u0E48 \u53F7 0", " \u0E17\u0E35\u0E48\u53F7"},
+      {"words beside pieces", "a \u6697 \u53F7 b c 0", " a \u6697\u53F7 b c"},
+      {"an entry without blanks", "\u6697 - \u53F7 0", " \u6697-\u53F7"},
+      {"a comma", "\u6697 , \u53F7 0", " \u6697, \u53F7"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    IndexBuilder cutting = builder;
+    EXPECT_EQ(Context(cutting.Set("CutRuns", "1"), c.tokens).Write(), OnePiece(c.expected));
+  }
+  EXPECT_EQ(Context(builder, "\u6697 \u53F7 0").Write(), OnePiece(" \u6697 \u53F7"));
+}
+
+TEST(ContextText, PiecesAreMarkedAsOne) {
+  IndexBuilder builder = Punctuated().Set("UseUTF8", "1").Set("CutRuns", "1");
+  for (const char* word : {"\u6697", "\u53F7", "\u5316"}) builder.Word(word);
+  Context context(builder, "\u6697 \u53F7 \u5316 a 0");
+  context.Mark("\"\u6697 \u53F7\"");
+  EXPECT_EQ(context.Write(), OnePiece(" <span class=\"highlight\">\u6697\u53F7</span>\u5316 a"));
+}
+
 TEST(ContextText, Xml) {
   EXPECT_EQ(Context(Punctuated(), "a , b 0", true).Write(),
             "<vela:context> ...  a, b ...</vela:context>\n");

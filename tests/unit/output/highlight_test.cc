@@ -31,6 +31,14 @@ Tokens TokensOf(std::string_view text, std::string_view joinChars) {
   }
 }
 
+TEST(NextToken, PiecesOfScriptsWithoutBlanksAreWords) {
+  Tokenizer tokenizer{"GNUの本、x", true};
+  std::string_view token;
+  std::string words;
+  while (NextToken(tokenizer, "", token) != TokenKind::kNone) words.append(token).append("|");
+  EXPECT_EQ(words, "GNU|の|本|、x|");
+}
+
 TEST(NextToken, Table) {
   const struct {
     const char* what;
@@ -109,6 +117,7 @@ struct Rules {
   const char* joinChars = "";
   bool foldCase = true;
   bool utf8 = false;
+  bool cutsRuns = false;
 };
 
 // The text with the words of the query marked; "[" and "]" stand for the marks.
@@ -120,8 +129,9 @@ std::string Marked(std::string_view text, std::string_view query, const Rules& r
   EXPECT_TRUE(CollectHighlightTerms(highlight, terms, true));
   OwnedArray<char> marked;
   size_t length = 0;
-  EXPECT_TRUE(HighlightText(text, highlight, {{rules.foldCase, rules.utf8}, rules.joinChars},
-                            marked, length));
+  EXPECT_TRUE(HighlightText(text, highlight,
+                            {{rules.foldCase, rules.utf8}, rules.joinChars, rules.cutsRuns}, marked,
+                            length));
   EXPECT_EQ(marked[length], '\0');
   std::string out(marked.data(), length);
   for (const auto& [tag, mark] :
@@ -206,6 +216,14 @@ TEST(HighlightText, PhrasesTable) {
     SCOPED_TRACE(c.what);
     EXPECT_EQ(Marked(c.text, c.query), c.expected);
   }
+}
+
+TEST(HighlightText, PiecesOfScriptsWithoutBlanks) {
+  const Rules rules = {.utf8 = true, .cutsRuns = true};
+  EXPECT_EQ(Marked("第4章 暗号化と暗号", "\"暗 号\"", rules), "第4章 [暗号]化と[暗号]");
+  EXPECT_EQ(Marked("Debian パッケージ", "\"debian パ ッ\"", rules), "[Debian パッ]ケージ");
+  EXPECT_EQ(Marked("日本語", "本", rules), "日[本]語");
+  EXPECT_EQ(Marked("暗号化", "\"暗 号\"", {.utf8 = true}), "暗号化");
 }
 
 TEST(HighlightText, CaseAndCharacterSet) {
