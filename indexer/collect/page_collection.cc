@@ -7,6 +7,7 @@
 #include "format/page_data.h"
 #include "format/word_map.h"
 #include "indexer/collect/meta_values.h"
+#include "indexer/config/extensions.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
 #include "indexer/words/lower_copy.h"
@@ -43,6 +44,12 @@ void CheckRoomForPage(const PageCollection& collection) {
                    "Index its parts into several folders.");
 }
 
+// The scripts concerned are those of UTF-8 alone, as for the search.
+RunCut RunCutOf(const CollectionInput& input) {
+  const bool cutsPieces = input.charset.utf8() && ExtensionValue(input.config, "CutRuns") != 0;
+  return cutsPieces ? RunCut::kPieces : RunCut::kWords;
+}
+
 // Cuts the page's words and hands their tokens and postings on. False: it was stopped.
 [[nodiscard]] bool AddWords(const Page& page, const std::string& addressText,
                             PageCollection& collection) {
@@ -53,6 +60,7 @@ void CheckRoomForPage(const PageCollection& collection) {
        .vocabulary = collection.vocabulary,
        .signs = collection.signs,
        .sink = collection.input.sink,
+       .runs = collection.runs,
        .stop = collection.input.stop},
       collection.tokens);
   if (!isWhole) return false;
@@ -94,6 +102,7 @@ PageCollection::PageCollection(const CollectionInput& collectionInput,
     : input(collectionInput),
       addresses(input.base),
       forms(input.charset, input.config.stemming),
+      runs(RunCutOf(input)),
       postings(folder, input.memory),
       rules(input.config),
       usedFields(input.config.fields.size()) {}

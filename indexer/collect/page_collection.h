@@ -49,6 +49,7 @@ struct PageCollection {
   CanonicalAddresses addresses;
   EqualPages equal;
   WordForms forms;
+  RunCut runs;
   Vocabulary vocabulary;
   SignEntries signs;
   PostingRuns postings;

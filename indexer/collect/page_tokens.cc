@@ -47,7 +47,10 @@ void HandOn(const PageCut& cut) {
 // Writes the signs behind the last word as one token. The next begins as `blankBehind` says.
 void CloseGap(const PageCut& cut, bool blankBehind) {
   SignGap& gap = cut.out.gap;
-  if (!gap.IsEmpty()) WriteToken(cut, {cut.site.signs.Find(gap, blankBehind), 0});
+  if (!gap.IsEmpty()) {
+    WriteToken(cut, {cut.site.signs.Find(gap, blankBehind), 0});
+    cut.out.afterPiece = false;
+  }
   gap.Clear(blankBehind);
 }
 
@@ -96,13 +99,19 @@ uint32_t WriteWords(uint8_t zone, bool inBody, const PageCut& cut) {
   out.chunkWords.clear();
   for (const TextToken& token : out.chunk.tokens) {
     PageTokens::ChunkWord& chunkWord = out.chunkWords.emplace_back();
+    if (token.sign == kBlankSign) {
+      out.gap.AddBlank();
+      continue;
+    }
     if (token.sign != 0) {
       out.gap.AddSign(token.surface);
       continue;
     }
     const std::string_view base = cut.site.forms.Base(token.base);
     if (base.empty()) continue;
+    if (out.afterPiece && token.isPiece && out.gap.opens && out.gap.IsEmpty()) out.gap.ShowBlank();
     CloseGap(cut, false);
+    out.afterPiece = token.isPiece;
     chunkWord = {.token = out.tokenCount, .place = place};
     const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
     const uint8_t variant =
@@ -147,10 +156,12 @@ uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut&
     const bool followsBlank = text.starts_with(' ');
     const std::string_view chunk = NextChunk(text);
     if (chunk.empty()) break;
-    CutChunk(chunk, out.chunk);
+    CutChunk(chunk, out.chunk, cut.site.runs);
     if (followsBlank) out.gap.AddBlank();
     // Words that a chunk ends and the next begins with are still written without a blank.
-    if (!followsBlank && !out.gap.opens && out.gap.IsEmpty()) {
+    const std::vector<TextToken>& tokens = out.chunk.tokens;
+    const bool arePieces = out.afterPiece && !tokens.empty() && tokens.front().isPiece;
+    if (!followsBlank && !out.gap.opens && out.gap.IsEmpty() && !arePieces) {
       out.gap.AddSign(Utf8Text(kWordBreakSign));
     }
     wordCount += WriteWords(zone, inBody, cut);
@@ -183,6 +194,7 @@ bool CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, 
   out.pageWords.clear();
   out.places.clear();
   out.tokenCount = out.bodyWords = out.titleWords = 0;
+  out.afterPiece = false;
   for (const TextRun& run : page.content.body) {
     CutRun(run.text, HeadingZone(run.headingLevel), true, cut);
   }
@@ -190,6 +202,7 @@ bool CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, 
   const auto addRun = [&](std::string_view text, Zone zone) {
     const size_t before = out.tokens.size();
     if (out.tokenCount != 0) WriteToken(cut, {kRunEndWord, 0});
+    out.afterPiece = false;
     if (CutRun(text, zone, false, cut) != 0) return;
     out.tokenCount -= static_cast<uint32_t>(out.tokens.size() - before);
     out.tokens.resize(before);

@@ -60,6 +60,7 @@ struct PageTokens {
   std::vector<ChunkWord> chunkWords;  // beside the chunk's tokens
   ChunkTokens chunk;
   SignGap gap;
+  bool afterPiece = false;  // the token written last is a piece of a script without blanks
 };
 
 // The texts of a page that its words are cut from.
@@ -75,6 +76,7 @@ struct SiteWords {
   Vocabulary& vocabulary;
   SignEntries& signs;
   const TokenSink& sink;
+  RunCut runs = RunCut::kWords;
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
 };
 

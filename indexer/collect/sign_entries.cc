@@ -64,6 +64,12 @@ void SignGap::AddSign(std::string_view sign) {
   ++signs;
 }
 
+void SignGap::ShowBlank() {
+  text = kBlankText;
+  signs = 1;
+  opens = isBlank = false;
+}
+
 std::string SignEntries::Key(uint8_t form, std::string_view text) {
   return std::string(1, static_cast<char>(form)).append(text);
 }

@@ -27,6 +27,8 @@ struct SignGap {
   // `sign` is a character in UTF-8, or the several of one picture. What goes beyond a few signs is
   // a ruler or a drawing, and dropped.
   void AddSign(std::string_view sign);
+  // Makes a blank that was read without a sign one that is written, of an entry of its own.
+  void ShowBlank();
   bool IsEmpty() const { return signs == 0; }
 };
 

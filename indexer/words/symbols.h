@@ -23,6 +23,8 @@ bool IsPictograph(char32_t c);
 
 // Between two words that are written without a blank: nothing to see, but a line may break there.
 constexpr char32_t kWordBreakSign = 0x200B;
+// A blank between two words that would be written without one.
+constexpr char32_t kBlankSign = U' ';
 
 std::string Utf8Text(char32_t c);
 

@@ -3,6 +3,7 @@
 #include <unicode/utf8.h>
 
 #include <algorithm>
+#include <span>
 
 #include "indexer/words/compatible_text.h"
 #include "indexer/words/lower_copy.h"
@@ -10,11 +11,15 @@
 #include "indexer/words/query_folding.h"
 #include "text/ascii.h"
 #include "text/lower.h"
+#include "text/run_cut.h"
 #include "text/word_split.h"
 
 namespace vela::indexer {
 
 namespace {
+
+constexpr TextToken kWordBreak = {.sign = kWordBreakSign, .base = {}, .surface = "\u200B"};
+constexpr TextToken kBlank = {.sign = kBlankSign, .base = {}, .surface = " "};
 
 // More signs in a row than this are a ruler or a drawing, not text.
 constexpr size_t kSignRunLimit = 4;
@@ -49,6 +54,11 @@ size_t FirstWordFrom(const ChunkCut& cut, size_t token) {
   return token;
 }
 
+bool HasWord(const ChunkCut& cut, size_t first, size_t last) {
+  const auto characters = std::span(cut.out.characters).subspan(first, last - first);
+  return std::ranges::any_of(characters, IsWord);
+}
+
 // Writes the signs among the characters next .. end.
 void WriteSigns(ChunkCut& cut, size_t end) {
   size_t written = 0;
@@ -72,6 +82,9 @@ bool IsFindable(std::string_view form) {
 
 void AddForm(ChunkCut& cut, size_t token, std::string text) {
   if (!IsFindable(text) || text == cut.out.tokens[token].base) return;
+  // No query holds a run of several pieces.
+  const bool isCut = cut.out.runs == RunCut::kPieces && RunPieceLength(text) != text.size();
+  if (isCut && HasRunPiece(text)) return;
   cut.out.forms.push_back({static_cast<uint32_t>(token), std::move(text)});
 }
 
@@ -147,7 +160,6 @@ bool WriteToken(ChunkCut& cut, std::string_view surface) {
 // Writes the characters first .. last as the words that word_breaks.h finds, and the signs before
 // them. Each two words that follow each other are a form of the first.
 void WriteBrokenPart(ChunkCut& cut, size_t first, size_t last) {
-  constexpr std::string_view kBreakText = "\u200B";
   WriteSigns(cut, first);
   cut.next = last;
   const std::string_view part = SurfaceOf(cut, first, last);
@@ -159,7 +171,7 @@ void WriteBrokenPart(ChunkCut& cut, size_t first, size_t last) {
     const size_t before = cut.out.tokens.size() - 1;
     if (followsWord) {
       AddForms(cut, before, part.substr(begunBefore, end - begunBefore));
-      cut.out.tokens.push_back({.sign = kWordBreakSign, .base = {}, .surface = kBreakText});
+      cut.out.tokens.push_back(kWordBreak);
     }
     followsWord = WriteToken(cut, part.substr(begin, end - begin));
     begunBefore = begin;
@@ -174,6 +186,7 @@ void WriteWord(ChunkCut& cut, size_t first, size_t last) {
   const auto& characters = cut.out.characters;
   const std::string_view surface = SurfaceOf(cut, first, last);
   const bool isBroken =
+      cut.out.runs == RunCut::kWords &&
       std::any_of(characters.begin() + static_cast<ptrdiff_t>(first),
                   characters.begin() + static_cast<ptrdiff_t>(last),
                   [](const ChunkCharacter& c) { return IsWrittenWithoutBlanks(c.character); });
@@ -214,6 +227,52 @@ void TrimPiece(const ChunkCut& cut, size_t& first, size_t& last) {
   while (first < last && IsOneOf(ByteOf(cut, characters[last - 1]), "-.")) --last;
 }
 
+// Writes what has to stand between the word written last and the one that begins at `first` and is
+// a piece or not, where no sign does.
+void WriteGap(ChunkCut& cut, size_t first, bool isPiece) {
+  if (cut.out.tokens.empty() || cut.out.tokens.back().sign != 0) return;
+  const bool arePieces = isPiece && cut.out.tokens.back().isPiece;
+  if (cut.next == first) {
+    if (!arePieces) cut.out.tokens.push_back(kWordBreak);
+  } else {
+    WriteSigns(cut, first);
+    // What stands there is not shown. Two other words have a blank between them anyway.
+    if (arePieces && cut.out.tokens.back().sign == 0) cut.out.tokens.push_back(kBlank);
+  }
+}
+
+// Writes the characters first .. last, one piece, and the signs before them.
+void WritePiece(ChunkCut& cut, size_t first, size_t last) {
+  WriteGap(cut, first, true);
+  WriteSigns(cut, first);
+  cut.next = last;
+  const std::string_view surface = SurfaceOf(cut, first, last);
+  const size_t begin = ByteAt(cut, first);
+  const size_t length = FoldRunPiece(cut.out.lower.data() + begin, surface.size());
+  const std::string_view base = std::string_view(cut.out.lower).substr(begin, length);
+  cut.out.tokens.push_back({.sign = 0, .base = base, .surface = surface, .isPiece = true});
+}
+
+// Writes the characters first .. last as the pieces among them and the words between those.
+void WritePieces(ChunkCut& cut, size_t first, size_t last) {
+  const auto pieceLength = [&](size_t i) { return RunPieceLength(SurfaceOf(cut, i, last)); };
+  for (size_t i = first; i < last;) {
+    if (const size_t length = pieceLength(i); length != 0) {
+      const size_t end = CharacterAt(cut, ByteAt(cut, i) + length);
+      WritePiece(cut, i, end);
+      i = end;
+      continue;
+    }
+    size_t begin = i;
+    while (i < last && pieceLength(i) == 0) ++i;
+    size_t end = i;
+    TrimPiece(cut, begin, end);
+    if (!HasWord(cut, begin, end)) continue;
+    WriteGap(cut, begin, false);
+    WriteWord(cut, begin, end);
+  }
+}
+
 // Writes one word of the query's cut, bytes begin .. end, as the pieces that signs inside leave.
 void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
   const auto& characters = cut.out.characters;
@@ -234,11 +293,13 @@ void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
     }
     const size_t after = last;
     TrimPiece(cut, i, last);
-    const bool hasWord = std::any_of(characters.begin() + static_cast<ptrdiff_t>(i),
-                                     characters.begin() + static_cast<ptrdiff_t>(last), IsWord);
-    if (hasWord) {
+    if (HasWord(cut, i, last)) {
       whole = whole && ByteAt(cut, i) == begin && ByteAt(cut, last) == end;
-      WriteWord(cut, i, last);
+      if (cut.out.runs == RunCut::kPieces && HasRunPiece(SurfaceOf(cut, i, last))) {
+        WritePieces(cut, i, last);
+      } else {
+        WriteWord(cut, i, last);
+      }
     } else {
       whole = false;
     }
@@ -379,7 +440,8 @@ std::string_view NextChunk(std::string_view& text) {
   return chunk;
 }
 
-void CutChunk(std::string_view chunk, ChunkTokens& out) {
+void CutChunk(std::string_view chunk, ChunkTokens& out, RunCut runs) {
+  out.runs = runs;
   out.tokens.clear();
   out.forms.clear();
   out.surface.assign(chunk);

@@ -9,9 +9,10 @@
 //   plain    forms without accents ("cafe" for "café"; see plain_forms.h);
 //   compatible forms of characters that stand for others ("m2" for "m²"; see compatible_text.h).
 //
-// Where a script has no blanks between words, they are told apart by word_breaks.h. The query is
-// not cut there, so such words are found one by one, two that follow each other as one, and all
-// that stands between blanks and signs.
+// Where a script has no blanks between words, its pieces (text/run_cut.h) are words of their own if
+// the query is cut there, too (CutRuns). If not, words are told apart by word_breaks.h, and such
+// words are found one by one, two that follow each other as one, and all that stands between blanks
+// and signs.
 #pragma once
 
 #include <cstdint>
@@ -36,10 +37,16 @@ constexpr size_t kWordBytesLimit = 120;
 // takes is many times its length.
 constexpr size_t kChunkBytesLimit = 8192;
 
+// What becomes of scripts without blanks between words.
+enum class RunCut : uint8_t { kWords, kPieces };
+
 struct TextToken {
   char32_t sign = 0;         // 0 for a word; of a picture of several characters the first
   std::string_view base;     // of a word: lower-cased, as the dictionary has it
   std::string_view surface;  // as the page writes it; kWordBreakSign where it writes nothing
+  // Of a word: a piece of a script without blanks. Between two of them nothing is written, unless
+  // kBlankSign stands there.
+  bool isPiece = false;
 };
 
 // A further form that finds the word `token`.
@@ -63,6 +70,7 @@ struct ChunkTokens {
   std::string surface, lower, scratch;
   std::vector<ChunkCharacter> characters;
   WordBreaks breaks;
+  RunCut runs = RunCut::kWords;
 };
 
 // Takes the next chunk off the start of clean text (see CleanText): a run without blanks, or up to
@@ -72,6 +80,6 @@ struct ChunkTokens {
 std::string_view NextChunk(std::string_view& text);
 
 // Cuts one chunk, in time and memory in proportion to its length.
-void CutChunk(std::string_view chunk, ChunkTokens& out);
+void CutChunk(std::string_view chunk, ChunkTokens& out, RunCut runs = RunCut::kWords);
 
 }  // namespace vela::indexer

@@ -8,6 +8,7 @@
 #include "format/keyword_line.h"
 #include "format/page_info.h"
 #include "format/settings_file.h"
+#include "indexer/config/extensions.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "indexer/words/query_folding.h"
@@ -93,19 +94,17 @@ void AddOwnersKeys(const SiteConfig& config, SettingsText& out) {
   }
 }
 
-int32_t ExtensionValue(const NumberKey& key, const SiteConfig& config,
-                       const IndexCharset& charset) {
-  const auto given = config.settings.find(key.key);
-  if (given != config.settings.end()) return given->second.number;
+int32_t WrittenValue(const NumberKey& key, const SiteConfig& config, const IndexCharset& charset) {
   // In a single-byte set the program knows the signs of ASCII alone.
-  if (!config.extensions || (key.key == kCutSignsKey && !charset.utf8())) return 0;
-  return key.value;
+  const bool isGiven = config.settings.contains(key.key);
+  if (key.key == kCutSignsKey && !charset.utf8() && !isGiven) return 0;
+  return ExtensionValue(config, key.key);
 }
 
 // Those that are off are not written: without their key they are off.
 void AddExtensions(const IndexFacts& facts, const SiteConfig& config, SettingsText& out) {
   for (const NumberKey& key : ExtensionKeys()) {
-    const int32_t value = ExtensionValue(key, config, out.charset);
+    const int32_t value = WrittenValue(key, config, out.charset);
     if (value != 0) out.AddNumber(key.key, value);
   }
   for (const TextKey& key : ExtensionTextKeys()) {

@@ -50,7 +50,8 @@ TokenSink SinkOf(CutResult& result) {
 }
 
 CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
-                const std::string& description = "", const std::string& address = "") {
+                const std::string& description = "", const std::string& address = "",
+                RunCut runs = RunCut::kWords) {
   CutResult result;
   PageContent page;
   page.body = body;
@@ -58,10 +59,13 @@ CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
   const IndexCharset utf8;
   WordForms forms(utf8, -1);
   const TokenSink sink = SinkOf(result);
-  const bool isWhole = CutPage(
-      {.content = page, .title = title, .addressText = address}, 0,
-      {.forms = forms, .vocabulary = result.vocabulary, .signs = result.signs, .sink = sink},
-      result.words);
+  const bool isWhole = CutPage({.content = page, .title = title, .addressText = address}, 0,
+                               {.forms = forms,
+                                .vocabulary = result.vocabulary,
+                                .signs = result.signs,
+                                .sink = sink,
+                                .runs = runs},
+                               result.words);
   EXPECT_TRUE(isWhole);
   EXPECT_EQ(result.words.tokenCount, result.tokens.size());
   return result;
@@ -80,6 +84,33 @@ TEST(PageTokens, RunsStandInOrder) {
   EXPECT_EQ(CutOf({}, "Title").Tokens(), "title .");
   EXPECT_EQ(CutOf({{"body", 0}}, "...", "", "a").Tokens(), "body | a .");
   EXPECT_EQ(CutOf({}, "").Tokens(), ".");
+}
+
+TEST(PageTokens, BetweenPiecesABlankIsATokenAndNothingIsNone) {
+  const struct {
+    const char *what, *text, *expected;
+  } cases[] = {
+      {"a run", "日本", "日 本 ."},
+      {"a blank between pieces", "日 本", "日 # 本 ."},
+      {"a sign", "日、 本", "日 # 本 ."},
+      {"a sign that is not shown", "日※本", "日 # 本 ."},
+      {"a word without a blank", "日x", "日 # x ."},
+      {"a word with one", "日 x 本", "日 x 本 ."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(CutOf({{c.text, 0}}, "", "", "", RunCut::kPieces).Tokens(), c.expected);
+  }
+  EXPECT_EQ(CutOf({{"日", 0}, {"本", 0}}, "語", "文", "", RunCut::kPieces).Tokens(),
+            "日 # 本 | 語 | 文 .");
+  EXPECT_EQ(CutOf({{"日。", 0}, {"本", 0}}, "", "", "", RunCut::kPieces).Tokens(), "日 # 本 .");
+}
+
+TEST(PageTokens, PiecesOfALongRunStandBesideEachOther) {
+  std::string text;
+  for (int i = 0; i < 4000; ++i) text += "本";  // more than a chunk holds
+  const CutResult page = CutOf({{text, 0}}, "", "", "", RunCut::kPieces);
+  EXPECT_EQ(page.words.tokenCount, 4001u);
 }
 
 TEST(PageTokens, PositionIsTheFirstTokenOfTheBody) {

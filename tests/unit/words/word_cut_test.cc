@@ -8,29 +8,36 @@
 
 #include "indexer/words/clean_text.h"
 #include "indexer/words/query_folding.h"
+#include "search/highlight_terms.h"
+#include "search/run_terms.h"
 #include "text/lower.h"
+#include "text/run_cut.h"
 #include "text/word_split.h"
 
 namespace vela::indexer {
 namespace {
 
 // The tokens of a chunk on one line, signs as in HTML, "+" where words touch. A word is its base
-// form, with "/" and its surface where that differs. Further forms stand in braces, sorted, each
+// form, with "/" and its surface where that differs, and "'" before a piece; "_" is a blank that
+// has to be written. Further forms stand in braces, sorted, each
 // once.
-std::string Cut(std::string_view chunk) {
+std::string Cut(std::string_view chunk, RunCut runs = RunCut::kWords) {
   ChunkTokens cut;
-  CutChunk(chunk, cut);
+  CutChunk(chunk, cut, runs);
   std::string line;
   for (const TextToken& token : cut.tokens) {
     if (!line.empty()) line += ' ';
     if (token.sign != 0) {
       if (token.sign == kWordBreakSign) {
         line += '+';
+      } else if (token.sign == kBlankSign) {
+        line += '_';
       } else {
         line += token.surface.size() == 1 ? HtmlText(token.sign) : std::string(token.surface);
       }
       continue;
     }
+    line += token.isPiece ? "'" : "";
     line += token.base;
     if (token.base != token.surface) line.append("/").append(token.surface);
   }
@@ -291,6 +298,34 @@ std::vector<std::string> AsMeant(const std::string& term) {
   return meant;
 }
 
+TEST(WordCut, CutsPieces) {
+  const struct {
+    const char *what, *chunk, *expected;
+  } kCases[] = {
+      {"a run", "暗号化", "'暗 '号 '化"},
+      {"a sign between pieces", "日、本。", "'日 、 '本 。"},
+      {"a sign that is not shown", "日※本", "'日 _ '本"},
+      {"a word before a run", "Debianパッ", "debian/Debian + 'パ 'ッ"},
+      {"a word behind a run", "日本GNU", "'日 '本 + gnu/GNU"},
+      {"a number between", "第7章", "'第 + 7 + '章"},
+      {"a joined word beside a run", "node.jsを", "node.js + 'を {js node}"},
+      {"joining signs beside a run", "版-1.2", "'版 - 1.2 {1 2}"},
+      {"joining signs between runs", "日-本", "'日 - '本"},
+      {"half-width kana", "ｶﾞｽ", "'ガ/ｶﾞ 'ス/ｽ"},
+      {"full-width letters are a word", "ＳＳＨを", "ｓｓｈ/ＳＳＨ + 'を {ssh}"},
+      {"accents of a word beside a run", "caféへ", "café + 'へ {cafe}"},
+      {"marks of Thai", "ที่นั่ง", "'ที่ 'นั่ 'ง"},
+      {"brackets", "（東京）", "（ '東 '京 ）"},
+      {"one piece that stands for another", "㊗", "㊗ {祝}"},
+      {"several pieces are no form", "㌔", "㌔"},
+      {"no run", "e-mail", "e-mail {e mail}"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(Cut(c.chunk, RunCut::kPieces), c.expected);
+  }
+}
+
 bool HasWordCharacter(std::string_view text) {
   size_t length = 0;
   for (size_t at = 0; at < text.size(); at += length) {
@@ -399,17 +434,68 @@ TEST(WordCut, PagesAndQueriesAreCutAlikeAtEveryCharacter) {
   EXPECT_GT(cuts, 10000u);
 }
 
+// Whether the words stand one after another among the tokens, signs passed over, each as a token or
+// a form of one.
+bool HoldsPhrase(const ChunkTokens& cut, std::string_view phrase) {
+  std::vector<std::set<std::string>> found;
+  std::vector<size_t> places(cut.tokens.size());
+  for (size_t i = 0; i < cut.tokens.size(); ++i) {
+    places[i] = found.size();
+    if (cut.tokens[i].sign == 0) found.push_back({FoldedWord(cut.tokens[i].base)});
+  }
+  for (const FoundForm& form : cut.forms) found[places[form.token]].insert(FoldedWord(form.text));
+  std::vector<std::string> words;
+  for (std::string_view word; NextPhraseWord(phrase, word);) words.emplace_back(word);
+  for (size_t begin = 0; begin + words.size() <= found.size(); ++begin) {
+    size_t k = 0;
+    while (k < words.size() && found[begin + k].contains(words[k])) ++k;
+    if (k == words.size()) return true;
+  }
+  return false;
+}
+
+TEST(WordCut, TheIndexHoldsTheRunsOfAQueryAsPhrases) {
+  const std::vector<std::string> pieces = {"a",  "Bc", "7",  "図", "書",   "ガ", "ｶﾞ", "か\u3099",
+                                           "ー", "ท",  "ที่",  ".",  "-",    "_",  "、", "'",
+                                           "/",  "é",  "中", "的", "ＳＳ", "(",  "①"};
+  Settings settings;
+  settings.UseUTF8 = settings.CutRuns = settings.AllowExactPhrase = 1;
+  std::mt19937 random(20251122);
+  size_t phrases = 0;
+  for (int round = 0; round < 100000; ++round) {
+    std::string chunk;
+    const size_t count = 1 + random() % 9;
+    for (size_t i = 0; i < count; ++i) chunk += pieces[random() % pieces.size()];
+    ChunkTokens cut;
+    CutChunk(chunk, cut, RunCut::kPieces);
+    for (const std::string& term : QueryTerms(chunk)) {
+      if (!HasRunPiece(term) || term.starts_with('-')) continue;
+      TermList terms;
+      bool hasPhrase = false;
+      ASSERT_TRUE(SplitQuery(term, terms, hasPhrase));
+      ASSERT_TRUE(CutRunsOfTerms(terms, settings));
+      ASSERT_TRUE(HoldsPhrase(cut, terms[0]))
+          << chunk << " lacks " << terms[0] << ": " << Cut(chunk, RunCut::kPieces);
+      ++phrases;
+    }
+  }
+  EXPECT_GT(phrases, 50000u);
+}
+
 TEST(WordCut, SurvivesAnyBytes) {
   std::mt19937 random(7);
   for (int round = 0; round < 100000; ++round) {
     std::string text(1 + random() % 12, ' ');
     for (char& c : text) c = static_cast<char>(0x21 + random() % 0xDF);
     ChunkTokens cut;
-    CutChunk(text, cut);
+    const bool inPieces = round % 2 != 0;
+    CutChunk(text, cut, inPieces ? RunCut::kPieces : RunCut::kWords);
     for (const TextToken& token : cut.tokens) {
       ASSERT_EQ(token.base.empty(), token.sign != 0);
       if (token.sign != 0) continue;
-      ASSERT_EQ(token.base.size(), token.surface.size());
+      if (!token.isPiece) {
+        ASSERT_EQ(token.base.size(), token.surface.size());
+      }
       ASSERT_LE(token.base.size(), kWordBytesLimit);
     }
   }
