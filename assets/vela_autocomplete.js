@@ -6,6 +6,11 @@ var VelaAutoComplete_URL;  // by default the form's
   const SPOKEN = {  // ASCII
     de: 'Vorschl\xe4ge', es: 'Sugerencias', it: 'Suggerimenti', nl: 'Suggesties', pl: 'Podpowiedzi',
     pt: 'Sugest\xf5es', sv: 'F\xf6rslag',
+    cs: 'N\xe1vrhy', tr: '\xd6neriler',
+    ar: '\u0627\u0642\u062a\u0631\u0627\u062d\u0627\u062a',
+    ja: '\u5019\u88dc',
+    uk: '\u041f\u0456\u0434\u043a\u0430\u0437\u043a\u0438',
+    zh: '\u5efa\u8bae',
     ru: '\u041f\u043e\u0434\u0441\u043a\u0430\u0437\u043a\u0438',
   };
   let use = () => {};

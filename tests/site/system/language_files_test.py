@@ -5,6 +5,7 @@ the page unchanged."""
 import re
 import shutil
 import subprocess
+import unicodedata
 import unittest
 
 import support
@@ -53,9 +54,9 @@ class LanguageFiles(unittest.TestCase):
 
     def test_there_are_49_keys_and_those_of_the_templates(self):
         self.assertEqual(len(set(program_keys())), 49)
-        self.assertEqual(template_keys(), ["TEMPLATE_LANG", "TEMPLATE_SEARCH", "TEMPLATE_REMOVE",
-                                           "TEMPLATE_NO_SUCH_PAGE", "TEMPLATE_FIRST_PAGE",
-                                           "TEMPLATE_OPTIONS"])
+        self.assertEqual(template_keys(), ["TEMPLATE_LANG", "TEMPLATE_DIR", "TEMPLATE_SEARCH",
+                                           "TEMPLATE_REMOVE", "TEMPLATE_NO_SUCH_PAGE",
+                                           "TEMPLATE_FIRST_PAGE", "TEMPLATE_OPTIONS"])
 
     def test_lines_are_utf8_and_of_one_form(self):
         for language in LANGUAGES:
@@ -116,10 +117,18 @@ class LanguageFiles(unittest.TestCase):
                 if key == "STR_SEARCH_TOOK":
                     continue  # "Duration: 0.012 s." is as good.
                 with self.subTest(language, key=key):
+                    value = value.replace("\uff1a", ":").replace("\u3002", ".")
                     for mark in ":.":
                         if key == "STR_RESULTS" and mark == ".":
                             continue  # May be an abbreviation.
                         self.assertEqual(value.endswith(mark), english[key].endswith(mark), value)
+
+    def test_the_direction_is_that_of_the_script(self):
+        for language in LANGUAGES:
+            texts = dict(pairs(language))
+            letters = [unicodedata.bidirectional(c) for c in "".join(texts.values()) if c.isalpha()]
+            right = sum(kind in ("R", "AL") for kind in letters) > len(letters) / 2
+            self.assertEqual(texts["TEMPLATE_DIR"], "rtl" if right else "ltr", language)
 
     def test_french_colons_follow_a_space_that_does_not_break(self):
         for key, value in pairs("french"):
@@ -156,7 +165,8 @@ class LanguagesOnThePage(unittest.TestCase):
 
             with self.subTest(language):
                 many = page("lighthouse")
-                self.assertIn(f'<html lang="{texts["TEMPLATE_LANG"]}"', many)
+                self.assertIn(f'<html lang="{texts["TEMPLATE_LANG"]}" '
+                              f'dir="{texts["TEMPLATE_DIR"]}"', many)
                 self.assertIn(f"<title>{texts['TEMPLATE_SEARCH']} lighthouse</title>", many)
                 self.assertIn(f"<summary>{texts['TEMPLATE_OPTIONS']}</summary>", many)
                 self.assertIn(f"{texts['RESULTS_FOR']} lighthouse", many)

@@ -16,7 +16,7 @@ TEST(LanguageFile, EveryBuiltInLanguageIsComplete) {
     if (!file.name.ends_with(".vlang")) continue;
     SCOPED_TRACE(file.name);
     const Language language = ReadLanguage(file.content, std::string(file.name));
-    for (const char* key : {"TEMPLATE_LANG", "TEMPLATE_SEARCH", "TEMPLATE_OPTIONS",
+    for (const char* key : {"TEMPLATE_LANG", "TEMPLATE_DIR", "TEMPLATE_SEARCH", "TEMPLATE_OPTIONS",
                             "TEMPLATE_REMOVE", "TEMPLATE_NO_SUCH_PAGE", "TEMPLATE_FIRST_PAGE"}) {
       EXPECT_TRUE(language.templateWords.contains(key)) << key;
     }
