@@ -253,6 +253,42 @@ void WritePiece(ChunkCut& cut, size_t first, size_t last) {
   cut.out.tokens.push_back({.sign = 0, .base = base, .surface = surface, .isPiece = true});
 }
 
+// Whether the character may stand for pieces ("\u3314" for two kana): those of a circle, a
+// parenthesis or a square around them.
+bool MayStandForPieces(const ChunkCharacter& c) {
+  return (c.character >= 0x3200 && c.character <= 0x33FF) ||
+         (c.character >= 0x1F200 && c.character <= 0x1F2FF);
+}
+
+// Writes the character at `place` as the pieces that it stands for; false when it stands for
+// anything else.
+bool WriteCompatiblePieces(ChunkCut& cut, size_t place) {
+  if (!MayStandForPieces(cut.out.characters[place])) return false;
+  const std::string_view surface = SurfaceOf(cut, place, place + 1);
+  const std::string text = CompatibleText(surface);
+  std::vector<std::string_view> pieces;
+  for (std::string_view rest = text; !rest.empty();) {
+    const size_t length = RunPieceLength(rest);
+    if (length == 0) return false;
+    pieces.push_back(rest.substr(0, length));
+    rest.remove_prefix(length);
+  }
+  if (pieces.empty()) return false;
+  WriteGap(cut, place, true);
+  WriteSigns(cut, place);
+  cut.next = place + 1;
+  const size_t token = cut.out.tokens.size();
+  for (const std::string_view piece : pieces) {
+    const bool isFirst = piece.data() == text.data();
+    cut.out.tokens.push_back({.sign = 0,
+                              .base = cut.out.pieces.emplace_back(piece),
+                              .surface = isFirst ? surface : kWordBreak.surface,
+                              .isPiece = true});
+  }
+  AddForm(cut, token, std::string(surface));
+  return true;
+}
+
 // Writes the characters first .. last as the pieces among them and the words between those.
 void WritePieces(ChunkCut& cut, size_t first, size_t last) {
   const auto pieceLength = [&](size_t i) { return RunPieceLength(SurfaceOf(cut, i, last)); };
@@ -263,14 +299,25 @@ void WritePieces(ChunkCut& cut, size_t first, size_t last) {
       i = end;
       continue;
     }
-    size_t begin = i;
-    while (i < last && pieceLength(i) == 0) ++i;
+    if (WriteCompatiblePieces(cut, i)) {
+      ++i;
+      continue;
+    }
+    size_t begin = i++;
+    while (i < last && pieceLength(i) == 0 && !MayStandForPieces(cut.out.characters[i])) ++i;
     size_t end = i;
     TrimPiece(cut, begin, end);
     if (!HasWord(cut, begin, end)) continue;
     WriteGap(cut, begin, false);
     WriteWord(cut, begin, end);
   }
+}
+
+bool HoldsPieces(const ChunkCut& cut, size_t first, size_t last) {
+  if (cut.out.runs == RunCut::kWords) return false;
+  const auto characters = std::span(cut.out.characters).subspan(first, last - first);
+  return HasRunPiece(SurfaceOf(cut, first, last)) ||
+         std::ranges::any_of(characters, MayStandForPieces);
 }
 
 // Writes one word of the query's cut, bytes begin .. end, as the pieces that signs inside leave.
@@ -295,7 +342,7 @@ void WriteCutWord(ChunkCut& cut, size_t begin, size_t end) {
     TrimPiece(cut, i, last);
     if (HasWord(cut, i, last)) {
       whole = whole && ByteAt(cut, i) == begin && ByteAt(cut, last) == end;
-      if (cut.out.runs == RunCut::kPieces && HasRunPiece(SurfaceOf(cut, i, last))) {
+      if (HoldsPieces(cut, i, last)) {
         WritePieces(cut, i, last);
       } else {
         WriteWord(cut, i, last);
@@ -444,6 +491,7 @@ void CutChunk(std::string_view chunk, ChunkTokens& out, RunCut runs) {
   out.runs = runs;
   out.tokens.clear();
   out.forms.clear();
+  out.pieces.clear();
   out.surface.assign(chunk);
   out.lower.assign(chunk);
   LowerUtf8(out.lower.data(), out.lower.size());

@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,7 +46,8 @@ struct TextToken {
   std::string_view base;     // of a word: lower-cased, as the dictionary has it
   std::string_view surface;  // as the page writes it; kWordBreakSign where it writes nothing
   // Of a word: a piece of a script without blanks. Between two of them nothing is written, unless
-  // kBlankSign stands there.
+  // kBlankSign stands there. A character that stands for several is written with the first of them,
+  // kWordBreakSign with the others.
   bool isPiece = false;
 };
 
@@ -69,6 +71,7 @@ struct ChunkTokens {
   std::vector<FoundForm> forms;
   std::string surface, lower, scratch;
   std::vector<ChunkCharacter> characters;
+  std::deque<std::string> pieces;  // bases that stand nowhere in `lower`
   WordBreaks breaks;
   RunCut runs = RunCut::kWords;
 };

@@ -316,8 +316,9 @@ TEST(WordCut, CutsPieces) {
       {"accents of a word beside a run", "caféへ", "café + 'へ {cafe}"},
       {"marks of Thai", "ที่นั่ง", "'ที่ 'นั่ 'ง"},
       {"brackets", "（東京）", "（ '東 '京 ）"},
-      {"one piece that stands for another", "㊗", "㊗ {祝}"},
-      {"several pieces are no form", "㌔", "㌔"},
+      {"a character that stands for a piece", "㊗日", "'祝/㊗ '日 {㊗}"},
+      {"one that stands for several", "5㌔、", "5 + 'キ/㌔ 'ロ/\u200B 、 {㌔}"},
+      {"one that stands for other letters", "㎏", "㎏ {kg}"},
       {"no run", "e-mail", "e-mail {e mail}"},
   };
   for (const auto& c : kCases) {
