@@ -185,7 +185,7 @@ size_t KeyWordLineLength(const SiteConfig& config, size_t longestRecommended) {
 
 bool CutsSigns(const SiteConfig& config, const IndexCharset& charset) {
   const auto key = std::ranges::find(ExtensionKeys(), kCutSignsKey, &NumberKey::key);
-  return charset.utf8() && ExtensionValue(*key, config, charset) == 1;
+  return charset.utf8() && WrittenValue(*key, config, charset) == 1;
 }
 
 uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& facts,

@@ -334,6 +334,14 @@ bool Dictionary::CollectByBeginning(std::string_view beginning, WordSet& found) 
   return false;
 }
 
+size_t Dictionary::ListByBeginning(std::string_view beginning, std::span<uint32_t> numbers) const {
+  size_t count = 0;
+  if (lookup_ == nullptr || beginning.empty()) return 0;
+  if (vela::ListByBeginning(Sorted(), beginning, numbers, count)) return count;
+  LeaveLookup();
+  return 0;
+}
+
 // The last word from `from` on that begins at or before the position; `from` itself does.
 int32_t Dictionary::WordAtPosition(size_t position, int32_t from) const {
   int32_t low = from;

@@ -4,7 +4,9 @@
 // word stands; where the lookup file says both, there is none, and only what is asked for is read.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "format/dictionary.h"
@@ -66,8 +68,12 @@ class Dictionary {
   // every word.
   [[nodiscard]] bool CollectByBeginning(std::string_view beginning, WordSet& found) const;
 
-  // The same of words that hold `piece` anywhere, and of some others: by looking at the bytes of
-  // the file instead of at every word. False when memory is out.
+  // Lists the numbers of such words, as many as there is room for, and returns how many; 0 where
+  // that takes looking at every word.
+  size_t ListByBeginning(std::string_view beginning, std::span<uint32_t> numbers) const;
+
+  // Collects those of words that hold `piece` anywhere, and of some others: by looking at the bytes
+  // of the file instead of at every word. False when memory is out.
   [[nodiscard]] bool CollectByPiece(std::string_view piece, WordSet& found) const;
 
   // Whether variant lines follow the word.

@@ -83,6 +83,30 @@ bool LowerBound(const SortedWords& words, LookupKey key, std::string_view wanted
   return true;
 }
 
+// Calls `visit(word)` for every text that begins so, until that gives false. False when the tables
+// are damaged.
+template <typename Visit>
+bool VisitByBeginning(const SortedWords& words, std::string_view beginning, Visit visit) {
+  const LookupHeader& header = words.lookup.header();
+  const LookupKey key = FoldedLookupKeyOf(beginning);
+  size_t index = 0;
+  if (!LowerBound(words, key, beginning, index)) return false;
+  const size_t inKey = std::min(beginning.size(), sizeof key);
+  const LookupKey mask = ~LookupKey{0} << (8 * (sizeof key - inKey));
+  for (; index < header.sortedWords.count; ++index) {
+    LookupSortedWord sorted;
+    if (!words.lookup.Read(header.sortedWords, index, sorted)) return false;
+    if ((sorted.key & mask) != key) break;
+    if (beginning.size() > sizeof key &&
+        CompareFolded(TextOf(words, sorted).substr(0, beginning.size()), beginning) != 0) {
+      break;
+    }
+    if (sorted.word >= static_cast<uint32_t>(words.count)) return false;
+    if (!visit(sorted.word)) break;
+  }
+  return true;
+}
+
 }  // namespace
 
 int32_t NextInSet(const WordSet& words, int32_t from, int32_t end) {
@@ -119,27 +143,21 @@ bool FindEqualWord(const SortedWords& words, std::string_view word, int32_t from
 }
 
 bool CollectByBeginning(const SortedWords& words, std::string_view beginning, WordSet& found) {
-  const LookupHeader& header = words.lookup.header();
-  const LookupKey key = FoldedLookupKeyOf(beginning);
-  size_t index = 0;
-  if (!LowerBound(words, key, beginning, index) ||
-      !found.bits.TryAllocate(static_cast<size_t>(words.count) / 64 + 1)) {
-    return false;
-  }
-  const size_t inKey = std::min(beginning.size(), sizeof key);
-  const LookupKey mask = ~LookupKey{0} << (8 * (sizeof key - inKey));
-  for (; index < header.sortedWords.count; ++index) {
-    LookupSortedWord sorted;
-    if (!words.lookup.Read(header.sortedWords, index, sorted)) return false;
-    if ((sorted.key & mask) != key) break;
-    if (beginning.size() > sizeof key &&
-        CompareFolded(TextOf(words, sorted).substr(0, beginning.size()), beginning) != 0) {
-      break;
-    }
-    if (sorted.word >= static_cast<uint32_t>(words.count)) return false;
-    found.bits[sorted.word / 64] |= uint64_t{1} << (sorted.word % 64);
-  }
-  return true;
+  if (!found.bits.TryAllocate(static_cast<size_t>(words.count) / 64 + 1)) return false;
+  return VisitByBeginning(words, beginning, [&found](uint32_t word) {
+    found.bits[word / 64] |= uint64_t{1} << (word % 64);
+    return true;
+  });
+}
+
+bool ListByBeginning(const SortedWords& words, std::string_view beginning,
+                     std::span<uint32_t> numbers, size_t& count) {
+  count = 0;
+  return VisitByBeginning(words, beginning, [&](uint32_t word) {
+    if (count == numbers.size()) return false;
+    numbers[count++] = word;
+    return true;
+  });
 }
 
 }  // namespace vela

@@ -1,7 +1,9 @@
 // sorted_words.h: finding words of the dictionary by their text, in the tables of the lookup file.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "index/lookup_file.h"
@@ -34,5 +36,10 @@ struct SortedWords {
 // or memory is out.
 [[nodiscard]] bool CollectByBeginning(const SortedWords& words, std::string_view beginning,
                                       WordSet& found);
+
+// Lists the numbers of such words, in the order of the texts, as many as there is room for:
+// `count`. False when the tables are damaged.
+[[nodiscard]] bool ListByBeginning(const SortedWords& words, std::string_view beginning,
+                                   std::span<uint32_t> numbers, size_t& count);
 
 }  // namespace vela

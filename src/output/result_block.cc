@@ -8,6 +8,23 @@
 
 namespace vela {
 
+namespace {
+
+// Settles which passages of the page are shown. Beside a description the beginning of a page that
+// holds the words only in its title says nothing more.
+void PlanContext(const ResultBlocks& blocks, Result& result, PassagePlan& plan) {
+  PlanPassages({.settings = blocks.settings,
+                .dictionary = blocks.dictionary,
+                .lookup = blocks.files.lookup,
+                .pageText = blocks.files.pageText.bytes(),
+                .words = *blocks.passageWords},
+               result.entry, plan);
+  if (!plan.isInText && ShowsDescription(blocks.settings, result.texts)) plan.count = 0;
+  result.plan = &plan;
+}
+
+}  // namespace
+
 BlockStatus WriteResultBlocks(Response& response, OutputSections& sections,
                               const ResultBlocks& blocks, const ResultList& results) {
   const int64_t perPage = EffectivePerPage(blocks.request);
@@ -25,6 +42,8 @@ BlockStatus WriteResultBlocks(Response& response, OutputSections& sections,
     if (!ReadPageData(blocks.files.pageData.bytes(), PageDataOffset(pages, page), result.texts)) {
       return BlockStatus::kCorruptPageData;
     }
+    PassagePlan plan;
+    if (blocks.passageWords != nullptr) PlanContext(blocks, result, plan);
     result.target = ResultTarget(blocks.settings, result.texts.url, View(blocks.links.query),
                                  View(blocks.query.text));
     if (blocks.settings.PluginOpenNewWindow == 1 &&

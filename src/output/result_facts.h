@@ -14,6 +14,7 @@
 #include "output/links.h"
 #include "search/filters.h"
 #include "search/highlight_terms.h"
+#include "search/passages.h"
 #include "search/query.h"
 #include "search/ranking.h"
 #include "search/search_request.h"
@@ -33,6 +34,7 @@ struct ResultBlocks {
   const HighlightTerms& highlight;
   const Matches& matches;
   bool showsContext = false;  // the search was for words, and the settings want context
+  const PassageWords* passageWords = nullptr;  // null: no passages are planned
 };
 
 enum class BlockStatus { kOk, kCorruptPageData, kInvalidCategory };
@@ -42,8 +44,9 @@ struct Result {
   ResultEntry entry;
   int32_t index = 0;  // in the whole list, from 0
   PageTexts texts;
-  LinkText target;             // where the links of the result lead
-  const char* attribute = "";  // of these links, as it stands in the tag
+  LinkText target;                    // where the links of the result lead
+  const PassagePlan* plan = nullptr;  // of its passages; null: those around the first matches
+  const char* attribute = "";         // of these links, as it stands in the tag
 };
 
 inline constexpr const char* kMonthNames[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",

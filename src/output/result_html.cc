@@ -79,6 +79,7 @@ void AppendContext(OutputSections& sections, const ResultBlocks& blocks, const R
                      .dictionary = blocks.dictionary,
                      .terms = blocks.highlight,
                      .marksWords = blocks.request.marksWords,
+                     .plan = result.plan,
                      .text = text},
                     result.entry, result.texts.title);
 }

@@ -19,6 +19,7 @@ void WriteContext(Response& response, const ResultBlocks& blocks, const Result& 
                    .dictionary = blocks.dictionary,
                    .terms = blocks.highlight,
                    .marksWords = blocks.request.marksWords,
+                   .plan = result.plan,
                    .text = text},
                   result.entry, result.texts.title);
 }

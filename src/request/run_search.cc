@@ -11,6 +11,7 @@
 #include "search/filters.h"
 #include "search/highlight_terms.h"
 #include "search/matches.h"
+#include "search/passages.h"
 #include "search/ranking.h"
 #include "search/run_terms.h"
 #include "search/stop_words.h"
@@ -143,16 +144,23 @@ int Render(SearchContext& ctx, SearchState& state) {
                             .skipped = state.terms.skipped,
                             .suggestions = suggestions};
   WriteResultsHead(ctx.response, ctx.output, page);
-  const ResultBlocks blocks = {
-      .settings = ctx.settings,
-      .request = ctx.search,
-      .query = ctx.query,
-      .links = state.links,
-      .files = ctx.index,
-      .dictionary = ctx.dictionary,
-      .highlight = state.highlight,
-      .matches = state.matches,
-      .showsContext = ctx.settings.DisplayContext == 1 && !state.everyPage};
+  const bool showsContext = ctx.settings.DisplayContext == 1 && !state.everyPage;
+  const bool plansPassages = ctx.settings.Passages == 1 && showsContext;
+  PassageWords passageWords;
+  if (plansPassages) {
+    passageWords.Collect({state.terms.terms.data(), state.terms.terms.size()}, ctx.dictionary,
+                         ctx.settings);
+  }
+  const ResultBlocks blocks = {.settings = ctx.settings,
+                               .request = ctx.search,
+                               .query = ctx.query,
+                               .links = state.links,
+                               .files = ctx.index,
+                               .dictionary = ctx.dictionary,
+                               .highlight = state.highlight,
+                               .matches = state.matches,
+                               .showsContext = showsContext,
+                               .passageWords = plansPassages ? &passageWords : nullptr};
   switch (WriteResultBlocks(ctx.response, ctx.output, blocks, state.results)) {
     case BlockStatus::kOk:
       break;

@@ -104,6 +104,49 @@ bool ReadSlots(SnippetWalk& walk, const SnippetSource& source, uint64_t position
   return true;
 }
 
+// Reads a piece that was planned, up to where its stretch of text ends.
+bool ReadPlanned(const SnippetSource& source, const PassagePiece& planned, SnippetPiece& piece) {
+  const PassageWords& words = source.plan->words;
+  SeekPageText(source.text, planned.start);
+  PageTextToken token;
+  while (piece.count < planned.tokens) {
+    if (ReadPageTextToken(source.text, token) == 0 || EndsRun(token.word)) break;
+    if (token.word >= static_cast<uint32_t>(source.dictionary.size())) continue;
+    const bool isMatch =
+        source.marksWords && (words.TermsOf(token.word) & words.singleTerms()) != 0;
+    if (!AddSlot(piece, {static_cast<int32_t>(token.word), token.variant,
+                         isMatch ? SlotMark::kWhole : SlotMark::kNone})) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Whether the piece says anything: some of it is written with letters.
+bool HasLetters(const SnippetSource& source, const SnippetPiece& piece) {
+  for (int32_t i = 0; i < piece.count; ++i) {
+    const SnippetSlot& slot = piece.slots[static_cast<size_t>(i)];
+    if (slot.word > source.settings.DictReservedLimit && IsLetterText(SlotText(source, slot))) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// As NextPiece, of those that were planned.
+SnippetStatus NextPlanned(SnippetWalk& walk, const SnippetSource& source, SnippetPiece& piece) {
+  while (walk.next < source.plan->count) {
+    piece.count = 0;
+    piece.damagedTokens = 0;
+    const PassagePiece& planned = source.plan->pieces[static_cast<size_t>(walk.next++)];
+    if (!ReadPlanned(source, planned, piece)) return SnippetStatus::kNoMemory;
+    if (!HasLetters(source, piece)) continue;
+    if (source.marksWords) MarkTerms(source, piece);
+    return SnippetStatus::kPiece;
+  }
+  return SnippetStatus::kDone;
+}
+
 }  // namespace
 
 SnippetWalk StartSnippets(const Settings& settings, const ResultEntry& entry) {
@@ -121,6 +164,7 @@ SnippetWalk StartSnippets(const Settings& settings, const ResultEntry& entry) {
 
 SnippetStatus NextPiece(SnippetWalk& walk, const SnippetSource& source, const ResultEntry& entry,
                         SnippetPiece& piece) {
+  if (source.plan != nullptr) return NextPlanned(walk, source, piece);
   const int32_t number = walk.next;
   if (walk.stopped || number >= walk.pieces || (number > 0 && source.text.atEnd)) {
     return SnippetStatus::kDone;

@@ -7,6 +7,7 @@
 #include "index/dictionary.h"
 #include "index/page_text.h"
 #include "search/highlight_terms.h"
+#include "search/passages.h"
 #include "search/ranking.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
@@ -35,7 +36,8 @@ struct SnippetSource {
   const Settings& settings;
   const Dictionary& dictionary;
   const HighlightTerms& terms;
-  bool marksWords = false;  // as the request settled it
+  bool marksWords = false;            // as the request settled it
+  const PassagePlan* plan = nullptr;  // the pieces to take; null: those around the first matches
   PageTextReader& text;
 };
 
