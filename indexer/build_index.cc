@@ -23,6 +23,7 @@
 #include "indexer/report/index_error.h"
 #include "indexer/report/report_text.h"
 #include "indexer/site/address.h"
+#include "indexer/site_language.h"
 #include "indexer/source/folder_source.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
@@ -35,6 +36,7 @@
 #include "indexer/write/settings_writer.h"
 #include "indexer/write/spelling_writer.h"
 #include "indexer/write/word_map_writer.h"
+#include "text/stemmer.h"
 
 namespace vela::indexer {
 
@@ -196,10 +198,22 @@ std::string EndingsText(const FileEndings& endings) {
                                              EndingsText(source.endings) + "." + why);
 }
 
-void ReadPages(const FolderSource& source, Run& run, SitePages& pages) {
+// Chooses the stemming by what the pages say of their language. Returns what to tell the owner.
+std::string ChooseStemming(const FolderSource& source, const SiteListing& listing,
+                           const IndexCharset& charset, SiteConfig& config,
+                           const volatile std::sig_atomic_t& stop) {
+  const std::string language = LanguageOfPages(source, listing.items, stop);
+  config.stemming = StemmingOfLanguage(language);
+  if (language.empty()) return "off, as no page names its language";
+  if (config.stemming < 0) return "off, as there is none for the language \"" + language + "\"";
+  const std::string name = StemmingAlgorithmName(config.stemming);
+  if (HasStemmer(charset, config.stemming)) return name + ", as most pages are in that language";
+  config.stemming = -1;
+  return "off, as there is no " + name + " for " + charset.name();
+}
+
+void ReadPages(const FolderSource& source, SiteListing listing, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
-  run.progress.Begin("Looking for pages", 0);
-  SiteListing listing = ListItems(source);
   const std::vector<SourceItem>& items = listing.items;
   run.summary.files = std::move(listing.leftOut);
   run.summary.otherKinds = std::move(listing.otherKinds);
@@ -342,8 +356,13 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                                .endings = options.config.endings,
                                .fileLimit = options.maxFileMegabytes * kMegabyte,
                                .followLinks = options.followLinks};
+  progress.Begin("Looking for pages", 0);
+  SiteListing listing = ListItems(source);
+  if (options.config.stemming == kStemmingByPages) {
+    summary.stemming = ChooseStemming(source, listing, charset, options.config, stop);
+  }
   SitePages pages(run);
-  ReadPages(source, run, pages);
+  ReadPages(source, std::move(listing), run, pages);
   IndexFacts facts;
   uint64_t bytes = WriteWords(run, pages, facts);
   SettlePages(run, pages);

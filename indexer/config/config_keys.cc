@@ -122,11 +122,15 @@ void CheckCharset(const ConfigEntry& entry, Options& options) {
 
 void ReadStemming(const ConfigEntry& entry, Options& options) {
   SiteConfig& config = options.config;
-  std::vector<std::string_view> names = {"off"};
+  std::vector<std::string_view> names = {"off", "auto"};
   for (int32_t i = 0; i < kStemmingAlgorithmCount; ++i) names.push_back(StemmingAlgorithmName(i));
   size_t place = 0;
   if (!entry.table.Choice(entry.key, names, place)) return;
-  config.stemming = static_cast<int32_t>(place) - 1;
+  config.stemming = static_cast<int32_t>(place) - 2;
+  if (place < 2) {
+    config.stemming = place == 0 ? -1 : kStemmingByPages;
+    return;
+  }
   CheckHere(entry, [&] {
     const IndexCharset charset(config.charset);
     const WordForms forms(charset, config.stemming);

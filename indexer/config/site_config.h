@@ -25,6 +25,9 @@ constexpr size_t kFieldTextLimit = 500;         // bytes of a text in a page's r
 constexpr size_t kListValueCountLimit = kMetaChoiceLimit;
 constexpr size_t kListValueLimit = MetaListText::kCapacity;
 
+// In the place of a StemmingAlgorithm: the one for the language that most pages say they are in.
+constexpr int32_t kStemmingByPages = -2;
+
 // A category and the addresses of its pages; see FitsAddressPattern (address_pattern.h).
 struct CategoryRule {
   std::string name;
@@ -71,7 +74,7 @@ struct SiteConfig {
   FileEndings endings = DefaultFileEndings();
 
   std::string charset = "utf-8";
-  int32_t stemming = -1;  // a StemmingAlgorithm; -1: off
+  int32_t stemming = -1;  // a StemmingAlgorithm; -1: off; kStemmingByPages
   bool images = true;
   std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
   bool trustsFileDates = false;  // even where most of the files were changed on one day

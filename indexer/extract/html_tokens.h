@@ -28,6 +28,7 @@ enum class Attribute : uint8_t {
   kHref,
   kHttpEquiv,
   kItemprop,
+  kLang,
   kName,
   kProperty,
   kRel,
@@ -35,6 +36,7 @@ enum class Attribute : uint8_t {
   kSize,
   kStyle,
   kType,
+  kXmlLang,
   kCount
 };
 

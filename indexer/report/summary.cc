@@ -72,6 +72,7 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
                      CountText(summary.words) + " different words in " + time + ".\n";
   text += "Read " + BytesText(summary.sourceBytes) + ", wrote " + BytesText(summary.indexBytes) +
           " to " + folder + ".\n";
+  if (!summary.stemming.empty()) text += "Stemming: " + summary.stemming + ".\n";
   if (summary.runs != 0) {
     text += "The memory for words was full " + CountText(summary.runs) +
             " times; more of it (--memory) makes this faster.\n";

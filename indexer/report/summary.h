@@ -16,6 +16,7 @@ struct IndexSummary {
   uint64_t occurrences = 0;  // words and signs of the page text
   uint64_t sourceBytes = 0;  // of the pages' files
   uint64_t indexBytes = 0;   // of the files written
+  std::string stemming;      // what was chosen for the site; empty: nothing had to be
   uint64_t runs = 0;         // how often the memory for words was full
   LeftOut files;
   LeftOut otherKinds;             // files of kinds that are not read, by ending

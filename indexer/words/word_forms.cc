@@ -27,6 +27,12 @@ bool SetFitsStemmer(const std::string& set, int32_t algorithm) {
 
 }  // namespace
 
+bool HasStemmer(const IndexCharset& charset, int32_t algorithm) {
+  Stemmer stemmer;
+  return SetFitsStemmer(charset.name(), algorithm) &&
+         stemmer.Create(algorithm, charset.utf8()) == StemmerStatus::kOk;
+}
+
 WordForms::WordForms(const IndexCharset& charset, int32_t stemming) : charset_(charset) {
   if (stemming < 0) return;
   const std::string name = StemmingAlgorithmName(stemming);

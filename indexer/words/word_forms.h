@@ -11,6 +11,9 @@
 
 namespace vela::indexer {
 
+// Whether there is a stemmer of that number of text/stemmer.h for the character set.
+bool HasStemmer(const IndexCharset& charset, int32_t algorithm);
+
 class WordForms {
  public:
   // `stemming` is a number of text/stemmer.h, or -1 for none. Throws IndexError (usage) when there

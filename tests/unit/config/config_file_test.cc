@@ -194,7 +194,7 @@ TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
       {"[index]\nmemory = \"8\"\n", "line 2: ", "without quotes"},
       {"[index]\nimages = 1\n", "line 2: ", "must be true or false"},
       {"[index]\ncharset = \"big5\"\n", "line 2: ", "Give one of utf-8, iso-8859-1"},
-      {"[index]\nstemming = \"klingon\"\n", "line 2: ", "Give one of off, danish"},
+      {"[index]\nstemming = \"klingon\"\n", "line 2: ", "Give one of off, auto, danish"},
       {"[index]\ndates = [\"moon\"]\n", "line 2: ", "Give some of meta, time, file"},
       {"[search]\naddress = \"/search.cgi\"\n", "line 2: ", "must be the whole address"},
       {"[log]\nfile = \"/var/log/x\"\n", "line 2: ", "a path from the index folder on"},

@@ -8,6 +8,7 @@
 #include "indexer/report/index_error.h"
 #include "support/indexer_site.h"
 #include "support/largest_allocation.h"
+#include "text/stemmer.h"
 
 namespace vela::indexer {
 namespace {
@@ -51,6 +52,44 @@ TEST(BuildIndex, TheLookupFileBelongsToAllFiles) {
   EXPECT_EQ(header.pages, 3000u);
   EXPECT_EQ(header.texts.count, 3001u);
   EXPECT_EQ(header.pageInfoLength, 17u);
+}
+
+TEST(BuildIndex, StemsByTheLanguageOfMostPages) {
+  const struct {
+    const char* what;
+    std::vector<const char*> languages;
+    int64_t algorithm;  // -1: no stemming
+    const char* stemming;
+    const char* charset;
+  } cases[] = {
+      {"one language", {"de"}, kStemGerman, "german, as most pages are in that language", "utf-8"},
+      {"that of most pages",
+       {"en", "fr-CA", "fr", "", ""},
+       kStemFrench,
+       "french, as most pages are in that language",
+       "utf-8"},
+      {"the first by name of two", {"sv", "de"}, kStemGerman, "german, as most", "utf-8"},
+      {"a language without stems", {"ja"}, -1, "off, as there is none for the language", "utf-8"},
+      {"no language", {"", ""}, -1, "off, as no page names its language", "utf-8"},
+      {"a set without its letters", {"ru"}, -1, "off, as there is no russian for", "iso-8859-1"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    TestSite site;
+    site.options.config.stemming = kStemmingByPages;
+    site.options.config.charset = c.charset;
+    int number = 0;
+    for (const char* language : c.languages) {
+      const std::string lang = *language == '\0' ? "" : " lang="s + language;
+      site.Add("p" + std::to_string(number++) + ".html", "<html" + lang + "><title>T</title>word");
+    }
+    const IndexSummary summary = site.Build();
+    EXPECT_EQ(Setting(site, "UseStemming"), c.algorithm < 0 ? 0 : 1);
+    EXPECT_EQ(Setting(site, "StemmingAlgo"), c.algorithm);
+    EXPECT_EQ(summary.stemming.find(c.stemming), 0u) << summary.stemming;
+    EXPECT_NE(SummaryText(summary, "", 1).find("Stemming: " + summary.stemming + ".\n"),
+              std::string::npos);
+  }
 }
 
 TEST(BuildIndex, WritesATinySite) {

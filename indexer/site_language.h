@@ -1,0 +1,23 @@
+// site_language.h: the language that the pages of a site are written in, as most of them say.
+#pragma once
+
+#include <csignal>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "indexer/source/folder_source.h"
+
+namespace vela::indexer {
+
+// The language that most of the HTML pages declare which declare one ("en"); of two with as many
+// pages the first by name. Looks at some hundred pages of the list, from its start to its end.
+// Empty when no page says anything. Ends early when `stop` is set.
+std::string LanguageOfPages(const FolderSource& source, const std::vector<SourceItem>& items,
+                            const volatile std::sig_atomic_t& stop);
+
+// The StemmingAlgorithm for a language by its code; -1 when there is none.
+int32_t StemmingOfLanguage(std::string_view language);
+
+}  // namespace vela::indexer
