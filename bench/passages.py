@@ -55,15 +55,16 @@ def main():
     parser.add_argument("queries", nargs="*", default=QUERIES, metavar="QUERY")
     options = parser.parse_args()
     print("| | results | words of the query shown | all in one piece | pieces | "
-          "begin as a sentence | nothing shown |")
-    print("|---|---|---|---|---|---|---|")
+          "begin as a sentence | nothing shown | lead to a section |")
+    print("|---|---|---|---|---|---|---|---|")
     for passages in (0, 1):
-        results = shown = wanted_words = whole = pieces = sentences = empty = 0
+        results = shown = wanted_words = whole = pieces = sentences = empty = led = 0
         with tempfile.TemporaryDirectory() as folder:
             copy_index(options.program, options.index, folder, passages)
             for query in options.queries:
                 wanted = set(query.lower().split())
                 page = answer(options.program, folder, query)
+                led += len(re.findall(r'<div class="result_title">(?:<b>.*?)?<a href="[^"]*#', page))
                 for context in re.findall(r'<div class="context">\n(.*?)</div>', page, re.S):
                     results += 1
                     parts = [part for part in re.split(r"<b>\.\.\.</b>", context) if part.strip()]
@@ -76,7 +77,7 @@ def main():
                         text = html.unescape(re.sub(r"<[^>]*>", "", part)).strip()
                         sentences += text[:1].isupper()
         print(f"| `Passages = {passages}` | {results} | {100 * shown / wanted_words:.0f} % | "
-              f"{100 * whole / results:.0f} % | {pieces} | {100 * sentences / pieces:.0f} % | {empty} |")
+              f"{100 * whole / results:.0f} % | {pieces} | {100 * sentences / pieces:.0f} % | {empty} | {led} |")
 
 
 if __name__ == "__main__":

@@ -33,6 +33,7 @@
 #include "indexer/write/page_table_writer.h"
 #include "indexer/write/page_text_writer.h"
 #include "indexer/write/recommended_writer.h"
+#include "indexer/write/sections_writer.h"
 #include "indexer/write/settings_writer.h"
 #include "indexer/write/spelling_writer.h"
 #include "indexer/write/word_map_writer.h"
@@ -102,6 +103,7 @@ struct SitePages {
       : collection({.base = run.base,
                     .config = run.options.config,
                     .charset = run.charset,
+                    .sections = ExtensionValue(run.options.config, "SectionLinks") != 0,
                     .memory = run.options.memoryMegabytes * kMegabyte,
                     .sink = [this](const std::vector<PageToken>& tokens) { text.Add(tokens); },
                     .stop = &run.stop},
@@ -373,6 +375,10 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   const LookupSizes lookup = WriteLookup(
       folder.fresh(), {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit});
   facts.lookupGeneration = lookup.generation;
+  bytes += WriteSections(folder.fresh() / kSectionsFileName, pages.collection.sections,
+                         {.generation = lookup.generation,
+                          .pageTextSize = pages.collection.tokenCount * facts.tokenBytes,
+                          .tokenBytes = facts.tokenBytes});
   bytes += lookup.fileBytes;
   bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,
                          language.strings);

@@ -54,21 +54,26 @@ RunCut RunCutOf(const CollectionInput& input) {
 [[nodiscard]] bool AddWords(const Page& page, const std::string& addressText,
                             PageCollection& collection) {
   const auto number = static_cast<uint32_t>(collection.pages.size());
-  const bool isWhole = CutPage(
-      {.content = page.content, .title = page.facts.title, .addressText = addressText}, number,
-      {.forms = collection.forms,
-       .vocabulary = collection.vocabulary,
-       .signs = collection.signs,
-       .sink = collection.input.sink,
-       .runs = collection.runs,
-       .stop = collection.input.stop},
-      collection.tokens);
+  const PageTexts texts = {
+      .content = page.content, .title = page.facts.title, .addressText = addressText};
+  const bool isWhole = CutPage(texts, number,
+                               {.forms = collection.forms,
+                                .vocabulary = collection.vocabulary,
+                                .signs = collection.signs,
+                                .sink = collection.input.sink,
+                                .runs = collection.runs,
+                                .stop = collection.input.stop},
+                               collection.tokens);
   if (!isWhole) return false;
   const size_t memory = collection.input.memory;
   const size_t taken = MemoryOf(collection.vocabulary);
   collection.postings.SetMemory(std::max(kLeastPostingBytes, memory - std::min(memory, taken)));
   const PageTokens& tokens = collection.tokens;
   for (const Posting& posting : tokens.postings) collection.postings.Add(posting);
+  if (collection.input.sections) {
+    AddSections(texts, tokens, number, collection.tokenCount, collection.input.charset,
+                collection.sections);
+  }
   collection.pages.push_back({.firstToken = collection.tokenCount,
                               .bodyWords = tokens.bodyWords,
                               .titleWords = tokens.titleWords});

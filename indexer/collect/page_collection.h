@@ -14,6 +14,7 @@
 #include "indexer/collect/postings.h"
 #include "indexer/collect/sign_entries.h"
 #include "indexer/collect/site_rules.h"
+#include "indexer/collect/site_sections.h"
 #include "indexer/collect/suggestion_list.h"
 #include "indexer/collect/vocabulary.h"
 #include "indexer/config/site_config.h"
@@ -30,8 +31,9 @@ struct CollectionInput {
   const std::string& base;  // the site's address, ending in "/"
   const SiteConfig& config;
   const IndexCharset& charset;
-  size_t memory = 0;  // bytes that collected words may take before they go to disk
-  TokenSink sink;     // takes the tokens of the pages that join
+  bool sections = false;  // those of long pages are collected
+  size_t memory = 0;      // bytes that collected words may take before they go to disk
+  TokenSink sink;         // takes the tokens of the pages that join
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
 };
 
@@ -55,6 +57,7 @@ struct PageCollection {
   PostingRuns postings;
   std::vector<PageLengths> pages;
   SuggestionList suggestions;
+  SiteSections sections;
   SiteRules rules;
   FileDates fileDates;
   LeftOut metaValues;               // of the fields

@@ -193,11 +193,17 @@ bool CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, 
   out.postings.clear();
   out.pageWords.clear();
   out.places.clear();
+  out.sections.clear();
   out.tokenCount = out.bodyWords = out.titleWords = 0;
   out.afterPiece = false;
   for (const TextRun& run : page.content.body) {
+    if (!run.anchor.empty()) {
+      const auto number = static_cast<uint32_t>(&run - page.content.body.data());
+      out.sections.push_back({out.tokenCount, number});
+    }
     CutRun(run.text, HeadingZone(run.headingLevel), true, cut);
   }
+  out.bodyTokens = out.tokenCount;
   // Behind the body, so that snippets show the body and phrases find all of it.
   const auto addRun = [&](std::string_view text, Zone zone) {
     const size_t before = out.tokens.size();

@@ -36,12 +36,20 @@ struct PageLengths {
   uint32_t titleWords = 0;
 };
 
+// Where a run of text begins that an address leads to.
+struct SectionStart {
+  uint32_t token = 0;  // among the page's tokens
+  uint32_t run = 0;    // of the body
+};
+
 // The tokens and words of one page; kept from page to page for its memory.
 struct PageTokens {
   uint32_t tokenCount = 0;        // of body, title, description, address, and the page end
   std::vector<Posting> postings;  // in order of the words' first appearance
   uint32_t bodyWords = 0;         // words of the running text
   uint32_t titleWords = 0;        // different ones
+  uint32_t bodyTokens = 0;        // of the running text
+  std::vector<SectionStart> sections;
 
   // Where a token of the chunk went. A sign, and a word that could not be written, has no token.
   struct ChunkWord {

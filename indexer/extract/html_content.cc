@@ -94,6 +94,18 @@ bool IsPicture(const Tag& tag) {
          tag.element == Element::kArea;
 }
 
+// What an address leads to the element by: its id, or the name of an anchor; empty when it has none
+// that can stand in an address.
+std::string AnchorOf(const Tag& tag) {
+  constexpr size_t kAnchorBytesLimit = 200;
+  std::string anchor = AttributeValue(tag, Attribute::kId);
+  if (anchor.empty() && tag.element == Element::kA) anchor = AttributeValue(tag, Attribute::kName);
+  const bool isUsable = std::ranges::all_of(
+      anchor, [](char c) { return static_cast<unsigned char>(c) > ' ' && c != 0x7F; });
+  if (!isUsable || anchor.size() > kAnchorBytesLimit) return {};
+  return anchor;
+}
+
 bool IsSkipLink(const Tag& tag) {
   return tag.element == Element::kA && AttributeValue(tag, Attribute::kHref).starts_with('#');
 }
@@ -127,6 +139,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
     const TextState inside = StateInside(around, role);
     role.isHeadline = inside.style.share == TextShare::kFrame && inside.isInHeader;
   }
+  if (isHtml && !role.leavesOut) ReadAnchor(tag, around, role);
   if (isHtml && IsPicture(tag) && !role.leavesOut) {
     role.breaksWords = false;
     const std::string alternative = AttributeValue(tag, Attribute::kAlt);
@@ -144,6 +157,26 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
   return role;
 }
 
+// A heading is led to by its own id, by one inside, or by that of what it begins: a block, or an
+// anchor, with no text between. A term of a list is a section when it has an id.
+void HtmlContent::ReadAnchor(const Tag& tag, const TextState& around, ElementRole& role) {
+  std::string anchor = AnchorOf(tag);
+  const uint32_t outer = around.style.section;
+  if (role.headingLevel != 0) {
+    role.section = text.StartSection(anchor.empty() ? std::move(openAnchor) : std::move(anchor));
+    openAnchor.clear();
+  } else if (anchor.empty()) {
+    return;
+  } else if (tag.element == Element::kDt) {
+    role.section = text.StartSection(std::move(anchor));
+  } else if (outer != 0) {
+    if (!text.HasAnchor(outer)) text.SetAnchor(outer, std::move(anchor));
+  } else if (openAnchor.empty() || role.breaksWords || !openAnchorIsBlock) {
+    openAnchor = std::move(anchor);
+    openAnchorIsBlock = role.breaksWords;
+  }
+}
+
 void HtmlContent::End(const ElementRole& role, const TextState& inside) {
   if (role.isTime) {
     isInTime = false;
@@ -159,7 +192,9 @@ void HtmlContent::AddText(std::string_view added, const TextState& state) {
   if (state.isInert) return;
   if (isInTime)
     timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
-  if (!state.isLeftOut) text.Append(state.strand, state.style, added);
+  if (state.isLeftOut) return;
+  if (added.find_first_not_of(kMarkupBlanks) != added.npos) openAnchor.clear();
+  text.Append(state.strand, state.style, added);
 }
 
 void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {

@@ -36,6 +36,7 @@ class HtmlContent {
 
  private:
   ElementRole RoleOf(const Tag& tag, bool isHtml, const TextState& around) const;
+  void ReadAnchor(const Tag& tag, const TextState& around, ElementRole& role);
   void ReadHeadElement(const Tag& tag);
   void ReadMeta(const Tag& tag);
   bool ReadTime(const Tag& tag);
@@ -46,7 +47,9 @@ class HtmlContent {
   PageText text;
   bool noindex = false;
   bool sawMainHeading = false;  // the first h1
-  bool isInTime = false;        // the text of a time element goes to `timeText`
+  std::string openAnchor;       // of an element that began behind the text so far
+  bool openAnchorIsBlock = false;
+  bool isInTime = false;  // the text of a time element goes to `timeText`
   std::string timeText;
   std::string timeProperty;  // the itemprop of that element
   std::string innerTime;     // the datetime of a time element inside of that

@@ -20,9 +20,9 @@ bool SameLetters(std::string_view a, std::string_view b) {
 
 // In the order of `Attribute`.
 constexpr std::string_view kAttributeNames[] = {
-    "alt",      "aria-hidden", "charset", "color",      "content",  "datetime", "encoding",
-    "face",     "hidden",      "href",    "http-equiv", "itemprop", "lang",     "name",
-    "property", "rel",         "role",    "size",       "style",    "type",     "xml:lang",
+    "alt",    "aria-hidden", "charset",    "color", "content",  "datetime", "encoding", "face",
+    "hidden", "href",        "http-equiv", "id",    "itemprop", "lang",     "name",     "property",
+    "rel",    "role",        "size",       "style", "type",     "xml:lang",
 };
 static_assert(std::size(kAttributeNames) == static_cast<size_t>(Attribute::kCount));
 

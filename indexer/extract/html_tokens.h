@@ -27,6 +27,7 @@ enum class Attribute : uint8_t {
   kHidden,
   kHref,
   kHttpEquiv,
+  kId,
   kItemprop,
   kLang,
   kName,

@@ -17,7 +17,7 @@ bool HoldsTableParts(const OpenElement& element) {
 // Whether text inside is other than text around.
 bool ChangesState(const ElementRole& role) {
   return role.leavesOut || role.isInert || role.isFrame || role.isHeadline ||
-         role.enclosesContent || role.headingLevel != 0;
+         role.enclosesContent || role.headingLevel != 0 || role.section != 0;
 }
 
 }  // namespace

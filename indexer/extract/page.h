@@ -15,6 +15,7 @@ namespace vela::indexer {
 struct TextRun {
   std::string text;
   uint8_t headingLevel = 0;  // 1 to 6 inside h1 to h6; 0 elsewhere
+  std::string anchor = {};   // by which an address leads to this heading or defined term; or empty
 };
 
 // A meta element: its name in lower case, and its content, one line, trimmed. One that has another

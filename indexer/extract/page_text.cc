@@ -71,12 +71,13 @@ void PageText::Break(Strand strand, TextShare share) {
   // A blank of the frame goes with it.
   const bool counts = at.style.share != TextShare::kFrame || share == TextShare::kFrame;
   if (counts && text[at.end - 1] == ' ') return;
-  Append(strand, {at.style.headingLevel, share}, " ");
+  Append(strand, {at.style.headingLevel, share, at.style.section}, " ");
 }
 
 PageText::Place PageText::Mark(Strand strand, TextShare share) {
   const Place place = last[strand];
-  const TextStyle style = {pieces[place].style.headingLevel, share};
+  const TextStyle& before = pieces[place].style;
+  const TextStyle style = {before.headingLevel, share, before.section};
   if (AddPiece(strand, style) && Store(" ")) pieces[last[strand]].end = text.size();
   return place;
 }
@@ -87,16 +88,34 @@ PageText::Strand PageText::StartStrand(Place place) {
   return static_cast<Strand>(last.size() - 1);
 }
 
+uint32_t PageText::StartSection(std::string anchor) {
+  if (!MakeRoom(anchors, 1, budget)) return 0;
+  anchors.emplace_back();
+  const auto section = static_cast<uint32_t>(anchors.size());
+  SetAnchor(section, std::move(anchor));
+  return section;
+}
+
+void PageText::SetAnchor(uint32_t section, std::string anchor) {
+  if (!TakeBytes(budget, anchor.size())) return;
+  anchors[section - 1] = std::move(anchor);
+}
+
+bool PageText::HasAnchor(uint32_t section) const { return !anchors[section - 1].empty(); }
+
 void PageText::CopyTo(std::vector<TextRun>& runs, bool withFrame) {
   TextRun run;
+  uint32_t section = 0;
   for (uint32_t i = 0; i != kNone; i = pieces[i].next) {
     const Piece& piece = pieces[i];
     if (piece.style.share == TextShare::kFrame && !withFrame) continue;
     const size_t length = piece.end - piece.begin;
     if (!TakeSteps(budget, length + 1) || !MakeRoom(run.text, length, budget)) return;
-    if (piece.style.headingLevel != run.headingLevel) {
+    if (piece.style.headingLevel != run.headingLevel || piece.style.section != section) {
       Finish(run, runs, budget);
+      section = piece.style.section;
       run = TextRun{{}, piece.style.headingLevel};
+      if (section != 0) run.anchor = anchors[section - 1];
     }
     run.text.append(text, piece.begin, length);
   }

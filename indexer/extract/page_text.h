@@ -27,6 +27,7 @@ enum class TextShare : uint8_t {
 struct TextStyle {
   uint8_t headingLevel = 0;  // 1 to 6; 0 outside of headings
   TextShare share = TextShare::kContent;
+  uint32_t section = 0;  // which heading or defined term of the page (PageText::StartSection)
   bool operator==(const TextStyle&) const = default;
 };
 
@@ -48,6 +49,12 @@ class PageText {
   Place Mark(Strand strand, TextShare share);
   // A new strand that ends at `place`, which must be no strand's already.
   Strand StartStrand(Place place);
+
+  // A heading or a defined term begins: its number for TextStyle. What an address leads to it by,
+  // `anchor`, may be empty and be given later.
+  uint32_t StartSection(std::string anchor);
+  void SetAnchor(uint32_t section, std::string anchor);
+  bool HasAnchor(uint32_t section) const;
 
   // Whether anything but blanks was appended, or was appended as content.
   bool HasText() const { return hasText; }
@@ -71,7 +78,8 @@ class PageText {
   ReadingBudget& budget;
   std::string text;  // in the order of the markup
   std::vector<Piece> pieces;
-  std::vector<uint32_t> last;  // of each strand its last piece
+  std::vector<uint32_t> last;        // of each strand its last piece
+  std::vector<std::string> anchors;  // of each section, from number 1 on
   bool hasText = false;
   bool hasContent = false;
 };

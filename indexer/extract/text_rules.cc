@@ -66,6 +66,7 @@ TextState StateInside(const TextState& around, const ElementRole& role) {
   inside.isInert = around.isInert || role.isInert;
   inside.isOfPage = around.isOfPage && !role.enclosesContent;
   if (role.headingLevel != 0) inside.style.headingLevel = role.headingLevel;
+  if (role.section != 0) inside.style.section = role.section;
   if (role.isFrame) {
     inside.isInHeader =
         role.isHeader && (around.style.share == TextShare::kContent || around.isInHeader);

@@ -19,6 +19,7 @@ struct ElementRole {
   bool enclosesContent = false;
   bool isTime = false;       // its text is the time of the page
   uint8_t headingLevel = 0;  // 1 to 6; 0: as around it
+  uint32_t section = 0;      // see TextStyle; 0: as around it
 };
 
 // What holds for text at some place.

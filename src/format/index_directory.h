@@ -10,6 +10,7 @@
 //   vela_recommended.vdat     recommended.h     recommended pages
 //   vela_autocomplete.vdat    autocomplete.h    suggestions while typing
 //   vela_lookup.vdat          lookup.h          where things stand in the others; may be absent
+//   vela_sections.vdat        sections.h        the sections of long pages; may be absent
 //   search_template.html      template_file.h   the page around the results; the owner's own
 //
 // A directory that cannot be replaced as a whole, such as the root of a mounted file system, holds
@@ -29,6 +30,7 @@
 #include "format/page_info.h"
 #include "format/page_text.h"
 #include "format/recommended.h"
+#include "format/sections.h"
 #include "format/settings_file.h"
 #include "format/spelling.h"
 #include "format/template_file.h"
@@ -42,7 +44,7 @@ inline constexpr char kCurrentGeneration[] = ".generations/current";
 inline constexpr std::string_view kIndexFileNames[] = {
     kSettingsFileName,     kDictionaryFileName, kWordMapFileName,  kPageInfoFileName,
     kPageDataFileName,     kPageTextFileName,   kSpellingFileName, kRecommendedFileName,
-    kAutoCompleteFileName, kLookupFileName,
+    kAutoCompleteFileName, kLookupFileName,     kSectionsFileName,
 };
 
 // Whether a file of that name belongs to one run of the indexer, as those above and any of another

@@ -51,6 +51,9 @@ OpenResult OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory,
     const LoadStatus status = OpenIndexFile(files, file, directory, settings);
     if (status != LoadStatus::kOk) return {status, file};
   }
+  if (settings.SectionLinks == 1) {
+    files.sections.Open(directory, settings, files.pageText.bytes().size());
+  }
   return {};
 }
 
@@ -66,6 +69,7 @@ void CloseIndexFiles(IndexFiles& files) {
   files.pages.pageCount = 0;
   files.pages.starts.Release();
   files.lookup.Close();
+  files.sections.Close();
 }
 
 }  // namespace vela

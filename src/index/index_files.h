@@ -6,6 +6,7 @@
 #include "index/load_status.h"
 #include "index/lookup_file.h"
 #include "index/page_info.h"
+#include "index/page_sections.h"
 #include "index/recommended.h"
 #include "index/spelling.h"
 #include "settings/index_directory.h"
@@ -22,6 +23,7 @@ struct IndexFiles {
   FileImage pageText;  // only with DisplayContext, AllowExactPhrase or CutRuns 1
   FileImage wordMap;
   SpellingTable spelling;  // only with Spelling 1
+  SectionsFile sections;   // only with SectionLinks 1; closed where there is none to use
 };
 
 // In the order in which they are opened, behind the lookup file.

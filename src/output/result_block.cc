@@ -4,6 +4,7 @@
 
 #include "output/result_html.h"
 #include "output/result_xml.h"
+#include "output/section_links.h"
 #include "output/target_url.h"
 
 namespace vela {
@@ -46,6 +47,7 @@ BlockStatus WriteResultBlocks(Response& response, OutputSections& sections,
     if (blocks.passageWords != nullptr) PlanContext(blocks, result, plan);
     result.target = ResultTarget(blocks.settings, result.texts.url, View(blocks.links.query),
                                  View(blocks.query.text));
+    if (blocks.settings.SectionLinks == 1 && blocks.showsContext) LeadToSection(blocks, result);
     if (blocks.settings.PluginOpenNewWindow == 1 &&
         PageFileType(pages, page) >= blocks.settings.FileTypePluginStart) {
       result.attribute = "target=\"_blank\"";

@@ -44,7 +44,9 @@ struct Result {
   ResultEntry entry;
   int32_t index = 0;  // in the whole list, from 0
   PageTexts texts;
-  LinkText target;                    // where the links of the result lead
+  LinkText target;  // where the links of the result lead
+  std::string_view sectionHeading =
+      {};                             // of the place it leads to; safe between tags, may be empty
   const PassagePlan* plan = nullptr;  // of its passages; null: those around the first matches
   const char* attribute = "";         // of these links, as it stands in the tag
 };

@@ -41,6 +41,11 @@ bool AppendTitle(OutputSections& sections, const ResultBlocks& blocks, const Res
   } else {
     AppendResultsRaw(sections, result.texts.url);
   }
+  if (!result.sectionHeading.empty()) {
+    AppendResultsRaw(sections, " <span class=\"result_section\">&#8250; ");
+    AppendMarked(sections, blocks, result.sectionHeading);
+    AppendResultsRaw(sections, "</span>");
+  }
   AppendResultsRaw(sections, "</a>");
   if (UsesCategories(settings)) {
     AppendResultsRaw(sections, "<span class=\"category\">");

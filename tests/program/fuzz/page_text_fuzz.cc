@@ -13,6 +13,7 @@
 #include "program/fuzz/term_list.h"
 #include "program/fuzz/written.h"
 #include "search/highlight_terms.h"
+#include "search/passages.h"
 #include "search/phrase.h"
 #include "search/snippets.h"
 
@@ -101,6 +102,48 @@ void CheckPieces(const SnippetSource& source, const ResultEntry& entry) {
   }
 }
 
+// What is planned lies in the page text, and is marked like any piece.
+void CheckPlan(const SnippetSource& source, const ResultEntry& entry, std::string_view file,
+               const Dictionary& dictionary) {
+  TermList list;
+  FillTerms(list, {"big", "new cat", "-of", "n*"});
+  TermSearch search;
+  VELA_CHECK(StartTermSearch(search, list, source.settings));
+  PassageWords words;
+  words.Collect({search.terms.data(), search.terms.size()}, dictionary, source.settings);
+  const LookupFile noLookup;
+  PassagePlan plan;
+  PlanPassages({.settings = source.settings,
+                .dictionary = dictionary,
+                .lookup = noLookup,
+                .pageText = file,
+                .words = words},
+               entry, plan);
+  VELA_CHECK(plan.count <= static_cast<int32_t>(PassagePlan::kPieceLimit));
+  for (int32_t i = 0; i < plan.count; ++i) {
+    const PassagePiece& piece = plan.pieces[static_cast<size_t>(i)];
+    VELA_CHECK(piece.start < file.size());
+    VELA_CHECK(piece.tokens <= source.settings.ContextSize);
+  }
+  const SnippetSource planned = {.settings = source.settings,
+                                 .dictionary = dictionary,
+                                 .terms = source.terms,
+                                 .marksWords = true,
+                                 .plan = &plan,
+                                 .text = source.text};
+  SnippetWalk walk = StartSnippets(source.settings, entry);
+  SnippetPiece piece;
+  int32_t pieces = 0;
+  while (NextPiece(walk, planned, entry, piece) == SnippetStatus::kPiece) {
+    ++pieces;
+    for (int32_t i = 0; i < piece.count; ++i) {
+      const SnippetSlot& slot = piece.slots[static_cast<size_t>(i)];
+      VELA_CHECK(slot.word > 1 && slot.word < dictionary.size());
+    }
+  }
+  VELA_CHECK(pieces <= plan.count);
+}
+
 std::string Context(const SnippetSource& source, const ResultEntry& entry) {
   return Written([&](Response& response) { WriteContextXml(response, source, entry, "big cat"); });
 }
@@ -178,6 +221,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                           .marksWords = true,
                           .text = text};
   CheckPieces(source, entry);
+  CheckPlan(source, entry, input.file, dictionary);
   const std::string marked = Context(source, entry);
   source.marksWords = false;
   VELA_CHECK(WithoutMarks(marked) == Context(source, entry));

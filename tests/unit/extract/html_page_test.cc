@@ -24,6 +24,48 @@ std::string BodyOf(const std::string& html) {
   return CollapseBlanks(text);
 }
 
+// The runs that an address leads to, as "anchor>text".
+std::string AnchorsOf(const std::string& html) {
+  PageContent page;
+  EXPECT_EQ(ParseHtmlPage(html, page), Reason::kNone);
+  std::string anchors;
+  for (const TextRun& run : page.body) {
+    if (run.anchor.empty()) continue;
+    anchors += (anchors.empty() ? "" : "|") + run.anchor + ">" + CollapseBlanks(run.text);
+  }
+  return anchors;
+}
+
+TEST(HtmlPage, KnowsWhatAddressesLeadToHeadingsBy) {
+  const struct {
+    const char* what;
+    std::string html, expected;
+  } kCases[] = {
+      {"its own id", "<h2 id=use>Use</h2>text", "use>Use"},
+      {"an id inside", "<h2>How <b id=x>to</b> use</h2>text", "x>How to use"},
+      {"the name of an anchor inside", "<h2><a name=old></a>Use</h2>", "old>Use"},
+      {"a name of anything else is none", "<form><h2><input name=q>Use</h2></form>", ""},
+      {"the block that it begins", "<p>a<section id=s> <div><h2>Use</h2>b</div></section>",
+       "s>Use"},
+      {"an anchor ahead of it", "<p>a</p><a name=n></a><h2>Use</h2>", "n>Use"},
+      {"the block rather than an anchor in it",
+       "<p>a</p><section id=s><span id=old></span><h2>Use</h2></section>", "s>Use"},
+      {"not a block with text before", "<section id=s>a<h2>Use</h2></section>", ""},
+      {"each block once", "<section id=s><h2>One</h2><h2>Two</h2></section>", "s>One"},
+      {"two headings beside each other", "<h2 id=a>One</h2><h2 id=b>Two</h2>", "a>One|b>Two"},
+      {"a term that is defined", "<dl><dt id=f>f(x)</dt><dd>Does it.</dd><dt>g</dt></dl>",
+       "f>f(x)"},
+      {"blanks cannot stand in an address", "<h2 id='a b'>Use</h2>", ""},
+      {"markup in an id stays what it is", "<h2 id='\"><b>'>Use</h2>", "\"><b>>Use"},
+      {"a longer one is none", "<h2 id=" + std::string(201, 'x') + ">Use</h2>", ""},
+      {"what is hidden leads nowhere", "<div hidden id=h></div><h2>Use</h2>", ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(AnchorsOf(c.html), c.expected);
+  }
+}
+
 TEST(HtmlPage, TakesTheTextAndLeavesTheRest) {
   const struct {
     const char* what;

@@ -23,6 +23,7 @@ using support::Repeat;
 // Result blocks about to be written for pages 0, 1, 2, ... of a site in this order, with nothing
 // but the title shown.
 struct Blocks {
+  bool showsContext = false;
   LoadedSite site;
   SearchRequest request;
   Query query;
@@ -58,7 +59,8 @@ struct Blocks {
                                  .files = site.files,
                                  .dictionary = site.dictionary,
                                  .highlight = highlight,
-                                 .matches = matches};
+                                 .matches = matches,
+                                 .showsContext = showsContext};
     status = WriteResultBlocks(captured.response, sections, blocks, results);
     return captured.response.xml ? captured.Text() : std::string(sections.results.view());
   }
@@ -500,6 +502,73 @@ TEST(Item, InXml) {
     EXPECT_NE(text.find(element), std::string::npos) << element;
   }
   EXPECT_EQ(blocks.sections.results.view(), "");
+}
+
+// Page 0 has a section from byte 8 of the page text on.
+IndexBuilder WithSection(const std::string& url, const std::string& anchor,
+                         const std::string& heading) {
+  const std::string file = LittleEndian(kSectionsMagic, 8) + LittleEndian(7, 8) +
+                           LittleEndian(16, 8) + LittleEndian(1, 8) +
+                           LittleEndian(anchor.size() + heading.size(), 8) + LittleEndian(8, 8) +
+                           LittleEndian(0, 8) + LittleEndian(anchor.size(), 2) +
+                           LittleEndian(heading.size(), 2) + LittleEndian(0, 4) + anchor + heading;
+  IndexBuilder builder = Pages({NewPage(url, "Manual")});
+  builder.Set("DisplayContext", "1").Set("SectionLinks", "1").Set("LookupGeneration", "7");
+  return builder.Tokens(std::vector<support::PageTextToken>(4)).File("vela_sections.vdat", file);
+}
+
+std::string WithSectionAt(const IndexBuilder& builder, uint64_t position, bool xml = false) {
+  Blocks blocks(builder, xml);
+  blocks.site.settings.ContextSize = 0;
+  blocks.showsContext = true;
+  blocks.matches.pages[0].firstPositionLow = static_cast<uint32_t>(position);
+  blocks.matches.touched[0] = 1;
+  const std::string text = blocks.Write();
+  const char* const ends = xml ? "</item>" : "</a>";
+  const size_t begin = text.find(xml ? "<link>" : "<a href");
+  return text.substr(begin, text.find(xml ? "\n" : ends, begin) - begin);
+}
+
+TEST(SectionLinks, LeadToTheSectionAndNameIt) {
+  const IndexBuilder site = WithSection("a.html", "use", "How to use it");
+  EXPECT_EQ(WithSectionAt(site, 12),
+            "<a href=\"a.html#use\" >Manual <span class=\"result_section\">&#8250; How to use "
+            "it</span>");
+  EXPECT_EQ(WithSectionAt(site, 12, true), "<link>a.html#use</link>");
+  // Ahead of the section the words belong to the page.
+  EXPECT_EQ(WithSectionAt(site, 4), "<a href=\"a.html\" >Manual");
+}
+
+TEST(SectionLinks, OnlyWithTheSetting) {
+  IndexBuilder site = WithSection("a.html", "use", "How to use it");
+  site.Set("SectionLinks", "0");
+  EXPECT_EQ(WithSectionAt(site, 12), "<a href=\"a.html\" >Manual");
+  site.Set("SectionLinks", "2");
+  EXPECT_EQ(WithSectionAt(site, 12), "<a href=\"a.html\" >Manual");
+  // Nor with a file of another index.
+  site.Set("SectionLinks", "1").Set("LookupGeneration", "8");
+  EXPECT_EQ(WithSectionAt(site, 12), "<a href=\"a.html\" >Manual");
+}
+
+TEST(SectionLinks, AnAddressKeepsItsFragment) {
+  EXPECT_EQ(WithSectionAt(WithSection("a.html#top", "use", "How to use it"), 12),
+            "<a href=\"a.html#top\" >Manual");
+}
+
+TEST(SectionLinks, NothingOfTheFileIsMarkup) {
+  EXPECT_EQ(WithSectionAt(WithSection("a.html", "\"><b x='&#", "<script>"), 12),
+            "<a href=\"a.html#%22%3E%3Cb%20x%3D%27%26%23\" >Manual");
+  EXPECT_EQ(WithSectionAt(WithSection("a.html", "\xC3\xA9", "\" onclick=\"x"), 12, true),
+            "<link>a.html#%C3%A9</link>");
+  // A heading that says what the title says is not said twice.
+  EXPECT_EQ(WithSectionAt(WithSection("a.html", "x", "Manual"), 12),
+            "<a href=\"a.html#x\" >Manual");
+}
+
+TEST(SectionLinks, AnAddressWithoutRoomStaysWhole) {
+  const std::string url(2080, 'u');
+  EXPECT_EQ(WithSectionAt(WithSection(url, "use", ""), 12), "<a href=\"" + url + "\" >Manual");
+  EXPECT_EQ(WithSectionAt(WithSection(url, "ab", ""), 12), "<a href=\"" + url + "#ab\" >Manual");
 }
 
 }  // namespace

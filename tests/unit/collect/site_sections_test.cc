@@ -1,0 +1,71 @@
+#include "indexer/collect/site_sections.h"
+
+#include <gtest/gtest.h>
+
+#include "indexer/words/word_forms.h"
+
+namespace vela::indexer {
+namespace {
+
+// The sections of a page with that body, as "token:anchor>heading", the end as its token.
+std::string SectionsOf(std::vector<TextRun> body, const std::string& title,
+                       const IndexCharset& charset = IndexCharset()) {
+  PageContent content;
+  content.body = std::move(body);
+  WordForms forms(charset, -1);
+  Vocabulary vocabulary;
+  SignEntries signs;
+  const TokenSink sink = [](const std::vector<PageToken>&) {};
+  PageTokens tokens;
+  const PageTexts page = {.content = content, .title = title, .addressText = ""};
+  EXPECT_TRUE(CutPage(
+      page, 5, {.forms = forms, .vocabulary = vocabulary, .signs = signs, .sink = sink}, tokens));
+  SiteSections sections;
+  AddSections(page, tokens, 5, 1000, charset, sections);
+  std::string text;
+  for (const SiteSection& section : sections.sections) {
+    EXPECT_EQ(section.page, 5u);
+    text += (text.empty() ? "" : " | ") + std::to_string(section.token);
+    if (section.anchorLength == 0) continue;
+    text += ":" + sections.texts.substr(section.text, section.anchorLength) + ">" +
+            sections.texts.substr(section.text + section.anchorLength, section.headingLength);
+  }
+  return text;
+}
+
+std::string Words(size_t count) {
+  std::string text;
+  for (size_t i = 0; i < count; ++i) text += "word ";
+  return text;
+}
+
+TEST(SiteSections, BeginWithTheirHeadings) {
+  EXPECT_EQ(SectionsOf({{Words(10), 0},
+                        {"3.1. Use it\u00B6", 2, "use"},
+                        {Words(280), 0},
+                        {"Not led to", 2, ""},
+                        {"f(x)", 0, "f"},
+                        {Words(20), 0}},
+                       "Manual"),
+            // 10 words; 2 of the heading; 280; 3; f ( x ) and 20.
+            "1010:use>Use it | 1297:f>f(x) | 1321");
+}
+
+TEST(SiteSections, NoneOfAShortPage) {
+  EXPECT_EQ(SectionsOf({{"Use", 2, "use"}, {Words(200), 0}}, "Manual"), "");
+}
+
+TEST(SiteSections, NotTheHeadingOfThePage) {
+  EXPECT_EQ(SectionsOf({{"Manual", 1, "manual"}, {Words(300), 0}}, "Other"), "");
+  EXPECT_EQ(SectionsOf({{"The manual", 2, "manual"}, {Words(300), 0}}, "The Manual - Site"), "");
+}
+
+TEST(SiteSections, HeadingsAreSafeAndShort) {
+  const std::string text = SectionsOf({{"<b> & \"it\"", 2, "\"><i>"}, {Words(300), 0}}, "Manual");
+  EXPECT_EQ(text, "1000:\"><i>>&#60;b&#62; &#38; &#34;it&#34; | 1305");
+  const std::string longer = SectionsOf({{Words(40), 2, "x"}, {Words(300), 0}}, "Manual");
+  EXPECT_LE(longer.find(" | ") - longer.find('>') - 1, 90u);
+}
+
+}  // namespace
+}  // namespace vela::indexer
