@@ -13,6 +13,7 @@
 #include "indexer/collect/recommended_pages.h"
 #include "indexer/collect/stop_words.h"
 #include "indexer/config/language_file.h"
+#include "indexer/config/setting_keys.h"
 #include "indexer/extract/read_page.h"
 #include "indexer/publish/former_settings.h"
 #include "indexer/publish/index_folder.h"
@@ -27,6 +28,7 @@
 #include "indexer/source/folder_source.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
+#include "indexer/write/corrections_writer.h"
 #include "indexer/write/dictionary_writer.h"
 #include "indexer/write/lookup_writer.h"
 #include "indexer/write/out_file.h"
@@ -272,6 +274,10 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
         WriteSpelling(fresh / kSpellingFileName, vocabulary, order, firstWord);
     facts.spellings = spelling.entries;
     bytes += spelling.fileBytes;
+    if (ExtensionValue(run.options.config, "SpellingDistance") != 0) {
+      bytes +=
+          WriteCorrections(fresh / kCorrectionsFileName, vocabulary, order, run.charset.utf8());
+    }
   }
   return bytes;
 }

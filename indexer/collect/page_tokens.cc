@@ -114,9 +114,11 @@ uint32_t WriteWords(uint8_t zone, bool inBody, const PageCut& cut) {
     out.afterPiece = token.isPiece;
     chunkWord = {.token = out.tokenCount, .place = place};
     const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
-    const uint8_t variant =
-        FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(token.surface));
-    cut.site.vocabulary.words[word].isWritten = true;
+    const std::string_view surface = cut.site.forms.Surface(token.surface);
+    const uint8_t variant = FindOrAddVariant(cut.site.vocabulary, word, surface);
+    Word& found = cut.site.vocabulary.words[word];
+    found.isWritten = true;
+    if (surface == TextOf(found)) found.isOwnForm = true;
     PageTokens::PageWord& pageWord = Count({word, out.tokenCount, place, zone, inBody}, cut);
     if (zone == kInTitle && !pageWord.isTitleWord) {
       pageWord.isTitleWord = true;
@@ -138,6 +140,8 @@ void CountForms(uint8_t zone, bool inBody, const PageCut& cut) {
     // A word that could not be written has no place of its own.
     if (base.empty() || found.token == kNone32) continue;
     const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
+    const bool isPart = cut.out.chunk.tokens[form.token].base.find(form.text) != form.text.npos;
+    if (isPart && form.text == base) cut.site.vocabulary.words[word].isOwnForm = true;
     // Beside its stem, so that a pattern such as "cafe*" meets it whole.
     FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(form.text));
     Count({word, found.token, found.place, zone, inBody}, cut);

@@ -38,6 +38,8 @@ struct Word {
   uint8_t mostOnPage = 0;  // occurrences on the page that has most of them, up to 255
   bool inTitle = false;    // some page has it in its title
   bool isWritten = false;  // pages write it; others only help to find one ("cafe" for "café")
+  // Pages write it in this very form, alone or as a part of a joined word; a stem need not be one.
+  bool isOwnForm = false;
 };
 
 inline std::string_view TextOf(const Word& word) { return {word.text, word.length}; }

@@ -71,8 +71,8 @@ constexpr NumberKey kNumberKeys[] = {
 };
 
 constexpr NumberKey kExtensionKeys[] = {
-    {"CutSigns", 1, 0, 1}, {"PlainQueries", 1, 0, 1},     {"OfferWords", 0, 0, 1},
-    {"Ranking", 0, 0, 1},  {"SpellingDistance", 0, 0, 1}, {"ShowCorrected", 0, 0, 1},
+    {"CutSigns", 1, 0, 1}, {"PlainQueries", 1, 0, 1},     {"OfferWords", 1, 0, 1},
+    {"Ranking", 0, 0, 1},  {"SpellingDistance", 1, 0, 1}, {"ShowCorrected", 0, 0, 1},
     {"Passages", 1, 0, 1}, {"SectionLinks", 1, 0, 1},     {"CompleteAnyWord", 0, 0, 1},
     {"CutRuns", 1, 0, 1},  {"AmendedAnswers", 1, 0, 1},
 };
@@ -182,8 +182,6 @@ static_assert(std::ranges::all_of(kRefusedKeys, [](const RefusedKey& refused) {
 std::span<const NumberKey> NumberKeys() { return kNumberKeys; }
 
 std::span<const NumberKey> ExtensionKeys() { return kExtensionKeys; }
-
-std::span<const TextKey> TextKeys() { return kTextKeys; }
 
 std::span<const TextKey> ExtensionTextKeys() { return kExtensionTextKeys; }
 

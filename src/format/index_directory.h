@@ -7,6 +7,7 @@
 //   vela_pagedata.vdat        page_data.h       addresses, titles, descriptions, pictures
 //   vela_pagetext.vdat        page_text.h       passages and phrases
 //   vela_spelling.vdat        spelling.h        other spellings
+//   vela_corrections.vdat     corrections.h     words that others may be meant as; may be absent
 //   vela_recommended.vdat     recommended.h     recommended pages
 //   vela_autocomplete.vdat    autocomplete.h    suggestions while typing
 //   vela_lookup.vdat          lookup.h          where things stand in the others; may be absent
@@ -24,6 +25,7 @@
 #include <string_view>
 
 #include "format/autocomplete.h"
+#include "format/corrections.h"
 #include "format/dictionary.h"
 #include "format/lookup.h"
 #include "format/page_data.h"
@@ -44,7 +46,7 @@ inline constexpr char kCurrentGeneration[] = ".generations/current";
 inline constexpr std::string_view kIndexFileNames[] = {
     kSettingsFileName,     kDictionaryFileName, kWordMapFileName,  kPageInfoFileName,
     kPageDataFileName,     kPageTextFileName,   kSpellingFileName, kRecommendedFileName,
-    kAutoCompleteFileName, kLookupFileName,     kSectionsFileName,
+    kAutoCompleteFileName, kLookupFileName,     kSectionsFileName, kCorrectionsFileName,
 };
 
 // Whether a file of that name belongs to one run of the indexer, as those above and any of another

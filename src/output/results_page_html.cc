@@ -140,12 +140,24 @@ void AppendCategorySummary(OutputSections& sections, const ResultsPage& page) {
 LinkText SuggestionLink(const ResultsPage& page, const char* suggestion) {
   const SearchRequest& request = page.request;
   FixedText<sizeof Suggestions::texts[0].bytes> encoded;
-  Set(encoded, suggestion);
-  ReplaceCharacters(encoded.bytes, View(encoded).size(), " ", "+");
+  if (page.suggestions.asTyped) {
+    UrlEncode(suggestion, encoded.bytes, sizeof encoded.bytes);
+  } else {
+    Set(encoded, suggestion);
+    ReplaceCharacters(encoded.bytes, View(encoded).size(), " ", "+");
+  }
   return MakeLinkf(
       page.settings, "vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_and=%d&amp;vela_sort=%d",
       encoded.bytes, page.links.categories.bytes, request.perPage, page.links.dates.bytes,
       page.links.metaFields.bytes, page.query.terms.size() > 1 ? 0 : request.andMode, request.sort);
+}
+
+// As it stands on the page: words are written as they are, what may hold signs is escaped.
+FixedText<kEscapedTermSize> ShownSuggestion(const ResultsPage& page, const char* suggestion) {
+  if (page.suggestions.asTyped) return EscapedRequestText<kEscapedTermSize>(suggestion);
+  FixedText<kEscapedTermSize> shown;
+  Set(shown, suggestion);
+  return shown;
 }
 
 void AppendSuggestions(OutputSections& sections, const ResultsPage& page) {
@@ -156,7 +168,7 @@ void AppendSuggestions(OutputSections& sections, const ResultsPage& page) {
     AppendSection(sections, Section::kSuggestion, "%s%s <a href=\"%s\">%s</a>",
                   i == 0 ? "<div class=\"suggestion\"><br />" : " ",
                   Text(language, i == 0 ? Str::kDidYouMean : Str::kOr),
-                  SuggestionLink(page, text).bytes, text);
+                  SuggestionLink(page, text).bytes, ShownSuggestion(page, text).bytes);
   }
   AppendSectionRaw(sections, Section::kSuggestion, "?</div>");
 }

@@ -1,5 +1,6 @@
 #include "output/results_page_xml.h"
 
+#include "output/markup.h"
 #include "text/numbers.h"
 
 namespace vela {
@@ -33,7 +34,13 @@ void WriteCategorySummary(Response& response, const ResultsPage& page) {
 
 void WriteSuggestions(Response& response, const ResultsPage& page) {
   for (int32_t i = 0; i < page.suggestions.count; ++i) {
-    WriteOut(response, "<vela:spelling>%s</vela:spelling>\n", page.suggestions.texts[i].bytes);
+    const char* text = page.suggestions.texts[i].bytes;
+    if (page.suggestions.asTyped) {
+      WriteOut(response, "<vela:spelling>%s</vela:spelling>\n",
+               EscapedRequestText<sizeof Suggestions::texts[0].bytes>(text).bytes);
+    } else {
+      WriteOut(response, "<vela:spelling>%s</vela:spelling>\n", text);
+    }
   }
 }
 

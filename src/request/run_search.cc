@@ -8,6 +8,7 @@
 #include "output/results_page.h"
 #include "output/search_log.h"
 #include "request/search_context.h"
+#include "search/corrections.h"
 #include "search/filters.h"
 #include "search/highlight_terms.h"
 #include "search/matches.h"
@@ -30,6 +31,7 @@ struct SearchState {
   PageFilters filters;
   ResultList results;
   LinkParameters links;
+  Suggestions suggestions;
   bool everyPage = false;  // no word is searched for: every page is a candidate
   int32_t recommendedShown = 0;
 };
@@ -132,9 +134,22 @@ int Rank(SearchContext& ctx, SearchState& state) {
   return 1;
 }
 
+void MakeOffers(SearchContext& ctx, SearchState& state) {
+  if (!CorrectsByLetters(ctx.settings)) {
+    state.suggestions =
+        MakeSuggestions(state.terms, ctx.index.spelling, ctx.dictionary, ctx.settings, ctx.stemmer);
+    return;
+  }
+  const CorrectionInput input = {.settings = ctx.settings,
+                                 .directory = ctx.directory,
+                                 .dictionary = ctx.dictionary,
+                                 .wordMap = ctx.index.wordMap.bytes(),
+                                 .matches = state.matches,
+                                 .stemmer = ctx.stemmer};
+  state.suggestions = MakeCorrections(state.terms, input).offers;
+}
+
 int Render(SearchContext& ctx, SearchState& state) {
-  const Suggestions suggestions =
-      MakeSuggestions(state.terms, ctx.index.spelling, ctx.dictionary, ctx.settings, ctx.stemmer);
   const ResultsPage page = {.settings = ctx.settings,
                             .request = ctx.search,
                             .query = ctx.query,
@@ -142,7 +157,7 @@ int Render(SearchContext& ctx, SearchState& state) {
                             .matches = state.matches,
                             .filters = state.filters,
                             .skipped = state.terms.skipped,
-                            .suggestions = suggestions};
+                            .suggestions = state.suggestions};
   WriteResultsHead(ctx.response, ctx.output, page);
   const bool showsContext = ctx.settings.DisplayContext == 1 && !state.everyPage;
   const bool plansPassages = ctx.settings.Passages == 1 && showsContext;
@@ -198,6 +213,7 @@ int RunSearch(SearchContext& ctx) {
       LookUpTerms(ctx, state) == 0) {
     return 0;
   }
+  MakeOffers(ctx, state);
   ctx.index.wordMap.Close();
   if (Rank(ctx, state) == 0 || Render(ctx, state) == 0) return 0;
   FinishSearch(ctx, state);

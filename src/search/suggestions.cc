@@ -10,14 +10,22 @@ namespace vela {
 
 namespace {
 
-// A dictionary word as it is suggested; false when the slot is empty.
-bool CandidateWord(int32_t number, const Dictionary& dictionary, const Settings& settings,
-                   Stemmer& stemmer, QueryText& word) {
+// A dictionary word as it is suggested.
+struct Candidate {
+  QueryText shown;
+  QueryText word;  // as it is looked up
+};
+
+// False when the slot is empty.
+bool ReadCandidate(int32_t number, const Dictionary& dictionary, const Settings& settings,
+                   Stemmer& stemmer, Candidate& candidate) {
   if (number <= kNoSpellingWord || number >= dictionary.size()) return false;
-  Set(word, dictionary.DisplayText(number, 1));
+  Set(candidate.shown, dictionary.DisplayText(number, 1));
   const bool utf8 = IsUtf8(settings);
-  LowerText(word.bytes, View(word).size(), utf8);
-  if (StemsWords(settings)) StemText(word, stemmer, utf8);
+  LowerText(candidate.shown.bytes, View(candidate.shown).size(), utf8);
+  candidate.word = candidate.shown;
+  if (StemsWords(settings)) StemText(candidate.word, stemmer, utf8);
+  if (!OffersWords(settings)) candidate.shown = candidate.word;
   return true;
 }
 
@@ -36,9 +44,9 @@ int32_t FindAlike(std::string_view term, const SpellingTable& spelling,
     if (order < 0) continue;
     int32_t found = 0;
     for (int32_t number : entry.words) {
-      QueryText word;
-      if (!CandidateWord(number, dictionary, settings, stemmer, word)) continue;
-      if (View(word) != term) alike[found++] = word;
+      Candidate candidate;
+      if (!ReadCandidate(number, dictionary, settings, stemmer, candidate)) continue;
+      if (View(candidate.word) != term) alike[found++] = candidate.shown;
     }
     if (found > 0) return found;
   }
@@ -63,7 +71,8 @@ Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spell
   for (size_t i = 0; i < search.terms.size(); ++i) {
     const SearchedTerm& term = search.terms[i];
     QueryText joined;
-    std::string_view piece = JoinedRuns(View(term.word), settings, joined);
+    std::string_view piece =
+        JoinedRuns(OffersWords(settings) ? term.shown : View(term.word), settings, joined);
     if (isRare(term)) {
       const int32_t found =
           FindAlike(View(term.word), spelling, dictionary, settings, stemmer, alike);

@@ -17,6 +17,8 @@ struct Suggestions {
   static constexpr int32_t kLimit = 3;
   FixedText<10240> texts[kLimit];  // a suggestion may be longer than the query was
   int32_t count = 0;               // 0: nothing to suggest
+  // The texts are queries as they are typed, with their signs; otherwise words and blanks alone.
+  bool asTyped = false;
 };
 
 // Replaces each term with fewer records than SpellingWhenLessThan by a dictionary word that sounds

@@ -58,6 +58,40 @@ TEST(SearchedSite, AMisspelledWordGetsItsSuggestion) {
   SearchedSite site;
   site.Add("a.html", "<title>Library</title>Books about the language of bees.");
   site.Build();
+  EXPECT_TRUE(
+      Holds(site.Ask("vela_xml=1&vela_query=langauge"), "<vela:spelling>language</vela:spelling>"));
+  EXPECT_TRUE(Holds(site.Ask("vela_query=bees+-libary+%22the+langauge%22"),
+                    "vela_query=bees+%22the+language%22+-libary&amp;"));
+  EXPECT_TRUE(Holds(site.Ask("vela_query=bees+-libary+%22the+langauge%22"),
+                    ">bees &#34;the language&#34; -libary</a>"));
+  EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=lankage"), "<vela:spelling>"));
+  EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=language"), "<vela:spelling>"));
+  // With the first letters of a tag nothing is written that is one.
+  EXPECT_FALSE(Holds(site.Ask("vela_query=langauge+%22%3Cb%3E%22"), "<b>\""));
+}
+
+TEST(SearchedSite, AnOfferIsAWordWithStemmingToo) {
+  SearchedSite site;
+  site.Configure("[index]\nstemming = \"english\"\n");
+  site.Add("a.html", "<title>Git</title>git rebase onto a branch");
+  site.Build();
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+rebsae+onto"),
+                    "<vela:spelling>git rebase onto</vela:spelling>"));
+  site.Configure("[settings]\nSpellingDistance = 0\n");
+  site.Build();
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+repase+onto"),
+                    "<vela:spelling>git rebase onto</vela:spelling>"));
+  site.Configure("[search]\nextensions = false\n");
+  site.Build();
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+repase+onto"),
+                    "<vela:spelling>git rebas onto</vela:spelling>"));
+}
+
+TEST(SearchedSite, AMisspelledWordThatSoundsAlikeGetsItsSuggestion) {
+  SearchedSite site;
+  site.Configure("[settings]\nSpellingDistance = 0\n");
+  site.Add("a.html", "<title>Library</title>Books about the language of bees.");
+  site.Build();
   // "lankage" sounds as "language" does: L, N, K, J. "langwich" does not: L, N, K, W, X.
   EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=langwich"), "<vela:spelling>"));
   EXPECT_TRUE(

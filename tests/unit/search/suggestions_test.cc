@@ -197,6 +197,20 @@ TEST(Suggestions, StemmedWithStemmingOn) {
   EXPECT_EQ(same.For({{"garden", 0}}), Texts{"gardens"});
 }
 
+TEST(Suggestions, OffersWordsInThePlaceOfStems) {
+  const std::vector<Line> lines = {{"KRTNS", {kGardens, kGarden, kNone}}};
+  Speller speller(lines);
+  speller.site.settings.UseStemming = 1;
+  speller.site.settings.OfferWords = 1;
+  EXPECT_EQ(speller.For({{"gardins", 0}}), (Texts{"gardens", "garden"}));
+  // What is looked up as the term is still no other word.
+  EXPECT_EQ(speller.For({{"garden", 0}}), Texts{});
+  // Terms that stay are offered as they were typed.
+  EXPECT_EQ(speller.For({{"gardins", 0}, {"rebas", 1}}), Texts{"gardens not looked at"});
+  speller.site.settings.OfferWords = 2;
+  EXPECT_EQ(speller.For({{"gardins", 0}, {"rebas", 1}}), Texts{"garden rebas"});
+}
+
 TEST(Suggestions, LongQueryIsCut) {
   Speller speller(Sounds());
   const std::string longest(2085, 'a');
