@@ -92,6 +92,11 @@ Language ReadLanguage(std::string_view content, const std::string& name) {
     }
     language.strings.append(key).append(" = ").append(found->second).append("\n");
   }
+  for (const FurtherText& text : kFurtherTexts) {
+    const auto found = strings.find(text.key);
+    if (found == strings.end()) continue;
+    language.strings.append(text.key).append(" = ").append(found->second).append("\n");
+  }
   return language;
 }
 

@@ -14,7 +14,9 @@ namespace vela::indexer {
 using TemplateWords = std::map<std::string, std::string, std::less<>>;
 
 struct Language {
-  std::string strings;  // lines of the 49 keys STR_..., in their order, as settings.vdat has them
+  // Lines of the 49 keys STR_... and of those of kFurtherTexts that the file has, in their order,
+  // as settings.vdat has them.
+  std::string strings;
   TemplateWords templateWords;
 };
 

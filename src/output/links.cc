@@ -13,6 +13,8 @@ namespace {
 // The text of the date parameters, escaped to fit: 14 bytes and a NUL.
 constexpr size_t kDateTextSize = 15;
 
+constexpr std::string_view kLiteralParameter = "&amp;vela_literal=1";
+
 void AppendCategories(LinkText& out, const Settings& settings, const SearchRequest& request) {
   if (!UsesCategories(settings) || SearchesAllCategories(request)) return;
   for (int32_t category : request.categories) {
@@ -54,6 +56,7 @@ LinkParameters MakeLinkParameters(const Settings& settings, const SearchRequest&
   for (size_t i = 0; i < fields; ++i) {
     AppendMetaField(parameters.metaFields, settings.metaFields[i], request.metaValues[i]);
   }
+  if (request.isLiteral) Append(parameters.metaFields, kLiteralParameter);
   return parameters;
 }
 

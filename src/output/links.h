@@ -20,7 +20,9 @@ struct LinkParameters {
   FixedText<6256> query;  // the normalised query, URL-encoded; longer than any link
   LinkText categories;    // "&amp;vela_cat%5B%5D=..." for each selected category
   LinkText dates;         // "&amp;vela_datefrom=...&amp;vela_dateto=..." while a range is valid
-  LinkText metaFields;    // "&amp;name=..." for each constraint on a meta field
+  // "&amp;name=..." for each constraint on a meta field, and what asks for a search that is not
+  // corrected where this one was not to be
+  LinkText metaFields;
 };
 
 LinkParameters MakeLinkParameters(const Settings& settings, const SearchRequest& request,

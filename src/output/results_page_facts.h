@@ -14,6 +14,13 @@
 
 namespace vela {
 
+// A query whose results are shown in the place of what was typed, which finds nothing.
+struct ShownCorrection {
+  bool isShown = false;
+  QueryText typed;  // normalised
+  QueryText query;  // corrected
+};
+
 // What the page is written from; refers to records that outlive it.
 struct ResultsPage {
   const Settings& settings;
@@ -24,6 +31,7 @@ struct ResultsPage {
   const PageFilters& filters;
   const SkippedTerms& skipped;
   const Suggestions& suggestions;
+  const ShownCorrection& correction;
 };
 
 inline bool ShowsCategorySummary(const ResultsPage& page) {

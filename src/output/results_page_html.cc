@@ -173,6 +173,27 @@ void AppendSuggestions(OutputSections& sections, const ResultsPage& page) {
   AppendSectionRaw(sections, Section::kSuggestion, "?</div>");
 }
 
+// Says whose results these are, with a link to the search for what was typed.
+void AppendCorrection(OutputSections& sections, const ResultsPage& page) {
+  if (!page.correction.isShown) return;
+  const LanguageStrings& language = page.settings.language;
+  const SearchRequest& request = page.request;
+  FixedText<sizeof page.links.query.bytes> typed;
+  UrlEncode(View(page.correction.typed), typed.bytes, sizeof typed.bytes);
+  const LinkText link =
+      MakeLinkf(page.settings,
+                "vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_and=%d&amp;vela_sort=%d&amp;"
+                "vela_literal=1",
+                typed.bytes, page.links.categories.bytes, request.perPage, page.links.dates.bytes,
+                page.links.metaFields.bytes, request.andMode, request.sort);
+  AppendSection(sections, Section::kSuggestion,
+                "<div class=\"suggestion\"><br />%s <b>%s</b>. %s <a href=\"%s\">%s</a></div>",
+                Text(language, Str::kCorrectedTo),
+                EscapedRequestText<kEscapedTermSize>(View(page.correction.query)).bytes,
+                Text(language, Str::kSearchAsTyped), link.bytes,
+                EscapedRequestText<kEscapedTermSize>(View(page.correction.typed)).bytes);
+}
+
 void AppendPageCount(OutputSections& sections, const ResultsPage& page) {
   const int64_t pageCount = PageCount(page);
   if (pageCount <= 1) return;
@@ -287,6 +308,7 @@ void AppendResultsHeadHtml(OutputSections& sections, const ResultsPage& page) {
   AppendSummary(sections, page);
   AppendBroaderSearch(sections, page);
   AppendCategorySummary(sections, page);
+  AppendCorrection(sections, page);
   AppendSuggestions(sections, page);
   AppendPageCount(sections, page);
   AppendSorting(sections, page);

@@ -44,6 +44,12 @@ void WriteSuggestions(Response& response, const ResultsPage& page) {
   }
 }
 
+void WriteCorrection(Response& response, const ResultsPage& page) {
+  if (!page.correction.isShown) return;
+  WriteOut(response, "<vela:corrected>%s</vela:corrected>\n",
+           EscapedRequestText<kDisplayQuerySize>(View(page.correction.query)).bytes);
+}
+
 }  // namespace
 
 void WriteHeadingXml(Response& response, const Settings& settings, const SearchRequest& request,
@@ -62,6 +68,7 @@ void WriteHeadingXml(Response& response, const Settings& settings, const SearchR
 void WriteResultsHeadXml(Response& response, const ResultsPage& page) {
   WriteCounts(response, page);
   WriteCategorySummary(response, page);
+  WriteCorrection(response, page);
   WriteSuggestions(response, page);
 }
 

@@ -109,6 +109,7 @@ ParamsResult ReadRequestParams(RequestParams& params, FixedText<2048>& scriptUrl
   CgiGetInteger(form, "vela_per_page", params.perPage, 10);
   params.pageDefaulted = CgiGetInteger(form, "vela_page", params.page, 1) != CgiResult::kOk;
   CgiGetInteger(form, "vela_ac", params.autoComplete, 0);
+  CgiGetInteger(form, "vela_literal", params.literal, 0);
   CgiGetInteger(form, "vela_and", params.andMode, kNotGiven);
   CgiGetInteger(form, "vela_sort", params.sort, settings.DefaultSort);
   ReadDate(form, "vela_datefrom", params.dateFrom);

@@ -32,6 +32,7 @@ struct RequestParams {
   OwnedArray<int32_t> catList;  // the chosen categories; -1 first: all
   size_t catCount = 0;          // how many of them are in use
   int32_t autoComplete = 0;
+  int32_t literal = 0;               // 1: what was typed is not corrected
   OwnedArray<MetaValue> metaValues;  // one per meta field; texts lie in the form
   CgiForm form;
 };

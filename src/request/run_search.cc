@@ -1,6 +1,7 @@
 #include "request/run_search.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "output/messages.h"
 #include "output/recommended.h"
@@ -32,6 +33,7 @@ struct SearchState {
   ResultList results;
   LinkParameters links;
   Suggestions suggestions;
+  ShownCorrection correction;
   bool everyPage = false;  // no word is searched for: every page is a candidate
   int32_t recommendedShown = 0;
 };
@@ -134,11 +136,38 @@ int Rank(SearchContext& ctx, SearchState& state) {
   return 1;
 }
 
-void MakeOffers(SearchContext& ctx, SearchState& state) {
+// Puts the one correction of the query that is certain in its place and searches again, unless that
+// finds nothing either.
+int SearchCorrected(SearchContext& ctx, SearchState& state, std::string_view corrected) {
+  Query typed = std::move(ctx.query);
+  ctx.query = Query();
+  Set(ctx.query.typed, corrected);
+  if (!ParseQuery(ctx.query, ctx.settings)) return EndWith(ctx, Message::kOutOfMemoryForSearch);
+  // The page goes on naming what was typed.
+  ctx.query.typed = typed.typed;
+  ctx.query.typedDisplay = typed.typedDisplay;
+  ctx.query.display = typed.display;
+  ctx.query.isParsed = true;
+  SearchState again;
+  if (PrepareSearch(ctx, again) == 0 || LookUpTerms(ctx, again) == 0 || Rank(ctx, again) == 0) {
+    return 0;
+  }
+  if (again.matches.resultCount == 0) {
+    ctx.query = std::move(typed);
+    return 1;
+  }
+  again.correction = {.isShown = true, .typed = typed.text, .query = ctx.query.text};
+  again.recommendedShown = state.recommendedShown;
+  state = std::move(again);
+  return state.recommendedShown != 0 ? 1 : ShowRecommended(ctx, state);
+}
+
+// Offers other spellings, or shows the results of one.
+int CorrectQuery(SearchContext& ctx, SearchState& state) {
   if (!CorrectsByLetters(ctx.settings)) {
     state.suggestions =
         MakeSuggestions(state.terms, ctx.index.spelling, ctx.dictionary, ctx.settings, ctx.stemmer);
-    return;
+    return 1;
   }
   const CorrectionInput input = {.settings = ctx.settings,
                                  .directory = ctx.directory,
@@ -146,7 +175,14 @@ void MakeOffers(SearchContext& ctx, SearchState& state) {
                                  .wordMap = ctx.index.wordMap.bytes(),
                                  .matches = state.matches,
                                  .stemmer = ctx.stemmer};
-  state.suggestions = MakeCorrections(state.terms, input).offers;
+  const Corrections corrections = MakeCorrections(state.terms, input);
+  if (corrections.isCertain && state.matches.resultCount == 0 && ShowsCorrected(ctx.settings) &&
+      !ctx.search.isLiteral) {
+    if (SearchCorrected(ctx, state, View(corrections.offers.texts[0])) == 0) return 0;
+    if (state.correction.isShown) return 1;
+  }
+  state.suggestions = corrections.offers;
+  return 1;
 }
 
 int Render(SearchContext& ctx, SearchState& state) {
@@ -157,7 +193,8 @@ int Render(SearchContext& ctx, SearchState& state) {
                             .matches = state.matches,
                             .filters = state.filters,
                             .skipped = state.terms.skipped,
-                            .suggestions = state.suggestions};
+                            .suggestions = state.suggestions,
+                            .correction = state.correction};
   WriteResultsHead(ctx.response, ctx.output, page);
   const bool showsContext = ctx.settings.DisplayContext == 1 && !state.everyPage;
   const bool plansPassages = ctx.settings.Passages == 1 && showsContext;
@@ -210,12 +247,11 @@ int RunSearch(SearchContext& ctx) {
   SearchState state;
   WriteHeading(ctx.response, ctx.output, ctx.settings, ctx.search, ctx.query);
   if (PrepareSearch(ctx, state) == 0 || ShowRecommended(ctx, state) == 0 ||
-      LookUpTerms(ctx, state) == 0) {
+      LookUpTerms(ctx, state) == 0 || Rank(ctx, state) == 0 || CorrectQuery(ctx, state) == 0) {
     return 0;
   }
-  MakeOffers(ctx, state);
   ctx.index.wordMap.Close();
-  if (Rank(ctx, state) == 0 || Render(ctx, state) == 0) return 0;
+  if (Render(ctx, state) == 0) return 0;
   FinishSearch(ctx, state);
   return EndRequest(ctx);
 }

@@ -31,6 +31,7 @@ SearchRequest SettleRequest(const RequestParams& params, const Settings& setting
       .dateTo = params.dateTo,
       .metaValues = {params.metaValues.data(), params.metaValues.size()},
       .metaOnly = IsEmpty(params.query) && params.queryGiven && UsesMetaFields(settings),
+      .isLiteral = params.literal == 1 && ShowsCorrected(settings),
       .marksWords = MarksWords(settings) || (xml && settings.XMLHighlight == 1),
   };
 }

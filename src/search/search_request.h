@@ -41,6 +41,7 @@ struct SearchRequest {
   FixedText<17> dateTo;
   std::span<const MetaValue> metaValues;  // one per meta field, or none
   bool metaOnly = false;                  // no query, only constraints on meta fields
+  bool isLiteral = false;                 // what was typed is not corrected
   bool marksWords = false;                // the words of the query are marked where they are shown
 };
 

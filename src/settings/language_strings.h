@@ -4,13 +4,14 @@
 
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 #include "text/owned_array.h"
 
 namespace vela {
 
-// In the order of kLanguageKeys.
+// In the order of kLanguageKeys, then of kFurtherTexts.
 enum class Str : uint8_t {
   kFormSearchFor,
   kFormSubmitButton,
@@ -61,8 +62,10 @@ enum class Str : uint8_t {
   kFormDateFrom,
   kFormDateTo,
   kFormDateButton,
+  kCorrectedTo,
+  kSearchAsTyped,
 };
-inline constexpr size_t kLanguageStringCount = 49;
+inline constexpr size_t kLanguageStringCount = 49;  // those that a file must have
 
 inline constexpr std::array<std::string_view, kLanguageStringCount> kLanguageKeys = {
     "STR_FORM_SEARCHFOR",
@@ -116,12 +119,24 @@ inline constexpr std::array<std::string_view, kLanguageStringCount> kLanguageKey
     "STR_FORM_DATE_BUTTON",
 };
 
-struct LanguageStrings {
-  std::array<OwnedArray<char>, kLanguageStringCount> texts;  // NUL-terminated; none: not read
-  int32_t count = 0;  // lines accepted, repeated keys included
+// Texts of extensions. A file need not have them.
+struct FurtherText {
+  std::string_view key;
+  const char* english;  // in the place of one that the file does not have
+};
+inline constexpr FurtherText kFurtherTexts[] = {
+    {"STR_CORRECTED_TO", "Nothing was found as it was typed. These are the results for"},
+    {"STR_SEARCH_AS_TYPED", "Search for what was typed:"},
 };
 
-// The text of a key, "" where the file had none. NUL-terminated.
+struct LanguageStrings {
+  // NUL-terminated; none: not read
+  std::array<OwnedArray<char>, kLanguageStringCount + std::size(kFurtherTexts)> texts;
+  int32_t count = 0;  // lines accepted of the keys a file must have, repeated ones included
+};
+
+// The text of a key; where the file had none "", or the English one of kFurtherTexts.
+// NUL-terminated.
 const char* Text(const LanguageStrings& strings, Str key);
 
 enum class LanguageLine { kStored, kIgnored, kNoMemory };

@@ -194,6 +194,7 @@ inline bool AllowsPhrases(const Settings& s) { return s.AllowExactPhrase == 1; }
 inline bool CutsRuns(const Settings& s) { return s.CutRuns == 1 && IsUtf8(s); }
 // Whether several words in one term stand one after another.
 inline bool SearchesPhrases(const Settings& s) { return AllowsPhrases(s) || CutsRuns(s); }
+inline bool ShowsCorrected(const Settings& s) { return s.ShowCorrected == 1; }
 // Offers are the words that stand on pages, not what they are looked up as.
 inline bool OffersWords(const Settings& s) { return s.OfferWords == 1; }
 inline bool NeedsPageText(const Settings& s) { return s.DisplayContext == 1 || SearchesPhrases(s); }

@@ -32,6 +32,13 @@ def program_keys():
     return re.findall(r'"(STR_[A-Z_]+)"', table[:table.index("};")])
 
 
+def further_keys():
+    """Those that a file of the site's own need not have."""
+    source = KEYS_HEADER.read_text(encoding="utf-8")
+    table = source[source.index("kFurtherTexts[] = {"):]
+    return re.findall(r'{"(STR_[A-Z_]+)"', table[:table.index("};")])
+
+
 def template_keys():
     """What the built-in templates leave open, in the order in which it is first met."""
     pages = "".join(path.read_text(encoding="utf-8") for path in TEMPLATES)
@@ -54,6 +61,7 @@ class LanguageFiles(unittest.TestCase):
 
     def test_there_are_49_keys_and_those_of_the_templates(self):
         self.assertEqual(len(set(program_keys())), 49)
+        self.assertIn("STR_CORRECTED_TO", further_keys())
         self.assertEqual(template_keys(), ["TEMPLATE_LANG", "TEMPLATE_DIR", "TEMPLATE_SEARCH",
                                            "TEMPLATE_REMOVE", "TEMPLATE_NO_SUCH_PAGE",
                                            "TEMPLATE_FIRST_PAGE", "TEMPLATE_OPTIONS"])
@@ -74,7 +82,7 @@ class LanguageFiles(unittest.TestCase):
         for language in LANGUAGES:
             with self.subTest(language):
                 self.assertEqual([key for key, _ in pairs(language)],
-                                 program_keys() + template_keys())
+                                 program_keys() + further_keys() + template_keys())
 
     def test_a_single_byte_encoding_has_all_letters(self):
         for language in LANGUAGES:

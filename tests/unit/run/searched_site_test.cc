@@ -58,8 +58,8 @@ TEST(SearchedSite, AMisspelledWordGetsItsSuggestion) {
   SearchedSite site;
   site.Add("a.html", "<title>Library</title>Books about the language of bees.");
   site.Build();
-  EXPECT_TRUE(
-      Holds(site.Ask("vela_xml=1&vela_query=langauge"), "<vela:spelling>language</vela:spelling>"));
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_literal=1&vela_query=langauge"),
+                    "<vela:spelling>language</vela:spelling>"));
   EXPECT_TRUE(Holds(site.Ask("vela_query=bees+-libary+%22the+langauge%22"),
                     "vela_query=bees+%22the+language%22+-libary&amp;"));
   EXPECT_TRUE(Holds(site.Ask("vela_query=bees+-libary+%22the+langauge%22"),
@@ -68,6 +68,55 @@ TEST(SearchedSite, AMisspelledWordGetsItsSuggestion) {
   EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=language"), "<vela:spelling>"));
   // With the first letters of a tag nothing is written that is one.
   EXPECT_FALSE(Holds(site.Ask("vela_query=langauge+%22%3Cb%3E%22"), "<b>\""));
+}
+
+TEST(SearchedSite, ResultsOfACertainCorrectionAreShown) {
+  SearchedSite site;
+  site.Add("a.html", "<title>Functions</title>every function of the language");
+  site.Add("b.html", "<title>More</title>one function more");
+  site.Build();
+  const std::string answer = site.Ask("vela_query=fucntion&vela_per_page=1&vela_sort=0");
+  EXPECT_TRUE(Holds(answer, "Search results for: fucntion"));
+  EXPECT_TRUE(Holds(
+      answer,
+      "<div class=\"suggestion\"><br />Nothing was found as it was typed. These are the results for"
+      " <b>function</b>. Search for what was typed: <a href=\"search.cgi?vela_query=fucntion"
+      "&amp;vela_per_page=1&amp;vela_and=0&amp;vela_sort=0&amp;vela_literal=1\">fucntion</a></"
+      "div>"));
+  EXPECT_FALSE(Holds(answer, "Did you mean"));
+  // Further pages and other orders are of the corrected query.
+  EXPECT_TRUE(Holds(answer, "vela_query=function&amp;vela_page=2&amp;"));
+  EXPECT_FALSE(Holds(answer, "vela_query=fucntion&amp;vela_page"));
+  EXPECT_EQ(site.Found("fucntion"), site.Found("function"));
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=fucntion"),
+                    "<vela:corrected>function</vela:corrected>\n"));
+  EXPECT_FALSE(Holds(site.Ask("vela_xml=1&vela_query=function"), "vela:corrected"));
+
+  // Asked for to the letter, nothing is found, and the correction is offered.
+  const std::string literal = site.Ask("vela_query=fucntion&vela_literal=1&vela_and=1");
+  EXPECT_TRUE(Holds(literal, "Did you mean <a href=\"search.cgi?vela_query=function&amp;"));
+  EXPECT_FALSE(Holds(literal, "These are the results for"));
+  EXPECT_EQ(site.Found("fucntion&vela_literal=1"), "");
+
+  // What is found stays, and so does what has several readings or none.
+  EXPECT_TRUE(Holds(site.Ask("vela_query=fucntion+more"), "Did you mean <a"));
+  EXPECT_EQ(site.Found("fucntion+more&vela_and=1"), "b.html ");
+  EXPECT_EQ(site.Found("fucntion+zebra"), "");
+
+  site.Configure("[settings]\nShowCorrected = 0\n");
+  site.Build();
+  EXPECT_EQ(site.Found("fucntion"), "");
+  EXPECT_TRUE(Holds(site.Ask("vela_query=fucntion"), "Did you mean <a"));
+}
+
+TEST(SearchedSite, ACorrectionThatFindsNothingEitherIsOnlyOffered) {
+  SearchedSite site;
+  site.Add("a.html", "<title>Functions</title>every function of the language");
+  site.Build();
+  const std::string answer = site.Ask("vela_query=fucntion+site:elsewhere");
+  EXPECT_FALSE(Holds(answer, "These are the results for"));
+  EXPECT_TRUE(
+      Holds(answer, "Did you mean <a href=\"search.cgi?vela_query=function+site%3Aelsewhere"));
 }
 
 TEST(SearchedSite, AnOfferIsAWordWithStemmingToo) {
@@ -79,11 +128,11 @@ TEST(SearchedSite, AnOfferIsAWordWithStemmingToo) {
                     "<vela:spelling>git rebase onto</vela:spelling>"));
   site.Configure("[settings]\nSpellingDistance = 0\n");
   site.Build();
-  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+repase+onto"),
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+rebass+onto"),
                     "<vela:spelling>git rebase onto</vela:spelling>"));
   site.Configure("[search]\nextensions = false\n");
   site.Build();
-  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+repase+onto"),
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=git+rebass+onto"),
                     "<vela:spelling>git rebas onto</vela:spelling>"));
 }
 

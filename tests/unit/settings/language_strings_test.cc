@@ -92,6 +92,17 @@ TEST_F(LanguageStringsTest, EveryKeyHasItsPlace) {
   }
 }
 
+TEST_F(LanguageStringsTest, FurtherTextsAreEnglishUntilTheyAreRead) {
+  EXPECT_STREQ(Text(strings_, Str::kCorrectedTo),
+               "Nothing was found as it was typed. These are the results for");
+  EXPECT_STREQ(Text(strings_, Str::kSearchAsTyped), "Search for what was typed:");
+  EXPECT_EQ(ReadLanguageString(strings_, "STR_SEARCH_AS_TYPED", "STR_SEARCH_AS_TYPED = \"a\"\n"),
+            LanguageLine::kStored);
+  EXPECT_STREQ(Text(strings_, Str::kSearchAsTyped), "a");
+  EXPECT_STREQ(Text(strings_, Str::kFormDateButton), "");
+  EXPECT_EQ(strings_.count, 0);  // a file is complete without them
+}
+
 TEST_F(LanguageStringsTest, ThePlacesAreKnownByName) {
   const struct {
     Str place;
