@@ -38,6 +38,7 @@
 #include "indexer/write/sections_writer.h"
 #include "indexer/write/settings_writer.h"
 #include "indexer/write/spelling_writer.h"
+#include "indexer/write/synonyms_writer.h"
 #include "indexer/write/word_map_writer.h"
 #include "text/stemmer.h"
 
@@ -241,6 +242,12 @@ void ReadPages(const FolderSource& source, SiteListing listing, Run& run, SitePa
   pages.collection.tokens = {};
 }
 
+// Whether compounds are written as one word, as German does.
+bool IsGerman(const Options& options) {
+  return options.config.stemming == kStemGerman ||
+         (options.config.stemming < 0 && options.language == "german");
+}
+
 // The files by which words are found. Returns the size of all.
 uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
@@ -278,6 +285,22 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
       bytes +=
           WriteCorrections(fresh / kCorrectionsFileName, vocabulary, order, run.charset.utf8());
     }
+  }
+  const SiteConfig& config = run.options.config;
+  if (config.extensions || !config.synonyms.empty()) {
+    const SynonymSizes synonyms = WriteSynonyms(
+        fresh, {.vocabulary = vocabulary,
+                .order = order,
+                .offsets = wordMap.offsets,
+                .firstWord = firstWord,
+                .text = {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit},
+                .utf8 = run.charset.utf8(),
+                .findsCompounds = config.extensions,
+                .isGerman = IsGerman(run.options),
+                .forms = collection.forms,
+                .rules = config.synonyms});
+    facts.synonyms = synonyms.keys;
+    bytes += synonyms.fileBytes;
   }
   return bytes;
 }

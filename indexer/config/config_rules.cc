@@ -7,17 +7,20 @@
 
 #include "format/meta_fields.h"
 #include "format/page_data.h"
+#include "format/synonyms.h"
 #include "indexer/config/config_keys.h"
 #include "indexer/site/address_pattern.h"
 #include "indexer/words/clean_text.h"
 #include "settings/settings.h"
 #include "text/ascii.h"
+#include "text/lower.h"
 
 namespace vela::indexer {
 
 namespace {
 
 constexpr size_t kBoostLimit = 1000;
+constexpr size_t kSynonymLimit = 10000;
 
 void ReadPages(ConfigTable& table, const std::string& what, std::vector<std::string>& pages) {
   if (!table.Texts("pages", kAddressLimit, pages) || pages.empty()) {
@@ -47,6 +50,30 @@ void ReadBoost(ConfigTable table, SiteConfig& config) {
   rule.where = table.Where();
   table.Finish();
   config.boosts.push_back(std::move(rule));
+}
+
+void ReadSynonym(ConfigTable table, SiteConfig& config) {
+  SynonymRule rule;
+  if (!table.Texts("words", kNameLimit, rule.words) || rule.words.size() < 2) {
+    table.RefuseWhole("A [[synonym]] needs words = [\"e-mail\", \"mail\"], two at least.");
+  }
+  if (rule.words.size() > kSynonymAlternativesLimit) {
+    table.RefuseValue("words", " has more than " + std::to_string(kSynonymAlternativesLimit) + ".");
+  }
+  for (std::string& word : rule.words) {
+    CleanText(word);
+    word = CollapseBlanks(word);
+    LowerText(word.data(), word.size(), true);
+    const auto blanks = static_cast<size_t>(std::ranges::count(word, ' '));
+    const bool hasSign = word.find_first_of("\"*?<>&") != word.npos || word.starts_with('-');
+    if (word.empty() || hasSign || blanks >= kSynonymWordsLimit) {
+      table.Refuse("words", "\"" + word + "\" cannot be a synonym. Give a word, or up to " +
+                                std::to_string(kSynonymWordsLimit) +
+                                " that stand side by side, as they are typed.");
+    }
+  }
+  table.Finish();
+  config.synonyms.push_back(std::move(rule));
 }
 
 // The search program knows a field's way of comparing by a number.
@@ -137,6 +164,7 @@ void ReadRuleTables(ConfigTable& top, const std::string& file, SiteConfig& confi
       {"category", kCategoryLimit, &ReadCategory},
       {"boost", kBoostLimit, &ReadBoost},
       {"field", kFieldLimit, &ReadField},
+      {"synonym", kSynonymLimit, &ReadSynonym},
   };
   for (const auto& rule : kRules) {
     const std::string name = "[[" + std::string(rule.name) + "]]";

@@ -41,6 +41,11 @@ struct BoostRule {
   std::string where;  // for messages: the file and line
 };
 
+// Words that find each other's pages.
+struct SynonymRule {
+  std::vector<std::string> words;  // in lower case; blanks in one of several words, single ones
+};
+
 // A custom meta field.
 struct FieldRule {
   std::string name;          // in request parameters and beside the value in a result
@@ -82,6 +87,7 @@ struct SiteConfig {
   std::vector<CategoryRule> categories;
   std::vector<FieldRule> fields;
   std::vector<BoostRule> boosts;  // the first that fits a page holds
+  std::vector<SynonymRule> synonyms;
   std::vector<RecommendedRule> recommended;
   std::string recommendedFile;  // its lines join `recommended`; empty: none
 

@@ -200,6 +200,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
   if (config.stemming >= 0) out.Add("StemmingAlgo", config.stemming);
   AddOwnersKeys(config, out);
   AddExtensions(facts, config, out);
+  if (facts.synonyms != 0) out.AddCount("Synonyms", facts.synonyms);
   AddCategories(config.categories, out);
   AddFields(config.fields, out);
   out.Add("Spelling", facts.spellings == 0 ? 0 : 1);

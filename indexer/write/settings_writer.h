@@ -19,6 +19,7 @@ struct IndexFacts {
   uint64_t pageInfoBytes = 0;
   size_t tokenBytes = 0;      // DictIDLen
   uint64_t spellings = 0;     // NumSpellings
+  uint64_t synonyms = 0;      // Synonyms
   uint64_t recommended = 0;   // NumRecommended
   uint64_t autocomplete = 0;  // lines of its file
   size_t lineLength = 256;    // MaxKeyWordLineLen; see KeyWordLineLength

@@ -8,6 +8,7 @@
 //   vela_pagetext.vdat        page_text.h       passages and phrases
 //   vela_spelling.vdat        spelling.h        other spellings
 //   vela_corrections.vdat     corrections.h     words that others may be meant as; may be absent
+//   vela_synonyms.vdat        synonyms.h        other words for those of a query; may be absent
 //   vela_recommended.vdat     recommended.h     recommended pages
 //   vela_autocomplete.vdat    autocomplete.h    suggestions while typing
 //   vela_lookup.vdat          lookup.h          where things stand in the others; may be absent
@@ -35,6 +36,7 @@
 #include "format/sections.h"
 #include "format/settings_file.h"
 #include "format/spelling.h"
+#include "format/synonyms.h"
 #include "format/template_file.h"
 #include "format/word_map.h"
 
@@ -47,6 +49,7 @@ inline constexpr std::string_view kIndexFileNames[] = {
     kSettingsFileName,     kDictionaryFileName, kWordMapFileName,  kPageInfoFileName,
     kPageDataFileName,     kPageTextFileName,   kSpellingFileName, kRecommendedFileName,
     kAutoCompleteFileName, kLookupFileName,     kSectionsFileName, kCorrectionsFileName,
+    kSynonymsFileName,
 };
 
 // Whether a file of that name belongs to one run of the indexer, as those above and any of another

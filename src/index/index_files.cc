@@ -54,6 +54,7 @@ OpenResult OpenIndexFiles(IndexFiles& files, const IndexDirectory& directory,
   if (settings.SectionLinks == 1) {
     files.sections.Open(directory, settings, files.pageText.bytes().size());
   }
+  if (settings.Synonyms > 0) files.synonyms.Open(directory);
   return {};
 }
 
@@ -64,6 +65,7 @@ void CloseIndexFiles(IndexFiles& files) {
   files.recommended = RecommendedTies();
   files.spelling.file.Close();
   files.spelling.lookup = nullptr;
+  files.synonyms.Close();
   files.pages.file.Close();
   files.pages.image = {};
   files.pages.pageCount = 0;

@@ -9,6 +9,7 @@
 #include "index/page_sections.h"
 #include "index/recommended.h"
 #include "index/spelling.h"
+#include "index/synonyms.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
 
@@ -24,6 +25,7 @@ struct IndexFiles {
   FileImage wordMap;
   SpellingTable spelling;  // only with Spelling 1
   SectionsFile sections;   // only with SectionLinks 1; closed where there is none to use
+  SynonymFile synonyms;    // only with Synonyms above 0; closed where there is none to use
 };
 
 // In the order in which they are opened, behind the lookup file.

@@ -9,6 +9,7 @@
 #include "output/results_page.h"
 #include "output/search_log.h"
 #include "request/search_context.h"
+#include "search/alternatives.h"
 #include "search/corrections.h"
 #include "search/filters.h"
 #include "search/highlight_terms.h"
@@ -27,6 +28,7 @@ namespace {
 // What one search gathers on its way.
 struct SearchState {
   TermSearch terms;
+  Alternatives alternatives;
   HighlightTerms highlight;
   Matches matches;
   PageFilters filters;
@@ -70,6 +72,9 @@ int PrepareSearch(SearchContext& ctx, SearchState& state) {
       !StartTermSearch(state.terms, ctx.query.terms, settings) ||
       (ctx.search.marksWords &&
        !CollectHighlightTerms(state.highlight, ctx.query.terms, SearchesPhrases(settings))) ||
+      !CollectAlternatives(state.alternatives, ctx.query.terms, settings, ctx.index.synonyms,
+                           ctx.stemmer) ||
+      (ctx.search.marksWords && !MarkAlternatives(state.highlight, state.alternatives, settings)) ||
       !PrepareFilters(state.filters, {.settings = settings,
                                       .request = ctx.search,
                                       .pages = ctx.index.pages,
@@ -106,7 +111,8 @@ int LookUpTerms(SearchContext& ctx, SearchState& state) {
                                  .pageText = ctx.index.pageText.bytes(),
                                  .lookup = ctx.index.lookup,
                                  .sort = ctx.search.sort,
-                                 .stemmer = ctx.stemmer};
+                                 .stemmer = ctx.stemmer,
+                                 .alternatives = &state.alternatives};
   const TermResult result = SearchTerms(state.terms, input, state.matches);
   if (result.status == TermStatus::kOk) return 1;
   WriteTermFailure(ctx.response, result);

@@ -1,5 +1,6 @@
 #include "search/term_search.h"
 
+#include "search/alternatives.h"
 #include "search/highlight_terms.h"
 #include "text/lower.h"
 #include "text/wildcard.h"
@@ -95,7 +96,10 @@ TermResult SearchWord(TermSearch& search, const TermSearchInput& input, Searched
                                 : LookUpWord(lookup, lookupInput, counts, add);
   term.records += counts.records;
   if (counts.hasNoList) Skip(search, term.shown);
-  return result;
+  if (result.status != TermStatus::kOk || input.alternatives == nullptr) return result;
+  if (place.isExclusion || matches.limitReached) return result;
+  return AddAlternatives(*input.alternatives, place.index, View(term.word), input, term.records,
+                         add);
 }
 
 // A page then has a term once whatever number of its words it holds: with two places that count,

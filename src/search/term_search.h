@@ -17,6 +17,8 @@
 
 namespace vela {
 
+struct Alternatives;
+
 // One term on its way through the search.
 struct SearchedTerm {
   std::string_view shown;  // as the query lists it: with its "-", with asterisks
@@ -40,6 +42,7 @@ struct TermSearchInput {
   const LookupFile& lookup;
   int32_t sort = 0;
   Stemmer& stemmer;
+  const Alternatives* alternatives = nullptr;  // of the same terms; null: there are none
 };
 
 // What is gathered over all terms.

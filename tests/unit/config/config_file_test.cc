@@ -103,6 +103,8 @@ pages = ["news/*"]
 [[boost]]
 pages = ["help/*"]
 factor = 2.5
+[[synonym]]
+words = ["E-Mail", " electronic   mail "]
 [[field]]
 name = "price"
 kind = "money"
@@ -138,6 +140,8 @@ LinkTarget = "_blank"
   EXPECT_EQ(config.categories[0].pages, std::vector<std::string>{"news/*"});
   ASSERT_EQ(config.boosts.size(), 1u);
   EXPECT_EQ(config.boosts[0].tenths, 25);
+  ASSERT_EQ(config.synonyms.size(), 1u);
+  EXPECT_EQ(config.synonyms[0].words, (std::vector<std::string>{"e-mail", "electronic mail"}));
   ASSERT_EQ(config.fields.size(), 2u);
   EXPECT_EQ(config.fields[0].meta, "price");
   EXPECT_EQ(config.fields[0].kind, kMetaMoney);
@@ -202,6 +206,12 @@ TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
       {"[[category]]\nname = \"N\"\n", "line 1: ", "The category \"N\" needs pages"},
       {"[category]\nname = \"N\"\n", "line 1: ", "write [[category]] before each"},
       {"[[boost]]\npages = [\"a\"]\n", "line 1: ", "needs factor"},
+      {"[[synonym]]\n", "line 1: ", "needs words"},
+      {"[[synonym]]\nwords = [\"mail\"]\n", "line 1: ", "two at least"},
+      {"[[synonym]]\nwords = [\"mail\", \"\"]\n", "line 2: ", "cannot be a synonym"},
+      {"[[synonym]]\nwords = [\"mail\", \"-mail\"]\n", "line 2: ", "cannot be a synonym"},
+      {"[[synonym]]\nwords = [\"mail\", \"mail*\"]\n", "line 2: ", "cannot be a synonym"},
+      {"[[synonym]]\nwords = [\"mail\", \"a b c d e\"]\n", "line 2: ", "up to 4"},
       {"[[boost]]\npages = [\"a\"]\nfactor = 26\n", "line 3: ", "a number from 0.1 to 25.5"},
       {"[[field]]\nname = \"a b\"\n", "line 2: ", "cannot name a field"},
       {"[[field]]\nname = \"vela_query\"\n", "line 2: ", "cannot name a field"},

@@ -136,6 +136,97 @@ TEST(SearchedSite, AnOfferIsAWordWithStemmingToo) {
                     "<vela:spelling>git rebas onto</vela:spelling>"));
 }
 
+TEST(SearchedSite, SynonymsFindEachOther) {
+  SearchedSite site;
+  site.Configure("[[synonym]]\nwords = [\"e-mail\", \"Mail\", \"electronic letter\", \"post\"]\n");
+  site.Add("a.html", "<title>One</title>send an e-mail");
+  site.Add("b.html", "<title>Two</title>send mail today");
+  site.Add("c.html", "<title>Three</title>an electronic letter");
+  site.Add("d.html", "<title>Four</title>a letter, electronic or not");
+  site.Add("e.html", "<title>Five</title>mail and e-mail and mail");
+  site.Build();
+  for (const char* word : {"mail", "e-mail", "electronic+letter&vela_and=1", "post"}) {
+    SCOPED_TRACE(word);
+    const std::string found = site.Found(word);
+    for (const char* page : {"a.html ", "b.html ", "c.html ", "e.html "}) {
+      EXPECT_TRUE(Holds(found, page)) << page;
+    }
+  }
+  EXPECT_FALSE(Holds(site.Found("mail"), "d.html"));
+  // One term, whichever of its words a page has, and however many.
+  EXPECT_EQ(site.Found("send+post&vela_and=1").size(), sizeof "a.html b.html " - 1);
+  EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=post"), "totalResults>4<"));
+  // To the letter in phrases, patterns and exclusions.
+  EXPECT_EQ(site.Found("%22send+mail%22"), "b.html ");
+  EXPECT_EQ(site.Found("post*"), "");
+  EXPECT_EQ(site.Found("send+-post").size(), sizeof "a.html b.html " - 1);
+  // What was found is marked.
+  EXPECT_TRUE(Holds(site.Ask("vela_query=post"), "<span class=\"highlight\">e-mail</span>"));
+  EXPECT_TRUE(
+      Holds(site.Ask("vela_query=post"), "<span class=\"highlight\">electronic letter</span>"));
+  // No other spelling is offered for a term that is found.
+  EXPECT_FALSE(Holds(site.Ask("vela_query=post"), "class=\"suggestion\""));
+}
+
+TEST(SearchedSite, CompoundsAreFoundHoweverTheyAreWritten) {
+  SearchedSite site;
+  site.Add("a.html", "<title>One</title>the filename of it; an f-string; write an e-mail");
+  site.Add("b.html", "<title>Two</title>its file name; many f-strings; the email");
+  site.Add("c.html", "<title>Three</title>every file name; filename; e-mail, email");
+  site.Add("d.html", "<title>Four</title>a file with a name; f-string and f-strings");
+  site.Build();
+  EXPECT_EQ(site.Found("filename&vela_sort=0").size(), sizeof "a.html b.html c.html " - 1);
+  EXPECT_FALSE(Holds(site.Found("filename"), "d.html"));
+  EXPECT_EQ(site.Found("file+name&vela_and=1").size(), sizeof "a.html b.html c.html d.html " - 1);
+  EXPECT_EQ(site.Found("email").size(), sizeof "a.html b.html c.html " - 1);
+  EXPECT_EQ(site.Found("f-string").size(), sizeof "a.html b.html d.html " - 1);
+  EXPECT_EQ(site.Found("%22file+name%22").size(), sizeof "b.html c.html " - 1);
+  site.Configure("[search]\nextensions = false\n");
+  site.Build();
+  EXPECT_EQ(site.Found("filename").size(), sizeof "a.html c.html " - 1);
+  EXPECT_FALSE(fs::exists(site.index / "vela_synonyms.vdat"));
+  EXPECT_FALSE(Holds(site.Read("settings.vdat"), "Synonyms"));
+}
+
+TEST(SearchedSite, PartsOfGermanCompoundsAreFound) {
+  SearchedSite site;
+  site.Add("a.html", "<title>Eins</title>Das Kernelmodul im Kernel");
+  site.Add("b.html", "<title>Zwei</title>Ein Kernelmodul, ein Modul");
+  site.Add("c.html", "<title>Drei</title>Der Kernel und das Modul");
+  site.Build();
+  EXPECT_FALSE(Holds(site.Found("Modul"), "a.html"));
+  site.options.language = "german";
+  site.Build();
+  const std::string found = site.Found("Modul");
+  EXPECT_EQ(found.size(), sizeof "a.html b.html c.html " - 1);
+  EXPECT_TRUE(found.ends_with("a.html ")) << found;  // it weighs less than the word itself
+}
+
+TEST(SearchedSite, DamagedSideFilesEndNoRequest) {
+  SearchedSite site;
+  site.Configure("[[synonym]]\nwords = [\"mail\", \"file name\"]\n");
+  site.Add("a.html", "<title>One</title>mail of a file name with a filename");
+  site.Add("b.html", "<title>Two</title>file name, filename");
+  site.Build();
+  for (const char* name : {"vela_synonyms.vdat", "vela_corrections.vdat"}) {
+    SCOPED_TRACE(name);
+    const std::string whole = site.Read(name);
+    ASSERT_GT(whole.size(), 100u);
+    const auto ask = [&](const std::string& bytes) {
+      WriteFile(site.index / name, bytes);
+      const std::string answer = site.Ask("vela_xml=1&vela_query=mail+filename+naem");
+      EXPECT_TRUE(Holds(answer, "</rss>"));
+    };
+    for (size_t i = 0; i < whole.size(); i += 3) ask(whole.substr(0, i));
+    for (size_t i = 0; i < whole.size(); ++i) {
+      std::string changed = whole;
+      changed[i] = static_cast<char>(~changed[i]);
+      ask(changed);
+    }
+    WriteFile(site.index / name, whole);
+  }
+}
+
 TEST(SearchedSite, AMisspelledWordThatSoundsAlikeGetsItsSuggestion) {
   SearchedSite site;
   site.Configure("[settings]\nSpellingDistance = 0\n");

@@ -1,0 +1,71 @@
+#include "indexer/write/side_by_side.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <unordered_map>
+
+#include "format/page_text.h"
+#include "format/synonyms.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr uint64_t PairOf(uint32_t first, uint32_t second) {
+  return uint64_t{first} << 32 | second;
+}
+
+// The words read last, with no sign between them.
+struct LastWords {
+  std::array<uint32_t, kSynonymWordsLimit> words = {};  // the last one first
+  size_t count = 0;
+
+  void Add(uint32_t word) {
+    std::shift_right(words.begin(), words.end(), 1);
+    words[0] = word;
+    count = std::min(count + 1, words.size());
+  }
+  bool EndWith(const WordRow& row) const {
+    return row.size() <= count && std::equal(row.rbegin(), row.rend(), words.begin());
+  }
+};
+
+}  // namespace
+
+std::vector<std::vector<RowPlace>> FindRows(std::string_view pageText, const TextShape& shape,
+                                            const std::vector<WordRow>& rows) {
+  std::vector<std::vector<RowPlace>> places(rows.size());
+  std::unordered_map<uint64_t, std::vector<size_t>> byLastTwo;
+  for (size_t i = 0; i < rows.size(); ++i) {
+    byLastTwo[PairOf(rows[i].end()[-2], rows[i].back())].push_back(i);
+  }
+  if (rows.empty() || shape.tokenBytes <= kTokenVariantWidth ||
+      shape.tokenBytes > kTokenWidthLimit) {
+    return places;
+  }
+  const size_t wordBytes = shape.tokenBytes - kTokenVariantWidth;
+  LastWords last;
+  uint32_t page = 0;
+  for (size_t at = 0; at + shape.tokenBytes <= pageText.size(); at += shape.tokenBytes) {
+    uint32_t word = 0;
+    memcpy(&word, pageText.data() + at, wordBytes);
+    if (int64_t{word} <= shape.lastSign) {
+      last.count = 0;
+      if (word == kPageEndWord) ++page;
+      continue;
+    }
+    last.Add(word);
+    if (last.count < 2) continue;
+    const auto found = byLastTwo.find(PairOf(last.words[1], word));
+    if (found == byLastTwo.end()) continue;
+    for (const size_t row : found->second) {
+      if (!last.EndWith(rows[row])) continue;
+      if (!places[row].empty() && places[row].back().page == page) continue;
+      places[row].push_back({page, at - (rows[row].size() - 1) * shape.tokenBytes});
+    }
+  }
+  return places;
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,290 @@
+#include "indexer/write/synonyms_writer.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "format/page_text.h"
+#include "format/synonyms.h"
+#include "format/word_map.h"
+#include "index/word_map.h"
+#include "indexer/write/compound_words.h"
+#include "indexer/write/out_file.h"
+#include "indexer/write/side_by_side.h"
+#include "settings/index_directory.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// A page that has a compound is one about its parts, but less than one that names them.
+constexpr uint32_t kPartWeight = 40;
+
+// Two words that stand side by side on fewer pages are a slip of the pen.
+constexpr size_t kApartPagesLeast = 2;
+
+struct AlternativeText {
+  std::string text;
+  uint32_t weight = kWholeSynonymWeight;
+  std::vector<WordMapRecord> records = {};  // of several words
+};
+
+class SynonymList {
+ public:
+  // The first of equal ones stays; more than kSynonymAlternativesLimit of a key are left out.
+  void Add(const std::string& key, AlternativeText alternative) {
+    std::vector<AlternativeText>& list = keys_[key];
+    const bool isKnown = std::ranges::any_of(
+        list, [&](const AlternativeText& each) { return each.text == alternative.text; });
+    if (!isKnown && list.size() < kSynonymAlternativesLimit) list.push_back(std::move(alternative));
+  }
+  bool isEmpty() const { return keys_.empty(); }
+  SynonymSizes Write(const std::filesystem::path& path) const;
+
+ private:
+  // std::string compares bytes as unsigned, as the search does.
+  std::map<std::string, std::vector<AlternativeText>> keys_;
+};
+
+void WriteRecord(const WordMapRecord& record, OutFile& file) {
+  file.WriteNumber(record.score, kWordMapScoreWidth);
+  file.WriteNumber(record.proximity, kWordMapProximityWidth);
+  file.WriteNumber(record.page, kWordMapPageWidth);
+  file.WriteNumber(record.position, kWordMapPositionWidth);
+}
+
+SynonymSizes SynonymList::Write(const std::filesystem::path& path) const {
+  SynonymHeader header;
+  header.keys = static_cast<uint32_t>(keys_.size());
+  size_t keyBytes = 0;
+  size_t wordBytes = 0;
+  for (const auto& [key, list] : keys_) {
+    keyBytes += key.size();
+    header.alternatives += static_cast<uint32_t>(list.size());
+    for (const AlternativeText& each : list) {
+      wordBytes += each.text.size();
+      header.records += static_cast<uint32_t>(each.records.size());
+    }
+  }
+  header.textBytes = static_cast<uint32_t>(keyBytes + wordBytes);
+  OutFile file(path);
+  char bytes[sizeof header];
+  memcpy(bytes, &header, sizeof header);
+  file.Write({bytes, sizeof bytes});
+  const auto number = [&](uint64_t value) { file.WriteNumber(value, kSynonymNumberWidth); };
+  size_t start = 0;
+  size_t first = 0;
+  for (const auto& [key, list] : keys_) {
+    number(start);
+    number(first);
+    start += key.size();
+    first += list.size();
+  }
+  number(start);
+  number(first);
+  first = 0;
+  for (const auto& [key, list] : keys_) {
+    for (const AlternativeText& each : list) {
+      number(start);
+      number(first);
+      number(each.weight);
+      start += each.text.size();
+      first += each.records.size();
+    }
+  }
+  number(start);
+  number(first);
+  number(0);
+  for (const auto& [key, list] : keys_) {
+    for (const AlternativeText& each : list) {
+      for (const WordMapRecord& record : each.records) WriteRecord(record, file);
+    }
+  }
+  for (const auto& [key, list] : keys_) file.Write(key);
+  for (const auto& [key, list] : keys_) {
+    for (const AlternativeText& each : list) file.Write(each.text);
+  }
+  return {keys_.size(), file.Finish()};
+}
+
+// The words of a text of the owner, as the dictionary and as pages have them.
+struct RuleText {
+  std::string key;
+  std::string text;
+  WordRow row;          // dictionary numbers; empty when a word is on no page
+  size_t rowPlace = 0;  // among the rows that are looked for
+};
+
+class SynonymMaker {
+ public:
+  SynonymMaker(const std::filesystem::path& folder, const SynonymInput& input)
+      : input_(input), forms_(FormsOfSite(input.vocabulary, input.utf8)) {
+    OpenIndexDirectory(directory_, folder.string());
+    for (size_t place = 0; place < input.order.size(); ++place) {
+      byKey_.emplace(TextOf(input.vocabulary.words[input.order[place]]), place);
+    }
+  }
+  SynonymList Make();
+
+ private:
+  std::string KeyOf(const std::string& form) const {
+    return std::string(TextOf(input_.vocabulary.words[forms_.at(form)]));
+  }
+  // The number in the dictionary.
+  std::optional<uint32_t> NumberOf(std::string_view key) const {
+    const auto found = byKey_.find(key);
+    if (found == byKey_.end()) return {};
+    return static_cast<uint32_t>(input_.firstWord + found->second);
+  }
+  RuleText ReadRuleText(const std::string& text) const;
+  // Each word finds the pages of the others.
+  void AddRules();
+  void AddSameWords();
+  void AddApartWords();
+  void AddCompounds();
+  std::vector<WordMapRecord> RecordsOf(const WordRow& row,
+                                       const std::vector<RowPlace>& places) const;
+  WordList ListOf(uint32_t number) const;
+
+  const SynonymInput& input_;
+  WordsByForm forms_;
+  std::map<std::string_view, size_t> byKey_;  // places in the order of the dictionary
+  IndexDirectory directory_;
+  FileImage wordMap_;
+  FileImage pageText_;
+  SynonymList list_;
+};
+
+WordList SynonymMaker::ListOf(uint32_t number) const {
+  WordList list;
+  const uint64_t offset = input_.offsets[input_.order[number - input_.firstWord]];
+  if (ReadWordList(wordMap_.bytes(), static_cast<int64_t>(offset), list) != WordListStatus::kOk) {
+    return {};
+  }
+  return list;
+}
+
+// What the word map says of the rarest of the words, at the place of the row.
+std::vector<WordMapRecord> SynonymMaker::RecordsOf(const WordRow& row,
+                                                   const std::vector<RowPlace>& places) const {
+  std::vector<WordMapRecord> records;
+  for (const RowPlace& place : places) {
+    records.push_back({.score = kWordMapScoreLimit,
+                       .proximity = 0xFF,
+                       .page = place.page,
+                       .position = place.position});
+  }
+  for (const uint32_t number : row) {
+    const WordList list = ListOf(number);
+    int32_t at = 0;
+    for (WordMapRecord& record : records) {
+      while (at < list.size() && RecordAt(list, at).page < record.page) ++at;
+      if (at == list.size() || RecordAt(list, at).page != record.page) continue;
+      const WordMapRecord ofWord = RecordAt(list, at);
+      record.score = std::min(record.score, ofWord.score);
+      record.proximity &= ofWord.proximity;
+    }
+  }
+  return records;
+}
+
+RuleText SynonymMaker::ReadRuleText(const std::string& text) const {
+  RuleText rule;
+  bool isWhole = true;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const std::string_view word = rest.substr(0, rest.find(' '));
+    rest.remove_prefix(std::min(word.size() + 1, rest.size()));
+    const std::string key(input_.forms.FoundBase(word));
+    if (key.empty()) return {};
+    rule.key.append(rule.key.empty() ? "" : " ").append(key);
+    const std::optional<uint32_t> number = NumberOf(key);
+    isWhole = isWhole && number.has_value();
+    if (number.has_value()) rule.row.push_back(*number);
+  }
+  rule.text = text;
+  if (!isWhole) rule.row.clear();
+  return rule;
+}
+
+void SynonymMaker::AddRules() {
+  std::vector<std::vector<RuleText>> rules;
+  std::vector<WordRow> rows;
+  for (const SynonymRule& rule : input_.rules) {
+    std::vector<RuleText>& texts = rules.emplace_back();
+    for (const std::string& word : rule.words) {
+      RuleText& text = texts.emplace_back(ReadRuleText(word));
+      text.rowPlace = rows.size();
+      if (text.row.size() > 1) rows.push_back(text.row);
+    }
+  }
+  const auto places = FindRows(pageText_.bytes(), input_.text, rows);
+  for (const std::vector<RuleText>& texts : rules) {
+    for (const RuleText& from : texts) {
+      for (const RuleText& to : texts) {
+        if (from.key.empty() || from.key == to.key || to.row.empty()) continue;
+        AlternativeText alternative = {.text = to.text};
+        if (to.row.size() > 1) alternative.records = RecordsOf(to.row, places[to.rowPlace]);
+        if (to.row.size() == 1 || !alternative.records.empty()) {
+          list_.Add(from.key, std::move(alternative));
+        }
+      }
+    }
+  }
+}
+
+void SynonymMaker::AddSameWords() {
+  for (const SameWord& same : SameWords(forms_)) {
+    list_.Add(KeyOf(same.one), {.text = same.other});
+    list_.Add(KeyOf(same.other), {.text = same.one});
+  }
+}
+
+void SynonymMaker::AddApartWords() {
+  const std::vector<ApartWord> words = ApartWords(forms_);
+  std::vector<WordRow> rows;
+  for (const ApartWord& word : words) {
+    rows.push_back({*NumberOf(KeyOf(word.first)), *NumberOf(KeyOf(word.second))});
+  }
+  const auto places = FindRows(pageText_.bytes(), input_.text, rows);
+  for (size_t i = 0; i < words.size(); ++i) {
+    if (places[i].size() < kApartPagesLeast) continue;
+    const ApartWord& word = words[i];
+    list_.Add(KeyOf(word.whole),
+              {.text = word.first + " " + word.second, .records = RecordsOf(rows[i], places[i])});
+    if (!word.isJoined) {
+      list_.Add(KeyOf(word.first) + " " + KeyOf(word.second), {.text = word.whole});
+    }
+  }
+}
+
+void SynonymMaker::AddCompounds() {
+  for (const CompoundPart& part : GermanCompounds(input_.vocabulary, forms_)) {
+    list_.Add(KeyOf(part.part), {.text = part.compound, .weight = kPartWeight});
+  }
+}
+
+SynonymList SynonymMaker::Make() {
+  if (!wordMap_.Open(directory_, kWordMapFileName, false) ||
+      !pageText_.Open(directory_, kPageTextFileName, false)) {
+    return {};
+  }
+  AddRules();
+  if (!input_.findsCompounds) return std::move(list_);
+  AddSameWords();
+  AddApartWords();
+  if (input_.isGerman) AddCompounds();
+  return std::move(list_);
+}
+
+}  // namespace
+
+SynonymSizes WriteSynonyms(const std::filesystem::path& folder, const SynonymInput& input) {
+  const SynonymList list = SynonymMaker(folder, input).Make();
+  return list.isEmpty() ? SynonymSizes() : list.Write(folder / kSynonymsFileName);
+}
+
+}  // namespace vela::indexer
