@@ -12,6 +12,7 @@
 #include "indexer/collect/page_collection.h"
 #include "indexer/collect/recommended_pages.h"
 #include "indexer/collect/stop_words.h"
+#include "indexer/config/extensions.h"
 #include "indexer/config/language_file.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/extract/read_page.h"

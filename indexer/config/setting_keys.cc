@@ -183,6 +183,8 @@ std::span<const NumberKey> NumberKeys() { return kNumberKeys; }
 
 std::span<const NumberKey> ExtensionKeys() { return kExtensionKeys; }
 
+std::span<const TextKey> TextKeys() { return kTextKeys; }
+
 std::span<const TextKey> ExtensionTextKeys() { return kExtensionTextKeys; }
 
 std::string_view RefusedKeyReason(std::string_view key) {
