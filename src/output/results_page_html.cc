@@ -4,6 +4,7 @@
 
 #include "output/markup.h"
 #include "output/powered_by.h"
+#include "search/plain_query.h"
 #include "text/edit.h"
 #include "text/numbers.h"
 
@@ -73,6 +74,9 @@ void AppendSummary(OutputSections& sections, const ResultsPage& page) {
   }
   if (matches.resultCount == 0) {
     AppendSectionRaw(sections, Section::kSummary, Text(language, Str::kSummaryNoResultsFound));
+    if (page.settings.PlainQueries == 1 && HasOnlyExclusions(page.query.terms)) {
+      AppendSection(sections, Section::kSummary, " %s", Text(language, Str::kOnlyExclusions));
+    }
   } else if (page.query.terms.size() > 1) {
     AppendCountPhrase(sections, page, matches.fullMatchCount, Str::kSummaryFoundContainingAllTerms);
     const int32_t others = matches.resultCount - matches.fullMatchCount;

@@ -224,7 +224,7 @@ Corrections MakeCorrections(const TermSearch& search, const CorrectionInput& inp
     }
   };
   for (size_t i = 0; i < search.terms.size(); ++i) {
-    const std::string_view shown = search.terms[i].shown;
+    const std::string_view shown = WithoutAddedAsterisks(search.terms[i].shown, settings);
     if (i > 0) appendToAll(" ");
     const bool isPhrase = IsPhrase(shown, settings);
     const bool isExclusion = shown.starts_with('-');

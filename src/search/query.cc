@@ -130,6 +130,11 @@ QueryText SubstringTerm(std::string_view term, const Settings& settings) {
   return out;
 }
 
+std::string_view WithoutAddedAsterisks(std::string_view term, const Settings& settings) {
+  if (settings.AmendedAnswers != 1 || !SearchesSubstrings(settings)) return term;
+  return TrimCharacters(term, "*");
+}
+
 bool AddSubstringAsterisks(TermList& terms, const Settings& settings) {
   if (!SearchesSubstrings(settings)) return true;
   size_t room = 0;

@@ -52,6 +52,10 @@ bool IsPhrase(std::string_view term, const Settings& settings);
 // and none where one stands already, around an empty word, a phrase or a site restriction.
 QueryText SubstringTerm(std::string_view term, const Settings& settings);
 
+// The term as it was before: without the asterisks around its word where the settings ask for a
+// substring search (and AmendedAnswers).
+std::string_view WithoutAddedAsterisks(std::string_view term, const Settings& settings);
+
 // Puts them around every term where the settings ask for a substring search. False, and the terms
 // as they were, when memory is out.
 [[nodiscard]] bool AddSubstringAsterisks(TermList& terms, const Settings& settings);

@@ -53,14 +53,30 @@ int32_t FindAlike(std::string_view term, const SpellingTable& spelling,
   return 0;
 }
 
+// An exclusion with the quotes of its phrase.
+QueryText ExclusionAsTyped(std::string_view shown, const Settings& settings) {
+  QueryText typed;
+  if (!IsPhrase(shown, settings)) {
+    Set(typed, shown);
+    return typed;
+  }
+  Set(typed, "-\"");
+  Append(typed, shown.substr(1));
+  Append(typed, "\"");
+  return typed;
+}
+
 }  // namespace
 
 Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spelling,
                             const Dictionary& dictionary, const Settings& settings,
                             Stemmer& stemmer) {
   Suggestions suggestions;
+  const auto isExcluded = [&](const SearchedTerm& term) {
+    return settings.PlainQueries == 1 && term.shown.starts_with('-');
+  };
   const auto isRare = [&](const SearchedTerm& term) {
-    return term.records < settings.SpellingWhenLessThan;
+    return term.records < settings.SpellingWhenLessThan && !isExcluded(term);
   };
   if (settings.Spelling != 1 || !spelling.isLoaded ||
       std::none_of(search.terms.begin(), search.terms.end(), isRare)) {
@@ -70,12 +86,18 @@ Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spell
   QueryText alike[Suggestions::kLimit];
   for (size_t i = 0; i < search.terms.size(); ++i) {
     const SearchedTerm& term = search.terms[i];
+    const std::string_view word = WithoutAddedAsterisks(View(term.word), settings);
     QueryText joined;
     std::string_view piece =
-        JoinedRuns(OffersWords(settings) ? term.shown : View(term.word), settings, joined);
-    if (isRare(term)) {
-      const int32_t found =
-          FindAlike(View(term.word), spelling, dictionary, settings, stemmer, alike);
+        JoinedRuns(OffersWords(settings) ? WithoutAddedAsterisks(term.shown, settings) : word,
+                   settings, joined);
+    QueryText excluded;
+    if (isExcluded(term)) {
+      excluded = ExclusionAsTyped(term.shown, settings);
+      piece = View(excluded);
+      suggestions.asTyped = true;
+    } else if (isRare(term)) {
+      const int32_t found = FindAlike(word, spelling, dictionary, settings, stemmer, alike);
       if (found == 0) continue;
       isOffered = true;
       piece = View(alike[0]);

@@ -64,6 +64,7 @@ enum class Str : uint8_t {
   kFormDateButton,
   kCorrectedTo,
   kSearchAsTyped,
+  kOnlyExclusions,
 };
 inline constexpr size_t kLanguageStringCount = 49;  // those that a file must have
 
@@ -127,6 +128,8 @@ struct FurtherText {
 inline constexpr FurtherText kFurtherTexts[] = {
     {"STR_CORRECTED_TO", "Nothing was found as it was typed. These are the results for"},
     {"STR_SEARCH_AS_TYPED", "Search for what was typed:"},
+    {"STR_ONLY_EXCLUSIONS",
+     "This search only says what to leave out. Please add a word to look for."},
 };
 
 struct LanguageStrings {

@@ -220,5 +220,36 @@ TEST(Suggestions, LongQueryIsCut) {
   EXPECT_EQ(texts, Texts{whole.substr(0, 10239)});
 }
 
+TEST(Suggestions, ExcludedWordsStayAsTheyAreWithPlainQueries) {
+  Speller speller(Sounds());
+  speller.site.settings.AllowExactPhrase = 1;
+  const auto offered = [&](std::string_view first, std::string_view excluded) {
+    TermSearch search;
+    EXPECT_TRUE(search.terms.TryAllocate(2));
+    search.terms[0].shown = first;
+    Set(search.terms[0].word, first);
+    search.terms[1].shown = excluded;
+    Set(search.terms[1].word, excluded.substr(1));
+    const Suggestions made = MakeSuggestions(search, speller.table, speller.site.dictionary,
+                                             speller.site.settings, speller.stemmer);
+    return std::string(made.asTyped ? "as typed: " : "") + made.texts[0].bytes;
+  };
+  EXPECT_EQ(offered("gardin", "-kut"), "garden cat");
+  speller.site.settings.PlainQueries = 1;
+  EXPECT_EQ(offered("gardin", "-kut"), "as typed: garden -kut");
+  EXPECT_EQ(offered("gardin", "-kut <b>"), "as typed: garden -\"kut <b>\"");
+  EXPECT_EQ(offered("zzz", "-kut"), "");
+}
+
+TEST(Suggestions, AsterisksThatTheProgramAddedAreNoPartOfAWord) {
+  Speller speller(Sounds());
+  speller.site.settings.SearchAsSubstring = 1;
+  const Terms terms = {{"*cat*", 0}};
+  EXPECT_EQ(speller.For(terms), (Texts{"cat", "cot", "cut"}));
+  speller.site.settings.AmendedAnswers = 1;
+  EXPECT_EQ(speller.For(terms), (Texts{"cot", "cut"}));
+  EXPECT_EQ(speller.For({{"*gardin*", 0}, {"*mill*", 1}}), Texts{"garden mill"});
+}
+
 }  // namespace
 }  // namespace vela
