@@ -1,26 +1,46 @@
 #!/usr/bin/env python3
-"""Measures how well the search ranks, on a test collection with judged answers.
+"""Measures how well the search ranks, beside other programs on the same pages.
 
-    bench/relevance.py COLLECTION [--bin build/release/bin] [--keywords] [--all-words]
+    bench/relevance.py judged COLLECTION
+    bench/relevance.py known PAGES [--samples 500] [--seed 1]
+    bench/relevance.py questions LIST PAGES [--half tune|report] [--show]
 
-COLLECTION is a folder with three files in the Cranfield layout: cran.all.1400 (documents: .I number,
-.T title, .A author, .B source, .W text), cran.qry (questions; they count from 1 in file order) and
-cranqrel (question, document, degree). Each document becomes one small page of a site, the site is
-indexed, every question is asked of the search program as a web server would, and the order of the
-answers is compared with the judgements: nDCG@10 and mean average precision over all questions.
+judged: COLLECTION is a folder in the Cranfield layout: cran.all.1400 (documents: .I number, .T title,
+.A author, .B source, .W text), cran.qry (questions; they count from 1 in file order) and cranqrel
+(question, document, degree). Each document becomes a small page of a site. Asked for are the
+questions and the one, two and three of their words that the fewest documents have; told are nDCG@10
+and, of whole questions, mean average precision.
+
+known: pages that a visitor knows, asked for by their main heading without one of its words; told is
+the mean reciprocal rank of the page. Drawn are headings of three to eight words that no other page
+has.
+
+questions: LIST is one of bench/questions; told is for how many of its questions a page that answers
+them is the first, and among the first three. Its lines are taken in turn: one to tune by, the next
+to report.
+
+Of every kind: --bin build/release/bin, --ours to leave the others out, --options for the TOML lines
+that the site is indexed with, --plain to leave function words out of what is asked.
 """
 import argparse
 import html
 import math
-import os
+import random
 import re
-import subprocess
 import sys
 import tempfile
+from collections import Counter
 from pathlib import Path
+
+import rankers
 
 # Degrees of the judgements, best first; everything else counts as not relevant.
 GAINS = {1: 4, 2: 3, 3: 2, 4: 1}
+FUNCTION_WORDS = set(
+    "a about an and any are as at be been being but by can could do does for from had has have how i"
+    " if in into is it its may me must my of on or shall should so some such than that the their"
+    " them then there these they this to under upon was we were what when where which who whose why"
+    " will with would you your".split())
 
 
 def records(path, fields):
@@ -58,22 +78,6 @@ def write_site(documents, folder):
         (folder / f"{document['I']}.html").write_text(page, encoding="utf-8")
 
 
-def ask(search, index, query, all_words):
-    """The numbers of the documents that the search program lists, best first."""
-    text = re.sub(r"[^a-z0-9]+", " ", query.lower()).strip().replace(" ", "+")
-    environment = {
-        "REQUEST_METHOD": "GET",
-        "QUERY_STRING": f"vela_query={text}&vela_per_page=1000&vela_and={int(all_words)}",
-        "SCRIPT_NAME": "/search.cgi",
-        "PATH": os.environ["PATH"],
-    }
-    answer = subprocess.run(
-        [search, "/I", index], env=environment, capture_output=True, check=True
-    ).stdout.decode("utf-8", "replace")
-    links = re.findall(r'<div class="result_title">.*?<a href="([^"]*)"', answer)
-    return [int(re.search(r"(\d+)\.html", link)[1]) for link in links]
-
-
 def ndcg(ranked, judged, depth=10):
     def total(gains):
         return sum((2**gain - 1) / math.log2(place + 2) for place, gain in enumerate(gains))
@@ -91,20 +95,33 @@ def average_precision(ranked, judged):
     return precision / len(judged)
 
 
-STOP = set("a an and any are as at be been being by can could do does for from had has have how if in "
-           "into is it its of on or such than that the their there these they this to under upon was "
-           "we were what when where which who will with would you".split())
+def mean(numbers):
+    numbers = list(numbers)
+    return sum(numbers) / max(1, len(numbers))
 
 
-def main():
-    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
-    parser.add_argument("collection", type=Path)
-    parser.add_argument("--bin", type=Path, default=Path("build/release/bin"))
-    parser.add_argument("--all-words", action="store_true", help="pages must hold every word")
-    parser.add_argument("--keywords", action="store_true",
-                        help="ask for the questions' words without articles, prepositions and such")
-    arguments = parser.parse_args()
+class Session:
+    """The programs that are there, each with an index of the pages."""
 
+    def __init__(self, arguments, pages, work):
+        self.plain = arguments.plain
+        everyone = rankers.all_rankers(arguments.bin.resolve(), work, arguments.options)
+        self.rankers = []
+        for ranker in everyone[:1] if arguments.ours else everyone:
+            if ranker.missing() is None:
+                ranker.build(pages)
+                self.rankers.append(ranker)
+            else:
+                print(f"{ranker.title} left out: needs {ranker.missing()}", file=sys.stderr)
+
+    def ask(self, ranker, text, most):
+        if self.plain:
+            kept = [word for word in text.split() if word.lower() not in FUNCTION_WORDS]
+            text = " ".join(kept) or text
+        return ranker.ask(text, most)
+
+
+def measure_judged(arguments, work):
     documents = list(records(arguments.collection / "cran.all.1400", "TABW"))
     questions = [r["W"] for r in records(arguments.collection / "cran.qry", "W")]
     judged = {}
@@ -112,28 +129,127 @@ def main():
         question, document, degree = (int(n) for n in line.split()[:3])
         if degree in GAINS:
             judged.setdefault(question, {})[document] = GAINS[degree]
+    on_pages = Counter()
+    for document in documents:
+        on_pages.update(set(re.findall(r"[a-z0-9]+", " ".join(document[f] for f in "TABW").lower())))
+    site = work / "site"
+    site.mkdir()
+    write_site(documents, site)
+    session = Session(arguments, site, work)
+    print(f"{len(documents)} documents, {len(judged)} questions; nDCG@10")
+    print(f"{'':14}{'1 word':>8}{'2 words':>8}{'3 words':>8}{'whole':>8}{'MAP':>8}"
+          f"{'half 1':>8}{'half 2':>8}")
+    for ranker in session.rankers:
+        columns = []
+        for most in (1, 2, 3, None):
+            scores = []
+            for number in sorted(judged):
+                words = re.findall(r"[a-z0-9]+", questions[number - 1].lower())
+                if most is not None:
+                    known = sorted({w for w in words if on_pages[w]}, key=lambda w: (on_pages[w], w))
+                    words = [w for w in words if w in known[:most]]
+                found = session.ask(ranker, " ".join(words), 1000)
+                numbers = [int(re.search(r"(\d+)\.html", address)[1]) for address in found]
+                scores.append((ndcg(numbers, judged[number]),
+                               average_precision(numbers, judged[number])))
+            columns.append(mean(s[0] for s in scores))
+        columns.append(mean(s[1] for s in scores))
+        columns.append(mean(s[0] for s in scores[::2]))
+        columns.append(mean(s[0] for s in scores[1::2]))
+        print(f"{ranker.title:14}" + "".join(f"{column:8.3f}" for column in columns), flush=True)
 
-    with tempfile.TemporaryDirectory() as temporary:
-        site, index = Path(temporary) / "site", Path(temporary) / "index"
-        site.mkdir()
-        write_site(documents, site)
-        subprocess.run(
-            [arguments.bin / "vela_index", "--site", site, "--base-url", "/", "--out", index,
-             "--quiet"],
-            check=True,
-        )
-        scores = []
-        for number, question in enumerate(questions, 1):
-            if number not in judged:
-                continue
-            if arguments.keywords:
-                words = re.sub(r"[^a-z0-9]+", " ", question.lower()).split()
-                question = " ".join(w for w in words if w not in STOP)
-            ranked = ask(arguments.bin / "vela_search", index, question, arguments.all_words)
-            scores.append((ndcg(ranked, judged[number]), average_precision(ranked, judged[number])))
-    print(f"documents {len(documents)}, questions {len(scores)}")
-    print(f"nDCG@10 {sum(s[0] for s in scores) / len(scores):.4f}")
-    print(f"MAP     {sum(s[1] for s in scores) / len(scores):.4f}")
+
+def main_heading(markup):
+    found = re.search(rb"<h1\b[^>]*>(.*?)</h1", markup, re.I | re.S)
+    if not found:
+        return []
+    # Links to the heading itself hold a sign.
+    text = re.sub(rb"<a class=\"(?:headerlink|anchor)\".*?</a>|<[^>]*>", b" ", found[1])
+    return re.findall(r"\w+", html.unescape(text.decode("utf-8", "replace")))
+
+
+def measure_known(arguments, work):
+    draw = random.Random(arguments.seed)
+    headings = {}
+    for path in sorted(arguments.pages.rglob("*.html")):
+        words = main_heading(path.read_bytes())
+        if 3 <= len(words) <= 8:
+            headings.setdefault(" ".join(words).lower(), []).append(path)
+    unique = [(text, paths[0]) for text, paths in sorted(headings.items()) if len(paths) == 1]
+    drawn = draw.sample(unique, min(arguments.samples, len(unique)))
+    asked = []
+    for text, path in drawn:
+        words = text.split()
+        del words[draw.randrange(len(words))]
+        asked.append((" ".join(words), rankers.address_of(path, arguments.pages)))
+    session = Session(arguments, arguments.pages, work)
+    print(f"{len(asked)} of {len(unique)} pages with a heading of their own")
+    print(f"{'':14}{'mean reciprocal rank':>22}{'first':>8}")
+    for ranker in session.rankers:
+        ranks, missed = [], []
+        for text, address in asked:
+            found = session.ask(ranker, text, 100)
+            ranks.append(1 / (found.index(address) + 1) if address in found else 0)
+            if ranks[-1] < 1 and arguments.show:
+                missed.append(f"    {text}: {address} at {ranks[-1]:.2f}, first {found[:2]}")
+        print(f"{ranker.title:14}{mean(ranks):22.3f}{sum(r == 1 for r in ranks):8}", flush=True)
+        print("\n".join(missed), end="\n" if missed else "")
+
+
+def read_questions(path, half):
+    lines = [line for line in path.read_text().splitlines() if line and not line.startswith("#")]
+    lines = {None: lines, "tune": lines[::2], "report": lines[1::2]}[half]
+    for line in lines:
+        text, answers = line.split(" | ")
+        yield text, answers.split()
+
+
+def measure_questions(arguments, work):
+    questions = list(read_questions(arguments.list, arguments.half))
+    session = Session(arguments, arguments.pages, work)
+    print(f"{len(questions)} questions of {arguments.list.name}")
+    print(f"{'':14}{'first':>8}{'in three':>10}")
+    for ranker in session.rankers:
+        first, in_three, missed = 0, 0, []
+        for text, answers in questions:
+            found = session.ask(ranker, text, 10)
+            places = [place for place, address in enumerate(found)
+                      if any(address.endswith(f"/{answer}.html") for answer in answers)]
+            first += bool(places and places[0] == 0)
+            in_three += bool(places and places[0] < 3)
+            if arguments.show and not (places and places[0] < 3):
+                missed.append(f"    {text}: {places[0] + 1 if places else '-'}; "
+                              + " ".join(re.sub(r".*/html/|\.html$", "", a) for a in found[:4]))
+        print(f"{ranker.title:14}{first:8}{in_three:10}", flush=True)
+        print("\n".join(missed), end="\n" if missed else "")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
+    kinds = parser.add_subparsers(dest="kind", required=True)
+    judged = kinds.add_parser("judged")
+    judged.add_argument("collection", type=Path)
+    known = kinds.add_parser("known")
+    known.add_argument("pages", type=Path)
+    known.add_argument("--samples", type=int, default=500)
+    known.add_argument("--seed", type=int, default=1)
+    questions = kinds.add_parser("questions")
+    questions.add_argument("list", type=Path)
+    questions.add_argument("pages", type=Path)
+    questions.add_argument("--half", choices=["tune", "report"])
+    for kind in (judged, known, questions):
+        kind.add_argument("--bin", type=Path, default=Path("build/release/bin"))
+        kind.add_argument("--ours", action="store_true", help="leave the other programs out")
+        kind.add_argument("--options", default='[index]\nstemming = "english"',
+                          help="TOML lines that the site is indexed with")
+        kind.add_argument("--plain", action="store_true",
+                          help="leave function words out of what is asked")
+        kind.add_argument("--show", action="store_true", help="tell what was missed")
+    arguments = parser.parse_args()
+    with tempfile.TemporaryDirectory() as folder:
+        measures = {"judged": measure_judged, "known": measure_known,
+                    "questions": measure_questions}
+        measures[arguments.kind](arguments, Path(folder))
     return 0
 
 
