@@ -13,7 +13,7 @@ and, of whole questions, mean average precision.
 
 known: pages that a visitor knows, asked for by their main heading without one of its words; told is
 the mean reciprocal rank of the page. Drawn are headings of three to eight words that no other page
-has.
+has, without a word that leaves others which no other heading holds together.
 
 questions: LIST is one of bench/questions; told is for how many of its questions a page that answers
 them is the first, and among the first three. Its lines are taken in turn: one to tune by, the next
@@ -165,25 +165,32 @@ def main_heading(markup):
         return []
     # Links to the heading itself hold a sign.
     text = re.sub(rb"<a class=\"(?:headerlink|anchor)\".*?</a>|<[^>]*>", b" ", found[1])
-    return re.findall(r"\w+", html.unescape(text.decode("utf-8", "replace")))
+    return re.findall(r"\w+", html.unescape(text.decode("utf-8", "replace")).lower())
+
+
+def known_pages(folder, samples, seed):
+    """What to ask for and the address of the page that is meant."""
+    draw = random.Random(seed)
+    headings = [(main_heading(path.read_bytes()), path) for path in sorted(folder.rglob("*.html"))]
+    holders = {}
+    for number, (words, _) in enumerate(headings):
+        for word in words:
+            holders.setdefault(word, set()).add(number)
+    known = []
+    for number, (words, path) in enumerate(headings):
+        if not 3 <= len(words) <= 8:
+            continue
+        rest = list(words)
+        del rest[draw.randrange(len(rest))]
+        if set.intersection(*(holders[word] for word in rest)) == {number}:
+            known.append((" ".join(rest), rankers.address_of(path, folder)))
+    return draw.sample(known, min(samples, len(known)))
 
 
 def measure_known(arguments, work):
-    draw = random.Random(arguments.seed)
-    headings = {}
-    for path in sorted(arguments.pages.rglob("*.html")):
-        words = main_heading(path.read_bytes())
-        if 3 <= len(words) <= 8:
-            headings.setdefault(" ".join(words).lower(), []).append(path)
-    unique = [(text, paths[0]) for text, paths in sorted(headings.items()) if len(paths) == 1]
-    drawn = draw.sample(unique, min(arguments.samples, len(unique)))
-    asked = []
-    for text, path in drawn:
-        words = text.split()
-        del words[draw.randrange(len(words))]
-        asked.append((" ".join(words), rankers.address_of(path, arguments.pages)))
+    asked = known_pages(arguments.pages, arguments.samples, arguments.seed)
     session = Session(arguments, arguments.pages, work)
-    print(f"{len(asked)} of {len(unique)} pages with a heading of their own")
+    print(f"{len(asked)} pages")
     print(f"{'':14}{'mean reciprocal rank':>22}{'first':>8}")
     for ranker in session.rankers:
         ranks, missed = [], []
