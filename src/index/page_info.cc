@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "format/page_info.h"
+#include "format/word_weight.h"
 #include "index/byte_cursor.h"
 #include "text/numbers.h"
 
@@ -102,6 +103,14 @@ uint8_t PageBoost(const PageTable& pages, uint32_t page) {
 
 uint8_t PageFileType(const PageTable& pages, uint32_t page) {
   return static_cast<uint8_t>(Field(pages, page, LayoutOf(pages).fileType, kFileTypeWidth));
+}
+
+uint32_t PageTitleMass(const PageTable& pages, uint32_t page) {
+  const size_t length = pages.recordLength != 0
+                            ? pages.recordLength
+                            : Field(pages, page, 0, LayoutOf(pages).lengthWidth);
+  if (length < kTitleMassWidth) return 0;
+  return WrapToUint32(Field(pages, page, length - kTitleMassWidth, kTitleMassWidth));
 }
 
 bool PageCategoryBit(const PageTable& pages, uint32_t page, size_t index, int bit) {

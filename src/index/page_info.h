@@ -36,6 +36,9 @@ uint32_t PageFileSize(const PageTable& pages, uint32_t page);  // bytes
 int32_t PageDateTime(const PageTable& pages, uint32_t page);   // compared as a signed number
 uint8_t PageBoost(const PageTable& pages, uint32_t page);
 uint8_t PageFileType(const PageTable& pages, uint32_t page);
+// The mass of the page's title, which records end with in an index made for Ranking
+// (format/word_weight.h).
+uint32_t PageTitleMass(const PageTable& pages, uint32_t page);
 
 // Whether byte `index` of the category set has bit `bit` set.
 bool PageCategoryBit(const PageTable& pages, uint32_t page, size_t index, int bit);

@@ -65,7 +65,7 @@ int CreateStemmer(SearchContext& ctx) {
 
 int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
-  if (!AllocateMatches(state.matches, settings.NumPages) ||
+  if (!AllocateMatches(state.matches, settings.NumPages, settings.Ranking == 1) ||
       !DropStopWords(ctx.query.terms, View(ctx.query.text), settings) ||
       !CutRunsOfTerms(ctx.query.terms, settings) ||
       !AddSubstringAsterisks(ctx.query.terms, settings) ||
@@ -122,9 +122,13 @@ int LookUpTerms(SearchContext& ctx, SearchState& state) {
 int Rank(SearchContext& ctx, SearchState& state) {
   const int32_t effectiveTerms =
       ctx.query.terms.size() - state.terms.skippedCount - state.terms.excludedCount;
+  QueryWeights weights;
+  const bool weighs = !state.matches.weights.empty();
+  if (weighs) weights = WeighQuery(state.terms, effectiveTerms, ctx.settings.NumPages);
   const RankInput input = {.settings = ctx.settings,
                            .request = ctx.search,
                            .pages = ctx.index.pages,
+                           .weights = weighs ? &weights : nullptr,
                            .effectiveTerms = effectiveTerms,
                            .everyPage = state.everyPage};
   switch (RankMatches(state.matches, state.filters, input, state.results)) {

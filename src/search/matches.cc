@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "format/word_weight.h"
 #include "search/query.h"
 #include "search/search_request.h"
 #include "text/numbers.h"
@@ -66,12 +67,13 @@ void AddPosition(Matches& matches, uint32_t page, uint64_t position) {
 
 }  // namespace
 
-bool AllocateMatches(Matches& matches, int32_t pageCount) {
+bool AllocateMatches(Matches& matches, int32_t pageCount, bool weighs) {
   if (pageCount < 0 || pageCount > kPageLimit) return false;
   const auto pages = static_cast<size_t>(pageCount);
   return matches.pages.TryAllocate(pages) && matches.further.TryAllocate(pages) &&
          matches.touched.TryAllocate((pages + 63) / 64) &&
-         matches.hasFurther.TryAllocate((pages + 63) / 64);
+         matches.hasFurther.TryAllocate((pages + 63) / 64) &&
+         (!weighs || matches.weights.TryAllocate(pages));
 }
 
 uint64_t FurtherPosition(const Matches& matches, uint32_t page, int32_t number) {
@@ -89,7 +91,9 @@ uint32_t BoostedScore(uint32_t score, uint8_t boost) {
 bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& record,
               const TermPlace& term, int32_t sort, int32_t maxContextKeywords) {
   if (record.page >= matches.pages.size()) return false;
-  const uint32_t score = BoostedScore(record.score, PageBoost(pages, record.page));
+  const bool weighs = !matches.weights.empty();
+  uint32_t score =
+      BoostedScore(weighs ? WeightOf(record.score) : record.score, PageBoost(pages, record.page));
   if (score == 0) return true;
 
   PageMatch match;
@@ -97,7 +101,9 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
     match = matches.pages[record.page];
   } else {
     SetBit(matches.touched, record.page);
+    if (weighs) matches.weights[record.page] = {};
   }
+  if (weighs) score = AddWeight(matches.weights[record.page], record, term.listIndex, score);
   if (term.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
     // search/exclusion_counts_down_to_nothing).

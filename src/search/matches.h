@@ -6,6 +6,7 @@
 
 #include "index/page_info.h"
 #include "index/word_map.h"
+#include "search/page_weight.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
 
@@ -39,6 +40,7 @@ static_assert(sizeof(FurtherPositions) == 10);
 struct Matches {
   OwnedArray<PageMatch> pages;           // NumPages
   OwnedArray<FurtherPositions> further;  // NumPages
+  OwnedArray<PageWeight> weights;        // NumPages, only with Ranking
   OwnedArray<uint64_t> touched;          // one bit a page that a record touched
   OwnedArray<uint64_t> hasFurther;       // one bit a page that has a further position
   int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
@@ -58,10 +60,11 @@ struct TermPlace {
   int32_t excluded = 0;  // exclusions and site restrictions so far
   bool isExclusion = false;
   bool countsFoundOnly = false;  // an exclusion counts down only pages that had been found
+  int32_t listIndex = 0;  // in the term list, from 0, with AmendedAnswers as without
 };
 
-// Makes the record of every page. False when the memory cannot be had.
-[[nodiscard]] bool AllocateMatches(Matches& matches, int32_t pageCount);
+// Makes the record of every page; `weighs`: with Ranking. False when the memory cannot be had.
+[[nodiscard]] bool AllocateMatches(Matches& matches, int32_t pageCount, bool weighs = false);
 
 // Adds one record of a matched word to its page. `sort` and `maxContextKeywords` are those of the
 // request and the settings. False when the record names a page that is not in the index.

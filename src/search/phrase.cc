@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "format/word_weight.h"
 #include "search/highlight_terms.h"
 #include "text/numbers.h"
 
@@ -87,7 +88,8 @@ void SkipToStart(const Phrase& phrase, const Settings& settings, PageTextReader&
 }
 
 // Reads tokens from the reader's position on until the phrase is found, its page ends, or, unless
-// PhraseSigns is set, the first word has been met more often than its score says it occurs.
+// PhraseSigns or Ranking is set, the first word has been met more often than its score says it
+// occurs.
 bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& settings,
                   PageTextReader& text, uint64_t& start) {
   const auto count = phrase.words.size();
@@ -118,8 +120,16 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
       if (++k == count) return true;
     }
     if (token.word == kPageEndWord) return false;
-    if (settings.PhraseSigns <= 0 && firstScore < occurrences) return false;
+    if (settings.PhraseSigns <= 0 && settings.Ranking != 1 && firstScore < occurrences)
+      return false;
   }
+}
+
+// The score of one word more. Weights keep whether all of the words stand in the title.
+uint32_t AddedScore(uint32_t score, uint32_t added, const Settings& settings) {
+  const auto add = [&](uint32_t a, uint32_t b) { return CutsRuns(settings) ? std::min(a, b) : a + b; };
+  if (settings.Ranking != 1) return add(score, added);
+  return add(WeightOf(score), WeightOf(added)) << 1 | (score & added & 1);
 }
 
 }  // namespace
@@ -171,7 +181,7 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
       furthest = static_cast<int64_t>(other.position);
       furthestWord = k;
     }
-    score = CutsRuns(settings) ? std::min(score, other.score) : score + other.score;
+    score = AddedScore(score, other.score, settings);
   }
   if (budget.seeksDone > budget.maxSeeks + kSeeksBeforeCheapReject &&
       position + tokenSize * (count + kUsualReach) <= furthest) {

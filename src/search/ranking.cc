@@ -76,13 +76,20 @@ RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters, con
   return RankStatus::kOk;
 }
 
+// Whether the words of the query weigh: where every page is a candidate there are none.
+bool Weighs(const RankInput& input) { return input.weights != nullptr && !input.everyPage; }
+
 // The range of the keys, as the terms have met them.
-bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, int32_t sort,
-                       bool everyPage) {
-  if (SortsByDate(sort)) return StartHistogram(histogram, matches.minDate, matches.maxDate);
+bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, const RankInput& input) {
+  if (SortsByDate(input.request.sort)) {
+    return StartHistogram(histogram, matches.minDate, matches.maxDate);
+  }
+  if (Weighs(input)) {
+    return StartHistogram(histogram, 0, HighestWeighedScore(*input.weights, matches.maxScore));
+  }
   // Where every page is a candidate, its score was not seen by the terms.
   return StartHistogram(histogram, 0, int64_t{matches.maxTermsMatched} * matches.maxScore,
-                        everyPage);
+                        input.everyPage);
 }
 
 RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& input,
@@ -103,8 +110,9 @@ RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& 
       return true;
     }
     if (count == results.entries.size()) return true;
-    results.entries[count++] = {page, FinalScore(match, input.settings.WeightProximity),
-                                match.termsMatched};
+    const uint32_t score =
+        Weighs(input) ? match.score : FinalScore(match, input.settings.WeightProximity);
+    results.entries[count++] = {page, score, match.termsMatched};
     return true;
   });
   // Every page of the buckets taken has been met: the list is full.
@@ -186,7 +194,7 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
   if (matches.resultCount == 0 && !input.everyPage) {
     return ListResults(matches, filters, input, histogram, results);
   }
-  if (!StartHistogramFor(histogram, matches, sort, input.everyPage)) return RankStatus::kNoMemory;
+  if (!StartHistogramFor(histogram, matches, input)) return RankStatus::kNoMemory;
   matches.resultCount = 0;
   RankStatus status = RankStatus::kOk;
   ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
@@ -199,7 +207,12 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
       return true;
     }
     if (static_cast<int32_t>(match.termsInOrder) >= input.effectiveTerms) ++matches.fullMatchCount;
-    if (!SortsByDate(sort)) match.score += (match.termsMatched - 1) * matches.maxScore;
+    if (Weighs(input)) {
+      match.score = WeighedScore(*input.weights, matches.weights[page], match.score,
+                                 PageTitleMass(input.pages, page));
+    } else if (!SortsByDate(sort)) {
+      match.score += (match.termsMatched - 1) * matches.maxScore;
+    }
     const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, sort));
     ++histogram.counts[static_cast<size_t>(bucket)];
     ++matches.resultCount;

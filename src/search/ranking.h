@@ -7,6 +7,7 @@
 #include "search/filters.h"
 #include "search/matches.h"
 #include "search/search_request.h"
+#include "search/weighed_score.h"
 #include "settings/settings.h"
 #include "text/owned_array.h"
 
@@ -70,8 +71,9 @@ struct RankInput {
   const Settings& settings;
   const SearchRequest& request;
   const PageTable& pages;
-  int32_t effectiveTerms = 0;  // terms that a page can match: none skipped, no exclusion
-  bool everyPage = false;      // no word is searched for: every page is a candidate
+  const QueryWeights* weights = nullptr;  // not owned; null without Ranking
+  int32_t effectiveTerms = 0;             // terms that a page can match: none skipped, no exclusion
+  bool everyPage = false;                 // no word is searched for: every page is a candidate
 };
 
 // Applies the filters to every candidate, counts the pages accepted into `matches`, and lists the

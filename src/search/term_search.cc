@@ -128,7 +128,8 @@ TermResult SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t 
   TermPlace place = {.index = index,
                      .skipped = search.skippedCount,
                      .excluded = search.excludedCount,
-                     .isExclusion = isExclusion};
+                     .isExclusion = isExclusion,
+                     .listIndex = index};
   if (input.settings.AmendedAnswers == 1) CountOnce(place);
   const bool isPhrase = IsPhrase(View(term.word), input.settings);
   return isPhrase ? SearchPhrase(search, input, term, place, matches)

@@ -1,0 +1,35 @@
+// weighed_score.h: the score of a page with Ranking.
+//
+// What the words weigh on the page (format/word_weight.h) adds up. The sum grows a little with the
+// share of the terms that the page has, and with those that stand near each other; a title that has
+// words of the query adds what they say, the more of the title they are the more. A page whose
+// title is the query and nothing else stands before all others.
+#pragma once
+
+#include <cstdint>
+
+#include "search/page_weight.h"
+#include "search/term_search.h"
+
+namespace vela {
+
+// What is the same for all pages.
+struct QueryWeights {
+  uint32_t masses[kWeighedTerms] = {};  // WordMass of each term; 0: no page has it
+  uint32_t total = 0;                   // of all terms
+  // Factors by how many terms a page has, and how many of them are near; 256 is 1.
+  uint32_t foundFactors[kWeighedTerms + 1] = {};
+  uint32_t nearFactors[kWeighedTerms + 1] = {};
+};
+
+// `effectiveTerms` are those that a page can match, `pageCount` the pages of the index.
+QueryWeights WeighQuery(const TermSearch& search, int32_t effectiveTerms, int32_t pageCount);
+
+// The score, 1 at least, of a page on which the words weigh `sum`, and its title `titleMass`.
+uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_t sum,
+                      uint32_t titleMass);
+
+// No page whose words weigh `most` or less has a higher score.
+uint32_t HighestWeighedScore(const QueryWeights& query, uint32_t most);
+
+}  // namespace vela
