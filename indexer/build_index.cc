@@ -6,6 +6,7 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 #include <thread>
 
 #include "format/index_directory.h"
@@ -268,8 +269,16 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   }
   run.progress.Begin("Sorting words", 0);
   run.summary.runs = collection.postings.runCount();
-  const WordMapResult wordMap = WriteWordMap(fresh / kWordMapFileName, collection.postings,
-                                             vocabulary, collection.pages, facts.tokenBytes);
+  std::optional<TitleMasses> titles;
+  if (ExtensionValue(run.options.config, "Ranking") != 0) {
+    titles.emplace(facts.pages, facts.stopWords, vocabulary, collection.forms);
+  }
+  const WordMapResult wordMap =
+      WriteWordMap(fresh / kWordMapFileName, collection.postings, vocabulary, collection.pages,
+                   facts.tokenBytes, titles.has_value() ? &*titles : nullptr);
+  for (uint32_t page = 0; titles.has_value() && page < facts.pages; ++page) {
+    pages.table.SetTitleMass(page, titles->Of(page));
+  }
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);

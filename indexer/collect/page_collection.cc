@@ -76,7 +76,8 @@ RunCut RunCutOf(const CollectionInput& input) {
   }
   collection.pages.push_back({.firstToken = collection.tokenCount,
                               .bodyWords = tokens.bodyWords,
-                              .titleWords = tokens.titleWords});
+                              .titleWords = tokens.titleWords,
+                              .linkShare = page.content.linkShare});
   collection.tokenCount += tokens.tokenCount;
   return true;
 }
@@ -147,6 +148,7 @@ Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
       .fileType = facts.fileType,
       .categories = std::move(outcome.categories),
       .metaValues = EncodedMetaValues(page, collection),
+      .hasTitleMass = ExtensionValue(collection.input.config, "Ranking") != 0,
   };
   CheckRoomForPage(collection);
   collection.fileDates.AddPage(number, facts);

@@ -91,6 +91,12 @@ PageTokens::PageWord& Count(const Occurrence& occurrence, const PageCut& cut) {
   return pageWord;
 }
 
+// Sets what is known of a word of the title, which the page has, beside that it is one.
+void SetTitleZones(uint32_t word, uint8_t set, uint8_t cleared, const PageCut& cut) {
+  uint8_t& zones = cut.out.postings[cut.site.vocabulary.words[word].slot].zones;
+  zones = static_cast<uint8_t>((zones & ~cleared) | set);
+}
+
 // Writes and counts the words of the chunk that was cut. Returns their number.
 uint32_t WriteWords(uint8_t zone, bool inBody, const PageCut& cut) {
   PageTokens& out = cut.out;
@@ -112,14 +118,15 @@ uint32_t WriteWords(uint8_t zone, bool inBody, const PageCut& cut) {
     if (out.afterPiece && token.isPiece && out.gap.opens && out.gap.IsEmpty()) out.gap.ShowBlank();
     CloseGap(cut, false);
     out.afterPiece = token.isPiece;
-    chunkWord = {.token = out.tokenCount, .place = place};
     const uint32_t word = FindOrAddWord(cut.site.vocabulary, base);
+    chunkWord = {.token = out.tokenCount, .place = place, .word = word};
     const std::string_view surface = cut.site.forms.Surface(token.surface);
     const uint8_t variant = FindOrAddVariant(cut.site.vocabulary, word, surface);
     Word& found = cut.site.vocabulary.words[word];
     found.isWritten = true;
     if (surface == TextOf(found)) found.isOwnForm = true;
     PageTokens::PageWord& pageWord = Count({word, out.tokenCount, place, zone, inBody}, cut);
+    if (zone == kInTitle) SetTitleZones(word, kTitleWord | kTitlePart, 0, cut);
     if (zone == kInTitle && !pageWord.isTitleWord) {
       pageWord.isTitleWord = true;
       ++out.titleWords;
@@ -145,6 +152,10 @@ void CountForms(uint8_t zone, bool inBody, const PageCut& cut) {
     // Beside its stem, so that a pattern such as "cafe*" meets it whole.
     FindOrAddVariant(cut.site.vocabulary, word, cut.site.forms.Surface(form.text));
     Count({word, found.token, found.place, zone, inBody}, cut);
+    if (zone == kInTitle && form.text.size() < cut.out.chunk.tokens[form.token].base.size()) {
+      SetTitleZones(found.word, 0, kTitlePart, cut);
+      SetTitleZones(word, kTitlePart, 0, cut);
+    }
   }
 }
 
@@ -227,6 +238,7 @@ bool CutPage(const PageTexts& page, uint32_t pageNumber, const SiteWords& site, 
   for (const Posting& posting : out.postings) {
     Word& word = site.vocabulary.words[posting.word];
     word.mostOnPage = std::max(word.mostOnPage, posting.total);
+    if (posting.zones == kInAddress && posting.body == 0) ++word.addressOnlyPages;
   }
   return true;
 }

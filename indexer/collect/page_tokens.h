@@ -34,6 +34,7 @@ struct PageLengths {
   uint64_t firstToken = 0;  // counted from the start of the page text
   uint32_t bodyWords = 0;
   uint32_t titleWords = 0;
+  float linkShare = 0;  // of its text, what stands in links to other pages; 0 to 1
 };
 
 // Where a run of text begins that an address leads to.
@@ -55,6 +56,7 @@ struct PageTokens {
   struct ChunkWord {
     uint32_t token = kNone32;  // its place among the page's tokens
     uint32_t place = 0;        // among the body's words
+    uint32_t word = 0;         // its number in the vocabulary
   };
   // What is known of a word of the page beside its posting.
   struct PageWord {

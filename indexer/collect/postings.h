@@ -19,6 +19,8 @@ enum Zone : uint8_t {
   kInSmallHeading = 8,  // h4 to h6
   kInDescription = 16,
   kInAddress = 32,
+  kTitleWord = 64,   // written in the title, no part of another word there
+  kTitlePart = 128,  // of those that make up the title when joined words are cut: no joined word
 };
 
 // One word on one page; counts stop at 255.

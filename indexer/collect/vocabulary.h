@@ -27,10 +27,11 @@ struct Variant {
 };
 
 struct Word {
-  const char* text = nullptr;   // owned by the vocabulary
-  uint32_t pageCount = 0;       // pages that it finds
-  uint32_t lastPage = kNone32;  // the page that counted it last ...
-  uint32_t slot = 0;            // ... and its place among that page's words
+  const char* text = nullptr;     // owned by the vocabulary
+  uint32_t pageCount = 0;         // pages that it finds
+  uint32_t addressOnlyPages = 0;  // of those, that have it in their address alone
+  uint32_t lastPage = kNone32;    // the page that counted it last ...
+  uint32_t slot = 0;              // ... and its place among that page's words
   uint32_t firstVariant = kNone32;
   uint32_t lastVariant = kNone32;
   uint8_t length = 0;

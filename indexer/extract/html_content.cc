@@ -110,6 +110,12 @@ bool IsSkipLink(const Tag& tag) {
   return tag.element == Element::kA && AttributeValue(tag, Attribute::kHref).starts_with('#');
 }
 
+// Whether the element is a link to another page: not to a place on this one.
+bool LeadsToPage(const Tag& tag) {
+  return tag.element == Element::kA && HasAttribute(tag, Attribute::kHref) &&
+         !AttributeValue(tag, Attribute::kHref).starts_with('#');
+}
+
 }  // namespace
 
 ElementRole HtmlContent::RoleOf(const Tag& tag, bool isHtml, const TextState& around) const {
@@ -125,6 +131,7 @@ ElementRole HtmlContent::RoleOf(const Tag& tag, bool isHtml, const TextState& ar
   role.breaksWords = !IsInline(tag, isHtml) && !(role.leavesOut && Has(tag.element, kInvisible));
   role.enclosesContent = EnclosesContent(tag);
   role.headingLevel = HeadingLevel(tag.element);
+  role.isLink = isHtml && LeadsToPage(tag);
   return role;
 }
 
@@ -194,7 +201,16 @@ void HtmlContent::AddText(std::string_view added, const TextState& state) {
     timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
   if (state.isLeftOut) return;
   if (added.find_first_not_of(kMarkupBlanks) != added.npos) openAnchor.clear();
+  CountText(added, state);
   text.Append(state.strand, state.style, added);
+}
+
+void HtmlContent::CountText(std::string_view added, const TextState& state) {
+  if (state.style.share == TextShare::kFrame) return;
+  const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
+  const auto bytes = added.size() - static_cast<size_t>(std::ranges::count_if(added, isBlank));
+  textBytes += bytes;
+  if (state.isInLink) linkBytes += bytes;
 }
 
 void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {
@@ -206,6 +222,9 @@ void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {
 void HtmlContent::Finish() {
   for (const char* name : {"description", "og:description"}) {
     if (page.description.empty()) page.description = MetaContent(page, name);
+  }
+  if (textBytes != 0) {
+    page.linkShare = static_cast<float>(linkBytes) / static_cast<float>(textBytes);
   }
   if (noindex) return;
   text.CopyTo(page.body, !text.HasContent());

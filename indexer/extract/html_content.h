@@ -45,7 +45,11 @@ class HtmlContent {
 
   PageContent& page;
   PageText text;
+  void CountText(std::string_view added, const TextState& state);
+
   bool noindex = false;
+  uint64_t textBytes = 0;       // that are no blanks, outside of what surrounds the content
+  uint64_t linkBytes = 0;       // of those, in links to other pages
   bool sawMainHeading = false;  // the first h1
   std::string openAnchor;       // of an element that began behind the text so far
   bool openAnchorIsBlock = false;

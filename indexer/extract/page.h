@@ -31,6 +31,7 @@ struct PageContent {
   std::vector<MetaElement> metas;  // all that have a name and a content, in the page's order
   std::string time;                // of the first time element: its datetime, else its text
   std::vector<TextRun> body;       // in reading order
+  float linkShare = 0;             // of its text, what stands in links to other pages; 0 to 1
   std::string markupFault;  // where and why a page that browsers take for XML is none; else empty
 };
 

@@ -64,6 +64,7 @@ TextState StateInside(const TextState& around, const ElementRole& role) {
   TextState inside = around;
   inside.isLeftOut = around.isLeftOut || role.leavesOut;
   inside.isInert = around.isInert || role.isInert;
+  inside.isInLink = around.isInLink || role.isLink;
   inside.isOfPage = around.isOfPage && !role.enclosesContent;
   if (role.headingLevel != 0) inside.style.headingLevel = role.headingLevel;
   if (role.section != 0) inside.style.section = role.section;

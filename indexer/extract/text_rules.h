@@ -17,6 +17,7 @@ struct ElementRole {
   bool isHeader = false;     // of the page; a frame
   bool isHeadline = false;   // the heading of the page, to keep even in its header
   bool enclosesContent = false;
+  bool isLink = false;       // leads to another page
   bool isTime = false;       // its text is the time of the page
   uint8_t headingLevel = 0;  // 1 to 6; 0: as around it
   uint32_t section = 0;      // see TextStyle; 0: as around it
@@ -27,6 +28,7 @@ struct TextState {
   bool isLeftOut = false;
   bool isInert = false;
   bool isInHeader = false;  // in the header of the page, and in nothing else that frames it
+  bool isInLink = false;    // to another page
   bool isOfPage = true;     // no part of the page's content encloses it
   TextStyle style;
   PageText::Strand strand = PageText::kPageStrand;

@@ -5,6 +5,7 @@
 
 #include "format/page_data.h"
 #include "format/page_info.h"
+#include "format/word_weight.h"
 #include "index/page_data.h"
 #include "indexer/collect/category_set.h"
 #include "indexer/config/site_config.h"
@@ -23,7 +24,8 @@ constexpr std::string_view kFieldEnd(&kPageDataFieldEnd, 1);
 constexpr const PageInfoLayout& kLayout = kSmallPageInfo;
 constexpr size_t kMostMetaBytes = kFieldLimit * (kFieldTextLimit + 1);
 static_assert(kListValueCountLimit + 1 <= kFieldTextLimit + 1);
-static_assert(kLayout.fixedSize + CategorySetBytes(kCategoryLimit) + kMostMetaBytes <=
+static_assert(kLayout.fixedSize + CategorySetBytes(kCategoryLimit) + kMostMetaBytes +
+                  kTitleMassWidth <=
               kLayout.LengthLimit());
 
 // A date as a record holds it.
@@ -40,7 +42,8 @@ PageTableWriter::PageTableWriter(const std::filesystem::path& info,
 
 void PageTableWriter::AddPage(const PageEntry& page) {
   places_.push_back({.record = info_.size(), .line = data_.size()});
-  info_.WriteNumber(kLayout.fixedSize + page.categories.size() + page.metaValues.size(),
+  const size_t massWidth = page.hasTitleMass ? kTitleMassWidth : 0;
+  info_.WriteNumber(kLayout.fixedSize + page.categories.size() + page.metaValues.size() + massWidth,
                     kLayout.lengthWidth);
   info_.WriteNumber(places_.back().line, kDataOffsetWidth);
   info_.WriteNumber(std::min(page.fileSize, LargestNumber(kFileSizeWidth)), kFileSizeWidth);
@@ -49,6 +52,7 @@ void PageTableWriter::AddPage(const PageEntry& page) {
   info_.WriteNumber(static_cast<uint64_t>(page.fileType), kFileTypeWidth);
   info_.Write(page.categories);
   info_.Write(page.metaValues);
+  if (page.hasTitleMass) info_.WriteNumber(0, kTitleMassWidth);
 
   AddLine({.address = page.address,
            .title = StoredText(page.title, kPageTitleLimit, charset_),
@@ -78,6 +82,11 @@ PageLine PageTableWriter::ReadLine(uint32_t page) {
 
 void PageTableWriter::SetTime(uint32_t page, int64_t time) {
   info_.ReplaceNumber(places_[page].record + kLayout.dateTime, RecordedTime(time), kDateTimeWidth);
+}
+
+void PageTableWriter::SetTitleMass(uint32_t page, uint32_t mass) {
+  const uint64_t end = page + 1 < places_.size() ? places_[page + 1].record : info_.size();
+  info_.ReplaceNumber(end - kTitleMassWidth, mass, kTitleMassWidth);
 }
 
 void PageTableWriter::AddToCategories(uint32_t page, std::string_view categories) {

@@ -39,6 +39,8 @@ class PageTableWriter {
   void SetTime(uint32_t page, int64_t time);
   // Adds categories to those of a page: a set of the same size (see category_set.h).
   void AddToCategories(uint32_t page, std::string_view categories);
+  // Sets the mass of the page's title (format/word_weight.h), which AddPage has made room for.
+  void SetTitleMass(uint32_t page, uint32_t mass);
   struct Sizes {
     uint64_t infoBytes = 0;  // PageInfoSize
     uint64_t dataBytes = 0;

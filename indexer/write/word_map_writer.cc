@@ -1,14 +1,18 @@
 #include "indexer/write/word_map_writer.h"
 
+#include <algorithm>
+
 #include "format/word_map.h"
+#include "format/word_weight.h"
 #include "indexer/collect/score.h"
+#include "indexer/collect/word_weight.h"
 #include "indexer/write/out_file.h"
 
 namespace vela::indexer {
 
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
                            const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
-                           size_t tokenBytes) {
+                           size_t tokenBytes, TitleMasses* titles) {
   WordMapResult result;
   result.offsets.assign(vocabulary.words.size(), 0);
   ScoreContext context;
@@ -16,6 +20,8 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
   double words = 0;
   for (const PageLengths& page : pages) words += page.bodyWords;
   context.averageWords = pages.empty() ? 0 : words / static_cast<double>(pages.size());
+  WeightContext weight = {.averageWords = context.averageWords};
+  uint32_t titleMass = 0;
   OutFile file(path);
   uint32_t current = kNone32;
   postings.ForEachSorted([&](const Posting& posting) {
@@ -25,13 +31,19 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
       context.pagesWithWord = word.pageCount;
       context.inSomeTitle = word.inTitle;
       context.mostOnPage = word.mostOnPage;
+      titleMass = WordMass(word.pageCount, context.pages);
+      weight.mass = WordMass(word.pageCount - word.addressOnlyPages, context.pages);
       result.offsets[current] = file.size();
       file.WriteNumber(context.pagesWithWord, kWordListCountWidth);
     }
     const PageLengths& page = pages[posting.page];
     context.pageWords = page.bodyWords;
     context.titleWords = page.titleWords;
-    file.WriteNumber(WordScore(posting, context), kWordMapScoreWidth);
+    weight.pageWords = page.bodyWords;
+    weight.linkShare = page.linkShare;
+    if (titles != nullptr) titles->Add(posting, titleMass);
+    file.WriteNumber(titles != nullptr ? WordWeight(posting, weight) : WordScore(posting, context),
+                     kWordMapScoreWidth);
     file.WriteNumber(posting.blocks, kWordMapProximityWidth);
     file.WriteNumber(posting.page, kWordMapPageWidth);
     file.WriteNumber((page.firstToken + posting.token) * tokenBytes, kWordMapPositionWidth);

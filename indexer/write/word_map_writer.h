@@ -7,6 +7,7 @@
 
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
+#include "indexer/collect/title_mass.h"
 #include "indexer/collect/vocabulary.h"
 
 namespace vela::indexer {
@@ -16,9 +17,11 @@ struct WordMapResult {
   uint64_t fileBytes = 0;
 };
 
-// Writes all lists, by ascending word and page. `tokenBytes` is DictIDLen.
+// Writes all lists, by ascending word and page. `tokenBytes` is DictIDLen. With `titles` the scores
+// are weights (collect/word_weight.h) and the words of titles are added to it; it is not owned,
+// null for the scores of collect/score.h.
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
                            const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
-                           size_t tokenBytes);
+                           size_t tokenBytes, TitleMasses* titles);
 
 }  // namespace vela::indexer

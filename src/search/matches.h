@@ -60,7 +60,7 @@ struct TermPlace {
   int32_t excluded = 0;  // exclusions and site restrictions so far
   bool isExclusion = false;
   bool countsFoundOnly = false;  // an exclusion counts down only pages that had been found
-  int32_t listIndex = 0;  // in the term list, from 0, with AmendedAnswers as without
+  int32_t listIndex = 0;         // in the term list, from 0, with AmendedAnswers as without
 };
 
 // Makes the record of every page; `weighs`: with Ranking. False when the memory cannot be had.

@@ -127,7 +127,9 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
 
 // The score of one word more. Weights keep whether all of the words stand in the title.
 uint32_t AddedScore(uint32_t score, uint32_t added, const Settings& settings) {
-  const auto add = [&](uint32_t a, uint32_t b) { return CutsRuns(settings) ? std::min(a, b) : a + b; };
+  const auto add = [&](uint32_t a, uint32_t b) {
+    return CutsRuns(settings) ? std::min(a, b) : a + b;
+  };
   if (settings.Ranking != 1) return add(score, added);
   return add(WeightOf(score), WeightOf(added)) << 1 | (score & added & 1);
 }

@@ -140,7 +140,8 @@ TEST(PageTokens, CountsOccurrences) {
 
 TEST(PageTokens, KnowsTheZones) {
   const CutResult page = CutOf({{"a b", 1}, {"a c", 3}, {"d", 6}, {"e", 0}}, "a", "b", "c");
-  EXPECT_EQ(page.Find("a")->zones, kInMainHeading | kInHeading | kInTitle);
+  EXPECT_EQ(page.Find("a")->zones,
+            kInMainHeading | kInHeading | kInTitle | kTitleWord | kTitlePart);
   EXPECT_EQ(page.Find("b")->zones, kInMainHeading | kInDescription);
   EXPECT_EQ(page.Find("c")->zones, kInHeading | kInAddress);
   EXPECT_EQ(page.Find("d")->zones, kInSmallHeading);
