@@ -23,7 +23,8 @@ std::string Text(const std::vector<uint32_t>& words) {
 // "0@4 2@24 ": pages and positions of one row.
 std::string Places(const std::vector<uint32_t>& words, const WordRow& row) {
   std::string text;
-  for (const RowPlace& place : FindRows(Text(words), kShape, {row})[0]) {
+  const auto places = FindRows(Text(words), kShape, {row});
+  for (const RowPlace& place : places.at(0)) {
     text += std::to_string(place.page) + "@" + std::to_string(place.position) + " ";
   }
   return text;
