@@ -66,6 +66,13 @@
         </div>
         <div class="summary"><xsl:call-template name="counts"/></div>
       </xsl:if>
+      <xsl:if test="vela:corrected">
+        <div class="suggestion">
+          <xsl:text>Nothing was found as it was typed. These are the results for </xsl:text>
+          <b><xsl:value-of select="vela:corrected"/></b>
+          <xsl:text>.</xsl:text>
+        </div>
+      </xsl:if>
       <xsl:if test="vela:spelling">
         <div class="suggestion">
           <xsl:text>Did you mean </xsl:text>

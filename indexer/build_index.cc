@@ -15,7 +15,6 @@
 #include "indexer/collect/stop_words.h"
 #include "indexer/config/extensions.h"
 #include "indexer/config/language_file.h"
-#include "indexer/config/setting_keys.h"
 #include "indexer/extract/read_page.h"
 #include "indexer/publish/former_settings.h"
 #include "indexer/publish/index_folder.h"

@@ -165,7 +165,10 @@ _row("Facts together", "vela_query=&when=november&price=5&audience=4",
      finds=("/events/language-cafe.html", "/events/genealogy-morning.html", "/de/lesung.html"))
 
 # Help.
-_row("Did you mean", "vela_query=geneology", finds=(),
+_row("A correction that is certain", "vela_query=geneology",
+     matches=(r'These are the results for <b>genealogy</b>[.] [^<]* <a href="[^"]*vela_query='
+              r'geneology[^"]*vela_literal=1">geneology</a>',))
+_row("Did you mean", "vela_query=geneology&vela_literal=1", finds=(),
      matches=(r'Did you mean <a href="[^"]*vela_query=genealogy[^"]*">genealogy</a>',))
 _row("The same among several words", "vela_query=puppet+theater",
      matches=(r'Did you mean <a href="[^"]*vela_query=puppet\+theatre[^"]*">puppet theatre</a>',))
@@ -216,7 +219,9 @@ _row("Counts and place in XML", "vela_query=library&vela_xml=1&vela_page=2",
      shows=("<opensearch:startIndex>11</opensearch:startIndex>",
             "<opensearch:itemsPerPage>10</opensearch:itemsPerPage>"),
      matches=(r"<opensearch:totalResults>[0-9]{2}</opensearch:totalResults>",))
-_row("Suggestions in XML", "vela_query=geneology&vela_xml=1",
+_row("Corrections in XML", "vela_query=geneology&vela_xml=1",
+     shows=("<vela:corrected>genealogy</vela:corrected>",))
+_row("Suggestions in XML", "vela_query=geneology&vela_literal=1&vela_xml=1",
      shows=("<vela:spelling>genealogy</vela:spelling>",))
 _row("Recommended pages in XML", "vela_query=opening+times&vela_xml=1",
      shows=("<vela:recommended>\n", "<title>Opening hours</title>\n<link>/hours.html</link>"))
