@@ -79,7 +79,7 @@ class Formats(unittest.TestCase):
         for header, source in format_headers().items():
             for name in re.findall(r'FileName\[\] = "([^"]+)"', source):
                 names[name] = header
-        self.assertEqual(len(names), 13)
+        self.assertEqual(len(names), 14)
         self.assertEqual({name: headers[0] for name, headers in rows.items()}, names)
         for headers in rows.values():
             self.assertEqual([each for each in headers if each not in format_headers()], [])
@@ -141,7 +141,7 @@ class Manual(unittest.TestCase):
 class Configuration(unittest.TestCase):
     # What a table must hold before its other keys are looked at.
     NEEDED = {"category": 'name = "n"\npages = ["a"]', "boost": 'factor = 2\npages = ["a"]',
-              "field": 'name = "n"'}
+              "field": 'name = "n"', "synonym": 'words = ["a", "b"]'}
     RECOMMENDED_PAGE = '[[recommended.page]]\nkeywords = "k"\naddress = "a"'
 
     def known(self, before):
