@@ -24,6 +24,7 @@ struct Page {
   PageFilters filters;
   SkippedTerms skipped;
   Suggestions suggestions;
+  ShownCorrection correction;
   OutputSections sections;
   CapturedResponse captured;
 
@@ -49,7 +50,8 @@ struct Page {
             .matches = matches,
             .filters = filters,
             .skipped = skipped,
-            .suggestions = suggestions};
+            .suggestions = suggestions,
+            .correction = correction};
   }
   void Head() { WriteResultsHead(captured.response, sections, All()); }
   void Foot() { WriteResultsFoot(captured.response, sections, All()); }
