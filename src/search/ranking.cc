@@ -79,6 +79,14 @@ RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters, con
 // Whether the words of the query weigh: where every page is a candidate there are none.
 bool Weighs(const RankInput& input) { return input.weights != nullptr && !input.everyPage; }
 
+bool SaturatesScores(const Settings& settings) { return settings.AmendedAnswers == 1; }
+
+// Adds the highest score once for every term matched beyond the first.
+void AddTerms(PageMatch& match, uint32_t maxScore, bool saturates) {
+  const uint64_t score = match.score + uint64_t{match.termsMatched - 1} * maxScore;
+  match.score = static_cast<uint32_t>(saturates ? std::min<uint64_t>(score, UINT32_MAX) : score);
+}
+
 // The range of the keys, as the terms have met them.
 bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, const RankInput& input) {
   if (SortsByDate(input.request.sort)) {
@@ -110,8 +118,9 @@ RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& 
       return true;
     }
     if (count == results.entries.size()) return true;
-    const uint32_t score =
-        Weighs(input) ? match.score : FinalScore(match, input.settings.WeightProximity);
+    const uint32_t score = Weighs(input) ? match.score
+                                         : FinalScore(match, input.settings.WeightProximity,
+                                                      SaturatesScores(input.settings));
     results.entries[count++] = {page, score, match.termsMatched};
     return true;
   });
@@ -166,7 +175,7 @@ void TakeBuckets(KeyHistogram& histogram, int32_t most, bool oldestFirst) {
   histogram.lastTaken = buckets - 1;
 }
 
-uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
+uint32_t FinalScore(const PageMatch& match, int32_t weightProximity, bool saturates) {
   float multiplier = kProximityMultiplier;
   if (weightProximity != 0) {
     multiplier = static_cast<float>(weightProximity / 10.0 + kProximityMultiplier);
@@ -180,6 +189,7 @@ uint32_t FinalScore(const PageMatch& match, int32_t weightProximity) {
         std::pow(static_cast<double>(factor), static_cast<double>(match.termsMatched - 1)));
   }
   const double score = static_cast<double>(match.score) * static_cast<double>(factor) + 0.5;
+  if (saturates) return static_cast<uint32_t>(std::clamp(score, 0.0, double{UINT32_MAX}));
   // The integer part modulo 2^32; a negative weight can make the factor negative.
   return static_cast<uint32_t>(static_cast<int64_t>(std::clamp(score, -9.0e18, 9.0e18)));
 }
@@ -211,7 +221,7 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
       match.score = WeighedScore(*input.weights, matches.weights[page], match.score,
                                  PageTitleMass(input.pages, page));
     } else if (!SortsByDate(sort)) {
-      match.score += (match.termsMatched - 1) * matches.maxScore;
+      AddTerms(match, matches.maxScore, SaturatesScores(input.settings));
     }
     const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, sort));
     ++histogram.counts[static_cast<size_t>(bucket)];

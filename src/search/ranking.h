@@ -62,7 +62,8 @@ void TakeBuckets(KeyHistogram& histogram, int32_t most, bool oldestFirst);
 
 // The final score: the page's score times a factor that grows with the nearness of the terms and
 // with every term matched beyond the first. `weightProximity` is the setting.
-uint32_t FinalScore(const PageMatch& match, int32_t weightProximity);
+// Modulo 2^32, or the nearest number that can be shown where it `saturates`.
+uint32_t FinalScore(const PageMatch& match, int32_t weightProximity, bool saturates);
 
 enum class RankStatus { kOk, kNoMemory, kInvalidCategory };
 

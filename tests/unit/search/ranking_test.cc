@@ -59,8 +59,19 @@ TEST(FinalScore, Table) {
     match.score = c.score;
     match.termsMatched = c.termsMatched;
     match.proximityMask = c.mask;
-    EXPECT_EQ(FinalScore(match, c.weight), c.expected);
+    EXPECT_EQ(FinalScore(match, c.weight, false), c.expected);
   }
+}
+
+TEST(FinalScore, SaturatesWhereItIsToldTo) {
+  PageMatch match;
+  match.termsMatched = 1;
+  match.score = 100;
+  EXPECT_EQ(FinalScore(match, 0, true), 130u);
+  match.score = 4000000000;
+  EXPECT_EQ(FinalScore(match, 0, true), 4294967295u);
+  match.proximityMask = 255;
+  EXPECT_EQ(FinalScore(match, -100, true), 0u);  // a factor below 0
 }
 
 TEST(Histogram, Width) {
