@@ -126,10 +126,10 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
 }
 
 // The score of one word more. Weights keep whether all of the words stand in the title.
-uint32_t AddedScore(uint32_t score, uint32_t added, const Settings& settings) {
-  const auto add = [&](uint32_t a, uint32_t b) {
-    return CutsRuns(settings) ? std::min(a, b) : a + b;
-  };
+uint32_t AddedScore(uint32_t score, uint32_t added, const Phrase& phrase,
+                    const Settings& settings) {
+  // Pieces are common: their sum puts long pages first.
+  const auto add = [&](uint32_t a, uint32_t b) { return phrase.isRun ? std::min(a, b) : a + b; };
   if (settings.Ranking != 1) return add(score, added);
   return add(WeightOf(score), WeightOf(added)) << 1 | (score & added & 1);
 }
@@ -161,6 +161,17 @@ TermResult PreparePhrase(Phrase& phrase, std::string_view words, const Dictionar
   return {};
 }
 
+uint32_t CountPhrase(const Phrase& phrase, const Settings& settings, PageTextReader& text) {
+  constexpr uint64_t kBytesCounted = 16384;
+  const std::string_view whole = text.file;
+  text.file = whole.substr(0, text.position + kBytesCounted);
+  uint32_t count = 0;
+  uint64_t start = 0;
+  while (VerifyPhrase(phrase, UINT32_MAX, settings, text, start)) ++count;
+  text.file = whole;
+  return count;
+}
+
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, const TextPairs& pairs,
                               PageTextReader& text, PhraseBudget& budget, WordMapRecord& found) {
@@ -183,7 +194,7 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
       furthest = static_cast<int64_t>(other.position);
       furthestWord = k;
     }
-    score = AddedScore(score, other.score, settings);
+    score = AddedScore(score, other.score, phrase, settings);
   }
   if (budget.seeksDone > budget.maxSeeks + kSeeksBeforeCheapReject &&
       position + tokenSize * (count + kUsualReach) <= furthest) {
@@ -194,12 +205,12 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
     return MayHoldPairs(phrase, candidate, static_cast<uint64_t>(from), pairs);
   };
   // Pieces of a script without blanks stand on many pages: those without the pairs are not seeks.
-  if (CutsRuns(settings) && !mayHoldPairs()) return CandidateResult::kRejected;
+  if (phrase.isRun && !mayHoldPairs()) return CandidateResult::kRejected;
   budget.seeksDone = WrapAdd32(budget.seeksDone, 1);
   if (budget.seeksDone > budget.maxSeeks || budget.now() > budget.deadline) {
     return CandidateResult::kStop;
   }
-  if (!CutsRuns(settings) && !mayHoldPairs()) return CandidateResult::kRejected;
+  if (!phrase.isRun && !mayHoldPairs()) return CandidateResult::kRejected;
   SeekPageText(text, static_cast<uint64_t>(from));
   uint64_t start = 0;
   if (!VerifyPhrase(phrase, candidate.score, settings, text, start)) {

@@ -25,6 +25,7 @@ struct PhraseWord {
 
 struct Phrase {
   OwnedArray<PhraseWord> words;  // empty: the phrase matches nothing
+  bool isRun = false;            // it holds pieces of a script without blanks (run_terms.h)
 };
 
 // How far the verification of phrases may go, over all phrases of a query.
@@ -40,11 +41,16 @@ struct PhraseBudget {
 [[nodiscard]] TermResult PreparePhrase(Phrase& phrase, std::string_view words,
                                        const Dictionary& dictionary, std::string_view wordMap);
 
+// How often the phrase stands between the reader's position and the end of the page, or of the next
+// 16 kB of its text.
+uint32_t CountPhrase(const Phrase& phrase, const Settings& settings, PageTextReader& text);
+
 enum class CandidateResult { kRejected, kFound, kStop };
 
 // Tests one record of the first word; a page on which `pairs` knows two of the words not to stand
 // beside each other is not read. kFound: `found` is the record to add, with the score of all
-// words and the position where the phrase begins. kStop: a limit was reached and the term ends.
+// words, of a run that of its least piece, and the position where the phrase begins; the reader
+// stands behind it. kStop: a limit was reached and the term ends.
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, const TextPairs& pairs,
                               PageTextReader& text, PhraseBudget& budget, WordMapRecord& found);

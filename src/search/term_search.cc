@@ -2,7 +2,9 @@
 
 #include "search/alternatives.h"
 #include "search/highlight_terms.h"
+#include "search/run_phrase.h"
 #include "text/lower.h"
+#include "text/run_cut.h"
 #include "text/wildcard.h"
 
 namespace vela {
@@ -46,6 +48,20 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   if (input.dictionary.EntryAt(first.number).offset == kNoWordList) return {};
   if (!TakeFromBudget(search.matchBudget, 1, place.isExclusion, matches.limitReached)) return {};
   term.records += first.list.size();
+  phrase.isRun = CutsRuns(settings) && HasRunPiece(View(words));
+  const bool weighsRun = phrase.isRun && settings.Ranking == 1;
+  RunMatches run;
+  if (weighsRun && !run.pages.TryAllocate(static_cast<size_t>(first.list.size()))) {
+    return {TermStatus::kNoMemory};
+  }
+  const auto add = [&](const WordMapRecord& record) {
+    return AddMatch(matches, input.pages, record, place, input.sort, settings.MaxContextKeywords);
+  };
+  const auto addRun = [&] {
+    if (!weighsRun) return true;
+    term.mass = MassOfPieces(phrase, settings.NumPages);
+    return AddRunMatches(run, settings.NumPages, add);
+  };
   const TextPairs pairs(input.lookup, input.pageText, settings);
   PageTextReader text;
   text.file = input.pageText;
@@ -57,17 +73,19 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
       case CandidateResult::kRejected:
         break;
       case CandidateResult::kStop:
+        if (!addRun()) return {TermStatus::kInvalidPage};
         matches.limitReached = true;
         return {};
       case CandidateResult::kFound:
-        if (!AddMatch(matches, input.pages, found, place, input.sort,
-                      settings.MaxContextKeywords)) {
+        if (weighsRun) {
+          run.Add(found, 1 + CountPhrase(phrase, settings, text));
+        } else if (!add(found)) {
           return {TermStatus::kInvalidPage};
         }
         break;
     }
   }
-  return {};
+  return addRun() ? TermResult{} : TermResult{TermStatus::kInvalidPage};
 }
 
 void Skip(TermSearch& search, std::string_view shown) {

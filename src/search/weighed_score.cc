@@ -37,7 +37,9 @@ QueryWeights WeighQuery(const TermSearch& search, int32_t effectiveTerms, int32_
     const SearchedTerm& term = search.terms[i];
     if (term.shown.starts_with('-') || term.records <= 0) continue;
     query.masses[i] =
-        WordMass(static_cast<uint32_t>(std::min<int64_t>(term.records, pages)), pages);
+        term.mass != 0
+            ? term.mass
+            : WordMass(static_cast<uint32_t>(std::min<int64_t>(term.records, pages)), pages);
     query.total += query.masses[i];
   }
   const auto terms = static_cast<uint32_t>(std::clamp(effectiveTerms, 1, kWeighedTerms));

@@ -252,6 +252,28 @@ TEST(TestCandidate, NoMoreTextIsReadThanTheFirstWordOccurs) {
   }
 }
 
+TEST(TestCandidate, ARunScoresAsItsLeastPiece) {
+  Verification v(Site({{At(0, 30)}, {At(1, 20)}}, {kNew, kYork, kEnd}));
+  ASSERT_EQ(v.Test(), CandidateResult::kFound);
+  EXPECT_EQ(v.found.score, 50u);
+  v.phrase.isRun = true;
+  ASSERT_EQ(v.Test(), CandidateResult::kFound);
+  EXPECT_EQ(v.found.score, 20u);
+  // Weights are halves of the bytes; the lowest bit stays when all words have it.
+  v.site.settings.Ranking = 1;
+  ASSERT_EQ(v.Test(), CandidateResult::kFound);
+  EXPECT_EQ(v.found.score, 20u);
+}
+
+TEST(CountPhrase, CountsToTheEndOfThePage) {
+  Verification v(Site({{At(0)}, {At(1)}}, {kNew, kYork, kPie, kNew, kYork, kRun, kNew, kYork, kNew,
+                                           kEnd, kNew, kYork}));
+  v.site.settings.PhraseSigns = 1;
+  ASSERT_EQ(v.Test(), CandidateResult::kFound);
+  EXPECT_EQ(CountPhrase(v.phrase, v.site.settings, v.text), 2u);
+  EXPECT_EQ(v.text.file.size(), v.site.files.pageText.bytes().size());
+}
+
 TEST(TestCandidate, PhraseSignsMayStandBetweenAnyTwoWords) {
   // york's record stands at token 10.
   const struct {
