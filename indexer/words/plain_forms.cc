@@ -13,6 +13,14 @@ namespace vela::indexer {
 
 namespace {
 
+// The digits of Arabic and Persian, as they are typed on the web.
+char32_t PlainDigit(char32_t c) {
+  for (const char32_t zero : {char32_t{0x0660}, char32_t{0x06F0}}) {
+    if (c >= zero && c <= zero + 9) return U'0' + (c - zero);
+  }
+  return c;
+}
+
 char32_t PlainLetter(char32_t c) {
   switch (c) {
     case 0x00D8:
@@ -23,6 +31,7 @@ char32_t PlainLetter(char32_t c) {
     case 0x00D0:
     case 0x00F0:
       return U'd';
+    case 0x0130:
     case 0x0131:
       return U'i';
     case 0x0141:
@@ -32,7 +41,7 @@ char32_t PlainLetter(char32_t c) {
     case 0x0451:
       return 0x0435;
     default:
-      return c;
+      return PlainDigit(c);
   }
 }
 
@@ -79,8 +88,8 @@ std::string_view WrittenOut(char32_t c) {
 
 // Scripts in which a mark over a letter may be left out in typing. In others marks are vowels.
 bool HasOptionalMarks(char32_t c) {
-  return (c >= 0xC0 && c < 0x250) || (c >= 0x370 && c < 0x400) || (c >= 0x1E00 && c < 0x2000) ||
-         c == 0x401 || c == 0x451;
+  return PlainDigit(c) != c || (c >= 0xC0 && c < 0x250) || (c >= 0x370 && c < 0x400) ||
+         (c >= 0x1E00 && c < 0x2000) || c == 0x401 || c == 0x451;
 }
 
 // `letter`, the character `c` in UTF-8, without its marks, where they may be left out.

@@ -23,18 +23,70 @@ bool IsFoldedSign(char32_t c) {
   return c == kPilcrow || std::ranges::binary_search(QuerySymbols(), c);
 }
 
+constexpr char32_t kDotlessI = 0x0131;
+
 struct LetterFolding {
   char32_t from;
   std::string_view to;
 };
 
 constexpr LetterFolding kLetters[] = {
-    {0x00B2, "2"},      {0x00B3, "3"},   {0x00B9, "1"},  // superscripts
-    {0x00B5, "\u03BC"},                                  // micro sign
-    {0x03C2, "\u03C3"},                                  // final sigma
-    {0x2082, "2"},      {0xFB00, "ff"},  {0xFB01, "fi"}, {0xFB02, "fl"},
-    {0xFB03, "ffi"},    {0xFB04, "ffl"}, {0xFB05, "st"}, {0xFB06, "st"},
-    {0xFE0E, ""},       {0xFE0F, ""},  // whether a sign is shown as text or as a picture
+    {0x00B2, "2"},
+    {0x00B3, "3"},
+    {0x00B9, "1"},       // superscripts
+    {0x00B5, "\u03BC"},  // micro sign
+    {0x03C2, "\u03C3"},  // final sigma
+    {0x2082, "2"},
+    {0xFB00, "ff"},
+    {0xFB01, "fi"},
+    {0xFB02, "fl"},
+    {0xFB03, "ffi"},
+    {0xFB04, "ffl"},
+    {0xFB05, "st"},
+    {0xFB06, "st"},
+    {0xFE0E, ""},
+    {0xFE0F, ""},  // whether a sign is shown as text or as a picture
+    // Turkish, where capital letters of one alphabet are read as those of the other. Lower-casing
+    // knows no "\u0130".
+    {0x0130, "i"},
+    {kDotlessI, "i"},
+    // Arabic: the stroke that widens a word, the signs of short vowels, and letters that many leave
+    // the dots or the hamza off; those of Persian keyboards.
+    {0x0640, ""},
+    {0x064B, ""},
+    {0x064C, ""},
+    {0x064D, ""},
+    {0x064E, ""},
+    {0x064F, ""},
+    {0x0650, ""},
+    {0x0651, ""},
+    {0x0652, ""},
+    {0x0670, ""},
+    {0x0622, "\u0627"},
+    {0x0623, "\u0627"},
+    {0x0625, "\u0627"},
+    {0x0671, "\u0627"},
+    {0x0649, "\u064A"},
+    {0x06CC, "\u064A"},
+    {0x06A9, "\u0643"},
+    {0x0629, "\u0647"},
+    // Hebrew points.
+    {0x05B0, ""},
+    {0x05B1, ""},
+    {0x05B2, ""},
+    {0x05B3, ""},
+    {0x05B4, ""},
+    {0x05B5, ""},
+    {0x05B6, ""},
+    {0x05B7, ""},
+    {0x05B8, ""},
+    {0x05B9, ""},
+    {0x05BA, ""},
+    {0x05BB, ""},
+    {0x05BC, ""},
+    {0x05C1, ""},
+    {0x05C2, ""},
+    {0x05C7, ""},
 };
 
 // Full-width forms stand in the order of ASCII.
@@ -136,11 +188,20 @@ std::string FoldedQuery(std::string_view query, bool cutsSigns) {
   return text;
 }
 
-std::string FoldedWord(std::string_view word) {
+bool IsUnfoldedInTurkish(const Folding& folding) { return folding.from == Utf8Text(kDotlessI); }
+
+std::string FoldedWord(std::string_view word, bool isTurkish) {
+  constexpr char kRestOfDottedI = '\xB0';
   std::string folded;
   size_t length = 0;
   for (size_t at = 0; at < word.size(); at += length) {
     const char32_t c = DecodeCharacter(word, at, length);
+    if (c < 0x80 || (isTurkish && c == kDotlessI)) {
+      folded.append(word, at, length);
+      continue;
+    }
+    // Lower-casing leaves a byte of U+0130 behind its "i" (text/lower.h).
+    if (length == 1 && word[at] == kRestOfDottedI && folded.ends_with('i')) continue;
     const auto* letter = std::ranges::find(kLetters, c, &LetterFolding::from);
     if (letter != std::end(kLetters)) {
       folded += letter->to;

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "indexer/words/compatible_text.h"
+#include "indexer/words/korean_forms.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/plain_forms.h"
 #include "indexer/words/query_folding.h"
@@ -118,6 +119,7 @@ void ForEachQueryWord(std::string& text, Use use) {
 void AddForms(ChunkCut& cut, size_t token, std::string_view surface) {
   AddForm(cut, token, LowerUtf8Copy(surface));
   for (std::string& form : PlainForms(surface)) AddForm(cut, token, std::move(form));
+  AddForm(cut, token, LowerUtf8Copy(WithoutParticle(surface)));
   std::string compatible = LowerUtf8Copy(CompatibleText(surface));
   if (compatible.empty()) return;
   ForEachQueryWord(compatible, [&](std::string_view word) {

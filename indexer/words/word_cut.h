@@ -6,7 +6,9 @@
 // the ends of words and cut words apart; and a word can be found by more than its own form:
 //   parts    of a joined word ("node.js" by "node" and "js");
 //   wholes   of words that signs inside cut apart, as the query would have them ("a<b");
-//   plain    forms without accents ("cafe" for "café"; see plain_forms.h);
+//   plain    forms without accents ("cafe" for "café"; see plain_forms.h) and without the particle
+//   of
+//            a Korean word (see korean_forms.h);
 //   compatible forms of characters that stand for others ("m2" for "m²"; see compatible_text.h).
 //
 // Where a script has no blanks between words, its pieces (text/run_cut.h) are words of their own if

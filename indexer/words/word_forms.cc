@@ -46,6 +46,7 @@ WordForms::WordForms(const IndexCharset& charset, int32_t stemming) : charset_(c
                                              " for the character set " + charset.name() + ".");
   }
   stems_ = true;
+  isTurkish_ = stemming == kStemTurkish;
 }
 
 std::string_view WordForms::Stemmed(std::string_view word) {
@@ -57,7 +58,7 @@ std::string_view WordForms::Stemmed(std::string_view word) {
 }
 
 std::string_view WordForms::Base(std::string_view lower) {
-  folded_ = FoldedWord(lower);
+  folded_ = FoldedWord(lower, isTurkish_);
   if (charset_.utf8()) return Stemmed(folded_);
   if (charset_.Exactly(folded_, base_)) return Stemmed(base_);
   base_ = charset_.WithReferences(lower);
@@ -72,7 +73,7 @@ std::string_view WordForms::Surface(std::string_view surface) {
 }
 
 std::string_view WordForms::FoundBase(std::string_view lower) {
-  folded_ = FoldedWord(lower);
+  folded_ = FoldedWord(lower, isTurkish_);
   if (charset_.utf8()) return Stemmed(folded_);
   if (!charset_.Exactly(folded_, base_)) return {};
   return Stemmed(base_);

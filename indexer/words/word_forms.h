@@ -36,6 +36,7 @@ class WordForms {
 
   const IndexCharset& charset_;
   bool stems_ = false;
+  bool isTurkish_ = false;
   Stemmer stemmer_;
   FixedText<2086> stem_;
   std::string folded_;

@@ -115,7 +115,7 @@ void AddExtensions(const IndexFacts& facts, const SiteConfig& config, SettingsTe
   }
 }
 
-void AddCharset(const IndexCharset& charset, bool cutsSigns, SettingsText& out) {
+void AddCharset(const IndexCharset& charset, bool cutsSigns, int32_t stemming, SettingsText& out) {
   out.Add("UseUTF8", charset.utf8() ? 1 : 0);
   out.AddText("Charset", charset.name());
   out.Add("Codepage", charset.codepage());
@@ -126,6 +126,7 @@ void AddCharset(const IndexCharset& charset, bool cutsSigns, SettingsText& out) 
     table.push_back({{charset.uppers()[i]}, {charset.lowers()[i]}});
   }
   for (const Folding& folding : QueryFoldings(cutsSigns)) {
+    if (stemming == kStemTurkish && IsUnfoldedInTurkish(folding)) continue;
     Folding written;
     const bool hasBoth =
         charset.Exactly(folding.from, written.from) && charset.Exactly(folding.to, written.to);
@@ -193,7 +194,7 @@ uint64_t WriteSettings(const std::filesystem::path& path, const IndexFacts& fact
                        const std::string& strings) {
   SettingsText out{charset, {}};
   out.AddText("Version", VELA_VERSION);
-  AddCharset(charset, CutsSigns(config, charset), out);
+  AddCharset(charset, CutsSigns(config, charset), config.stemming, out);
   out.AddText("WordJoinChars", kWordJoinChars);
   out.Add("ToLowerSearchWords", 1);
   out.Add("UseStemming", config.stemming < 0 ? 0 : 1);

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "format/settings_file.h"
+#include "text/lower.h"
 
 namespace vela::indexer {
 namespace {
@@ -48,6 +51,12 @@ TEST(QueryFolding, FoldsQueries) {
       {"letters of one meaning", "\uFB01ve \uFF26\uFF35\uFF2C\uFF2C \u03C3\u03BF\u03C2",
        "five FULL \u03C3\u03BF\u03C3"},
       {"pictures", "go\u27A1\uFE0F", "go "},
+      {"a Turkish word", "\u0130STANBUL \u0131s\u0131", "iSTANBUL isi"},
+      {"Arabic vowels and the stroke", "\u0643\u064E\u062A\u064E\u0640\u0628",
+       "\u0643\u062A\u0628"},
+      {"Arabic letters of one meaning", "\u0623\u0625\u0622\u0671 \u0649 \u0629 \u06A9\u06CC",
+       "\u0627\u0627\u0627\u0627 \u064A \u0647 \u0643\u064A"},
+      {"Hebrew points", "\u05E9\u05C1\u05B8\u05DC\u05D5\u05B9\u05DD", "\u05E9\u05DC\u05D5\u05DD"},
       {"letters that stand for others", "m\u00B2 CO\u2082 5\u00B5m", "m2 CO2 5\u03BCm"},
       {"an underscore inside", "a_b _c x._d _* a__b", "a_b _c x._d _* a__b"},
       {"an underscore at the end", "\"a __init__\" x_.y", "\"a __init \" x .y"},
@@ -69,18 +78,33 @@ TEST(QueryFolding, NamesNoSignsThatTheSearchKnows) {
       EXPECT_EQ(folding.from.find(c), std::string::npos);
     }
   }
-  EXPECT_LT(QueryFoldings(true).size() * 3, QueryFoldings(false).size());
+  EXPECT_LT(QueryFoldings(true).size() * 2, QueryFoldings(false).size());
   EXPECT_EQ(FoldedQuery("\u201Cm\u00B2\u2026\u201D \u2602\uFE0F", true), "\"m2 \"  \u2602");
 }
 
 TEST(QueryFolding, FoldsWordsAlike) {
   for (const char* word :
-       {"\uFB01ve", "\uFF46\uFF55\uFF4C\uFF4C", "\u03BF\u03C2", "plain", "caf\u00E9"}) {
+       {"\uFB01ve", "\uFF46\uFF55\uFF4C\uFF4C", "\u03BF\u03C2", "plain", "caf\u00E9",
+        "\u0130\u0131", "\u0643\u064E\u062A\u0640\u0628\u0629", "\u05E9\u05C1\u05B8"}) {
     SCOPED_TRACE(word);
     EXPECT_EQ(FoldedWord(word), FoldedQuery(word, false));
     EXPECT_EQ(FoldedWord(word), FoldedQuery(word, true));
     EXPECT_LE(FoldedWord(word).size(), std::string_view(word).size());
   }
+}
+
+TEST(QueryFolding, FoldsWordsInLowerCase) {
+  std::string word = "\u0130stanbul";
+  LowerUtf8(word.data(), word.size());
+  EXPECT_EQ(FoldedWord(word), "istanbul");
+  EXPECT_EQ(FoldedWord("i\xC2\xB0"), "i\u00B0");  // a degree sign is no rest of a letter
+}
+
+TEST(QueryFolding, TheEndingsOfTurkishGoByTheDotlessI) {
+  EXPECT_EQ(FoldedWord("kitaplar\u0131", true), "kitaplar\u0131");
+  EXPECT_EQ(FoldedWord("\u0130kitaplar\u0131"), "ikitaplari");
+  const auto count = std::ranges::count_if(QueryFoldings(false), &IsUnfoldedInTurkish);
+  EXPECT_EQ(count, 1);
 }
 
 TEST(QueryFolding, BlanksSignsByteForByte) {

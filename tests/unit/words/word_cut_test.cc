@@ -469,7 +469,7 @@ TEST(WordCut, TheIndexHoldsTheRunsOfAQueryAsPhrases) {
     for (size_t i = 0; i < count; ++i) chunk += pieces[random() % pieces.size()];
     ChunkTokens cut;
     CutChunk(chunk, cut, RunCut::kPieces);
-    for (const std::string& term : QueryTerms(chunk)) {
+    for (const std::string& term : QueryTerms(chunk, round % 2 != 0)) {
       if (!HasRunPiece(term) || term.starts_with('-')) continue;
       TermList terms;
       bool hasPhrase = false;
