@@ -2,6 +2,7 @@
 """Measures how well misspelled words are answered on a site.
 
     bench/spelling.py SITE [--bin build/release/bin] [--stemming english] [--off] [--show]
+                           [--absent OTHER_SITE]
 
 SITE is a folder of pages; it is indexed, and the search program is asked as a web server would ask
 it, in XML. Three lists are tried:
@@ -12,6 +13,9 @@ it, in XML. Three lists are tried:
   vowel for another (seeded, the same list for the same site; slips that give a word of the site are
   passed over);
 - 500 words of the site as they are, which must not be answered with another.
+
+With --absent, 500 of the 12,000 most frequent words of another site that this one lacks are asked
+for as well: for how many another word is offered, and the results of one shown at once.
 
 "right" is the word itself as the first offer, "wrong" another one. With --stemming, the right word
 is one of its stem. --off indexes without the extensions.
@@ -69,11 +73,11 @@ def with_slip(word, rng):
 
 
 class Site:
-    def __init__(self, arguments, folder):
+    def __init__(self, arguments, pages, folder):
         self.index = folder / "index"
         bin = Path(arguments.bin).resolve()
         config = folder / "vela_index.toml"
-        text = (f'[site]\nfolder = "{Path(arguments.site).resolve()}"\nout = "{self.index}"\n'
+        text = (f'[site]\nfolder = "{Path(pages).resolve()}"\nout = "{self.index}"\n'
                 'base_url = "https://site.example/"\n')
         text += f'[index]\nstemming = "{arguments.stemming}"\n' if arguments.stemming else ""
         text += "[search]\nextensions = false\n" if arguments.off else ""
@@ -83,23 +87,33 @@ class Site:
         program.unlink(missing_ok=True)
         program.symlink_to(bin / "vela_search")
         self.program = program
+        self.stems = bool(arguments.stemming)
 
     def words(self):
-        """The words of letters alone, those on the most pages first."""
+        """The words of letters alone, as pages write them, those on the most pages first."""
         lines = (self.index / "vela_dictionary.vdat").read_text(encoding="utf-8", errors="replace")
-        found = []
+        found = {}
+        variants = 0
         for line in lines.splitlines():
-            match = re.fullmatch(r"([a-z]{4,}) \d+(?: \d+)?", line)
-            if match:
-                found.append(match[1])
-        return found
+            if variants > 0:
+                variants -= 1
+                forms = [line.lower()] if self.stems else []
+            else:
+                base, _, *count = line.split(" ")
+                variants = int(count[0]) if count else 0
+                # A stem that is written in no other way is a word.
+                forms = [base] if not self.stems or variants == 0 else []
+            found |= {form: None for form in forms if re.fullmatch("[a-z]{4,}", form)}
+        return list(found)
+
+    def answer(self, query):
+        environment = {"REQUEST_METHOD": "GET", "QUERY_STRING": f"vela_xml=1&vela_query={query}"}
+        return subprocess.run([self.program], env=environment, capture_output=True,
+                              check=False).stdout.decode("utf-8", errors="replace")
 
     def ask(self, query):
         """How many pages are found, and the words offered."""
-        environment = {"REQUEST_METHOD": "GET",
-                       "QUERY_STRING": f"vela_xml=1&vela_literal=1&vela_query={query}"}
-        answer = subprocess.run([self.program], env=environment, capture_output=True,
-                                check=False).stdout.decode("utf-8", errors="replace")
+        answer = self.answer(f"{query}&vela_literal=1")
         total = re.search(r"<opensearch:totalResults>(-?\d+)<", answer)
         offers = re.findall(r"<vela:spelling>([^<]*)<", answer)
         return int(total[1]) if total else 0, offers
@@ -129,6 +143,20 @@ def try_list(site, name, pairs, arguments):
           f"{found} found as they are")
 
 
+def try_absent(site, other, arguments):
+    known = set(site.words())
+    lacking = [word for word in other.words()[:12000]
+               if word not in known and site.ask(word)[0] <= 0]
+    lacking = random.Random(SEED).sample(lacking, min(500, len(lacking)))
+    offered = sum(bool(site.ask(word)[1]) for word in lacking)
+    shown = [(word, match[1]) for word in lacking
+             if (match := re.search("<vela:corrected>([^<]*)<", site.answer(word)))]
+    if arguments.show:
+        print("    " + ", ".join(f"{word} {correction}" for word, correction in shown))
+    print(f"words of another site: {len(lacking)} words, {offered} with an offer, "
+          f"{len(shown)} with other results")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("site")
@@ -136,9 +164,10 @@ def main():
     parser.add_argument("--stemming")
     parser.add_argument("--off", action="store_true")
     parser.add_argument("--show", action="store_true", help="name the words not answered")
+    parser.add_argument("--absent", metavar="OTHER_SITE")
     arguments = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:
-        site = Site(arguments, Path(folder))
+        site = Site(arguments, arguments.site, Path(folder))
         pairs = [tuple(pair.split()) for pair in COMMON.replace("\n", " ").split(",")]
         try_list(site, "common misspellings", pairs, arguments)
         words = site.words()
@@ -154,6 +183,9 @@ def main():
         try_list(site, "slips in frequent words", slips, arguments)
         right = [(word, word) for word in random.Random(SEED).sample(words, min(500, len(words)))]
         try_list(site, "words as they are", right, arguments)
+        if arguments.absent:
+            with tempfile.TemporaryDirectory() as other:
+                try_absent(site, Site(arguments, arguments.absent, Path(other)), arguments)
 
 
 if __name__ == "__main__":

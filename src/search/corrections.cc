@@ -19,13 +19,18 @@ namespace {
 // From so many letters on a word may hold two slips.
 constexpr size_t kTwoSlipsLetters = 8;
 // A correction of fewer letters is never certain: too many words are near.
-constexpr size_t kCertainLetters = 4;
+constexpr size_t kCertainLetters = 5;
 // By how much it must be better than the next word; about the tenfold number of pages.
 constexpr int32_t kCertainLead = 8;
-// By how much where a word is too short to be certain, so that anything is offered for it.
-constexpr int32_t kShortLead = 5;
-// A word that is further off is offered, but never taken for what was meant.
-constexpr int32_t kCertainCost = 30;
+// By how much where a word is so short that many are near, so that anything is offered for it: of
+// three letters, and of four.
+constexpr int32_t kThreeLettersLead = 5;
+constexpr int32_t kFourLettersLead = 2;
+// What each slip may cost: words that the site does not have differ by others, and often by their
+// first letter, from those that it has.
+constexpr int32_t kCertainCost = 14;
+// It must be on more than one of so many pages of the site.
+constexpr int32_t kCertainPages = 256;
 // How far behind the best a further offer may be.
 constexpr int32_t kOfferMargin = 12;
 
@@ -50,6 +55,8 @@ struct NearWord {
   uint32_t number = 0;
   int32_t merit = 0;
   int32_t cost = 0;
+  int32_t slips = 0;
+  int32_t pages = 0;  // of the words that are looked up as it is
 };
 struct NearWords {
   std::array<NearWord, kClosestWords> words;  // the best first
@@ -130,7 +137,10 @@ NearWords Corrector::FindNear(const WordLetters& typed) {
                      const uint32_t counted = counter.CountTo(letters);
                      if (counted == 0 || counted > slips) return;
                      const int32_t cost = SlipCost(typed, letters);
-                     near.Add({number, TwiceLog2(file.PagesOf(number)) - cost, cost});
+                     near.Add({.number = number,
+                               .merit = TwiceLog2(file.PagesOf(number)) - cost,
+                               .cost = cost,
+                               .slips = static_cast<int32_t>(counted)});
                    });
   return near;
 }
@@ -178,6 +188,7 @@ MeantWords Corrector::WordsFor(std::string_view typed) {
     // Words of one stem find the same pages; the nearest stands for them.
     if (std::any_of(forms.begin(), forms.begin() + kept, isSame)) continue;
     word.merit += CompanyMerit(list);
+    word.pages = list.size();
     near.words[kept++] = word;
   }
   near.count = kept;
@@ -186,7 +197,10 @@ MeantWords Corrector::WordsFor(std::string_view typed) {
   if (near.count == 0) return meant;
   const NearWord& best = near.words[0];
   const int32_t lead = near.count == 1 ? INT32_MAX : best.merit - near.words[1].merit;
-  if (letters.count < kCertainLetters && lead < kShortLead) return meant;
+  if ((letters.count == 3 && lead < kThreeLettersLead) ||
+      (letters.count == 4 && lead < kFourLettersLead)) {
+    return meant;
+  }
   for (size_t i = 0; i < std::min(near.count, meant.words.size()); ++i) {
     if (best.merit - near.words[i].merit > kOfferMargin) break;
     WordLetters ignored;
@@ -194,8 +208,8 @@ MeantWords Corrector::WordsFor(std::string_view typed) {
     meant.words[i].merit = near.words[i].merit;
     ++meant.count;
   }
-  meant.isCertain =
-      letters.count >= kCertainLetters && best.cost <= kCertainCost && lead >= kCertainLead;
+  meant.isCertain = letters.count >= kCertainLetters && best.cost <= kCertainCost * best.slips &&
+                    best.pages > input_.settings.NumPages / kCertainPages && lead >= kCertainLead;
   return meant;
 }
 

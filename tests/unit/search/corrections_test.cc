@@ -118,6 +118,8 @@ TEST(Corrections, QueriesTable) {
       {"short, with two words as near", "cht", ""},
       {"of few letters none is certain", "cta", "cat"},
       {"two letters", "ct", ""},
+      {"a first letter that is wrong is not certain", "cunction", "function"},
+      {"nor is a letter more that no finger slips to", "functionz", "function"},
       {"letters and digits", "f9nction", ""},
       {"a pattern", "fucntion*", ""},
       {"a restriction of addresses", "site:fucntion", ""},
@@ -167,6 +169,13 @@ TEST(Corrections, PagesOfOtherTermsTellWhatIsMeant) {
   Site together(words, support::CorrectionsFile(words), "bork");
   together.matches.touched[0] = uint64_t{0xFF} << (kPages - 8);
   EXPECT_EQ(together.For("tree birk"), "tree bork or tree bark");
+}
+
+TEST(Corrections, WhatIsOnOneOfManyPagesIsNotCertain) {
+  Site site({{"library", 2}});
+  EXPECT_EQ(site.For("libary"), "library!");
+  site.site.settings.NumPages = 512;
+  EXPECT_EQ(site.For("libary"), "library");
 }
 
 TEST(Corrections, StemsAreLookedUpAndWordsOffered) {
