@@ -48,7 +48,8 @@ class Vela:
         answer = subprocess.run(
             [self.binaries / "vela_search", "/I", self.index], env=environment,
             capture_output=True, check=True).stdout.decode("utf-8", "replace")
-        return [unquote(link) for link in re.findall(r"<item>.*?<link>([^<]*)</link>", answer, re.S)]
+        # A result may lead to a section of its page.
+        return [unquote(link) for link in re.findall(r"<item>.*?<link>([^<#]*)", answer, re.S)]
 
 
 class Xapian:
