@@ -15,7 +15,7 @@ void CheckCut(const indexer::ChunkTokens& cut, bool clean) {
   std::string_view rest = cut.surface;
   for (const indexer::TextToken& token : cut.tokens) {
     if (token.sign != 0) {
-      VELA_CHECK(ClassifyCharacter(token.sign) == CharacterKind::kSymbol);
+      VELA_CHECK(indexer::ClassifyCharacter(token.sign) == CharacterKind::kSymbol);
       VELA_CHECK(token.base.empty() && !token.surface.empty());
       continue;
     }
