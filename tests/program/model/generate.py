@@ -334,7 +334,10 @@ def make_index(r, features):
 
 
 def typed_extensions(r, x):
-    """The extensions that change what is made of a query."""
+    """The extensions that change what is made of a query, and small faults."""
+    for key in ("CutSigns", "PlainQueries", "AmendedAnswers"):
+        if chance(r, 0.3):
+            x.settings[key] = r.choice((1, 1, 1, 2))
     if chance(r, 0.2):
         x.settings["StopWords"] = r.choice((b'"a of the and"', b'"the"', b'"of  a cat "', b'"-a the"'))
 
@@ -507,6 +510,12 @@ def make_query(r, x, features):
                              b"##", b"x++y", b"\t", b"&#39;", b'""', b"don't", b"a:b", b"\x01",
                              b"caf\xe9", b"\xc3", b"\xe2\x82", "İ".encode(), "É".encode(),
                              b"12345678901234567890"))
+        elif dice < 0.90:
+            word = r.choice(("“%s”", "“%s %s\"", "«%s %s»", "« %s »", "‘%s %s’", "‘%s’", "-“%s %s”",
+                             "„%s %s“", "「%s %s」", "%s…", "%s–%s", "%s;", "<%s>", "%s~2", "%s\u3000%s",
+                             "%s🚀", "🚀", "👨\u200d👩", "%s\u00ad%s", "%s\u2011%s", "--%s", "\"--%s %s\"",
+                             "%s?", "%s??", "(%s-)", "[-%s]", "n=-%s", "-%s?", "%s.?", "...%s...", "-",
+                             "--", "?", "* %s", "%s’s", "24” %s")).encode().replace(b"%s", word)
         elif dice < 0.92:
             word = word[:-1] + bytes([r.randrange(97, 123)])
         elif dice < 0.94:

@@ -25,6 +25,7 @@ INT_KEYS = {
     "NumKeywords": 0, "NumPages": 0, "NumVariants": 0, "PageInfoSize": 0, "DefaultToAnd": 0,
     "UseXML": 0, "XMLHighlight": 0, "NumCats": 0, "NumCatBytes": 0, "UseMetaFields": 0,
     "NumMetaFields": 0, "MetaMoneyShowDec": 0, "MapAccents": 0,
+    "CutSigns": 0, "PlainQueries": 0, "AmendedAnswers": 0,
 }
 TEXT_KEYS = {  # longest text kept
     "Charset": 1023, "DatePickerPath": 2083, "Version": 1023, "LogFileName": 255,

@@ -94,7 +94,7 @@ def run(index_dir, env, argv, stdin, now):
     try:
         vela_page.start_response(c)
         c.query = vela_query.normalise(s, c.typed)
-        c.display = vela_page.html_escape(c.query, 2135)
+        c.display = vela_query.whole(s, vela_page.html_escape(c.query, 2135))
         c.term_texts, c.has_phrase = vela_query.split_terms(c.query)
         if c.autocomplete:
             vela_search.autocomplete(c)

@@ -3,6 +3,7 @@ import os
 import time
 
 import vela_index
+import vela_query
 from vela_text import (atoi, build_url, cstr, decode_join, encode_join, find_no_case, html_escape,
                        percent_encode, pieces, replace_all, script_url_text, url_encode, wildcard,
                        word_equal, wrap32)
@@ -201,7 +202,9 @@ def start_response(c):
             s.Highlighting = 1
     else:
         c.result(banner)
-    c.display = html_escape(c.typed, 2135)
+    if s.AmendedAnswers == 1:
+        c.typed = vela_query.shown_bytes(s, c.typed)
+    c.display = vela_query.whole(s, html_escape(c.typed, 2135))
     if s.FormFormat > 0 and not c.xml:
         search_form_sections(c)
     c.meta_only = False
@@ -530,6 +533,10 @@ def summary(c):
             count_phrase(c, c.total, "SUMMARY_FOUND")
     else:
         c.section(9, s.text("SUMMARY_NO_RESULTS_FOUND"))
+        if s.PlainQueries == 1 and c.terms and all(
+                term.text.startswith(b"-") and not vela_query.is_site(term.text)
+                for term in c.terms):
+            c.section(9, b" This search only says what to leave out. Please add a word to look for.")
     c.section(9, b"<br />\n</div>\n")
 
 
@@ -587,12 +594,17 @@ def spelling_links(c):
         return
     if c.xml:
         for text in c.suggestions:
+            if c.suggested_as_typed:
+                text = html_escape(text)
             c.write(b"<vela:spelling>%s</vela:spelling>\n" % text)
         return
     for i, text in enumerate(c.suggestions):
         mode = 0 if len(c.terms) > 1 else c.and_mode
+        asked = url_encode(text) if c.suggested_as_typed else text.replace(b" ", b"+")
+        if c.suggested_as_typed:
+            text = html_escape(text)
         query = (b"vela_query=%s%s&amp;vela_per_page=%d%s%s&amp;vela_and=%d&amp;vela_sort=%d"
-                 % (text.replace(b" ", b"+"), c.cat_text, c.per_page, c.date_text, c.meta_text,
+                 % (asked, c.cat_text, c.per_page, c.date_text, c.meta_text,
                     mode, c.sort))
         form = b' %s <a href="%s">%s</a>'
         if i == 0:
@@ -635,7 +647,7 @@ def navigation(c, pages):
                        c.and_mode, c.sort, c.xml))
 
     first = max(1, c.page - 10)
-    last = min(c.page + 10, pages, int(s.MaxResultsPerQuery / c.step))
+    last = min(c.page + 10, pages, pages_within_limit(c))
     c.section(15, b'<div class="result_pages">%s ' % s.text("RESULT_PAGES"))
     if c.page > 1:
         c.section(15, b'<a href="%s">&lt;&lt; %s</a> '
@@ -649,6 +661,12 @@ def navigation(c, pages):
         c.section(15, b'<a href="%s">%s &gt;&gt;</a> '
                   % (to(wrap32(c.page + 1)), s.text("RESULT_PAGES_NEXT")))
     c.section(15, b"</div>")
+
+
+def pages_within_limit(c):
+    if c.s.AmendedAnswers == 1:
+        return -(-c.s.MaxResultsPerQuery // c.step)
+    return int(c.s.MaxResultsPerQuery / c.step)
 
 
 def split_page_line(line):
@@ -806,7 +824,8 @@ def xml_item(c, entry, texts, url, target, image, shows_context):
         if c.master == 1:
             put(b"<vela:datetime>%d</vela:datetime>\n" % date)
     if s.DisplayFilesize == 1:
-        put(b"<vela:fileSize>%dk</vela:fileSize>\n" % wrap32(c.info.file_size(page)))
+        put(b"<vela:fileSize>%dk</vela:fileSize>\n" % 
+            (c.info.file_size(page) if s.AmendedAnswers == 1 else wrap32(c.info.file_size(page))))
     put(b"</item>\n")
 
 
@@ -881,7 +900,7 @@ def finish(c):
 
 def log(c):
     s = c.s
-    query, fits = replace_all(c.typed, b'"', b'""', 2085)
+    query, fits = replace_all(c.asked, b'"', b'""', 2085)
     if not fits:
         return
     query = bytes(0x20 if b < 0x20 or b == 0x7F else b for b in query)

@@ -1,4 +1,5 @@
 """What was asked: the form, the parameters, the normalised query and its terms."""
+import vela_signs
 from vela_text import atoi, cstr, lower, read_number, saturate, strip_ws
 
 
@@ -126,7 +127,7 @@ def read_params(c, env, stdin):
     if query is None:
         query = form.first(b"vela%5Fquery")
     c.query_given = query is not None
-    c.typed = (query or b"")[:2085]
+    c.typed = c.asked = (query or b"")[:2085]
     c.per_page = form.integer(b"vela_per_page", 10)
     page = form.integer(b"vela_page", None)
     c.page_defaulted = page is None
@@ -167,6 +168,40 @@ def read_params(c, env, stdin):
                 c.meta_values.append(form.string(field.name, 65535))
 
 
+def shown_bytes(s, typed):
+    """What was typed without what no answer can show."""
+    out = b""
+    for char in vela_signs.read(typed, s.UseUTF8 == 1):
+        shown = char.raw
+        if char.raw in b"\t\n\v\f\r":
+            shown = b" "
+        elif char.raw < b" " or char.raw == b"\x7f":
+            shown = "\ufffd".encode() if s.UseUTF8 == 1 else b" "
+        elif s.UseUTF8 == 1 and char.char in "\ufffd\ufffe\uffff":
+            shown = "\ufffd".encode()
+        if len(out) + len(shown) > 2085:
+            break
+        out += shown
+    return out
+
+
+def whole(s, display):
+    """Without the part of a character at the end."""
+    if s.AmendedAnswers != 1 or s.UseUTF8 != 1:
+        return display
+    for length in (1, 2, 3, 4):
+        tail = display[-length:]
+        if tail[:1] < b"\x80":
+            return display
+        if tail[:1] >= b"\xc0":
+            try:
+                tail.decode("utf-8")
+            except UnicodeDecodeError:
+                return display[:-length]
+            return display
+    return display
+
+
 # ---- the query ----------------------------------------------------------------------------------
 
 
@@ -180,9 +215,13 @@ def normalise(s, query):
             if len(result) <= 2085:
                 query = result
 
+    if s.CutSigns == 1:
+        query = vela_signs.cut(query, s.UseUTF8 == 1)
     if s.MapAccents == 1:
         for accented, plain in s.accents or ():
             swap(accented, plain)
+    if s.PlainQueries == 1:
+        query = vela_signs.plain(query)
     if s.ToLowerSearchWords == 1:
         query = lower(s.UseUTF8 == 1, query)
     if s.AllowExactPhrase == 0:

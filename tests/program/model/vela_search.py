@@ -138,7 +138,7 @@ def run_search(c):
     if s.Recommended == 1:
         recommended_links(c)
 
-    c.limit_reached = c.site_only = False
+    c.limit_reached = c.site_only = c.term_cut = False
     c.restriction = None
     c.count = c.skipped = c.excluded = 0
     c.max_terms = c.max_score = c.key_max = c.key_min = 0
@@ -163,6 +163,8 @@ def run_search(c):
         if exclude:
             c.excluded += 1
         search_term(c, number, term, exclude)
+    if c.term_cut and s.AmendedAnswers == 1:
+        c.limit_reached = True
     if c.meta_only:
         c.site_only = True
     if c.sort < 1:
@@ -261,6 +263,7 @@ def search_term(c, number, term, exclude):
                 c.limit_reached = True
                 return
             if found > c.budget:
+                c.term_cut = True
                 return
         records = phrase.lists[0] if phrase else read_word_list(c, entry)
         term.hits += len(records)
@@ -287,9 +290,11 @@ def add_record(c, number, exclude, record):
     if score == 0:
         return
     page = c.pages[number_of_page]
+    amended = s.AmendedAnswers == 1
     if exclude:
+        if page.score or not amended:
+            c.count -= 1
         page.score = 0
-        c.count -= 1
     elif page.score:
         page.score += score if page.score <= 10000 else 1
         if 0 < page.terms < s.MaxContextKeywords:
@@ -312,7 +317,8 @@ def add_record(c, number, exclude, record):
         c.key_max = max(c.key_max, date)
         if c.count == 1 or date < c.key_min:
             c.key_min = date
-    if page.in_order in (number, number - c.skipped - c.excluded):
+    in_order = number - c.skipped - c.excluded
+    if page.in_order == in_order or (page.in_order == number and not amended):
         page.in_order += 1
 
 
@@ -373,6 +379,8 @@ def read_date_range(c):
         c.range = tuple(ends)
     c.date_text = b"&amp;vela_datefrom=%s&amp;vela_dateto=%s" % (
         vela_page.html_escape(c.date_from, 15), vela_page.html_escape(c.date_to, 15))
+    if s.AmendedAnswers == 1 and c.ltime_from > 0 and c.ltime_to > 0:
+        c.date_text = b"&amp;vela_ltimefrom=%d&amp;vela_ltimeto=%d" % (c.ltime_from, c.ltime_to)
     c.date_text = c.date_text[: vela_page.LINK]
 
 
@@ -522,6 +530,10 @@ def accept(c, number, page):
     return True
 
 
+def score32(s, score):
+    return max(0, min(score, 2**32 - 1)) if s.AmendedAnswers == 1 else score % 2**32
+
+
 def rank(c):
     s = c.s
     taken = None
@@ -544,7 +556,7 @@ def rank(c):
         if page.in_order >= c.effective:
             c.full_match += 1
         if c.sort < 1:
-            page.score = ((page.terms - 1) * c.max_score + page.score) % 2**32
+            page.score = score32(s, (page.terms - 1) * c.max_score + page.score)
             key = page.score
         else:
             key = c.info.date(number)
@@ -581,7 +593,7 @@ def rank(c):
                 factor = to_float(to_float(math.pow(factor, 10)) + (page.terms - 10))
         entry = Entry()
         entry.page = number
-        entry.score = int(page.score * factor + 0.5) % 2**32
+        entry.score = score32(s, int(page.score * factor + 0.5))
         entry.terms = page.terms
         entry.positions = (page.first, page.second, page.third)
         entries.append(entry)
@@ -1021,17 +1033,31 @@ def suggest(c):
     """The suggested query and the alternatives; empty when there is nothing to offer."""
     s = c.s
     limit = s.SpellingWhenLessThan
-    if s.Spelling != 1 or c.spelling is None or all(t.hits >= limit for t in c.terms):
+    c.suggested_as_typed = False
+
+    def excluded(term):
+        return s.PlainQueries == 1 and term.text.startswith(b"-")
+
+    if s.Spelling != 1 or c.spelling is None or all(
+            t.hits >= limit or excluded(t) for t in c.terms):
         return []
     text = b""
     offered = 0
     alternatives = []
     for i, term in enumerate(c.terms):
-        if term.hits >= limit:
-            piece = term.searched
+        searched = term.searched
+        if s.AmendedAnswers == 1 and s.SearchAsSubstring == 1:
+            searched = searched.strip(b"*")
+        if excluded(term):
+            piece = term.text
+            if s.AllowExactPhrase == 1 and b" " in piece:
+                piece = b'-"%s"' % piece[1:]
+            c.suggested_as_typed = True
+        elif term.hits >= limit:
+            piece = searched
         else:
             piece = None
-            key = sound_key(term.searched)
+            key = sound_key(searched)
             for entry_key, slots in c.spelling if key else ():
                 if entry_key < key:
                     continue
@@ -1039,12 +1065,12 @@ def suggest(c):
                     break
                 for k, number in enumerate(slots):
                     word = spelling_word(c, number)
-                    if word is None or word == term.searched:
+                    if word is None or word == searched:
                         continue
                     piece = word
                     if len(c.terms) == 1:
                         rest = [spelling_word(c, other) for other in slots[k + 1 :]]
-                        alternatives = [w for w in rest if w is not None and w != term.searched]
+                        alternatives = [w for w in rest if w is not None and w != searched]
                     break
                 if piece is not None:
                     break
