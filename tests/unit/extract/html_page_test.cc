@@ -147,6 +147,29 @@ TEST(HtmlPage, TakesTheSocialDescriptionWhereThereIsNoOther) {
   EXPECT_EQ(page.description, "own");
 }
 
+TEST(HtmlPage, TellsWhatOfItsTextIsLinks) {
+  const struct {
+    const char* what;
+    std::string html;
+    float share;
+  } kCases[] = {
+      {"no text", "<p> ", 0},
+      {"no link", "<p>four", 0},
+      {"a half, blanks aside", "<p>four <a href=x.html> f o u r </a>", 0.5F},
+      {"with the markup inside", "<ul><li><a href=x><b>ab</b><i>c</i></a><li>d", 0.75F},
+      {"a place on the page is none", "<p>four <a href='#x'>four</a>", 0},
+      {"an anchor is none", "<p>four <a name=x>four</a>", 0},
+      {"what surrounds the content does not count",
+       "<nav><a href=x>menu</a></nav><main>four</main><footer><a href=y>foot</a></footer>", 0},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    PageContent page;
+    EXPECT_EQ(ParseHtmlPage(c.html, page), Reason::kNone);
+    EXPECT_FLOAT_EQ(page.linkShare, c.share);
+  }
+}
+
 TEST(HtmlPage, HonoursNoindex) {
   const struct {
     const char* content;

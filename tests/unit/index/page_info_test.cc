@@ -53,6 +53,25 @@ TEST(PageInfo, FieldsOfBothLayouts) {
   }
 }
 
+TEST(PageInfo, TheMassOfATitleEndsTheRecord) {
+  for (bool big : {false, true}) {
+    Load load(Record(big, "\x34\x12") + Record(big, "more\xFF\xFF"), 2, big);
+    ASSERT_EQ(load.Run(), LoadStatus::kOk);
+    EXPECT_EQ(PageTitleMass(load.pages, 0), 0x1234u);
+    EXPECT_EQ(PageTitleMass(load.pages, 1), 0xFFFFu);
+  }
+}
+
+TEST(PageInfo, ARecordTooShortForAMassHasNone) {
+  // Lengths below that of a mass: 0 stands for every page behind it, 1 reads into its own length.
+  Load load("\0\0"s, 3, false);
+  load.Run();
+  for (uint32_t page : {0u, 2u}) EXPECT_EQ(PageTitleMass(load.pages, page), 0u);
+  Load one("\x01\0\0"s, 1, false);
+  one.Run();
+  EXPECT_EQ(PageTitleMass(one.pages, 0), 0u);
+}
+
 TEST(PageInfo, BigLayoutHasTheCategorySetAtByte19) {
   Load load(Record(true, "\x05\x80"), 1, true);
   load.settings.UseCats = 1;

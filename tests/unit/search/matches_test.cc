@@ -47,6 +47,25 @@ struct Gathering {
   const PageMatch& operator[](size_t page) const { return matches.pages[page]; }
 };
 
+TEST(Matches, WithRankingWeightsAddUp) {
+  LoadedSite site(PlainPages(2));
+  Matches matches;
+  ASSERT_TRUE(AllocateMatches(matches, 2, true));
+  const auto add = [&](uint32_t page, uint32_t score, int32_t term) {
+    const TermPlace place = {.index = term, .listIndex = term};
+    return AddMatch(matches, site.files.pages, {score, 0, page, 0}, place, 0, 10);
+  };
+  // Scores are twice the weight, and one more for a word of the title.
+  EXPECT_TRUE(add(0, 41, 0));
+  EXPECT_TRUE(add(0, 60, 1));
+  EXPECT_TRUE(add(1, 7, 1));
+  EXPECT_EQ(matches.pages[0].score, 50u);
+  EXPECT_EQ(matches.weights[0].terms, 3u);
+  EXPECT_EQ(matches.weights[0].titleTerms, 1u);
+  EXPECT_EQ(matches.pages[1].score, 3u);
+  EXPECT_EQ(matches.weights[1].titleTerms, 2u);
+}
+
 TermPlace Exclusion(int32_t index) { return {index, 0, 1, true}; }
 
 TEST(BoostedScore, Table) {

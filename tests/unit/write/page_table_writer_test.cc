@@ -54,6 +54,24 @@ TEST(PageTable, WritesRecordsAndLines) {
   EXPECT_EQ(sizes.dataBytes, 86u);
 }
 
+TEST(PageTable, TheMassOfATitleEndsItsRecord) {
+  const support::ScratchDirectory scratch;
+  const IndexCharset utf8;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageEntry entry;
+  entry.metaValues = "meta";
+  entry.hasTitleMass = true;
+  for (int i = 0; i < 3; ++i) writer.AddPage(entry);
+  writer.SetTitleMass(0, 0x1234);
+  writer.SetTitleMass(2, 0xFFFF);
+  EXPECT_EQ(writer.Finish().infoBytes, 69u);  // three times 17, 4 and 2
+  const std::string info = ReadFile(scratch.path() / "info");
+  EXPECT_EQ(info.substr(0, 2), "\x17\0"s);
+  EXPECT_EQ(info.substr(17, 6), "meta\x34\x12");
+  EXPECT_EQ(info.substr(40, 6), "meta\0\0"s);
+  EXPECT_EQ(info.substr(63, 6), "meta\xFF\xFF");
+}
+
 TEST(PageTable, ARecordHoldsCategoriesBoostAndMetaValues) {
   const support::ScratchDirectory scratch;
   const IndexCharset utf8;

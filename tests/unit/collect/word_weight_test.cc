@@ -1,0 +1,76 @@
+#include "indexer/collect/word_weight.h"
+
+#include <gtest/gtest.h>
+
+#include "format/word_weight.h"
+
+namespace vela::indexer {
+namespace {
+
+WeightContext Page() {
+  return {.mass = 100, .pageWords = 300, .averageWords = 300, .linkShare = 0};
+}
+
+Posting Occurs(uint8_t body, uint8_t zones = 0) {
+  Posting posting;
+  posting.body = body;
+  posting.zones = zones;
+  return posting;
+}
+
+uint32_t Weight(const Posting& posting, const WeightContext& context) {
+  return WeightOf(WordWeight(posting, context));
+}
+
+TEST(WordMass, IsLeastForWhatAllPagesHave) {
+  EXPECT_EQ(WordMass(1, 1000), kWordWeightLimit);
+  EXPECT_EQ(WordMass(1000, 1000), 1u);
+  EXPECT_GT(WordMass(10, 1000), WordMass(100, 1000));
+  // Whatever a damaged or foreign file says.
+  EXPECT_EQ(WordMass(0, 1000), kWordWeightLimit);
+  EXPECT_EQ(WordMass(5000, 1000), 1u);
+  EXPECT_GE(WordMass(0, 0), 1u);
+}
+
+TEST(WordWeight, IsAShareOfTheMass) {
+  // n / (n + 1.6) of 100.
+  EXPECT_EQ(Weight(Occurs(1), Page()), 38u);
+  EXPECT_EQ(Weight(Occurs(2), Page()), 56u);
+  EXPECT_EQ(Weight(Occurs(255), Page()), 99u);
+  EXPECT_EQ(Weight(Occurs(0), Page()), 1u);  // never nothing
+}
+
+TEST(WordWeight, TitleAndHeadingsCountAsOccurrences) {
+  EXPECT_EQ(Weight(Occurs(0, kInTitle), Page()), Weight(Occurs(3), Page()));
+  EXPECT_EQ(Weight(Occurs(0, kInMainHeading), Page()), Weight(Occurs(2), Page()));
+  EXPECT_EQ(Weight(Occurs(1, kInHeading), Page()), Weight(Occurs(2), Page()));
+  EXPECT_GT(Weight(Occurs(1, kInSmallHeading), Page()), Weight(Occurs(1), Page()));
+  EXPECT_EQ(Weight(Occurs(1, kInDescription), Page()), Weight(Occurs(2), Page()));
+  EXPECT_EQ(Weight(Occurs(1, kInAddress), Page()), Weight(Occurs(2), Page()));
+  EXPECT_TRUE(IsTitleWord(WordWeight(Occurs(1, kInTitle), Page())));
+  EXPECT_FALSE(IsTitleWord(WordWeight(Occurs(1, kInMainHeading), Page())));
+}
+
+TEST(WordWeight, LongerPagesLessAndStubsNotMore) {
+  WeightContext page = Page();
+  page.pageWords = 900;  // three times the average: 1.8 = 0.6 + 0.4 * 3 occurrences for one
+  EXPECT_EQ(Weight(Occurs(9), page), Weight(Occurs(5), Page()));
+  page.pageWords = 150;
+  const uint32_t half = Weight(Occurs(1), page);
+  EXPECT_GT(half, Weight(Occurs(1), Page()));
+  page.pageWords = 3;
+  EXPECT_EQ(Weight(Occurs(1), page), half);
+}
+
+TEST(WordWeight, ListsOfLinksLess) {
+  WeightContext page = Page();
+  page.linkShare = 0.4;
+  EXPECT_EQ(Weight(Occurs(255), page), 99u);
+  page.linkShare = 0.7;  // half of the way to nothing but links: 60 % of it
+  EXPECT_EQ(Weight(Occurs(255), page), 60u);
+  page.linkShare = 1;
+  EXPECT_EQ(Weight(Occurs(255), page), 20u);
+}
+
+}  // namespace
+}  // namespace vela::indexer
