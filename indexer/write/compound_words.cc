@@ -42,6 +42,17 @@ bool IsLone(std::string_view word) {
   return std::ranges::find(kLoneWords, word) != std::end(kLoneWords);
 }
 
+// German nouns are written with a capital; what a page has in small letters is a verb as often.
+bool IsNoun(const Vocabulary& vocabulary, const Word& word, bool utf8) {
+  for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
+    const std::string_view written = TextOf(vocabulary.variants[v]);
+    std::string form(written);
+    LowerText(form.data(), form.size(), utf8);
+    if (form == written) return false;
+  }
+  return !word.isOwnForm;
+}
+
 bool IsKnown(const WordsByForm& forms, std::string_view text) {
   return forms.contains(std::string(text));
 }
@@ -107,11 +118,15 @@ std::vector<ApartWord> ApartWords(const WordsByForm& forms) {
   return apart;
 }
 
-std::vector<CompoundPart> GermanCompounds(const Vocabulary& vocabulary, const WordsByForm& forms) {
+std::vector<CompoundPart> GermanCompounds(const Vocabulary& vocabulary, const WordsByForm& forms,
+                                          bool utf8) {
   std::vector<CompoundPart> parts;
   for (const auto& [form, number] : forms) {
     const std::string_view text = form;
-    if (text.size() < 2 * kGermanPieceLeast || !IsOfLetters(text)) continue;
+    if (text.size() < 2 * kGermanPieceLeast || !IsOfLetters(text) ||
+        !IsNoun(vocabulary, vocabulary.words[number], utf8)) {
+      continue;
+    }
     std::set<std::string> found;
     for (size_t at = kGermanPieceLeast; at + kGermanPieceLeast <= text.size(); ++at) {
       if (!StartsCharacter(text, at)) continue;

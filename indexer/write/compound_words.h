@@ -33,12 +33,14 @@ struct ApartWord {
 // Whether pages write them apart is not known yet.
 std::vector<ApartWord> ApartWords(const WordsByForm& forms);
 
-// A compound and a word that it is made of, as German writes them: "kernelmodul" and "modul".
+// A noun and a word that it is made of, as German writes them: "Kernelmodul" and "Modul"; in lower
+// case.
 struct CompoundPart {
   std::string part;
   std::string compound;
   uint32_t pages = 0;  // of the compound
 };
-std::vector<CompoundPart> GermanCompounds(const Vocabulary& vocabulary, const WordsByForm& forms);
+std::vector<CompoundPart> GermanCompounds(const Vocabulary& vocabulary, const WordsByForm& forms,
+                                          bool utf8);
 
 }  // namespace vela::indexer

@@ -262,7 +262,7 @@ void SynonymMaker::AddApartWords() {
 }
 
 void SynonymMaker::AddCompounds() {
-  for (const CompoundPart& part : GermanCompounds(input_.vocabulary, forms_)) {
+  for (const CompoundPart& part : GermanCompounds(input_.vocabulary, forms_, input_.utf8)) {
     list_.Add(KeyOf(part.part), {.text = part.compound, .weight = kPartWeight});
   }
 }

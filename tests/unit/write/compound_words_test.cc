@@ -19,6 +19,13 @@ struct Words {
     word.isWritten = word.isOwnForm = true;
     return word;
   }
+  // A word that is only written with a capital.
+  void AddNoun(std::string noun, uint32_t pages) {
+    const std::string surface = noun;
+    noun[0] = static_cast<char>(noun[0] | 0x20);
+    Add(noun.c_str(), pages).isOwnForm = false;
+    FindOrAddVariant(vocabulary, FindOrAddWord(vocabulary, noun), surface);
+  }
   WordsByForm Forms() const { return FormsOfSite(vocabulary, true); }
   std::string Same() const {
     std::string text;
@@ -34,7 +41,7 @@ struct Words {
   }
   std::string German() const {
     std::string text;
-    for (const CompoundPart& each : GermanCompounds(vocabulary, Forms())) {
+    for (const CompoundPart& each : GermanCompounds(vocabulary, Forms(), true)) {
       text += each.part + ":" + each.compound + " ";
     }
     return text;
@@ -73,17 +80,23 @@ TEST(CompoundWords, WordsWrittenApart) {
 }
 
 TEST(CompoundWords, PartsOfGermanCompounds) {
-  EXPECT_EQ(Words({"kernelmodul", "kernel", "modul"}).German(),
-            "kernel:kernelmodul modul:kernelmodul ");
-  EXPECT_EQ(Words({"arbeitsplatz", "arbeit", "platz"}).German(),
-            "arbeit:arbeitsplatz platz:arbeitsplatz ");
-  EXPECT_EQ(Words({"kernelmodul", "modul"}).German(), "");  // what is before it is no word
-  EXPECT_EQ(Words({"haustier", "haus", "tier"}).German(), "haus:haustier tier:haustier ");
-  EXPECT_EQ(Words({"hausarzt", "haus", "arz"}).German(), "");
+  const auto german = [](std::initializer_list<const char*> nouns) {
+    Words words({});
+    for (const char* noun : nouns) words.AddNoun(noun, 2);
+    return words.German();
+  };
+  EXPECT_EQ(german({"Kernelmodul", "Kernel", "Modul"}), "kernel:kernelmodul modul:kernelmodul ");
+  EXPECT_EQ(german({"Arbeitsplatz", "Arbeit", "Platz"}), "arbeit:arbeitsplatz platz:arbeitsplatz ");
+  EXPECT_EQ(german({"Kernelmodul", "Modul"}), "");  // what is before it is no word
+  EXPECT_EQ(german({"Hausarzt", "Haus", "arz"}), "");
   // Compounds on more pages come first.
-  Words words({"haus", "haustier", "tier", "hausarzt", "arzt"});
-  words.Add("hausarzt", 9);
+  Words words({});
+  for (const char* noun : {"Haus", "Haustier", "Tier", "Arzt"}) words.AddNoun(noun, 2);
+  words.AddNoun("Hausarzt", 9);
   EXPECT_EQ(words.German(), "arzt:hausarzt haus:hausarzt haus:haustier tier:haustier ");
+  // What stands in small letters, too, is no noun.
+  words.Add("haustier", 2);
+  EXPECT_EQ(words.German(), "arzt:hausarzt haus:hausarzt ");
 }
 
 }  // namespace
