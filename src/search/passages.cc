@@ -450,9 +450,14 @@ void PassageWords::AddFound(std::span<const uint32_t> words, const Dictionary& d
   }
   for (const uint32_t word : words) {
     if (TermsOf(word) != 0 || missing == 0) continue;
-    const Terms lowest = missing & (~missing + 1);
-    Add(word, lowest);
-    missing &= ~lowest;
+    // The rarest, since a common word is written on nearly every page.
+    size_t rarest = 0;
+    for (size_t i = 0; i < terms_; ++i) {
+      const bool isBetter = (missing >> rarest & 1) == 0 || weights_[i] > weights_[rarest];
+      if ((missing >> i & 1) != 0 && isBetter) rarest = i;
+    }
+    Add(word, Terms{1} << rarest);
+    missing &= ~(Terms{1} << rarest);
   }
 }
 

@@ -176,6 +176,9 @@ TEST(Passages, TakesTheWordFoundForATermThatIsNotWritten) {
   // The search found "netz" by a part of the compound.
   Site site("x1 x2 x3 x4 x5 x6 x7 x8 Netzwerk x9 y1 y2 |", "netz", 4);
   EXPECT_EQ(site.Shown({8}), "x8 [Netzwerk] x9 y1");
+  // A rare word, not one of those that are on nearly every page.
+  Site both("x1 zebra x2 x3 x4 x5 x6 x7 Netzwerk zebra y1 |", "the netz zebra", 5);
+  EXPECT_EQ(both.Shown({8, 1}), "x7 [Netzwerk] [zebra] y1");
 }
 
 TEST(Passages, ShowsHowAPageBeginsThatHasTheWordInItsTitleOnly) {
