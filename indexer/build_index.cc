@@ -353,7 +353,7 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   facts.lineLength = KeyWordLineLength(config, longest);
   if (config.suggestions) {
     const AutocompleteSizes sizes =
-        WriteAutocomplete(fresh / kAutoCompleteFileName, pages.collection.suggestions.Take(),
+        WriteAutocomplete(fresh / kAutoCompleteFileName, pages.collection.suggestions.Take(facts.stopWords),
                           config.mostSuggestions, facts.lineLength, run.charset);
     facts.autocomplete = sizes.lines;
     bytes += sizes.fileBytes;

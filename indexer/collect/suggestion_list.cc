@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "indexer/words/clean_text.h"
+#include "indexer/words/heading_text.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/symbols.h"
 #include "indexer/words/word_cut.h"
@@ -13,11 +14,11 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr uint64_t kTitleWeight = 4;
-constexpr uint64_t kHeadingWeight = 2;
 constexpr uint8_t kLowestHeading = 3;
-constexpr size_t kTextLimit = 100;  // more is no help in a list below a search box
-constexpr size_t kLeastTextBytes = 3;
+constexpr size_t kTextLimit = 100;   // more is no help in a list below a search box
+constexpr size_t kTitleLimit = 300;  // of which what all titles end in is taken off
+constexpr size_t kNameLimit = 40;
+constexpr size_t kLeastTextBytes = 3;  // of what is no title
 
 constexpr uint32_t kLeastPhrasePages = 3;
 constexpr size_t kPhraseWordLimit = 3;
@@ -40,11 +41,38 @@ std::string Offered(std::string text) {
 size_t EndingOf(std::string_view title) {
   size_t last = title.npos;
   for (const std::string_view sign :
-       {" | ", " - ", " \u2013 ", " \u2014 ", " \u00B7 ", " :: ", " \u00BB "}) {
+       {" | ", " - ", " \u2013 ", " \u2014 ", " \u00B7 ", " :: ", " \u00BB ", " ("}) {
     const size_t at = title.rfind(sign);
     if (at != title.npos && at > 0 && (last == title.npos || at > last)) last = at;
   }
   return last;
+}
+
+// A title of so many bytes at most, cut behind a word.
+std::string Shortened(std::string text, size_t limit) {
+  if (text.size() <= limit) return text;
+  size_t end = limit;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  const size_t blank = text.rfind(' ', end);
+  text.resize(blank != text.npos && blank > limit / 2 ? blank : end);
+  return text;
+}
+
+// What a list defines, without its parameters: "class json.Encoder(skipkeys)" is "json.Encoder".
+std::string NameOf(const std::string& term) {
+  std::string_view name = std::string_view(term).substr(0, term.find('('));
+  while (name.ends_with(' ')) name.remove_suffix(1);
+  const bool isCall = name.size() < term.size();
+  if (isCall) name.remove_prefix(name.rfind(' ') == name.npos ? 0 : name.rfind(' ') + 1);
+  return name.size() > kNameLimit ? std::string() : std::string(name);
+}
+
+std::unordered_set<std::string> WordSetOf(std::string_view words) {
+  std::unordered_set<std::string> set;
+  for (std::string_view word = NextChunk(words); !word.empty(); word = NextChunk(words)) {
+    set.insert(LowerUtf8Copy(word));
+  }
+  return set;
 }
 
 uint64_t HashOf(std::string_view text) {
@@ -80,26 +108,36 @@ std::string_view PlainWord(std::string_view chunk, bool& begins, bool& ends) {
 
 }  // namespace
 
-void SuggestionList::Add(const std::string& text, uint64_t weight, bool isPhrase) {
-  if (text.size() < kLeastTextBytes || text.size() > kTextLimit) return;
-  Entry& entry = entries_[LowerUtf8Copy(text)];
-  if (entry.text.empty()) {
-    entry.text = text;
-    entry.isPhrase = isPhrase;
+void SuggestionList::Add(const std::string& text, uint64_t weight, Kind kind) {
+  const bool isTitle = kind == Kind::kTitle;
+  if (text.empty() || (!isTitle && (text.size() < kLeastTextBytes || text.size() > kTextLimit))) {
+    return;
   }
-  entry.isPhrase = entry.isPhrase && isPhrase;
-  if (entry.lastPage == page_ && isPhrase) return;
+  Entry& entry = entries_[LowerUtf8Copy(text)];
+  if (entry.text.empty() || kind < entry.kind) {
+    entry.text = text;
+    entry.kind = kind;
+  }
+  if (entry.lastPage == page_) return;
   entry.lastPage = page_;
   entry.weight += weight;
   if (entries_.size() > kEntryLimit) DropRarest();
 }
 
 void SuggestionList::DropRarest() {
-  std::vector<std::pair<uint64_t, std::string>> order;
+  struct Place {
+    Kind kind;
+    uint64_t weight;
+    std::string key;
+  };
+  std::vector<Place> order;
   order.reserve(entries_.size());
-  for (const auto& [key, entry] : entries_) order.emplace_back(entry.weight, key);
-  std::ranges::sort(order);
-  for (size_t i = 0; i < order.size() / 2; ++i) entries_.erase(order[i].second);
+  for (const auto& [key, entry] : entries_) order.push_back({entry.kind, entry.weight, key});
+  std::ranges::sort(order, [](const Place& a, const Place& b) {
+    if (a.kind != b.kind) return a.kind > b.kind;
+    return a.weight != b.weight ? a.weight < b.weight : a.key < b.key;
+  });
+  for (size_t i = 0; i < order.size() / 2; ++i) entries_.erase(order[i].key);
 }
 
 void SuggestionList::AddEdgeWords(const std::string& text) {
@@ -150,7 +188,7 @@ void SuggestionList::AddPhrase(size_t words) {
   for (size_t i = begin; i < words_.size(); ++i) {
     text.append(text.empty() ? "" : " ").append(words_[i].text);
   }
-  Add(text, count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1, true);
+  Add(text, count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1, Kind::kPhrase);
 }
 
 void SuggestionList::AddPhrases(std::string_view text) {
@@ -171,75 +209,83 @@ void SuggestionList::AddPhrases(std::string_view text) {
 void SuggestionList::AddPage(const PageContent& page, const std::string& title) {
   if (counts_.empty()) counts_.resize(kPhrasePlaces);
   ++page_;
-  const std::string offered = Offered(title);
-  Add(offered, kTitleWeight, false);
+  const std::string offered = Shortened(PlainHeading(Offered(title)), kTitleLimit);
+  Add(offered, 1, Kind::kTitle);
   const size_t ending = EndingOf(offered);
   if (ending != offered.npos) {
     const std::string text = offered.substr(ending);
     if (endings_.size() < kEndingLimit || endings_.contains(text)) ++endings_[text];
   }
   AddEdgeWords(offered.substr(0, ending));
-  std::unordered_set<std::string> seen;  // a heading counts once a page
   for (const TextRun& run : page.body) {
     if (run.headingLevel >= 1 && run.headingLevel <= kLowestHeading) {
-      const std::string heading = Offered(run.text);
-      if (seen.insert(heading).second) {
-        Add(heading, kHeadingWeight, false);
-        AddEdgeWords(heading);
-      }
+      const std::string heading = PlainHeading(Offered(run.text));
+      // The heading of the page says its title, and perhaps more that nobody asks for.
+      const bool isTitle =
+          run.headingLevel == 1 && !offered.empty() && heading.starts_with(offered);
+      if (isTitle) continue;
+      Add(heading, 1, Kind::kHeading);
+      AddEdgeWords(heading);
     } else if (run.headingLevel == 0) {
+      if (!run.anchor.empty()) Add(NameOf(PlainHeading(Offered(run.text))), 1, Kind::kName);
       AddPhrases(run.text);
     }
   }
 }
 
-std::string SuggestionList::CommonEnding() const {
-  for (const auto& [ending, pages] : endings_) {
-    if (pages >= 3 && uint64_t{pages} * 2 > page_) return ending;
-  }
-  return {};
+// A title without what so many others end in that it is the site's name, or that of a part of it.
+std::string SuggestionList::WithoutEnding(const std::string& title) const {
+  constexpr uint32_t kLeastPages = 3;
+  constexpr uint32_t kLeastPercent = 5;
+  const size_t at = EndingOf(title);
+  if (at == title.npos) return title;
+  const auto found = endings_.find(title.substr(at));
+  const bool isShared = found != endings_.end() && found->second >= kLeastPages &&
+                        uint64_t{found->second} * 100 >= uint64_t{page_} * kLeastPercent;
+  return isShared ? title.substr(0, at) : title;
 }
 
-std::vector<std::string> SuggestionList::Take() {
-  const std::string ending = CommonEnding();
+std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
+  const std::unordered_set<std::string> stops = WordSetOf(stopWords);
   // By the text in lower case, so that phrases stand just before those that go on from them.
   std::map<std::string, Entry> merged;
-  for (auto& [key, entry] : entries_) {
+  for (const auto& [key, entry] : entries_) {
     std::string text = entry.text;
-    if (!ending.empty() && text.size() > ending.size() && text.ends_with(ending)) {
-      text.resize(text.size() - ending.size());
-    }
-    if (entry.isPhrase) {
+    if (entry.kind == Kind::kTitle) text = Shortened(WithoutEnding(text), kTextLimit);
+    if (entry.kind == Kind::kPhrase) {
       const std::string first = key.substr(0, key.find(' '));
       const std::string last = key.substr(key.rfind(' ') + 1);
-      if (!edgeWords_.contains(first) || !edgeWords_.contains(last)) continue;
+      const bool isCommon = page_ > 2 * kLeastPhrasePages && entry.weight * 2 > page_;
+      if (isCommon || stops.contains(first) || stops.contains(last) ||
+          !edgeWords_.contains(first) || !edgeWords_.contains(last)) {
+        continue;
+      }
     }
     Entry& into = merged[LowerUtf8Copy(text)];
     // The order of the table is not defined: of two spellings the smaller one stays.
-    const bool better = into.text.empty() || (into.isPhrase && !entry.isPhrase) ||
-                        (into.isPhrase == entry.isPhrase && text < into.text);
+    const bool better = into.text.empty() || entry.kind < into.kind ||
+                        (into.kind == entry.kind && text < into.text);
     if (better) into.text = text;
-    into.isPhrase = (into.weight == 0 || into.isPhrase) && entry.isPhrase;
+    into.kind = into.weight == 0 ? entry.kind : std::min(into.kind, entry.kind);
     into.weight += entry.weight;
   }
-  struct Place {
-    uint64_t weight;
-    std::string text;
-  };
-  std::vector<Place> places;
+  std::vector<const Entry*> places;
   for (auto at = merged.begin(); at != merged.end(); ++at) {
     const auto next = std::next(at);
     const bool goesOn = next != merged.end() && next->first.starts_with(at->first + " ") &&
                         next->second.weight >= at->second.weight;
-    if (at->second.isPhrase && goesOn) continue;
-    places.push_back({at->second.weight, at->second.text});
+    if (at->second.kind == Kind::kPhrase && goesOn) continue;
+    places.push_back(&at->second);
   }
-  std::ranges::sort(places, [](const Place& a, const Place& b) {
-    return a.weight != b.weight ? a.weight > b.weight : a.text < b.text;
+  std::ranges::sort(places, [](const Entry* a, const Entry* b) {
+    if (a->kind != b->kind) return a->kind < b->kind;
+    if (a->weight != b->weight) return a->weight > b->weight;
+    if (a->text.size() != b->text.size()) return a->text.size() < b->text.size();
+    return a->text < b->text;
   });
   std::vector<std::string> texts;
   texts.reserve(places.size());
-  for (Place& place : places) texts.push_back(std::move(place.text));
+  for (const Entry* place : places) texts.push_back(place->text);
   entries_.clear();
   counts_ = {};
   return texts;

@@ -21,19 +21,23 @@ class SuggestionList {
   // Takes what one page offers; `title` is the one shown for it.
   void AddPage(const PageContent& page, const std::string& title);
 
-  // The texts in the order in which they are to be offered: those that more pages offer first, a
-  // title counting for four pages that hold a phrase and a heading for two; by their bytes among
-  // equals. No two differ in case alone. What most titles end in ("... | Ashdale Library") is taken
-  // off. Plain text on one line, without double quotes and backslashes, which the search program
-  // would put into a script. Ends the collection.
-  std::vector<std::string> Take();
+  // The texts in the order in which they are to be offered: titles, then headings, then names (what
+  // lists define), then phrases; of each kind those that more pages offer first, among equals the
+  // shorter ones, then by their bytes. No two differ in case alone. Numbers of parts, signs that
+  // link to a heading and what many titles end in ("... | Ashdale Library") are taken off; a phrase
+  // that begins or ends with one of `stopWords`, blanks between them, or that is on most pages is
+  // left out. Plain text on one line, without double quotes and backslashes, which the search
+  // program would put into a script. Ends the collection.
+  std::vector<std::string> Take(std::string_view stopWords);
 
  private:
+  // In the order in which they are offered.
+  enum class Kind : uint8_t { kTitle, kHeading, kName, kPhrase };
   struct Entry {
-    std::string text;  // as it was met first
-    uint64_t weight = 0;
+    std::string text;       // as it was met first
+    uint64_t weight = 0;    // pages that have it
     uint32_t lastPage = 0;  // counted from 1, of the page that counted it last
-    bool isPhrase = false;
+    Kind kind = Kind::kPhrase;
   };
   // How often a phrase has been met, before it is worth keeping its text.
   struct PhraseCount {
@@ -47,12 +51,12 @@ class SuggestionList {
     std::string lower;
   };
 
-  void Add(const std::string& text, uint64_t weight, bool isPhrase);
+  void Add(const std::string& text, uint64_t weight, Kind kind);
   void AddEdgeWords(const std::string& text);
   void AddPhrases(std::string_view text);
   void AddPhrase(size_t words);
   void DropRarest();
-  std::string CommonEnding() const;
+  std::string WithoutEnding(const std::string& title) const;
 
   uint32_t page_ = 0;
   std::unordered_map<std::string, Entry> entries_;  // by the text in lower case
