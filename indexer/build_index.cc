@@ -29,6 +29,7 @@
 #include "indexer/source/folder_source.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
+#include "indexer/write/completions_writer.h"
 #include "indexer/write/corrections_writer.h"
 #include "indexer/write/dictionary_writer.h"
 #include "indexer/write/lookup_writer.h"
@@ -352,11 +353,14 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   }
   facts.lineLength = KeyWordLineLength(config, longest);
   if (config.suggestions) {
-    const AutocompleteSizes sizes =
-        WriteAutocomplete(fresh / kAutoCompleteFileName, pages.collection.suggestions.Take(facts.stopWords),
-                          config.mostSuggestions, facts.lineLength, run.charset);
+    const AutocompleteSizes sizes = WriteAutocomplete(
+        fresh / kAutoCompleteFileName, pages.collection.suggestions.Take(facts.stopWords),
+        config.mostSuggestions, facts.lineLength, run.charset);
     facts.autocomplete = sizes.lines;
     bytes += sizes.fileBytes;
+    if (run.charset.utf8() && ExtensionValue(config, "CompleteAnyWord") != 0) {
+      bytes += WriteCompletions(fresh, sizes.texts);
+    }
   }
   return bytes;
 }

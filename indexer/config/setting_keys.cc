@@ -73,7 +73,7 @@ constexpr NumberKey kNumberKeys[] = {
 constexpr NumberKey kExtensionKeys[] = {
     {"CutSigns", 1, 0, 1}, {"PlainQueries", 1, 0, 1},     {"OfferWords", 1, 0, 1},
     {"Ranking", 1, 0, 1},  {"SpellingDistance", 1, 0, 1}, {"ShowCorrected", 1, 0, 1},
-    {"Passages", 1, 0, 1}, {"SectionLinks", 1, 0, 1},     {"CompleteAnyWord", 0, 0, 1},
+    {"Passages", 1, 0, 1}, {"SectionLinks", 1, 0, 1},     {"CompleteAnyWord", 1, 0, 1},
     {"CutRuns", 1, 0, 1},  {"AmendedAnswers", 1, 0, 1},
 };
 

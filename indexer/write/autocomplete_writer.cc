@@ -19,6 +19,7 @@ AutocompleteSizes WriteAutocomplete(const std::filesystem::path& path,
     if (line.size() > KeywordLineLimit(static_cast<int64_t>(lineLength))) continue;
     file.Write(line);
     ++sizes.lines;
+    sizes.texts.push_back(text);
   }
   sizes.fileBytes = file.Finish();
   return sizes;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "indexer/words/index_charset.h"
 
@@ -13,6 +14,7 @@ namespace vela::indexer {
 struct AutocompleteSizes {
   uint64_t lines = 0;
   uint64_t fileBytes = 0;
+  std::vector<std::string> texts;  // of those lines
 };
 
 // Writes the first `mostLines` of `texts` (see SuggestionList::Take) that the character set has and

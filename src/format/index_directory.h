@@ -12,6 +12,7 @@
 //   vela_recommended.vdat     recommended.h     recommended pages
 //   vela_autocomplete.vdat    autocomplete.h    suggestions while typing
 //   vela_lookup.vdat          lookup.h          where things stand in the others; may be absent
+//   vela_completions.vdat     completions.h     words of suggestions; may be absent
 //   vela_sections.vdat        sections.h        the sections of long pages; may be absent
 //   search_template.html      template_file.h   the page around the results; the owner's own
 //
@@ -26,6 +27,7 @@
 #include <string_view>
 
 #include "format/autocomplete.h"
+#include "format/completions.h"
 #include "format/corrections.h"
 #include "format/dictionary.h"
 #include "format/lookup.h"
@@ -46,10 +48,10 @@ inline constexpr char kGenerations[] = ".generations";
 inline constexpr char kCurrentGeneration[] = ".generations/current";
 
 inline constexpr std::string_view kIndexFileNames[] = {
-    kSettingsFileName,     kDictionaryFileName, kWordMapFileName,  kPageInfoFileName,
-    kPageDataFileName,     kPageTextFileName,   kSpellingFileName, kRecommendedFileName,
-    kAutoCompleteFileName, kLookupFileName,     kSectionsFileName, kCorrectionsFileName,
-    kSynonymsFileName,
+    kSettingsFileName,     kDictionaryFileName,  kWordMapFileName,  kPageInfoFileName,
+    kPageDataFileName,     kPageTextFileName,    kSpellingFileName, kRecommendedFileName,
+    kAutoCompleteFileName, kLookupFileName,      kSectionsFileName, kCorrectionsFileName,
+    kSynonymsFileName,     kCompletionsFileName,
 };
 
 // Whether a file of that name belongs to one run of the indexer, as those above and any of another

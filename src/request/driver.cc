@@ -1,6 +1,7 @@
 #include "request/driver.h"
 
 #include "index/autocomplete.h"
+#include "index/completions.h"
 #include "output/autocomplete.h"
 #include "output/messages.h"
 #include "request/run_search.h"
@@ -56,9 +57,18 @@ int LoadDictionary(SearchContext& ctx) {
   return EndRequest(ctx);
 }
 
+// False where the words of suggestions cannot be looked up: nothing has been written then.
+bool AnswerCompletions(SearchContext& ctx) {
+  Completions completions;
+  if (!IsUtf8(ctx.settings) || !completions.Open(ctx.directory)) return false;
+  WriteCompletions(ctx.response, completions, ctx.query.typed);
+  return true;
+}
+
 // The suggestions are no page: no template is filled around them.
 void AnswerAutoComplete(SearchContext& ctx) {
   if (StartResponse(ctx) == 0) return;
+  if (ctx.settings.CompleteAnyWord == 1 && AnswerCompletions(ctx)) return;
   SuggestionReader suggestions;
   if (suggestions.Open(ctx.directory, ctx.settings) != LoadStatus::kOk) {
     WriteMessage(ctx.response, Message::kAutoCompleteMissing);

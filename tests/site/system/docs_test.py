@@ -79,7 +79,7 @@ class Formats(unittest.TestCase):
         for header, source in format_headers().items():
             for name in re.findall(r'FileName\[\] = "([^"]+)"', source):
                 names[name] = header
-        self.assertEqual(len(names), 14)
+        self.assertEqual(len(names), 15)
         self.assertEqual({name: headers[0] for name, headers in rows.items()}, names)
         for headers in rows.values():
             self.assertEqual([each for each in headers if each not in format_headers()], [])
