@@ -10,6 +10,7 @@
 #include "search/lookup.h"
 #include "search/query.h"
 #include "text/ascii.h"
+#include "text/run_cut.h"
 #include "text/wildcard.h"
 
 namespace vela {
@@ -147,6 +148,7 @@ class Planner {
   int32_t ScoreOf(PassageWords::Terms terms) const;
   PassagePiece PieceOf(const Window& window, size_t length) const;
   int32_t QualityOf(const PassagePiece& piece) const;
+  size_t LengthAt(size_t token) const;
   bool IsSign(uint32_t word) const { return !EndsRun(word) && word <= lastSign_; }
   bool BeginsSentence(size_t token) const;
   bool EndsSentence(uint32_t sign) const;
@@ -166,6 +168,22 @@ class Planner {
 std::string_view Planner::TextOf(uint32_t word) const {
   if (word >= static_cast<uint32_t>(std::max(input_.dictionary.size(), 0))) return {};
   return input_.dictionary.WordAt(static_cast<int32_t>(word));
+}
+
+// How many tokens make a passage that begins near the token. A piece of a script without blanks
+// takes a third of the room that a word takes.
+size_t Planner::LengthAt(size_t token) const {
+  constexpr size_t kTokensSeen = 24;
+  constexpr size_t kPiecesPerWord = 3;
+  const auto length = static_cast<size_t>(input_.settings.ContextSize);
+  if (!CutsRuns(input_.settings)) return length;
+  size_t pieces = 0;
+  const size_t end = std::min(token + kTokensSeen, text_.count());
+  for (size_t i = token; i < end; ++i) {
+    const uint32_t word = text_.WordAt(i);
+    if (!EndsRun(word) && RunPieceLength(TextOf(word)) != 0) ++pieces;
+  }
+  return pieces * 3 >= end - token ? length * kPiecesPerWord : length;
 }
 
 bool Planner::EndsSentence(uint32_t sign) const {
@@ -374,7 +392,7 @@ void Planner::ShowBeginning() {
   pass(next);
   // Only a title that is repeated to a good part.
   if (next > token + 1) token = next;
-  plan_.pieces[0] = {text_.PositionOf(token), input_.settings.ContextSize};
+  plan_.pieces[0] = {text_.PositionOf(token), static_cast<int32_t>(LengthAt(token))};
   plan_.count = 1;
 }
 
@@ -385,7 +403,7 @@ void Planner::Plan() {
   FindHits();
   plan_.isInText = hits_.count > 0;
   if (!plan_.isInText) return ShowBeginning();
-  const auto length = static_cast<size_t>(input_.settings.ContextSize);
+  const size_t length = LengthAt(hits_.all[0].token);
   Window window = BestWindow(length, hits_.terms, nullptr);
   plan_.answer = text_.PositionOf(window.first);
   plan_.pieces[0] = PieceOf(window, length);

@@ -130,6 +130,19 @@ struct Site {
   uint64_t answer = 0;
 };
 
+// The words of a query in a script without blanks are its pieces, of which three take the room of
+// one word.
+TEST(Passages, PiecesTakeAThirdOfTheRoomOfAWord) {
+  const std::string pages = "暗 号 化 す る こ と が で き ま す x y z |";
+  Site site(pages, "暗", 2);
+  EXPECT_EQ(site.Shown({0}), "[暗] 号");
+  site.settings.UseUTF8 = site.settings.CutRuns = 1;
+  EXPECT_EQ(site.Shown({0}), "[暗] 号 化 す る こ");
+  Site words("暗 号 a b c d e f g h i j |", "暗", 2);
+  words.settings.UseUTF8 = words.settings.CutRuns = 1;
+  EXPECT_EQ(words.Shown({0}), "[暗] 号");
+}
+
 TEST(Passages, ShowsWhereTheWordsStandTogether) {
   // Both words stand in the list of contents first, far from each other.
   Site site("files w1 w2 w3 w4 w5 w6 w7 w8 json w9 w10 w11 w12 . Read json files , then x . |",
