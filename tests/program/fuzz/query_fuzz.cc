@@ -1,11 +1,15 @@
 // query_fuzz.cc: bringing a query into the form of the index. Input: a line of letters (l fold to
-// lower case, u UTF-8, p phrases, a accents), a line of join characters, then the query.
+// lower case, u UTF-8, p phrases, a accents, s CutSigns, q PlainQueries), a line of join
+// characters, then the query.
 #include <algorithm>
 #include <memory>
 #include <string>
 
 #include "program/fuzz/check.h"
 #include "search/query.h"
+#include "search/stop_words.h"
+#include "search/typed_text.h"
+#include "text/ascii.h"
 
 namespace vela::fuzz {
 namespace {
@@ -15,6 +19,9 @@ void Configure(Settings& settings, std::string_view letters, std::string_view jo
   settings.ToLowerSearchWords = has('l');
   settings.UseUTF8 = has('u');
   settings.AllowExactPhrase = has('p');
+  settings.CutSigns = has('s');
+  settings.PlainQueries = has('q');
+  Set(settings.StopWords, "a the x");
   Set(settings.WordJoinChars, joinCharacters);
   if (has('a') == 0) return;
   settings.MapAccents = 1;
@@ -52,6 +59,29 @@ void CheckQuery(const Query& query, const Settings& settings) {
   VELA_CHECK(!query.hasPhrase || settings.AllowExactPhrase != 0);
 }
 
+// Stop words leave something to search for, and every term where they are searched for themselves.
+void CheckStopWords(Query& query, const Settings& settings) {
+  const int32_t before = query.terms.size();
+  VELA_CHECK(DropStopWords(query.terms, View(query.text), settings));
+  const int32_t after = query.terms.size();
+  VELA_CHECK(after <= before && (after > 0 || before == 0));
+  for (int32_t i = 0; i < after && after < before; ++i) {
+    const bool isInQuotes = settings.AllowExactPhrase != 0;
+    VELA_CHECK(query.terms[i] != "the" || isInQuotes);
+  }
+}
+
+// What an answer shows of a query is text without control characters, and stays what it is.
+void CheckShown(std::string_view typed, const Settings& settings) {
+  QueryText shown;
+  Set(shown, typed);
+  ReplaceUnshowable(shown, IsUtf8(settings));
+  VELA_CHECK(std::none_of(View(shown).begin(), View(shown).end(), IsControl));
+  QueryText again = shown;
+  ReplaceUnshowable(again, IsUtf8(settings));
+  VELA_CHECK(View(again) == View(shown));
+}
+
 }  // namespace
 }  // namespace vela::fuzz
 
@@ -76,5 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (int32_t i = 0; i < first->terms.size(); ++i) {
     VELA_CHECK(first->terms[i] == second->terms[i]);
   }
+  CheckStopWords(*first, *settings);
+  CheckShown(input, *settings);
   return 0;
 }
