@@ -68,5 +68,33 @@ TEST(SettingsWriter, StopWordsAreThoseFoundUnlessTheOwnerSaysOthers) {
   EXPECT_EQ(stopWords(config), "");
 }
 
+TEST(SettingsWriter, TheAccentTableNamesSignsWhereQueriesAreNotCutAtAll) {
+  const support::ScratchDirectory scratch;
+  const auto written = [&](const SiteConfig& config, const IndexCharset& charset) {
+    WriteSettings(scratch.path() / "settings.vdat", {}, config, charset, "");
+    return ReadFile(scratch.path() / "settings.vdat");
+  };
+  const IndexCharset utf8;
+  const IndexCharset latin("iso-8859-1");
+  const auto cuts = [](const std::string& text) {
+    return text.find("\nCutSigns = 1\n") != text.npos;
+  };
+  const auto namesSemicolon = [](const std::string& text) {
+    return text.find(",\";\",") != text.npos;
+  };
+  SiteConfig config;
+  std::string text = written(config, utf8);
+  EXPECT_TRUE(CutsSigns(config, utf8) && cuts(text) && !namesSemicolon(text));
+  // There the program knows the signs of ASCII alone.
+  text = written(config, latin);
+  EXPECT_TRUE(!CutsSigns(config, latin) && !cuts(text) && namesSemicolon(text));
+  config.extensions = false;
+  text = written(config, utf8);
+  EXPECT_TRUE(!CutsSigns(config, utf8) && !cuts(text) && namesSemicolon(text));
+  config.settings["CutSigns"] = {.number = 1};
+  text = written(config, utf8);
+  EXPECT_TRUE(CutsSigns(config, utf8) && cuts(text) && !namesSemicolon(text));
+}
+
 }  // namespace
 }  // namespace vela::indexer
