@@ -305,6 +305,7 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
                 .firstWord = firstWord,
                 .text = {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit},
                 .utf8 = run.charset.utf8(),
+                .weighs = ExtensionValue(config, "Ranking") != 0,
                 .findsCompounds = config.extensions,
                 .isGerman = IsGerman(run.options),
                 .forms = collection.forms,

@@ -10,6 +10,7 @@
 #include "format/page_text.h"
 #include "format/synonyms.h"
 #include "format/word_map.h"
+#include "format/word_weight.h"
 #include "index/word_map.h"
 #include "indexer/write/compound_words.h"
 #include "indexer/write/out_file.h"
@@ -148,6 +149,11 @@ class SynonymMaker {
   std::vector<WordMapRecord> RecordsOf(const WordRow& row,
                                        const std::vector<RowPlace>& places) const;
   WordList ListOf(uint32_t number) const;
+  uint32_t LeastScore(uint32_t one, uint32_t other) const {
+    if (!input_.weighs) return std::min(one, other);
+    return WeightByte(std::min(WeightOf(one), WeightOf(other)),
+                      IsTitleWord(one) && IsTitleWord(other));
+  }
 
   const SynonymInput& input_;
   WordsByForm forms_;
@@ -184,7 +190,7 @@ std::vector<WordMapRecord> SynonymMaker::RecordsOf(const WordRow& row,
       while (at < list.size() && RecordAt(list, at).page < record.page) ++at;
       if (at == list.size() || RecordAt(list, at).page != record.page) continue;
       const WordMapRecord ofWord = RecordAt(list, at);
-      record.score = std::min(record.score, ofWord.score);
+      record.score = LeastScore(record.score, ofWord.score);
       record.proximity &= ofWord.proximity;
     }
   }

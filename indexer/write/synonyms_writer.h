@@ -26,6 +26,7 @@ struct SynonymInput {
   uint64_t firstWord = 0;                // its number in the dictionary
   TextShape text;
   bool utf8 = true;
+  bool weighs = false;         // the scores of the word map are weights (format/word_weight.h)
   bool findsCompounds = true;  // those of the site join the rules
   bool isGerman = false;       // parts of compounds find them
   WordForms& forms;

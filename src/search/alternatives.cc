@@ -1,5 +1,6 @@
 #include "search/alternatives.h"
 
+#include "format/word_weight.h"
 #include "text/wildcard.h"
 
 namespace vela {
@@ -75,6 +76,14 @@ bool MarkAlternatives(HighlightTerms& highlight, const Alternatives& alternative
     highlight.terms[static_cast<size_t>(highlight.count++)] = {text, false, isPhrase};
   }
   return true;
+}
+
+uint32_t ScaledScore(uint32_t score, uint32_t weight, const Settings& settings) {
+  if (weight >= kWholeSynonymWeight) return score;
+  const auto scale = [weight](uint32_t whole) {
+    return std::max(1U, whole * weight / kWholeSynonymWeight);
+  };
+  return settings.Ranking == 1 ? WeightByte(scale(WeightOf(score)), false) : scale(score);
 }
 
 WordList PagesOf(const Synonym& synonym, const TermSearchInput& input) {

@@ -38,6 +38,10 @@ struct Alternatives {
 [[nodiscard]] bool MarkAlternatives(HighlightTerms& highlight, const Alternatives& alternatives,
                                     const Settings& settings);
 
+// What is left of the score of a record, or of the weight that stands in its place with Ranking, by
+// a synonym's weight: 1 at least. The title of a page says what is meant only to a whole synonym.
+uint32_t ScaledScore(uint32_t score, uint32_t weight, const Settings& settings);
+
 // The pages of an alternative; empty for a word that is on none.
 WordList PagesOf(const Synonym& synonym, const TermSearchInput& input);
 
@@ -69,8 +73,7 @@ template <typename Add>
       const uint64_t bit = uint64_t{1} << (record.page % 64);
       if ((bits & bit) != 0) continue;
       bits |= bit;
-      record.score =
-          (record.score * first->synonym.weight + kWholeSynonymWeight - 1) / kWholeSynonymWeight;
+      record.score = ScaledScore(record.score, first->synonym.weight, input.settings);
       if (!add(record)) return {TermStatus::kInvalidPage};
       ++records;
     }
