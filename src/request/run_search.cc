@@ -151,12 +151,12 @@ int Rank(SearchContext& ctx, SearchState& state) {
 int SearchCorrected(SearchContext& ctx, SearchState& state, std::string_view corrected) {
   Query typed = std::move(ctx.query);
   ctx.query = Query();
-  Set(ctx.query.typed, corrected);
-  if (!ParseQuery(ctx.query, ctx.settings)) return EndWith(ctx, Message::kOutOfMemoryForSearch);
   // The page goes on naming what was typed.
-  ctx.query.typed = typed.typed;
   ctx.query.typedDisplay = typed.typedDisplay;
   ctx.query.display = typed.display;
+  Set(ctx.query.typed, corrected);
+  if (!ParseQuery(ctx.query, ctx.settings)) return EndWith(ctx, Message::kOutOfMemoryForSearch);
+  ctx.query.typed = typed.typed;
   ctx.query.isParsed = true;
   SearchState again;
   if (PrepareSearch(ctx, again) == 0 || LookUpTerms(ctx, again) == 0 || Rank(ctx, again) == 0) {

@@ -97,6 +97,9 @@ TEST(SearchedSite, ResultsOfACertainCorrectionAreShown) {
   EXPECT_TRUE(Holds(literal, "Did you mean <a href=\"search.cgi?vela_query=function&amp;"));
   EXPECT_FALSE(Holds(literal, "These are the results for"));
   EXPECT_EQ(site.Found("fucntion&vela_literal=1"), "");
+  // Its links ask for that again.
+  EXPECT_TRUE(Holds(site.Ask("vela_query=fucntion+zebra&vela_literal=1&vela_and=1"),
+                    "vela_per_page=10&amp;vela_literal=1&amp;vela_xml=0&amp;vela_and=0"));
 
   // What is found stays, and so does what has several readings or none.
   EXPECT_TRUE(Holds(site.Ask("vela_query=fucntion+more"), "Did you mean <a"));
