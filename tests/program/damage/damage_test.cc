@@ -12,11 +12,15 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "format/lookup.h"
+#include "format/index_directory.h"
+#include "indexer/write/completions_writer.h"
+#include "indexer/write/sections_writer.h"
+#include "settings/settings_file.h"
 #include "support/index_builder.h"
 #include "support/recipe.h"
 #include "support/run_program.h"
@@ -51,13 +55,42 @@ IndexBuilder Everything() {
   return index;
 }
 
+// Switches the extensions on that read files of their own, or the page text in another way, and
+// adds these files to the directory.
+void SwitchExtensionsOn(const std::filesystem::path& directory) {
+  ASSERT_TRUE(AddLookup(directory));
+  const std::filesystem::path path = directory / kSettingsFileName;
+  const std::string former = ReadWholeFile(path);
+  const auto settings = std::make_unique<Settings>();
+  ASSERT_EQ(ReadSettings(*settings, former), SettingsStatus::kOk);
+  indexer::SiteSections sections;
+  sections.texts = "oneFirsttwo";
+  sections.sections = {{.token = 0, .page = 0, .text = 0, .anchorLength = 3, .headingLength = 5},
+                       {.token = 6, .page = 1, .text = 8, .anchorLength = 3},
+                       {.token = 9, .page = 1}};
+  const auto tokenBytes = static_cast<size_t>(settings->DictIDLen);
+  ASSERT_GT(indexer::WriteSections(
+                directory / kSectionsFileName, sections,
+                {.generation = settings->LookupGeneration,
+                 .pageTextSize = std::filesystem::file_size(directory / kPageTextFileName),
+                 .tokenBytes = tokenBytes}),
+            0u);
+  std::vector<std::string> texts;
+  std::ifstream lines(directory / kAutoCompleteFileName);
+  for (std::string line; std::getline(lines, line);) texts.push_back(line);
+  ASSERT_GT(indexer::WriteCompletions(directory, texts), 0u);
+  std::ofstream(path, std::ios::binary | std::ios::trunc)
+      << "Passages = 1\nSectionLinks = 1\nCompleteAnyWord = 1\n"
+      << former;
+}
+
 // A valid directory in which one file at a time is replaced.
 class DamagedIndex {
  public:
-  explicit DamagedIndex(std::string name) : name_(std::move(name)) {
-    const IndexBuilder index = Everything();
-    index.WriteTo(scratch_.path());
-    whole_ = index.Files().at(name_);
+  explicit DamagedIndex(std::string name, bool withExtensions = false) : name_(std::move(name)) {
+    Everything().WriteTo(scratch_.path());
+    if (withExtensions) SwitchExtensionsOn(scratch_.path());
+    whole_ = ReadWholeFile(scratch_.path() / name_);
   }
 
   const std::string& whole() const { return whole_; }
@@ -65,7 +98,7 @@ class DamagedIndex {
   // Answers one request with `bytes` in the file's place.
   void Try(std::string_view bytes, const std::string& what) {
     std::ofstream(scratch_.path() / name_, std::ios::binary | std::ios::trunc) << bytes;
-    const bool suggestions = name_.starts_with("vela_autocomplete");
+    const bool suggestions = name_ == kAutoCompleteFileName || name_ == kCompletionsFileName;
     const char* query = suggestions ? kSuggestionQuery : kQueries[runs_ % std::size(kQueries)];
     ++runs_;
     const Outcome outcome = RunProgram(kProgram, GetRequest(scratch_.path(), query));
@@ -148,6 +181,47 @@ INSTANTIATE_TEST_SUITE_P(Files, Damage, ::testing::ValuesIn(FileNames()), TestNa
 TEST_P(Damage, WholeFileIsAnswered) {
   DamagedIndex index(GetParam());
   for (size_t i = 0; i < std::size(kQueries); ++i) index.Try(index.whole(), "nothing changed");
+}
+
+const std::string kExtensionFiles[] = {kPageTextFileName, kDictionaryFileName, kSectionsFileName,
+                                       kCompletionsFileName, kAutoCompleteFileName};
+
+class ExtensionDamage : public ::testing::TestWithParam<std::string> {};
+INSTANTIATE_TEST_SUITE_P(Files, ExtensionDamage, ::testing::ValuesIn(kExtensionFiles), TestName);
+
+TEST_P(ExtensionDamage, CutAtEveryLength) {
+  DamagedIndex index(GetParam(), true);
+  const std::string& whole = index.whole();
+  for (size_t length = 0; length <= whole.size(); length += Stride(whole.size())) {
+    index.Try(std::string_view(whole).substr(0, length), "cut to " + std::to_string(length));
+  }
+}
+
+TEST_P(ExtensionDamage, EveryByteChanged) {
+  DamagedIndex index(GetParam(), true);
+  const std::string& whole = index.whole();
+  constexpr char kMasks[] = {'\x01', '\x80', '\xFF'};
+  for (size_t at = 0; at < whole.size(); at += Stride(whole.size())) {
+    std::string bytes = whole;
+    bytes[at] = static_cast<char>(bytes[at] ^ kMasks[at % std::size(kMasks)]);
+    index.Try(bytes, "byte " + std::to_string(at));
+  }
+}
+
+// The files are used where they are whole.
+TEST(WholeIndex, EveryExtensionShows) {
+  const ScratchDirectory scratch;
+  Everything().WriteTo(scratch.path());
+  SwitchExtensionsOn(scratch.path());
+  std::string answers;
+  for (const char* query : kQueries) {
+    answers += RunProgram(kProgram, GetRequest(scratch.path(), query)).output;
+  }
+  EXPECT_NE(answers.find("#one"), answers.npos);
+  EXPECT_NE(answers.find("<span class=\"result_section\">&#8250; First</span>"), answers.npos);
+  const std::string whole =
+      RunProgram(kProgram, GetRequest(scratch.path(), "vela_ac=1&vela_query=pie")).output;
+  EXPECT_NE(whole.find("vela_ac_item"), whole.npos) << whole;
 }
 
 TEST_P(Damage, CutAtEveryLength) {

@@ -268,7 +268,12 @@ TEST(SearchedSite, TheBoxIsCompleted) {
             "Content-type: text/html; charset=utf-8\n\n"
             "<div class=\"vela_ac_item\" onclick=\"VelaAutoComplete_UseSuggestion(&quot;Opening "
             "hours&quot;);\"><a class=\"vela_ac_item\" href=\"#\" target=\"_self\">Opening hours"
-            "</a></div>\n");
+            "</a></div>\n"
+            "<div class=\"vela_ac_item\" onclick=\"VelaAutoComplete_UseSuggestion(&quot;When we "
+            "are open&quot;);\"><a class=\"vela_ac_item\" href=\"#\" target=\"_self\">When we are "
+            "open</a></div>\n");
+  // "ecole" is the word without its accent.
+  EXPECT_TRUE(Holds(site.Ask("vela_ac=1&vela_query=eco"), ">\u00C9cole &#38; art</a>"));
   EXPECT_TRUE(Holds(site.Ask("vela_ac=1&vela_query=%C3%A9c"), ">\u00C9cole &#38; art</a>"));
   EXPECT_TRUE(Holds(site.Read("settings.vdat"), "UseAutoComplete = 1\n"));
 }
