@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view kBlankText = "&#32;";
 
 // Signs between two words that are shown.
-constexpr uint32_t kGapSignLimit = 8;
+constexpr uint32_t kGapSignLimit = 12;
 // Different runs of signs that are counted, and those that become entries. A search passes all
 // entries on its way to a word.
 constexpr size_t kRunLimit = size_t{1} << 16;

@@ -22,8 +22,10 @@ namespace {
 constexpr TextToken kWordBreak = {.sign = kWordBreakSign, .base = {}, .surface = "\u200B"};
 constexpr TextToken kBlank = {.sign = kBlankSign, .base = {}, .surface = " "};
 
-// More signs in a row than this are a ruler or a drawing, not text.
-constexpr size_t kSignRunLimit = 4;
+// More signs in a row than this are a ruler or a drawing, not text: of one sign, and of any. What
+// is quoted in brackets, "('~', '...')", takes nine.
+constexpr size_t kSameSignLimit = 4;
+constexpr size_t kSignRunLimit = 12;
 
 // A cut of one chunk under way.
 struct ChunkCut {
@@ -63,9 +65,14 @@ bool HasWord(const ChunkCut& cut, size_t first, size_t last) {
 // Writes the signs among the characters next .. end.
 void WriteSigns(ChunkCut& cut, size_t end) {
   size_t written = 0;
+  size_t same = 0;
+  char32_t former = 0;
   for (; cut.next < end; ++cut.next) {
     const ChunkCharacter& c = cut.out.characters[cut.next];
-    if (c.kind != CharacterKind::kSymbol || written == kSignRunLimit) continue;
+    if (c.kind != CharacterKind::kSymbol) continue;
+    same = c.character == former ? same + 1 : 1;
+    former = c.character;
+    if (same > kSameSignLimit || written == kSignRunLimit) continue;
     const std::string_view surface = cut.out.surface;
     cut.out.tokens.push_back(
         {.sign = c.character, .base = {}, .surface = surface.substr(c.at, c.length)});

@@ -37,7 +37,8 @@ TEST(SignEntries, AGapHasTheClassOfItsBlanks) {
       {U"): \u2013 ", "):&#32;\u2013", 's'},
       {U" \u2013 (", "\u2013&#32;(", 'p'},
       {U", <", ",&#32;&#60;", 'b'},
-      {U"--------------", "--------", 'b'},
+      {U"--------------", "------------", 'b'},
+      {U"(~, ;.), ", "(~,&#32;;.),", 's'},
   };
   SignEntries signs;
   std::vector<uint32_t> numbers;
