@@ -56,6 +56,8 @@ bool Has(const std::string& text, const std::string& word) {
 TEST(StopWordsOf, AreThoseOfTheLanguageOfThePages) {
   for (const std::string_view language : BuiltInLanguages()) {
     SCOPED_TRACE(language);
+    // Their function words are parts of the runs that they are written in (CutRuns).
+    if (language == "japanese" || language == "chinese") continue;
     const std::vector<std::string> words = WordsOf(language);
     ASSERT_GT(words.size(), 80u);
     Site site;
