@@ -34,8 +34,7 @@ std::string DictionaryWords(const TestSite& site) {
 
 // The lookup file is made from the files as they are in the end, and so every one of them is used.
 TEST(BuildIndex, TheLookupFileBelongsToAllFiles) {
-  TestSite site;
-  site.options.config.extensions = false;
+  const TestSite site;
   for (int i = 0; i < 3000; ++i) {
     site.Add("p" + std::to_string(i) + ".html", "<title>Cat " + std::to_string(i) + "</title>dog");
   }
@@ -94,8 +93,7 @@ TEST(BuildIndex, StemsByTheLanguageOfMostPages) {
 }
 
 TEST(BuildIndex, WritesATinySite) {
-  TestSite site;
-  site.options.config.extensions = false;  // which have bytes of their own
+  const TestSite site;
   const std::string html = "<title>Cat</title><body>A cat, a dog.";
   site.Add("a.html", html, 0x3B9ACA00);
   const IndexSummary summary = site.Build();
