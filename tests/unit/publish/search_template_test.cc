@@ -48,10 +48,10 @@ TEST(SearchTemplate, EveryKeyOfTheBuiltInTemplatesHasAWordInEveryLanguage) {
 TEST(SearchTemplate, TheDefaultPageIsInTheLanguage) {
   const std::string page =
       LoadTemplate("default", LoadLanguage("german").templateWords, true, IndexCharset());
-  for (const char* piece :
-       {"<html lang=\"de\" class=\"vela_page\">", "<title>Suche <!--VELA_SHOW_QUERY--></title>",
-        "href=\"vela_opensearch.xml\" title=\"Suche\">", "<h1><a href=\"?\">Suche</a></h1>",
-        "<summary>Optionen</summary>"}) {
+  for (const char* piece : {"<html lang=\"de\" dir=\"ltr\" class=\"vela_page\">",
+                            "<title>Suche <!--VELA_SHOW_QUERY--></title>",
+                            "href=\"vela_opensearch.xml\" title=\"Suche\">",
+                            "<h1><a href=\"?\">Suche</a></h1>", "<summary>Optionen</summary>"}) {
     EXPECT_NE(page.find(piece), page.npos) << piece;
   }
 }
