@@ -13,31 +13,35 @@ namespace {
 
 bool IsWildcard(char c) { return c == '*' || c == '?'; }
 
+// Words and pieces of one term. Each is looked up on every page that may have the phrase.
+constexpr size_t kWordLimit = 64;
+
 // Writes the terms that are cut to a list with room for them.
 class CutTerms {
  public:
   explicit CutTerms(TermList& list) : list_(list) {}
 
   void Exclude() { Put("-"); }
+  // Of a term that is not cut: all of it.
   void AddWord(std::string_view word) {
-    if (!isEmpty_) Put(" ");
+    if (words_ == kWordLimit) return;
+    if (words_++ > 0) Put(" ");
     Put(word);
-    isEmpty_ = false;
   }
   void AddPiece(std::string_view piece) {
-    if (!isEmpty_) Put(" ");
+    if (words_ == kWordLimit) return;
+    if (words_++ > 0) Put(" ");
     piece.copy(list_.bytes.data() + end_, piece.size());
     end_ += FoldRunPiece(list_.bytes.data() + end_, piece.size());
-    isEmpty_ = false;
   }
   void End() {
-    // What is kept of a text that grew too long for a term is a shorter phrase.
+    // What is kept of a text that is too long for a term is a shorter phrase.
     std::string_view term(list_.bytes.data() + start_, end_ - start_);
     if (term.size() >= kQuerySize) term = term.substr(0, term.rfind(' ', kQuerySize - 1));
     list_.bytes[start_ + term.size()] = '\0';
     list_.terms[count_++] = term;
     start_ = ++end_;
-    isEmpty_ = true;
+    words_ = 0;
   }
 
  private:
@@ -50,7 +54,7 @@ class CutTerms {
   size_t start_ = 0;
   size_t end_ = 0;
   size_t count_ = 0;
-  bool isEmpty_ = true;
+  size_t words_ = 0;  // of the term under way
 };
 
 // What the indexer takes off a word: hyphens, "+" and "#" before it and full stops, except the one

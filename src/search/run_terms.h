@@ -15,8 +15,8 @@ namespace vela {
 
 // Cuts the terms that hold such pieces, exclusions and quoted phrases as well; restrictions to a
 // site stay. Asterisks and question marks in such a term go, as phrases have no patterns and are
-// found inside longer words anyway. Does nothing unless the settings ask for it. False, and the
-// terms as they were, when memory is out.
+// found inside longer words anyway; of a longer term the first 64 words and pieces stay. Does
+// nothing unless the settings ask for it. False, and the terms as they were, when memory is out.
 [[nodiscard]] bool CutRunsOfTerms(TermList& terms, const Settings& settings);
 
 // A term as it reads: without the blanks that stand between two pieces. The view is into the term
