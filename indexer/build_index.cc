@@ -211,7 +211,7 @@ std::string ChooseStemming(const FolderSource& source, const SiteListing& listin
                            const volatile std::sig_atomic_t& stop) {
   const std::string language = LanguageOfPages(source, listing.items, stop);
   config.stemming = StemmingOfLanguage(language);
-  if (language.empty()) return "off, as no page names its language";
+  if (language.empty()) return "off, as no page tells its language";
   if (config.stemming < 0) return "off, as there is none for the language \"" + language + "\"";
   const std::string name = StemmingAlgorithmName(config.stemming);
   if (HasStemmer(charset, config.stemming)) return name + ", as most pages are in that language";

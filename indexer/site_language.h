@@ -1,4 +1,5 @@
-// site_language.h: the language that the pages of a site are written in, as most of them say.
+// site_language.h: the language that the pages of a site are written in, as most of them say or,
+// where they say nothing, as their function words tell.
 #pragma once
 
 #include <csignal>
@@ -11,9 +12,10 @@
 
 namespace vela::indexer {
 
-// The language that most of the HTML pages declare which declare one ("en"); of two with as many
-// pages the first by name. Looks at some hundred pages of the list, from its start to its end.
-// Empty when no page says anything. Ends early when `stop` is set.
+// The language of most of the HTML pages ("en"): the one that a page declares, else the one that it
+// has most function words of. Of two with as many pages the first by name. Looks at some hundred
+// pages of the list, from its start to its end. Empty when no page tells anything. Ends early when
+// `stop` is set.
 std::string LanguageOfPages(const FolderSource& source, const std::vector<SourceItem>& items,
                             const volatile std::sig_atomic_t& stop);
 

@@ -71,7 +71,7 @@ TEST(BuildIndex, StemsByTheLanguageOfMostPages) {
        "utf-8"},
       {"the first by name of two", {"sv", "de"}, kStemGerman, "german, as most", "utf-8"},
       {"a language without stems", {"ja"}, -1, "off, as there is none for the language", "utf-8"},
-      {"no language", {"", ""}, -1, "off, as no page names its language", "utf-8"},
+      {"no language", {"", ""}, -1, "off, as no page tells its language", "utf-8"},
       {"a set without its letters", {"ru"}, -1, "off, as there is no russian for", "iso-8859-1"},
   };
   for (const auto& c : cases) {
@@ -90,6 +90,21 @@ TEST(BuildIndex, StemsByTheLanguageOfMostPages) {
     EXPECT_EQ(summary.stemming.find(c.stemming), 0u) << summary.stemming;
     EXPECT_NE(SummaryText(summary, "", 1).find("Stemming: " + summary.stemming + ".\n"),
               std::string::npos);
+  }
+}
+
+TEST(BuildIndex, StemsByTheFunctionWordsOfPagesThatNameNoLanguage) {
+  std::string german;
+  std::string few;
+  for (int i = 0; i < 10; ++i) german += "<p>Der Hund und die Katze</p>";
+  for (int i = 0; i < 9; ++i) few += "<p class='der und die'>der und</p>";
+  for (const auto& [text, algorithm] :
+       {std::pair{german, int64_t{kStemGerman}}, {few, int64_t{-1}}}) {
+    TestSite site;
+    site.options.config.stemming = kStemmingByPages;
+    site.Add("a.html", "<html><title>T</title>" + text);
+    site.Build();
+    EXPECT_EQ(Setting(site, "StemmingAlgo"), algorithm);
   }
 }
 
