@@ -109,7 +109,8 @@ class Fts5:
 
 
 def all_rankers(binaries, work, options):
-    return [Vela(binaries, work, options), Xapian(work), Fts5(work), Fts5(work, 10)]
+    former = Vela(binaries, work, options + "\n[settings]\nRanking = 0", "Ranking = 0")
+    return [Vela(binaries, work, options), former, Xapian(work), Fts5(work), Fts5(work, 10)]
 
 
 def address_of(path, folder):

@@ -107,7 +107,7 @@ class Session:
         self.plain = arguments.plain
         everyone = rankers.all_rankers(arguments.bin.resolve(), work, arguments.options)
         self.rankers = []
-        for ranker in everyone[:1] if arguments.ours else everyone:
+        for ranker in everyone[:2] if arguments.ours else everyone:
             if ranker.missing() is None:
                 ranker.build(pages)
                 self.rankers.append(ranker)
@@ -137,7 +137,7 @@ def measure_judged(arguments, work):
     write_site(documents, site)
     session = Session(arguments, site, work)
     print(f"{len(documents)} documents, {len(judged)} questions; nDCG@10")
-    print(f"{'':14}{'1 word':>8}{'2 words':>8}{'3 words':>8}{'whole':>8}{'MAP':>8}"
+    print(f"{'':18}{'1 word':>8}{'2 words':>8}{'3 words':>8}{'whole':>8}{'MAP':>8}"
           f"{'half 1':>8}{'half 2':>8}")
     for ranker in session.rankers:
         columns = []
@@ -156,7 +156,7 @@ def measure_judged(arguments, work):
         columns.append(mean(s[1] for s in scores))
         columns.append(mean(s[0] for s in scores[::2]))
         columns.append(mean(s[0] for s in scores[1::2]))
-        print(f"{ranker.title:14}" + "".join(f"{column:8.3f}" for column in columns), flush=True)
+        print(f"{ranker.title:18}" + "".join(f"{column:8.3f}" for column in columns), flush=True)
 
 
 def main_heading(markup):
@@ -191,7 +191,7 @@ def measure_known(arguments, work):
     asked = known_pages(arguments.pages, arguments.samples, arguments.seed)
     session = Session(arguments, arguments.pages, work)
     print(f"{len(asked)} pages")
-    print(f"{'':14}{'mean reciprocal rank':>22}{'first':>8}")
+    print(f"{'':18}{'mean reciprocal rank':>22}{'first':>8}")
     for ranker in session.rankers:
         ranks, missed = [], []
         for text, address in asked:
@@ -199,7 +199,7 @@ def measure_known(arguments, work):
             ranks.append(1 / (found.index(address) + 1) if address in found else 0)
             if ranks[-1] < 1 and arguments.show:
                 missed.append(f"    {text}: {address} at {ranks[-1]:.2f}, first {found[:2]}")
-        print(f"{ranker.title:14}{mean(ranks):22.3f}{sum(r == 1 for r in ranks):8}", flush=True)
+        print(f"{ranker.title:18}{mean(ranks):22.3f}{sum(r == 1 for r in ranks):8}", flush=True)
         print("\n".join(missed), end="\n" if missed else "")
 
 
@@ -215,7 +215,7 @@ def measure_questions(arguments, work):
     questions = list(read_questions(arguments.list, arguments.half))
     session = Session(arguments, arguments.pages, work)
     print(f"{len(questions)} questions of {arguments.list.name}")
-    print(f"{'':14}{'first':>8}{'in three':>10}")
+    print(f"{'':18}{'first':>8}{'in three':>10}")
     for ranker in session.rankers:
         first, in_three, missed = 0, 0, []
         for text, answers in questions:
@@ -227,7 +227,7 @@ def measure_questions(arguments, work):
             if arguments.show and not (places and places[0] < 3):
                 missed.append(f"    {text}: {places[0] + 1 if places else '-'}; "
                               + " ".join(re.sub(r".*/html/|\.html$", "", a) for a in found[:4]))
-        print(f"{ranker.title:14}{first:8}{in_three:10}", flush=True)
+        print(f"{ranker.title:18}{first:8}{in_three:10}", flush=True)
         print("\n".join(missed), end="\n" if missed else "")
 
 

@@ -14,7 +14,7 @@ constexpr uint32_t kOne = 256;  // of the factors
 // The factor grows from here to kOne with the share of the terms that a page has.
 constexpr uint32_t kFoundBase = kOne * 8 / 10;
 // What is added to it where each term is near the one before.
-constexpr uint32_t kNearGain = kOne / 5;
+constexpr uint32_t kNearGain = kOne / 10;
 // How much more than the query itself says is given to the page that is called by it.
 constexpr uint32_t kExactTitle = 4;
 // Scores are told in quarters of a weight.
@@ -22,9 +22,13 @@ constexpr uint32_t kSteps = 4;
 
 // What a title adds of which so much is matched: all that its words say where it is covered, half
 // a title a little more than a third of them.
-uint64_t TitleGain(uint64_t matched, uint64_t titleMass) {
-  const uint64_t cover = std::min<uint64_t>(kOne, matched * kOne / titleMass);
+uint64_t TitleGain(uint64_t matched, uint64_t cover) {
   return matched * kSteps * cover * (kOne + cover) / (2 * kOne * kOne);
+}
+
+// What a title that has all of several terms adds beside: somebody remembers it.
+uint64_t KnownTitleGain(uint64_t matched, uint64_t cover) {
+  return matched * kSteps * cover / kOne;
 }
 
 }  // namespace
@@ -63,7 +67,11 @@ uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_
     for (uint32_t terms = page.titleTerms; terms != 0; terms &= terms - 1) {
       matched += query.masses[std::countr_zero(terms)];
     }
-    score += TitleGain(matched, titleMass);
+    const uint64_t cover = std::min<uint64_t>(kOne, matched * kOne / titleMass);
+    score += TitleGain(matched, cover);
+    if (matched == query.total && std::popcount(page.titleTerms) > 1) {
+      score += KnownTitleGain(matched, cover);
+    }
     if (matched == query.total && matched >= titleMass) {
       score += uint64_t{query.total} * kExactTitle * kSteps;
     }
@@ -73,7 +81,7 @@ uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_
 
 uint32_t HighestWeighedScore(const QueryWeights& query, uint32_t most) {
   const uint64_t words = uint64_t{most} * kSteps * (kOne + kNearGain) / kOne;
-  const uint64_t title = uint64_t{query.total} * kSteps * (1 + kExactTitle);
+  const uint64_t title = uint64_t{query.total} * kSteps * (2 + kExactTitle);
   return static_cast<uint32_t>(std::min<uint64_t>(words + title, UINT32_MAX));
 }
 

@@ -2,8 +2,9 @@
 //
 // What the words weigh on the page (format/word_weight.h) adds up. The sum grows a little with the
 // share of the terms that the page has, and with those that stand near each other; a title that has
-// words of the query adds what they say, the more of the title they are the more. A page whose
-// title is the query and nothing else stands before all others.
+// words of the query adds what they say, the more of the title they are the more, and more again
+// when it has all of several terms. A page whose title is the query and nothing else stands before
+// all others.
 #pragma once
 
 #include <cstdint>
