@@ -63,11 +63,11 @@ uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_
   uint64_t score =
       uint64_t{sum} * query.foundFactors[found] * query.nearFactors[near] * kSteps / (kOne * kOne);
   if (page.titleTerms != 0 && titleMass != 0) {
-    uint64_t matched = 0;
+    uint32_t matched = 0;
     for (uint32_t terms = page.titleTerms; terms != 0; terms &= terms - 1) {
       matched += query.masses[std::countr_zero(terms)];
     }
-    const uint64_t cover = std::min<uint64_t>(kOne, matched * kOne / titleMass);
+    const uint32_t cover = std::min(kOne, matched * kOne / titleMass);
     score += TitleGain(matched, cover);
     if (matched == query.total && std::popcount(page.titleTerms) > 1) {
       score += KnownTitleGain(matched, cover);
