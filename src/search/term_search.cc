@@ -116,7 +116,7 @@ TermResult SearchWord(TermSearch& search, const TermSearchInput& input, Searched
   if (counts.hasNoList) Skip(search, term.shown);
   if (result.status != TermStatus::kOk || input.alternatives == nullptr) return result;
   if (place.isExclusion || matches.limitReached) return result;
-  return AddAlternatives(*input.alternatives, place.index, View(term.word), input, term.records,
+  return AddAlternatives(*input.alternatives, place.listIndex, View(term.word), input, term.records,
                          add);
 }
 

@@ -32,7 +32,8 @@ QUERIES = [
     ("mock object library", "/library/unittest.mock.html"),
     ("gzip files", "/library/gzip.html"),
     ("zipfile", "/library/zipfile.html"),
-    ("virtual environments", "/library/venv.html"),
+    ("virtual environments creation", "/library/venv.html"),
+    ("virtual environments", "/tutorial/venv.html"),  # "Virtual Environments and Packages"
     ("descriptor guide", "/howto/descriptor.html"),
     ("sorting how to", "/howto/sorting.html"),
     ("socket programming", "/howto/sockets.html"),

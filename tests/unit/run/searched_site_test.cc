@@ -159,6 +159,8 @@ TEST(SearchedSite, SynonymsFindEachOther) {
   // One term, whichever of its words a page has, and however many.
   EXPECT_EQ(site.Found("send+post&vela_and=1").size(), sizeof "a.html b.html " - 1);
   EXPECT_TRUE(Holds(site.Ask("vela_xml=1&vela_query=post"), "totalResults>4<"));
+  // Also behind a term that counts for no page.
+  EXPECT_EQ(site.Found("site:b.html+post"), "b.html ");
   // To the letter in phrases, patterns and exclusions.
   EXPECT_EQ(site.Found("%22send+mail%22"), "b.html ");
   EXPECT_EQ(site.Found("post*"), "");
