@@ -407,8 +407,8 @@ int32_t Dictionary::FindInTable(std::string_view word, int32_t from) const {
 }
 
 std::string_view Dictionary::DisplayText(int32_t number, int32_t variant) const {
+  if (variant < 1) return WordAt(number);
   const DictEntry entry = EntryAt(number);
-  if (variant < 1) return entry.word;
   VariantReader reader(*this, entry);
   std::string_view text;
   for (int32_t i = 0; i < variant; ++i) {

@@ -65,8 +65,9 @@ int CreateStemmer(SearchContext& ctx) {
 
 int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
-  if (!AllocateMatches(state.matches, settings.NumPages, settings.Ranking == 1) ||
+  if (!AllocateMatches(state.matches, settings.NumPages) ||
       !DropStopWords(ctx.query.terms, View(ctx.query.text), settings) ||
+      (settings.Ranking == 1 && !AllocateWeights(state.matches, ctx.query.terms.size())) ||
       !CutRunsOfTerms(ctx.query.terms, settings) ||
       !AddSubstringAsterisks(ctx.query.terms, settings) ||
       !StartTermSearch(state.terms, ctx.query.terms, settings) ||

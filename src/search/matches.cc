@@ -67,13 +67,16 @@ void AddPosition(Matches& matches, uint32_t page, uint64_t position) {
 
 }  // namespace
 
-bool AllocateMatches(Matches& matches, int32_t pageCount, bool weighs) {
+bool AllocateMatches(Matches& matches, int32_t pageCount) {
   if (pageCount < 0 || pageCount > kPageLimit) return false;
   const auto pages = static_cast<size_t>(pageCount);
   return matches.pages.TryAllocate(pages) && matches.further.TryAllocate(pages) &&
          matches.touched.TryAllocate((pages + 63) / 64) &&
-         matches.hasFurther.TryAllocate((pages + 63) / 64) &&
-         (!weighs || matches.weights.TryAllocate(pages));
+         matches.hasFurther.TryAllocate((pages + 63) / 64);
+}
+
+bool AllocateWeights(Matches& matches, int32_t termCount) {
+  return matches.weights.TryAllocate(matches.pages.size(), termCount > 1);
 }
 
 uint64_t FurtherPosition(const Matches& matches, uint32_t page, int32_t number) {
@@ -101,9 +104,8 @@ bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& rec
     match = matches.pages[record.page];
   } else {
     SetBit(matches.touched, record.page);
-    if (weighs) matches.weights[record.page] = {};
   }
-  if (weighs) score = AddWeight(matches.weights[record.page], record, term.listIndex, score);
+  if (weighs) score = matches.weights.Add(record, term.listIndex, term.hasSeveralWords, score);
   if (term.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
     // search/exclusion_counts_down_to_nothing).

@@ -40,7 +40,7 @@ static_assert(sizeof(FurtherPositions) == 10);
 struct Matches {
   OwnedArray<PageMatch> pages;           // NumPages
   OwnedArray<FurtherPositions> further;  // NumPages
-  OwnedArray<PageWeight> weights;        // NumPages, only with Ranking
+  PageWeights weights;                   // only with Ranking
   OwnedArray<uint64_t> touched;          // one bit a page that a record touched
   OwnedArray<uint64_t> hasFurther;       // one bit a page that has a further position
   int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
@@ -60,11 +60,14 @@ struct TermPlace {
   int32_t excluded = 0;  // exclusions and site restrictions so far
   bool isExclusion = false;
   bool countsFoundOnly = false;  // an exclusion counts down only pages that had been found
+  bool hasSeveralWords = false;  // a pattern
   int32_t listIndex = 0;         // in the term list, from 0, with AmendedAnswers as without
 };
 
-// Makes the record of every page; `weighs`: with Ranking. False when the memory cannot be had.
-[[nodiscard]] bool AllocateMatches(Matches& matches, int32_t pageCount, bool weighs = false);
+// Makes the record of every page. False when the memory cannot be had.
+[[nodiscard]] bool AllocateMatches(Matches& matches, int32_t pageCount);
+// What Ranking needs besides, for a query of so many terms. False likewise.
+[[nodiscard]] bool AllocateWeights(Matches& matches, int32_t termCount);
 
 // Adds one record of a matched word to its page. `sort` and `maxContextKeywords` are those of the
 // request and the settings. False when the record names a page that is not in the index.

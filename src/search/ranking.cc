@@ -219,7 +219,7 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
     if (static_cast<int32_t>(match.termsInOrder) >= input.effectiveTerms) ++matches.fullMatchCount;
     if (Weighs(input)) {
       // The title of most pages has none of the words.
-      const PageWeight& weight = matches.weights[page];
+      const PageWeight weight = matches.weights.At(page);
       const uint32_t mass = weight.titleTerms != 0 ? PageTitleMass(input.pages, page) : 0;
       match.score = WeighedScore(*input.weights, weight, match.score, mass);
     } else if (!SortsByDate(sort)) {

@@ -147,6 +147,7 @@ TermResult SearchTerm(TermSearch& search, const TermSearchInput& input, int32_t 
                      .skipped = search.skippedCount,
                      .excluded = search.excludedCount,
                      .isExclusion = isExclusion,
+                     .hasSeveralWords = HasWildcard(View(term.word)),
                      .listIndex = index};
   if (input.settings.AmendedAnswers == 1) CountOnce(place);
   const bool isPhrase = IsPhrase(View(term.word), input.settings);

@@ -50,7 +50,8 @@ struct Gathering {
 TEST(Matches, WithRankingWeightsAddUp) {
   LoadedSite site(PlainPages(2));
   Matches matches;
-  ASSERT_TRUE(AllocateMatches(matches, 2, true));
+  ASSERT_TRUE(AllocateMatches(matches, 2));
+  ASSERT_TRUE(AllocateWeights(matches, 2));
   const auto add = [&](uint32_t page, uint32_t score, int32_t term) {
     const TermPlace place = {.index = term, .listIndex = term};
     return AddMatch(matches, site.files.pages, {score, 0, page, 0}, place, 0, 10);
@@ -60,10 +61,10 @@ TEST(Matches, WithRankingWeightsAddUp) {
   EXPECT_TRUE(add(0, 60, 1));
   EXPECT_TRUE(add(1, 7, 1));
   EXPECT_EQ(matches.pages[0].score, 50u);
-  EXPECT_EQ(matches.weights[0].terms, 3u);
-  EXPECT_EQ(matches.weights[0].titleTerms, 1u);
+  EXPECT_EQ(matches.weights.At(0).terms, 3u);
+  EXPECT_EQ(matches.weights.At(0).titleTerms, 1u);
   EXPECT_EQ(matches.pages[1].score, 3u);
-  EXPECT_EQ(matches.weights[1].titleTerms, 2u);
+  EXPECT_EQ(matches.weights.At(1).titleTerms, 2u);
 }
 
 TermPlace Exclusion(int32_t index) { return {index, 0, 1, true}; }
