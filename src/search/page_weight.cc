@@ -45,14 +45,4 @@ uint32_t PageWeights::Add(const WordMapRecord& record, int32_t term, bool hasSev
   return isAnotherWord ? static_cast<uint32_t>(lastWeights_[page] - former) : weight;
 }
 
-PageWeight PageWeights::At(uint32_t page) const {
-  PageWeight weight = {.near = near_ != nullptr ? near_[page] : uint8_t{0}};
-  for (int32_t term = 0; term < termCount_; ++term) {
-    const size_t place = PlaceOf(term, page);
-    weight.terms |= static_cast<uint32_t>(terms_[place] >> page % 64 & 1) << term;
-    weight.titleTerms |= static_cast<uint32_t>(titleTerms_[place] >> page % 64 & 1) << term;
-  }
-  return weight;
-}
-
 }  // namespace vela

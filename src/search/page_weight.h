@@ -32,7 +32,15 @@ class PageWeights {
   // several words, those that fit a pattern, the heaviest counts.
   uint32_t Add(const WordMapRecord& record, int32_t term, bool hasSeveralWords, uint32_t weight);
 
-  PageWeight At(uint32_t page) const;
+  PageWeight At(uint32_t page) const {
+    PageWeight weight = {.near = near_ != nullptr ? near_[page] : uint8_t{0}};
+    for (int32_t term = 0; term < termCount_; ++term) {
+      const size_t place = PlaceOf(term, page);
+      weight.terms |= static_cast<uint32_t>(terms_[place] >> page % 64 & 1) << term;
+      weight.titleTerms |= static_cast<uint32_t>(titleTerms_[place] >> page % 64 & 1) << term;
+    }
+    return weight;
+  }
 
  private:
   size_t PlaceOf(int32_t term, uint32_t page) const {

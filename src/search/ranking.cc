@@ -93,7 +93,8 @@ bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, const Ra
     return StartHistogram(histogram, matches.minDate, matches.maxDate);
   }
   if (Weighs(input)) {
-    return StartHistogram(histogram, 0, HighestWeighedScore(*input.weights, matches.maxScore));
+    return StartHistogram(histogram, 0, HighestWeighedScore(*input.weights, matches.maxScore),
+                          false);
   }
   // Where every page is a candidate, its score was not seen by the terms.
   return StartHistogram(histogram, 0, int64_t{matches.maxTermsMatched} * matches.maxScore,
