@@ -180,6 +180,7 @@ int CorrectQuery(SearchContext& ctx, SearchState& state) {
         MakeSuggestions(state.terms, ctx.index.spelling, ctx.dictionary, ctx.settings, ctx.stemmer);
     return 1;
   }
+  if (!HasRareTerm(state.terms, ctx.settings)) return 1;
   const CorrectionInput input = {.settings = ctx.settings,
                                  .directory = ctx.directory,
                                  .dictionary = ctx.dictionary,

@@ -68,6 +68,12 @@ QueryText ExclusionAsTyped(std::string_view shown, const Settings& settings) {
 
 }  // namespace
 
+bool HasRareTerm(const TermSearch& search, const Settings& settings) {
+  return std::any_of(search.terms.begin(), search.terms.end(), [&](const SearchedTerm& term) {
+    return term.records < settings.SpellingWhenLessThan;
+  });
+}
+
 Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spelling,
                             const Dictionary& dictionary, const Settings& settings,
                             Stemmer& stemmer) {

@@ -21,6 +21,9 @@ struct Suggestions {
   bool asTyped = false;
 };
 
+// Whether a term of the query was found less often than SpellingWhenLessThan.
+bool HasRareTerm(const TermSearch& search, const Settings& settings);
+
 // Replaces each term with fewer records than SpellingWhenLessThan by a dictionary word that sounds
 // alike; one for which there is none is left out.
 Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spelling,
