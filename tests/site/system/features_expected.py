@@ -57,6 +57,15 @@ _row("Any letters: `*` and `?`", "vela_query=kingfish*", finds=("/events/bird-wa
      shows=(_mark("kingfisher"), _mark("Kingfishers")))
 _row("Any letters in front", "vela_query=*walk", order=("/events/bird-walk.html",),
      shows=(f"Bird {_mark('walk')} along the towpath",))
+_row("Quotes as phones type them", "vela_query=%E2%80%9Cpicture+books%E2%80%9D",
+     finds=("/news/riverside-reopens.html", "/reading-list.txt", "/children/index.html"),
+     shows=(_mark("picture books"),))
+_row("A question", "vela_query=what+is+a+telescope%3F", finds=("/branches/riverside.html",))
+_row("Hyphens in front", "vela_query=--telescope", finds=("/branches/riverside.html",))
+_row("What to leave out, and no more", "vela_query=-library", finds=(),
+     shows=("This search only says what to leave out. Please add a word to look for.",))
+_row("A word's other forms", "vela_query=renewal",
+     finds=("/index.html", "/membership/loans.html", "/news/fines-abolished.html"))
 _row("In a part of the site", "vela_query=flood+site:news",
      finds=("/news/index.html", "/news/riverside-reopens.html"))
 _row("A whole part of the site", "vela_query=site:branches",
@@ -186,6 +195,8 @@ _row("Recommended with words of its own, and outside the site", "vela_query=audi
             '<div class="recommend_description">Borrow them on the site that we share with other '
             "libraries, with the number of your card&#46;</div>",
             '<div class="recommend_infoline">https://ebooks.example.net/</div>'))
+_row("Completion at any word", "vela_query=exch&vela_ac=1",
+     shows=("Seed exchange opens in the old card index",), hides=("<html",))
 _row("Completion while typing", "vela_query=bo&vela_ac=1",
      matches=(r'<div class="vela_ac_item" onclick="VelaAutoComplete_UseSuggestion\(&quot;'
               r'Bookbinding in an afternoon&quot;\);">',),
