@@ -158,11 +158,14 @@ class LineSplitter {
     line.text = VariantOf(text);
   }
 
+  // Works on copies, so that the usual lines do without the memory of this object.
   bool TakeUnusual(DictionaryLine& line, void (*read)(std::string_view, DictionaryLine&)) {
     std::string_view rest = bytes_.substr(start_);
     std::string_view text;
     if (!TakeLine(rest, text)) return false;
-    read(text, line);
+    DictionaryLine taken;
+    read(text, taken);
+    line = taken;
     start_ = bytes_.size() - rest.size();
     low_.SkipTo(start_);
     return true;

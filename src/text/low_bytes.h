@@ -8,7 +8,12 @@
 
 namespace vela {
 
-// Gives their places one after another. The text outlives it.
+// The low bytes of the block of 64 bytes, or less at the end, that begins at `start` of the text:
+// one bit a byte, the first byte the lowest.
+uint64_t LowByteMarks(std::string_view text, size_t start);
+
+// Gives their places one after another. The text outlives it. Kept in registers by whoever calls
+// nothing with its address.
 class LowBytes {
  public:
   explicit LowBytes(std::string_view text) : text_(text) { SkipTo(0); }
@@ -18,7 +23,7 @@ class LowBytes {
     while (marks_ == 0) {
       block_ += kBlock;
       if (block_ >= text_.size()) return text_.size();
-      marks_ = MarksOf(block_);
+      marks_ = LowByteMarks(text_, block_);
     }
     const size_t place = block_ + static_cast<size_t>(__builtin_ctzll(marks_));
     marks_ &= marks_ - 1;
@@ -27,13 +32,15 @@ class LowBytes {
 
   // Goes on with the first one at or behind `place`, which may lie behind those given already or
   // before them.
-  void SkipTo(size_t place);
+  void SkipTo(size_t place) {
+    block_ = place - place % kBlock;
+    marks_ = 0;
+    if (block_ < text_.size())
+      marks_ = LowByteMarks(text_, block_) & ~uint64_t{0} << place % kBlock;
+  }
 
  private:
   static constexpr size_t kBlock = 64;
-
-  // One bit a byte of the block that begins at `start`, the first byte the lowest.
-  uint64_t MarksOf(size_t start) const;
 
   std::string_view text_;
   size_t block_ = 0;
