@@ -19,7 +19,7 @@ const INDEXES = {
       DisplayNumber: 0, DisplayContext: 0, VelaInfo: 0, Timing: 0 },
   },
   broken: { settings: { NumKeywords: -1 } },
-  right_to_left: { language: arabic, template: (text) => text.replace('lang="en"', 'lang="ar" dir="rtl"') },
+  right_to_left: { language: arabic, template: (text) => text.replace('lang="en" dir="ltr"', 'lang="ar" dir="rtl"') },
 };
 
 // Types what has suggestions, and points at the second.
