@@ -6,15 +6,23 @@
 #include <new>
 
 namespace {
+
 std::atomic<size_t> g_largest = SIZE_MAX;
+
+void* Allocate(size_t bytes) {
+  return bytes > g_largest ? nullptr : malloc(bytes == 0 ? 1 : bytes);
 }
 
-// The forms for arrays, and those that do not throw, call these.
+}  // namespace
+
+// The forms for arrays call these.
 void* operator new(size_t bytes) {
-  void* block = bytes > g_largest ? nullptr : malloc(bytes == 0 ? 1 : bytes);
+  void* block = Allocate(bytes);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
+// That of a sanitizer does not call the one above.
+void* operator new(size_t bytes, const std::nothrow_t&) noexcept { return Allocate(bytes); }
 void operator delete(void* block) noexcept { free(block); }
 void operator delete(void* block, size_t) noexcept { free(block); }
 
