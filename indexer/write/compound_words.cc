@@ -80,12 +80,10 @@ std::vector<SameWord> SameWords(const WordsByForm& forms) {
     if (form.find('-') == form.npos || form.starts_with('-') || form.ends_with('-')) continue;
     std::string closed = form;
     std::erase(closed, '-');
-    const auto add = [&](const std::string& other) {
+    for (const std::string& other : {closed, form + "s"}) {
       const auto found = forms.find(other);
       if (found != forms.end() && found->second != number) same.push_back({form, other});
-    };
-    add(closed);
-    add(form + "s");
+    }
   }
   std::ranges::sort(same, {}, [](const SameWord& each) { return std::pair(each.one, each.other); });
   return same;

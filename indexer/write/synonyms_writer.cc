@@ -177,6 +177,7 @@ WordList SynonymMaker::ListOf(uint32_t number) const {
 std::vector<WordMapRecord> SynonymMaker::RecordsOf(const WordRow& row,
                                                    const std::vector<RowPlace>& places) const {
   std::vector<WordMapRecord> records;
+  records.reserve(places.size());
   for (const RowPlace& place : places) {
     records.push_back({.score = kWordMapScoreLimit,
                        .proximity = 0xFF,
@@ -252,6 +253,7 @@ void SynonymMaker::AddSameWords() {
 void SynonymMaker::AddApartWords() {
   const std::vector<ApartWord> words = ApartWords(forms_);
   std::vector<WordRow> rows;
+  rows.reserve(words.size());
   for (const ApartWord& word : words) {
     rows.push_back({*NumberOf(KeyOf(word.first)), *NumberOf(KeyOf(word.second))});
   }

@@ -323,19 +323,13 @@ int32_t Planner::QualityOf(const PassagePiece& piece) const {
 PassagePiece Planner::PieceOf(const Window& window, size_t length) const {
   const size_t span = window.last - window.first + 1;
   const size_t room = length > span ? length - span : 0;
-  size_t start = window.first;
   const size_t farthest = window.first - std::min(window.first, room - room / 8);
-  for (size_t token = window.first;; --token) {
-    if (BeginsSentence(token)) {
-      start = token;
-      break;
-    }
-    if (token == farthest) {
-      start = window.first - std::min(window.first, std::min(length / 3, room / 2));
-      // Not from the middle of signs.
-      while (start < window.first && IsSign(text_.WordAt(start))) ++start;
-      break;
-    }
+  size_t start = window.first;
+  while (start != farthest && !BeginsSentence(start)) --start;
+  if (!BeginsSentence(start)) {
+    start = window.first - std::min(window.first, std::min(length / 3, room / 2));
+    // Not from the middle of signs.
+    while (start < window.first && IsSign(text_.WordAt(start))) ++start;
   }
   return {text_.PositionOf(start), static_cast<int32_t>(length)};
 }

@@ -1,6 +1,7 @@
 #include "search/run_phrase.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "format/word_weight.h"
 
@@ -36,7 +37,7 @@ uint32_t RunMass(size_t found, int32_t pageCount) {
 uint8_t RunWeight(uint32_t mass, uint32_t occurrences, bool inTitle) {
   const double counted = occurrences + (inTitle ? kTitleOccurrences : 0);
   const double weight = mass * counted / (counted + kHalfOccurrences);
-  return WeightByte(static_cast<uint32_t>(weight + 0.5), inTitle);
+  return WeightByte(static_cast<uint32_t>(std::lround(weight)), inTitle);
 }
 
 }  // namespace vela
