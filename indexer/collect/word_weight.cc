@@ -13,7 +13,8 @@ namespace {
 constexpr double kHalfOccurrences = 1.6;
 // How much of a page's length counts: 0 not at all, 1 in full.
 constexpr double kLengthWeight = 0.4;
-// Pages below this share of the average length are not taken for shorter: a stub says little.
+// Pages below this share of the average length are not taken for shorter: a title alone says
+// little.
 constexpr double kShortPage = 0.5;
 
 // As how many occurrences a word counts that stands there.
