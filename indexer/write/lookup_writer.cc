@@ -138,6 +138,7 @@ bool ReadSpellings(std::string_view bytes, SpellingGuide& guide) {
 struct PageInfoShape {
   uint64_t pages = 0;
   uint64_t length = 0;  // of every record; 0: they differ
+  uint64_t withoutBoost = 0;
 };
 
 // What is known of the records, read as those of the small layout, the only one that is written.
@@ -152,6 +153,7 @@ PageInfoShape ReadPageInfo(std::string_view bytes) {
     if (length < kSmallPageInfo.fixedSize || length > bytes.size() - at) return {};
     if (at == 0) shape.length = length;
     if (length != shape.length) return {};
+    if (LeavesScores(static_cast<uint8_t>(bytes[at + kSmallPageInfo.boost]))) ++shape.withoutBoost;
     at += length;
     ++shape.pages;
   }
@@ -331,6 +333,7 @@ LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& te
     header.pageInfo = FactsOf(pageInfo.bytes());
     header.pages = shape.pages;
     header.pageInfoLength = shape.length;
+    header.pagesWithoutBoost = shape.withoutBoost;
   }
 
   FileImage autocomplete;

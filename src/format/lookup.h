@@ -65,6 +65,7 @@ struct LookupHeader {
   LookupTablePlace spellingGuide;  // LookupSpelling of every kLookupSpellingStep-th entry
   LookupTablePlace texts;          // LookupText, a page each, and one more for the end of the file
   LookupTablePlace pairs;          // LookupPairs, page after page
+  uint64_t pagesWithoutBoost = 0;  // records of the page info file whose boost leaves scores
 };
 static_assert(sizeof(LookupHeader) <= kLookupBlockRoom);
 

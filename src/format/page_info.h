@@ -53,6 +53,9 @@ static_assert(kSmallPageInfo.fixedSize == 17 && kBigPageInfo.fixedSize == 19);
 
 inline constexpr int32_t kNoPageDate = 0;
 
+// Whether scores stay as they are with this boost.
+constexpr bool LeavesScores(uint8_t boost) { return boost == 0 || boost == 10; }
+
 // The types that vela_index tells apart; all are below the FileTypePluginStart that it writes.
 enum class FileType : uint8_t {
   kHtml = 0,

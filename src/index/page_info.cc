@@ -58,6 +58,7 @@ bool UseLookup(PageTable& pages, const LookupFile& lookup) {
     return false;
   }
   pages.recordLength = static_cast<size_t>(header.pageInfoLength);
+  pages.hasBoosts = header.pagesWithoutBoost != header.pages;
   return true;
 }
 
@@ -69,6 +70,7 @@ LoadStatus LoadPageInfo(PageTable& pages, const IndexDirectory& directory, const
     return LoadStatus::kCannotOpen;
   }
   pages.recordLength = 0;
+  pages.hasBoosts = true;
   pages.big = settings.UseBigPageInfoData == 1;
   pages.pageCount = settings.NumPages;
   pages.categoryBytes = HasCategorySets(settings) && settings.NumCatBytes > 0

@@ -22,6 +22,7 @@ struct PageTable {
   int32_t pageCount = 0;        // NumPages
   size_t categoryBytes = 0;     // bytes of the category set that stand ahead of the meta fields
   size_t recordLength = 0;      // of every record, in bytes; 0: they differ, and `starts` is used
+  bool hasBoosts = true;        // false: the boost of every page leaves its scores
   OwnedArray<uint32_t> starts;  // offset of each record; the last one serves all pages behind it
 };
 

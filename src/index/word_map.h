@@ -2,7 +2,9 @@
 // file is not trusted.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "format/word_map.h"
@@ -23,7 +25,19 @@ struct WordList {
 };
 
 // Record `i` of the list, 0 <= i < size().
-WordMapRecord RecordAt(const WordList& list, int32_t i);
+inline WordMapRecord RecordAt(const WordList& list, int32_t i) {
+  static_assert(std::endian::native == std::endian::little, "records are loaded as they lie");
+  const char* at = list.bytes.data() + static_cast<size_t>(i) * kWordMapRecordSize;
+  // Both numbers in loads of whole words that end with the record.
+  uint32_t pageWord = 0;
+  uint64_t positionWord = 0;
+  static_assert(kWordMapPageOffset + sizeof positionWord == kWordMapRecordSize);
+  memcpy(&pageWord, at + kWordMapPageOffset, sizeof pageWord);
+  memcpy(&positionWord, at + kWordMapPageOffset, sizeof positionWord);
+  return {static_cast<uint8_t>(at[kWordMapScoreOffset]),
+          static_cast<uint8_t>(at[kWordMapProximityOffset]), pageWord & kPageNumberLimit,
+          positionWord >> (8 * kWordMapPageWidth)};
+}
 
 enum class WordListStatus { kOk, kSeekFailed, kMissingData };
 

@@ -126,12 +126,14 @@ int Rank(SearchContext& ctx, SearchState& state) {
   QueryWeights weights;
   const bool weighs = !state.matches.weights.empty();
   if (weighs) weights = WeighQuery(state.terms, effectiveTerms, ctx.settings.NumPages);
+  const int64_t shown = int64_t{std::max(ctx.search.page, 1)} * EffectivePerPage(ctx.search);
   const RankInput input = {.settings = ctx.settings,
                            .request = ctx.search,
                            .pages = ctx.index.pages,
                            .weights = weighs ? &weights : nullptr,
                            .effectiveTerms = effectiveTerms,
-                           .everyPage = state.everyPage};
+                           .everyPage = state.everyPage,
+                           .shown = shown};
   switch (RankMatches(state.matches, state.filters, input, state.results)) {
     case RankStatus::kOk:
       break;
@@ -142,7 +144,7 @@ int Rank(SearchContext& ctx, SearchState& state) {
   }
   if (state.matches.resultCount > 1) {
     SortResults(state.results, ctx.index.pages, ctx.search.sort, ctx.settings.UseDateTime == 1,
-                int64_t{std::max(ctx.search.page, 1)} * EffectivePerPage(ctx.search));
+                shown);
   }
   return 1;
 }

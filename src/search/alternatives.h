@@ -55,7 +55,7 @@ WordList PagesOf(const Synonym& synonym, const TermSearchInput& input);
 template <typename Add>
 [[nodiscard]] TermResult AddAlternatives(const Alternatives& alternatives, int32_t term,
                                          std::string_view word, const TermSearchInput& input,
-                                         int64_t& records, Add add) {
+                                         int64_t& records, const Add& add) {
   const Alternative* end = alternatives.list.begin() + alternatives.count;
   const Alternative* first =
       std::find_if(alternatives.list.begin(), end,

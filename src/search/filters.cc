@@ -239,6 +239,11 @@ bool PrepareFilters(PageFilters& filters, const FilterInput& input) {
   return true;
 }
 
+bool PassesAll(const PageFilters& filters) {
+  return !filters.site.active && filters.metaConstraints.empty() && !SelectionActive(filters) &&
+         !filters.dates.valid;
+}
+
 bool PassesSiteRestriction(const PageFilters& filters, uint32_t page) {
   std::string_view url;
   const bool read = ReadPageUrl(filters.pageData, PageDataOffset(*filters.pages, page), url);
@@ -281,8 +286,12 @@ bool PassesDateRange(const PageFilters& filters, uint32_t page) {
   return filters.dates.from <= date && date <= filters.dates.to;
 }
 
+bool CountsInAllCategories(const PageFilters& filters) {
+  return filters.countsCategories && SearchesAllCategories(*filters.request);
+}
+
 bool CountInAllCategories(PageFilters& filters, uint32_t page) {
-  if (!filters.countsCategories || !SearchesAllCategories(*filters.request)) return true;
+  if (!CountsInAllCategories(filters)) return true;
   for (int32_t category = 0; category < filters.settings->categoryNames.size(); ++category) {
     const CategoryTest test = TestCategory(*filters.pages, *filters.settings, page, category);
     if (test == CategoryTest::kInvalid) return false;

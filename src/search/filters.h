@@ -73,6 +73,9 @@ struct FilterInput {
 // False when memory is out.
 [[nodiscard]] bool PrepareFilters(PageFilters& filters, const FilterInput& input);
 
+// Whether the request asks for nothing that a page could fail.
+bool PassesAll(const PageFilters& filters);
+
 // Whether the page's address holds the text of the restriction, in any case.
 bool PassesSiteRestriction(const PageFilters& filters, uint32_t page);
 
@@ -83,6 +86,9 @@ int32_t PassedMetaConstraints(const PageFilters& filters, uint32_t page);
 CategoryTest TestSelectedCategories(PageFilters& filters, uint32_t page);
 
 bool PassesDateRange(const PageFilters& filters, uint32_t page);
+
+// Whether CountInAllCategories counts anything.
+bool CountsInAllCategories(const PageFilters& filters);
 
 // With all categories selected, counts the page in each that holds it. False when the pages have no
 // bit for one of the categories.

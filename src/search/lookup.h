@@ -75,7 +75,7 @@ bool TakeFromBudget(MatchBudget& budget, int32_t matchedByTerm, bool isExclusion
 // false for a record of a page that is not in the index.
 template <typename Add>
 [[nodiscard]] TermResult AddWordList(std::string_view wordMap, int64_t offset, LookupCounts& counts,
-                                     Add add) {
+                                     const Add& add) {
   WordList list;
   const TermResult found = FindWordList(wordMap, offset, list);
   if (found.status != TermStatus::kOk) return found;
@@ -89,7 +89,7 @@ template <typename Add>
 // Adds the records of the first dictionary word, behind the reserved ones, that equals the term.
 template <typename Add>
 [[nodiscard]] TermResult LookUpWord(const LookupTerm& term, const LookupInput& input,
-                                    LookupCounts& counts, Add add) {
+                                    LookupCounts& counts, const Add& add) {
   if (input.limitReached && !term.isExclusion) return {};
   const int32_t number = input.dictionary.FindExact(term.word, FirstSearchedWord(input.settings));
   if (number < 0) return {};
@@ -105,7 +105,7 @@ template <typename Add>
 // order of the dictionary, until a budget is used up.
 template <typename Add>
 [[nodiscard]] TermResult LookUpPattern(const LookupTerm& term, const LookupInput& input,
-                                       LookupCounts& counts, Add add) {
+                                       LookupCounts& counts, const Add& add) {
   const bool foldCase = LowersQueries(input.settings);
   const int32_t end = input.dictionary.size();
   WordSet candidates;

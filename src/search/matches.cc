@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-#include "format/word_weight.h"
 #include "search/query.h"
 #include "search/search_request.h"
-#include "text/numbers.h"
 
 namespace vela {
 
@@ -85,58 +83,58 @@ uint64_t FurtherPosition(const Matches& matches, uint32_t page, int32_t number) 
   return Load(number == 0 ? further.second : further.third);
 }
 
-uint32_t BoostedScore(uint32_t score, uint8_t boost) {
-  if (boost == 0) return score;
-  // Half a tenth cannot be missed by rounding here: integers are exact.
-  return (score * boost + 5) / 10;
+TermRecords::TermRecords(Matches& matches, const PageTable& pages, const TermPlace& term,
+                         int32_t sort, int32_t maxContextKeywords)
+    : matches_(matches),
+      pages_(pages),
+      term_(term),
+      sort_(sort),
+      maxContextKeywords_(maxContextKeywords),
+      weighs_(!matches.weights.empty()),
+      isPlain_(!term.isExclusion && sort <= kSortByRelevance),
+      isFirstInOrder_(term.index == 0 || term.index == term.skipped + term.excluded) {
+  if (weighs_) weights_ = matches.weights.StartTerm(term.listIndex, term.hasSeveralWords);
 }
 
-bool AddMatch(Matches& matches, const PageTable& pages, const WordMapRecord& record,
-              const TermPlace& term, int32_t sort, int32_t maxContextKeywords) {
-  if (record.page >= matches.pages.size()) return false;
-  const bool weighs = !matches.weights.empty();
-  uint32_t score =
-      BoostedScore(weighs ? WeightOf(record.score) : record.score, PageBoost(pages, record.page));
-  if (score == 0) return true;
-
+bool TermRecords::AddToPage(const WordMapRecord& record, uint32_t score) {
   PageMatch match;
-  if (HasBit(matches.touched, record.page)) {
-    match = matches.pages[record.page];
+  if (HasBit(matches_.touched, record.page)) {
+    match = matches_.pages[record.page];
   } else {
-    SetBit(matches.touched, record.page);
+    SetBit(matches_.touched, record.page);
   }
-  if (weighs) score = matches.weights.Add(record, term.listIndex, term.hasSeveralWords, score);
-  if (term.isExclusion) {
+  if (weighs_) score = weights_.Add(record, score);
+  if (term_.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
     // search/exclusion_counts_down_to_nothing).
-    const bool counts = match.score != 0 || !term.countsFoundOnly;
+    const bool counts = match.score != 0 || !term_.countsFoundOnly;
     match.score = 0;
-    if (counts) matches.resultCount = WrapSub32(matches.resultCount, 1);
+    if (counts) matches_.resultCount = WrapSub32(matches_.resultCount, 1);
   } else if (match.score != 0) {
     match.score += match.score <= kFullScoreLimit ? score : 1;
     const bool roomForContext =
-        maxContextKeywords > 0 && match.termsMatched < static_cast<uint32_t>(maxContextKeywords);
+        maxContextKeywords_ > 0 && match.termsMatched < static_cast<uint32_t>(maxContextKeywords_);
     if (match.termsMatched != 0 && roomForContext) {
-      AddPosition(matches, record.page, record.position);
+      AddPosition(matches_, record.page, record.position);
     }
     match.proximityMask &= record.proximity;
   } else {
-    matches.resultCount = WrapAdd32(matches.resultCount, 1);
+    matches_.resultCount = WrapAdd32(matches_.resultCount, 1);
     match.score = score;
     match.firstPositionLow = static_cast<uint32_t>(record.position);
     match.firstPositionHigh = static_cast<uint8_t>(record.position >> 32);
     match.proximityMask = record.proximity;
   }
   ++match.termsMatched;
-  const int32_t date = sort <= kSortByRelevance ? 0 : PageDateTime(pages, record.page);
-  TrackKeyRange(matches, match, sort, date);
+  const int32_t date = sort_ <= kSortByRelevance ? 0 : PageDateTime(pages_, record.page);
+  TrackKeyRange(matches_, match, sort_, date);
 
-  const auto index = static_cast<uint32_t>(term.index);
-  const auto inOrder = static_cast<uint32_t>(term.index - term.skipped - term.excluded);
+  const auto index = static_cast<uint32_t>(term_.index);
+  const auto inOrder = static_cast<uint32_t>(term_.index - term_.skipped - term_.excluded);
   const uint32_t reached = match.termsInOrder;
   if (reached == index || reached == inOrder)
     match.termsInOrder = static_cast<uint16_t>(reached + 1);
-  matches.pages[record.page] = match;
+  matches_.pages[record.page] = match;
   return true;
 }
 

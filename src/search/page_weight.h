@@ -1,9 +1,11 @@
 // page_weight.h: what Ranking gathers of the pages, term by term, beside what their words weigh.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
+#include "format/word_weight.h"
 #include "index/word_map.h"
 #include "text/owned_array.h"
 
@@ -19,6 +21,44 @@ struct PageWeight {
   uint8_t near = 0;         // terms that share a block of the text with the one added before
 };
 
+// Where the records of one term go; of PageWeights::StartTerm.
+class TermWeights {
+ public:
+  // Adds a record, where `weight` is its weight with the page's boost. Returns what the page gains:
+  // where the term has several words, those that fit a pattern, the heaviest counts.
+  uint32_t Add(const WordMapRecord& record, uint32_t weight) const {
+    if (terms_ == nullptr) return weight;
+    const uint32_t page = record.page;
+    const uint64_t bit = uint64_t{1} << page % 64;
+    uint64_t& terms = terms_[page / 64];
+    const bool isAnotherWord = (terms & bit) != 0;
+    terms |= bit;
+    if (IsTitleWord(record.score)) titleTerms_[page / 64] |= bit;
+    if (near_ != nullptr) {
+      uint8_t& blocks = lastBlocks_[page];
+      if (isAnotherWord) {
+        blocks |= record.proximity;
+      } else {
+        if ((blocks & record.proximity) != 0) ++near_[page];
+        blocks = record.proximity;
+      }
+    }
+    if (lastWeights_ == nullptr) return weight;
+    const auto kept = static_cast<uint16_t>(std::min<uint32_t>(weight, UINT16_MAX));
+    const uint16_t former = isAnotherWord ? lastWeights_[page] : uint16_t{0};
+    lastWeights_[page] = std::max(former, kept);
+    return isAnotherWord ? static_cast<uint32_t>(lastWeights_[page] - former) : weight;
+  }
+
+ private:
+  friend class PageWeights;
+  uint64_t* terms_ = nullptr;        // a bit a page; null: nothing is kept of the term
+  uint64_t* titleTerms_ = nullptr;   // likewise
+  uint8_t* near_ = nullptr;          // of PageWeights; or null
+  uint8_t* lastBlocks_ = nullptr;    // of PageWeights
+  uint16_t* lastWeights_ = nullptr;  // of PageWeights where the term has several words; or null
+};
+
 // Of all pages. Most queries have few terms, and a common one touches every page: a bit a page and
 // term keeps small what such a query has to write.
 class PageWeights {
@@ -27,32 +67,31 @@ class PageWeights {
   [[nodiscard]] bool TryAllocate(size_t pages, bool hasSeveralTerms);
   bool empty() const { return memory_.empty(); }
 
-  // Adds a record of term `term`, whose records come behind those of the terms before it, where
-  // `weight` is its weight with the page's boost. Returns what the page gains: where the term has
-  // several words, those that fit a pattern, the heaviest counts.
-  uint32_t Add(const WordMapRecord& record, int32_t term, bool hasSeveralWords, uint32_t weight);
+  // Takes the records of term `term` from now on, behind those of the terms before it.
+  TermWeights StartTerm(int32_t term, bool hasSeveralWords);
 
   PageWeight At(uint32_t page) const {
-    PageWeight weight = {.near = near_ != nullptr ? near_[page] : uint8_t{0}};
-    for (int32_t term = 0; term < termCount_; ++term) {
-      const size_t place = PlaceOf(term, page);
-      weight.terms |= static_cast<uint32_t>(terms_[place] >> page % 64 & 1) << term;
-      weight.titleTerms |= static_cast<uint32_t>(titleTerms_[place] >> page % 64 & 1) << term;
+    const uint64_t* place = terms_ + page / 64;
+    const auto bitAt = [page](const uint64_t* bits) {
+      return static_cast<uint32_t>(*bits >> page % 64 & 1);
+    };
+    PageWeight weight = {.terms = bitAt(place), .titleTerms = bitAt(place + bits_)};
+    if (near_ != nullptr) weight.near = near_[page];
+    for (int32_t term = 1; term < termCount_; ++term) {
+      place += words_;
+      weight.terms |= bitAt(place) << term;
+      weight.titleTerms |= bitAt(place + bits_) << term;
     }
     return weight;
   }
 
  private:
-  size_t PlaceOf(int32_t term, uint32_t page) const {
-    return static_cast<size_t>(term) * words_ + page / 64;
-  }
-
   size_t words_ = 0;       // of 64 bits, for one bit a page
+  size_t bits_ = 0;        // of `terms_`, in words of 64 bits
   int32_t termCount_ = 0;  // up to the last one that was added
   // One block for all, so that of a large site's only what is written to is ever touched.
   OwnedArray<uint64_t> memory_;
-  uint64_t* terms_ = nullptr;        // the bits of the pages, term behind term
-  uint64_t* titleTerms_ = nullptr;   // likewise
+  uint64_t* terms_ = nullptr;        // the bits of the pages, term behind term; then of the titles
   uint8_t* near_ = nullptr;          // see PageWeight; a page each, as those below; or null
   uint8_t* lastBlocks_ = nullptr;    // the proximity bytes of the term that was added last
   uint16_t* lastWeights_ = nullptr;  // the weight of that term where it has several words

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <utility>
 
 namespace vela {
 
@@ -19,24 +20,17 @@ int64_t KeyOf(const PageMatch& match, const PageTable& pages, uint32_t page, int
   return SortsByDate(sort) ? int64_t{PageDateTime(pages, page)} : int64_t{match.score};
 }
 
-int64_t LastBucket(const KeyHistogram& histogram) {
-  return static_cast<int64_t>(histogram.counts.size()) - 1;
-}
-
 // Calls `visit(page)` for every page that may be a result, in page order, until it gives false.
 template <typename Visit>
-void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
-  if (everyPage) {
-    for (uint32_t page = 0; page < matches.pages.size(); ++page) {
-      if (!visit(page)) return;
-    }
-    return;
-  }
-  for (size_t word = 0; word < matches.touched.size(); ++word) {
-    for (uint64_t bits = matches.touched[word]; bits != 0; bits &= bits - 1) {
-      const auto page =
-          static_cast<uint32_t>(word * 64) + static_cast<uint32_t>(std::countr_zero(bits));
-      if (!visit(page)) return;
+void ForEachCandidate(const Matches& matches, bool everyPage, const Visit& visit) {
+  const size_t pageCount = matches.pages.size();
+  for (size_t first = 0; first < pageCount; first += 64) {
+    const size_t rest = pageCount - first;
+    const uint64_t all = rest < 64 ? (uint64_t{1} << rest) - 1 : ~uint64_t{0};
+    for (uint64_t bits = everyPage ? all : matches.touched[first / 64]; bits != 0;
+         bits &= bits - 1) {
+      if (!visit(static_cast<uint32_t>(first + static_cast<size_t>(std::countr_zero(bits)))))
+        return;
     }
   }
 }
@@ -44,10 +38,9 @@ void ForEachCandidate(const Matches& matches, bool everyPage, Visit visit) {
 // Whether the page passes every filter. Kept: the filters run in this order, and the counts of
 // selected categories include pages that the date range rejects afterwards (golden
 // search/category_counts_ignore_the_date_range).
-RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters, const RankInput& input,
-                      bool& accepted) {
+RankStatus TestFilters(PageMatch& match, uint32_t page, PageFilters& filters,
+                       const RankInput& input, bool& accepted) {
   accepted = false;
-  if (!input.everyPage && (match.score == 0 || match.termsMatched == 0)) return RankStatus::kOk;
   if (filters.site.active) {
     if (!PassesSiteRestriction(filters, page)) return RankStatus::kOk;
     if (input.everyPage) {
@@ -76,6 +69,11 @@ RankStatus AcceptPage(PageMatch& match, uint32_t page, PageFilters& filters, con
   return RankStatus::kOk;
 }
 
+// Whether every page that a term matched is a result.
+bool AcceptsAll(const PageFilters& filters, const RankInput& input) {
+  return !input.everyPage && input.request.andMode != 1 && PassesAll(filters);
+}
+
 // Whether the words of the query weigh: where every page is a candidate there are none.
 bool Weighs(const RankInput& input) { return input.weights != nullptr && !input.everyPage; }
 
@@ -85,6 +83,15 @@ bool SaturatesScores(const Settings& settings) { return settings.AmendedAnswers 
 void AddTerms(PageMatch& match, uint32_t maxScore, bool saturates) {
   const uint64_t score = match.score + uint64_t{match.termsMatched - 1} * maxScore;
   match.score = static_cast<uint32_t>(saturates ? std::min<uint64_t>(score, UINT32_MAX) : score);
+}
+
+// Rows that are asked for at once, and are then picked out on the way.
+constexpr int64_t kBestRowLimit = 1000;
+
+// Whether the rows that are asked for are known by their keys.
+bool PicksBest(const RankInput& input) {
+  return Weighs(input) && !SortsByDate(input.request.sort) && 0 < input.shown &&
+         input.shown <= kBestRowLimit;
 }
 
 // The range of the keys, as the terms have met them.
@@ -104,47 +111,68 @@ bool StartHistogramFor(KeyHistogram& histogram, const Matches& matches, const Ra
 RankStatus ListResults(Matches& matches, PageFilters& filters, const RankInput& input,
                        const KeyHistogram& histogram, ResultList& results) {
   if (!results.entries.TryAllocate(histogram.total)) return RankStatus::kNoMemory;
+  const bool countsCategories = CountsInAllCategories(filters);
+  const bool weighs = Weighs(input);
+  const int32_t sort = input.request.sort;
+  const size_t total = results.entries.size();
   size_t count = 0;
+  bool isTruncated = false;
   RankStatus status = RankStatus::kOk;
   ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
     const PageMatch& match = matches.pages[page];
     if (match.score == 0) return true;
-    if (!CountInAllCategories(filters, page)) {
+    if (countsCategories && !CountInAllCategories(filters, page)) {
       status = RankStatus::kInvalidCategory;
       return false;
     }
-    const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, input.request.sort));
+    const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, sort));
     if (bucket < histogram.firstTaken || bucket > histogram.lastTaken) {
-      matches.resultsTruncated = true;
+      isTruncated = true;
       return true;
     }
-    if (count == results.entries.size()) return true;
-    const uint32_t score = Weighs(input) ? match.score
-                                         : FinalScore(match, input.settings.WeightProximity,
-                                                      SaturatesScores(input.settings));
+    if (count == total) return true;
+    const uint32_t score =
+        weighs ? match.score
+               : FinalScore(match, input.settings.WeightProximity, SaturatesScores(input.settings));
     results.entries[count++] = {page, score, match.termsMatched};
     return true;
   });
+  if (isTruncated) matches.resultsTruncated = true;
   // Every page of the buckets taken has been met: the list is full.
   if (count < results.entries.size()) results.entries.Release();
   return status;
 }
 
+RankStatus ListBest(Matches& matches, PageFilters& filters, const KeyHistogram& histogram,
+                    BestRows& best, ResultList& results) {
+  matches.resultsTruncated = histogram.total < static_cast<uint32_t>(matches.resultCount);
+  RankStatus status = RankStatus::kOk;
+  if (CountsInAllCategories(filters)) {
+    ForEachCandidate(matches, false, [&](uint32_t page) {
+      if (matches.pages[page].score == 0 || CountInAllCategories(filters, page)) return true;
+      status = RankStatus::kInvalidCategory;
+      return false;
+    });
+  }
+  if (status != RankStatus::kOk) return status;
+  return best.Take(histogram.total, results.entries) ? RankStatus::kOk : RankStatus::kNoMemory;
+}
+
 }  // namespace
+
+bool BestRows::Take(size_t most, OwnedArray<RankedPage>& rows) {
+  const size_t count = std::min(count_, most);
+  rows.Release();
+  if (count == 0) return true;
+  if (count < count_) std::sort(rows_.begin(), rows_.begin() + count_, GoesBefore);
+  if (count < rows_.size() && !rows_.TryResize(count)) return false;
+  rows = std::move(rows_);
+  return true;
+}
 
 ResultEntry ShownEntry(const RankedPage& row, const Matches& matches) {
   return {row, matches.pages[row.page].firstPosition(), FurtherPosition(matches, row.page, 0),
           FurtherPosition(matches, row.page, 1)};
-}
-
-int32_t BucketOf(const KeyHistogram& histogram, int64_t key) {
-  const int64_t distance = key - histogram.keyMin;
-  if (distance <= 0) return 0;
-  if (histogram.width == 1) {  // as it mostly is, and dividing takes its time
-    return static_cast<int32_t>(std::min(distance, LastBucket(histogram)));
-  }
-  const int64_t bucket = (distance + histogram.width - 1) / histogram.width;
-  return static_cast<int32_t>(std::min(bucket, LastBucket(histogram)));
 }
 
 bool StartHistogram(KeyHistogram& histogram, int64_t keyMin, int64_t keyMax, bool hasKeysBeyond) {
@@ -206,41 +234,51 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
     return ListResults(matches, filters, input, histogram, results);
   }
   if (!StartHistogramFor(histogram, matches, input)) return RankStatus::kNoMemory;
-  matches.resultCount = 0;
+  const bool acceptsAll = AcceptsAll(filters, input);
+  const bool weighs = Weighs(input);
+  const bool picksBest = PicksBest(input);
+  BestRows best;
+  if (picksBest && !best.TryAllocate(static_cast<size_t>(input.shown))) {
+    return RankStatus::kNoMemory;
+  }
+  int32_t resultCount = 0;
+  int32_t fullMatchCount = 0;
   RankStatus status = RankStatus::kOk;
   ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
     PageMatch& match = matches.pages[page];
-    bool accepted = false;
-    status = AcceptPage(match, page, filters, input, accepted);
-    if (status != RankStatus::kOk) return false;
+    bool accepted = input.everyPage || (match.score != 0 && match.termsMatched != 0);
+    if (accepted && !acceptsAll) {
+      status = TestFilters(match, page, filters, input, accepted);
+      if (status != RankStatus::kOk) return false;
+    }
     if (!accepted) {
       match.score = 0;
       return true;
     }
-    if (static_cast<int32_t>(match.termsInOrder) >= input.effectiveTerms) ++matches.fullMatchCount;
-    if (Weighs(input)) {
-      // The title of most pages has none of the words.
-      const PageWeight weight = matches.weights.At(page);
-      const uint32_t mass = weight.titleTerms != 0 ? PageTitleMass(input.pages, page) : 0;
-      match.score = WeighedScore(*input.weights, weight, match.score, mass);
+    if (static_cast<int32_t>(match.termsInOrder) >= input.effectiveTerms) ++fullMatchCount;
+    if (weighs) {
+      match.score = WeighedScore(*input.weights, matches.weights.At(page), match.score,
+                                 [&] { return PageTitleMass(input.pages, page); });
     } else if (!SortsByDate(sort)) {
       AddTerms(match, matches.maxScore, SaturatesScores(input.settings));
     }
     const int32_t bucket = BucketOf(histogram, KeyOf(match, input.pages, page, sort));
     ++histogram.counts[static_cast<size_t>(bucket)];
-    ++matches.resultCount;
+    ++resultCount;
+    if (picksBest) best.Offer({page, match.score, match.termsMatched});
     return true;
   });
+  matches.resultCount = resultCount;
+  matches.fullMatchCount += fullMatchCount;
   if (status != RankStatus::kOk) return status;
   TakeBuckets(histogram, input.settings.MaxResultsPerQuery, sort == kSortOldestFirst);
+  if (picksBest) return ListBest(matches, filters, histogram, best, results);
   return ListResults(matches, filters, input, histogram, results);
 }
 
 void SortResults(ResultList& results, const PageTable& pages, int32_t sort, bool useDateTime,
                  int64_t shown) {
-  const auto byScore = [](const RankedPage& a, const RankedPage& b) {
-    return a.score != b.score ? a.score > b.score : a.page < b.page;
-  };
+  const auto byScore = BestRows::GoesBefore;
   const bool newestFirst = sort == kSortNewestFirst;
   const auto byDate = [&](const RankedPage& a, const RankedPage& b) {
     const int32_t dateA = PageDateTime(pages, a.page);

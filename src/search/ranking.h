@@ -1,6 +1,7 @@
 // ranking.h: from matched pages to the sorted list of results.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 #include "index/page_info.h"
@@ -20,6 +21,8 @@ struct RankedPage {
   uint32_t termsMatched = 0;
 };
 
+// The pages that may be shown: all within the limit of results, or as many of the best as are
+// shown.
 struct ResultList {
   OwnedArray<RankedPage> entries;
   int32_t size() const { return static_cast<int32_t>(entries.size()); }
@@ -49,7 +52,16 @@ struct KeyHistogram {
 
 // The bucket of a key: its distance from keyMin over the width, rounded up, at most the last one. A
 // key below keyMin goes to bucket 0.
-int32_t BucketOf(const KeyHistogram& histogram, int64_t key);
+inline int32_t BucketOf(const KeyHistogram& histogram, int64_t key) {
+  const int64_t distance = key - histogram.keyMin;
+  const auto last = static_cast<int64_t>(histogram.counts.size()) - 1;
+  if (distance <= 0) return 0;
+  if (histogram.width == 1) {  // as it mostly is, and dividing takes its time
+    return static_cast<int32_t>(std::min(distance, last));
+  }
+  const int64_t bucket = (distance + histogram.width - 1) / histogram.width;
+  return static_cast<int32_t>(std::min(bucket, last));
+}
 
 // Buckets from keyMin to keyMax; where no key is beyond keyMax, there are none for such. False when
 // memory is out.
@@ -75,6 +87,36 @@ struct RankInput {
   const QueryWeights* weights = nullptr;  // not owned; null without Ranking
   int32_t effectiveTerms = 0;             // terms that a page can match: none skipped, no exclusion
   bool everyPage = false;                 // no word is searched for: every page is a candidate
+  int64_t shown = INT64_MAX;              // rows, from the first one on, that are asked for
+};
+
+// The rows that go before all others offered, which come in page order.
+class BestRows {
+ public:
+  [[nodiscard]] bool TryAllocate(size_t most) { return rows_.TryAllocate(most); }
+
+  void Offer(const RankedPage& row) {
+    if (count_ < rows_.size()) {
+      rows_[count_++] = row;
+      if (count_ == rows_.size()) std::make_heap(rows_.begin(), rows_.end(), GoesBefore);
+    } else if (row.score > rows_[0].score) {  // an equal one comes behind
+      std::pop_heap(rows_.begin(), rows_.end(), GoesBefore);
+      rows_[count_ - 1] = row;
+      std::push_heap(rows_.begin(), rows_.end(), GoesBefore);
+    }
+  }
+
+  // Up to `most` of the rows, the best ones, in any order, in `rows`. False when memory is out.
+  [[nodiscard]] bool Take(size_t most, OwnedArray<RankedPage>& rows);
+
+  // By score, equal ones by page.
+  static bool GoesBefore(const RankedPage& a, const RankedPage& b) {
+    return a.score != b.score ? a.score > b.score : a.page < b.page;
+  }
+
+ private:
+  OwnedArray<RankedPage> rows_;  // a heap, the last one on top, once it is full
+  size_t count_ = 0;
 };
 
 // Applies the filters to every candidate, counts the pages accepted into `matches`, and lists the

@@ -40,7 +40,7 @@ uint32_t RunMass(size_t found, int32_t pageCount);
 // Calls `add(record)` for each page, with the weight of the run as its score, until it gives false;
 // false then.
 template <typename Add>
-bool AddRunMatches(const RunMatches& run, int32_t pageCount, Add add) {
+bool AddRunMatches(const RunMatches& run, int32_t pageCount, const Add& add) {
   const uint32_t mass = RunMass(run.count, pageCount);
   for (size_t i = 0; i < run.count; ++i) {
     WordMapRecord record = run.pages[i].record;

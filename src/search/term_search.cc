@@ -54,9 +54,8 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   if (weighsRun && !run.pages.TryAllocate(static_cast<size_t>(first.list.size()))) {
     return {TermStatus::kNoMemory};
   }
-  const auto add = [&](const WordMapRecord& record) {
-    return AddMatch(matches, input.pages, record, place, input.sort, settings.MaxContextKeywords);
-  };
+  TermRecords records(matches, input.pages, place, input.sort, settings.MaxContextKeywords);
+  const auto add = [&records](const WordMapRecord& record) { return records.Add(record); };
   const auto addRun = [&] {
     if (!weighsRun) return true;
     term.mass = MassOfPieces(phrase, settings.NumPages);
@@ -105,9 +104,8 @@ TermResult SearchWord(TermSearch& search, const TermSearchInput& input, Searched
                                    .wordMap = input.wordMap,
                                    .budget = search.matchBudget,
                                    .limitReached = matches.limitReached};
-  const auto add = [&](const WordMapRecord& record) {
-    return AddMatch(matches, input.pages, record, place, input.sort, settings.MaxContextKeywords);
-  };
+  TermRecords records(matches, input.pages, place, input.sort, settings.MaxContextKeywords);
+  const auto add = [&records](const WordMapRecord& record) { return records.Add(record); };
   LookupCounts counts;
   const TermResult result = HasWildcard(lookup.word)
                                 ? LookUpPattern(lookup, lookupInput, counts, add)

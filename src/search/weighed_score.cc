@@ -10,15 +10,14 @@ namespace vela {
 namespace {
 
 // All of these were settled by bench/relevance.py (docs/search_quality.md).
-constexpr uint32_t kOne = 256;  // of the factors
+constexpr uint32_t kOne = kOneFactor;
 // The factor grows from here to kOne with the share of the terms that a page has.
 constexpr uint32_t kFoundBase = kOne * 8 / 10;
 // What is added to it where each term is near the one before.
 constexpr uint32_t kNearGain = kOne / 10;
 // How much more than the query itself says is given to the page that is called by it.
 constexpr uint32_t kExactTitle = 4;
-// Scores are told in quarters of a weight.
-constexpr uint32_t kSteps = 4;
+constexpr uint32_t kSteps = kScoreSteps;
 
 // What a title adds of which so much is matched: all that its words say where it is covered, half
 // a title a little more than a third of them.
@@ -56,29 +55,21 @@ QueryWeights WeighQuery(const TermSearch& search, int32_t effectiveTerms, int32_
   return query;
 }
 
-uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_t sum,
-                      uint32_t titleMass) {
-  // As it mostly is, and counting takes its time.
-  const bool isOne = page.terms != 0 && (page.terms & (page.terms - 1)) == 0;
-  const auto found = isOne ? size_t{1} : static_cast<size_t>(std::popcount(page.terms));
-  const size_t near = std::min<size_t>(page.near, kWeighedTerms);
-  uint64_t score =
-      uint64_t{sum} * query.foundFactors[found] * query.nearFactors[near] * kSteps / (kOne * kOne);
-  if (page.titleTerms != 0 && titleMass != 0) {
-    uint32_t matched = 0;
-    for (uint32_t terms = page.titleTerms; terms != 0; terms &= terms - 1) {
-      matched += query.masses[std::countr_zero(terms)];
-    }
-    const uint32_t cover = std::min(kOne, matched * kOne / titleMass);
-    score += TitleGain(matched, cover);
-    if (matched == query.total && std::popcount(page.titleTerms) > 1) {
-      score += KnownTitleGain(matched, cover);
-    }
-    if (matched == query.total && matched >= titleMass) {
-      score += uint64_t{query.total} * kExactTitle * kSteps;
-    }
+uint64_t TitleScore(const QueryWeights& query, uint32_t titleTerms, uint32_t titleMass) {
+  if (titleMass == 0) return 0;
+  uint32_t matched = 0;
+  for (uint32_t terms = titleTerms; terms != 0; terms &= terms - 1) {
+    matched += query.masses[std::countr_zero(terms)];
   }
-  return static_cast<uint32_t>(std::clamp<uint64_t>(score, 1, UINT32_MAX));
+  const uint32_t cover = std::min(kOne, matched * kOne / titleMass);
+  uint64_t score = TitleGain(matched, cover);
+  if (matched == query.total && std::popcount(titleTerms) > 1) {
+    score += KnownTitleGain(matched, cover);
+  }
+  if (matched == query.total && matched >= titleMass) {
+    score += uint64_t{query.total} * kExactTitle * kSteps;
+  }
+  return score;
 }
 
 uint32_t HighestWeighedScore(const QueryWeights& query, uint32_t most) {

@@ -7,6 +7,9 @@
 // all others.
 #pragma once
 
+#include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 
 #include "search/page_weight.h"
@@ -14,11 +17,13 @@
 
 namespace vela {
 
+inline constexpr uint32_t kOneFactor = 256;  // a factor that leaves what it is multiplied with
+
 // What is the same for all pages.
 struct QueryWeights {
   uint32_t masses[kWeighedTerms] = {};  // WordMass of each term; 0: no page has it
   uint32_t total = 0;                   // of all terms
-  // Factors by how many terms a page has, and how many of them are near; 256 is 1.
+  // Factors by how many terms a page has, and how many of them are near.
   uint32_t foundFactors[kWeighedTerms + 1] = {};
   uint32_t nearFactors[kWeighedTerms + 1] = {};
 };
@@ -26,9 +31,26 @@ struct QueryWeights {
 // `effectiveTerms` are those that a page can match, `pageCount` the pages of the index.
 QueryWeights WeighQuery(const TermSearch& search, int32_t effectiveTerms, int32_t pageCount);
 
-// The score, 1 at least, of a page on which the words weigh `sum`, and its title `titleMass`.
+// Scores are told in quarters of a weight.
+inline constexpr uint32_t kScoreSteps = 4;
+
+// What the title of a page adds to its score: it has some of the terms, and weighs `titleMass`.
+uint64_t TitleScore(const QueryWeights& query, uint32_t titleTerms, uint32_t titleMass);
+
+// The score, 1 at least, of a page on which the words weigh `sum`. `titleMass()` is asked only
+// where the title has one of them.
+template <typename TitleMass>
 uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_t sum,
-                      uint32_t titleMass);
+                      const TitleMass& titleMass) {
+  // One mostly, and counting takes its time.
+  const bool isOne = (page.terms & (page.terms - 1)) == 0 && page.terms != 0;
+  const auto found = isOne ? size_t{1} : static_cast<size_t>(std::popcount(page.terms));
+  const size_t near = std::min<size_t>(page.near, kWeighedTerms);
+  uint64_t score = uint64_t{sum} * query.foundFactors[found] * query.nearFactors[near] *
+                   kScoreSteps / (kOneFactor * kOneFactor);
+  if (page.titleTerms != 0) score += TitleScore(query, page.titleTerms, titleMass());
+  return static_cast<uint32_t>(std::clamp<uint64_t>(score, 1, UINT32_MAX));
+}
 
 // No page whose words weigh `most` or less has a higher score.
 uint32_t HighestWeighedScore(const QueryWeights& query, uint32_t most);

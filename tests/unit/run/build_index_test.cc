@@ -53,6 +53,20 @@ TEST(BuildIndex, TheLookupFileBelongsToAllFiles) {
   EXPECT_EQ(header.pages, 3000u);
   EXPECT_EQ(header.texts.count, 3001u);
   EXPECT_EQ(header.pageInfoLength, 17u);
+  EXPECT_EQ(header.pagesWithoutBoost, 3000u);
+}
+
+TEST(BuildIndex, TheLookupFileCountsThePagesThatABoostLeaves) {
+  TestSite site;
+  for (const char* name : {"a.html", "b.html", "c.html"})
+    site.Add(name, std::string(name) + " cat");
+  site.options.config.boosts = {{{"b.*"}, 20, "x.toml, line 1"}, {{"c.*"}, 10, "x.toml, line 2"}};
+  site.Build();
+  LookupFile lookup;
+  const std::string bytes = site.Read("vela_lookup.vdat");
+  lookup.Open(bytes, static_cast<int32_t>(Setting(site, "LookupGeneration")));
+  ASSERT_TRUE(lookup.isOpen());
+  EXPECT_EQ(lookup.header().pagesWithoutBoost, 2u);
 }
 
 TEST(BuildIndex, StemsByTheLanguageOfMostPages) {

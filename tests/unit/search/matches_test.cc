@@ -41,8 +41,8 @@ struct Gathering {
   }
   bool Add(uint32_t page, uint8_t score, const TermPlace& term = {}, uint8_t proximity = 0,
            uint64_t position = 0) {
-    return AddMatch(matches, site.files.pages, {score, proximity, page, position}, term, sort,
-                    maxContextKeywords);
+    return TermRecords(matches, site.files.pages, term, sort, maxContextKeywords)
+        .Add({score, proximity, page, position});
   }
   const PageMatch& operator[](size_t page) const { return matches.pages[page]; }
 };
@@ -54,7 +54,7 @@ TEST(Matches, WithRankingWeightsAddUp) {
   ASSERT_TRUE(AllocateWeights(matches, 2));
   const auto add = [&](uint32_t page, uint32_t score, int32_t term) {
     const TermPlace place = {.index = term, .listIndex = term};
-    return AddMatch(matches, site.files.pages, {score, 0, page, 0}, place, 0, 10);
+    return TermRecords(matches, site.files.pages, place, 0, 10).Add({score, 0, page, 0});
   };
   // Scores are twice the weight, and one more for a word of the title.
   EXPECT_TRUE(add(0, 41, 0));

@@ -21,8 +21,8 @@ PageWeights Weights() {
 
 TEST(PageWeights, TermsAddUp) {
   PageWeights weights = Weights();
-  EXPECT_EQ(weights.Add(Record(0), 0, false, 40), 40u);
-  EXPECT_EQ(weights.Add(Record(0, true), 2, false, 30), 30u);
+  EXPECT_EQ(weights.StartTerm(0, false).Add(Record(0), 40), 40u);
+  EXPECT_EQ(weights.StartTerm(2, false).Add(Record(0, true), 30), 30u);
   EXPECT_EQ(weights.At(0).terms, 0b101u);
   EXPECT_EQ(weights.At(0).titleTerms, 0b100u);
 }
@@ -32,8 +32,8 @@ TEST(PageWeights, EveryPageHasItsOwn) {
   for (uint32_t page : {63u, 64u, 99u}) {
     WordMapRecord record = Record(0x80, page == 64);
     record.page = page;
-    weights.Add(record, 0, false, 1);
-    if (page == 99) weights.Add(record, 1, false, 1);
+    weights.StartTerm(0, false).Add(record, 1);
+    if (page == 99) weights.StartTerm(1, false).Add(record, 1);
   }
   for (uint32_t page = 0; page < 100; ++page) {
     const PageWeight weight = weights.At(page);
@@ -45,36 +45,36 @@ TEST(PageWeights, EveryPageHasItsOwn) {
 
 TEST(PageWeights, OfTheWordsOfATermTheHeaviestCounts) {
   PageWeights weights = Weights();
-  EXPECT_EQ(weights.Add(Record(0), 1, true, 40), 40u);
-  EXPECT_EQ(weights.Add(Record(0), 1, true, 30), 0u);
-  EXPECT_EQ(weights.Add(Record(0, true), 1, true, 100), 60u);
+  EXPECT_EQ(weights.StartTerm(1, true).Add(Record(0), 40), 40u);
+  EXPECT_EQ(weights.StartTerm(1, true).Add(Record(0), 30), 0u);
+  EXPECT_EQ(weights.StartTerm(1, true).Add(Record(0, true), 100), 60u);
   EXPECT_EQ(weights.At(0).terms, 0b10u);
   EXPECT_EQ(weights.At(0).titleTerms, 0b10u);
   EXPECT_EQ(weights.At(0).near, 0);
   // The next term begins anew.
-  EXPECT_EQ(weights.Add(Record(0), 2, true, 7), 7u);
-  EXPECT_EQ(weights.Add(Record(0), 2, true, 9), 2u);
+  EXPECT_EQ(weights.StartTerm(2, true).Add(Record(0), 7), 7u);
+  EXPECT_EQ(weights.StartTerm(2, true).Add(Record(0), 9), 2u);
 }
 
 TEST(PageWeights, ATermIsNearTheOneBeforeInTheSameBlock) {
   PageWeights weights = Weights();
-  weights.Add(Record(0x80), 0, false, 1);
-  weights.Add(Record(0x41), 1, false, 1);
+  weights.StartTerm(0, false).Add(Record(0x80), 1);
+  weights.StartTerm(1, false).Add(Record(0x41), 1);
   EXPECT_EQ(weights.At(0).near, 0);
-  weights.Add(Record(0x01), 2, false, 1);
+  weights.StartTerm(2, false).Add(Record(0x01), 1);
   EXPECT_EQ(weights.At(0).near, 1);
   // The blocks of all words of a term.
-  weights.Add(Record(0x20), 3, true, 1);
-  weights.Add(Record(0x10), 3, true, 1);
-  weights.Add(Record(0x20), 4, false, 1);
+  weights.StartTerm(3, true).Add(Record(0x20), 1);
+  weights.StartTerm(3, true).Add(Record(0x10), 1);
+  weights.StartTerm(4, false).Add(Record(0x20), 1);
   EXPECT_EQ(weights.At(0).near, 2);
 }
 
 TEST(PageWeights, TermsBehindThoseToldApartWeighAndNoMore) {
   PageWeights weights = Weights();
-  EXPECT_EQ(weights.Add(Record(0xFF, true), 31, false, 7), 7u);
-  EXPECT_EQ(weights.Add(Record(0xFF, true), 32, false, 9), 9u);
-  EXPECT_EQ(weights.Add(Record(0xFF, true), 32, false, 9), 9u);
+  EXPECT_EQ(weights.StartTerm(31, false).Add(Record(0xFF, true), 7), 7u);
+  EXPECT_EQ(weights.StartTerm(32, false).Add(Record(0xFF, true), 9), 9u);
+  EXPECT_EQ(weights.StartTerm(32, false).Add(Record(0xFF, true), 9), 9u);
   EXPECT_EQ(weights.At(0).terms, 0x80000000u);
   EXPECT_EQ(weights.At(0).titleTerms, 0x80000000u);
   EXPECT_EQ(weights.At(0).near, 0);
@@ -83,8 +83,8 @@ TEST(PageWeights, TermsBehindThoseToldApartWeighAndNoMore) {
 TEST(PageWeights, OfOneTermNothingIsNear) {
   PageWeights weights;
   ASSERT_TRUE(weights.TryAllocate(100, false));
-  EXPECT_EQ(weights.Add(Record(0x80, true), 0, true, 40), 40u);
-  EXPECT_EQ(weights.Add(Record(0x80), 0, true, 50), 10u);
+  EXPECT_EQ(weights.StartTerm(0, true).Add(Record(0x80, true), 40), 40u);
+  EXPECT_EQ(weights.StartTerm(0, true).Add(Record(0x80), 50), 10u);
   EXPECT_EQ(weights.At(0).terms, 1u);
   EXPECT_EQ(weights.At(0).titleTerms, 1u);
   EXPECT_EQ(weights.At(0).near, 0);

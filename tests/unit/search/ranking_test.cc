@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "support/failing_allocation.h"
@@ -204,7 +206,8 @@ struct Ranking {
     EXPECT_TRUE(AllocateMatches(matches, site.settings.NumPages));
   }
   void Add(uint32_t page, uint8_t score, const TermPlace& term = {}) {
-    ASSERT_TRUE(AddMatch(matches, site.files.pages, {score, 0, page, 0}, term, request.sort, 10));
+    ASSERT_TRUE(
+        TermRecords(matches, site.files.pages, term, request.sort, 10).Add({score, 0, page, 0}));
   }
   void Prepare() {
     EXPECT_TRUE(PrepareFilters(filters, {.settings = site.settings,
@@ -389,7 +392,8 @@ TEST(RankMatches, InvalidCategoryIsTold) {
 TEST(RankMatches, PositionsAreCopied) {
   Ranking ranking(DatedPages({0}));
   for (uint64_t position : {11u, 22u, 33u}) {
-    ASSERT_TRUE(AddMatch(ranking.matches, ranking.site.files.pages, {5, 0, 0, position}, {}, 0, 9));
+    ASSERT_TRUE(
+        TermRecords(ranking.matches, ranking.site.files.pages, {}, 0, 9).Add({5, 0, 0, position}));
   }
   ASSERT_EQ(ranking.Rank(1), RankStatus::kOk);
   ASSERT_EQ(ranking.results.size(), 1);
@@ -482,6 +486,39 @@ TEST(SortResults, LongList) {
       EXPECT_GE(list.entries[i - 1].score, entry.score);
     }
   }
+}
+
+// Rows as their pages and scores, in the order of the list once it is sorted.
+std::vector<std::pair<uint32_t, uint32_t>> BestOf(const std::vector<uint32_t>& scores, size_t keeps,
+                                                  size_t most) {
+  BestRows best;
+  EXPECT_TRUE(best.TryAllocate(keeps));
+  for (uint32_t page = 0; page < scores.size(); ++page) best.Offer({page, scores[page], 1});
+  OwnedArray<RankedPage> rows;
+  EXPECT_TRUE(best.Take(most, rows));
+  std::sort(rows.begin(), rows.end(), BestRows::GoesBefore);
+  std::vector<std::pair<uint32_t, uint32_t>> result;
+  for (const RankedPage& row : rows) result.emplace_back(row.page, row.score);
+  return result;
+}
+
+TEST(BestRows, TheHighestScoresAndOfEqualOnesTheFirstPages) {
+  using Rows = std::vector<std::pair<uint32_t, uint32_t>>;
+  EXPECT_EQ(BestOf({5, 9, 5, 7, 9, 5}, 3, 100), (Rows{{1, 9}, {4, 9}, {3, 7}}));
+  EXPECT_EQ(BestOf({5, 9, 5, 7, 9, 5}, 4, 100), (Rows{{1, 9}, {4, 9}, {3, 7}, {0, 5}}));
+  EXPECT_EQ(BestOf({3, 3, 3, 4}, 2, 100), (Rows{{3, 4}, {0, 3}}));
+}
+
+TEST(BestRows, FewerThanAskedFor) {
+  using Rows = std::vector<std::pair<uint32_t, uint32_t>>;
+  EXPECT_EQ(BestOf({2, 8}, 5, 100), (Rows{{1, 8}, {0, 2}}));
+  EXPECT_EQ(BestOf({}, 5, 100), Rows{});
+}
+
+TEST(BestRows, NoMoreThanTheLimitLeaves) {
+  using Rows = std::vector<std::pair<uint32_t, uint32_t>>;
+  EXPECT_EQ(BestOf({2, 8, 6}, 3, 2), (Rows{{1, 8}, {2, 6}}));
+  EXPECT_EQ(BestOf({2, 8, 6}, 3, 0), Rows{});
 }
 
 }  // namespace
