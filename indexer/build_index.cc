@@ -124,7 +124,7 @@ struct SitePages {
 
 // How the pages of the site are read.
 struct PageReading {
-  const FolderSource& source;
+  const Source& source;
   PageWishes wishes;
   ReadingLimits limits;
 };
@@ -133,7 +133,7 @@ struct PageReading {
 // more memory than there is costs the run no more than that page.
 Reason ReadItemPage(const PageReading& reading, const SourceItem& item, Page& page) try {
   FileContent file;
-  const Reason reason = ReadItem(reading.source, item, file);
+  const Reason reason = reading.source.Read(item, file);
   if (reason != Reason::kNone) return reason;
   return ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
 } catch (const std::bad_alloc&) {
@@ -186,27 +186,16 @@ void CheckMissingPages(const Run& run, uint64_t pages) {
                        options.site + " is whole, or run once with --accept-fewer.");
 }
 
-// ".html, .txt": what the name of a page may end in.
-std::string EndingsText(const FileEndings& endings) {
-  std::string text;
-  for (const std::vector<std::string>& ofType : endings) {
-    for (const std::string& ending : ofType) text += (text.empty() ? "." : ", .") + ending;
-  }
-  return text.empty() ? "nothing: none is configured" : text;
-}
-
-[[noreturn]] void RefuseEmptySite(const FolderSource& source, const LeftOut& leftOut) {
+[[noreturn]] void RefuseEmptySite(const std::string& sought, const LeftOut& leftOut) {
   std::string why;
   for (const auto& [reason, group] : GroupsByText(leftOut)) {
     why += "\n  left out: " + std::to_string(group->count) + " (" + reason + ")";
   }
-  throw IndexError(ExitStatus::kNothing, "No page to index was found in " + source.folder.string() +
-                                             ". Pages are files that end in " +
-                                             EndingsText(source.endings) + "." + why);
+  throw IndexError(ExitStatus::kNothing, "No page to index was found " + sought + why);
 }
 
 // Chooses the stemming by what the pages say of their language. Returns what to tell the owner.
-std::string ChooseStemming(const FolderSource& source, const SiteListing& listing,
+std::string ChooseStemming(const Source& source, const SiteListing& listing,
                            const IndexCharset& charset, SiteConfig& config,
                            const volatile std::sig_atomic_t& stop) {
   const std::string language = LanguageOfPages(source, listing.items, stop);
@@ -219,7 +208,7 @@ std::string ChooseStemming(const FolderSource& source, const SiteListing& listin
   return "off, as there is no " + name + " for " + charset.name();
 }
 
-void ReadPages(const FolderSource& source, SiteListing listing, Run& run, SitePages& pages) {
+void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
   const std::vector<SourceItem>& items = listing.items;
   run.summary.files = std::move(listing.leftOut);
@@ -239,7 +228,7 @@ void ReadPages(const FolderSource& source, SiteListing listing, Run& run, SitePa
   }
   if (pages.collection.pages.empty()) {
     WriteReport(run);
-    RefuseEmptySite(source, run.summary.files);
+    RefuseEmptySite(listing.sought, run.summary.files);
   }
   pages.collection.tokens = {};
 }
@@ -394,15 +383,15 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   IndexSummary& summary = run.summary;
   const Finding templateFault = WriteTemplate(options, language.templateWords, charset, folder);
   if (templateFault.reason != Reason::kNone) summary.warnings.push_back(templateFault);
-  const FolderSource source = {.folder = site,
-                               .base = base,
-                               .excluded = options.exclude,
-                               .excludedFolder = folder.target(),
-                               .endings = options.config.endings,
-                               .fileLimit = options.maxFileMegabytes * kMegabyte,
-                               .followLinks = options.followLinks};
+  FolderSource source({.folder = site,
+                       .base = base,
+                       .excluded = options.exclude,
+                       .excludedFolder = folder.target(),
+                       .endings = options.config.endings,
+                       .fileLimit = options.maxFileMegabytes * kMegabyte,
+                       .followLinks = options.followLinks});
   progress.Begin("Looking for pages", 0);
-  SiteListing listing = ListItems(source);
+  SiteListing listing = source.List();
   if (options.config.stemming == kStemmingByPages) {
     summary.stemming = ChooseStemming(source, listing, charset, options.config, stop);
   }

@@ -84,14 +84,14 @@ std::string WrittenLanguage(std::string_view markup, const FunctionWords& functi
 
 }  // namespace
 
-std::string LanguageOfPages(const FolderSource& source, const std::vector<SourceItem>& items,
+std::string LanguageOfPages(const Source& source, const std::vector<SourceItem>& items,
                             const volatile std::sig_atomic_t& stop) {
   const FunctionWords functionWords = ReadFunctionWords();
   std::map<std::string, size_t> pages;
   const size_t step = std::max<size_t>(1, items.size() / kSample);
   for (size_t i = 0; i < items.size() && stop == 0; i += step) {
     FileContent file;
-    if (items[i].type != FileType::kHtml || ReadItem(source, items[i], file) != Reason::kNone) {
+    if (items[i].type != FileType::kHtml || source.Read(items[i], file) != Reason::kNone) {
       continue;
     }
     std::string language = DeclaredLanguage(file.bytes);

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "indexer/source/folder_source.h"
+#include "indexer/source/source.h"
 
 namespace vela::indexer {
 
@@ -16,7 +16,7 @@ namespace vela::indexer {
 // has most function words of. Of two with as many pages the first by name. Looks at some hundred
 // pages of the list, from its start to its end. Empty when no page tells anything. Ends early when
 // `stop` is set.
-std::string LanguageOfPages(const FolderSource& source, const std::vector<SourceItem>& items,
+std::string LanguageOfPages(const Source& source, const std::vector<SourceItem>& items,
                             const volatile std::sig_atomic_t& stop);
 
 // The StemmingAlgorithm for a language by its code; -1 when there is none.

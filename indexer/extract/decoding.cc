@@ -117,8 +117,14 @@ bool ReadsAscii(const std::string& charset) {
   return Convert(kSample, charset, budget, utf8) && utf8 == kSample;
 }
 
-// The converter for the first name that the page declares and that can be true; empty for none.
-std::string DeclaredConverter(std::string_view bytes) {
+// The converter for the first name that the server or the page declares and that can be true; empty
+// for none.
+std::string DeclaredConverter(std::string_view bytes, bool isHtml, std::string_view serverCharset) {
+  if (!serverCharset.empty()) {
+    std::string name = ConverterName(std::string(serverCharset));
+    if (ReadsAscii(name)) return name;
+  }
+  if (!isHtml) return {};
   for (const std::string& declared : DeclaredCharsets(bytes)) {
     std::string name = ConverterName(declared);
     if (ReadsAscii(name)) return name;
@@ -223,8 +229,8 @@ bool MostlyUtf8(std::string_view text) {
 
 }  // namespace
 
-Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
-                     std::string& utf8) {
+Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget, std::string& utf8,
+                     std::string_view serverCharset) {
   constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
   bool isMarked = false;
   if (bytes.starts_with(kUtf8Mark)) {
@@ -234,7 +240,7 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
     if (!Convert(bytes, form->charset, budget, utf8)) return Reason::kNotConverted;
   } else {
     if (LooksBinary(bytes)) return Reason::kBinary;
-    std::string declared = isHtml ? DeclaredConverter(bytes) : std::string();
+    std::string declared = DeclaredConverter(bytes, isHtml, serverCharset);
     if (declared.empty() && IsJapaneseBySwitches(bytes)) declared = "iso-2022-jp";
     CheckBudget(budget);
     if (budget.status != Reason::kNone) return budget.status;

@@ -10,12 +10,13 @@
 namespace vela::indexer {
 
 // Converts `bytes` to UTF-8. The character set is, in this order: that of a byte-order mark; UTF-16
-// or UTF-32, when the bytes are text as such; the one that the markup declares (with `isHtml`);
-// ISO-2022-JP, when all is ASCII and switches to it; UTF-8, when the bytes are valid as such; the
-// one that fits their statistics; windows-1252. What cannot be converted becomes U+FFFD, a NUL
-// becomes a blank. kBinary, kNotConverted: this is no text. Else kNone, or why `budget` ended the
-// reading. Throws std::bad_alloc when there is no memory.
+// or UTF-32, when the bytes are text as such; the one that the server gave (`serverCharset`, in
+// lower case; empty: none); the one that the markup declares (with `isHtml`); ISO-2022-JP, when all
+// is ASCII and switches to it; UTF-8, when the bytes are valid as such; the one that fits their
+// statistics; windows-1252. What cannot be converted becomes U+FFFD, a NUL becomes a blank.
+// kBinary, kNotConverted: this is no text. Else kNone, or why `budget` ended the reading. Throws
+// std::bad_alloc when there is no memory.
 [[nodiscard]] Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
-                                   std::string& utf8);
+                                   std::string& utf8, std::string_view serverCharset = {});
 
 }  // namespace vela::indexer

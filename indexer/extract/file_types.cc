@@ -17,12 +17,12 @@ namespace {
 // As XML what is sent or declared as that. Browsers show nothing but a message of a page that is
 // sent as XML and is not well-formed; its visitors get it in some other way, so it is read all the
 // same.
-Reason ReadHtml(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+Reason ReadHtml(const SourceItem& item, FileContent file, ReadingBudget& budget,
                 PageContent& content) {
   std::string text;
-  Reason reason = ConvertToUtf8(bytes, true, budget, text);
+  Reason reason = ConvertToUtf8(file.bytes, true, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
-  bytes = {};
+  file.bytes = {};
   std::string fault;
   if (item.isXml || text.starts_with("<?xml")) {
     const ReadingBudget whole = budget;
@@ -35,12 +35,12 @@ Reason ReadHtml(const SourceItem& item, std::string bytes, ReadingBudget& budget
   return reason;
 }
 
-Reason ReadPlainText(const SourceItem&, std::string bytes, ReadingBudget& budget,
+Reason ReadPlainText(const SourceItem&, FileContent file, ReadingBudget& budget,
                      PageContent& content) {
   std::string text;
-  const Reason reason = ConvertToUtf8(bytes, false, budget, text);
+  const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
-  bytes = {};
+  file.bytes = {};
   if (!TakeBytes(budget, text.size())) return budget.status;
   ParsePlainTextPage(text, content);
   return Reason::kNone;
@@ -48,7 +48,7 @@ Reason ReadPlainText(const SourceItem&, std::string bytes, ReadingBudget& budget
 
 struct TypeReader {
   FileType type;
-  Reason (*read)(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+  Reason (*read)(const SourceItem& item, FileContent file, ReadingBudget& budget,
                  PageContent& content);
 };
 
@@ -67,9 +67,9 @@ static_assert(EachTypeHasItsPlace());
 
 }  // namespace
 
-Reason ReadContent(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+Reason ReadContent(const SourceItem& item, FileContent file, ReadingBudget& budget,
                    PageContent& content) {
-  return kTypeReaders[static_cast<size_t>(item.type)].read(item, std::move(bytes), budget, content);
+  return kTypeReaders[static_cast<size_t>(item.type)].read(item, std::move(file), budget, content);
 }
 
 }  // namespace vela::indexer

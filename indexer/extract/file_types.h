@@ -2,18 +2,17 @@
 // the endings by which the source knows it (source/file_endings.h).
 #pragma once
 
-#include <string>
-
 #include "indexer/extract/page.h"
 #include "indexer/extract/reading_budget.h"
 #include "indexer/report/reason.h"
+#include "indexer/source/file_reading.h"
 #include "indexer/source/source_item.h"
 
 namespace vela::indexer {
 
-// Brings the bytes of an item's file into `content`, within `budget`. kNone, or why the page
-// is left out.
-[[nodiscard]] Reason ReadContent(const SourceItem& item, std::string bytes, ReadingBudget& budget,
+// Brings what `file` holds of an item into `content`, within `budget`. kNone, or why the page is
+// left out.
+[[nodiscard]] Reason ReadContent(const SourceItem& item, FileContent file, ReadingBudget& budget,
                                  PageContent& content);
 
 }  // namespace vela::indexer

@@ -59,7 +59,9 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
                 const ReadingLimits& limits, Page& page) {
   page = Page();
   ReadingBudget budget = StartReading(limits, file.bytes.size());
-  const Reason reason = ReadContent(item, std::move(file.bytes), budget, page.content);
+  const uint64_t fileSize = file.size;
+  const int64_t fileTime = file.modifiedTime;
+  const Reason reason = ReadContent(item, std::move(file), budget, page.content);
   if (reason != Reason::kNone) return reason;
   const PageContent& content = page.content;
   if (content.body.empty() && content.title.empty() && content.description.empty()) {
@@ -72,10 +74,10 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
       .canonical = CanonicalAddress(content, item.address),
       .title = PageTitle(content, item.path),
       .image = wishes.images ? PageImage(content, item.address) : std::string(),
-      .fileSize = file.size,
-      .time = PageDate(content, file.modifiedTime, wishes.dates),
+      .fileSize = fileSize,
+      .time = PageDate(content, fileTime, wishes.dates),
       .ownTime = PageDate(content, 0, wishes.dates),
-      .fileTime = file.modifiedTime,
+      .fileTime = fileTime,
       .fileType = item.type,
   };
   return Reason::kNone;

@@ -24,6 +24,7 @@ struct OpenFile {
 
 Reason ReadRegularFile(const std::string& path, uint64_t limit, FileContent& out) {
   out.bytes.clear();
+  out.charset.clear();
   // Opened without following a link and without waiting for a writer, should the entry have become
   // a link or a pipe since the walk.
   const OpenFile file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));

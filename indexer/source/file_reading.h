@@ -11,7 +11,8 @@ namespace vela::indexer {
 struct FileContent {
   std::string bytes;
   uint64_t size = 0;         // of the file
-  int64_t modifiedTime = 0;  // seconds since 1970, UTC
+  int64_t modifiedTime = 0;  // seconds since 1970, UTC; 0: not known
+  std::string charset = {};  // that its server gives, in lower case; empty for files
 };
 
 // Reads `path`, which must be a regular file and no symbolic link, of at most `limit` bytes.

@@ -24,12 +24,12 @@ bool IsWithin(const fs::path& inner, const fs::path& outer) {
 }
 
 // None when the name is not that of a page.
-std::optional<FileType> TypeOf(const std::string& name, const FolderSource& source) {
+std::optional<FileType> TypeOf(const std::string& name, const SiteFolder& site) {
   const size_t dot = name.rfind('.');
   if (dot == name.npos) return {};
   const std::string ending = LowerAsciiCopy(std::string_view(name).substr(dot + 1));
   for (size_t type = 0; type < kFileTypeCount; ++type) {
-    const std::vector<std::string>& endings = source.endings[type];
+    const std::vector<std::string>& endings = site.endings[type];
     if (std::ranges::find(endings, ending) != endings.end()) return static_cast<FileType>(type);
   }
   return {};
@@ -66,6 +66,15 @@ bool IsFurniture(std::string_view ending) {
   return !ending.empty() && std::ranges::find(kFurniture, ending.substr(1)) != std::end(kFurniture);
 }
 
+// ".html, .txt": what the name of a page may end in.
+std::string EndingsText(const FileEndings& endings) {
+  std::string text;
+  for (const std::vector<std::string>& ofType : endings) {
+    for (const std::string& ending : ofType) text += (text.empty() ? "." : ", .") + ending;
+  }
+  return text.empty() ? "nothing: none is configured" : text;
+}
+
 // A folder or file of the site.
 struct Place {
   std::string path;  // as SourceItem has it; "" is the site itself
@@ -80,8 +89,7 @@ Place Inside(const Place& folder, const std::string& name) {
 // One reading of the site's folders.
 class Walk {
  public:
-  explicit Walk(const FolderSource& source)
-      : source_(source), usedPatterns_(source.excluded.size()) {}
+  explicit Walk(const SiteFolder& site) : site_(site), usedPatterns_(site.excluded.size()) {}
 
   SiteListing List() {
     seen_.insert("");
@@ -97,7 +105,7 @@ class Walk {
     std::ranges::sort(out_.items, {}, &SourceItem::path);
     for (size_t i = 0; i < usedPatterns_.size(); ++i) {
       if (usedPatterns_[i]) continue;
-      out_.unused.push_back({Reason::kUnusedExclude, {}, source_.excluded[i]});
+      out_.unused.push_back({Reason::kUnusedExclude, {}, site_.excluded[i]});
     }
     return std::move(out_);
   }
@@ -106,10 +114,10 @@ class Walk {
   bool IsExcluded(const std::string& name, const std::string& path) {
     bool excluded =
         name.starts_with('.') || std::ranges::find(kNeverPages, name) != std::end(kNeverPages);
-    for (size_t i = 0; i < source_.excluded.size(); ++i) {
+    for (size_t i = 0; i < site_.excluded.size(); ++i) {
       // One pattern is enough; the others are only looked at until each was of use.
       if (excluded && usedPatterns_[i]) continue;
-      std::string pattern = source_.excluded[i];
+      std::string pattern = site_.excluded[i];
       if (pattern.ends_with('/')) pattern.pop_back();  // "drafts/" is a folder
       if (fnmatch(pattern.c_str(), name.c_str(), 0) != 0 &&
           fnmatch(pattern.c_str(), path.c_str(), 0) != 0) {
@@ -133,11 +141,11 @@ class Walk {
   // Takes the pages of one folder; the folders in it join `folders`.
   void ReadFolder(const Place& folder, std::vector<Place>& folders) {
     std::error_code error;
-    fs::directory_iterator entries(source_.folder / folder.file, error);
+    fs::directory_iterator entries(site_.folder / folder.file, error);
     if (error) {
       if (folder.path.empty()) {
         throw IndexError(ExitStatus::kFailed, "Cannot read the site folder " +
-                                                  source_.folder.string() + ": " + error.message() +
+                                                  site_.folder.string() + ": " + error.message() +
                                                   ". Check --site and the folder's permissions.");
       }
       AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.path);
@@ -152,14 +160,14 @@ class Walk {
         AddLeftOut(out_.leftOut, Reason::kFileNotRead, place.path);
       } else if (IsExcluded(name, place.path)) {
         // Left out on purpose: no reason to report.
-      } else if (type == fs::file_type::symlink && source_.followLinks) {
+      } else if (type == fs::file_type::symlink && site_.followLinks) {
         links_.push_back(std::move(place));
       } else if (type == fs::file_type::symlink) {
         NoteLink(place, Reason::kSymbolicLink);
       } else if (type != fs::file_type::directory) {
         TakeFile(std::move(place), type);
       } else if (IsNew(place)) {
-        if (source_.folder / place.file != source_.excludedFolder) {
+        if (site_.folder / place.file != site_.excludedFolder) {
           folders.push_back(std::move(place));
         }
       }
@@ -173,7 +181,7 @@ class Walk {
 
   void TakeFile(Place place, fs::file_type fileType) {
     const std::string name = fs::path(place.path).filename().string();
-    const std::optional<FileType> type = TypeOf(name, source_);
+    const std::optional<FileType> type = TypeOf(name, site_);
     if (!type.has_value()) {
       const std::string ending = EndingOf(name);
       if (fileType == fs::file_type::regular && !IsFurniture(ending)) {
@@ -191,7 +199,7 @@ class Walk {
     }
     if (!IsNew(place)) return;
     if (place.file == place.path) place.file.clear();
-    std::string address = PageAddress(source_.base, place.path);
+    std::string address = PageAddress(site_.base, place.path);
     const bool isXml = IsXml(place.path);
     out_.items.push_back(
         {std::move(place.path), std::move(address), *type, std::move(place.file), isXml});
@@ -200,21 +208,20 @@ class Walk {
   // A link that was not followed is worth a word where it might have led to pages.
   void NoteLink(const Place& link, Reason reason) {
     std::error_code error;
-    if (TypeOf(link.path, source_).has_value() ||
-        fs::is_directory(source_.folder / link.file, error)) {
+    if (TypeOf(link.path, site_).has_value() || fs::is_directory(site_.folder / link.file, error)) {
       AddLeftOut(out_.leftOut, reason, link.path);
     }
   }
 
   void Follow(const Place& link) {
     std::error_code error;
-    const fs::path target = fs::canonical(source_.folder / link.file, error);
-    if (error || !IsWithin(target, source_.folder)) {
+    const fs::path target = fs::canonical(site_.folder / link.file, error);
+    if (error || !IsWithin(target, site_.folder)) {
       NoteLink(link, Reason::kLinkOutside);
       return;
     }
-    if (!source_.excludedFolder.empty() && IsWithin(target, source_.excludedFolder)) return;
-    const fs::path file = target.lexically_relative(source_.folder);
+    if (!site_.excludedFolder.empty() && IsWithin(target, site_.excludedFolder)) return;
+    const fs::path file = target.lexically_relative(site_.folder);
     Place place = {link.path, file == "." ? std::string() : file.string()};
     const fs::file_type type = fs::status(target, error).type();
     if (seen_.contains(place.file)) {
@@ -229,25 +236,30 @@ class Walk {
 
   // Whether this is the first way to that folder or page. Without links there is but one.
   bool IsNew(const Place& place) {
-    if (!source_.followLinks || seen_.insert(place.file).second) return true;
+    if (!site_.followLinks || seen_.insert(place.file).second) return true;
     AddLeftOut(out_.leftOut, Reason::kLinkNotFollowed, place.path);
     return false;
   }
 
-  const FolderSource& source_;
+  const SiteFolder& site_;
   SiteListing out_;
-  std::vector<bool> usedPatterns_;        // beside source_.excluded
+  std::vector<bool> usedPatterns_;        // beside site_.excluded
   std::vector<Place> links_;              // still to be followed
   std::unordered_set<std::string> seen_;  // Place::file of folders and pages
 };
 
 }  // namespace
 
-SiteListing ListItems(const FolderSource& source) { return Walk(source).List(); }
+SiteListing FolderSource::List() {
+  SiteListing listing = Walk(site_).List();
+  listing.sought = "in " + site_.folder.string() + ". Pages are files that end in " +
+                   EndingsText(site_.endings) + ".";
+  return listing;
+}
 
-Reason ReadItem(const FolderSource& source, const SourceItem& item, FileContent& content) {
-  return ReadRegularFile((source.folder / (item.file.empty() ? item.path : item.file)).string(),
-                         source.fileLimit, content);
+Reason FolderSource::Read(const SourceItem& item, FileContent& content) const {
+  return ReadRegularFile((site_.folder / (item.file.empty() ? item.path : item.file)).string(),
+                         site_.fileLimit, content);
 }
 
 }  // namespace vela::indexer

@@ -8,11 +8,14 @@
 namespace vela::indexer {
 
 struct SourceItem {
-  std::string path;  // from the site's folder on, "/" between the names, as the file system has it
+  // What messages call it. Of a folder: from there on, "/" between the names, as the file system
+  // has it.
+  std::string path;
   std::string address;  // made by PageAddress
   FileType type = FileType::kHtml;
-  std::string file = {};  // like `path`, links resolved; empty where that is the same
-  bool isXml = false;     // of kHtml: web servers send it as XML
+  std::string file = {};       // like `path`, links resolved; empty where that is the same
+  bool isXml = false;          // of kHtml: web servers send it as XML
+  std::string mediaType = {};  // that its server gives, in lower case; empty for files
 };
 
 }  // namespace vela::indexer

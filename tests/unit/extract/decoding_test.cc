@@ -197,5 +197,31 @@ TEST(Decoding, RefusesBinaryFiles) {
   EXPECT_EQ(ConvertToUtf8(std::string(1000, '\x01'), false, utf8), Reason::kBinary);
 }
 
+TEST(Decoding, BelievesTheServerBeforeThePage) {
+  const struct {
+    const char* what;
+    std::string bytes;
+    bool isHtml;
+    const char* serverCharset;
+    std::string expected;
+  } kCases[] = {
+      {"over the page's word", "<meta charset=iso-8859-1>\xB3", true, "iso-8859-2",
+       "<meta charset=iso-8859-1>\u0142"},
+      {"for plain text too", "\xC1", false, "koi8-r", "\u0430"},
+      {"under a mark", "\xEF\xBB\xBF\xC3\xA9", true, "iso-8859-1", "\u00E9"},
+      {"not where there is no such set", "<meta charset=koi8-r>\xC1", true, "none-such",
+       "<meta charset=koi8-r>\u0430"},
+      {"not where it is not the set at all", "caf\xE9 caf\xE9", false, "utf-8",
+       "caf\u00E9 caf\u00E9"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    ReadingBudget budget;
+    std::string utf8;
+    EXPECT_EQ(ConvertToUtf8(c.bytes, c.isHtml, budget, utf8, c.serverCharset), Reason::kNone);
+    EXPECT_EQ(utf8, c.expected);
+  }
+}
+
 }  // namespace
 }  // namespace vela::indexer

@@ -17,22 +17,26 @@ struct Walk {
   std::vector<Finding> unused;
 };
 
-FolderSource SourceOf(const fs::path& folder) {
-  FolderSource source;
-  source.folder = folder;
-  source.base = "https://x.example/docs/";
-  source.endings = DefaultFileEndings();
-  source.fileLimit = 4;
-  return source;
+SiteFolder SiteAt(const fs::path& folder) {
+  return {.folder = folder,
+          .base = "https://x.example/docs/",
+          .excluded = {},
+          .excludedFolder = {},
+          .endings = DefaultFileEndings(),
+          .fileLimit = 4};
+}
+
+std::vector<SourceItem> ItemsOf(const fs::path& folder) {
+  return FolderSource(SiteAt(folder)).List().items;
 }
 
 Walk WalkOf(const TestSite& site, const std::vector<std::string>& excluded = {},
             const fs::path& excludedFolder = {}, bool followLinks = false) {
-  FolderSource source = SourceOf(site.folder);
-  source.excluded = excluded;
-  source.excludedFolder = excludedFolder;
-  source.followLinks = followLinks;
-  SiteListing listing = ListItems(source);
+  SiteFolder wanted = SiteAt(site.folder);
+  wanted.excluded = excluded;
+  wanted.excludedFolder = excludedFolder;
+  wanted.followLinks = followLinks;
+  SiteListing listing = FolderSource(wanted).List();
   Walk walk{.paths = {},
             .leftOut = std::move(listing.leftOut),
             .otherKinds = std::move(listing.otherKinds),
@@ -114,14 +118,15 @@ TEST(FolderSource, ReadsTheFileThatALinkLeadsTo) {
   const TestSite site;
   site.Add("releases/5/c.html", "x");
   fs::create_directory_symlink("releases/5", site.folder / "current");
-  FolderSource source = SourceOf(site.folder);
-  source.excluded = {"releases"};
-  source.followLinks = true;
-  const std::vector<SourceItem> items = ListItems(source).items;
+  SiteFolder wanted = SiteAt(site.folder);
+  wanted.excluded = {"releases"};
+  wanted.followLinks = true;
+  FolderSource source(wanted);
+  const std::vector<SourceItem> items = source.List().items;
   ASSERT_EQ(items.size(), 1u);
   EXPECT_EQ(items[0].address, "https://x.example/docs/current/c.html");
   FileContent content;
-  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kNone);
+  EXPECT_EQ(source.Read(items[0], content), Reason::kNone);
   EXPECT_EQ(content.bytes, "x");
 }
 
@@ -176,7 +181,7 @@ TEST(FolderSource, LeavesOutTheIndexInsideTheSite) {
 
 TEST(FolderSource, SaysWhenTheSiteCannotBeRead) {
   try {
-    ListItems(SourceOf("/nonexistent/site"));
+    ItemsOf("/nonexistent/site");
     FAIL();
   } catch (const IndexError& error) {
     EXPECT_EQ(error.status, ExitStatus::kFailed);
@@ -187,7 +192,7 @@ TEST(FolderSource, SaysWhenTheSiteCannotBeRead) {
 TEST(FolderSource, KnowsWhatIsSentAsXml) {
   const TestSite site;
   for (const char* name : {"1.html", "2.XHTML", "3.xht", "4.xhtml.txt"}) site.Add(name, "x");
-  const std::vector<SourceItem> items = ListItems(SourceOf(site.folder)).items;
+  const std::vector<SourceItem> items = ItemsOf(site.folder);
   ASSERT_EQ(items.size(), 4u);
   EXPECT_FALSE(items[0].isXml);
   EXPECT_TRUE(items[1].isXml);
@@ -198,21 +203,21 @@ TEST(FolderSource, KnowsWhatIsSentAsXml) {
 TEST(FolderSource, ItemsHaveAddressesAndAreRead) {
   const TestSite site;
   site.Add("a b.html", "<p>x", 1000000001);
-  const FolderSource source = SourceOf(site.folder);
-  const std::vector<SourceItem> items = ListItems(source).items;
+  FolderSource source(SiteAt(site.folder));
+  const std::vector<SourceItem> items = source.List().items;
   ASSERT_EQ(items.size(), 1u);
   EXPECT_EQ(items[0].address, "https://x.example/docs/a%20b.html");
   FileContent content;
-  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kNone);
+  EXPECT_EQ(source.Read(items[0], content), Reason::kNone);
   EXPECT_EQ(content.bytes, "<p>x");
   EXPECT_EQ(content.size, 4u);
   EXPECT_EQ(content.modifiedTime, 1000000001);
   site.Add("a b.html", "<p>xy");
-  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kFileTooLarge);
+  EXPECT_EQ(source.Read(items[0], content), Reason::kFileTooLarge);
   fs::remove(site.folder / "a b.html");
-  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kFileNotOpened);
+  EXPECT_EQ(source.Read(items[0], content), Reason::kFileNotOpened);
   fs::create_symlink("/dev/null", site.folder / "a b.html");
-  EXPECT_EQ(ReadItem(source, items[0], content), Reason::kFileNotOpened);
+  EXPECT_EQ(source.Read(items[0], content), Reason::kFileNotOpened);
 }
 
 }  // namespace
