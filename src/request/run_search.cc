@@ -66,7 +66,7 @@ int CreateStemmer(SearchContext& ctx) {
 int PrepareSearch(SearchContext& ctx, SearchState& state) {
   const Settings& settings = ctx.settings;
   if (!AllocateMatches(state.matches, settings.NumPages) ||
-      !DropStopWords(ctx.query.terms, View(ctx.query.text), settings) ||
+      !DropStopWords(ctx.query.terms, View(ctx.query.text), settings, ctx.query.dropped) ||
       (settings.Ranking == 1 && !AllocateWeights(state.matches, ctx.query.terms.size())) ||
       !CutRunsOfTerms(ctx.query.terms, settings) ||
       !AddSubstringAsterisks(ctx.query.terms, settings) ||
@@ -84,6 +84,7 @@ int PrepareSearch(SearchContext& ctx, SearchState& state) {
     return EndWith(ctx, Message::kOutOfMemoryForSearch);
   }
   state.everyPage = ctx.search.metaOnly || IsOnlySiteRestriction(state.terms);
+  state.terms.dropped = {ctx.query.dropped.data(), ctx.query.dropped.size()};
   state.terms.phraseBudget = {.maxSeeks = settings.MaxContextSeeks,
                               .deadline = ctx.startTime + settings.MaxSearchTime,
                               .now = CurrentTime};

@@ -237,9 +237,15 @@ Corrections MakeCorrections(const TermSearch& search, const CorrectionInput& inp
       Append(offers.texts[i], View(meant.words[static_cast<size_t>(i < meant.count ? i : 0)].text));
     }
   };
+  auto dropped = search.dropped.begin();
   for (size_t i = 0; i < search.terms.size(); ++i) {
     const std::string_view shown = WithoutAddedAsterisks(search.terms[i].shown, settings);
     if (i > 0) appendToAll(" ");
+    for (; dropped != search.dropped.end() && dropped->place == static_cast<int32_t>(i);
+         ++dropped) {
+      appendToAll(dropped->word);
+      appendToAll(" ");
+    }
     const bool isPhrase = IsPhrase(shown, settings);
     const bool isExclusion = shown.starts_with('-');
     const bool isFixed = isExclusion || HasWildcard(shown) || ReadSiteRestriction(shown).active ||
@@ -267,6 +273,10 @@ Corrections MakeCorrections(const TermSearch& search, const CorrectionInput& inp
     } else {
       appendWord(shown);
     }
+  }
+  for (; dropped != search.dropped.end(); ++dropped) {
+    appendToAll(" ");
+    appendToAll(dropped->word);
   }
   if (corrected == 0) return Corrections();
   corrections.isCertain = isCertain;

@@ -37,7 +37,8 @@ inline bool CorrectsByLetters(const Settings& s) {
 // Replaces each word of the query, those of phrases too, that is on fewer pages than
 // SpellingWhenLessThan by one that is written nearly as it, on more pages, and nearest: by what the
 // slips cost, by the pages that it is on, and by those that other terms found. What has no such
-// word stays as it was typed; patterns, exclusions and restrictions of the addresses stay, too.
+// word stays as it was typed; patterns, exclusions and restrictions of the addresses stay, too, and
+// so do words that were dropped from the query.
 Corrections MakeCorrections(const TermSearch& search, const CorrectionInput& input);
 
 }  // namespace vela

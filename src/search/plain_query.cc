@@ -57,10 +57,18 @@ void DropUnmeantSigns(QueryText& text) {
 }
 
 bool HasOnlyExclusions(const TermList& terms) {
-  const auto isExclusion = [](std::string_view term) {
-    return term.starts_with('-') && !ReadSiteRestriction(term.substr(1)).active;
+  const auto isRestriction = [](std::string_view term) {
+    return ReadSiteRestriction(term.starts_with('-') ? term.substr(1) : term).active;
   };
-  return terms.size() > 0 && std::all_of(terms.terms.begin(), terms.terms.end(), isExclusion);
+  const auto isExclusion = [&](std::string_view term) {
+    return term.starts_with('-') && !isRestriction(term);
+  };
+  const auto findsNothing = [&](std::string_view term) {
+    return isExclusion(term) || isRestriction(term);
+  };
+  const auto& all = terms.terms;
+  return std::any_of(all.begin(), all.end(), isExclusion) &&
+         std::all_of(all.begin(), all.end(), findsNothing);
 }
 
 }  // namespace vela

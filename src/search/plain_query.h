@@ -12,7 +12,8 @@ namespace vela {
 // separated.
 void DropUnmeantSigns(QueryText& text);
 
-// Whether the terms only say what pages must not hold, so that none can be found.
+// Whether the terms only say what pages must not hold, and perhaps where they are, so that none can
+// be found.
 bool HasOnlyExclusions(const TermList& terms);
 
 }  // namespace vela

@@ -26,14 +26,21 @@ struct TermList {
   std::string_view operator[](int32_t i) const { return terms[static_cast<size_t>(i)]; }
 };
 
+// A word of the query that is not searched for (stop_words.h).
+struct DroppedWord {
+  std::string_view word;  // in the settings
+  int32_t place = 0;      // of the term ahead of which it stood; the number of terms: behind them
+};
+
 struct Query {
   QueryText typed;            // as the request has it
   DisplayQuery typedDisplay;  // escaped for HTML
   QueryText text;             // normalised
   DisplayQuery display;       // escaped for HTML
   TermList terms;
-  bool hasPhrase = false;  // some character lay inside quotes
-  bool isParsed = false;   // all but `typed` and `typedDisplay` is set
+  OwnedArray<DroppedWord> dropped;  // by place
+  bool hasPhrase = false;           // some character lay inside quotes
+  bool isParsed = false;            // all but `typed` and `typedDisplay` is set
 };
 
 // Folds accents, lower-cases, and replaces what separates words by blanks, as the settings say.

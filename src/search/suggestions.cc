@@ -113,9 +113,19 @@ Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spell
       }
     }
     if (i > 0) Append(suggestions.texts[0], " ");
+    for (const DroppedWord& dropped : search.dropped) {
+      if (dropped.place != static_cast<int32_t>(i)) continue;
+      Append(suggestions.texts[0], dropped.word);
+      Append(suggestions.texts[0], " ");
+    }
     Append(suggestions.texts[0], piece);
   }
   if (!isOffered) return Suggestions();
+  for (const DroppedWord& dropped : search.dropped) {
+    if (dropped.place != static_cast<int32_t>(search.terms.size())) continue;
+    Append(suggestions.texts[0], " ");
+    Append(suggestions.texts[0], dropped.word);
+  }
   suggestions.count = std::max(suggestions.count, 1);
   return suggestions;
 }

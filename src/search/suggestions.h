@@ -25,7 +25,7 @@ struct Suggestions {
 bool HasRareTerm(const TermSearch& search, const Settings& settings);
 
 // Replaces each term with fewer records than SpellingWhenLessThan by a dictionary word that sounds
-// alike; one for which there is none is left out.
+// alike; one for which there is none is left out, with the dropped words ahead of it.
 Suggestions MakeSuggestions(const TermSearch& search, const SpellingTable& spelling,
                             const Dictionary& dictionary, const Settings& settings,
                             Stemmer& stemmer);

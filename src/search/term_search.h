@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "index/dictionary.h"
@@ -52,9 +53,10 @@ struct TermSearch {
   SkippedTerms skipped;
   MatchBudget matchBudget;
   PhraseBudget phraseBudget;
-  int32_t skippedCount = 0;   // terms that AND mode does not ask for
-  int32_t excludedCount = 0;  // exclusions and site restrictions
-  SiteRestriction site;       // of the last term that is one
+  int32_t skippedCount = 0;              // terms that AND mode does not ask for
+  int32_t excludedCount = 0;             // exclusions and site restrictions
+  SiteRestriction site;                  // of the last term that is one
+  std::span<const DroppedWord> dropped;  // from the query, by place; offers have them, too
 };
 
 // Takes the terms over; their list must outlive the search. False when memory is out.

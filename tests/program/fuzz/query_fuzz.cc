@@ -62,9 +62,13 @@ void CheckQuery(const Query& query, const Settings& settings) {
 // Stop words leave something to search for, and every term where they are searched for themselves.
 void CheckStopWords(Query& query, const Settings& settings) {
   const int32_t before = query.terms.size();
-  VELA_CHECK(DropStopWords(query.terms, View(query.text), settings));
+  VELA_CHECK(DropStopWords(query.terms, View(query.text), settings, query.dropped));
   const int32_t after = query.terms.size();
   VELA_CHECK(after <= before && (after > 0 || before == 0));
+  VELA_CHECK(static_cast<int32_t>(query.dropped.size()) == before - after);
+  for (const DroppedWord& dropped : query.dropped) {
+    VELA_CHECK(dropped.place >= 0 && dropped.place <= after);
+  }
   for (int32_t i = 0; i < after && after < before; ++i) {
     const bool isInQuotes = settings.AllowExactPhrase != 0;
     VELA_CHECK(query.terms[i] != "the" || isInQuotes);

@@ -533,9 +533,8 @@ def summary(c):
             count_phrase(c, c.total, "SUMMARY_FOUND")
     else:
         c.section(9, s.text("SUMMARY_NO_RESULTS_FOUND"))
-        if s.PlainQueries == 1 and c.terms and all(
-                term.text.startswith(b"-") and not vela_query.is_site(term.text)
-                for term in c.terms):
+        finding = [term for term in c.terms if not vela_query.is_site(term.text)]
+        if s.PlainQueries == 1 and finding and all(t.text.startswith(b"-") for t in finding):
             c.section(9, b" This search only says what to leave out. Please add a word to look for.")
     c.section(9, b"<br />\n</div>\n")
 

@@ -301,6 +301,7 @@ def split_terms(query):
 
 
 def drop_stop_words(s, terms, query):
+    """The terms kept, and for each place between them, first and last included, what was dropped."""
     listed = s.StopWords.split(b" ")
 
     def is_stop_word(term):
@@ -311,8 +312,15 @@ def drop_stop_words(s, terms, query):
                 and len(term) >= s.MinWordLen and not is_stop_word(term))
 
     if any(is_searched(term) for term in terms):
-        return [term for term in terms if not is_stop_word(term)]
-    return terms
+        kept, dropped = [], [[]]
+        for term in terms:
+            if is_stop_word(term):
+                dropped[-1].append(term)
+            else:
+                kept.append(term)
+                dropped.append([])
+        return kept, dropped
+    return terms, [[] for _ in range(len(terms) + 1)]
 
 
 def is_site(term):

@@ -117,7 +117,8 @@ def run_search(c):
     vela_page.heading(c)
     c.pages = [Page() for _ in range(s.NumPages)]
     c.terms = []
-    for text in drop_stop_words(s, c.term_texts, c.query):
+    kept, c.dropped = drop_stop_words(s, c.term_texts, c.query)
+    for text in kept:
         phrase = s.AllowExactPhrase == 1 and b" " in text
         if s.SearchAsSubstring == 1:
             text = substring_term(s, text)
@@ -1077,7 +1078,8 @@ def suggest(c):
             if piece is None:
                 continue
             offered += 1
-        text += (b" " if i else b"") + piece
+        text += (b" " if i else b"") + b"".join(word + b" " for word in c.dropped[i]) + piece
+    text += b"".join(b" " + word for word in c.dropped[-1])
     return [text] + alternatives if offered else []
 
 

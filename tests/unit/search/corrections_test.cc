@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "search/stop_words.h"
 #include "support/corrections_file.h"
 #include "support/loaded_site.h"
 
@@ -58,7 +59,9 @@ struct Site {
     TermSearch search;
     Set(query.typed, typed);
     EXPECT_TRUE(ParseQuery(query, site.settings));
+    EXPECT_TRUE(DropStopWords(query.terms, View(query.text), site.settings, query.dropped));
     EXPECT_TRUE(StartTermSearch(search, query.terms, site.settings));
+    search.dropped = {query.dropped.data(), query.dropped.size()};
     for (SearchedTerm& term : search.terms) {
       const int32_t number = site.dictionary.FindExact(View(term.word), 2);
       if (number < 0) continue;
@@ -135,6 +138,27 @@ TEST(Corrections, QueriesTable) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     EXPECT_EQ(Site(Words()).For(c.typed), c.expected);
+  }
+}
+
+TEST(Corrections, StopWordsStayWhereTheyWere) {
+  const struct {
+    const char* what;
+    const char* typed;
+    const char* expected;
+  } cases[] = {
+      {"between", "fucntion the library", "function the library!"},
+      {"ahead", "how to the libary", "how to the library!"},
+      {"behind", "libary how to", "library how to!"},
+      {"on all sides", "how fucntion to libary the", "how function to library the!"},
+      {"ahead of an exclusion", "libary -cat the", "library the -cat!"},
+      {"a phrase has its own, and no page has it", "\"the libary\" how", "\"the library\" how"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Site site(Words());
+    Set(site.site.settings.StopWords, "how the to");
+    EXPECT_EQ(site.For(c.typed), c.expected);
   }
 }
 

@@ -87,7 +87,11 @@ TEST(PlainQuery, TellsQueriesOfExclusionsAlone) {
       {"two", "-a -\"b c\"", true},
       {"a word as well", "a -b", false},
       {"a restriction", "-site:x", false},
-      {"a restriction as well", "-a site:x", false},
+      {"a restriction as well", "-a site:x", true},
+      {"behind a restriction", "url:x -a -b", true},
+      {"beside a restriction written as an exclusion", "-a -site:x", true},
+      {"restrictions alone", "site:x url:y", false},
+      {"a word beside both", "-a site:x b", false},
       {"nothing", "", false},
   };
   for (const auto& c : kCases) {

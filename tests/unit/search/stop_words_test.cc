@@ -24,7 +24,7 @@ Terms Kept(const std::string& text, const Settings& settings) {
   Query query;
   Set(query.typed, text);
   EXPECT_TRUE(ParseQuery(query, settings));
-  EXPECT_TRUE(DropStopWords(query.terms, View(query.text), settings));
+  EXPECT_TRUE(DropStopWords(query.terms, View(query.text), settings, query.dropped));
   return {query.terms.terms.begin(), query.terms.terms.end()};
 }
 
@@ -54,6 +54,20 @@ TEST(StopWords, AreDroppedBesideAnotherWord) {
   }
 }
 
+TEST(StopWords, WhatWasDroppedHasItsPlace) {
+  Query query;
+  Set(query.typed, "what is a tuple -is in list a");
+  const Settings settings = SettingsWith("a is what");
+  ASSERT_TRUE(ParseQuery(query, settings));
+  ASSERT_TRUE(DropStopWords(query.terms, View(query.text), settings, query.dropped));
+  Terms places;
+  for (const DroppedWord& dropped : query.dropped) {
+    places.push_back(std::to_string(dropped.place) + " " + std::string(dropped.word));
+  }
+  // Terms: tuple, in, list, -is.
+  EXPECT_EQ(places, (Terms{"0 what", "0 is", "0 a", "3 a"}));
+}
+
 TEST(StopWords, NoneAreDroppedWithoutTheKey) {
   EXPECT_EQ(Kept("a tuple", SettingsWith("")), (Terms{"a", "tuple"}));
 }
@@ -71,7 +85,7 @@ TEST(StopWords, TheQueryStaysAsItWasWithoutMemory) {
   Set(query.typed, "a tuple");
   ASSERT_TRUE(ParseQuery(query, settings));
   g_failAllocationNumber = 1;
-  EXPECT_FALSE(DropStopWords(query.terms, View(query.text), settings));
+  EXPECT_FALSE(DropStopWords(query.terms, View(query.text), settings, query.dropped));
   g_failAllocationNumber = 0;
   EXPECT_EQ(query.terms.size(), 2);
 }

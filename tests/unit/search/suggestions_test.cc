@@ -220,6 +220,27 @@ TEST(Suggestions, LongQueryIsCut) {
   EXPECT_EQ(texts, Texts{whole.substr(0, 10239)});
 }
 
+TEST(Suggestions, DroppedWordsStayWhereTheyWere) {
+  Speller speller(Sounds());
+  const auto offered = [&](const std::vector<std::string>& words,
+                           const std::vector<DroppedWord>& dropped) {
+    TermSearch search;
+    EXPECT_TRUE(search.terms.TryAllocate(words.size()));
+    for (size_t i = 0; i < words.size(); ++i) {
+      search.terms[i].shown = words[i];
+      Set(search.terms[i].word, words[i]);
+    }
+    search.dropped = dropped;
+    const Suggestions made = MakeSuggestions(search, speller.table, speller.site.dictionary,
+                                             speller.site.settings, speller.stemmer);
+    return std::string(made.texts[0].bytes);
+  };
+  EXPECT_EQ(offered({"gardin", "kut"}, {{"how", 0}, {"the", 1}, {"a", 1}, {"to", 2}}),
+            "how garden the a cat to");
+  // What sounds like nothing goes, and so do those ahead of it.
+  EXPECT_EQ(offered({"gardin", "zzz", "kut"}, {{"the", 1}, {"to", 2}}), "garden to cat");
+}
+
 TEST(Suggestions, ExcludedWordsStayAsTheyAreWithPlainQueries) {
   Speller speller(Sounds());
   speller.site.settings.AllowExactPhrase = 1;
