@@ -5,6 +5,7 @@
 
 #include "indexer/words/symbols.h"
 #include "text/ascii.h"
+#include "text/presentation_forms.h"
 #include "text/sign_cut.h"
 
 namespace vela::indexer {
@@ -178,7 +179,11 @@ std::span<const Folding> QueryFoldings(bool cutsSigns) {
 
 std::string FoldedQuery(std::string_view query, bool cutsSigns) {
   std::string text(query);
-  if (cutsSigns) text.resize(CutAtSigns(text.data(), text.size(), true));
+  if (cutsSigns) {
+    text.resize(2 * query.size());  // of three bytes four become at most
+    text.resize(WriteWithoutForms(query, text.data(), text.size()));
+    text.resize(CutAtSigns(text.data(), text.size(), true));
+  }
   for (const Folding& folding : QueryFoldings(cutsSigns)) {
     for (size_t at = text.find(folding.from); at != text.npos;
          at = text.find(folding.from, at + folding.to.size())) {
@@ -203,7 +208,10 @@ std::string FoldedWord(std::string_view word, bool isTurkish) {
     // Lower-casing leaves a byte of U+0130 behind its "i" (text/lower.h).
     if (length == 1 && word[at] == kRestOfDottedI && folded.ends_with('i')) continue;
     const auto* letter = std::ranges::find(kLetters, c, &LetterFolding::from);
-    if (letter != std::end(kLetters)) {
+    const std::string_view letters = LettersOfForm(c);
+    if (!letters.empty()) {
+      folded += FoldedWord(letters, isTurkish);
+    } else if (letter != std::end(kLetters)) {
       folded += letter->to;
     } else if (c > kFullWidthOffset && IsAsciiAlphaNumeric(c - kFullWidthOffset)) {
       folded += static_cast<char>(c - kFullWidthOffset);

@@ -6,13 +6,26 @@
 #include "search/plain_query.h"
 #include "text/edit.h"
 #include "text/lower.h"
+#include "text/presentation_forms.h"
 #include "text/sign_cut.h"
 #include "text/word_split.h"
 
 namespace vela {
 
+namespace {
+
+// Letters in the place of the forms that stand for them, as pages have them.
+void ReplaceForms(QueryText& text) {
+  if (!MayHoldForms(View(text))) return;
+  const QueryText typed = text;
+  text.bytes[WriteWithoutForms(View(typed), text.bytes, kQuerySize - 1)] = '\0';
+}
+
+}  // namespace
+
 void NormaliseQuery(QueryText& text, const Settings& settings) {
   if (settings.CutSigns == 1) {
+    if (IsUtf8(settings)) ReplaceForms(text);
     text.bytes[CutAtSigns(text.bytes, View(text).size(), IsUtf8(settings))] = '\0';
   }
   if (settings.MapAccents == 1) {

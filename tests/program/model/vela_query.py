@@ -216,6 +216,8 @@ def normalise(s, query):
                 query = result
 
     if s.CutSigns == 1:
+        if s.UseUTF8 == 1:
+            query = vela_signs.letters_of_forms(query)
         query = vela_signs.cut(query, s.UseUTF8 == 1)
     if s.MapAccents == 1:
         for accented, plain in s.accents or ():

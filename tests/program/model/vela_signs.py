@@ -1,6 +1,7 @@
 """What CutSigns and PlainQueries make of a query."""
 import pathlib
 import re
+import unicodedata
 
 TABLE = pathlib.Path(__file__).parents[3] / "src/text/sign_table.inc"
 PLAIN = ";<=>`~"
@@ -61,6 +62,21 @@ def read(text, utf8):
         found.append(Character(char, raw, known))
         at += len(raw)
     return found
+
+
+FORMS = re.compile("[\ufb50-\ufbb1\ufbd3-\ufbdc\ufbde-\ufbe9\ufbfc-\ufbff\ufe80-\ufefc]")
+
+
+def letters_of_forms(query):
+    """Arabic letters for the shapes that they take inside a word, up to the room of a query."""
+    out = b""
+    for char in read(query, True):
+        letters = unicodedata.normalize("NFKC", char.char) if FORMS.match(char.char) else ""
+        piece = letters.encode() or char.raw
+        if len(out) + len(piece) > 2085:
+            break
+        out += piece
+    return out
 
 
 def goes_with(before, char):

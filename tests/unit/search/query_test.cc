@@ -498,5 +498,19 @@ TEST(AddSubstringAsterisks, OutOfMemoryLeavesTheTerms) {
   }
 }
 
+TEST(Query, ShapesOfArabicLettersAreTheLettersWhereSignsAreCut) {
+  Settings settings;
+  settings.UseUTF8 = 1;
+  const std::string typed = "\uFEE3\uFEAE\uFEA3\uFE92\uFE8E";
+  EXPECT_EQ(Normalised(typed, settings), typed);
+  settings.CutSigns = 1;
+  EXPECT_EQ(Normalised(typed, settings), "\u0645\u0631\u062D\u0628\u0627");
+  // Two letters for one character: the last one has no room.
+  const std::string longest = Repeat("\uFEFC", 695);
+  EXPECT_EQ(Normalised(longest, settings), Repeat("\u0644\u0627", 521));
+  settings.UseUTF8 = 0;
+  EXPECT_EQ(Normalised(typed, settings), typed);
+}
+
 }  // namespace
 }  // namespace vela

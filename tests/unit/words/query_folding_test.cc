@@ -93,6 +93,15 @@ TEST(QueryFolding, FoldsWordsAlike) {
   }
 }
 
+// The accent table has no rows for them: it is the search that reads their shapes.
+TEST(QueryFolding, ShapesOfArabicLettersAreFoldedAsTheLetters) {
+  for (const char* word : {"\uFEE3\uFEAE\uFEA3\uFE92\uFE8E", "\uFEF7", "\uFE94", "\uFB94"}) {
+    SCOPED_TRACE(word);
+    EXPECT_EQ(FoldedWord(word), FoldedQuery(word, true));
+  }
+  EXPECT_EQ(FoldedWord("\uFEF7"), "\u0644\u0627");  // lam, and alef without its hamza
+}
+
 TEST(QueryFolding, FoldsWordsInLowerCase) {
   std::string word = "\u0130stanbul";
   LowerUtf8(word.data(), word.size());
