@@ -114,7 +114,8 @@ int LookUpTerms(SearchContext& ctx, SearchState& state) {
                                  .lookup = ctx.index.lookup,
                                  .sort = ctx.search.sort,
                                  .stemmer = ctx.stemmer,
-                                 .alternatives = &state.alternatives};
+                                 .alternatives = &state.alternatives,
+                                 .query = View(ctx.query.text)};
   const TermResult result = SearchTerms(state.terms, input, state.matches);
   if (result.status == TermStatus::kOk) return 1;
   WriteTermFailure(ctx.response, result);

@@ -1,6 +1,7 @@
 #include "search/phrase.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "format/word_weight.h"
 #include "search/highlight_terms.h"
@@ -125,6 +126,33 @@ bool VerifyPhrase(const Phrase& phrase, uint32_t firstScore, const Settings& set
   }
 }
 
+// How many of the neighbours among the words, the first 64, stand side by side between the reader's
+// position and the end of the page; `start` is where the first of them does.
+uint32_t CountNeighbours(const Phrase& phrase, const Settings& settings, PageTextReader& text,
+                         uint64_t& start) {
+  const size_t count = std::min<size_t>(phrase.words.size(), 65);
+  const auto isWord = [&](size_t k, uint32_t number) {
+    return number == static_cast<uint32_t>(phrase.words[k].number);
+  };
+  uint64_t met = 0;
+  uint32_t before = kPageEndWord;  // is no word of a phrase
+  uint64_t positionBefore = 0;
+  for (PageTextToken token;;) {
+    const uint64_t position = text.position;
+    if (ReadPageTextToken(text, token) == 0 || token.word == kPageEndWord) break;
+    const bool isSign = !EndsRun(token.word) && int64_t{token.word} <= settings.DictReservedLimit;
+    if (isSign) continue;
+    for (size_t k = 1; k < count; ++k) {
+      if (!isWord(k - 1, before) || !isWord(k, token.word)) continue;
+      if (met == 0) start = positionBefore;
+      met |= uint64_t{1} << (k - 1);
+    }
+    before = token.word;
+    positionBefore = position;
+  }
+  return static_cast<uint32_t>(std::popcount(met));
+}
+
 // The score of one word more. Weights keep whether all of the words stand in the title.
 uint32_t AddedScore(uint32_t score, uint32_t added, const Phrase& phrase,
                     const Settings& settings) {
@@ -220,6 +248,30 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
   found.score = score;
   found.position = start;
   return CandidateResult::kFound;
+}
+
+CandidateResult TestNeighbours(Phrase& phrase, const WordMapRecord& candidate,
+                               const Settings& settings, PageTextReader& text, PhraseBudget& budget,
+                               WordMapRecord& found, uint32_t& neighbours) {
+  uint64_t from = candidate.position;
+  uint32_t score = candidate.score;
+  for (size_t k = 1; k < phrase.words.size(); ++k) {
+    const int32_t index = FindPage(phrase.words[k], candidate.page);
+    if (index < 0) return CandidateResult::kRejected;
+    const WordMapRecord other = RecordAt(phrase.words[k].list, index);
+    from = std::min(from, other.position);
+    score = AddedScore(score, other.score, phrase, settings);
+  }
+  budget.seeksDone = WrapAdd32(budget.seeksDone, 1);
+  if (budget.seeksDone > budget.maxSeeks || budget.now() > budget.deadline) {
+    return CandidateResult::kStop;
+  }
+  SeekPageText(text, from);
+  found = candidate;
+  found.score = score;
+  neighbours = CountNeighbours(phrase, settings, text, found.position);
+  return neighbours >= NeighboursNeeded(phrase) ? CandidateResult::kFound
+                                                : CandidateResult::kRejected;
 }
 
 }  // namespace vela

@@ -47,6 +47,12 @@ uint32_t CountPhrase(const Phrase& phrase, const Settings& settings, PageTextRea
 
 enum class CandidateResult { kRejected, kFound, kStop };
 
+// How many of the neighbours among its words must stand side by side on a page that is found in the
+// place of the phrase.
+inline uint32_t NeighboursNeeded(const Phrase& phrase) {
+  return static_cast<uint32_t>(phrase.words.size() / 2);
+}
+
 // Tests one record of the first word; a page on which `pairs` knows two of the words not to stand
 // beside each other is not read. kFound: `found` is the record to add, with the score of all
 // words, of a run that of its least piece, and the position where the phrase begins; the reader
@@ -54,5 +60,12 @@ enum class CandidateResult { kRejected, kFound, kStop };
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, const TextPairs& pairs,
                               PageTextReader& text, PhraseBudget& budget, WordMapRecord& found);
+
+// Tests the page of a record of the first word for all words of the phrase, wherever they stand,
+// and counts through `neighbours` which of each two neighbours stand side by side. kFound with
+// NeighboursNeeded of them: `found` is as TestCandidate has it, but begins with the first of these.
+CandidateResult TestNeighbours(Phrase& phrase, const WordMapRecord& candidate,
+                               const Settings& settings, PageTextReader& text, PhraseBudget& budget,
+                               WordMapRecord& found, uint32_t& neighbours);
 
 }  // namespace vela

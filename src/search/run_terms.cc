@@ -132,6 +132,23 @@ bool CutRunsOfTerms(TermList& terms, const Settings& settings) {
   return true;
 }
 
+bool IsTypedAsOneWord(std::string_view text, std::string_view term) {
+  for (std::string_view word; NextPhraseWord(text, word);) {
+    if (word.size() > term.size()) continue;
+    std::string_view rest = word;
+    for (const char c : term) {
+      if (c == ' ') continue;
+      if (!rest.starts_with(c)) {
+        rest = word;
+        break;
+      }
+      rest.remove_prefix(1);
+    }
+    if (rest.empty()) return true;
+  }
+  return false;
+}
+
 std::string_view JoinedRuns(std::string_view term, const Settings& settings, QueryText& joined) {
   if (!CutsRuns(settings) || !HasRunPiece(term)) return term;
   Set(joined, "");

@@ -19,6 +19,10 @@ namespace vela {
 // nothing unless the settings ask for it. False, and the terms as they were, when memory is out.
 [[nodiscard]] bool CutRunsOfTerms(TermList& terms, const Settings& settings);
 
+// Whether a word of the query's text, between blanks and without quotes, reads as the term does: it
+// was typed as one word, by somebody who may not know that it is a phrase.
+bool IsTypedAsOneWord(std::string_view text, std::string_view term);
+
 // A term as it reads: without the blanks that stand between two pieces. The view is into the term
 // or into `joined`.
 std::string_view JoinedRuns(std::string_view term, const Settings& settings, QueryText& joined);

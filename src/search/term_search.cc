@@ -1,8 +1,11 @@
 #include "search/term_search.h"
 
+#include <algorithm>
+
 #include "search/alternatives.h"
 #include "search/highlight_terms.h"
 #include "search/run_phrase.h"
+#include "search/run_terms.h"
 #include "text/lower.h"
 #include "text/run_cut.h"
 #include "text/wildcard.h"
@@ -28,6 +31,37 @@ QueryText StemPhrase(std::string_view words, Stemmer& stemmer, bool utf8) {
     Append(stemmed, View(one));
   }
   return stemmed;
+}
+
+// Finds, for a run that stands on no page, those that have all of its pieces, and as many of these
+// side by side as any page has.
+TermStatus FindPieces(Phrase& phrase, const TermSearchInput& input, PageTextReader& text,
+                      PhraseBudget& budget, RunMatches& run, bool& limitReached) {
+  const WordList list = phrase.words[0].list;
+  const auto candidates = static_cast<size_t>(list.size());
+  if (run.pages.size() < candidates && !run.pages.TryAllocate(candidates)) {
+    return TermStatus::kNoMemory;
+  }
+  run.count = 0;
+  uint32_t most = 0;
+  for (int32_t i = 0; i < list.size() && !limitReached; ++i) {
+    WordMapRecord found;
+    uint32_t neighbours = 0;
+    switch (TestNeighbours(phrase, RecordAt(list, i), input.settings, text, budget, found,
+                           neighbours)) {
+      case CandidateResult::kRejected:
+        break;
+      case CandidateResult::kStop:
+        limitReached = true;
+        break;
+      case CandidateResult::kFound:
+        if (neighbours > most) run.count = 0;
+        most = std::max(most, neighbours);
+        if (neighbours == most) run.Add(found, 1);
+        break;
+    }
+  }
+  return TermStatus::kOk;
 }
 
 // Adds the pages on which the words of the phrase stand one after another.
@@ -56,6 +90,7 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   }
   TermRecords records(matches, input.pages, place, input.sort, settings.MaxContextKeywords);
   const auto add = [&records](const WordMapRecord& record) { return records.Add(record); };
+  size_t foundCount = 0;
   const auto addRun = [&] {
     if (!weighsRun) return true;
     term.mass = MassOfPieces(phrase, settings.NumPages);
@@ -76,6 +111,7 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
         matches.limitReached = true;
         return {};
       case CandidateResult::kFound:
+        ++foundCount;
         if (weighsRun) {
           run.Add(found, 1 + CountPhrase(phrase, settings, text));
         } else if (!add(found)) {
@@ -83,6 +119,19 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
         }
         break;
     }
+  }
+  const bool looksForPieces = foundCount == 0 && phrase.isRun && !place.isExclusion &&
+                              phrase.words.size() > 1 && IsTypedAsOneWord(input.query, term.shown);
+  if (looksForPieces) {
+    bool stops = false;
+    const TermStatus status = FindPieces(phrase, input, text, search.phraseBudget, run, stops);
+    if (status != TermStatus::kOk) return {status};
+    for (size_t i = 0; i < run.count && !weighsRun; ++i) {
+      if (!add(run.pages[i].record)) return {TermStatus::kInvalidPage};
+    }
+    if (!addRun()) return {TermStatus::kInvalidPage};
+    matches.limitReached = matches.limitReached || stops;
+    return {};
   }
   return addRun() ? TermResult{} : TermResult{TermStatus::kInvalidPage};
 }

@@ -485,6 +485,8 @@ TEST(SearchedSite, CharactersThatStandForOthersAreFoundByThose) {
       {"Part \u2163", "\u2163"},
       {"o\uFB03ce", "office"},
       {"\uFE8D\uFEDF", "\u0627\u0644"},  // Arabic letters in the form that printers use
+      {"\u0627\u0644", "\uFE8D\uFEDF"},
+      {"\uFE8D\uFEDF \uFEFB", "\"\u0627\u0644 \u0644\u0627\""},
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(std::string(c.text) + " by " + c.query);
@@ -532,6 +534,32 @@ TEST(SearchedSite, WordsThatNoBlanksPartAreFound) {
       EXPECT_TRUE(Holds(answer, c.text));
       EXPECT_EQ(site.Found(Encoded(text)), "a.html ");
     }
+  }
+}
+
+// Five pieces: three of the four neighbours stand side by side on a.html, all pieces on c.html, but
+// two of the neighbours, and b.html has four of them alone.
+TEST(SearchedSite, ARunThatStandsNowhereIsFoundByItsPieces) {
+  const std::string data = "\u30C7\u30FC\u30BF";
+  const std::string change = "\u5909\u63DB";
+  for (const int ranking : {0, 1}) {
+    SCOPED_TRACE(ranking);
+    SearchedSite site;
+    site.Configure("[settings]\nRanking = " + std::to_string(ranking) + "\n");
+    const std::string start = "<meta charset=utf-8><title>T</title><p>";
+    site.Add("a.html", start + "x " + data + "\u30FC" + change);
+    site.Add("b.html", start + data + "\u5909");
+    site.Add("c.html", start + data + " y \u5909 y \u63DB");
+    site.Build();
+    EXPECT_EQ(site.Found(Encoded(data + change)), "a.html ");
+    EXPECT_EQ(site.Found(Encoded("\"" + data + change + "\"")), "");
+    EXPECT_EQ(site.Found("x+-" + Encoded(data + change)), "a.html ");  // excludes nothing
+    // Found as it is: nothing else is.
+    site.Add("d.html", start + data + change);
+    site.Build();
+    EXPECT_EQ(site.Found(Encoded(data + change)), "d.html ");
+    // Of two pieces it takes both side by side.
+    EXPECT_EQ(site.Found(Encoded("\u63DB\u5909")), "");
   }
 }
 

@@ -133,5 +133,27 @@ TEST(JoinedRuns, ReadsAsItWasTyped) {
   EXPECT_EQ(JoinedRuns("暗 号", Settings(), joined), "暗 号");
 }
 
+TEST(RunTerms, TellsWhatWasTypedAsOneWord) {
+  const struct {
+    const char *what, *text, *term;
+    bool isOne;
+  } kCases[] = {
+      {"a run", "\u6697\u53F7", "\u6697 \u53F7", true},
+      {"a run beside others", "a \u6697\u53F7 -b", "\u6697 \u53F7", true},
+      {"a word with a run", "debian\u6697\u53F7", "debian \u6697 \u53F7", true},
+      {"in quotes", "\"\u6697\u53F7\"", "\u6697 \u53F7", false},
+      {"two words in quotes", "\"a \u6697\"", "a \u6697", false},
+      {"a part of a word", "\u6697\u53F7\u5316", "\u6697 \u53F7", false},
+      {"another one", "\u6697\u53F7", "\u6697 \u5316", false},
+      {"longer than the word", "\u6697", "\u6697 \u53F7", false},
+      {"an empty query", "", "\u6697", false},
+      {"an empty term", "a", "", false},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(IsTypedAsOneWord(c.text, c.term), c.isOne);
+  }
+}
+
 }  // namespace
 }  // namespace vela
