@@ -14,7 +14,7 @@ from pathlib import Path
 
 PROJECT = Path(__file__).resolve().parents[1]
 ROOMS = sorted(path.name for path in (PROJECT / "tests/unit").iterdir() if path.is_dir())
-PROGRAMS = ["vela_search", "vela_index"]
+PROGRAMS = ["vela_search", "vela_index", "vela_inspect"]
 
 
 def git(*arguments):
@@ -37,7 +37,7 @@ def changed_files():
 
 def room_of(file):
     """The room that the file is of: "search", "words", "run" ...; None when it is of none."""
-    found = re.match(r"(?:src|indexer|tests/unit)/(\w+)/", file)
+    found = re.match(r"(?:src|indexer|inspector|tests/unit)/(\w+)/", file)
     if found:
         return found[1] if found[1] in ROOMS else None
     return "run" if re.match(r"indexer/\w+\.(cc|h)$", file) else None
@@ -48,7 +48,7 @@ def selection(files):
     anything = files is None or any(
         re.search(r"(^|/)CMake|^tests/support/|^src/(text|format)/", file) for file in files)
     rooms = set(ROOMS) if anything else {room_of(file) for file in files} - {None}
-    code = anything or any(re.match(r"src/|indexer/|assets/", file) for file in files)
+    code = anything or any(re.match(r"src/|indexer/|inspector/|assets/", file) for file in files)
     targets = [*PROGRAMS]
     patterns = [r"check\.", r"system\.(docs|language_files)$"]
     for room in sorted(rooms):

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 mode=(--dry-run --Werror)
 [ "${1:-}" = --fix ] && mode=(-i)
 folders=()
-for folder in src indexer tools tests bench; do
+for folder in src indexer inspector tools tests bench; do
   [ -d $folder ] && folders+=("$folder")
 done
 find "${folders[@]}" -type f \( -name '*.cc' -o -name '*.h' \) -print0 |

@@ -13,13 +13,19 @@ import pathlib
 import re
 import sys
 
-# From the lowest to the highest. The indexer stands on the search program's rooms; what lies in
-# indexer/ itself runs its rooms and is called "run".
+# From the lowest to the highest. The indexer and the inspector stand on the search program's rooms
+# and know nothing of each other; what lies in indexer/ and inspector/ themselves runs their rooms and
+# is called "run" and "inspect".
 SEARCH_ROOMS = ["text", "format", "settings", "index", "search", "output", "request"]
 INDEXER_ROOMS = ["report", "words", "site", "source", "config", "extract", "collect", "write",
                  "publish", "run"]
+INSPECTOR_ROOMS = ["findings", "opened", "check", "show", "explain", "inspect"]
+ROOMS_OF = {"src": SEARCH_ROOMS, "indexer": INDEXER_ROOMS, "inspector": INSPECTOR_ROOMS}
+ALL_ROOMS = SEARCH_ROOMS + INDEXER_ROOMS + INSPECTOR_ROOMS
 # What programs beside the search program may use of it: how words compare, what the files hold.
 SHARED_ROOMS = ["text", "format", "settings", "index"]
+# The inspector explains a search by running it.
+INSPECTED_ROOMS = SHARED_ROOMS + ["search"]
 TOOLS = ["tools", "bench"]
 
 SOURCES = {".h", ".cc", ".inc"}
@@ -29,25 +35,24 @@ PICTURE_END = "```\n<!-- rooms: end -->"
 
 
 def room_of(name):
-    """The room of a file given as "src/room/file.h" or "indexer/room/file.h"; None without one."""
+    """The room of a file given as "src/room/file.h" or "indexer/file.h"; None without one."""
     parts = name.split("/")
-    if parts[0] == "indexer":
-        room = parts[1] if len(parts) == 3 else "run"
-        return room if room in INDEXER_ROOMS else None
-    if parts[0] == "src" and len(parts) == 3 and parts[1] in SEARCH_ROOMS:
+    if len(parts) == 2:
+        return {"indexer": "run", "inspector": "inspect"}.get(parts[0])
+    if len(parts) == 3 and parts[1] in ROOMS_OF.get(parts[0], []):
         return parts[1]
     return None
 
 
 def may_include(folder, room, included_folder, included_room):
     if folder in TOOLS:
-        return included_folder in TOOLS or included_room in SEARCH_ROOMS + INDEXER_ROOMS
-    if folder == "src":
-        return included_folder == "src" and (
-            SEARCH_ROOMS.index(included_room) <= SEARCH_ROOMS.index(room))
-    if included_folder == "src":
-        return included_room in SHARED_ROOMS
-    return INDEXER_ROOMS.index(included_room) <= INDEXER_ROOMS.index(room)
+        return included_folder in TOOLS or included_room in ALL_ROOMS
+    if included_folder == folder:
+        rooms = ROOMS_OF[folder]
+        return rooms.index(included_room) <= rooms.index(room)
+    if included_folder != "src":
+        return False
+    return included_room in (INSPECTED_ROOMS if folder == "inspector" else SHARED_ROOMS)
 
 
 def find_circle(graph):
@@ -77,7 +82,7 @@ def read_graph(root):
     """Every file with the files that it includes, both from the root on; and what is wrong."""
     graph = {}
     problems = []
-    for folder in ["src", "indexer", *TOOLS]:
+    for folder in [*ROOMS_OF, *TOOLS]:
         for path in sorted((root / folder).rglob("*")):
             if path.suffix not in SOURCES:
                 continue
@@ -119,7 +124,7 @@ def check_directions(graph):
 
 def picture(graph):
     """A line a room, a column for each room it may stand on: x where it includes from there."""
-    uses = {room: set() for room in SEARCH_ROOMS + INDEXER_ROOMS}
+    uses = {room: set() for room in ALL_ROOMS}
     for name, includes in graph.items():
         room = room_of(name)
         if room is not None:
@@ -127,7 +132,7 @@ def picture(graph):
     lines = []
 
     def draw(rooms, columns):
-        width = max(len(room) for room in SEARCH_ROOMS + INDEXER_ROOMS) + 1
+        width = max(len(room) for room in ALL_ROOMS) + 1
         lines.append(" " * width + "".join(f" {column:^3}" for column in columns))
         for room in rooms:
             # Only what lies below a room can be in its line.
@@ -139,6 +144,8 @@ def picture(graph):
     draw(SEARCH_ROOMS, SEARCH_ROOMS[:-1])
     lines.append("")
     draw(INDEXER_ROOMS, SHARED_ROOMS + INDEXER_ROOMS[:-1])
+    lines.append("")
+    draw(INSPECTOR_ROOMS, INSPECTED_ROOMS + INSPECTOR_ROOMS[:-1])
     return "".join(line.rstrip() + "\n" for line in lines)
 
 

@@ -51,7 +51,7 @@ def faults(remark):
 def main():
     count = 0
     wrong = []
-    for folder in ("src", "indexer"):
+    for folder in ("src", "indexer", "inspector"):
         for path in sorted((PROJECT / folder).rglob("*")):
             if path.suffix not in (".h", ".cc", ".inc"):
                 continue

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy with the settings of .clang-tidy over the search program and the indexer.
+"""Runs clang-tidy with the settings of .clang-tidy over the three programs.
 
     scripts/check_tidy.py BUILD_FOLDER [--all] [FILE...]
 
-BUILD_FOLDER holds compile_commands.json; without files, all of src/ and indexer/ are meant. A file
-that passed is not read again until something that it is compiled from changes, be it a header or
+BUILD_FOLDER holds compile_commands.json; without files, all of src/, indexer/ and inspector/ are
+meant. A file that passed is not read again until something that it is compiled from changes, be it a header or
 .clang-tidy: BUILD_FOLDER/tidy keeps a mark for it. --all (or VELA_CHECK_ALL=1) reads every file.
 """
 
@@ -23,7 +23,7 @@ PROJECT = Path(__file__).resolve().parents[1]
 
 
 def commands_of(build):
-    """{source: its compile command} of the files below src/ and indexer/."""
+    """{source: its compile command} of the files below src/, indexer/ and inspector/."""
     path = build / "compile_commands.json"
     if not path.is_file():
         sys.exit(f"no compile_commands.json in {build}")
@@ -31,7 +31,7 @@ def commands_of(build):
     for entry in json.loads(path.read_text(encoding="utf-8")):
         source = Path(entry["directory"], entry["file"]).resolve()
         below = source.relative_to(PROJECT) if source.is_relative_to(PROJECT) else Path()
-        if below.parts[:1] in (("src",), ("indexer",)):
+        if below.parts[:1] in (("src",), ("indexer",), ("inspector",)):
             commands[source] = (entry["directory"], shlex.split(entry["command"]))
     return commands
 
