@@ -147,6 +147,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
     role.isHeadline = inside.style.share == TextShare::kFrame && inside.isInHeader;
   }
   if (isHtml && !role.leavesOut) ReadAnchor(tag, around, role);
+  if (role.isLink && !role.leavesOut) BeginLink(tag, StateInside(around, role));
   if (isHtml && IsPicture(tag) && !role.leavesOut) {
     role.breaksWords = false;
     const std::string alternative = AttributeValue(tag, Attribute::kAlt);
@@ -156,6 +157,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
     text.Break(around.strand, around.style.share);
     return role;
   }
+  if (role.breaksWords) AddToLink(" ");
   // A table is marked in the text (see PageText::Mark): what it puts before itself may go on with
   // the last word there.
   if (role.breaksWords && !(isHtml && tag.element == Element::kTable)) {
@@ -192,7 +194,31 @@ void HtmlContent::End(const ElementRole& role, const TextState& inside) {
     timeText.clear();
     innerTime.clear();
   }
+  if (role.isLink) EndLink();
+  if (role.breaksWords) AddToLink(" ");
   if (role.breaksWords && !inside.isLeftOut) text.Break(inside.strand, inside.style.share);
+}
+
+// Links of what surrounds the content name nothing: they are the same on every page. Those that the
+// page does not vouch for are left out as well.
+void HtmlContent::BeginLink(const Tag& tag, const TextState& inside) {
+  EndLink();
+  if (inside.style.share == TextShare::kFrame) return;
+  if (HoldsWord(LowerValue(tag, Attribute::kRel), "nofollow")) return;
+  openLink.address = AttributeValue(tag, Attribute::kHref);
+}
+
+void HtmlContent::AddToLink(std::string_view added) {
+  if (openLink.address.empty() || openLink.text.size() > kLinkTextLimit) return;
+  openLink.text += added.substr(0, kLinkTextLimit + 1);
+}
+
+void HtmlContent::EndLink() {
+  PageLink link = std::exchange(openLink, {});
+  if (link.address.empty() || link.text.size() > kLinkTextLimit) return;
+  link.text = OneLine(std::move(link.text));
+  const size_t bytes = sizeof link + link.address.size() + link.text.size();
+  if (!link.text.empty() && TakeBytes(budget, bytes)) page.links.push_back(std::move(link));
 }
 
 void HtmlContent::AddText(std::string_view added, const TextState& state) {
@@ -210,7 +236,9 @@ void HtmlContent::CountText(std::string_view added, const TextState& state) {
   const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
   const auto bytes = added.size() - static_cast<size_t>(std::ranges::count_if(added, isBlank));
   textBytes += bytes;
-  if (state.isInLink) linkBytes += bytes;
+  if (!state.isInLink) return;
+  linkBytes += bytes;
+  AddToLink(added);
 }
 
 void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {
@@ -220,6 +248,7 @@ void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {
 }
 
 void HtmlContent::Finish() {
+  EndLink();
   for (const char* name : {"description", "og:description"}) {
     if (page.description.empty()) page.description = MetaContent(page, name);
   }

@@ -14,7 +14,8 @@ namespace vela::indexer {
 class HtmlContent {
  public:
   // Both must outlive this.
-  HtmlContent(PageContent& filled, ReadingBudget& budget) : page(filled), text(budget) {}
+  HtmlContent(PageContent& filled, ReadingBudget& takenFrom)
+      : page(filled), budget(takenFrom), text(takenFrom) {}
 
   // The element of `tag` begins where `around` holds: takes what its attributes say. `isHtml`: it
   // is no part of a drawing or formula. Returns what it does to the text inside it.
@@ -43,13 +44,18 @@ class HtmlContent {
   void TakeTime(std::string time, std::string_view property);
   void AddDate(const char* prefix, std::string_view property, std::string date);
 
-  PageContent& page;
-  PageText text;
   void CountText(std::string_view added, const TextState& state);
+  void BeginLink(const Tag& tag, const TextState& inside);
+  void AddToLink(std::string_view added);
+  void EndLink();
 
+  PageContent& page;
+  ReadingBudget& budget;
+  PageText text;
   bool noindex = false;
   uint64_t textBytes = 0;       // that are no blanks, outside of what surrounds the content
   uint64_t linkBytes = 0;       // of those, in links to other pages
+  PageLink openLink;            // whose text is being read; its address is empty when there is none
   bool sawMainHeading = false;  // the first h1
   std::string openAnchor;       // of an element that began behind the text so far
   bool openAnchorIsBlock = false;

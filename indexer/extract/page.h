@@ -23,6 +23,15 @@ struct TextRun {
 // "http-equiv:refresh".
 using MetaElement = std::pair<std::string, std::string>;
 
+// A link in the content of a page, to another page or another place.
+struct PageLink {
+  std::string address;  // as the page gives it; of a Page whole and encoded, without a fragment
+  std::string text;     // one line, trimmed; never empty
+};
+
+// A longer text of a link tells of what it leads to, and is no name for it.
+inline constexpr size_t kLinkTextLimit = 200;
+
 struct PageContent {
   std::string title;               // one line, trimmed; empty when the page has none
   std::string description;         // the same, of the meta element
@@ -31,6 +40,7 @@ struct PageContent {
   std::vector<MetaElement> metas;  // all that have a name and a content, in the page's order
   std::string time;                // of the first time element: its datetime, else its text
   std::vector<TextRun> body;       // in reading order
+  std::vector<PageLink> links;     // with texts up to kLinkTextLimit bytes, in the page's order
   float linkShare = 0;             // of its text, what stands in links to other pages; 0 to 1
   std::string markupFault;  // where and why a page that browsers take for XML is none; else empty
 };

@@ -42,6 +42,15 @@ std::string PageImage(const PageContent& content, const std::string& own) {
   return image.empty() ? std::string() : ResolveAddress(LinkBase(content, own), image);
 }
 
+// Leaves those that lead to pages, with their whole addresses.
+void ResolveLinks(const std::string& own, PageContent& content) {
+  const std::string from = LinkBase(content, own);
+  for (PageLink& link : content.links) {
+    link.address = AsEncoded(ResolveAddress(from, link.address));
+  }
+  std::erase_if(content.links, [](const PageLink& link) { return link.address.empty(); });
+}
+
 // Whether the page is there to lead on to another one: it refreshes to an address and says next to
 // nothing, such as "Redirecting" with a link.
 bool IsRefreshStub(const PageContent& content) {
@@ -68,6 +77,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
     return Reason::kNoText;
   }
   if (IsRefreshStub(content)) return Reason::kRefresh;
+  ResolveLinks(item.address, page.content);
   page.facts = {
       .path = item.path,
       .address = item.address,

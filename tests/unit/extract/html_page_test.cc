@@ -170,6 +170,47 @@ TEST(HtmlPage, TellsWhatOfItsTextIsLinks) {
   }
 }
 
+// "address: text" of each link, with a line each.
+std::string LinksOf(const PageContent& page) {
+  std::string links;
+  for (const PageLink& link : page.links) links += link.address + ": " + link.text + "\n";
+  return links;
+}
+
+TEST(HtmlPage, KeepsTheTextsOfLinks) {
+  const std::string longest(kLinkTextLimit, 'x');
+  const struct {
+    const char* what;
+    std::string html;
+    std::string links;
+  } kCases[] = {
+      {"in the page's order", "<a href=a>one</a> two <a href=b?c#d>three",
+       "a: one\nb?c#d: three\n"},
+      {"through the markup inside", "<a href=a>a<b>b</b><i>c</i> d</a>", "a: abc d\n"},
+      {"blocks part words", "<a href=a><p>one<p>two</p>three</a>", "a: one two three\n"},
+      {"pictures have texts", "<a href=a><img src=x alt='a picture'></a>", "a: a picture\n"},
+      {"one without a text names nothing", "<a href=a><img src=x></a> <a href=b> </a>", ""},
+      {"one ends where the next begins", "<a href=a>one<a href=b>two</a>three", "a: one\nb: two\n"},
+      {"left open at the end", "<a href=a>one", "a: one\n"},
+      {"places on the page and anchors are none", "<a href='#x'>x</a><a name=y>y</a>", ""},
+      {"hidden text", "<a href=a hidden>x</a><a href=b>one <span hidden>two</span></a>",
+       "b: one\n"},
+      {"what surrounds the content",
+       "<nav><a href=x>menu</a></nav><a href=a>one</a><footer><a href=y>foot</a></footer>",
+       "a: one\n"},
+      {"what the page does not vouch for", "<a href=a rel='UGC nofollow'>one</a>", ""},
+      {"a long text is no name",
+       "<a href=a>" + longest + "</a><a href=b>" + longest + "x</a><a href=c>" + longest + longest,
+       "a: " + longest + "\n"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    PageContent page;
+    EXPECT_EQ(ParseHtmlPage(c.html, page), Reason::kNone);
+    EXPECT_EQ(LinksOf(page), c.links);
+  }
+}
+
 TEST(HtmlPage, HonoursNoindex) {
   const struct {
     const char* content;

@@ -32,6 +32,18 @@ TEST(ReadPage, GathersWhatIsKnownOfAPage) {
   ASSERT_EQ(page.content.body.size(), 1u);
 }
 
+TEST(ReadPage, LinksHaveWholeAddresses) {
+  Page page;
+  const std::string html =
+      "<base href=/b/><a href='\u00FC.html#place'>one</a> <a href=mailto:me@x.example>two</a>"
+      "<a href=//y.example/>three</a>";
+  ASSERT_EQ(Read(FileType::kHtml, "a/x.html", html, page), Reason::kNone);
+  ASSERT_EQ(page.content.links.size(), 2u);
+  EXPECT_EQ(page.content.links[0].address, "https://x.example/b/%C3%BC.html");
+  EXPECT_EQ(page.content.links[0].text, "one");
+  EXPECT_EQ(page.content.links[1].address, "https://y.example/");
+}
+
 TEST(ReadPage, TitlesComeFromWhatThereIs) {
   const struct {
     const char* what;
