@@ -29,10 +29,6 @@ void TrackKeyRange(Matches& matches, const PageMatch& match, int32_t sort, int32
   matches.minDate = matches.resultCount == 1 ? date : std::min(matches.minDate, date);
 }
 
-bool HasBit(const OwnedArray<uint64_t>& bits, uint32_t page) {
-  return (bits[page / 64] >> (page % 64) & 1) != 0;
-}
-
 void SetBit(OwnedArray<uint64_t>& bits, uint32_t page) {
   bits[page / 64] |= uint64_t{1} << (page % 64);
 }
@@ -51,12 +47,8 @@ uint64_t Load(const uint8_t (&bytes)[kWordMapPositionWidth]) {
 }
 
 void AddPosition(Matches& matches, uint32_t page, uint64_t position) {
-  FurtherPositions& further = matches.further[page];
-  if (!HasBit(matches.hasFurther, page)) {
-    SetBit(matches.hasFurther, page);
-    further = {};
-    Store(further.second, position);
-  } else if (Load(further.second) == 0) {
+  FurtherPositions& further = matches.pages.TouchFurther(page);
+  if (Load(further.second) == 0) {
     Store(further.second, position);
   } else if (Load(further.third) == 0) {
     Store(further.third, position);
@@ -68,9 +60,7 @@ void AddPosition(Matches& matches, uint32_t page, uint64_t position) {
 bool AllocateMatches(Matches& matches, int32_t pageCount) {
   if (pageCount < 0 || pageCount > kPageLimit) return false;
   const auto pages = static_cast<size_t>(pageCount);
-  return matches.pages.TryAllocate(pages) && matches.further.TryAllocate(pages) &&
-         matches.touched.TryAllocate((pages + 63) / 64) &&
-         matches.hasFurther.TryAllocate((pages + 63) / 64);
+  return matches.pages.TryAllocate(pages) && matches.touched.TryAllocate((pages + 63) / 64);
 }
 
 bool AllocateWeights(Matches& matches, int32_t termCount) {
@@ -78,8 +68,7 @@ bool AllocateWeights(Matches& matches, int32_t termCount) {
 }
 
 uint64_t FurtherPosition(const Matches& matches, uint32_t page, int32_t number) {
-  if (!HasBit(matches.hasFurther, page)) return 0;
-  const FurtherPositions& further = matches.further[page];
+  const FurtherPositions& further = matches.pages.Further(page);
   return Load(number == 0 ? further.second : further.third);
 }
 
@@ -97,12 +86,8 @@ TermRecords::TermRecords(Matches& matches, const PageTable& pages, const TermPla
 }
 
 bool TermRecords::AddToPage(const WordMapRecord& record, uint32_t score) {
-  PageMatch match;
-  if (HasBit(matches_.touched, record.page)) {
-    match = matches_.pages[record.page];
-  } else {
-    SetBit(matches_.touched, record.page);
-  }
+  SetBit(matches_.touched, record.page);
+  PageMatch& match = matches_.pages.Touch(record.page);
   if (weighs_) score = weights_.Add(record, score);
   if (term_.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
@@ -134,7 +119,6 @@ bool TermRecords::AddToPage(const WordMapRecord& record, uint32_t score) {
   const uint32_t reached = match.termsInOrder;
   if (reached == index || reached == inOrder)
     match.termsInOrder = static_cast<uint16_t>(reached + 1);
-  matches_.pages[record.page] = match;
   return true;
 }
 

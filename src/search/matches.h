@@ -8,6 +8,7 @@
 #include "format/word_weight.h"
 #include "index/page_info.h"
 #include "index/word_map.h"
+#include "search/page_match.h"
 #include "search/page_weight.h"
 #include "settings/settings.h"
 #include "text/numbers.h"
@@ -15,37 +16,11 @@
 
 namespace vela {
 
-// One page of the index, all zero until a term matches it. A common word touches every page, so
-// that the size of this record is what it costs.
-struct PageMatch {
-  uint32_t score = 0;         // of the word-map records added, saturating softly above 10000
-  uint32_t termsMatched = 0;  // records that touched the page, those of exclusions included
-  // Where the snippets start in the page text file, as wide as a position of the word map.
-  uint32_t firstPositionLow = 0;
-  uint8_t firstPositionHigh = 0;
-  uint8_t proximityMask = 0;  // AND of the proximity bytes of the records
-  uint16_t termsInOrder = 0;  // terms matched without a gap, in query order
-
-  uint64_t firstPosition() const { return uint64_t{firstPositionHigh} << 32 | firstPositionLow; }
-};
-static_assert(sizeof(PageMatch) == 16);
-static_assert(kWordMapPositionWidth == 5);
-
-// Where the snippets go on; 0 for nowhere.
-struct FurtherPositions {
-  uint8_t second[kWordMapPositionWidth] = {};  // little-endian
-  uint8_t third[kWordMapPositionWidth] = {};
-};
-static_assert(sizeof(FurtherPositions) == 10);
-
-// All pages of the index and what is counted over them. The memory of a page is not looked at
-// before its bit says that it was written: a first look costs as much as a first write.
+// All pages of the index and what is counted over them.
 struct Matches {
-  OwnedArray<PageMatch> pages;           // NumPages
-  OwnedArray<FurtherPositions> further;  // NumPages
-  PageWeights weights;                   // only with Ranking
-  OwnedArray<uint64_t> touched;          // one bit a page that a record touched
-  OwnedArray<uint64_t> hasFurther;       // one bit a page that has a further position
+  PageMatches pages;
+  PageWeights weights;           // only with Ranking
+  OwnedArray<uint64_t> touched;  // one bit a page that a record touched
   int32_t resultCount = 0;       // pages found; during the terms, also counted down by exclusions
   int32_t fullMatchCount = 0;    // accepted pages that match every effective term
   uint32_t maxTermsMatched = 0;  // the ranges of the sort keys
@@ -99,12 +74,13 @@ class TermRecords {
     // The page of most records: no term has met it before.
     touched |= bit;
     if (weighs_) score = weights_.Add(record, score);
-    matches_.pages[record.page] = {.score = score,
-                                   .termsMatched = 1,
-                                   .firstPositionLow = static_cast<uint32_t>(record.position),
-                                   .firstPositionHigh = static_cast<uint8_t>(record.position >> 32),
-                                   .proximityMask = record.proximity,
-                                   .termsInOrder = isFirstInOrder_ ? uint16_t{1} : uint16_t{0}};
+    matches_.pages.Touch(record.page) = {
+        .score = score,
+        .termsMatched = 1,
+        .firstPositionLow = static_cast<uint32_t>(record.position),
+        .firstPositionHigh = static_cast<uint8_t>(record.position >> 32),
+        .proximityMask = record.proximity,
+        .termsInOrder = isFirstInOrder_ ? uint16_t{1} : uint16_t{0}};
     matches_.resultCount = WrapAdd32(matches_.resultCount, 1);
     matches_.maxTermsMatched = std::max(matches_.maxTermsMatched, 1U);
     matches_.maxScore = std::max(matches_.maxScore, score);

@@ -245,7 +245,7 @@ RankStatus RankMatches(Matches& matches, PageFilters& filters, const RankInput& 
   int32_t fullMatchCount = 0;
   RankStatus status = RankStatus::kOk;
   ForEachCandidate(matches, input.everyPage, [&](uint32_t page) {
-    PageMatch& match = matches.pages[page];
+    PageMatch& match = matches.pages.Touch(page);
     bool accepted = input.everyPage || (match.score != 0 && match.termsMatched != 0);
     if (accepted && !acceptsAll) {
       status = TestFilters(match, page, filters, input, accepted);

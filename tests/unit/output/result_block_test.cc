@@ -521,7 +521,7 @@ std::string WithSectionAt(const IndexBuilder& builder, uint64_t position, bool x
   Blocks blocks(builder, xml);
   blocks.site.settings.ContextSize = 0;
   blocks.showsContext = true;
-  blocks.matches.pages[0].firstPositionLow = static_cast<uint32_t>(position);
+  blocks.matches.pages.Touch(0).firstPositionLow = static_cast<uint32_t>(position);
   blocks.matches.touched[0] = 1;
   const std::string text = blocks.Write();
   const char* const ends = xml ? "</item>" : "</a>";

@@ -44,7 +44,7 @@ struct Gathering {
     return TermRecords(matches, site.files.pages, term, sort, maxContextKeywords)
         .Add({score, proximity, page, position});
   }
-  const PageMatch& operator[](size_t page) const { return matches.pages[page]; }
+  const PageMatch& operator[](uint32_t page) const { return matches.pages[page]; }
 };
 
 TEST(Matches, WithRankingWeightsAddUp) {
@@ -68,6 +68,35 @@ TEST(Matches, WithRankingWeightsAddUp) {
 }
 
 TermPlace Exclusion(int32_t index) { return {index, 0, 1, true}; }
+
+TEST(PageMatches, WhatWasNotTouchedIsZero) {
+  PageMatches pages;
+  ASSERT_TRUE(pages.TryAllocate(10));
+  EXPECT_EQ(pages.size(), 10u);
+  pages.Touch(9).score = 7;
+  pages.Touch(1).score = 5;
+  pages.TouchFurther(1).third[0] = 3;
+  for (uint32_t page = 0; page < 10; ++page) {
+    EXPECT_EQ(pages[page].score, page == 9 ? 7u : page == 1 ? 5u : 0u) << page;
+    EXPECT_EQ(pages.Further(page).third[0], page == 1 ? 3 : 0) << page;
+  }
+}
+
+TEST(PageMatches, EveryPageHasItsOwn) {
+  PageMatches pages;
+  ASSERT_TRUE(pages.TryAllocate(1000));
+  for (uint32_t i = 0; i < 1000; ++i) pages.Touch(i * 7 % 1000).score = i * 7 % 1000 + 1;
+  for (uint32_t page = 0; page < 1000; ++page) EXPECT_EQ(pages[page].score, page + 1);
+}
+
+TEST(PageMatches, NoMemory) {
+  PageMatches pages;
+  for (int32_t allocation = 1; allocation <= 3; ++allocation) {
+    g_failAllocationNumber = allocation;
+    EXPECT_FALSE(pages.TryAllocate(10)) << allocation;
+  }
+  EXPECT_TRUE(pages.TryAllocate(10));
+}
 
 TEST(BoostedScore, Table) {
   const struct {
