@@ -103,6 +103,9 @@ _row("Description", "vela_query=marigolds",
             f'beans, {_mark("marigolds")} and heritage tomatoes&#46;</div>',))
 _row("Passages around the words", "vela_query=sprinkler",
      shows=(f"customers opened umbrellas beneath a {_mark('sprinkler')}. His daughter Edith",))
+_row("Links to the place on a long page", "vela_query=bronze+otter", finds=("/privacy.html#fountain",),
+     shows=('<a href="/privacy.html#fountain" >Privacy notice <span class="result_section">&#8250; '
+            'The camera at the fountain</span></a>',))
 _row("Words marked", "vela_query=elephant",
      shows=(f"A circus {_mark('elephant')} escapes", f"runaway circus {_mark('elephant')} of 1887"))
 _row("Words matched and score", "vela_query=lighthouse+keeper",
