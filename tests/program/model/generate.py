@@ -108,6 +108,8 @@ def make_index(r, features):
         if chance(r, 0.2):
             x.accents = []
     typed_extensions(r, x)
+    if "Ranking" in s:
+        s["DisplayScore"] = 1
 
     # Words: reserved entries first, then the vocabulary in random order.
     k = r.choice((3, 6, 9))
@@ -238,6 +240,9 @@ def make_index(r, features):
                     meta += r.choice((b"", b"Blue", b"blue whale", b"x", b"Y" * r.choice(
                         (9, 10300)) if chance(r, 0.1) else b"z")) + b"\0"
             record += meta if chance(r, 0.9) else meta[: r.randrange(len(meta) + 1)]
+        if "Ranking" in s:
+            # Of a title of so many words: some that the query has, and some more.
+            record += struct.pack("<H", r.choice((0, 1, 60, 127, 200, 254, 500, 65535)))
         if s["UseBigPageInfoData"]:
             info += struct.pack("<I", len(record) + 4) + record
         else:
@@ -335,7 +340,7 @@ def make_index(r, features):
 
 def typed_extensions(r, x):
     """The extensions that change what is made of a query, and small faults."""
-    for key in ("CutSigns", "PlainQueries", "AmendedAnswers"):
+    for key in ("CutSigns", "PlainQueries", "AmendedAnswers", "Ranking"):
         if chance(r, 0.3):
             x.settings[key] = r.choice((1, 1, 1, 2))
     if chance(r, 0.2):

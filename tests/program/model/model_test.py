@@ -4,6 +4,7 @@ import unittest
 import vela_index
 import vela_page
 import vela_query
+import vela_ranking
 import vela_search
 import vela_text
 from vela_index import Settings
@@ -120,6 +121,39 @@ class Tokens(unittest.TestCase):
         self.assertEqual(self.all(b"e-mail- x", b"-"), [b"e-mail", b"-", b" ", b"x"])
         self.assertEqual(self.all(b"a&#39;b"), [b"a", b"&#39;", b"b"])
         self.assertEqual(self.all(b"w" * 401 + b" x"), [b"w" * 400])
+
+
+class Ranks:
+    def __init__(self, text, hits):
+        self.text, self.hits, self.mass = text, hits, 0
+
+
+class Ranking(unittest.TestCase):
+    def test_mass(self):
+        self.assertEqual(vela_ranking.mass(1, 100), 127)
+        self.assertEqual(vela_ranking.mass(100, 100), 1)
+        # of 100, ten have it: ln(1 + 90.5 / 10.5) / ln(1 + 99.5 / 1.5) = 2.2644 / 4.2097, times 127
+        self.assertEqual(vela_ranking.mass(10, 100), 68)
+        self.assertEqual(vela_ranking.mass(5, 0), 127)
+
+    def test_scores(self):
+        query = vela_ranking.Query([Ranks(b"a", 1), Ranks(b"b", 10)], 2, 100)
+        page = vela_ranking.Weighed()
+        page.add(0, 0, 1, 50, False, 2)
+        # 50 x 230/256 x 4 = 179.7: one of two terms
+        self.assertEqual(query.score(50, page, 0), 179)
+        page.add(1, 1, 3, 20, False, 2)
+        # 70 x 256/256 x 281/256 x 4 = 307.3; the title has the 68 of b, a third of its 200: cover
+        # 87 of 256, 68 x 4 x 87 x 343 / 131072 = 61.9
+        self.assertEqual(query.score(70, page, 200), 307 + 61)
+        page.title = 3
+        # all of it: (127 + 68) x 4, the same again, and four times it
+        self.assertEqual(query.score(70, page, 195), 307 + 6 * 780)
+
+    def test_the_heaviest_word_of_a_pattern_counts(self):
+        page = vela_ranking.Weighed()
+        gains = [page.add(0, 0, 0, weight, True, 1) for weight in (30, 20, 45)]
+        self.assertEqual(gains, [30, 0, 15])
 
 
 class Word:

@@ -25,7 +25,7 @@ INT_KEYS = {
     "NumKeywords": 0, "NumPages": 0, "NumVariants": 0, "PageInfoSize": 0, "DefaultToAnd": 0,
     "UseXML": 0, "XMLHighlight": 0, "NumCats": 0, "NumCatBytes": 0, "UseMetaFields": 0,
     "NumMetaFields": 0, "MetaMoneyShowDec": 0, "MapAccents": 0,
-    "CutSigns": 0, "PlainQueries": 0, "AmendedAnswers": 0,
+    "CutSigns": 0, "PlainQueries": 0, "AmendedAnswers": 0, "Ranking": 0,
 }
 TEXT_KEYS = {  # longest text kept
     "Charset": 1023, "DatePickerPath": 2083, "Version": 1023, "LogFileName": 255,
@@ -270,6 +270,11 @@ class PageInfo:
 
     def file_type(self, page):
         return self.field(page, 14, 1)
+
+    def title_mass(self, page):
+        """The last two bytes of the record."""
+        length = self.number(self.starts[page], self.length_size)
+        return self.number(self.starts[page] + length - 2, 2) if length >= 2 else 0
 
     def category_byte(self, page, index):
         return self.number(self.starts[page] + self.fixed + index, 1)

@@ -3,6 +3,7 @@ import math
 
 import vela_index
 import vela_page
+import vela_ranking
 from vela_query import drop_stop_words, is_site, substring_term
 from vela_text import (DIGITS, INT_MAX, atoi, find_no_case, lower, read_number, strip_ws,
                        to_float, url_encode, wildcard, word_equal)
@@ -91,15 +92,17 @@ class Term:
         self.wild = wild
         self.phrase = None  # its words, when it is a phrase
         self.hits = 0
+        self.mass = 0  # where it is not that of a word on as many pages as there are hits
         self.searched = text[1:] if text.startswith(b"-") else text
 
 
 class Page:
-    __slots__ = ("score", "mask", "terms", "first", "second", "third", "in_order")
+    __slots__ = ("score", "mask", "terms", "first", "second", "third", "in_order", "weighed")
 
     def __init__(self):
         self.score = self.mask = self.terms = self.in_order = 0
         self.first = self.second = self.third = 0
+        self.weighed = vela_ranking.Weighed()
 
 
 class Entry:
@@ -285,12 +288,17 @@ def add_record(c, number, exclude, record):
     score, flags, number_of_page, position = record
     if number_of_page >= s.NumPages:
         c.fail(b"Error in wordmap: page number is invalid.")
+    byte = score
+    if s.Ranking == 1:
+        score >>= 1
     boost = c.info.boost(number_of_page)
     if boost:
         score = (score * boost + 5) // 10
     if score == 0:
         return
     page = c.pages[number_of_page]
+    if s.Ranking == 1:
+        score = page.weighed.add(number, byte, flags, score, c.terms[number].wild, len(c.terms))
     amended = s.AmendedAnswers == 1
     if exclude:
         if page.score or not amended:
@@ -547,6 +555,11 @@ def rank(c):
                     for cat in range(s.cat_count):
                         in_category(c, number, cat)
         return []
+    weights = None
+    if s.Ranking == 1 and not c.site_only:
+        weights = vela_ranking.Query(c.terms, c.effective, s.NumPages)
+        if c.sort < 1:
+            c.key_max = weights.highest(c.max_score)
     span = c.key_max - c.key_min
     width = -(-span // 10000) if span > 9999 else 1
     buckets = [0] * 10000
@@ -556,11 +569,11 @@ def rank(c):
             continue
         if page.in_order >= c.effective:
             c.full_match += 1
-        if c.sort < 1:
+        if weights:
+            page.score = weights.score(page.score, page.weighed, c.info.title_mass(number))
+        elif c.sort < 1:
             page.score = score32(s, (page.terms - 1) * c.max_score + page.score)
-            key = page.score
-        else:
-            key = c.info.date(number)
+        key = page.score if c.sort < 1 else c.info.date(number)
         bucket = max(0, min(9999, -(-(key - c.key_min) // width)))
         keys[number] = bucket
         buckets[bucket] += 1
@@ -594,7 +607,7 @@ def rank(c):
                 factor = to_float(to_float(math.pow(factor, 10)) + (page.terms - 10))
         entry = Entry()
         entry.page = number
-        entry.score = score32(s, int(page.score * factor + 0.5))
+        entry.score = page.score if weights else score32(s, int(page.score * factor + 0.5))
         entry.terms = page.terms
         entry.positions = (page.first, page.second, page.third)
         entries.append(entry)
@@ -653,7 +666,10 @@ def verify_phrase(c, phrase, record):
             return None
         if other[3] > furthest:
             furthest, best = other[3], k
-        total += other[0]
+        if s.Ranking == 1:  # weights add up; the title has the phrase when it has all words
+            total = ((total >> 1) + (other[0] >> 1)) << 1 | (total & other[0] & 1)
+        else:
+            total += other[0]
     if c.seeks > s.MaxContextSeeks + 50 and position + size * (n + 3) <= furthest:
         return None
     c.seeks += 1
@@ -691,7 +707,7 @@ def verify_phrase(c, phrase, record):
             k += 1
         if k == n:
             return total, flags, page, phrase_start
-        if last == 0 or (s.PhraseSigns <= 0 and score < seen):
+        if last == 0 or (s.PhraseSigns <= 0 and s.Ranking != 1 and score < seen):
             return None
 
 
