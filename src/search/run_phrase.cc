@@ -20,7 +20,7 @@ uint32_t AtLeastOne(int64_t count) {
 
 }  // namespace
 
-uint32_t MassOfPieces(const Phrase& phrase, int32_t pageCount) {
+uint32_t MassOfWords(const Phrase& phrase, int32_t pageCount) {
   uint32_t mass = 0;
   for (const PhraseWord& word : phrase.words) {
     const auto isSame = [&](const PhraseWord& other) { return other.number == word.number; };

@@ -27,9 +27,9 @@ struct RunMatches {
   }
 };
 
-// WordMass of the different pieces of the run, and the words beside them, on an index of so many
-// pages.
-uint32_t MassOfPieces(const Phrase& phrase, int32_t pageCount);
+// WordMass of the different words of a phrase, the pieces of a run among them, on an index of so
+// many pages.
+uint32_t MassOfWords(const Phrase& phrase, int32_t pageCount);
 
 // The score byte of a run of that mass on a page that has it so often.
 uint8_t RunWeight(uint32_t mass, uint32_t occurrences, bool inTitle);

@@ -83,6 +83,8 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   if (!TakeFromBudget(search.matchBudget, 1, place.isExclusion, matches.limitReached)) return {};
   term.records += first.list.size();
   phrase.isRun = CutsRuns(settings) && HasRunPiece(View(words));
+  // What its words say, and not what the first of them says.
+  if (settings.Ranking == 1) term.mass = MassOfWords(phrase, settings.NumPages);
   const bool weighsRun = phrase.isRun && settings.Ranking == 1;
   RunMatches run;
   if (weighsRun && !run.pages.TryAllocate(static_cast<size_t>(first.list.size()))) {
@@ -93,7 +95,6 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   size_t foundCount = 0;
   const auto addRun = [&] {
     if (!weighsRun) return true;
-    term.mass = MassOfPieces(phrase, settings.NumPages);
     return AddRunMatches(run, settings.NumPages, add);
   };
   const TextPairs pairs(input.lookup, input.pageText, settings);

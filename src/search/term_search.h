@@ -25,7 +25,7 @@ struct SearchedTerm {
   std::string_view shown;  // as the query lists it: with its "-", with asterisks
   QueryText word;          // as it is looked up: without "-", stemmed
   int64_t records = 0;     // word-map records read for it
-  uint32_t mass = 0;       // of a run (run_phrase.h) with Ranking: WordMass of its pieces
+  uint32_t mass = 0;       // of a phrase with Ranking: WordMass of its words (run_phrase.h)
 };
 
 // The terms that the search passed over, as the query lists them.

@@ -237,6 +237,8 @@ def search_term(c, number, term, exclude):
         phrase = prepare_phrase(c, term)
         if phrase is None:
             return
+        words = [phrase.lists[phrase.ids.index(k)] for k in set(phrase.ids)]
+        term.mass = sum(vela_ranking.mass(len(records), s.NumPages) for records in words)
     fold = s.ToLowerSearchWords == 1
     found = 0
     for index in range(s.DictReservedLimit + 1, min(s.NumKeywords, len(c.dictionary))):

@@ -42,12 +42,12 @@ TEST(RunMatches, AddsEachPageWithItsWeight) {
   EXPECT_EQ(added[1].score, RunWeight(mass, 4, false));
 }
 
-TEST(MassOfPieces, CountsEachWordOnce) {
+TEST(MassOfWords, CountsEachWordOnce) {
   Phrase phrase;
   ASSERT_TRUE(phrase.words.TryAllocate(3));
   for (PhraseWord& word : phrase.words) word.number = 7;
   phrase.words[2].number = 8;
-  EXPECT_EQ(MassOfPieces(phrase, 10), 2 * kWordWeightLimit);
+  EXPECT_EQ(MassOfWords(phrase, 10), 2 * kWordWeightLimit);
 }
 
 }  // namespace
