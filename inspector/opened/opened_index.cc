@@ -55,6 +55,20 @@ WordList ListOf(const OpenedIndex& index, uint32_t word) {
   return list;
 }
 
+std::optional<WordMapRecord> RecordOf(const WordList& list, uint32_t page) {
+  int32_t low = 0;
+  for (int32_t high = list.size(); low < high;) {
+    const int32_t middle = low + (high - low) / 2;
+    if (RecordAt(list, middle).page < page) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  if (low == list.size() || RecordAt(list, low).page != page) return {};
+  return RecordAt(list, low);
+}
+
 PageTexts TextsOf(const OpenedIndex& index, uint32_t page) {
   PageTexts texts;
   if (page >= PageCount(index)) return texts;

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -49,6 +50,9 @@ bool IsSearchedWord(const OpenedIndex& index, uint32_t word);
 
 // The list of a word; empty where it has none or it does not lie in the word map.
 WordList ListOf(const OpenedIndex& index, uint32_t word);
+
+// The record of the page in a list by page; none where the page does not have the word.
+std::optional<WordMapRecord> RecordOf(const WordList& list, uint32_t page);
 
 // The texts of a page; empty where its line is none.
 PageTexts TextsOf(const OpenedIndex& index, uint32_t page);

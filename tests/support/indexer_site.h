@@ -1,7 +1,9 @@
-// indexer_site.h: a small site on disk, and its index, for the tests of the indexer.
+// indexer_site.h: a small site on disk, and its index, for the tests of the indexer. Every index
+// that is built here has to pass the inspector.
 #pragma once
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <csignal>
@@ -13,6 +15,7 @@
 
 #include "indexer/build_index.h"
 #include "support/index_builder.h"
+#include "support/inspection.h"
 #include "support/scratch_directory.h"
 
 namespace vela::indexer {
@@ -61,7 +64,9 @@ struct TestSite {
   IndexSummary Build() const {
     Progress progress(false);
     const volatile std::sig_atomic_t stop = 0;
-    return BuildIndex(options, progress, stop);
+    IndexSummary summary = BuildIndex(options, progress, stop);
+    EXPECT_EQ(support::FaultsOf(options.out), "");
+    return summary;
   }
   std::string Read(const std::string& name) const { return ReadFile(index / name); }
 };

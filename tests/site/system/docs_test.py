@@ -128,10 +128,24 @@ class Manual(unittest.TestCase):
         self.assertEqual(re.findall(r" (\d) [a-z]", told.split("Exit status:")[1].split(".")[0]),
                          re.findall(r"^\.B (\d)$", page, re.M))
 
+    def test_options_and_exit_statuses_of_the_inspector(self):
+        told = subprocess.run([BIN / "vela_inspect", "--help"], capture_output=True, text=True,
+                              check=True).stdout
+        of_help = re.findall(r"^  (?:-\w,)?(--[\w-]+)", told, re.M)
+        self.assertGreater(len(of_help), 10)
+        page = text("docs", "man", "vela_inspect.1").replace("\\-", "-")
+        options = page.split(".SH OPTIONS")[1].split(".SH EXIT STATUS")[0]
+        heads = [line for line in options.split("\n.T") if line.startswith(("P\n", "Q\n"))]
+        of_manual = [re.search(r"--[\w-]+", head)[0] for head in heads]
+        self.assertEqual(sorted(of_help), sorted(of_manual))
+        statuses = page.split(".SH EXIT STATUS")[1].split(".SH EXAMPLES")[0]
+        self.assertEqual(re.findall(r" (\d) [a-z]", told.split("Exit status:")[1].split(".")[0]),
+                         re.findall(r"^\.B (\d)$", statuses, re.M))
+
     def test_pages_are_well_formed(self):
         pages = sorted((DOCS / "man").iterdir())
         self.assertEqual([page.name for page in pages],
-                         ["vela_index.1", "vela_index.toml.5", "vela_search.1"])
+                         ["vela_index.1", "vela_index.toml.5", "vela_inspect.1", "vela_search.1"])
         for page in pages:
             run = subprocess.run(["groff", "-man", "-Tutf8", "-ww", page], capture_output=True,
                                  text=True, check=True)

@@ -13,7 +13,7 @@ import support
 BUILD = Path(os.environ.get("VELA_BUILD", support.BIN.parent))
 PREFIX = support.WORK / "prefix"
 DOCUMENTS = PREFIX / "share/doc/vela_search"
-PAGES = {"vela_index": "1", "vela_search": "1", "vela_index.toml": "5"}
+PAGES = {"vela_index": "1", "vela_inspect": "1", "vela_search": "1", "vela_index.toml": "5"}
 
 
 def version():
@@ -35,6 +35,8 @@ class Install(unittest.TestCase):
         index = support.WORK / "index"
         subprocess.run([PREFIX / "bin/vela_index", "--out", index, "--quiet",
                         "--config", DOCUMENTS / "examples/library/vela_index.toml"], check=True)
+        subprocess.run([PREFIX / "bin/vela_inspect", index], check=True,
+                       stdout=subprocess.DEVNULL)
         shutil.copy2(PREFIX / "bin/vela_search", index / "search.cgi")
         self.assertEqual(support.search(index, "opening hours")[0][0], "/hours.html")
         self.assertIn(f'Version = "{version()}"', (index / "settings.vdat").read_text("utf-8"))
@@ -60,7 +62,7 @@ class Install(unittest.TestCase):
                     self.assertEqual(copy.stat().st_mode & 0o111, path.stat().st_mode & 0o111)
 
     def test_links_between_the_documents_hold(self):
-        sources = ("src/", "indexer/", "tests/", "bench/", "tools/", "scripts/", "assets/", "man/",
+        sources = ("src/", "indexer/", "inspector/", "tests/", "bench/", "tools/", "scripts/", "assets/", "man/",
                    "test.sh", "demo.sh")
         for document in (DOCUMENTS / "README.md", *sorted((DOCUMENTS / "docs").glob("*.md"))):
             for link in re.findall(r"\]\(([^)#\s]+)", document.read_text(encoding="utf-8")):

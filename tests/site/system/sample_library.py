@@ -39,5 +39,6 @@ def build_library(name, changes=()):
     subprocess.run([support.BIN / "vela_index", "--config", work / "vela_index.toml",
                     "--site", support.SAMPLE_SITE, "--out", index],
                    check=True, stdout=subprocess.DEVNULL)
+    support.inspect(index)
     shutil.copy2(support.BIN / "vela_search", index / "search.cgi")
     return index

@@ -29,8 +29,16 @@ def build_index(site, name, template="default", base_url="/"):
         [BIN / "vela_index", "--site", site, "--base-url", base_url, "--out", index,
          "--template", template],
         check=True, stdout=subprocess.DEVNULL)
+    inspect(index)
     shutil.copy2(BIN / "vela_search", index / "search.cgi")
     return index
+
+
+def inspect(index):
+    """Fails where the inspector finds anything wrong with the index."""
+    found = subprocess.run([BIN / "vela_inspect", index], capture_output=True, text=True)
+    if found.returncode != 0:
+        raise AssertionError(found.stdout[-4000:] + found.stderr)
 
 
 def query_string(query, **parameters):
