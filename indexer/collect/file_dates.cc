@@ -27,6 +27,7 @@ std::string DayText(int64_t day) {
 }  // namespace
 
 void FileDates::AddPage(uint32_t number, const PageFacts& page) {
+  if (page.fileTime == 0) return;  // its server does not say
   ++count_;
   ++files_[DayOf(page.fileTime)];
   if (page.time != page.ownTime) pages_.push_back({.page = number, .ownTime = page.ownTime});

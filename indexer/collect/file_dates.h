@@ -33,7 +33,7 @@ class FileDates {
  private:
   std::vector<FileDate> pages_;
   std::unordered_map<int64_t, uint64_t> files_;  // by the day since 1970
-  uint64_t count_ = 0;                           // of all pages
+  uint64_t count_ = 0;                           // of all pages whose file says when it was changed
 };
 
 }  // namespace vela::indexer

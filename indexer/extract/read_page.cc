@@ -7,10 +7,28 @@
 #include "indexer/site/address.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/lower_copy.h"
+#include "text/percent_code.h"
 
 namespace vela::indexer {
 
 namespace {
+
+// "b c.html" of "a/b c.html" and of "https://x.example/a/b%20c.html?d", "a" of the folder
+// "https://x.example/a/".
+std::string FileName(std::string_view path) {
+  const bool isAddress = path.find("://") != path.npos;
+  if (isAddress) path = path.substr(0, path.find('?'));
+  if (isAddress && path.ends_with('/')) path.remove_suffix(1);
+  path.remove_prefix(path.rfind('/') + 1);
+  std::string name;
+  for (size_t i = 0; i < path.size(); ++i) {
+    const int code = isAddress ? ReadPercentCode(path.substr(i)) : -1;
+    name += code < 0 ? path[i] : static_cast<char>(code);
+    if (code >= 0) i += kPercentCodeLength - 1;
+  }
+  CleanText(name);
+  return name;
+}
 
 // The page's own title, else its first heading of the highest level, else the file's name.
 std::string PageTitle(const PageContent& content, const std::string& path) {
@@ -21,9 +39,7 @@ std::string PageTitle(const PageContent& content, const std::string& path) {
     if (best == nullptr || run.headingLevel < best->headingLevel) best = &run;
   }
   if (best != nullptr) return CollapseBlanks(best->text);
-  std::string name = path.substr(path.rfind('/') + 1);
-  CleanText(name);
-  return name;
+  return FileName(path);
 }
 
 // The address from which the page's links are resolved.

@@ -49,6 +49,11 @@ void Progress::Step(uint64_t done) {
   onLine_ = true;
 }
 
+void Progress::Step(uint64_t done, uint64_t total) {
+  total_ = total;
+  Step(done);
+}
+
 void Progress::Clear() {
   if (onLine_) {
     fputs("\r\033[K", stderr);

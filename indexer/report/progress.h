@@ -19,6 +19,8 @@ class Progress {
   // A stage of `total` steps begins; 0 for one whose length is not known.
   void Begin(const std::string& stage, uint64_t total);
   void Step(uint64_t done);
+  // The same of a stage whose length grows as it goes on.
+  void Step(uint64_t done, uint64_t total);
   void Clear();
 
  private:

@@ -25,6 +25,15 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kReadError, "read_error", "read error"},
     {Reason::kForRobots, "for_robots", "meant for robots"},
     {Reason::kOtherKind, "other_kind", "neither HTML nor text"},
+    {Reason::kRobotsRefused, "robots_refused", "robots.txt of its server does not allow it"},
+    {Reason::kPageGone, "page_gone", "there is no such page (404, 410)"},
+    {Reason::kAccessRefused, "access_refused", "the server refuses it (401, 403)"},
+    {Reason::kServerError, "server_error", "the server answers with an error"},
+    {Reason::kNoAnswer, "no_answer", "no answer, or none that is whole"},
+    {Reason::kBadEncoding, "bad_encoding", "its compressed form is damaged"},
+    {Reason::kRedirectedTooOften, "redirected_too_often", "redirected too often"},
+    {Reason::kRedirectedOutside, "redirected_outside", "redirected to what the crawl leaves out"},
+    {Reason::kPrivateNetwork, "private_network", "its server is in a private network"},
     {Reason::kBinary, "binary", "binary file"},
     {Reason::kNotConverted, "not_converted", "character set cannot be converted"},
     {Reason::kMarkupTooSlow, "markup_too_slow", "markup takes too long to read"},
@@ -60,13 +69,17 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kLogFolderNotGiven, "log_folder_not_given",
      "searches are logged here, but unless the web server runs as the user of this run it cannot "
      "write; as root: %"},
+    {Reason::kCrawlStopped, "crawl_stopped",
+     "the crawl has left addresses out, as it reached its limit (% in [crawl])"},
+    {Reason::kSitemapDamaged, "sitemap_damaged", "the sitemap % is damaged"},
+    {Reason::kArchiveDamaged, "archive_damaged", "the archive % is damaged"},
 };
 
 constexpr bool EachReasonHasItsPlace() {
   for (size_t i = 0; i < std::size(kReasonWords); ++i) {
     if (kReasonWords[i].reason != static_cast<Reason>(i)) return false;
   }
-  return std::size(kReasonWords) == static_cast<size_t>(Reason::kLogFolderNotGiven) + 1;
+  return std::size(kReasonWords) == static_cast<size_t>(kLastReason) + 1;
 }
 static_assert(EachReasonHasItsPlace());
 

@@ -24,7 +24,18 @@ enum class Reason : uint8_t {
   kFileTooLarge,
   kReadError,
   kForRobots,
-  kOtherKind,  // `where` is the ending of its name
+  kOtherKind,  // `where` is the ending of its name, or its media type
+
+  // An address that was asked for on the web.
+  kRobotsRefused,
+  kPageGone,
+  kAccessRefused,
+  kServerError,
+  kNoAnswer,
+  kBadEncoding,
+  kRedirectedTooOften,
+  kRedirectedOutside,
+  kPrivateNetwork,
 
   // A page.
   kBinary,
@@ -60,7 +71,14 @@ enum class Reason : uint8_t {
   kTemplateLanguage,
   kTemplateWithoutResults,
   kLogFolderNotGiven,  // `subject`: the commands that give it to the web server
+
+  // A crawl.
+  kCrawlStopped,    // `subject`: the key of [crawl] whose limit was reached
+  kSitemapDamaged,  // `subject`: its address
+  kArchiveDamaged,  // `subject`: its file
 };
+
+constexpr Reason kLastReason = Reason::kArchiveDamaged;
 
 // The reason as programs know it: small letters and "_". It stays when the words change.
 std::string_view ReasonCode(Reason reason);

@@ -248,10 +248,34 @@ class Walk {
   std::unordered_set<std::string> seen_;  // Place::file of folders and pages
 };
 
+// Keeps what was asked for of what the walk has found; the rest of what was asked for is not there.
+void KeepOnly(const SiteFolder& site, SiteListing& listing) {
+  std::unordered_set<std::string> wanted;
+  for (const std::string& name : *site.only) {
+    fs::path path = fs::path(name).lexically_normal();
+    if (path.is_absolute()) path = path.lexically_relative(site.folder);
+    wanted.insert(path.string());
+  }
+  std::erase_if(listing.items, [&](const SourceItem& item) { return !wanted.contains(item.path); });
+  for (LeftOut* each : {&listing.leftOut, &listing.otherKinds}) {
+    LeftOut kept;
+    for (const LeftOut::Entry& entry : each->entries) {
+      if (wanted.erase(entry.path) == 0) continue;
+      AddLeftOut(kept, entry.reason, entry.path, entry.where, entry.value);
+    }
+    *each = std::move(kept);
+  }
+  for (const SourceItem& item : listing.items) wanted.erase(item.path);
+  std::vector<std::string> missing(wanted.begin(), wanted.end());
+  std::ranges::sort(missing);
+  for (const std::string& path : missing) AddLeftOut(listing.leftOut, Reason::kFileNotFound, path);
+}
+
 }  // namespace
 
 SiteListing FolderSource::List() {
   SiteListing listing = Walk(site_).List();
+  if (site_.only.has_value()) KeepOnly(site_, listing);
   listing.sought = "in " + site_.folder.string() + ". Pages are files that end in " +
                    EndingsText(site_.endings) + ".";
   return listing;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,8 @@ struct SiteFolder {
   FileEndings endings;                   // of names of pages
   uint64_t fileLimit = 0;                // bytes
   bool followLinks = false;
+  // Only these are read: paths from the folder on, or whole ones. None: all are.
+  std::optional<std::vector<std::string>> only = {};
 };
 
 // Its items are in ascending byte order of their paths. Names that begin with a dot are passed

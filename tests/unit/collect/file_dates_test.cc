@@ -19,6 +19,7 @@ TEST(FileDates, ADayIsSharedByMoreThanHalfOfTheFiles) {
       {"exactly half", {kFirst, kFirst + 1, kFirst - 1, kFirst + kDay}, ""},
       {"more than half", {kFirst, kFirst + kDay - 1, kFirst - 1}, "2026-03-05"},
       {"the day before 1970", {-1, -kDay}, "1969-12-31"},
+      {"what servers do not say is no day", {0, 0, 0, kFirst, kFirst + kDay}, ""},
       {"a year of five digits", {int64_t{253402300800}}, "10000-01-01"},
   };
   for (const auto& c : kCases) {

@@ -69,6 +69,24 @@ TEST(ReadPage, TitlesComeFromWhatThereIs) {
   }
 }
 
+TEST(ReadPage, TheNameOfAnAddressIsItsTitle) {
+  const struct {
+    const char* path;
+    const char* title;
+  } kCases[] = {
+      {"https://x.example/a/b%20%C3%BC.html?c=/d", "b \u00FC.html"},
+      {"https://x.example/a/", "a"},
+      {"https://x.example/", "x.example"},
+      {"a/b%20c.html", "b%20c.html"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.path);
+    Page page;
+    ASSERT_EQ(Read(FileType::kHtml, c.path, "<p>Only text", page), Reason::kNone);
+    EXPECT_EQ(page.facts.title, c.title);
+  }
+}
+
 TEST(ReadPage, FindsTheDateOfAPage) {
   const char* const kPages[] = {
       "<meta http-equiv=Last-Modified content='Sun, 09 Sep 2001 01:46:40 GMT'>x",

@@ -1,0 +1,45 @@
+#include "indexer/source/store_source.h"
+
+#include "indexer/source/media_type.h"
+
+namespace vela::indexer {
+
+StoreSource::~StoreSource() {
+  store_.reset();
+  if (wishes_.isTemporary) RemoveStore(file_);
+}
+
+SiteListing StoreSource::List() {
+  SiteListing listing;
+  listing.sought = wishes_.sought;
+  for (StoredPage& page : store_->List()) {
+    const std::string path = page.address.substr(0, page.address.find('?'));
+    const std::optional<FileType> type = PageType(page.mediaType, path, wishes_.endings);
+    if (page.reason == Reason::kOtherKind || (page.reason == Reason::kNone && !type.has_value())) {
+      if (IsFurnitureType(page.mediaType)) continue;
+      AddLeftOut(listing.otherKinds, Reason::kOtherKind, page.address, page.mediaType);
+    } else if (page.reason != Reason::kNone) {
+      AddLeftOut(listing.leftOut, page.reason, page.address);
+    } else {
+      listing.items.push_back({.path = page.address,
+                               .address = page.address,
+                               .type = *type,
+                               .isXml = IsXmlType(page.mediaType),
+                               .mediaType = std::move(page.mediaType)});
+    }
+  }
+  return listing;
+}
+
+Reason StoreSource::Read(const SourceItem& item, FileContent& content) const {
+  return store_->Read(item.address, wishes_.pageLimit, content);
+}
+
+void RemoveStore(const std::filesystem::path& file) {
+  std::error_code ignored;
+  for (const char* suffix : {"", "-wal", "-shm"}) {
+    std::filesystem::remove(file.string() + suffix, ignored);
+  }
+}
+
+}  // namespace vela::indexer

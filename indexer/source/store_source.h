@@ -1,0 +1,40 @@
+// store_source.h: pages that were fetched from the web, or taken out of archives, as a source.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "indexer/source/file_endings.h"
+#include "indexer/source/page_store.h"
+#include "indexer/source/source.h"
+
+namespace vela::indexer {
+
+// Its items are in ascending byte order of their addresses.
+class StoreSource final : public Source {
+ public:
+  struct Wishes {
+    FileEndings endings;       // of names, where a server does not say what it sends
+    uint64_t pageLimit = 0;    // bytes
+    std::string sought = {};   // see SiteListing
+    bool isTemporary = false;  // the store is removed with this
+  };
+
+  StoreSource(std::unique_ptr<PageStore> store, std::filesystem::path file, Wishes wishes)
+      : store_(std::move(store)), file_(std::move(file)), wishes_(std::move(wishes)) {}
+  ~StoreSource() override;
+
+  SiteListing List() override;
+  [[nodiscard]] Reason Read(const SourceItem& item, FileContent& content) const override;
+
+ private:
+  std::unique_ptr<PageStore> store_;
+  std::filesystem::path file_;  // of the store
+  Wishes wishes_;
+};
+
+// The files in which a store lies: the database, and what SQLite keeps beside it.
+void RemoveStore(const std::filesystem::path& file);
+
+}  // namespace vela::indexer
