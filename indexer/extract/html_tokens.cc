@@ -22,7 +22,7 @@ bool SameLetters(std::string_view a, std::string_view b) {
 constexpr std::string_view kAttributeNames[] = {
     "alt",    "aria-hidden", "charset",    "color", "content",  "datetime", "encoding", "face",
     "hidden", "href",        "http-equiv", "id",    "itemprop", "lang",     "name",     "property",
-    "rel",    "role",        "size",       "style", "type",     "xml:lang",
+    "rel",    "role",        "size",       "src",   "style",    "type",     "xml:lang",
 };
 static_assert(std::size(kAttributeNames) == static_cast<size_t>(Attribute::kCount));
 

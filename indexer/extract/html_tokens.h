@@ -35,6 +35,7 @@ enum class Attribute : uint8_t {
   kRel,
   kRole,
   kSize,
+  kSrc,
   kStyle,
   kType,
   kXmlLang,
