@@ -16,6 +16,7 @@
 #include "indexer/config/extensions.h"
 #include "indexer/config/language_file.h"
 #include "indexer/extract/read_page.h"
+#include "indexer/open_source.h"
 #include "indexer/publish/former_settings.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
@@ -26,7 +27,7 @@
 #include "indexer/report/report_text.h"
 #include "indexer/site/address.h"
 #include "indexer/site_language.h"
-#include "indexer/source/folder_source.h"
+#include "indexer/source/source.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "indexer/write/completions_writer.h"
@@ -51,25 +52,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr uint64_t kMegabyte = uint64_t{1} << 20;
-
-// True when `inner` is `outer` or lies in it; both absolute and resolved.
-bool IsWithin(const fs::path& inner, const fs::path& outer) {
-  const auto [outerEnd, rest] =
-      std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
-  (void)rest;
-  return outerEnd == outer.end();
-}
-
-fs::path ResolvedSite(const std::string& site) {
-  std::error_code error;
-  fs::path resolved = fs::canonical(site, error);
-  if (error || !fs::is_directory(resolved)) {
-    throw IndexError(ExitStatus::kFailed, "Cannot read the site folder " + site + ": " +
-                                              (error ? error.message() : "it is no folder") +
-                                              ". Check --site.");
-  }
-  return resolved;
-}
 
 void CheckStop(const volatile std::sig_atomic_t& stop) {
   if (stop != 0) {
@@ -183,7 +165,8 @@ void CheckMissingPages(const Run& run, uint64_t pages) {
                        std::to_string(options.missingPercentLimit) +
                        " % are missing (stop_when_fewer), and the index was not changed. Check "
                        "that " +
-                       options.site + " is whole, or run once with --accept-fewer.");
+                       (options.site.empty() ? "the site" : options.site) +
+                       " is whole, or run once with --accept-fewer.");
 }
 
 [[noreturn]] void RefuseEmptySite(const std::string& sought, const LeftOut& leftOut) {
@@ -361,16 +344,13 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
                         const volatile std::sig_atomic_t& stop) {
   Options options = given;
   const std::string base = CheckedBaseUrl(options.baseUrl);
-  const fs::path site = ResolvedSite(options.site);
   const IndexCharset charset(options.config.charset);
   const Language language = LoadLanguage(options.language);
   AddXmlSettings(base, options.config);
   IndexFolder folder(options.out, WaitingIfWanted(options, progress, stop));
-  if (IsWithin(site, folder.target())) {
-    throw IndexError(ExitStatus::kUsage,
-                     "--out is replaced as a whole and must not hold the site "
-                     "itself. Give a folder of its own for the index.");
-  }
+  // Before the template and the program, which may take a while.
+  progress.Begin("Looking for pages", 0);
+  const OpenedSource opened = OpenSource(options, base, folder.target(), progress, stop);
 
   if (!options.program.empty()) InstallProgram(options.program, folder.fresh());
   Run run = {.options = options,
@@ -383,13 +363,8 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   IndexSummary& summary = run.summary;
   const Finding templateFault = WriteTemplate(options, language.templateWords, charset, folder);
   if (templateFault.reason != Reason::kNone) summary.warnings.push_back(templateFault);
-  FolderSource source({.folder = site,
-                       .base = base,
-                       .excluded = options.exclude,
-                       .excludedFolder = folder.target(),
-                       .endings = options.config.endings,
-                       .fileLimit = options.maxFileMegabytes * kMegabyte,
-                       .followLinks = options.followLinks});
+  summary.warnings.insert(summary.warnings.end(), opened.findings.begin(), opened.findings.end());
+  Source& source = *opened.source;
   progress.Begin("Looking for pages", 0);
   SiteListing listing = source.List();
   if (options.config.stemming == kStemmingByPages) {

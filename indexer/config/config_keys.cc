@@ -15,6 +15,7 @@
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
+#include "indexer/site/address_pattern.h"
 #include "indexer/source/file_endings.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/word_forms.h"
@@ -39,7 +40,7 @@ struct ConfigEntry {
 
 // What a value is, and where it goes.
 template <typename Value>
-using Place = std::variant<Value Options::*, Value SiteConfig::*>;
+using Place = std::variant<Value Options::*, Value SiteConfig::*, Value CrawlRules::*>;
 
 struct Text {
   size_t limit;  // bytes
@@ -54,7 +55,7 @@ struct Texts {
 };
 struct Number {  // from 1 on
   uint64_t limit;
-  std::variant<uint64_t Options::*, uint32_t SiteConfig::*> place;
+  std::variant<uint64_t Options::*, uint32_t SiteConfig::*, uint64_t CrawlRules::*> place;
 };
 struct Setting {  // a number of settings.vdat, in the range that it has there
   std::string_view name;
@@ -237,6 +238,26 @@ void ReadLogFile(const ConfigEntry& entry, Options& options) {
   }
 }
 
+void CheckInclude(const ConfigEntry& entry, Options& options) {
+  (void)entry;
+  for (std::string& pattern : options.crawlRules.include) pattern = AddressPattern(pattern);
+}
+
+void CheckExclude(const ConfigEntry& entry, Options& options) {
+  (void)entry;
+  for (std::string& pattern : options.crawlRules.exclude) pattern = AddressPattern(pattern);
+}
+
+void ReadDelay(const ConfigEntry& entry, Options& options) {
+  entry.table.Decimal(entry.key, 0, kCrawlDelayLimit, options.crawlRules.delay);
+}
+
+void ReadRetries(const ConfigEntry& entry, Options& options) {
+  int64_t retries = 0;
+  if (!entry.table.Number(entry.key, 0, kCrawlRetriesLimit, retries)) return;
+  options.crawlRules.retries = static_cast<uint64_t>(retries);
+}
+
 // The keys of a table stand together, in the order in which they are read and named.
 const ConfigKey kConfigKeys[] = {
     {"site", "folder", Path{&Options::site}},
@@ -247,6 +268,25 @@ const ConfigKey kConfigKeys[] = {
     {"site", {}, &ReadEndings},  // the keys of kFileTypeEndings
     {"site", "template", Text{kPathLimit, &Options::templateName}, &CheckTemplate},
     {"site", "language", Text{kPathLimit, &Options::language}, &CheckLanguage},
+
+    {"crawl", "start", Texts{kBaseAddressLimit, &Options::crawl}},
+    {"crawl", "sitemaps", Texts{kBaseAddressLimit, &Options::sitemaps}},
+    {"crawl", "state", Path{&Options::state}},
+    {"crawl", "hosts", Texts{kNameLimit, &CrawlRules::hosts}},
+    {"crawl", "include", Texts{kBaseAddressLimit, &CrawlRules::include}, &CheckInclude},
+    {"crawl", "exclude", Texts{kBaseAddressLimit, &CrawlRules::exclude}, &CheckExclude},
+    {"crawl", "find_sitemaps", Flag{&CrawlRules::usesSitemaps}},
+    {"crawl", "depth", Number{kCrawlDepthLimit, &CrawlRules::depth}},
+    {"crawl", "pages", Number{kCrawlPagesLimit, &CrawlRules::pages}},
+    {"crawl", "max_size", Number{kCrawlMegabytesLimit, &CrawlRules::megabytes}},
+    {"crawl", "minutes", Number{kCrawlMinutesLimit, &CrawlRules::minutes}},
+    {"crawl", "connections", Number{kCrawlConnectionsLimit, &CrawlRules::connections}},
+    {"crawl", "delay", &ReadDelay},
+    {"crawl", "timeout", Number{kCrawlTimeoutLimit, &CrawlRules::timeout}},
+    {"crawl", "retries", &ReadRetries},
+    {"crawl", "auth_file", Path{&CrawlRules::authFile}},
+    {"crawl", "ca_file", Path{&CrawlRules::caFile}},
+    {"crawl", "contact", Text{kNameLimit, &CrawlRules::contact}},
 
     {"index", "memory", Number{kMemoryMegabytesLimit, &Options::memoryMegabytes}},
     {"index", "max_file_size", Number{kFileMegabytesLimit, &Options::maxFileMegabytes}},
@@ -285,6 +325,10 @@ Value& PlaceOf(Options& options, Value Options::*field) {
 template <typename Value>
 Value& PlaceOf(Options& options, Value SiteConfig::*field) {
   return options.config.*field;
+}
+template <typename Value>
+Value& PlaceOf(Options& options, Value CrawlRules::*field) {
+  return options.crawlRules.*field;
 }
 template <typename Field>
 auto& PlaceOf(Options& options, const Field& field) {

@@ -1,5 +1,5 @@
-// config_keys.h: the tables [site], [index], [search], [spelling], [suggestions], [recommended] and
-// [log] of vela_index.toml, each key one row.
+// config_keys.h: the tables [site], [crawl], [index], [search], [spelling], [suggestions],
+// [recommended] and [log] of vela_index.toml, each key one row.
 #pragma once
 
 #include <cstddef>

@@ -70,9 +70,34 @@ std::string NeededNames() {
   return text;
 }
 
+// Where the pages are is said once, and what follows from it need not be said.
+void CheckSource(Options& options) {
+  const bool crawls = !options.crawl.empty() || !options.sitemaps.empty();
+  const bool lists = !options.list.empty();
+  const int sources = (crawls ? 1 : 0) + (lists ? 1 : 0) + (options.warc.empty() ? 0 : 1) +
+                      (!options.site.empty() && !lists ? 1 : 0);
+  if (sources > 1) {
+    throw IndexError(ExitStatus::kUsage,
+                     "The pages come from one place: give --site, or --crawl with --sitemap, or "
+                     "--list, or --warc.");
+  }
+  if (!crawls || !options.baseUrl.empty()) return;
+  const std::string& first = options.crawl.empty() ? options.sitemaps[0] : options.crawl[0];
+  const size_t host = first.find("://");
+  if (host != first.npos) options.baseUrl = first.substr(0, first.find_first_of("/?#", host + 3));
+}
+
+bool IsNeeded(const OptionRow& row, const Options& options) {
+  if (row.needed.empty()) return false;
+  const bool hasOther = !options.crawl.empty() || !options.sitemaps.empty() ||
+                        !options.list.empty() || !options.warc.empty();
+  return !(row.name == "--site" && hasOther);
+}
+
 void CheckComplete(CommandLine& line) {
+  CheckSource(line.options);
   for (const OptionRow& row : OptionTable()) {
-    if (row.needed.empty()) continue;
+    if (!IsNeeded(row, line.options)) continue;
     const auto* target = std::get_if<std::string Options::*>(&row.target);
     if (target == nullptr || !PlaceOf(line, *target).empty()) continue;
     std::string text = "Give ";
@@ -129,10 +154,11 @@ bool ReadArguments(CLI::App& app, int argc, const char* const* argv, CommandLine
 ParsedOptions ParseOptions(int argc, const char* const* argv) {
   ParsedOptions parsed;
   CommandLine line;
-  CLI::App app("Indexes a folder of web pages for Vela Search.", "vela_index");
+  CLI::App app("Indexes the pages of a web site for Vela Search.", "vela_index");
   for (const OptionRow& row : OptionTable()) AddOption(app, row, line);
   app.footer(NeededNames() +
-             " must be given here or in the configuration file.\n"
+             " must be given here or in the configuration file;\n"
+             "--crawl, --sitemap, --list or --warc stands in the place of --site.\n"
              "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
              "configuration, 3 no page found, 4 interrupted, 5 another run at work, 6 too many\n"
              "pages missing. Unless it is 0, an index in INDEXDIR stays as it was.");

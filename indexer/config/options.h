@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "indexer/config/crawl_rules.h"
 #include "indexer/config/site_config.h"
 
 namespace vela::indexer {
@@ -15,7 +16,15 @@ constexpr uint64_t kFileMegabytesLimit = 500;
 constexpr char kConfigFileName[] = "vela_index.toml";  // of --init without a name
 
 struct Options {
+  // Where the pages are: the site's folder, or in its place addresses to crawl from, sitemaps, a
+  // list or archives. At least one of them is given.
   std::string site;
+  std::vector<std::string> crawl;     // addresses
+  std::vector<std::string> sitemaps;  // addresses
+  std::string list;                   // a file of addresses, or of names below `site`; "-"
+  std::vector<std::string> warc;      // files
+  std::string state;  // a folder for what is kept from run to run; empty: beside the index
+  CrawlRules crawlRules;
   std::string baseUrl;
   std::string out;
   std::string templateName;  // see LoadTemplate; empty: the one the index has, or the default

@@ -1,0 +1,300 @@
+#include "indexer/open_source.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <system_error>
+#include <unordered_map>
+#include <utility>
+
+#include "indexer/config/owner_file.h"
+#include "indexer/crawl/crawler.h"
+#include "indexer/crawl/password_file.h"
+#include "indexer/crawl/robots.h"
+#include "indexer/report/index_error.h"
+#include "indexer/site/address.h"
+#include "indexer/site/address_pattern.h"
+#include "indexer/source/folder_source.h"
+#include "indexer/source/page_store.h"
+#include "indexer/source/store_source.h"
+#include "indexer/source/warc_reader.h"
+#include "text/edit.h"
+
+namespace vela::indexer {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr uint64_t kMegabyte = uint64_t{1} << 20;
+constexpr size_t kListBytesLimit = size_t{64} << 20;
+constexpr char kCrawlStoreName[] = "vela_crawl.db";
+constexpr char kArchiveStoreName[] = "vela_archive.db";
+constexpr char kStateLockName[] = "vela_state.lock";
+
+// What every way of opening needs.
+struct Opening {
+  const Options& options;
+  const std::string& base;
+  const fs::path& indexFolder;
+  Progress& progress;
+  const volatile std::sig_atomic_t& stop;
+
+  uint64_t pageLimit() const { return options.maxFileMegabytes * kMegabyte; }
+};
+
+// True when `inner` is `outer` or lies in it; both absolute and resolved.
+bool IsWithin(const fs::path& inner, const fs::path& outer) {
+  return std::ranges::mismatch(outer, inner).in1 == outer.end();
+}
+
+fs::path ResolvedSite(const std::string& site) {
+  std::error_code error;
+  fs::path resolved = fs::canonical(site, error);
+  if (error || !fs::is_directory(resolved)) {
+    throw IndexError(ExitStatus::kFailed, "Cannot read the site folder " + site + ": " +
+                                              (error ? error.message() : "it is no folder") +
+                                              ". Check --site.");
+  }
+  return resolved;
+}
+
+// The lines of the list, without blanks at their ends and without empty ones.
+std::vector<std::string> ReadList(const std::string& file) {
+  std::string text;
+  if (file == "-") {
+    std::vector<char> piece(size_t{1} << 16);
+    while (std::cin && text.size() <= kListBytesLimit) {
+      std::cin.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+      text.append(piece.data(), static_cast<size_t>(std::cin.gcount()));
+    }
+  } else {
+    text = ReadOwnersFile(file, "--list");
+  }
+  if (text.size() > kListBytesLimit) {
+    throw IndexError(ExitStatus::kFailed, "The list (--list) is longer than " +
+                                              std::to_string(kListBytesLimit / kMegabyte) + " MB.");
+  }
+  std::vector<std::string> lines;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const size_t end = std::min(rest.find('\n'), rest.size());
+    const std::string_view line = TrimAll(rest.substr(0, end));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    if (!line.empty()) lines.emplace_back(line);
+  }
+  return lines;
+}
+
+// Opens the folder for what is kept from run to run, for its owner alone, and locks it.
+fs::path OpenState(const Opening& opening, std::unique_ptr<RunLock>& lock) {
+  const fs::path& index = opening.indexFolder;
+  fs::path folder = opening.options.state;
+  if (folder.empty()) {
+    folder = index.parent_path() / ("." + index.filename().string() + ".state");
+  }
+  const auto fail = [&folder](const std::string& why) {
+    throw IndexError(ExitStatus::kFailed, "Cannot use the folder " + folder.string() +
+                                              " for what was fetched: " + why +
+                                              ". Give another one: --state DIR.");
+  };
+  if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
+    fail(std::generic_category().message(errno));
+  }
+  std::error_code error;
+  folder = fs::canonical(folder, error);
+  if (error || !fs::is_directory(folder)) fail(error ? error.message() : "it is no folder");
+  if (IsWithin(folder, index)) {
+    throw IndexError(ExitStatus::kUsage,
+                     "--state must not lie in the index folder, which is "
+                     "replaced as a whole and open to visitors.");
+  }
+  lock = std::make_unique<RunLock>();
+  if (lock->TryTake(folder / kStateLockName) != LockStatus::kHeld) {
+    throw IndexError(ExitStatus::kBusy,
+                     "Another run is fetching pages into " + folder.string() + ".");
+  }
+  return folder;
+}
+
+std::unique_ptr<Source> OpenFolder(const Opening& opening,
+                                   std::optional<std::vector<std::string>> only) {
+  const Options& options = opening.options;
+  const fs::path site = ResolvedSite(options.site);
+  if (IsWithin(site, opening.indexFolder)) {
+    throw IndexError(ExitStatus::kUsage,
+                     "--out is replaced as a whole and must not hold the site "
+                     "itself. Give a folder of its own for the index.");
+  }
+  return std::make_unique<FolderSource>(SiteFolder{.folder = site,
+                                                   .base = opening.base,
+                                                   .excluded = options.exclude,
+                                                   .excludedFolder = opening.indexFolder,
+                                                   .endings = options.config.endings,
+                                                   .fileLimit = opening.pageLimit(),
+                                                   .followLinks = options.followLinks,
+                                                   .only = std::move(only)});
+}
+
+// Where a crawl begins, and whether it goes on from there.
+struct CrawlStart {
+  std::vector<std::string> pages;
+  std::vector<std::string> sitemaps;
+  bool followsLinks = true;
+};
+
+CrawlPlan PlanOf(const Opening& opening, CrawlStart start) {
+  const Options& options = opening.options;
+  const CrawlRules& rules = options.crawlRules;
+  std::vector<std::string> first = start.pages;
+  first.insert(first.end(), start.sitemaps.begin(), start.sitemaps.end());
+  const auto milliseconds = static_cast<int64_t>(std::lround(rules.delay * 1000));
+  std::string agent(kCrawlerName);
+  agent += "/" VELA_VERSION " (vela_index";
+  if (!rules.contact.empty()) agent += "; +" + rules.contact;
+  CrawlPlan plan = {
+      .scope = CrawlScope({.base = opening.base,
+                           .start = first,
+                           .hosts = rules.hosts,
+                           .include = rules.include,
+                           .exclude = rules.exclude,
+                           .endings = options.config.endings}),
+      .pages = std::move(start.pages),
+      .sitemaps = {},
+      .followsLinks = start.followsLinks,
+      .findsSitemaps = start.followsLinks && rules.usesSitemaps,
+      .endings = options.config.endings,
+      .depthLimit = rules.depth,
+      .pagesLimit = rules.pages,
+      .bytesLimit = rules.megabytes * kMegabyte,
+      .pageBytesLimit = opening.pageLimit(),
+      .timeLimit = std::chrono::minutes(rules.minutes),
+      .delay = std::chrono::milliseconds(milliseconds),
+      .connections = rules.connections,
+      .retries = rules.retries,
+      .passwords = rules.authFile.empty() ? Passwords() : ReadPasswordFile(rules.authFile),
+      .fetch = {.timeout = std::chrono::seconds(rules.timeout),
+                .agent = agent + ")",
+                .caFile = rules.caFile}};
+  // In the form in which the store has them; the scope has refused what is no address.
+  for (const std::string& sitemap : start.sitemaps) {
+    plan.sitemaps.push_back(ReadWebAddress(sitemap)->address);
+  }
+  return plan;
+}
+
+OpenedSource OpenCrawl(const Opening& opening, CrawlStart start) {
+  OpenedSource opened;
+  const std::string first = start.pages.empty() ? start.sitemaps[0] : start.pages[0];
+  const CrawlPlan plan = PlanOf(opening, std::move(start));
+  const fs::path file = OpenState(opening, opened.lock) / kCrawlStoreName;
+  auto store = std::make_unique<PageStore>(file);
+  opened.findings = Crawl(plan, *store, opening.progress, opening.stop);
+  opened.source = std::make_unique<StoreSource>(
+      std::move(store), file,
+      StoreSource::Wishes{.endings = opening.options.config.endings,
+                          .pageLimit = opening.pageLimit(),
+                          .sought = "on the web from " + first + " on."});
+  return opened;
+}
+
+// Whether a page of an archive is one of the site.
+bool IsWanted(const std::string& address, const Opening& opening) {
+  const CrawlRules& rules = opening.options.crawlRules;
+  const auto fits = [&](const std::string& pattern) {
+    return FitsAddressPattern(address, opening.base, pattern);
+  };
+  return IsBelow(address, opening.base) && !std::ranges::any_of(rules.exclude, fits) &&
+         (rules.include.empty() || std::ranges::any_of(rules.include, fits));
+}
+
+// Brings the pages of the archives into a store, of each address the one that was fetched last.
+OpenedSource OpenArchives(const Opening& opening) {
+  if (opening.base.starts_with('/')) {
+    throw IndexError(ExitStatus::kUsage,
+                     "--warc needs the whole address of the site, as the archive has it: "
+                     "--base-url https://www.example.org/.");
+  }
+  OpenedSource opened;
+  const fs::path file = OpenState(opening, opened.lock) / kArchiveStoreName;
+  RemoveStore(file);
+  auto store = std::make_unique<PageStore>(file);
+  store->BeginPass("");
+  struct Known {
+    int64_t id = 0;
+    std::string date;
+  };
+  std::unordered_map<std::string, Known> known;
+  opening.progress.Begin("Reading archives", 0);
+  uint64_t count = 0;
+  for (const std::string& path : opening.options.warc) {
+    WarcReader archive(OpenArchive(path), opening.pageLimit());
+    ArchivedPage page;
+    while (opening.stop == 0 && archive.Next(page)) {
+      const std::optional<WebAddress> read = ReadWebAddress(page.address);
+      if (!read.has_value() || !IsWanted(read->address, opening)) continue;
+      const std::string address = InSpellingOf(opening.base, read->address);
+      const auto [place, isNew] = known.try_emplace(address);
+      if (isNew) {
+        place->second.id = store->AddFound({.address = address, .origin = read->origin})->id;
+      } else if (page.date < place->second.date) {
+        continue;
+      }
+      place->second.date = page.date;
+      if (ReadRobotsTag(page.robotsTag).noIndex) {
+        store->SettleLeftOut(place->second.id, Reason::kNoindex, page.answer.mediaType);
+      } else {
+        store->SettlePage(place->second.id, page.answer);
+      }
+      opening.progress.Step(++count);
+    }
+    if (archive.isDamaged()) opened.findings.push_back({Reason::kArchiveDamaged, {}, path});
+  }
+  store->Commit();
+  opened.source = std::make_unique<StoreSource>(
+      std::move(store), file,
+      StoreSource::Wishes{.endings = opening.options.config.endings,
+                          .pageLimit = opening.pageLimit(),
+                          .sought = "below " + opening.base + " in the archives (--warc).",
+                          .isTemporary = true});
+  return opened;
+}
+
+}  // namespace
+
+OpenedSource OpenSource(const Options& options, const std::string& base,
+                        const fs::path& indexFolder, Progress& progress,
+                        const volatile std::sig_atomic_t& stop) {
+  const Opening opening = {.options = options,
+                           .base = base,
+                           .indexFolder = indexFolder,
+                           .progress = progress,
+                           .stop = stop};
+  if (!options.warc.empty()) return OpenArchives(opening);
+  if (!options.crawl.empty() || !options.sitemaps.empty()) {
+    return OpenCrawl(opening, {.pages = options.crawl,
+                               .sitemaps = options.sitemaps,
+                               .followsLinks = !options.crawl.empty()});
+  }
+  OpenedSource opened;
+  if (options.list.empty()) {
+    opened.source = OpenFolder(opening, {});
+    return opened;
+  }
+  std::vector<std::string> lines = ReadList(options.list);
+  if (!options.site.empty()) {
+    opened.source = OpenFolder(opening, std::move(lines));
+    return opened;
+  }
+  if (lines.empty()) throw IndexError(ExitStatus::kNothing, "The list (--list) is empty.");
+  return OpenCrawl(opening, {.pages = std::move(lines), .sitemaps = {}, .followsLinks = false});
+}
+
+}  // namespace vela::indexer

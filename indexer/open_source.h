@@ -1,0 +1,30 @@
+// open_source.h: from what the owner says of where the pages are to the source that has them.
+#pragma once
+
+#include <csignal>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "indexer/config/options.h"
+#include "indexer/publish/run_lock.h"
+#include "indexer/report/progress.h"
+#include "indexer/report/reason.h"
+#include "indexer/source/source.h"
+
+namespace vela::indexer {
+
+struct OpenedSource {
+  std::unique_ptr<RunLock> lock;  // of what is kept from run to run; held as long as it is read
+  std::unique_ptr<Source> source;
+  std::vector<Finding> findings;  // what the owner should know of the way there
+};
+
+// Opens the site's folder, or fetches its pages first. `base` is the site's address, ending in "/";
+// `indexFolder` is absolute. Throws IndexError.
+OpenedSource OpenSource(const Options& options, const std::string& base,
+                        const std::filesystem::path& indexFolder, Progress& progress,
+                        const volatile std::sig_atomic_t& stop);
+
+}  // namespace vela::indexer
