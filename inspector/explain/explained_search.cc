@@ -32,10 +32,6 @@ void Require(bool hasMemory) {
   if (!hasMemory) throw std::bad_alloc();
 }
 
-std::vector<std::string> TextsOf(const TermList& terms) {
-  return {terms.terms.begin(), terms.terms.end()};
-}
-
 }  // namespace
 
 std::unique_ptr<SearchedIndex> OpenSearchedIndex(std::string_view path) {
@@ -65,12 +61,7 @@ ExplainedSearch::ExplainedSearch(SearchedIndex& index, const Question& question)
   Set(query_.typed, question.query);
   if (settings.AmendedAnswers == 1) ReplaceUnshowable(query_.typed, IsUtf8(settings));
   Require(ParseQuery(query_, settings));
-  const std::vector<std::string> typed = TextsOf(query_.terms);
-  Require(DropStopWords(query_.terms, View(query_.text), settings));
-  const std::vector<std::string> kept = TextsOf(query_.terms);
-  std::ranges::copy_if(typed, std::back_inserter(stopWords_), [&](const std::string& term) {
-    return std::ranges::find(kept, term) == kept.end();
-  });
+  Require(DropStopWords(query_.terms, View(query_.text), settings, query_.dropped));
   Require(CutRunsOfTerms(query_.terms, settings));
   Require(AddSubstringAsterisks(query_.terms, settings));
   Require(CollectAlternatives(alternatives_, query_.terms, settings, index.files.synonyms,
@@ -88,6 +79,7 @@ void ExplainedSearch::Search(size_t count, SearchRun& run) {
   Require(AllocateMatches(run.matches, settings.NumPages));
   if (settings.Ranking == 1) Require(AllocateWeights(run.matches, all));
   Require(StartTermSearch(run.terms, terms, settings));
+  run.terms.dropped = {query_.dropped.data(), query_.dropped.size()};
   run.terms.matchBudget = MakeMatchBudget(settings.MaxMatches, all);
   run.terms.phraseBudget = {.maxSeeks = settings.MaxContextSeeks,
                             .deadline = Now() + settings.MaxSearchTime,
@@ -112,7 +104,8 @@ TermSearchInput ExplainedSearch::Input() {
           .lookup = index_.files.lookup,
           .sort = request_.sort,
           .stemmer = index_.stemmer,
-          .alternatives = &alternatives_};
+          .alternatives = &alternatives_,
+          .query = View(query_.text)};
 }
 
 WordList ExplainedSearch::PagesOf(const Alternative& alternative) {

@@ -82,9 +82,6 @@ class ExplainedSearch {
     return {alternatives_.list.data(), static_cast<size_t>(alternatives_.count)};
   }
   WordList PagesOf(const Alternative& alternative);
-  // The words of the query that were passed over beside others.
-  const std::vector<std::string>& stopWords() const { return stopWords_; }
-
   // Whether the words of the query weigh (Ranking).
   bool Weighs() const { return index_.settings.Ranking == 1 && !run_.everyPage; }
 
@@ -107,7 +104,6 @@ class ExplainedSearch {
   SearchRequest request_;
   Query query_;
   Alternatives alternatives_;
-  std::vector<std::string> stopWords_;
   SearchRun run_;
 };
 

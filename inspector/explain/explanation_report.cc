@@ -24,8 +24,8 @@ std::string HeadText(const ExplainedSearch& search) {
                      CountOfText(static_cast<uint64_t>(std::max(run.matches.resultCount, 0)),
                                  "page found", "pages found") +
                      "\n";
-  for (const std::string& word : search.stopWords()) {
-    text += "  " + Printable(word) + " is passed over beside the other words (StopWords)\n";
+  for (const DroppedWord& dropped : search.query().dropped) {
+    text += "  " + Printable(dropped.word) + " is passed over beside the other words (StopWords)\n";
   }
   for (int32_t i = 0; i < run.terms.skipped.count; ++i) {
     text += "  " + Printable(run.terms.skipped.terms[static_cast<size_t>(i)]) +
@@ -46,7 +46,7 @@ void WriteHead(const ExplainedSearch& search, const std::optional<std::string>& 
   if (corrected.has_value()) json.Text("corrected", *corrected);
   json.Number("found", std::max(run.matches.resultCount, 0));
   json.Flag("limit_reached", run.matches.limitReached).BeginArray("passed_over");
-  for (const std::string& word : search.stopWords()) json.Text({}, word);
+  for (const DroppedWord& dropped : search.query().dropped) json.Text({}, dropped.word);
   json.EndArray().BeginArray("results");
   for (size_t i = 0; i < std::min<size_t>(run.results.entries.size(), listed); ++i) {
     const RankedPage& row = run.results.entries[i];

@@ -168,9 +168,8 @@ NotFound WhyNotFound(const ExplainedSearch& search, const PageExplanation& expla
 }
 
 std::string FactorText(uint32_t factor) {
-  constexpr double kOne = 256;  // search/weighed_score.h
   char text[20];
-  snprintf(text, sizeof text, "%.3f", factor / kOne);
+  snprintf(text, sizeof text, "%.3f", static_cast<double>(factor) / kOneFactor);
   return text;
 }
 
@@ -260,8 +259,10 @@ PageExplanation ExplainPage(ExplainedSearch& search, uint32_t page) {
   if (search.Weighs()) {
     PageWeight words = explanation.state.weight;
     words.titleTerms = 0;
-    explanation.wordsScore = WeighedScore(run.weights, words, explanation.state.match.score, 0);
-    explanation.titleScore = explanation.score - explanation.wordsScore;
+    explanation.wordsScore =
+        WeighedScore(run.weights, words, explanation.state.match.score, [] { return uint32_t{0}; });
+    explanation.titleScore = TitleScore(run.weights, explanation.state.weight.titleTerms,
+                                        PageTitleMass(index.files.pages, page));
   }
   return explanation;
 }

@@ -46,7 +46,7 @@ struct PageExplanation {
   std::vector<TermGain> terms;
   PageState state;          // after all terms
   uint32_t wordsScore = 0;  // with Ranking: of the score, what the words give ...
-  uint32_t titleScore = 0;  // ... and what the title does
+  uint64_t titleScore = 0;  // ... and what the title does
   uint32_t key = 0;         // without Ranking: the sum with what the number of terms adds
   int32_t date = 0;
   uint8_t boost = 0;  // in tenths
