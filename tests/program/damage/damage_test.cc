@@ -18,13 +18,11 @@
 #include <vector>
 
 #include "format/index_directory.h"
-#include "indexer/write/completions_writer.h"
-#include "indexer/write/sections_writer.h"
-#include "settings/settings_file.h"
 #include "support/index_builder.h"
 #include "support/recipe.h"
 #include "support/run_program.h"
 #include "support/scratch_directory.h"
+#include "support/with_extensions.h"
 #include "support/with_lookup.h"
 
 namespace vela::support {
@@ -46,6 +44,7 @@ constexpr const char* kQueries[] = {
     "vela_query=big+-plum+site:a&vela_and=1&vela_sort=2",
     "vela_query=pl*+aple&vela_cat=2&vela_and=1",
     "vela_query=%22plum+apples%22+aple&vela_xml=1",
+    "vela_query=the+aplpe&vela_sort=0",
 };
 constexpr const char* kSuggestionQuery = "vela_ac=1&vela_query=ap";
 
@@ -55,41 +54,12 @@ IndexBuilder Everything() {
   return index;
 }
 
-// Switches the extensions on that read files of their own, or the page text in another way, and
-// adds these files to the directory.
-void SwitchExtensionsOn(const std::filesystem::path& directory) {
-  ASSERT_TRUE(AddLookup(directory));
-  const std::filesystem::path path = directory / kSettingsFileName;
-  const std::string former = ReadWholeFile(path);
-  const auto settings = std::make_unique<Settings>();
-  ASSERT_EQ(ReadSettings(*settings, former), SettingsStatus::kOk);
-  indexer::SiteSections sections;
-  sections.texts = "oneFirsttwo";
-  sections.sections = {{.token = 0, .page = 0, .text = 0, .anchorLength = 3, .headingLength = 5},
-                       {.token = 6, .page = 1, .text = 8, .anchorLength = 3},
-                       {.token = 9, .page = 1}};
-  const auto tokenBytes = static_cast<size_t>(settings->DictIDLen);
-  ASSERT_GT(indexer::WriteSections(
-                directory / kSectionsFileName, sections,
-                {.generation = settings->LookupGeneration,
-                 .pageTextSize = std::filesystem::file_size(directory / kPageTextFileName),
-                 .tokenBytes = tokenBytes}),
-            0u);
-  std::vector<std::string> texts;
-  std::ifstream lines(directory / kAutoCompleteFileName);
-  for (std::string line; std::getline(lines, line);) texts.push_back(line);
-  ASSERT_GT(indexer::WriteCompletions(directory, texts), 0u);
-  std::ofstream(path, std::ios::binary | std::ios::trunc)
-      << "Passages = 1\nSectionLinks = 1\nCompleteAnyWord = 1\n"
-      << former;
-}
-
 // A valid directory in which one file at a time is replaced.
 class DamagedIndex {
  public:
   explicit DamagedIndex(std::string name, bool withExtensions = false) : name_(std::move(name)) {
     Everything().WriteTo(scratch_.path());
-    if (withExtensions) SwitchExtensionsOn(scratch_.path());
+    EXPECT_TRUE(!withExtensions || SwitchExtensionsOn(scratch_.path()));
     whole_ = ReadWholeFile(scratch_.path() / name_);
   }
 
@@ -183,8 +153,10 @@ TEST_P(Damage, WholeFileIsAnswered) {
   for (size_t i = 0; i < std::size(kQueries); ++i) index.Try(index.whole(), "nothing changed");
 }
 
-const std::string kExtensionFiles[] = {kPageTextFileName, kDictionaryFileName, kSectionsFileName,
-                                       kCompletionsFileName, kAutoCompleteFileName};
+const std::string kExtensionFiles[] = {
+    kPageTextFileName,     kDictionaryFileName,  kWordMapFileName,
+    kPageInfoFileName,     kSectionsFileName,    kCompletionsFileName,
+    kAutoCompleteFileName, kCorrectionsFileName, kSynonymsFileName};
 
 class ExtensionDamage : public ::testing::TestWithParam<std::string> {};
 INSTANTIATE_TEST_SUITE_P(Files, ExtensionDamage, ::testing::ValuesIn(kExtensionFiles), TestName);
@@ -212,12 +184,18 @@ TEST_P(ExtensionDamage, EveryByteChanged) {
 TEST(WholeIndex, EveryExtensionShows) {
   const ScratchDirectory scratch;
   Everything().WriteTo(scratch.path());
-  SwitchExtensionsOn(scratch.path());
+  ASSERT_TRUE(SwitchExtensionsOn(scratch.path()));
   std::string answers;
   for (const char* query : kQueries) {
     answers += RunProgram(kProgram, GetRequest(scratch.path(), query)).output;
   }
-  EXPECT_NE(answers.find("#one"), answers.npos);
+  for (const char* trace : {
+           "#one",
+           "These are the results for <b>the apple</b>",
+           "<vela:spelling>&#34;plum apples&#34; apple</vela:spelling>",
+       }) {
+    EXPECT_NE(answers.find(trace), answers.npos) << trace;
+  }
   EXPECT_NE(answers.find("<span class=\"result_section\">&#8250; First</span>"), answers.npos);
   const std::string whole =
       RunProgram(kProgram, GetRequest(scratch.path(), "vela_ac=1&vela_query=pie")).output;

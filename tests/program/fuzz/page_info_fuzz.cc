@@ -19,6 +19,7 @@ uint64_t Touch(const PageTable& pages, uint32_t page) {
   sum += static_cast<uint32_t>(PageDateTime(pages, page));
   sum += PageBoost(pages, page);
   sum += PageFileType(pages, page);
+  sum += PageTitleMass(pages, page);
   for (size_t i = 0; i < pages.categoryBytes && i < 8; ++i) {
     if (PageCategoryBit(pages, page, i, 7)) ++sum;
   }

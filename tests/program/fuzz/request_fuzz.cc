@@ -1,17 +1,26 @@
-// request_fuzz.cc: a whole request over a valid index. Input: a query string; behind a first line
-// "POST", a body.
+// request_fuzz.cc: a whole request over a valid index, without the extensions and with all of them.
+// Input: a query string; behind a first line "POST", a body.
 #include <map>
 #include <string>
 
 #include "program/fuzz/check.h"
 #include "program/fuzz/whole_request.h"
 #include "support/scratch_directory.h"
+#include "support/with_extensions.h"
 
 namespace {
 
 const std::filesystem::path& IndexPath() {
   static const vela::support::ScratchDirectory scratch;
   static const bool written = (vela::fuzz::WholeIndex().WriteTo(scratch.path()), true);
+  VELA_CHECK(written);
+  return scratch.path();
+}
+
+const std::filesystem::path& ExtendedIndexPath() {
+  static const vela::support::ScratchDirectory scratch;
+  static const bool written = (vela::fuzz::WholeIndex().WriteTo(scratch.path()),
+                               vela::support::SwitchExtensionsOn(scratch.path()));
   VELA_CHECK(written);
   return scratch.path();
 }
@@ -32,15 +41,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     environment["REQUEST_METHOD"] = "GET";
     environment["QUERY_STRING"] = input.substr(0, input.find_first_of(std::string_view("\0\n", 2)));
   }
-  const Answer answer = vela::fuzz::AnswerRequest(IndexPath(), environment, body);
-  VELA_CHECK(answer.exitStatus == 0);
-  VELA_CHECK(answer.output.starts_with("Content-type: text/"));
-  // The page, or the document, is whole; a list of suggestions stands without one.
-  const bool xml = answer.output.starts_with("Content-type: text/xml");
-  if (input.find("vela_ac=") == std::string_view::npos) {
-    VELA_CHECK(answer.output.ends_with(xml ? "</rss>" : "</body>\n"));
+  for (const std::filesystem::path& path : {IndexPath(), ExtendedIndexPath()}) {
+    const Answer answer = vela::fuzz::AnswerRequest(path, environment, body);
+    VELA_CHECK(answer.exitStatus == 0);
+    VELA_CHECK(answer.output.starts_with("Content-type: text/"));
+    // The page, or the document, is whole; a list of suggestions stands without one.
+    const bool xml = answer.output.starts_with("Content-type: text/xml");
+    if (input.find("vela_ac=") == std::string_view::npos) {
+      VELA_CHECK(answer.output.ends_with(xml ? "</rss>" : "</body>\n"));
+    }
+    const Answer again = vela::fuzz::AnswerRequest(path, environment, body);
+    VELA_CHECK(answer.output == again.output);
   }
-  const Answer again = vela::fuzz::AnswerRequest(IndexPath(), environment, body);
-  VELA_CHECK(answer.output == again.output);
   return 0;
 }
