@@ -241,15 +241,16 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   }
   run.progress.Begin("Sorting words", 0);
   run.summary.runs = collection.postings.runCount();
-  std::optional<TitleMasses> titles;
+  std::optional<WeightInput> weights;
   if (ExtensionValue(run.options.config, "Ranking") != 0) {
-    titles.emplace(facts.pages, facts.stopWords, vocabulary, collection.forms);
+    weights.emplace(TitleMasses(facts.pages, facts.stopWords, vocabulary, collection.forms),
+                    collection.linkTexts.Finish(collection.addresses, vocabulary));
   }
   const WordMapResult wordMap =
       WriteWordMap(fresh / kWordMapFileName, collection.postings, vocabulary, collection.pages,
-                   facts.tokenBytes, titles.has_value() ? &*titles : nullptr);
-  for (uint32_t page = 0; titles.has_value() && page < facts.pages; ++page) {
-    pages.table.SetTitleMass(page, titles->Of(page));
+                   facts.tokenBytes, weights.has_value() ? &*weights : nullptr);
+  for (uint32_t page = 0; weights.has_value() && page < facts.pages; ++page) {
+    pages.table.SetTitleMass(page, weights->titles.Of(page));
   }
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);

@@ -79,6 +79,10 @@ RunCut RunCutOf(const CollectionInput& input) {
                               .titleWords = tokens.titleWords,
                               .linkShare = page.content.linkShare});
   collection.tokenCount += tokens.tokenCount;
+  if (CountsLinkTexts(collection.input.config)) {
+    collection.linkTexts.Add(
+        LinkWordsOf(page, collection.input.base, collection.forms, collection.runs));
+  }
   return true;
 }
 

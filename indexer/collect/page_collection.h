@@ -9,6 +9,7 @@
 
 #include "indexer/collect/equal_pages.h"
 #include "indexer/collect/file_dates.h"
+#include "indexer/collect/link_texts.h"
 #include "indexer/collect/page_entry.h"
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
@@ -49,6 +50,7 @@ struct PageCollection {
 
   CollectionInput input;
   CanonicalAddresses addresses;
+  LinkTexts linkTexts;
   EqualPages equal;
   WordForms forms;
   RunCut runs;

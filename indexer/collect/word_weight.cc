@@ -31,6 +31,26 @@ constexpr double kUsualLinks = 0.4;
 // ... and of one that is all links words lose this share of their weight.
 constexpr double kListLoss = 0.8;
 
+// What a word gains, as shares of its mass: on the page to which most others lead by it, where that
+// are some at least ...
+constexpr double kLinkGain = 0.3;
+constexpr double kSomeLinking = 3;
+// ... and at the beginning of a page: in so many tokens, up to this share of its words.
+constexpr double kBeginningGain = 0.15;
+constexpr double kBeginningTokens = 60;
+constexpr double kBeginningShare = 0.1;
+
+double LinkGain(const WeightContext& context) {
+  return kLinkGain * context.linking / std::max<double>(context.mostLinking, kSomeLinking);
+}
+
+double BeginningGain(const Posting& posting, const WeightContext& context) {
+  // A token that is none of the body's stands behind all of them.
+  const double end = std::min(kBeginningTokens, kBeginningShare * context.pageWords);
+  const bool counts = posting.body != 0 && (posting.zones & kInTitle) == 0 && posting.token < end;
+  return counts ? kBeginningGain : 0;
+}
+
 double ListFactor(double linkShare) {
   return 1 - kListLoss * std::max(0.0, linkShare - kUsualLinks) / (1 - kUsualLinks);
 }
@@ -44,8 +64,9 @@ uint8_t WordWeight(const Posting& posting, const WeightContext& context) {
   for (const auto& row : kZones) {
     if ((posting.zones & row.zone) != 0) occurrences += row.occurrences;
   }
-  const double weight =
-      context.mass * ListFactor(context.linkShare) * occurrences / (occurrences + kHalfOccurrences);
+  const double weight = context.mass * (ListFactor(context.linkShare) * occurrences /
+                                            (occurrences + kHalfOccurrences) +
+                                        LinkGain(context) + BeginningGain(posting, context));
   return WeightByte(static_cast<uint32_t>(std::lround(weight)), (posting.zones & kInTitle) != 0);
 }
 

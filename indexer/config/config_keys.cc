@@ -296,6 +296,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "file_dates", &ReadFileDates},
     {"index", "stop_when_fewer", &ReadStopWhenFewer},
     {"index", "images", Flag{&SiteConfig::images}},
+    {"index", "link_texts", Flag{&SiteConfig::linkTexts}},
 
     {"search", "extensions", Flag{&SiteConfig::extensions}},
     {"search", "address", Text{kBaseAddressLimit, &SiteConfig::searchAddress}, &CheckSearchAddress},

@@ -81,6 +81,7 @@ struct SiteConfig {
   std::string charset = "utf-8";
   int32_t stemming = -1;  // a StemmingAlgorithm; -1: off; kStemmingByPages
   bool images = true;
+  bool linkTexts = true;  // what links call a page counts for it
   std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
   bool trustsFileDates = false;  // even where most of the files were changed on one day
 

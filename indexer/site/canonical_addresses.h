@@ -37,6 +37,20 @@ class CanonicalAddresses {
   // copy. None before the page was noted.
   std::optional<uint32_t> PageAt(const std::string& address) const;
 
+  // Calls `use(address, page)` for every address that a page stands for (PageAt), in any order;
+  // for some of them twice.
+  template <typename Use>
+  void ForEachAddress(Use use) const {
+    const auto useKeys = [&](const auto& table) {
+      for (const auto& row : table) {
+        if (const std::optional<uint32_t> page = PageAt(row.first)) use(row.first, *page);
+      }
+    };
+    useKeys(pages_);
+    useKeys(copies_);
+    useKeys(indexPages_);
+  }
+
  private:
   const std::string& ItemAt(const std::string& address) const;
   bool LeadsBack(const std::string& from, const std::string& own) const;

@@ -12,7 +12,7 @@ namespace vela::indexer {
 
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
                            const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
-                           size_t tokenBytes, TitleMasses* titles) {
+                           size_t tokenBytes, WeightInput* weights) {
   WordMapResult result;
   result.offsets.assign(vocabulary.words.size(), 0);
   ScoreContext context;
@@ -22,6 +22,8 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
   context.averageWords = pages.empty() ? 0 : words / static_cast<double>(pages.size());
   WeightContext weight = {.averageWords = context.averageWords};
   uint32_t titleMass = 0;
+  LinkCountReader links(weights != nullptr ? std::span<const LinkCount>(weights->links)
+                                           : std::span<const LinkCount>());
   OutFile file(path);
   uint32_t current = kNone32;
   postings.ForEachSorted([&](const Posting& posting) {
@@ -33,6 +35,7 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
       context.mostOnPage = word.mostOnPage;
       titleMass = WordMass(word.pageCount, context.pages);
       weight.mass = WordMass(word.pageCount - word.addressOnlyPages, context.pages);
+      weight.mostLinking = links.BeginWord(current);
       result.offsets[current] = file.size();
       file.WriteNumber(context.pagesWithWord, kWordListCountWidth);
     }
@@ -41,8 +44,9 @@ WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& posti
     context.titleWords = page.titleWords;
     weight.pageWords = page.bodyWords;
     weight.linkShare = page.linkShare;
-    if (titles != nullptr) titles->Add(posting, titleMass);
-    file.WriteNumber(titles != nullptr ? WordWeight(posting, weight) : WordScore(posting, context),
+    weight.linking = links.PagesTo(posting.page);
+    if (weights != nullptr) weights->titles.Add(posting, titleMass);
+    file.WriteNumber(weights != nullptr ? WordWeight(posting, weight) : WordScore(posting, context),
                      kWordMapScoreWidth);
     file.WriteNumber(posting.blocks, kWordMapProximityWidth);
     file.WriteNumber(posting.page, kWordMapPageWidth);

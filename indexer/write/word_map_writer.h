@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "indexer/collect/link_texts.h"
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
 #include "indexer/collect/title_mass.h"
@@ -17,11 +18,16 @@ struct WordMapResult {
   uint64_t fileBytes = 0;
 };
 
-// Writes all lists, by ascending word and page. `tokenBytes` is DictIDLen. With `titles` the scores
-// are weights (collect/word_weight.h) and the words of titles are added to it; it is not owned,
-// null for the scores of collect/score.h.
+// What the scores need to be weights (collect/word_weight.h).
+struct WeightInput {
+  TitleMasses titles;            // the words of titles are added to it
+  std::vector<LinkCount> links;  // by word and page
+};
+
+// Writes all lists, by ascending word and page. `tokenBytes` is DictIDLen. With `weights`, which is
+// not owned, the scores are weights; null for the scores of collect/score.h.
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
                            const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
-                           size_t tokenBytes, TitleMasses* titles);
+                           size_t tokenBytes, WeightInput* weights);
 
 }  // namespace vela::indexer

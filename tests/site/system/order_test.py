@@ -78,10 +78,31 @@ class Order(unittest.TestCase):
 
     def test_words_near_each_other(self):
         pages = {
-            "a.html": page("One", f"<p>quartz {filler(200)} feldspar {filler(100)}"),
+            "a.html": page("One", f"<p>{filler(50)} quartz {filler(200)} feldspar {filler(50)}"),
             "b.html": page("Two", f"<p>{filler(100)} quartz feldspar {filler(200)}"),
         }
         self.assertEqual(self.first("near", pages, "quartz feldspar"), ["/b.html", "/a.html"])
+
+    def test_the_page_that_says_so_in_its_first_lines(self):
+        pages = {
+            "a.html": page("One", f"<p>{filler(100)} quartz {filler(100)}"),
+            "b.html": page("Two", f"<p>How to grind quartz. {filler(200)}"),
+        }
+        self.assertEqual(self.first("lines", pages, "quartz"), ["/b.html", "/a.html"])
+
+    def test_the_page_that_others_call_so(self):
+        pages = {
+            "a.html": page("Pewter objects", f"<p>{filler(100)} pewter"),
+            "b.html": page("Metals", f"<p>{filler(80)}<h2>Pewter</h2><p>" + "Pewter. " * 9),
+        }
+        for number in range(6):
+            link = "<a href=b.html#pewter>pewter</a>" if number else "<a href=a.html>pewter</a>"
+            pages[f"l{number}.html"] = page(f"Cup {number}",
+                                            f"<p>{filler(40, number)} Made of {link}.")
+        self.assertEqual(self.first("links", pages, "pewter")[0], "/b.html")
+        pages = {name: content.replace("<a ", "<a rel=nofollow ")
+                 for name, content in pages.items()}
+        self.assertEqual(self.first("no_links", pages, "pewter")[0], "/a.html")
 
     def test_lists_of_links_stand_back(self):
         words = filler(60).split() + ["quartz"]

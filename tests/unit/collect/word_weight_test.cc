@@ -15,6 +15,7 @@ Posting Occurs(uint8_t body, uint8_t zones = 0) {
   Posting posting;
   posting.body = body;
   posting.zones = zones;
+  posting.token = 1000;  // not at the beginning
   return posting;
 }
 
@@ -70,6 +71,41 @@ TEST(WordWeight, ListsOfLinksLess) {
   EXPECT_EQ(Weight(Occurs(255), page), 60u);
   page.linkShare = 1;
   EXPECT_EQ(Weight(Occurs(255), page), 20u);
+}
+
+TEST(WordWeight, MoreOnThePageToWhichOthersLeadByIt) {
+  WeightContext page = Page();
+  page.linking = page.mostLinking = 40;
+  EXPECT_EQ(Weight(Occurs(2), page), 86u);  // 56 and 30 of 100
+  page.linking = 20;                        // half as many as to another page
+  EXPECT_EQ(Weight(Occurs(2), page), 71u);
+  page.linking = page.mostLinking = 1;  // a third: one page alone says little
+  EXPECT_EQ(Weight(Occurs(2), page), 66u);
+  page.mass = kWordWeightLimit;
+  page.linking = page.mostLinking = 3;
+  EXPECT_EQ(Weight(Occurs(255), page), kWordWeightLimit);
+}
+
+TEST(WordWeight, MoreAtTheBeginning) {
+  // One of 300 words is in the first 30 tokens, no title: 38 and 15 of 100.
+  const auto at = [](uint32_t token, uint8_t zones = 0) {
+    Posting posting = Occurs(1, zones);
+    posting.token = token;
+    return posting;
+  };
+  EXPECT_EQ(Weight(at(0), Page()), 53u);
+  EXPECT_EQ(Weight(at(29), Page()), 53u);
+  EXPECT_EQ(Weight(at(30), Page()), 38u);
+  EXPECT_EQ(Weight(at(0, kInTitle), Page()), 71u);  // 4 occurrences
+  // A word of the address alone, where nothing stands before it.
+  Posting address = Occurs(0, kInAddress);
+  EXPECT_EQ(Weight(address, Page()), 38u);
+  // Of a long page no more than 60 tokens.
+  WeightContext page = Page();
+  page.pageWords = 3000;
+  page.averageWords = 3000;
+  EXPECT_EQ(Weight(at(59), page), 53u);
+  EXPECT_EQ(Weight(at(60), page), 38u);
 }
 
 }  // namespace

@@ -54,6 +54,7 @@ charset = "Windows-1252"
 stemming = "german"
 dates = ["time", "meta"]
 images = false
+link_texts = false
 )");
   EXPECT_EQ(options.site, "/owner/pages");  // from the file's folder on
   EXPECT_EQ(options.baseUrl, "/");
@@ -68,6 +69,7 @@ images = false
   EXPECT_EQ(options.config.stemming, 5);
   EXPECT_EQ(options.config.dates, (std::vector<DateSource>{DateSource::kTime, DateSource::kMeta}));
   EXPECT_FALSE(options.config.images);
+  EXPECT_FALSE(options.config.linkTexts);
 }
 
 TEST(ConfigFile, ExtensionsAreOnUnlessSwitchedOff) {
@@ -289,6 +291,7 @@ TEST(ConfigFile, TheExampleIsRightAsItStandsAndWithItsRemarksTaken) {
   EXPECT_EQ(config.stemming, without.config.stemming);
   EXPECT_EQ(config.dates, without.config.dates);
   EXPECT_EQ(config.images, without.config.images);
+  EXPECT_EQ(config.linkTexts, without.config.linkTexts);
   EXPECT_EQ(config.styleSheet, without.config.styleSheet);
   EXPECT_EQ(config.spelling, without.config.spelling);
   EXPECT_EQ(config.suggestions, without.config.suggestions);
