@@ -34,6 +34,8 @@ async function library(name, template, change = (text) => text) {
 before(async () => {
   servers.own = await library('own_template');
   servers.default = await library('default_template', 'default');
+  servers.minimal = await library('minimal_template', 'minimal');
+  servers.embed = await library('embed_template', 'embed');
   servers.styled = await library('styled', undefined,
     (text) => text.replace('[search]', '[search]\nstyle_sheet = "vela_results.xsl"'));
   browser = await launch();
@@ -56,6 +58,7 @@ const STATES = [
   ['events', '?vela_query=&price=5&audience=4', '.vela_on', /^Price up to: 5/],
   ['pages', '?vela_query=library&vela_page=2', '.vela_current', /^2$/],
   ['filters', '?vela_query=library&vela_cat[]=0', '.vela_on', /^News/],
+  ['section', '?vela_query=bronze+otter', '.result_section', /^\u203a The camera at the fountain$/],
   ['recommended', '?vela_query=opening+times', '.recommend_title', /Opening hours/],
   ['recommended_elsewhere', '?vela_query=audiobooks', '.recommend_infoline', /^ebooks\.example\.net\/$/],
   ['misspelt', '?vela_query=poetri', '.suggestion', /poetry/],
@@ -76,6 +79,18 @@ for (const template of ['own', 'default']) {
       await assertValidHtml((await get(servers[template].search + query)).body);
     });
   }
+}
+
+for (const template of ['minimal', 'embed']) {
+  test(`${template} template: a section is named beside the title`, async () => {
+    await inEveryLook(browser, `library_${template}_section`,
+      (seen) => seen.goto(`${servers[template].search}?vela_query=bronze+otter`),
+      async (seen) => {
+        assert.equal(await seen.locator('.result_section').innerText(), '\u203a The camera at the fountain');
+        await assertFits(seen);
+        if (template === 'minimal') await assertAccessible(seen);  // the other is a part of a page
+      });
+  });
 }
 
 test('the library: filters are chips, and the row of pages is short', async () => {
