@@ -173,6 +173,80 @@ TEST(SearchedSite, SynonymsFindEachOther) {
   EXPECT_FALSE(Holds(site.Ask("vela_query=post"), "class=\"suggestion\""));
 }
 
+// What visitors type, each once found to go wrong.
+TEST(SearchedSite, WhatVisitorsTypeFindsWhatTheyMean) {
+  const std::string start = "<meta charset=utf-8><title>T</title><p>";
+  SearchedSite site;
+  site.Configure(
+      "[settings]\nStopWords = \"what is a\"\n");  // the site is too small to show its own
+  site.Add("conflict.html", start + "A merge conflict in a branch. HEAD~2 is older.");
+  site.Add("force.html", start + "git push --force-with-lease");
+  site.Add("merger.html", start + "The merger took a year. A triple conflict.");
+  site.Add("tuple.html", start + "A tuple holds values.");
+  site.Add("password.html", start + "\u30D1\u30B9\u30EF\u30FC\u30C9\u306E\u6697\u53F7\u5316");
+  site.Add("network.html", start +
+                               "\u65B0\u3057\u3044\u30CD\u30C3\u30C8\u30EF\u30FC\u30AF"
+                               "\u8A2D\u5B9A\u3067\u3059");
+  site.Add("software.html", start + "\u5B89\u88DD\u8EDF\u9AD4\u5305");
+  site.Build();
+  const struct {
+    const char *query, *found;
+  } kCases[] = {
+      {"\u201Cmerge\u201D", "conflict.html "},
+      {"\u00ABmerge\u00BB", "conflict.html "},
+      {"merge\u2026", "conflict.html "},
+      {"\u201Cmerge conflict\u201D", "conflict.html "},
+      {"merge\u2013conflict", "conflict.html merger.html "},
+      {"<branch>", "conflict.html "},
+      {"merge;", "conflict.html "},
+      {"HEAD~", "conflict.html "},
+      {"--force-with-lease", "force.html "},
+      {"merge?", "conflict.html "},
+      {"what is a tuple?", "tuple.html "},
+      {"\u30D1\u30B9\u30EF\u30FC\u30C9", "password.html "},
+      {"\u6697\u53F7\u5316", "password.html "},
+      {"\u30CD\u30C3\u30C8\u30EF\u30FC\u30AF\u8A2D\u5B9A", "network.html "},
+      {"\u8EDF\u9AD4", "software.html "},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.query);
+    EXPECT_EQ(site.Found(Encoded(c.query)), c.found);
+  }
+}
+
+TEST(SearchedSite, KernelmodulIsFoundWithAndWithoutItsHyphen) {
+  SearchedSite site;
+  site.options.language = "german";
+  for (const char* page : {"a.html", "b.html"}) {
+    site.Add(page, std::string("<title>") + page + "</title>Das Kernelmodul wird geladen.");
+  }
+  for (const char* page : {"c.html", "d.html"}) {
+    site.Add(page, std::string("<title>") + page + "</title>Ein Kernel-Modul ist neu.");
+  }
+  site.Build();
+  // On as many pages as each other, by the number of the page.
+  EXPECT_EQ(site.Found("kernelmodul&vela_sort=0"), "a.html b.html c.html d.html ");
+  EXPECT_EQ(site.Found("kernel-modul&vela_sort=0").size(), 4 * sizeof "a.html");
+}
+
+// Not where "a", too short to be asked for, stood ahead of the pattern.
+TEST(SearchedSite, WordsOfAPatternCountOnce) {
+  SearchedSite site;
+  site.Configure("[settings]\nMinWordLen = 2\n");
+  site.Add("cats.html", "<title>C</title>cart cat catalogue");
+  site.Add("both.html", "<title>B</title>a cat and the omega");
+  site.Build();
+  EXPECT_EQ(site.Found("a+ca*+omega&vela_and=1"), "both.html ");
+}
+
+TEST(SearchedSite, PassagesKeepTheSignsBetweenWords) {
+  SearchedSite site;
+  site.Add("a.html", "<meta charset=utf-8><title>A</title>Call split ('~', '\u2026') twice.");
+  site.Build();
+  EXPECT_TRUE(
+      Holds(site.Ask("vela_xml=1&vela_query=split"), "(&#39;~&#39;,&#32;&#39;\u2026&#39;) twice"));
+}
+
 TEST(SearchedSite, CompoundsAreFoundHoweverTheyAreWritten) {
   SearchedSite site;
   site.Add("a.html", "<title>One</title>the filename of it; an f-string; write an e-mail");
