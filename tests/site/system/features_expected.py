@@ -198,6 +198,10 @@ _row("Recommended with words of its own, and outside the site", "vela_query=audi
             '<div class="recommend_description">Borrow them on the site that we share with other '
             "libraries, with the number of your card&#46;</div>",
             '<div class="recommend_infoline">https://ebooks.example.net/</div>'))
+_row("Another word for the same", "vela_query=gramophone",
+     finds=("/children/index.html", "/news/music-floor.html", "/news/index.html",
+            "/branches/central.html"),
+     shows=(f"{_mark('Vinyl')} records come back to the music floor",))
 _row("Completion at any word", "vela_query=exch&vela_ac=1",
      shows=("Seed exchange opens in the old card index",), hides=("<html",))
 _row("Completion while typing", "vela_query=bo&vela_ac=1",
