@@ -67,7 +67,8 @@ def answer(index, query, **parameters):
     for item in re.findall(r"<item>.*?</item>", page.decode("utf-8"), re.S):
         score = re.search(r"<vela:score>(\d+)</vela:score>", item)
         if score:  # recommended pages have none
-            pairs.append((int(score[1]), re.search(r"<link>([^<]*)</link>", item)[1]))
+            link = re.search(r"<link>([^<]*)</link>", item)[1]
+            pairs.append((int(score[1]), link.partition("#")[0]))  # behind it, a section
     return pairs
 
 
