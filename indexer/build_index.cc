@@ -344,14 +344,15 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
 IndexSummary BuildIndex(const Options& given, Progress& progress,
                         const volatile std::sig_atomic_t& stop) {
   Options options = given;
-  const std::string base = CheckedBaseUrl(options.baseUrl);
+  const std::string givenBase = CheckedBaseUrl(options.baseUrl);
   const IndexCharset charset(options.config.charset);
   const Language language = LoadLanguage(options.language);
-  AddXmlSettings(base, options.config);
   IndexFolder folder(options.out, WaitingIfWanted(options, progress, stop));
   // Before the template and the program, which may take a while.
   progress.Begin("Looking for pages", 0);
-  const OpenedSource opened = OpenSource(options, base, folder.target(), progress, stop);
+  const OpenedSource opened = OpenSource(options, givenBase, folder.target(), progress, stop);
+  const std::string& base = opened.base;
+  AddXmlSettings(base, options.config);
 
   if (!options.program.empty()) InstallProgram(options.program, folder.fresh());
   Run run = {.options = options,

@@ -190,6 +190,24 @@ CrawlPlan PlanOf(const Opening& opening, CrawlStart start) {
   return plan;
 }
 
+// The site's address with the scheme that its pages have: a server may send all who ask by http on
+// to https.
+std::string BaseOf(const std::string& base, PageStore& store) {
+  constexpr std::string_view kHttp = "http://";
+  constexpr std::string_view kHttps = "https://";
+  const bool isPlain = base.starts_with(kHttp);
+  if (!isPlain && !base.starts_with(kHttps)) return base;
+  std::string other(isPlain ? kHttps : kHttp);
+  other += base.substr((isPlain ? kHttp : kHttps).size());
+  bool hasOther = false;
+  for (const StoredPage& page : store.List()) {
+    if (page.reason != Reason::kNone) continue;
+    if (page.address.starts_with(base)) return base;
+    hasOther = hasOther || page.address.starts_with(other);
+  }
+  return hasOther ? other : base;
+}
+
 OpenedSource OpenCrawl(const Opening& opening, CrawlStart start) {
   OpenedSource opened;
   const std::string first = start.pages.empty() ? start.sitemaps[0] : start.pages[0];
@@ -197,11 +215,14 @@ OpenedSource OpenCrawl(const Opening& opening, CrawlStart start) {
   const fs::path file = OpenState(opening, opened.lock) / kCrawlStoreName;
   auto store = std::make_unique<PageStore>(file);
   opened.findings = Crawl(plan, *store, opening.progress, opening.stop);
-  opened.source = std::make_unique<StoreSource>(
-      std::move(store), file,
-      StoreSource::Wishes{.endings = opening.options.config.endings,
-                          .pageLimit = opening.pageLimit(),
-                          .sought = "on the web from " + first + " on."});
+  opened.base = BaseOf(opening.base, *store);
+  std::string sought = "on the web from " + first + " on.";
+  for (const Finding& finding : opened.findings) sought += "\n  " + FindingText(finding);
+  opened.source =
+      std::make_unique<StoreSource>(std::move(store), file,
+                                    StoreSource::Wishes{.endings = opening.options.config.endings,
+                                                        .pageLimit = opening.pageLimit(),
+                                                        .sought = std::move(sought)});
   return opened;
 }
 
@@ -223,6 +244,7 @@ OpenedSource OpenArchives(const Opening& opening) {
                      "--base-url https://www.example.org/.");
   }
   OpenedSource opened;
+  opened.base = opening.base;
   const fs::path file = OpenState(opening, opened.lock) / kArchiveStoreName;
   RemoveStore(file);
   auto store = std::make_unique<PageStore>(file);
@@ -284,6 +306,7 @@ OpenedSource OpenSource(const Options& options, const std::string& base,
                                .followsLinks = !options.crawl.empty()});
   }
   OpenedSource opened;
+  opened.base = base;
   if (options.list.empty()) {
     opened.source = OpenFolder(opening, {});
     return opened;

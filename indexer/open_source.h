@@ -19,6 +19,7 @@ struct OpenedSource {
   std::unique_ptr<RunLock> lock;  // of what is kept from run to run; held as long as it is read
   std::unique_ptr<Source> source;
   std::vector<Finding> findings;  // what the owner should know of the way there
+  std::string base;               // the site's address, as its pages spell it
 };
 
 // Opens the site's folder, or fetches its pages first. `base` is the site's address, ending in "/";

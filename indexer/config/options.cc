@@ -7,6 +7,7 @@
 #include "indexer/config/config_file.h"
 #include "indexer/config/option_table.h"
 #include "indexer/report/index_error.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -84,7 +85,8 @@ void CheckSource(Options& options) {
   if (!crawls || !options.baseUrl.empty()) return;
   const std::string& first = options.crawl.empty() ? options.sitemaps[0] : options.crawl[0];
   const size_t host = first.find("://");
-  if (host != first.npos) options.baseUrl = first.substr(0, first.find_first_of("/?#", host + 3));
+  if (host == first.npos) return;  // no address, as the crawl will say
+  options.baseUrl = LowerAsciiCopy(first.substr(0, first.find_first_of("/?#", host + 3)));
 }
 
 bool IsNeeded(const OptionRow& row, const Options& options) {

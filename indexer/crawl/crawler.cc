@@ -33,7 +33,7 @@ constexpr uint64_t kFoundPerAsked = 20;  // addresses kept in mind for each that
 constexpr std::chrono::seconds kFirstBackoff(1);
 constexpr std::chrono::seconds kLongestBackoff(60);
 constexpr std::chrono::seconds kLongestWait(600);  // that a server may ask for
-constexpr std::chrono::milliseconds kPatience(100);
+constexpr std::chrono::milliseconds kPatience(20);
 constexpr std::chrono::seconds kCommitInterval(1);
 
 // An address to ask for, and how often that went wrong.
@@ -459,6 +459,14 @@ void Crawler::TakeRedirect(const Job& job, const FetchAnswer& answer) {
                                                                : plan_.scope.Holds(*target));
   if (!isWanted) {
     store_.SettleLeftOut(job.waiting.id, Reason::kRedirectedOutside);
+    const bool isFirst = std::ranges::any_of(plan_.pages, [&from](const std::string& page) {
+      const auto first = ReadWebAddress(page);
+      return first.has_value() && first->address == from.address;
+    });
+    // Nothing is worse for a crawl than to end where it begins.
+    if (isFirst && target.has_value()) {
+      findings_.push_back({Reason::kStartRedirected, from.address, target->address});
+    }
     return;
   }
   store_.SettleRedirect(job.waiting.id);

@@ -208,9 +208,15 @@ FetchAnswer Fetcher::Transfer::Finish(CURLcode result) {
     answer_.reason = Reason::kNone;  // another address of the server was allowed
     return std::move(answer_);
   }
+  if (result == CURLE_SSL_CACERT_BADFILE) {
+    throw IndexError(ExitStatus::kUsage,
+                     "Cannot read the certificates to trust. Check ca_file in "
+                     "[crawl], or install the package ca-certificates.");
+  }
   if (answer_.reason == Reason::kNone) {
     answer_.reason = isCut_ || result == CURLE_FILESIZE_EXCEEDED ? Reason::kFileTooLarge
                      : result == CURLE_BAD_CONTENT_ENCODING      ? Reason::kBadEncoding
+                     : result == CURLE_PEER_FAILED_VERIFICATION  ? Reason::kBadCertificate
                                                                  : Reason::kNoAnswer;
   }
   answer_.bytes = {};

@@ -34,7 +34,7 @@ struct FetchRequest {
 struct FetchAnswer {
   int64_t id = 0;
   // kNone: the server answered, with `status`. Else there is nothing but the reason: kNoAnswer,
-  // kBadEncoding, kFileTooLarge, kPrivateNetwork.
+  // kBadEncoding, kBadCertificate, kFileTooLarge, kPrivateNetwork.
   Reason reason = Reason::kNone;
   long status = 0;
   std::string bytes;

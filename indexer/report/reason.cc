@@ -31,6 +31,7 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kServerError, "server_error", "the server answers with an error"},
     {Reason::kNoAnswer, "no_answer", "no answer, or none that is whole"},
     {Reason::kBadEncoding, "bad_encoding", "its compressed form is damaged"},
+    {Reason::kBadCertificate, "bad_certificate", "the certificate of its server is not trusted"},
     {Reason::kRedirectedTooOften, "redirected_too_often", "redirected too often"},
     {Reason::kRedirectedOutside, "redirected_outside", "redirected to what the crawl leaves out"},
     {Reason::kPrivateNetwork, "private_network", "its server is in a private network"},
@@ -71,6 +72,9 @@ constexpr ReasonWords kReasonWords[] = {
      "write; as root: %"},
     {Reason::kCrawlStopped, "crawl_stopped",
      "the crawl has left addresses out, as it reached its limit (% in [crawl])"},
+    {Reason::kStartRedirected, "start_redirected",
+     "it leads to %, which is on no host of the crawl: begin there, or add the host to hosts in "
+     "[crawl]"},
     {Reason::kSitemapDamaged, "sitemap_damaged", "the sitemap % is damaged"},
     {Reason::kArchiveDamaged, "archive_damaged", "the archive % is damaged"},
 };

@@ -33,6 +33,7 @@ enum class Reason : uint8_t {
   kServerError,
   kNoAnswer,
   kBadEncoding,
+  kBadCertificate,
   kRedirectedTooOften,
   kRedirectedOutside,
   kPrivateNetwork,
@@ -73,9 +74,10 @@ enum class Reason : uint8_t {
   kLogFolderNotGiven,  // `subject`: the commands that give it to the web server
 
   // A crawl.
-  kCrawlStopped,    // `subject`: the key of [crawl] whose limit was reached
-  kSitemapDamaged,  // `subject`: its address
-  kArchiveDamaged,  // `subject`: its file
+  kCrawlStopped,     // `subject`: the key of [crawl] whose limit was reached
+  kStartRedirected,  // `where`: a first address; `subject`: where it leads to
+  kSitemapDamaged,   // `subject`: its address
+  kArchiveDamaged,   // `subject`: its file
 };
 
 constexpr Reason kLastReason = Reason::kArchiveDamaged;

@@ -13,6 +13,7 @@ import pathlib
 import signal
 import shutil
 import sqlite3
+import ssl
 import subprocess
 import threading
 import time
@@ -601,6 +602,65 @@ class Refused(unittest.TestCase):
         crawl = Crawl("absent", 'start = ["http://127.0.0.1:1/"]\nretries = 0\n')
         crawl.run(status=3)
         self.assertEqual(crawl.left_out(), {"/": "no_answer"})
+
+
+class Redirected(unittest.TestCase):
+    def test_a_first_address_that_leads_elsewhere_is_told(self):
+        other = Server({"/": page("home")})
+        self.addCleanup(other.close)
+        server = Server({"/": redirect(other.origin + "/")})
+        self.addCleanup(server.close)
+        crawl = Crawl("redirected", f'start = ["{server.origin}/"]\n' + QUICK)
+        told = crawl.run(status=3)
+        self.assertIn(f"{server.origin}/: it leads to {other.origin}/, which is on no host", told)
+        self.assertEqual(other.asked, [])
+
+
+class Secure(unittest.TestCase):
+    """A server with a certificate of its own making."""
+
+    def setUp(self):
+        if shutil.which("openssl") is None:
+            self.skipTest("no openssl to make a certificate with")
+        self.folder = support.WORK / "certificate"
+        self.folder.mkdir(parents=True, exist_ok=True)
+        self.certificate = self.folder / "cert.pem"
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt",
+                        "ec_paramgen_curve:prime256v1", "-nodes", "-days", "2", "-subj", "/CN=x",
+                        "-addext", "subjectAltName=IP:127.0.0.1", "-keyout",
+                        self.folder / "key.pem", "-out", self.certificate],
+                       check=True, capture_output=True)
+        self.server = Server({"/": page("home", "/a"), "/a": page("a")})
+        self.addCleanup(self.server.close)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(self.certificate, self.folder / "key.pem")
+        self.server.http.socket = context.wrap_socket(self.server.http.socket, server_side=True)
+        self.start = f'start = ["https://127.0.0.1:{self.server.port}/"]\n'
+
+    def test_it_is_known_by_the_certificates_of_the_owner(self):
+        crawl = Crawl("secure", self.start + f'ca_file = "{self.certificate}"\n' + QUICK)
+        crawl.run()
+        self.assertEqual(crawl.pages(), ["/", "/a"])
+
+    def test_or_not_at_all(self):
+        crawl = Crawl("insecure", self.start + QUICK)
+        crawl.run(status=3)
+        self.assertEqual(crawl.left_out(), {"/": "bad_certificate"})
+        self.assertEqual(self.server.asked, [])
+        (self.folder / "none.pem").write_text("no certificate")
+        crawl = Crawl("no_certificates", self.start + 'ca_file = "none.pem"\n' + QUICK)
+        self.assertIn("ca_file", crawl.run(status=2))
+
+    def test_who_asks_by_http_may_be_sent_there(self):
+        plain = Server({})
+        self.addCleanup(plain.close)
+        secure = f"https://127.0.0.1:{self.server.port}"
+        plain.routes["*"] = redirect(secure + "/")
+        crawl = Crawl("upgraded", f'start = ["{plain.origin}/"]\n'
+                      f'hosts = ["127.0.0.1:{self.server.port}"]\nca_file = "{self.certificate}"\n'
+                      + QUICK)
+        crawl.run()
+        self.assertEqual(crawl.pages(), ["/", "/a"])
 
 
 class SampleSite(unittest.TestCase):

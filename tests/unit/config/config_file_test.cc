@@ -72,6 +72,48 @@ link_texts = false
   EXPECT_FALSE(options.config.linkTexts);
 }
 
+TEST(ConfigFile, ReadsTheCrawl) {
+  const Options options = Read(R"([crawl]
+start = ["https://x.example/"]
+sitemaps = ["https://x.example/map.xml"]
+state = "state"
+hosts = ["y.example"]
+include = ["docs/*"]
+exclude = ["\u00FC b*"]
+find_sitemaps = false
+depth = 2
+pages = 3
+max_size = 4
+minutes = 5
+connections = 6
+delay = 0.5
+timeout = 7
+retries = 0
+auth_file = "passwords"
+ca_file = "/etc/ca.pem"
+contact = "me@x.example"
+)");
+  EXPECT_EQ(options.crawl, std::vector<std::string>{"https://x.example/"});
+  EXPECT_EQ(options.sitemaps, std::vector<std::string>{"https://x.example/map.xml"});
+  EXPECT_EQ(options.state, "/owner/state");
+  const CrawlRules& rules = options.crawlRules;
+  EXPECT_EQ(rules.hosts, std::vector<std::string>{"y.example"});
+  EXPECT_EQ(rules.include, std::vector<std::string>{"docs/*"});
+  EXPECT_EQ(rules.exclude, std::vector<std::string>{"%C3%BC%20b*"});
+  EXPECT_FALSE(rules.usesSitemaps);
+  EXPECT_EQ(rules.depth, 2u);
+  EXPECT_EQ(rules.pages, 3u);
+  EXPECT_EQ(rules.megabytes, 4u);
+  EXPECT_EQ(rules.minutes, 5u);
+  EXPECT_EQ(rules.connections, 6u);
+  EXPECT_EQ(rules.delay, 0.5);
+  EXPECT_EQ(rules.timeout, 7u);
+  EXPECT_EQ(rules.retries, 0u);
+  EXPECT_EQ(rules.authFile, "/owner/passwords");
+  EXPECT_EQ(rules.caFile, "/etc/ca.pem");
+  EXPECT_EQ(rules.contact, "me@x.example");
+}
+
 TEST(ConfigFile, ExtensionsAreOnUnlessSwitchedOff) {
   EXPECT_TRUE(Read("").config.extensions);
   const SiteConfig config = Read("[search]\nextensions = false\n[settings]\nRanking = 1\n").config;
@@ -188,7 +230,7 @@ TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
       {"[site]\nfolder = \"a\nout = \"b\"\n", "line 2: ", "quote at the end of a text is missing"},
       {"[site]\nfolder = 'a\n", "line 2: ", "quote at the end of a text is missing"},
       {"[site]\nfolder = \"a", "line 2: ", "quote at the end of a text is missing"},
-      {"a = 1\n", "line 1: ", "there is no \"a\" in the file. Known there: site, index"},
+      {"a = 1\n", "line 1: ", "there is no \"a\" in the file. Known there: site, crawl"},
       {"\n[sight]\n", "line 2: ", "there is no \"sight\""},
       {"[site]\nfoldr = \"x\"\n", "line 2: ", "no \"foldr\" in [site]. Known there: folder"},
       {"[site]\nfolder = 3\n", "line 2: ", "folder in [site] must be a text in quotes"},

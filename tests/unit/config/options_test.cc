@@ -60,6 +60,50 @@ TEST(Options, WhatIsMissingIsNamedWithItsKey) {
       "that --config names. Run with --help for more.\n");
 }
 
+TEST(Options, PagesComeFromOnePlace) {
+  const struct {
+    const char* what;
+    std::vector<const char*> arguments;
+    bool isGood;
+    const char* baseUrl;
+  } kCases[] = {
+      {"a folder", {"--site", "s", "--base-url", "/"}, true, "/"},
+      {"a crawl has its own address",
+       {"--crawl", "HTTPS://X.example:8/a?b"},
+       true,
+       "https://x.example:8"},
+      {"unless another is given", {"--crawl", "http://x.example", "--base-url", "/"}, true, "/"},
+      {"a sitemap", {"--sitemap", "http://x.example/m.xml"}, true, "http://x.example"},
+      {"both",
+       {"--crawl", "http://x.example/", "--sitemap", "http://y.example/"},
+       true,
+       "http://x.example"},
+      {"a list of files", {"--list", "-", "--site", "s", "--base-url", "/"}, true, "/"},
+      {"a list of addresses", {"--list", "f", "--base-url", "/"}, true, "/"},
+      {"archives",
+       {"--warc", "a", "--warc", "b", "--base-url", "http://x.example/"},
+       true,
+       "http://x.example/"},
+      {"nothing", {"--base-url", "/"}, false, ""},
+      {"a list without the site's address", {"--list", "f"}, false, ""},
+      {"a folder and a crawl", {"--site", "s", "--crawl", "http://x.example/"}, false, ""},
+      {"a crawl and a list", {"--list", "f", "--crawl", "http://x.example/"}, false, ""},
+      {"a crawl and an archive", {"--warc", "f", "--crawl", "http://x.example/"}, false, ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    std::vector<const char*> arguments = c.arguments;
+    arguments.insert(arguments.end(), {"--out", "o"});
+    testing::internal::CaptureStderr();
+    const ParsedOptions parsed = Parse(arguments);
+    EXPECT_EQ(testing::internal::GetCapturedStderr().empty(), c.isGood);
+    EXPECT_EQ(parsed.exitStatus.value_or(0), c.isGood ? 0 : 2);
+    if (c.isGood) {
+      EXPECT_EQ(parsed.options.baseUrl, c.baseUrl);
+    }
+  }
+}
+
 TEST(Options, WrongArgumentsEndWithStatus2) {
   const struct {
     const char* what;
