@@ -199,9 +199,11 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   std::ranges::move(listing.unused, std::back_inserter(run.summary.warnings));
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
   run.progress.Begin("Reading pages", items.size());
-  const PageReading reading = {.source = source,
-                               .wishes = {.images = config.images, .dates = config.dates},
-                               .limits = {.stop = &run.stop}};
+  DocumentReaders documents;
+  const PageReading reading = {
+      .source = source,
+      .wishes = {.images = config.images, .dates = config.dates, .documents = &documents},
+      .limits = {.stop = &run.stop}};
   uint64_t done = 0;
   for (const SourceItem& item : items) {
     const Reason reason = TakeItem(reading, item, pages, run.summary.remarks);

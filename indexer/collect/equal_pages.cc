@@ -46,7 +46,7 @@ std::optional<uint32_t> EqualPages::EqualTo(const Page& page, uint32_t number) {
   Fingerprint body;
   body.Add(path.substr(0, path.rfind('.')));
   body.Add(text);
-  if (page.facts.fileType == FileType::kText) {
+  if (page.facts.fileType != FileType::kHtml) {
     if (const auto made = bodies_.find(body.value()); made != bodies_.end()) return made->second;
   }
   Fingerprint whole;

@@ -13,7 +13,7 @@ namespace vela::indexer {
 class EqualPages {
  public:
   // The number of a page before that had the same title, description, meta elements and text, as a
-  // copy or a hard link has, or was the HTML page made of this text file: the same name but for its
+  // copy or a hard link has, or was the HTML page made of this file: the same name but for its
   // ending, and the same text. Pages of little text are never equal: forms and lists of pictures
   // would be. A page that is equal to none is remembered as page `number`.
   [[nodiscard]] std::optional<uint32_t> EqualTo(const Page& page, uint32_t number);

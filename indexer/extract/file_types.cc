@@ -1,11 +1,14 @@
 #include "indexer/extract/file_types.h"
 
+#include <algorithm>
 #include <iterator>
 #include <utility>
 
 #include "indexer/extract/decoding.h"
 #include "indexer/extract/html_page.h"
+#include "indexer/extract/markdown_page.h"
 #include "indexer/extract/plain_text_page.h"
+#include "indexer/extract/subtitles_page.h"
 #include "indexer/extract/xhtml_page.h"
 
 namespace vela::indexer {
@@ -35,6 +38,26 @@ Reason ReadHtml(const SourceItem& item, FileContent file, ReadingBudget& budget,
   return reason;
 }
 
+Reason ReadMarkdown(const SourceItem&, FileContent file, ReadingBudget& budget,
+                    PageContent& content) {
+  std::string text;
+  const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
+  if (reason != Reason::kNone) return reason;
+  file.bytes = {};
+  return ParseMarkdownPage(text, budget, content);
+}
+
+Reason ReadSubtitles(const SourceItem&, FileContent file, ReadingBudget& budget,
+                     PageContent& content) {
+  std::string text;
+  const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
+  if (reason != Reason::kNone) return reason;
+  file.bytes = {};
+  if (!TakeBytes(budget, text.size())) return budget.status;
+  ParseSubtitlesPage(text, content);
+  return Reason::kNone;
+}
+
 Reason ReadPlainText(const SourceItem&, FileContent file, ReadingBudget& budget,
                      PageContent& content) {
   std::string text;
@@ -52,24 +75,24 @@ struct TypeReader {
                  PageContent& content);
 };
 
+// Of those read here. All others are documents, read in processes of their own.
 constexpr TypeReader kTypeReaders[] = {
     {FileType::kHtml, &ReadHtml},
     {FileType::kText, &ReadPlainText},
+    {FileType::kMarkdown, &ReadMarkdown},
+    {FileType::kSubtitles, &ReadSubtitles},
 };
-
-constexpr bool EachTypeHasItsPlace() {
-  for (size_t i = 0; i < std::size(kTypeReaders); ++i) {
-    if (kTypeReaders[i].type != static_cast<FileType>(i)) return false;
-  }
-  return std::size(kTypeReaders) == kFileTypeCount;
-}
-static_assert(EachTypeHasItsPlace());
 
 }  // namespace
 
-Reason ReadContent(const SourceItem& item, FileContent file, ReadingBudget& budget,
-                   PageContent& content) {
-  return kTypeReaders[static_cast<size_t>(item.type)].read(item, std::move(file), budget, content);
+Reason ReadContent(const SourceItem& item, FileContent file, DocumentReaders* documents,
+                   ReadingBudget& budget, PageContent& content) {
+  const auto* reader = std::ranges::find(kTypeReaders, item.type, &TypeReader::type);
+  if (reader != std::end(kTypeReaders)) {
+    return reader->read(item, std::move(file), budget, content);
+  }
+  if (documents == nullptr) return Reason::kReaderMissing;
+  return documents->Read(item.type, file.bytes, budget, content);
 }
 
 }  // namespace vela::indexer

@@ -80,8 +80,9 @@ bool IsNoTitle(std::string_view line) {
          line.ends_with("::");
 }
 
-// Empty when the text does not begin with one.
-std::string TitleOf(std::string_view text) {
+}  // namespace
+
+std::string PlainTextTitle(std::string_view text) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   std::string_view line = TakeFrontMatter(text);
@@ -98,11 +99,9 @@ std::string TitleOf(std::string_view text) {
   return CollapseBlanks(title);
 }
 
-}  // namespace
-
 void ParsePlainTextPage(const std::string& text, PageContent& page) {
   page = PageContent();
-  page.title = TitleOf(text);
+  page.title = PlainTextTitle(text);
   TextRun run{text, 0};
   CleanText(run.text);
   if (run.text.find_first_not_of(' ') != run.text.npos) page.body.push_back(std::move(run));

@@ -52,6 +52,16 @@ enum class Reason : uint8_t {
   kRefresh,
   kAddressTooLong,
 
+  // A document that another process reads.
+  kEncrypted,
+  kDamaged,
+  kDocumentTooSlow,
+  kDocumentTooLarge,
+  kReaderFailed,
+  kReaderMissing,
+  kNoPdfProgram,
+  kNoOldOfficeProgram,
+
   // A page that is indexed all the same; the value is where and why.
   kNotWellFormed,
 

@@ -83,7 +83,7 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
     AddGroups(summary.files, text);
   }
   if (summary.otherKinds.total != 0) {
-    text += "Not read, being neither HTML nor text: " + KindsText(summary.otherKinds) + ".\n";
+    text += "Not read, being no kind of page: " + KindsText(summary.otherKinds) + ".\n";
   }
   if (summary.metaValues.total != 0) {
     text += "Meta elements that do not fit their field:\n";

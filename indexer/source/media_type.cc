@@ -10,18 +10,6 @@ namespace vela::indexer {
 
 namespace {
 
-struct TypeOfMedia {
-  std::string_view name;
-  FileType type;
-};
-
-constexpr TypeOfMedia kTypes[] = {
-    {"text/html", FileType::kHtml},
-    {"application/xhtml+xml", FileType::kHtml},
-    {"text/plain", FileType::kText},
-    {"text/markdown", FileType::kText},
-};
-
 // What servers call a file of which they know nothing.
 constexpr std::string_view kUnknown[] = {"", "application/octet-stream", "application/x-download",
                                          "binary/octet-stream"};
@@ -70,11 +58,9 @@ MediaType ReadMediaType(std::string_view field) {
   return type;
 }
 
-std::optional<FileType> PageType(std::string_view mediaType, std::string_view path,
-                                 const FileEndings& endings) {
-  const auto* known = std::ranges::find(kTypes, mediaType, &TypeOfMedia::name);
-  if (known != std::end(kTypes)) return known->type;
-  if (std::ranges::find(kUnknown, mediaType) == std::end(kUnknown)) return {};
+namespace {
+
+std::optional<FileType> TypeOfName(std::string_view path, const FileEndings& endings) {
   const std::string_view name = path.substr(path.rfind('/') + 1);
   const size_t dot = name.rfind('.');
   if (dot == name.npos) return {};
@@ -85,6 +71,21 @@ std::optional<FileType> PageType(std::string_view mediaType, std::string_view pa
     }
   }
   return {};
+}
+
+}  // namespace
+
+std::optional<FileType> PageType(std::string_view mediaType, std::string_view path,
+                                 const FileEndings& endings) {
+  const bool isUnknown = std::ranges::find(kUnknown, mediaType) != std::end(kUnknown);
+  const std::optional<FileType> known = TypeOfMedia(mediaType);
+  if (!known.has_value() && !isUnknown) return {};
+  // Servers that know no more send Markdown and subtitles as text.
+  const std::optional<FileType> named = TypeOfName(path, endings);
+  const bool isNamedText = named == FileType::kMarkdown || named == FileType::kSubtitles;
+  if (isUnknown || (known == FileType::kText && isNamedText)) return named;
+  if (endings[static_cast<size_t>(*known)].empty()) return {};  // the owner leaves it out
+  return known;
 }
 
 bool IsXmlType(std::string_view mediaType) { return mediaType == "application/xhtml+xml"; }

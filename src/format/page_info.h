@@ -56,10 +56,23 @@ inline constexpr int32_t kNoPageDate = 0;
 // Whether scores stay as they are with this boost.
 constexpr bool LeavesScores(uint8_t boost) { return boost == 0 || boost == 10; }
 
-// The types that vela_index tells apart; all are below the FileTypePluginStart that it writes.
+// The types that vela_index tells apart. From kPdf on, the FileTypePluginStart that it writes, are
+// those that a browser hands to another program or shows in a viewer.
 enum class FileType : uint8_t {
   kHtml = 0,
   kText = 1,
+  kMarkdown = 2,
+  kSubtitles = 3,
+  kPdf = 4,
+  kWord = 5,          // Office Open XML: a text,
+  kSlides = 6,        // a presentation,
+  kSheets = 7,        // a spreadsheet
+  kOpenDocument = 8,  // any of them
+  kEpub = 9,
+  kRichText = 10,
+  kOldWord = 11,  // the binary formats before Office Open XML
+  kOldSlides = 12,
+  kOldSheets = 13,
   kCount,  // of the types; no type itself
 };
 inline constexpr size_t kFileTypeCount = static_cast<size_t>(FileType::kCount);

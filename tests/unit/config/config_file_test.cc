@@ -45,6 +45,7 @@ out = "/srv/search"
 exclude = ["drafts", "*.old"]
 html = ["html", ".php"]
 text = []
+docx = ["docx"]
 template = "minimal"
 language = "mine.vlang"
 [index]
@@ -60,7 +61,11 @@ link_texts = false
   EXPECT_EQ(options.baseUrl, "/");
   EXPECT_EQ(options.out, "/srv/search");
   EXPECT_EQ(options.exclude, (std::vector<std::string>{"drafts", "*.old"}));
-  EXPECT_EQ(options.config.endings, (FileEndings{{{"html", "php"}, {}}}));
+  FileEndings endings = DefaultFileEndings();
+  endings[static_cast<size_t>(FileType::kHtml)] = {"html", "php"};
+  endings[static_cast<size_t>(FileType::kText)] = {};
+  endings[static_cast<size_t>(FileType::kWord)] = {"docx"};
+  EXPECT_EQ(options.config.endings, endings);
   EXPECT_EQ(options.templateName, "minimal");
   EXPECT_EQ(options.language, "/owner/mine.vlang");
   EXPECT_EQ(options.memoryMegabytes, 8u);

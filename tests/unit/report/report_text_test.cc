@@ -10,7 +10,7 @@ TEST(ReportText, HoldsOneObjectForEachThingLeftOut) {
   for (const char* path : {"a.html", "b.html", "c.html", "d\"\\\n.html"}) {
     AddLeftOut(summary.files, Reason::kNoText, path);
   }
-  AddLeftOut(summary.otherKinds, Reason::kOtherKind, "a.pdf", ".pdf");
+  AddLeftOut(summary.otherKinds, Reason::kOtherKind, "a.zip", ".zip");
   AddLeftOut(summary.metaValues, Reason::kNoAmount, "e.html", "price", "cheap");
   AddLeftOut(summary.remarks, Reason::kNotWellFormed, "f.xhtml", {}, "line 3: mismatched tag");
   summary.warnings.push_back({Reason::kUnusedBoost, "x.toml, line 4", ""});
@@ -19,7 +19,7 @@ TEST(ReportText, HoldsOneObjectForEachThingLeftOut) {
 {"path":"b.html","reason":"no_text","text":"no text"}
 {"path":"c.html","reason":"no_text","text":"no text"}
 {"path":"d\"\\\u000a.html","reason":"no_text","text":"no text"}
-{"path":"a.pdf","reason":"other_kind","text":"neither HTML nor text"}
+{"path":"a.zip","reason":"other_kind","text":"of a kind that is not read"}
 {"path":"e.html","field":"price","value":"cheap","reason":"no_amount","text":"no amount"}
 {"path":"f.xhtml","remark":"not_well_formed","subject":"line 3: mismatched tag","text":"no well-formed XHTML, read as HTML"}
 {"remark":"unused_boost","where":"x.toml, line 4","subject":"","text":"x.toml, line 4: this [[boost]] fits no page"}

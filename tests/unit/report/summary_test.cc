@@ -41,12 +41,11 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
 
 TEST(Summary, NamesTheKindsThatAreNotRead) {
   IndexSummary summary;
-  for (const char* ending : {".pdf", ".docx", ".pdf", ""}) {
+  for (const char* ending : {".zip", ".dwg", ".zip", ""}) {
     AddLeftOut(summary.otherKinds, Reason::kOtherKind, "x", ending);
   }
   EXPECT_NE(SummaryText(summary, "i", 1)
-                .find("Not read, being neither HTML nor text: 2 .pdf, 1 without an ending, 1 "
-                      ".docx.\n"),
+                .find("Not read, being no kind of page: 2 .zip, 1 without an ending, 1 .dwg.\n"),
             std::string::npos);
   for (char c = 'a'; c <= 'h'; ++c) {
     AddLeftOut(summary.otherKinds, Reason::kOtherKind, "x", std::string(".z") + c);

@@ -42,7 +42,8 @@ Walk WalkOf(const TestSite& site, const std::vector<std::string>& excluded = {},
             .otherKinds = std::move(listing.otherKinds),
             .unused = std::move(listing.unused)};
   for (const SourceItem& item : listing.items) {
-    walk.paths.push_back(item.path + (item.type == FileType::kHtml ? " html" : " text"));
+    const auto type = static_cast<size_t>(item.type);
+    walk.paths.push_back(item.path + " " + std::string(kFileTypeEndings[type].key));
   }
   return walk;
 }
@@ -50,15 +51,25 @@ Walk WalkOf(const TestSite& site, const std::vector<std::string>& excluded = {},
 TEST(FolderSource, TakesPagesInByteOrderOfTheirPaths) {
   const TestSite site;
   for (const char* path : {"b.html", "a/z.HTM", "a.html", "B.xhtml", "a/b/notes.txt", "read.md",
-                           "picture.png", "style.css", "noextension", "page.html.bak"}) {
+                           "a.PDF", "picture.png", "style.css", "noextension", "page.html.bak"}) {
     site.Add(path, "x");
   }
   const Walk walk = WalkOf(site);
   // "." sorts before "/", capital letters before small ones.
-  const std::vector<std::string> expected = {"B.xhtml html", "a.html html", "a/b/notes.txt text",
-                                             "a/z.HTM html", "b.html html", "read.md text"};
+  const std::vector<std::string> expected = {"B.xhtml html",       "a.PDF pdf",    "a.html html",
+                                             "a/b/notes.txt text", "a/z.HTM html", "b.html html",
+                                             "read.md markdown"};
   EXPECT_EQ(walk.paths, expected);
   EXPECT_EQ(walk.leftOut.total, 0u);
+}
+
+TEST(FolderSource, KnowsTypesByTheirMedia) {
+  EXPECT_EQ(TypeOfMedia("text/html"), FileType::kHtml);
+  EXPECT_EQ(TypeOfMedia("application/xhtml+xml"), FileType::kHtml);
+  EXPECT_EQ(TypeOfMedia("application/pdf"), FileType::kPdf);
+  EXPECT_EQ(TypeOfMedia("application/vnd.ms-excel"), FileType::kOldSheets);
+  EXPECT_EQ(TypeOfMedia("image/png"), std::nullopt);
+  EXPECT_EQ(TypeOfMedia(""), std::nullopt);
 }
 
 TEST(FolderSource, LeavesOutHiddenAndExcludedNames) {
@@ -132,12 +143,12 @@ TEST(FolderSource, ReadsTheFileThatALinkLeadsTo) {
 
 TEST(FolderSource, CountsFilesOfOtherKindsByTheirEnding) {
   const TestSite site;
-  for (const char* path : {"a.pdf", "b/c.PDF", "d.tar.gz", "LICENCE", "style.css", "e.png"}) {
+  for (const char* path : {"a.dwg", "b/c.DWG", "d.tar.gz", "LICENCE", "style.css", "e.png"}) {
     site.Add(path, "x");
   }
   const Walk walk = WalkOf(site);
   EXPECT_EQ(walk.otherKinds.total, 4u);
-  EXPECT_EQ(walk.otherKinds.groups.at({".pdf", Reason::kOtherKind}).count, 2u);
+  EXPECT_EQ(walk.otherKinds.groups.at({".dwg", Reason::kOtherKind}).count, 2u);
   EXPECT_EQ(walk.otherKinds.groups.at({".gz", Reason::kOtherKind}).count, 1u);
   EXPECT_EQ(walk.otherKinds.groups.at({"", Reason::kOtherKind}).count, 1u);
 }

@@ -1,0 +1,94 @@
+#include "indexer/extract/subtitles_page.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "indexer/extract/character_references.h"
+#include "indexer/extract/meta_elements.h"
+#include "indexer/words/clean_text.h"
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr std::string_view kSignature = "WEBVTT";
+constexpr std::string_view kArrow = "-->";
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view TakeLine(std::string_view& text) {
+  const size_t end = std::min(text.find('\n'), text.size());
+  std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+  return line.substr(0, line.find_last_not_of(kBlanks) + 1);
+}
+
+// The lines up to the next empty one.
+std::vector<std::string_view> TakeBlock(std::string_view& text) {
+  std::vector<std::string_view> lines;
+  while (!text.empty()) {
+    const std::string_view line = TakeLine(text);
+    if (line.empty() && !lines.empty()) break;
+    if (!line.empty()) lines.push_back(line);
+  }
+  return lines;
+}
+
+// Without "<i>", "<v Ann>", "<00:00:01.000>" and "{\an8}", and with references resolved.
+std::string Spoken(std::string_view line) {
+  std::string out;
+  while (!line.empty()) {
+    const char c = line.front();
+    const char end = c == '<' ? '>' : '}';
+    const bool opens = c == '<' || line.starts_with("{\\");
+    if (const size_t close = opens ? line.find(end) : line.npos; close != line.npos) {
+      line.remove_prefix(close + 1);
+      continue;
+    }
+    const CharacterReference reference =
+        c == '&' ? ReadCharacterReference(line, false) : CharacterReference();
+    if (reference.length != 0) {
+      out.append(reference.text, reference.textLength);
+      line.remove_prefix(reference.length);
+      continue;
+    }
+    out += c;
+    line.remove_prefix(1);
+  }
+  return out;
+}
+
+}  // namespace
+
+void ParseSubtitlesPage(std::string_view text, PageContent& page) {
+  page = PageContent();
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  if (text.starts_with(kSignature)) {
+    const std::vector<std::string_view> head = TakeBlock(text);
+    std::string_view title = head.front().substr(kSignature.size());
+    title.remove_prefix(std::min(title.find_first_not_of(" \t-:\u2013"), title.size()));
+    page.title = OneLine(std::string(title));
+  }
+  TextRun said;
+  std::string before;
+  for (std::vector<std::string_view> block = TakeBlock(text); !block.empty();
+       block = TakeBlock(text)) {
+    // Comments, styles and regions have no times.
+    const auto times = std::ranges::find_if(
+        block, [](std::string_view line) { return line.find(kArrow) != line.npos; });
+    if (times == block.end()) continue;
+    for (auto line = times + 1; line != block.end(); ++line) {
+      std::string spoken = OneLine(Spoken(*line));
+      if (spoken.empty() || spoken == before) continue;
+      said.text.append(spoken).append(" ");
+      before = std::move(spoken);
+    }
+  }
+  CleanText(said.text);
+  if (!said.text.empty()) page.body.push_back(std::move(said));
+}
+
+}  // namespace vela::indexer

@@ -1,0 +1,303 @@
+#include "indexer/documents/documents.h"
+
+#include <gtest/gtest.h>
+
+#include "support/sample_documents.h"
+
+namespace vela::indexer {
+namespace {
+
+using namespace support;
+
+Reason Read(FileType type, const std::string& bytes, PageContent& page,
+            const ReadingLimits& limits = {}) {
+  ReadingBudget budget = StartReading(limits, bytes.size());
+  return ReadDocument(type, bytes, budget, page);
+}
+
+// "2 Heading|Text": the runs of a page, each behind its heading level.
+std::string RunsOf(FileType type, const ZipParts& parts) {
+  PageContent page;
+  const Reason reason = Read(type, ZipOf(parts), page);
+  if (reason != Reason::kNone) return std::string(ReasonCode(reason));
+  std::string all;
+  for (const TextRun& run : page.body) {
+    all += all.empty() ? "" : "|";
+    if (run.headingLevel != 0) all += std::to_string(run.headingLevel) + " ";
+    std::string text = run.text;
+    while (text.ends_with(' ')) text.pop_back();
+    all += text;
+  }
+  return all;
+}
+
+std::string Paragraph(const std::string& text, const std::string& properties = {}) {
+  return "<w:p>" + properties + "<w:r><w:t>" + text + "</w:t></w:r></w:p>";
+}
+
+TEST(WordPage, TakesTheProperties) {
+  PageContent page;
+  ASSERT_EQ(Read(FileType::kWord, ZipOf(WordParts(Paragraph("x"))), page), Reason::kNone);
+  EXPECT_EQ(page.title, "The title");
+  EXPECT_EQ(page.description, "What it is");
+  EXPECT_EQ(page.metas, (std::vector<MetaElement>{{"author", "Ann"},
+                                                  {"dcterms.date", "2020-01-02T03:04:05Z"},
+                                                  {"dcterms.modified", "2021-01-02T03:04:05Z"}}));
+}
+
+TEST(WordPage, TakesTheText) {
+  const struct {
+    const char* what;
+    std::string body;
+    std::string runs;  // before that of the note
+  } cases[] = {
+      {"paragraphs are parted", Paragraph("One.") + Paragraph("Two."), "One. Two. "},
+      {"a heading by the name of its style",
+       Paragraph("Head", "<w:pPr><w:pStyle w:val='berschrift1'/></w:pPr>") + Paragraph("text"),
+       "1 Head|text "},
+      {"by a style that rests on it",
+       Paragraph("Head", "<w:pPr><w:pStyle w:val='Mine'/></w:pPr>") + Paragraph("text"),
+       "1 Head|text "},
+      {"by the outline level of a style, of the paragraph itself",
+       Paragraph("A", "<w:pPr><w:pStyle w:val='Deep'/></w:pPr>") +
+           Paragraph("B", "<w:pPr><w:pStyle w:val='Deep'/><w:outlineLvl w:val='1'/></w:pPr>"),
+       "3 A|2 B|"},
+      {"two headings in a row stay two",
+       Paragraph("A", "<w:pPr><w:pStyle w:val='Deep'/></w:pPr>") +
+           Paragraph("B", "<w:pPr><w:pStyle w:val='Deep'/></w:pPr>"),
+       "3 A|3 B|"},
+      {"a word in several runs is one",
+       "<w:p><w:r><w:t>wo</w:t></w:r><w:r><w:t>rd</w:t></w:r></w:p>", "word "},
+      {"tabs and breaks part words, stops of tabs do not",
+       "<w:p><w:pPr><w:tabs><w:tab/></w:tabs></w:pPr><w:r><w:t>a</w:t><w:tab/><w:t>b</w:t><w:br/>"
+       "<w:t>c</w:t><w:noBreakHyphen/><w:t>d</w:t></w:r></w:p>",
+       "a b c-d "},
+      {"deleted, moved and hidden text is none",
+       "<w:p><w:del><w:r><w:t>x</w:t></w:r></w:del><w:moveFrom><w:r><w:t>y</w:t></w:r></w:moveFrom>"
+       "<w:r><w:rPr><w:vanish/></w:rPr><w:t>z</w:t></w:r>"
+       "<w:r><w:rPr><w:vanish w:val='0'/></w:rPr><w:t>seen</w:t></w:r></w:p>",
+       "seen "},
+      {"one of two forms of a text box counts",
+       "<w:p><w:r><w:t>a</w:t><mc:AlternateContent><mc:Choice><w:p><w:r><w:t>box</w:t></w:r></w:p>"
+       "</mc:Choice><mc:Fallback><w:p><w:r><w:t>box</w:t></w:r></w:p></mc:Fallback>"
+       "</mc:AlternateContent></w:r></w:p>",
+       "a box "},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(RunsOf(FileType::kWord, WordParts(c.body)), c.runs + "A note.");
+  }
+}
+
+TEST(WordPage, IsFoundWhereverItsMainPartLies) {
+  ZipParts parts = OfficeParts("other/main.xml", "<w:d xmlns:w='w'>" + Paragraph("x") + "</w:d>");
+  EXPECT_EQ(RunsOf(FileType::kWord, parts), "x");
+  parts[0].second = RelationshipsXml({{"r1", "officeDocument", "/other/main.xml"}});
+  EXPECT_EQ(RunsOf(FileType::kWord, parts), "x");
+  parts[0].second = RelationshipsXml({{"r1", "officeDocument", "../../main.xml"}});
+  EXPECT_EQ(RunsOf(FileType::kWord, parts), "damaged");
+}
+
+TEST(SlidesPage, TakesShownSlidesInTheirOrder) {
+  ZipParts parts = OfficeParts("ppt/presentation.xml",
+                               "<p:presentation xmlns:p='p' xmlns:r='r'><p:sldIdLst>"
+                               "<p:sldId id='256' r:id='s2'/><p:sldId id='257' r:id='s1'/>"
+                               "<p:sldId id='258' r:id='s3'/></p:sldIdLst></p:presentation>");
+  parts.emplace_back("ppt/_rels/presentation.xml.rels",
+                     RelationshipsXml({{"s1", "slide", "slides/a.xml"},
+                                       {"s2", "slide", "slides/b.xml"},
+                                       {"s3", "slide", "slides/c.xml"}}));
+  const auto shape = [](const std::string& type, const std::string& text) {
+    return "<p:sp><p:nvPr><p:ph type='" + type + "'/></p:nvPr><a:p><a:r><a:t>" + text +
+           "</a:t></a:r></a:p></p:sp>";
+  };
+  const auto slide = [](const std::string& shapes, const std::string& more = {}) {
+    return "<p:sld xmlns:p='p' xmlns:a='a'" + more + ">" + shapes + "</p:sld>";
+  };
+  parts.emplace_back("ppt/slides/a.xml", slide(shape("title", "Second") + shape("body", "Point") +
+                                               shape("sldNum", "2") + shape("ftr", "Foot")));
+  parts.emplace_back("ppt/slides/b.xml", slide(shape("ctrTitle", "Main")));
+  parts.emplace_back("ppt/slides/c.xml", slide(shape("title", "Hidden"), " show='0'"));
+  EXPECT_EQ(RunsOf(FileType::kSlides, parts), "1 Main|2 Second|Point");
+}
+
+TEST(SheetsPage, TakesTextsRowByRow) {
+  ZipParts parts = OfficeParts(
+      "xl/workbook.xml",
+      "<workbook xmlns='x' xmlns:r='r'><sheets><sheet name='Prices' r:id='r1'/>"
+      "<sheet name='Sheet2' r:id='r2'/><sheet name='H' state='hidden' r:id='r1'/></sheets>"
+      "</workbook>");
+  parts.emplace_back("xl/_rels/workbook.xml.rels",
+                     RelationshipsXml({{"r1", "worksheet", "s1.xml"},
+                                       {"r2", "worksheet", "s2.xml"},
+                                       {"r3", "sharedStrings", "texts.xml"}}));
+  parts.emplace_back("xl/texts.xml",
+                     "<sst xmlns='x'><si><t>Bread</t></si><si><r><t>Ry</t></r><r><t>e</t></r>"
+                     "<rPh><t>spoken</t></rPh></si></sst>");
+  parts.emplace_back("xl/s1.xml",
+                     "<worksheet xmlns='x'><row><c t='s'><v>0</v></c><c><v>4.5</v></c></row>"
+                     "<row><c t='s'><v>1</v></c><c t='s'><v>2</v></c><c t='s'><v>-1</v></c></row>"
+                     "</worksheet>");
+  parts.emplace_back("xl/s2.xml",
+                     "<worksheet xmlns='x'><row><c t='inlineStr'><is><t>Here</t></is></c>"
+                     "<c t='str'><f>1+1</f><v>made</v></c></row></worksheet>");
+  EXPECT_EQ(RunsOf(FileType::kSheets, parts), "2 Prices|Bread Rye Here made");
+}
+
+TEST(OpenDocumentPage, TakesPropertiesAndText) {
+  PageContent page;
+  ASSERT_EQ(Read(FileType::kOpenDocument,
+                 ZipOf(OpenDocumentParts("<o:text><text:p>x</text:p></o:text>")), page),
+            Reason::kNone);
+  EXPECT_EQ(page.title, "Its title");
+  EXPECT_EQ(page.metas, (std::vector<MetaElement>{{"author", "Ben"},
+                                                  {"dcterms.modified", "2022-03-04T05:06:07"}}));
+  const struct {
+    const char* what;
+    std::string body;
+    std::string runs;
+  } cases[] = {
+      {"headings and paragraphs",
+       "<text:h text:outline-level='2'>Head</text:h><text:p>a<text:s/>b<text:tab/>c</text:p>",
+       "2 Head|a b c"},
+      {"a note stands where it belongs to, without its number",
+       "<text:p>a<text:note><text:note-citation>1</text:note-citation><text:note-body>"
+       "<text:p>note</text:p></text:note-body></text:note>b</text:p>",
+       "a note b"},
+      {"deleted text and comments are none",
+       "<text:tracked-changes><text:p>x</text:p></text:tracked-changes>"
+       "<text:p>a<o:annotation><text:p>y</text:p></o:annotation></text:p>",
+       "a"},
+      {"a slide begins with its title",
+       "<draw:page><draw:frame p:class='title'><text:p>T</text:p></draw:frame>"
+       "<draw:frame><text:p>b</text:p></draw:frame><p:notes><text:p>n</text:p></p:notes>"
+       "</draw:page>",
+       "2 T|b"},
+      {"cells are what they show",
+       "<o:spreadsheet><table:table table:name='Costs'><table:table-cell><text:p>4,50 "
+       "\u20AC</text:p>"
+       "</table:table-cell></table:table><table:table table:name='Sheet1'/></o:spreadsheet>",
+       "2 Costs|4,50 \u20AC"},
+      {"text outside of paragraphs is none", "stray<text:p>a</text:p>", "a"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(RunsOf(FileType::kOpenDocument, OpenDocumentParts(c.body)), c.runs);
+  }
+}
+
+TEST(EpubPage, TakesChaptersInReadingOrder) {
+  PageContent page;
+  ASSERT_EQ(Read(FileType::kEpub, ZipOf(EpubParts()), page), Reason::kNone);
+  EXPECT_EQ(page.title, "A book");
+  EXPECT_EQ(page.metas,
+            (std::vector<MetaElement>{{"author", "Cy"},
+                                      {"language", "en"},
+                                      {"article:modified_time", "2019-05-06T07:08:09Z"}}));
+  EXPECT_EQ(RunsOf(FileType::kEpub, EpubParts()), "1 First|Last.");
+  for (const TextRun& run : page.body) EXPECT_EQ(run.anchor, "");
+}
+
+TEST(Documents, TellWhyTheyAreNotRead) {
+  const std::string word = ZipOf(WordParts(Paragraph("x")));
+  std::string encrypted = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+  for (const char c : std::string("EncryptedPackage")) encrypted.append({c, '\0'});
+  ZipParts sealed = OpenDocumentParts("");
+  sealed[1].second = "<m:manifest xmlns:m='m'><m:encryption-data/></m:manifest>";
+  ZipParts book = EpubParts();
+  book.emplace_back("META-INF/encryption.xml",
+                    "<e xmlns='e'><CipherReference URI='two.xhtml'/></e>");
+  ZipParts fonts = EpubParts();
+  fonts.emplace_back("META-INF/encryption.xml",
+                     "<e xmlns='e'><CipherReference URI='OPS/f.ttf'/></e>");
+  const struct {
+    const char* what;
+    FileType type;
+    std::string bytes;
+    Reason reason;
+  } cases[] = {
+      {"nothing", FileType::kWord, "", Reason::kDamaged},
+      {"no archive", FileType::kWord, "<html>", Reason::kDamaged},
+      {"cut short", FileType::kWord, word.substr(0, word.size() / 2), Reason::kDamaged},
+      {"another archive", FileType::kWord, ZipOf({{"a.xml", "<a/>"}}), Reason::kDamaged},
+      {"XML that is none", FileType::kWord, ZipOf(WordParts("<w:p>")), Reason::kDamaged},
+      {"a container of an encrypted one", FileType::kSheets, encrypted, Reason::kEncrypted},
+      {"a container of another kind", FileType::kWord, encrypted.substr(0, 8), Reason::kDamaged},
+      {"encrypted parts", FileType::kOpenDocument, ZipOf(sealed), Reason::kEncrypted},
+      {"an encrypted chapter", FileType::kEpub, ZipOf(book), Reason::kEncrypted},
+      {"encrypted fonts", FileType::kEpub, ZipOf(fonts), Reason::kNone},
+      {"a type that is not read here", FileType::kPdf, "%PDF", Reason::kDamaged},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    PageContent page;
+    EXPECT_EQ(Read(c.type, c.bytes, page), c.reason);
+    EXPECT_EQ(page.body.empty(), c.reason != Reason::kNone);
+  }
+}
+
+TEST(Documents, GrowWithinTheirBudget) {
+  const ReadingLimits small = {.bytes = size_t{1} << 20};
+  PageContent page;
+  // Ten megabytes of blanks pack into ten kilobytes.
+  const std::string bomb = ZipOf(WordParts(Paragraph(std::string(10'000'000, ' '))));
+  ASSERT_LT(bomb.size(), 100'000u);
+  EXPECT_EQ(Read(FileType::kWord, bomb, page, small), Reason::kMarkupTooLarge);
+  EXPECT_EQ(Read(FileType::kWord, bomb, page), Reason::kNone);
+  // One long text that a thousand cells share.
+  ZipParts sheets =
+      OfficeParts("xl/w.xml", "<w xmlns='x' xmlns:r='r'><sheet name='S1' r:id='r1'/></w>");
+  sheets.emplace_back("xl/_rels/w.xml.rels", RelationshipsXml({{"r1", "worksheet", "s.xml"},
+                                                               {"r2", "sharedStrings", "t.xml"}}));
+  sheets.emplace_back("xl/t.xml",
+                      "<t xmlns='x'><si><t>" + std::string(100'000, 'x') + "</t></si></t>");
+  std::string cells;
+  for (int i = 0; i < 1000; ++i) cells += "<c t='s'><v>0</v></c>";
+  sheets.emplace_back("xl/s.xml", "<s xmlns='x'><row>" + cells + "</row></s>");
+  EXPECT_EQ(Read(FileType::kSheets, ZipOf(sheets), page, small), Reason::kMarkupTooLarge);
+}
+
+TEST(Documents, DeclareNoEntities) {
+  ZipParts parts = WordParts("");
+  parts[2].second =
+      "<!DOCTYPE d [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;'>]>"
+      "<w:d xmlns:w='w'><w:p><w:r><w:t>&b;</w:t></w:r></w:p></w:d>";
+  EXPECT_EQ(RunsOf(FileType::kWord, parts), "damaged");
+  parts[2].second =
+      "<!DOCTYPE d [<!ENTITY a SYSTEM 'file:///etc/passwd'>]>"
+      "<w:d xmlns:w='w'><w:p><w:r><w:t>&a;</w:t></w:r></w:p></w:d>";
+  EXPECT_EQ(RunsOf(FileType::kWord, parts), "damaged");
+  std::string deep;
+  for (int i = 0; i < 3000; ++i) deep += "<w:p>";
+  EXPECT_EQ(RunsOf(FileType::kWord, WordParts(deep)), "damaged");
+}
+
+TEST(Documents, EveryCutOfOneEnds) {
+  const std::string word = ZipOf(WordParts(Paragraph("text")));
+  for (size_t size = 0; size < word.size(); size += 7) {
+    PageContent page;
+    EXPECT_NE(Read(FileType::kWord, word.substr(0, size), page), Reason::kNone) << size;
+  }
+}
+
+TEST(Documents, AChangedByteIsNoticedOrHarmless) {
+  const std::string word = ZipOf(WordParts(Paragraph("text")));
+  PageContent whole;
+  ASSERT_EQ(Read(FileType::kWord, word, whole), Reason::kNone);
+  for (size_t at = 0; at < word.size(); ++at) {
+    std::string changed = word;
+    changed[at] = static_cast<char>(changed[at] ^ 0x55);
+    PageContent page;
+    const Reason reason = Read(FileType::kWord, changed, page);
+    EXPECT_TRUE(reason == Reason::kNone || reason == Reason::kDamaged ||
+                reason == Reason::kEncrypted || reason == Reason::kMarkupTooLarge)
+        << at;
+    // What it says has a checksum; notes may be gone with the name of their part.
+    if (reason != Reason::kNone) continue;
+    ASSERT_EQ(page.body.size(), 1u) << at;
+    EXPECT_TRUE(whole.body[0].text.starts_with(page.body[0].text)) << at;
+  }
+}
+
+}  // namespace
+}  // namespace vela::indexer
