@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "format/page_text.h"
+#include "settings/index_directory.h"
 
 namespace vela {
 
@@ -26,6 +27,7 @@ struct PageTextReader {
   uint64_t position = 0;   // of the next token
   uint64_t bufferEnd = 0;  // how far the stream has been read
   bool atEnd = false;
+  FileStretches* stretches = nullptr;  // of the same file, where they can be had; not owned
 };
 
 // Positions the reader. Any position can be taken; beyond the end of the file there is no token.

@@ -32,4 +32,15 @@ bool TextPairs::MayHold(uint32_t page, uint64_t position, uint64_t otherPosition
          (pairs & place.bits) == place.bits;
 }
 
+uint64_t TextPairs::EndOfText(uint32_t page, uint64_t position) const {
+  if (lookup_ == nullptr) return 0;
+  LookupText text;
+  LookupText next;
+  if (!lookup_->Read(lookup_->header().texts, page, text) ||
+      !lookup_->Read(lookup_->header().texts, size_t{page} + 1, next)) {
+    return 0;
+  }
+  return text.start <= position && position < next.start ? next.start : 0;
+}
+
 }  // namespace vela

@@ -21,6 +21,9 @@ class TextPairs {
   bool MayHold(uint32_t page, uint64_t position, uint64_t otherPosition, uint32_t first,
                uint32_t second) const;
 
+  // Where the text of the page that holds the place ends; 0 when that is not known.
+  uint64_t EndOfText(uint32_t page, uint64_t position) const;
+
  private:
   const LookupFile* lookup_ = nullptr;  // null: knows nothing
 };

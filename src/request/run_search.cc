@@ -106,6 +106,7 @@ int ShowRecommended(SearchContext& ctx, SearchState& state) {
 }
 
 int LookUpTerms(SearchContext& ctx, SearchState& state) {
+  FileStretches stretches(ctx.directory, kPageTextFileName);
   const TermSearchInput input = {.settings = ctx.settings,
                                  .dictionary = ctx.dictionary,
                                  .pages = ctx.index.pages,
@@ -115,6 +116,7 @@ int LookUpTerms(SearchContext& ctx, SearchState& state) {
                                  .sort = ctx.search.sort,
                                  .stemmer = ctx.stemmer,
                                  .alternatives = &state.alternatives,
+                                 .pageTextStretches = &stretches,
                                  .query = View(ctx.query.text)};
   const TermResult result = SearchTerms(state.terms, input, state.matches);
   if (result.status == TermStatus::kOk) return 1;

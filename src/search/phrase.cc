@@ -200,6 +200,31 @@ uint32_t CountPhrase(const Phrase& phrase, const Settings& settings, PageTextRea
   return count;
 }
 
+namespace {
+
+// Whether few candidates are left to be read, so that the text between them is passed over.
+bool IsSparse(const Phrase& phrase) {
+  constexpr uint32_t kEnough = 32;
+  return phrase.asked >= kEnough && uint64_t{phrase.ruledOut} * 4 >= uint64_t{phrase.asked} * 3;
+}
+
+// VerifyPhrase, from `from` on, in the text of the page that ends at `end`; 0 for not known.
+bool VerifyInPage(const Phrase& phrase, uint32_t firstScore, const Settings& settings,
+                  PageTextReader& text, uint64_t from, uint64_t end, uint64_t& start) {
+  PageTextReader copy = text;
+  if (text.stretches != nullptr && end != 0) copy.file = text.stretches->Read(from, end);
+  if (text.stretches == nullptr || end == 0 || copy.file.empty()) {
+    SeekPageText(text, from);
+    return VerifyPhrase(phrase, firstScore, settings, text, start);
+  }
+  SeekPageText(copy, 0);
+  if (!VerifyPhrase(phrase, firstScore, settings, copy, start)) return false;
+  start += from;
+  return true;
+}
+
+}  // namespace
+
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, const TextPairs& pairs,
                               PageTextReader& text, PhraseBudget& budget, WordMapRecord& found) {
@@ -238,10 +263,17 @@ CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
   if (budget.seeksDone > budget.maxSeeks || budget.now() > budget.deadline) {
     return CandidateResult::kStop;
   }
-  if (!phrase.isRun && !mayHoldPairs()) return CandidateResult::kRejected;
-  SeekPageText(text, static_cast<uint64_t>(from));
+  if (!phrase.isRun) {
+    ++phrase.asked;
+    if (!mayHoldPairs()) {
+      ++phrase.ruledOut;
+      return CandidateResult::kRejected;
+    }
+  }
   uint64_t start = 0;
-  if (!VerifyPhrase(phrase, candidate.score, settings, text, start)) {
+  const auto begin = static_cast<uint64_t>(from);
+  const uint64_t end = IsSparse(phrase) ? pairs.EndOfText(candidate.page, begin) : 0;
+  if (!VerifyInPage(phrase, candidate.score, settings, text, begin, end, start)) {
     return CandidateResult::kRejected;
   }
   found = candidate;

@@ -26,6 +26,9 @@ struct PhraseWord {
 struct Phrase {
   OwnedArray<PhraseWord> words;  // empty: the phrase matches nothing
   bool isRun = false;            // it holds pieces of a script without blanks (run_terms.h)
+  // Candidates that the pairs were asked about, and those of them that they ruled out.
+  uint32_t asked = 0;
+  uint32_t ruledOut = 0;
 };
 
 // How far the verification of phrases may go, over all phrases of a query.
@@ -55,8 +58,8 @@ inline uint32_t NeighboursNeeded(const Phrase& phrase) {
 
 // Tests one record of the first word; a page on which `pairs` knows two of the words not to stand
 // beside each other is not read. kFound: `found` is the record to add, with the score of all
-// words, of a run that of its least piece, and the position where the phrase begins; the reader
-// stands behind it. kStop: a limit was reached and the term ends.
+// words, of a run that of its least piece, and the position where the phrase begins; behind a
+// run the reader stands. kStop: a limit was reached and the term ends.
 CandidateResult TestCandidate(Phrase& phrase, const WordMapRecord& candidate,
                               const Settings& settings, const TextPairs& pairs,
                               PageTextReader& text, PhraseBudget& budget, WordMapRecord& found);

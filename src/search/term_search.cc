@@ -101,6 +101,7 @@ TermResult SearchPhrase(TermSearch& search, const TermSearchInput& input, Search
   PageTextReader text;
   text.file = input.pageText;
   text.tokenSize = settings.DictIDLen;
+  text.stretches = input.pageTextStretches;
   for (int32_t i = 0; i < first.list.size(); ++i) {
     WordMapRecord found;
     switch (TestCandidate(phrase, RecordAt(first.list, i), settings, pairs, text,

@@ -45,6 +45,7 @@ struct TermSearchInput {
   int32_t sort = 0;
   Stemmer& stemmer;
   const Alternatives* alternatives = nullptr;  // of the same terms; null: there are none
+  FileStretches* pageTextStretches = nullptr;  // not owned; null: none can be had
   std::string_view query = {};                 // normalised, which the terms were cut from
 };
 

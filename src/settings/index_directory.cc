@@ -71,19 +71,31 @@ bool FileImage::Take(int descriptor, size_t size, bool wholeSoon) {
   return true;
 }
 
-bool FileImage::Open(const IndexDirectory& directory, const char* name, bool wholeSoon) {
-  Close();
-  if (directory.descriptor < 0) return false;
+namespace {
+
+// A handle of a regular file of the directory, and its size; -1 when there is none.
+int OpenRegular(const IndexDirectory& directory, const char* name, size_t& size) {
+  if (directory.descriptor < 0) return -1;
   // Without O_NONBLOCK a pipe in a file's place would keep the request waiting.
   const int descriptor =
       openat(directory.descriptor, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-  if (descriptor < 0) return false;
+  if (descriptor < 0) return -1;
   struct stat info;
   if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
     close(descriptor);
-    return false;
+    return -1;
   }
-  const auto size = static_cast<size_t>(info.st_size);
+  size = static_cast<size_t>(info.st_size);
+  return descriptor;
+}
+
+}  // namespace
+
+bool FileImage::Open(const IndexDirectory& directory, const char* name, bool wholeSoon) {
+  Close();
+  size_t size = 0;
+  const int descriptor = OpenRegular(directory, name, size);
+  if (descriptor < 0) return false;
   open_ = true;
   if (size > 0) open_ = Take(descriptor, size, wholeSoon);
   close(descriptor);
@@ -96,6 +108,24 @@ void FileImage::Close() {
   bytes_ = {};
   mapped_ = false;
   open_ = false;
+}
+
+FileStretches::~FileStretches() {
+  if (descriptor_ >= 0) close(descriptor_);
+}
+
+std::string_view FileStretches::Read(uint64_t begin, uint64_t end) {
+  if (begin >= end || end - begin > kLimit || end > INT64_MAX) return {};
+  if (!isOpened_) {
+    isOpened_ = true;
+    size_t size = 0;
+    if (bytes_.TryAllocate(kLimit)) descriptor_ = OpenRegular(directory_, name_, size);
+  }
+  if (descriptor_ < 0) return {};
+  const auto wanted = static_cast<size_t>(end - begin);
+  const ssize_t got = pread(descriptor_, bytes_.data(), wanted, static_cast<off_t>(begin));
+  if (got != static_cast<ssize_t>(wanted)) return {};
+  return {bytes_.data(), wanted};
 }
 
 bool ReadLine(LineReader& reader, size_t limit, std::string_view& line) {

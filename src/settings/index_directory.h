@@ -58,6 +58,31 @@ class FileImage {
   OwnedArray<char> copy_;  // where the file is not mapped
 };
 
+// Copies stretches of a file: to map memory and to let go of it costs several times what copying it
+// does, so that this is how little is read here and there.
+class FileStretches {
+ public:
+  // `directory` and `name` must outlive it. The file is opened when the first stretch is read.
+  FileStretches(const IndexDirectory& directory, const char* name)
+      : directory_(directory), name_(name) {}
+  FileStretches(const FileStretches&) = delete;
+  FileStretches& operator=(const FileStretches&) = delete;
+  ~FileStretches();
+
+  static constexpr uint64_t kLimit = uint64_t{64} << 10;  // bytes of a stretch
+
+  // The bytes from `begin` to `end`, valid until the next call. Empty where they cannot be had, or
+  // are more than kLimit.
+  std::string_view Read(uint64_t begin, uint64_t end);
+
+ private:
+  const IndexDirectory& directory_;
+  const char* name_;
+  bool isOpened_ = false;  // or has failed to
+  int descriptor_ = -1;
+  OwnedArray<char> bytes_;
+};
+
 // Hands out a text the way a line-oriented read with a buffer of fixed size does.
 struct LineReader {
   std::string_view rest;

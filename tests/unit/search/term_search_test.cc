@@ -7,6 +7,7 @@
 
 #include "support/failing_allocation.h"
 #include "support/loaded_site.h"
+#include "support/with_lookup.h"
 
 namespace vela {
 namespace {
@@ -318,6 +319,84 @@ TEST(StemText, LowerCasesFirst) {
     StemText(word, stemmer, true);
     EXPECT_EQ(View(word), c.expected);
   }
+}
+
+// "red oak" stands on every tenth of 400 pages, "red" and "oak" on all.
+IndexBuilder Forest() {
+  IndexBuilder builder;
+  builder.Set("DictIDLen", "4")
+      .Set("DictReservedLimit", "1")
+      .Set("MaxMatches", "1000")
+      .Set("AllowExactPhrase", "1")
+      .Set("MaxContextSeeks", "1000");
+  std::vector<support::Occurrence> red;
+  std::vector<support::Occurrence> oak;
+  std::vector<PageTextToken> tokens;
+  for (uint32_t page = 0; page < 400; ++page) {
+    builder.Page(NewPage(std::to_string(page) + ".html"));
+    const bool isBeside = page % 10 == 0;
+    red.push_back({page, 5, 1, 4 * page, true});
+    oak.push_back({page, 5, 1, 4 * page + (isBeside ? 1U : 2U), true});
+    for (uint32_t word : isBeside ? Pages{2, 3, 4, 0} : Pages{2, 4, 3, 0}) {
+      tokens.push_back({word, 0});
+    }
+  }
+  builder.Word("r0").Word("r1").Word("red", red).Word("oak", oak).Word("elm");
+  builder.File("elms", std::string(size_t{400} * 4 * 4, '\4'));
+  return builder.Tokens(tokens);
+}
+
+// The pages of Forest() that have the phrase, when little of the text is read from that file; from
+// none without a name.
+Pages PhraseInForest(const char* stretchesOf) {
+  support::ScratchDirectory scratch;
+  Forest().WriteTo(scratch.path());
+  EXPECT_TRUE(support::AddLookup(scratch.path()));
+  IndexDirectory directory;
+  OpenIndexDirectory(directory, scratch.path().string());
+  Settings settings;
+  EXPECT_EQ(ReadSettingsFile(settings, directory), SettingsStatus::kOk);
+  IndexFiles files;
+  EXPECT_EQ(OpenIndexFiles(files, directory, settings).status, LoadStatus::kOk);
+  Dictionary dictionary;
+  EXPECT_EQ(dictionary.Load(directory, settings, files.lookup).status, DictionaryStatus::kOk);
+  Query query;
+  Set(query.typed, "\"red oak\"");
+  EXPECT_TRUE(ParseQuery(query, settings));
+  Matches matches;
+  EXPECT_TRUE(AllocateMatches(matches, settings.NumPages));
+  TermSearch search;
+  EXPECT_TRUE(StartTermSearch(search, query.terms, settings));
+  search.phraseBudget = {settings.MaxContextSeeks, 0, 1, [] { return 0.0; }};
+  Stemmer stemmer;
+  FileStretches stretches(directory, stretchesOf);
+  const TermSearchInput input = {.settings = settings,
+                                 .dictionary = dictionary,
+                                 .pages = files.pages,
+                                 .wordMap = files.wordMap.bytes(),
+                                 .pageText = files.pageText.bytes(),
+                                 .lookup = files.lookup,
+                                 .stemmer = stemmer,
+                                 .pageTextStretches = *stretchesOf != 0 ? &stretches : nullptr};
+  EXPECT_EQ(SearchTerms(search, input, matches).status, TermStatus::kOk);
+  Pages found;
+  for (uint32_t page = 0; page < 400; ++page) {
+    if (matches.pages[page].score == 0) continue;
+    EXPECT_EQ(matches.pages[page].firstPosition(), uint64_t{page} * 4 * 4);
+    found.push_back(page);
+  }
+  return found;
+}
+
+TEST(SearchTerms, APhraseThatFewPagesHaveIsReadInStretches) {
+  Pages every10th;
+  for (uint32_t page = 0; page < 400; page += 10) every10th.push_back(page);
+  EXPECT_EQ(PhraseInForest(""), every10th);
+  EXPECT_EQ(PhraseInForest("vela_pagetext.vdat"), every10th);
+  // As long as a stretch cannot be had, it is read where it is mapped.
+  EXPECT_EQ(PhraseInForest("missing"), every10th);
+  // Stretches are read indeed, once it is known that there will be few.
+  EXPECT_EQ(PhraseInForest("elms"), (Pages{0, 10, 20, 30}));
 }
 
 }  // namespace
