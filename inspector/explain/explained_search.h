@@ -45,10 +45,10 @@ std::unique_ptr<SearchedIndex> OpenSearchedIndex(std::string_view path);
 struct Question {
   std::string query;
   bool allTerms = false;  // also where the settings ask for it
-  std::vector<int32_t> categories;
-  std::string from;
-  std::string to;
-  std::optional<int32_t> sort;  // a SortOrder; none: that of the settings
+  std::vector<int32_t> categories = {};
+  std::string from = {};
+  std::string to = {};
+  std::optional<int32_t> sort = {};  // a SortOrder; none: that of the settings
 };
 
 // A page after so many terms.
