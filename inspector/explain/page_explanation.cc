@@ -280,6 +280,11 @@ std::string ExplanationText(const ExplainedSearch& search, const PageExplanation
     text += "  is result " + CountText(explanation.rank) + " of " +
             CountText(static_cast<uint64_t>(run.results.size())) + ", with a score of " +
             std::to_string(explanation.score) + "\n";
+    const int32_t shown = index.settings.MaxResultsPerQuery;
+    if (shown >= 0 && explanation.rank > static_cast<size_t>(shown)) {
+      text += "  is behind the " + CountOfText(static_cast<uint64_t>(shown), "result", "results") +
+              " that can be shown (MaxResultsPerQuery)\n";
+    }
   }
   for (const TermGain& gain : explanation.terms) text += GainText(gain);
   if (explanation.boost != 0 && explanation.boost != 10) {
