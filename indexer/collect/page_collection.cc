@@ -62,6 +62,7 @@ RunCut RunCutOf(const CollectionInput& input) {
                                 .signs = collection.signs,
                                 .sink = collection.input.sink,
                                 .runs = collection.runs,
+                                .endsHeadings = collection.endsHeadings,
                                 .stop = collection.input.stop},
                                collection.tokens);
   if (!isWhole) return false;
@@ -113,6 +114,7 @@ PageCollection::PageCollection(const CollectionInput& collectionInput,
       addresses(input.base),
       forms(input.charset, input.config.stemming),
       runs(RunCutOf(input)),
+      endsHeadings(ExtensionValue(input.config, "Passages") != 0),
       postings(folder, input.memory),
       rules(input.config),
       usedFields(input.config.fields.size()) {}

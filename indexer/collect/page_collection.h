@@ -54,6 +54,7 @@ struct PageCollection {
   EqualPages equal;
   WordForms forms;
   RunCut runs;
+  bool endsHeadings;  // as SiteWords
   Vocabulary vocabulary;
   SignEntries signs;
   PostingRuns postings;

@@ -161,6 +161,13 @@ void CountForms(uint8_t zone, bool inBody, const PageCut& cut) {
 
 bool IsStopped(const PageCut& cut) { return cut.site.stop != nullptr && *cut.site.stop != 0; }
 
+// Parts a heading from the text behind it, which passages show in one line.
+void EndHeading(PageTokens& out) {
+  if (!out.gap.IsEmpty()) return;
+  out.gap.Clear(false);
+  out.gap.AddSign(out.afterPiece ? "\u3002" : ".");
+}
+
 // Cuts one run of text and writes its tokens, unless it is stopped. Returns the number of its
 // words. Without any, nothing of the run was handed on.
 uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut& cut) {
@@ -183,6 +190,7 @@ uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, const PageCut&
     CountForms(zone, inBody, cut);
     if (wordCount != 0 && out.tokens.size() >= kPortionTokens) HandOn(cut);
   }
+  if (cut.site.endsHeadings && inBody && zone != 0 && wordCount != 0) EndHeading(out);
   CloseGap(cut, true);
   return wordCount;
 }

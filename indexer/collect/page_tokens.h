@@ -87,6 +87,7 @@ struct SiteWords {
   SignEntries& signs;
   const TokenSink& sink;
   RunCut runs = RunCut::kWords;
+  bool endsHeadings = false;  // with a full stop, where they end with no sign of their own
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
 };
 

@@ -51,7 +51,7 @@ TokenSink SinkOf(CutResult& result) {
 
 CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
                 const std::string& description = "", const std::string& address = "",
-                RunCut runs = RunCut::kWords) {
+                RunCut runs = RunCut::kWords, bool endsHeadings = false) {
   CutResult result;
   PageContent page;
   page.body = body;
@@ -64,7 +64,8 @@ CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
                                 .vocabulary = result.vocabulary,
                                 .signs = result.signs,
                                 .sink = sink,
-                                .runs = runs},
+                                .runs = runs,
+                                .endsHeadings = endsHeadings},
                                result.words);
   EXPECT_TRUE(isWhole);
   EXPECT_EQ(result.words.tokenCount, result.tokens.size());
@@ -76,6 +77,18 @@ std::string Words(int count) {
   std::string text;
   for (int i = 0; i < count; ++i) text += "w" + std::to_string(i) + " ";
   return text;
+}
+
+// The signs between the words, each with a blank behind it.
+std::string SignsOf(const CutResult& page) {
+  const ReservedEntries entries = page.signs.Finish();
+  std::string texts;
+  for (const PageToken& token : page.tokens) {
+    if (token.number < kWordBase && token.number > kRunEndWord) {
+      texts += entries.texts[entries.finals[token.number]] + " ";
+    }
+  }
+  return texts;
 }
 
 TEST(PageTokens, RunsStandInOrder) {
@@ -173,14 +186,31 @@ TEST(PageTokens, BlocksOfALongPageAreEighths) {
 TEST(PageTokens, SignsBetweenTwoWordsAreOneToken) {
   const CutResult page = CutOf({{"open (2026): Monday \u2013 \"Friday\", and/or - not", 0}}, "t");
   EXPECT_EQ(page.Tokens(), "open # 2026 # monday # friday # and # or # not | t .");
-  const ReservedEntries entries = page.signs.Finish();
-  std::string texts;
-  for (const PageToken& token : page.tokens) {
-    if (token.number < kWordBase && token.number > kRunEndWord) {
-      texts += entries.texts[entries.finals[token.number]] + " ";
-    }
+  EXPECT_EQ(SignsOf(page), "( ): \u2013&#32;&#34; &#34;, / &#32;- ");
+}
+
+TEST(PageTokens, HeadingsEndWithASign) {
+  const struct {
+    const char* what;
+    const char* heading;
+    const char* sign;
+  } kCases[] = {
+      {"without one", "Opening hours", ". "},
+      {"with a blank behind it", "Opening hours ", ". "},
+      {"with a colon", "Opening hours:", ": "},
+      {"a question", "Opening hours?", "? "},
+      {"in a script without blanks", "\u958B\u9928", "\u3002 "},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    const std::vector<TextRun> body = {{c.heading, 2}, {"from nine", 0}};
+    const CutResult page = CutOf(body, "t", "", "", RunCut::kPieces, true);
+    EXPECT_EQ(SignsOf(page), c.sign);
   }
-  EXPECT_EQ(texts, "( ): \u2013&#32;&#34; &#34;, / &#32;- ");
+  // The words of a title stand alone, and a heading without words is none.
+  EXPECT_EQ(CutOf({{"a", 2}, {"\u00B6", 2}, {"b", 0}}, "t", "", "", RunCut::kWords, true).Tokens(),
+            "a # b | t .");
+  EXPECT_EQ(CutOf({{"a", 2}, {"b", 0}}, "t").Tokens(), "a b | t .");
 }
 
 TEST(PageTokens, SignsAreNoWords) {
