@@ -285,6 +285,8 @@ def make_index(r, features):
     x.files["vela_pagedata.vdat"] = bytes(data)
     x.files["vela_pagetext.vdat"] = bytes(text)
 
+    if chance(r, 0.3):
+        synonyms(r, x, lists)
     if "spelling" in features and chance(r, 0.5):
         from vela_search import sound_key
         s["Spelling"] = 1
@@ -340,11 +342,40 @@ def make_index(r, features):
 
 def typed_extensions(r, x):
     """The extensions that change what is made of a query, and small faults."""
-    for key in ("CutSigns", "PlainQueries", "AmendedAnswers", "Ranking"):
+    for key in ("CutSigns", "PlainQueries", "AmendedAnswers", "Ranking", "OfferWords"):
         if chance(r, 0.3):
             x.settings[key] = r.choice((1, 1, 1, 2))
     if chance(r, 0.2):
         x.settings["StopWords"] = r.choice((b'"a of the and"', b'"the"', b'"of  a cat "', b'"-a the"'))
+
+
+def synonyms(r, x, lists):
+    """Words for words, at whole and at lesser weights, and words apart with pages of their own."""
+    x.synonym_keys = sorted({b" ".join(r.sample(x.words, r.choice((1, 1, 1, 2, 3))))
+                             for _ in range(r.randint(1, 8))})
+    keys, alternatives, records, texts = b"", b"", b"", b"".join(x.synonym_keys)
+    count = at = 0
+    for key in x.synonym_keys:
+        keys += struct.pack("<II", at, count)
+        at += len(key)
+        for _ in range(r.randint(1, 3)):
+            text = r.choice(x.words)
+            of = len(records) // 10
+            if chance(r, 0.3):
+                text += b" " + r.choice(x.words)
+                for score, flags, page, position in lists[text.split(b" ")[0]]:
+                    records += bytes((score, flags)) + page.to_bytes(3, "little")
+                    records += position.to_bytes(5, "little")
+            alternatives += struct.pack("<III", len(texts), of, r.choice((100, 60, 60, 1)))
+            texts += text
+            count += 1
+    keys += struct.pack("<II", at, count)
+    alternatives += struct.pack("<III", len(texts), len(records) // 10, 0)
+    x.settings["Synonyms"] = len(x.synonym_keys)
+    x.settings["DisplayScore"] = 1
+    x.files["vela_synonyms.vdat"] = (b"synonym\0" + struct.pack(
+        "<4I", len(x.synonym_keys), count, len(records) // 10, len(texts))
+        + keys + alternatives + records + texts)
 
 
 def some_text(r, x, count):
@@ -426,7 +457,7 @@ def make_settings(r, x):
 
 def damage(r, x, features):
     """Breaks the index in one place; x.damage tells how."""
-    names = sorted(x.files)
+    names = sorted(name for name in x.files if name != "vela_synonyms.vdat")
     kind = r.randrange(8)
     name = r.choice(names)
     body = x.files[name]
@@ -483,6 +514,8 @@ def make_query(r, x, features):
     if chance(r, 0.01):
         return r.choice((b"<", b"'", b"&x", b"ab<", b"*")) * r.choice((400, 425, 430, 700, 2085,
                                                                      2086))
+    if getattr(x, "synonym_keys", None) and chance(r, 0.4):
+        parts.append(r.choice(x.synonym_keys))
     for _ in range(count):
         word = r.choice(x.used if chance(r, 0.8) and x.used else x.words)
         dice = r.random()

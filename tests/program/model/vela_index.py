@@ -26,6 +26,7 @@ INT_KEYS = {
     "UseXML": 0, "XMLHighlight": 0, "NumCats": 0, "NumCatBytes": 0, "UseMetaFields": 0,
     "NumMetaFields": 0, "MetaMoneyShowDec": 0, "MapAccents": 0,
     "CutSigns": 0, "PlainQueries": 0, "AmendedAnswers": 0, "Ranking": 0,
+    "Synonyms": 0, "OfferWords": 0,
 }
 TEXT_KEYS = {  # longest text kept
     "Charset": 1023, "DatePickerPath": 2083, "Version": 1023, "LogFileName": 255,
@@ -500,6 +501,36 @@ def load_recommended(data, s):
         if at > 0:
             entries.append((line[:at][:500], atoll(line[at:])))
     return entries
+
+
+def load_synonyms(data):
+    """By key: (word, weight in hundredths, records of its pages). The file is whole."""
+    keys, count, records, text_bytes = (int.from_bytes(data[at : at + 4], "little")
+                                        for at in (8, 12, 16, 20))
+
+    def numbers(at, rows, columns):
+        row = 4 * columns
+        return [[int.from_bytes(data[at + row * i + 4 * k : at + row * i + 4 * k + 4], "little")
+                 for k in range(columns)] for i in range(rows)]
+
+    key_rows = numbers(24, keys + 1, 2)
+    at = 24 + 8 * (keys + 1)
+    rows = numbers(at, count + 1, 3)
+    at += 12 * (count + 1)
+    texts = data[len(data) - text_bytes :]
+    found = {}
+    for (start, first), (end, after) in zip(key_rows, key_rows[1:]):
+        found[texts[start:end]] = [
+            (texts[rows[i][0] : rows[i + 1][0]], rows[i][2],
+             word_records(data[at + 10 * rows[i][1] : at + 10 * rows[i + 1][1]]))
+            for i in range(first, after)]
+    return found
+
+
+def word_records(data):
+    """(score, flags, page, position) of each record of a list."""
+    return [(data[i], data[i + 1], int.from_bytes(data[i + 2 : i + 5], "little"),
+             int.from_bytes(data[i + 5 : i + 10], "little")) for i in range(0, len(data), 10)]
 
 
 def exists(path):

@@ -91,6 +91,7 @@ class Term:
         self.text = text
         self.wild = wild
         self.phrase = None  # its words, when it is a phrase
+        self.alternatives = []  # other words that find its pages
         self.hits = 0
         self.mass = 0  # where it is not that of a word on as many pages as there are hits
         self.searched = text[1:] if text.startswith(b"-") else text
@@ -131,6 +132,7 @@ def run_search(c):
         if s.SearchAsSubstring == 1 and phrase:
             wild = False
         c.terms.append(Term(text, wild))
+    collect_alternatives(c)
     c.highlights = []
     for term in c.terms if s.Highlighting == 1 else ():
         if term.text.startswith(b"-") or is_site(term.text):
@@ -139,6 +141,13 @@ def run_search(c):
         if s.AllowExactPhrase == 1 and b" " in term.text:
             shown.phrase = [w for w in term.text.split(b" ") if w]
         c.highlights.append(shown)
+    for term in c.terms if s.Highlighting == 1 else ():
+        for text, _, _ in term.alternatives:
+            shown = Term(text, False)
+            if b" " in text:
+                shown.phrase = text.split(b" ")
+            if shown.phrase is None or s.AllowExactPhrase == 1:
+                c.highlights.append(shown)
     if s.Recommended == 1:
         recommended_links(c)
 
@@ -167,6 +176,8 @@ def run_search(c):
         if exclude:
             c.excluded += 1
         search_term(c, number, term, exclude)
+        if not exclude and not c.limit_reached:
+            add_alternatives(c, number, term)
     if c.term_cut and s.AmendedAnswers == 1:
         c.limit_reached = True
     if c.meta_only:
@@ -186,6 +197,56 @@ def run_search(c):
     c.suggestions = suggest(c)
     vela_page.results_page(c, entries)
     vela_page.finish(c)
+
+
+def collect_alternatives(c):
+    """By each word, and by up to four side by side, which then are each found by them."""
+    s = c.s
+    data = vela_index.read_file(c.path(b"vela_synonyms.vdat")) if s.Synonyms > 0 else None
+    known = vela_index.load_synonyms(data) if data else {}
+
+    def is_plain(term):
+        return (term.text and not term.text.startswith(b"-") and not term.wild
+                and not set(b" *?") & set(term.text) and not is_site(term.text)
+                and len(term.text) >= s.MinWordLen)
+
+    for first in range(len(c.terms)):
+        for end in range(first + 1, min(first + 4, len(c.terms)) + 1):
+            if not is_plain(c.terms[end - 1]):
+                break
+            words = c.terms[first:end]
+            for term in words:
+                term.alternatives += known.get(b" ".join(word.text for word in words), [])
+
+
+def find_word(c, word):
+    """The records of a word, none where it cannot be searched for."""
+    for index in range(c.s.DictReservedLimit + 1, min(c.s.NumKeywords, len(c.dictionary))):
+        if index >= 0 and c.dictionary[index].word == word:
+            offset = c.dictionary[index].offset
+            head = c.wordmap[offset : offset + 4] if offset >= 0 else b""
+            count = int.from_bytes(head, "little", signed=True) if len(head) == 4 else 0
+            data = c.wordmap[offset + 4 : offset + 4 + 10 * max(count, 0)]
+            return vela_index.word_records(data) if len(data) == 10 * count else []
+    return []
+
+
+def add_alternatives(c, number, term):
+    """Pages that the term has not found itself, each once."""
+    seen = {record[2] for record in find_word(c, term.searched)} if term.alternatives else set()
+    for text, weight, records in term.alternatives:
+        if not records and b" " not in text:
+            records = find_word(c, text)
+        for score, flags, page, position in records:
+            if page >= c.s.NumPages or page in seen:
+                continue
+            seen.add(page)
+            if weight < 100 and c.s.Ranking == 1:
+                score = min(max((score >> 1) * weight // 100, 1), 127) << 1
+            elif weight < 100:
+                score = max(score * weight // 100, 1)
+            add_record(c, number, False, (score, flags, page, position))
+            term.hits += 1
 
 
 def start_stemmer(c):
@@ -226,8 +287,7 @@ def read_word_list(c, entry):
     data = c.wordmap[entry.offset + 4 : entry.offset + 4 + 10 * count]
     if len(data) < 10 * count:
         expected_data_missing(c)
-    return [(data[i], data[i + 1], int.from_bytes(data[i + 2 : i + 5], "little"),
-             int.from_bytes(data[i + 5 : i + 10], "little")) for i in range(0, len(data), 10)]
+    return vela_index.word_records(data)
 
 
 def search_term(c, number, term, exclude):
@@ -1064,16 +1124,16 @@ def suggest(c):
     offered = 0
     alternatives = []
     for i, term in enumerate(c.terms):
-        searched = term.searched
+        searched, kept = term.searched, term.text if s.OfferWords == 1 else term.searched
         if s.AmendedAnswers == 1 and s.SearchAsSubstring == 1:
-            searched = searched.strip(b"*")
+            searched, kept = searched.strip(b"*"), kept.strip(b"*")
         if excluded(term):
             piece = term.text
             if s.AllowExactPhrase == 1 and b" " in piece:
                 piece = b'-"%s"' % piece[1:]
             c.suggested_as_typed = True
         elif term.hits >= limit:
-            piece = searched
+            piece = kept
         else:
             piece = None
             key = sound_key(searched)
