@@ -155,7 +155,9 @@ CrawlPlan PlanOf(const Opening& opening, CrawlStart start) {
   const CrawlRules& rules = options.crawlRules;
   std::vector<std::string> first = start.pages;
   first.insert(first.end(), start.sitemaps.begin(), start.sitemaps.end());
-  const auto milliseconds = static_cast<int64_t>(std::lround(rules.delay * 1000));
+  const auto milliseconds = [](double seconds) {
+    return std::chrono::milliseconds(std::llround(seconds * 1000));
+  };
   std::string agent(kCrawlerName);
   agent += "/" VELA_VERSION " (vela_index";
   if (!rules.contact.empty()) agent += "; +" + rules.contact;
@@ -175,8 +177,8 @@ CrawlPlan PlanOf(const Opening& opening, CrawlStart start) {
       .pagesLimit = rules.pages,
       .bytesLimit = rules.megabytes * kMegabyte,
       .pageBytesLimit = opening.pageLimit(),
-      .timeLimit = std::chrono::minutes(rules.minutes),
-      .delay = std::chrono::milliseconds(milliseconds),
+      .timeLimit = milliseconds(rules.minutes * 60),
+      .delay = milliseconds(rules.delay),
       .connections = rules.connections,
       .retries = rules.retries,
       .passwords = rules.authFile.empty() ? Passwords() : ReadPasswordFile(rules.authFile),

@@ -252,6 +252,10 @@ void ReadDelay(const ConfigEntry& entry, Options& options) {
   entry.table.Decimal(entry.key, 0, kCrawlDelayLimit, options.crawlRules.delay);
 }
 
+void ReadMinutes(const ConfigEntry& entry, Options& options) {
+  entry.table.Decimal(entry.key, 0, kCrawlMinutesLimit, options.crawlRules.minutes);
+}
+
 void ReadRetries(const ConfigEntry& entry, Options& options) {
   int64_t retries = 0;
   if (!entry.table.Number(entry.key, 0, kCrawlRetriesLimit, retries)) return;
@@ -279,7 +283,7 @@ const ConfigKey kConfigKeys[] = {
     {"crawl", "depth", Number{kCrawlDepthLimit, &CrawlRules::depth}},
     {"crawl", "pages", Number{kCrawlPagesLimit, &CrawlRules::pages}},
     {"crawl", "max_size", Number{kCrawlMegabytesLimit, &CrawlRules::megabytes}},
-    {"crawl", "minutes", Number{kCrawlMinutesLimit, &CrawlRules::minutes}},
+    {"crawl", "minutes", &ReadMinutes},
     {"crawl", "connections", Number{kCrawlConnectionsLimit, &CrawlRules::connections}},
     {"crawl", "delay", &ReadDelay},
     {"crawl", "timeout", Number{kCrawlTimeoutLimit, &CrawlRules::timeout}},

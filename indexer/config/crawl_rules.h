@@ -10,7 +10,7 @@ namespace vela::indexer {
 constexpr uint64_t kCrawlDepthLimit = 1000;
 constexpr uint64_t kCrawlPagesLimit = 10000000;
 constexpr uint64_t kCrawlMegabytesLimit = uint64_t{1} << 24;
-constexpr uint64_t kCrawlMinutesLimit = uint64_t{60} * 24 * 31;
+constexpr double kCrawlMinutesLimit = 60.0 * 24 * 31;
 constexpr uint64_t kCrawlConnectionsLimit = 16;
 constexpr uint64_t kCrawlTimeoutLimit = 600;  // seconds
 constexpr uint64_t kCrawlRetriesLimit = 10;
@@ -24,7 +24,7 @@ struct CrawlRules {
   uint64_t depth = 30;               // links from the first addresses
   uint64_t pages = 100000;           // addresses asked for
   uint64_t megabytes = 10000;        // of all answers
-  uint64_t minutes = 0;              // of one run; 0: no limit
+  double minutes = 0;                // of one run; 0: no limit
   uint64_t connections = 2;          // at once to one server
   double delay = 0.1;                // seconds between the starts of two requests to one server
   uint64_t timeout = 30;             // seconds

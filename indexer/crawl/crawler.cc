@@ -28,7 +28,7 @@ using Clock = std::chrono::steady_clock;
 constexpr uint32_t kHopLimit = 5;
 constexpr uint32_t kSitemapNestingLimit = 3;
 constexpr size_t kTransferLimit = 16;    // at once, to all servers together
-constexpr int kServerFaultLimit = 10;    // in a row, before a server is given up
+constexpr int kServerFaultLimit = 20;    // in a row, before a server is given up
 constexpr uint64_t kFoundPerAsked = 20;  // addresses kept in mind for each that may be asked for
 constexpr std::chrono::seconds kFirstBackoff(1);
 constexpr std::chrono::seconds kLongestBackoff(60);
@@ -403,7 +403,8 @@ void Crawler::Take(FetchAnswer answer) {
 void Crawler::TakePage(Server& server, Job job, FetchAnswer answer) {
   if (IsPassing(answer)) {
     const bool isSilent = answer.reason != Reason::kNone;
-    server.faults = isSilent ? server.faults + 1 : 0;
+    // One that begins to answer is there, however it ends.
+    server.faults = isSilent && answer.status == 0 ? server.faults + 1 : 0;
     const auto asked = RetryAfter(answer.retryAfter);
     if (asked.count() != 0) server.next = std::max(server.next, Clock::now() + asked);
     const Reason reason = isSilent ? Reason::kNoAnswer : Reason::kServerError;

@@ -34,7 +34,7 @@ struct CrawlPlan {
   uint64_t pagesLimit = 0;  // addresses asked for
   uint64_t bytesLimit = 0;  // of all answers
   uint64_t pageBytesLimit = 0;
-  std::chrono::minutes timeLimit{0};  // 0: none
+  std::chrono::milliseconds timeLimit{0};  // 0: none
 
   // For each server.
   std::chrono::milliseconds delay{0};  // between the starts of two requests, at least

@@ -47,6 +47,7 @@ class Server:
     def __init__(self, routes, address="127.0.0.1"):
         self.routes = routes
         self.asked = []  # (path, fields)
+        self.is_dead = False  # nothing is answered any more
         self.under_way = 0
         self.most_under_way = 0
         self.lock = threading.Lock()
@@ -76,6 +77,9 @@ class Server:
         threading.Thread(target=self.http.serve_forever, daemon=True).start()
 
     def answer(self, request):
+        if self.is_dead:
+            request.close_connection = True
+            return
         route = self.routes.get(request.path)
         if route is None and "*" in self.routes:
             route = self.routes["*"]
@@ -483,6 +487,52 @@ class Again(unittest.TestCase):
         crawl.run()
         self.assertEqual(crawl.pages(), ["/", "/a"])
         self.assertEqual(crawl.remarks(), [("crawl_stopped", "pages")])
+
+
+class Limited(unittest.TestCase):
+    def test_by_size(self):
+        routes = {f"/{number}": page(f"p{number}") + "<!-- " + "x" * 400000 for number in range(9)}
+        routes["/"] = page("home", *routes)
+        server = Server(routes)
+        self.addCleanup(server.close)
+        crawl = Crawl("size", f'start = ["{server.origin}/"]\nmax_size = 1\nconnections = 1\n' + QUICK)
+        crawl.run()
+        self.assertEqual(crawl.pages(), ["/", "/0", "/1", "/2"])
+        self.assertEqual(crawl.remarks(), [("crawl_stopped", "max_size")])
+
+    def test_by_time_and_the_next_run_goes_on(self):
+        routes = {f"/{number}": page(f"p{number}") for number in range(60)}
+        routes["/"] = page("home", *routes)
+        server = Server(routes)
+        self.addCleanup(server.close)
+        crawl = Crawl("time", f'start = ["{server.origin}/"]\ndelay = 0.05\nminutes = 0.02\n')
+        crawl.run()
+        self.assertEqual(crawl.remarks(), [("crawl_stopped", "minutes")])
+        some = crawl.pages()
+        self.assertLess(len(some), 61)
+        server.asked.clear()
+        crawl.configure(f'start = ["{server.origin}/"]\ndelay = 0\n')
+        crawl.run()
+        self.assertEqual(len(crawl.pages()), 61)
+        self.assertEqual([path for path in server.paths() if path in some], [])
+
+    def test_a_server_that_dies_is_left_alone(self):
+        pages = 200
+        routes = {f"/{number}": page(f"p{number}") for number in range(pages)}
+        server = Server({**routes, "/": page("home", *routes)})
+        self.addCleanup(server.close)
+        crawl = Crawl("dies", f'start = ["{server.origin}/"]\ndelay = 0.01\nretries = 0\n')
+        process = subprocess.Popen(crawl.command(), stdout=subprocess.DEVNULL)
+        while len(server.asked) < 40:
+            time.sleep(0.01)
+        server.is_dead = True
+        asked = len(server.asked)
+        self.assertEqual(process.wait(timeout=60), 0)
+        self.assertGreater(len(crawl.pages()), 20)
+        self.assertEqual(set(crawl.left_out().values()), {"no_answer"})
+        # Twenty that stayed without an answer, and those that were under way by then. The library
+        # asks once more where a connection was closed that had been of use.
+        self.assertLess(len(server.asked) - asked, 60)
 
 
 class Killed(unittest.TestCase):

@@ -89,7 +89,7 @@ find_sitemaps = false
 depth = 2
 pages = 3
 max_size = 4
-minutes = 5
+minutes = 5.5
 connections = 6
 delay = 0.5
 timeout = 7
@@ -109,7 +109,7 @@ contact = "me@x.example"
   EXPECT_EQ(rules.depth, 2u);
   EXPECT_EQ(rules.pages, 3u);
   EXPECT_EQ(rules.megabytes, 4u);
-  EXPECT_EQ(rules.minutes, 5u);
+  EXPECT_EQ(rules.minutes, 5.5);
   EXPECT_EQ(rules.connections, 6u);
   EXPECT_EQ(rules.delay, 0.5);
   EXPECT_EQ(rules.timeout, 7u);
