@@ -39,6 +39,19 @@ std::string_view TakeParameter(std::string_view& rest) {
   return TrimAll(parameter);
 }
 
+std::optional<FileType> TypeOfName(std::string_view path, const FileEndings& endings) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  const size_t dot = name.rfind('.');
+  if (dot == name.npos) return {};
+  const std::string ending = LowerAsciiCopy(name.substr(dot + 1));
+  for (size_t type = 0; type < kFileTypeCount; ++type) {
+    if (std::ranges::find(endings[type], ending) != endings[type].end()) {
+      return static_cast<FileType>(type);
+    }
+  }
+  return {};
+}
+
 }  // namespace
 
 MediaType ReadMediaType(std::string_view field) {
@@ -57,23 +70,6 @@ MediaType ReadMediaType(std::string_view field) {
   }
   return type;
 }
-
-namespace {
-
-std::optional<FileType> TypeOfName(std::string_view path, const FileEndings& endings) {
-  const std::string_view name = path.substr(path.rfind('/') + 1);
-  const size_t dot = name.rfind('.');
-  if (dot == name.npos) return {};
-  const std::string ending = LowerAsciiCopy(name.substr(dot + 1));
-  for (size_t type = 0; type < kFileTypeCount; ++type) {
-    if (std::ranges::find(endings[type], ending) != endings[type].end()) {
-      return static_cast<FileType>(type);
-    }
-  }
-  return {};
-}
-
-}  // namespace
 
 std::optional<FileType> PageType(std::string_view mediaType, std::string_view path,
                                  const FileEndings& endings) {

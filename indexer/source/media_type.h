@@ -18,9 +18,9 @@ struct MediaType {
 // Reads the value of a Content-Type field: `text/html; charset="utf-8"`.
 MediaType ReadMediaType(std::string_view field);
 
-// The type of page that it is, if it is one that has endings. `path` ends as the address does, before
-// any "?": where the server does not know what it sends (no type, or application/octet-stream), the
-// ending of its name says it; so it does where it is a kind of text.
+// The type of page that it is, if it is one that has endings. `path` ends as the address does,
+// before any "?": where the server does not know what it sends (no type, or
+// application/octet-stream), the ending of its name says it; so it does where it is a kind of text.
 std::optional<FileType> PageType(std::string_view mediaType, std::string_view path,
                                  const FileEndings& endings);
 

@@ -34,7 +34,12 @@ TEST(MediaType, SaysWhichPageItIs) {
   EXPECT_EQ(PageType("text/plain", "/a.html", endings), FileType::kText);
   EXPECT_EQ(PageType("image/png", "/a.html", endings), std::nullopt);
   EXPECT_EQ(PageType("", "/b/a.HTML", endings), FileType::kHtml);
-  EXPECT_EQ(PageType("application/octet-stream", "/a.md", endings), FileType::kText);
+  EXPECT_EQ(PageType("application/octet-stream", "/a.md", endings), FileType::kMarkdown);
+  EXPECT_EQ(PageType("text/plain", "/a.md", endings), FileType::kMarkdown);
+  EXPECT_EQ(PageType("application/pdf", "/a", endings), FileType::kPdf);
+  FileEndings without = endings;
+  without[static_cast<size_t>(FileType::kPdf)].clear();
+  EXPECT_EQ(PageType("application/pdf", "/a.pdf", without), std::nullopt);
   EXPECT_EQ(PageType("", "/a.html/b", endings), std::nullopt);
   EXPECT_TRUE(IsXmlType("application/xhtml+xml"));
   EXPECT_FALSE(IsXmlType("text/html"));
