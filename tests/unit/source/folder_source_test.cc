@@ -162,6 +162,30 @@ TEST(FolderSource, TheRulesForRobotsAreNoPage) {
   EXPECT_TRUE(walk.leftOut.groups.contains({"", Reason::kForRobots}));
 }
 
+TEST(FolderSource, ReadsOnlyWhatIsListed) {
+  const TestSite site;
+  for (const char* path : {"a.html", "b.html", "sub/c.html", "drafts/d.html", "e.zip", "f.zip"}) {
+    site.Add(path, "x");
+  }
+  SiteFolder wanted = SiteAt(site.folder);
+  wanted.excluded = {"drafts"};
+  wanted.only = {"./a.html",
+                 "sub/../sub/c.html",
+                 (site.folder / "b.html").string(),
+                 "e.zip",
+                 "../a.html",
+                 "drafts/d.html",
+                 "none.html",
+                 "a.html"};
+  const SiteListing listing = FolderSource(wanted).List();
+  std::vector<std::string> paths;
+  for (const SourceItem& item : listing.items) paths.push_back(item.path);
+  EXPECT_EQ(paths, (std::vector<std::string>{"a.html", "b.html", "sub/c.html"}));
+  EXPECT_EQ(listing.otherKinds.total, 1u);
+  EXPECT_EQ(listing.leftOut.groups.at({"", Reason::kFileNotFound}).examples,
+            (std::vector<std::string>{"../a.html", "drafts/d.html", "none.html"}));
+}
+
 TEST(FolderSource, NamesPatternsThatLeaveNothingOut) {
   const TestSite site;
   site.Add("drafts/a.html", "x");
