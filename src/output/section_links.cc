@@ -7,9 +7,10 @@ namespace vela {
 
 namespace {
 
-// What may stand in a fragment as it is, in an attribute and in XML, too.
+// What may stand in a fragment as it is, in an attribute and in XML, too. Viewers of PDF files look
+// for "page=7".
 bool IsPlainInFragment(char c) {
-  return IsAlphaNumeric(c) || std::string_view("-._~:").find(c) != std::string_view::npos;
+  return IsAlphaNumeric(c) || std::string_view("-._~:=").find(c) != std::string_view::npos;
 }
 
 // False, and the address as it was, when it has a fragment or no room.

@@ -550,6 +550,12 @@ TEST(SectionLinks, OnlyWithTheSetting) {
   EXPECT_EQ(WithSectionAt(site, 12), "<a href=\"a.html\" >Manual");
 }
 
+TEST(SectionLinks, APageOfADocumentIsCalledAsViewersReadIt) {
+  EXPECT_EQ(WithSectionAt(WithSection("a.pdf", "page=7", "Prices"), 12),
+            "<a href=\"a.pdf#page=7\" >Manual <span class=\"result_section\">&#8250; "
+            "Prices</span>");
+}
+
 TEST(SectionLinks, AnAddressKeepsItsFragment) {
   EXPECT_EQ(WithSectionAt(WithSection("a.html#top", "use", "How to use it"), 12),
             "<a href=\"a.html#top\" >Manual");
@@ -557,7 +563,7 @@ TEST(SectionLinks, AnAddressKeepsItsFragment) {
 
 TEST(SectionLinks, NothingOfTheFileIsMarkup) {
   EXPECT_EQ(WithSectionAt(WithSection("a.html", "\"><b x='&#", "<script>"), 12),
-            "<a href=\"a.html#%22%3E%3Cb%20x%3D%27%26%23\" >Manual");
+            "<a href=\"a.html#%22%3E%3Cb%20x=%27%26%23\" >Manual");
   EXPECT_EQ(WithSectionAt(WithSection("a.html", "\xC3\xA9", "\" onclick=\"x"), 12, true),
             "<link>a.html#%C3%A9</link>");
   // A heading that says what the title says is not said twice.
