@@ -1,0 +1,87 @@
+#!/usr/bin/env python3
+"""The documents of examples/documents, one of each kind, are found by what stands in them, with their
+titles; what cannot be read costs nothing but itself, and is told."""
+
+import io
+import json
+import shutil
+import subprocess
+import unittest
+import zipfile
+
+import support
+
+FOLDER = support.PROJECT / "examples/documents"
+
+# Words of one document alone, its address, its title.
+FOUND = [
+    ("lemonade", "/house_rules.docx", "House rules of the library"),
+    ("projector", "/rooms.xlsx", "Rooms to rent"),
+    ("otter", "/reading_list.odt", "Books about rivers"),
+    ("floods", "/reading_list.odt", "Books about rivers"),
+    ("\"reading room has\"", "/letter.rtf", "Letter to the members"),
+    ("café", "/letter.rtf", "Letter to the members"),
+    ("\"good morning\"", "/film.vtt", "A day in the library"),
+    ("subtitles", "/welcome.md", "Welcome to the library"),
+]
+FOUND_IN_PDF = ("\"return box\"", "/opening_hours.pdf", "Opening hours of the library")
+
+
+def bomb():
+    """A docx of some kilobytes that unpacks to 400 MB."""
+    packed = io.BytesIO()
+    with zipfile.ZipFile(packed, "w", zipfile.ZIP_DEFLATED) as archive:
+        archive.writestr("_rels/.rels", "<r/>")
+        with archive.open("word/document.xml", "w") as part:
+            for _ in range(400):
+                part.write(b" " * (1 << 20))
+    return packed.getvalue()
+
+
+class Documents(unittest.TestCase):
+    def test_each_is_found_by_its_words(self):
+        index = support.build_index(FOLDER, "documents")
+        found = list(FOUND)
+        if shutil.which("pdftotext"):
+            found.append(FOUND_IN_PDF)
+        for query, address, title in found:
+            with self.subTest(query):
+                self.assertEqual(support.search(index, query), [(address, title)])
+
+    def test_what_cannot_be_read_is_left_out_with_its_reason(self):
+        site = support.WORK / "hostile"
+        shutil.rmtree(site, ignore_errors=True)
+        site.mkdir(parents=True)
+        whole = (FOLDER / "house_rules.docx").read_bytes()
+        (site / "a.html").write_text("<title>A page</title>text", encoding="utf-8")
+        (site / "whole.docx").write_bytes(whole)
+        (site / "cut.docx").write_bytes(whole[:-100])
+        (site / "bomb.docx").write_bytes(bomb())
+        (site / "sealed.xlsx").write_bytes(
+            b"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + "EncryptedPackage".encode("utf-16-le"))
+        (site / "nonsense.rtf").write_bytes(b"no rich text")
+        (site / "zeros.epub").write_bytes(bytes(10000))
+        report = support.WORK / "report"
+        subprocess.run([support.BIN / "vela_index", "--site", site, "--base-url", "/", "--quiet",
+                        "--out", support.WORK / "hostile_index", "--report", report], check=True)
+        told = [json.loads(line) for line in report.read_text(encoding="utf-8").splitlines()]
+        self.assertEqual({line["path"]: line["reason"] for line in told if "path" in line},
+                         {"cut.docx": "damaged", "bomb.docx": "document_too_large",
+                          "sealed.xlsx": "encrypted", "nonsense.rtf": "damaged",
+                          "zeros.epub": "damaged"})
+
+    def test_without_the_program_beside_it_pages_are_indexed_all_the_same(self):
+        alone = support.WORK / "alone"
+        alone.mkdir(parents=True, exist_ok=True)
+        shutil.copy2(support.BIN / "vela_index", alone)
+        report = alone / "report"
+        subprocess.run([alone / "vela_index", "--site", FOLDER, "--base-url", "/", "--quiet",
+                        "--out", alone / "index", "--report", report], check=True)
+        told = [json.loads(line) for line in report.read_text(encoding="utf-8").splitlines()]
+        left_out = {line["path"]: line["reason"] for line in told if "path" in line}
+        self.assertEqual(left_out["house_rules.docx"], "reader_missing")
+        self.assertNotIn("welcome.md", left_out)
+
+
+if __name__ == "__main__":
+    unittest.main()
