@@ -14,7 +14,9 @@ namespace vela::indexer {
 namespace {
 
 constexpr char kExtractProgram[] = "vela_extract";
+constexpr char kInput[] = "/dev/stdin";
 constexpr std::string_view kRichTextBegin = "{\\rtf";
+constexpr std::string_view kContainerBegin = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 constexpr std::string_view kArchiveBegin = "PK\x03\x04";
 
 std::string OwnFolder() {
@@ -54,17 +56,22 @@ Reason DocumentReaders::ReadPdf(std::string_view document, ReadingBudget& budget
   return Reason::kNone;
 }
 
-Reason DocumentReaders::ReadOldOffice(const std::string& program, std::string_view document,
-                                      ReadingBudget& budget, PageContent& page) const {
+Reason DocumentReaders::ReadOldOffice(const std::string& program,
+                                      const std::vector<std::string>& arguments,
+                                      std::string_view document, ReadingBudget& budget,
+                                      PageContent& page) const {
+  // Of anything else these programs make text, too.
+  if (!document.starts_with(kContainerBegin)) return Reason::kDamaged;
   if (program.empty()) return Reason::kNoOldOfficeProgram;
   ProgramOutput result;
-  // "-" is the input for those that would not read it without.
-  std::vector<std::string> arguments = {"-d", "utf-8"};
+  // Those of spreadsheets and slides need the name of a file.
   const Reason reason = RunOutsideProgram(extract_, program, arguments, document, budget, result);
   if (reason != Reason::kNone) return reason;
   if (result.exitStatus < 0) return Reason::kReaderFailed;
   if (result.errors.find("ncrypted") != result.errors.npos) return Reason::kEncrypted;
-  if (result.exitStatus != 0) return Reason::kDamaged;
+  if (result.exitStatus != 0 || result.errors.find("OLE file") != result.errors.npos) {
+    return Reason::kDamaged;
+  }
   if (!IsValidUtf8(result.output)) result.output = RepairedUtf8(result.output);
   ParsePlainTextPage(result.output, page);
   return Reason::kNone;
@@ -73,6 +80,7 @@ Reason DocumentReaders::ReadOldOffice(const std::string& program, std::string_vi
 Reason DocumentReaders::Read(FileType type, std::string_view document, ReadingBudget& budget,
                              PageContent& page) {
   page = PageContent();
+  Reason reason = Reason::kNone;
   switch (type) {
     case FileType::kPdf:
       return ReadPdf(document, budget, page);
@@ -84,11 +92,15 @@ Reason DocumentReaders::Read(FileType type, std::string_view document, ReadingBu
       if (document.starts_with(kArchiveBegin)) {
         return workers_.Read(FileType::kWord, document, budget, page);
       }
-      return ReadOldOffice(wordProgram_, document, budget, page);
+      return ReadOldOffice(wordProgram_, {"-d", "utf-8", kInput}, document, budget, page);
     case FileType::kOldSlides:
-      return ReadOldOffice(slidesProgram_, document, budget, page);
+      return ReadOldOffice(slidesProgram_, {"-d", "utf-8", kInput}, document, budget, page);
     case FileType::kOldSheets:
-      return ReadOldOffice(sheetsProgram_, document, budget, page);
+      // No quotes, and blanks between the cells. The first row is no title.
+      reason = ReadOldOffice(sheetsProgram_, {"-d", "utf-8", "-q", "0", "-c", " ", kInput},
+                             document, budget, page);
+      page.title.clear();
+      return reason;
     default:
       return workers_.Read(type, document, budget, page);
   }

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "format/page_info.h"
 #include "indexer/extract/document_workers.h"
@@ -27,8 +28,8 @@ class DocumentReaders {
 
  private:
   Reason ReadPdf(std::string_view document, ReadingBudget& budget, PageContent& page) const;
-  Reason ReadOldOffice(const std::string& program, std::string_view document, ReadingBudget& budget,
-                       PageContent& page) const;
+  Reason ReadOldOffice(const std::string& program, const std::vector<std::string>& arguments,
+                       std::string_view document, ReadingBudget& budget, PageContent& page) const;
 
   std::string extract_;     // vela_extract
   std::string pdfProgram_;  // these are empty where there is none

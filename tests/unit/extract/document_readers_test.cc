@@ -90,6 +90,12 @@ TEST(DocumentReaders, AWordFileMayBeOfAnotherFormat) {
   PageContent page;
   EXPECT_EQ(Read(readers, FileType::kOldWord, kRichText, page), Reason::kNone);
   EXPECT_EQ(page.title, "T");
+  // Of text the programs for the older formats would make text.
+  for (const FileType type : {FileType::kOldWord, FileType::kOldSlides, FileType::kOldSheets}) {
+    EXPECT_EQ(Read(readers, type, "plain text", page), Reason::kDamaged);
+  }
+  const std::string cut = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(1000, '\0');
+  EXPECT_EQ(Read(readers, FileType::kOldSheets, cut, page), Reason::kDamaged);
 }
 
 TEST(DocumentReaders, SayWhichProgramIsMissing) {
