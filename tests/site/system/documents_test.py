@@ -12,6 +12,7 @@ import zipfile
 import support
 
 FOLDER = support.PROJECT / "examples/documents"
+SEALED = support.PROJECT / "tests/site/system/sealed.pdf"  # one of them, behind a password
 
 # Words of one document alone, its address, its title.
 FOUND = [
@@ -61,14 +62,20 @@ class Documents(unittest.TestCase):
             b"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + "EncryptedPackage".encode("utf-16-le"))
         (site / "nonsense.rtf").write_bytes(b"no rich text")
         (site / "zeros.epub").write_bytes(bytes(10000))
+        expected = {"cut.docx": "damaged", "bomb.docx": "document_too_large",
+                    "sealed.xlsx": "encrypted", "nonsense.rtf": "damaged",
+                    "zeros.epub": "damaged", "plain.xls": "damaged"}
+        (site / "plain.xls").write_bytes(b"a,b")
+        if shutil.which("pdftotext"):
+            shutil.copy2(SEALED, site)
+            (site / "empty.pdf").write_bytes(b"%PDF-1.7\n")
+            expected |= {"sealed.pdf": "encrypted", "empty.pdf": "damaged"}
         report = support.WORK / "report"
         subprocess.run([support.BIN / "vela_index", "--site", site, "--base-url", "/", "--quiet",
                         "--out", support.WORK / "hostile_index", "--report", report], check=True)
         told = [json.loads(line) for line in report.read_text(encoding="utf-8").splitlines()]
         self.assertEqual({line["path"]: line["reason"] for line in told if "path" in line},
-                         {"cut.docx": "damaged", "bomb.docx": "document_too_large",
-                          "sealed.xlsx": "encrypted", "nonsense.rtf": "damaged",
-                          "zeros.epub": "damaged"})
+                         expected)
 
     def test_without_the_program_beside_it_pages_are_indexed_all_the_same(self):
         alone = support.WORK / "alone"
