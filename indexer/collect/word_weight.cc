@@ -22,7 +22,7 @@ constexpr struct {
   Zone zone;
   double occurrences;
 } kZones[] = {
-    {kInTitle, 3},          {kInMainHeading, 2}, {kInHeading, 1},
+    {kInTitle, 1.5},        {kInMainHeading, 2}, {kInHeading, 1},
     {kInSmallHeading, 0.5}, {kInDescription, 1}, {kInAddress, 1},
 };
 
@@ -31,14 +31,19 @@ constexpr double kUsualLinks = 0.4;
 // ... and of one that is all links words lose this share of their weight.
 constexpr double kListLoss = 0.8;
 
-// What a word gains, as shares of its mass: on the page to which most others lead by it, where that
-// are some at least ...
-constexpr double kLinkGain = 0.3;
+// What a word gains, as shares of its mass: in a title ...
+constexpr double kTitleGain = 0.1;
+// ... on the page to which most others lead by it, where that are some at least ...
+constexpr double kLinkGain = 0.27;
 constexpr double kSomeLinking = 3;
 // ... and at the beginning of a page: in so many tokens, up to this share of its words.
 constexpr double kBeginningGain = 0.15;
 constexpr double kBeginningTokens = 60;
 constexpr double kBeginningShare = 0.1;
+
+double TitleGain(const Posting& posting) {
+  return (posting.zones & kInTitle) != 0 ? kTitleGain : 0;
+}
 
 double LinkGain(const WeightContext& context) {
   return kLinkGain * context.linking / std::max<double>(context.mostLinking, kSomeLinking);
@@ -64,9 +69,10 @@ uint8_t WordWeight(const Posting& posting, const WeightContext& context) {
   for (const auto& row : kZones) {
     if ((posting.zones & row.zone) != 0) occurrences += row.occurrences;
   }
-  const double weight = context.mass * (ListFactor(context.linkShare) * occurrences /
-                                            (occurrences + kHalfOccurrences) +
-                                        LinkGain(context) + BeginningGain(posting, context));
+  const double weight =
+      context.mass *
+      (ListFactor(context.linkShare) * occurrences / (occurrences + kHalfOccurrences) +
+       TitleGain(posting) + LinkGain(context) + BeginningGain(posting, context));
   return WeightByte(static_cast<uint32_t>(std::lround(weight)), (posting.zones & kInTitle) != 0);
 }
 

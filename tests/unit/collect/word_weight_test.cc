@@ -42,7 +42,7 @@ TEST(WordWeight, IsAShareOfTheMass) {
 }
 
 TEST(WordWeight, TitleAndHeadingsCountAsOccurrences) {
-  EXPECT_EQ(Weight(Occurs(0, kInTitle), Page()), Weight(Occurs(3), Page()));
+  EXPECT_EQ(Weight(Occurs(0, kInTitle), Page()), 58u);  // 1.5 / 3.1, and a tenth
   EXPECT_EQ(Weight(Occurs(0, kInMainHeading), Page()), Weight(Occurs(2), Page()));
   EXPECT_EQ(Weight(Occurs(1, kInHeading), Page()), Weight(Occurs(2), Page()));
   EXPECT_GT(Weight(Occurs(1, kInSmallHeading), Page()), Weight(Occurs(1), Page()));
@@ -76,11 +76,11 @@ TEST(WordWeight, ListsOfLinksLess) {
 TEST(WordWeight, MoreOnThePageToWhichOthersLeadByIt) {
   WeightContext page = Page();
   page.linking = page.mostLinking = 40;
-  EXPECT_EQ(Weight(Occurs(2), page), 86u);  // 56 and 30 of 100
+  EXPECT_EQ(Weight(Occurs(2), page), 83u);  // 55.6 and 27 of 100
   page.linking = 20;                        // half as many as to another page
-  EXPECT_EQ(Weight(Occurs(2), page), 71u);
+  EXPECT_EQ(Weight(Occurs(2), page), 69u);
   page.linking = page.mostLinking = 1;  // a third: one page alone says little
-  EXPECT_EQ(Weight(Occurs(2), page), 66u);
+  EXPECT_EQ(Weight(Occurs(2), page), 65u);
   page.mass = kWordWeightLimit;
   page.linking = page.mostLinking = 3;
   EXPECT_EQ(Weight(Occurs(255), page), kWordWeightLimit);
@@ -96,7 +96,7 @@ TEST(WordWeight, MoreAtTheBeginning) {
   EXPECT_EQ(Weight(at(0), Page()), 53u);
   EXPECT_EQ(Weight(at(29), Page()), 53u);
   EXPECT_EQ(Weight(at(30), Page()), 38u);
-  EXPECT_EQ(Weight(at(0, kInTitle), Page()), 71u);  // 4 occurrences
+  EXPECT_EQ(Weight(at(0, kInTitle), Page()), 71u);  // 2.5 of 4.1, and a tenth
   // A word of the address alone, where nothing stands before it.
   Posting address = Occurs(0, kInAddress);
   EXPECT_EQ(Weight(address, Page()), 38u);
