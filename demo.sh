@@ -2,7 +2,7 @@
 # Builds the search, indexes a site and serves it with its search on this machine.
 #   ./demo.sh [--once] [--site DIR] [--port N] [--query Q]
 #     --once     ask the server one search, print the page it answers and end
-#     --site     the folder of HTML and text files to index (default: the library of examples/,
+#     --site     the folder of pages and documents to index (default: the library of examples/,
 #                with every part of the search switched on; docs/features.md tells what to try)
 #     --port     the port to use when it is free (default: 8080)
 #     --query    the words to search for with --once, or to open the search with
