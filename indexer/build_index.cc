@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <optional>
 #include <thread>
@@ -17,6 +18,7 @@
 #include "indexer/config/language_file.h"
 #include "indexer/extract/read_page.h"
 #include "indexer/open_source.h"
+#include "indexer/page_workers.h"
 #include "indexer/publish/former_settings.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
@@ -52,6 +54,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr uint64_t kMegabyte = uint64_t{1} << 20;
+// Of blocks that are ready before their turn.
+constexpr size_t kWaitingBytes = 16 * kMegabyte;
 
 void CheckStop(const volatile std::sig_atomic_t& stop) {
   if (stop != 0) {
@@ -90,55 +94,59 @@ struct SitePages {
       : collection({.base = run.base,
                     .config = run.options.config,
                     .charset = run.charset,
-                    .sections = ExtensionValue(run.options.config, "SectionLinks") != 0,
                     .memory = run.options.memoryMegabytes * kMegabyte,
-                    .sink = [this](const std::vector<PageToken>& tokens) { text.Add(tokens); },
-                    .stop = &run.stop},
+                    .sink = [this](const std::vector<PageToken>& tokens) { text.Add(tokens); }},
                    run.folder.fresh()),
         text(run.folder.fresh()),
-        table(run.folder.fresh() / kPageInfoFileName, run.folder.fresh() / kPageDataFileName,
-              run.charset) {}
+        table(run.folder.fresh() / kPageInfoFileName, run.folder.fresh() / kPageDataFileName) {}
 
   PageCollection collection;
   PageTextWriter text;
   PageTableWriter table;
 };
 
-// How the pages of the site are read.
+// How the pages of the site are read, by all threads alike.
 struct PageReading {
   const Source& source;
   PageWishes wishes;
   ReadingLimits limits;
+  BlockInput blocks;
+  std::mutex largePages;  // held by the thread that is busy with one
 };
 
-// From an item of the site to a page. Nothing of the index is touched, so that a page which takes
+// What a page takes while it is read is many times its size. Of those above so many bytes threads
+// read one at a time.
+constexpr size_t kLargePageBytes = size_t{2} << 20;
+
+// From an item of the site to a block. Nothing of the index is touched, so that a page which takes
 // more memory than there is costs the run no more than that page.
-Reason ReadItemPage(const PageReading& reading, const SourceItem& item, Page& page) try {
+Reason MakeItemBlock(PageReading& reading, const SourceItem& item, BlockMaker& maker,
+                     PageBlock& block) try {
   FileContent file;
-  const Reason reason = reading.source.Read(item, file);
+  Reason reason = reading.source.Read(item, file);
   if (reason != Reason::kNone) return reason;
-  return ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
+  std::unique_lock large(reading.largePages, std::defer_lock);
+  if (file.bytes.size() > kLargePageBytes) large.lock();
+  Page page;
+  reason = ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
+  return reason != Reason::kNone ? reason : maker.Make(page, block);
 } catch (const std::bad_alloc&) {
   return Reason::kNoMemory;
 }
 
-// Takes one item of the site in. kNone, or why it is left out. Where there is no memory for its
-// words, half of them may be in the index: the run cannot go on.
-Reason TakeItem(const PageReading& reading, const SourceItem& item, SitePages& pages,
-                LeftOut& remarks) try {
-  Page page;
-  Reason reason = ReadItemPage(reading, item, page);
-  if (reason != Reason::kNone) return reason;
+// Takes the block of one item of the site in. kNone, or why it is left out. Where there is no
+// memory for its words, half of them may be in the index: the run cannot go on.
+Reason TakeBlock(const PageBlock& block, SitePages& pages, LeftOut& remarks) try {
   PageEntry entry;
-  reason = AddPage(page, pages.collection, entry);
+  const Reason reason = AddPage(block, pages.collection, entry);
   if (reason != Reason::kNone) return reason;
   pages.table.AddPage(entry);
-  if (!page.content.markupFault.empty()) {
-    AddLeftOut(remarks, Reason::kNotWellFormed, item.path, {}, page.content.markupFault);
+  if (!block.markupFault.empty()) {
+    AddLeftOut(remarks, Reason::kNotWellFormed, block.facts.path, {}, block.markupFault);
   }
   return Reason::kNone;
 } catch (const std::bad_alloc&) {
-  throw IndexError(ExitStatus::kFailed, "Out of memory at " + item.path +
+  throw IndexError(ExitStatus::kFailed, "Out of memory at " + block.facts.path +
                                             ". Give a smaller --memory or --max-file-size, or "
                                             "leave that page out (--exclude).");
 }
@@ -191,6 +199,12 @@ std::string ChooseStemming(const Source& source, const SiteListing& listing,
   return "off, as there is no " + name + " for " + charset.name();
 }
 
+// The threads that read pages.
+unsigned Jobs(const Options& options) {
+  const auto wanted = static_cast<unsigned>(options.jobs);
+  return wanted != 0 ? wanted : std::max(1U, std::thread::hardware_concurrency());
+}
+
 void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
   const std::vector<SourceItem>& items = listing.items;
@@ -200,17 +214,26 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
   run.progress.Begin("Reading pages", items.size());
   DocumentReaders documents;
-  const PageReading reading = {
+  PageReading reading = {
       .source = source,
       .wishes = {.images = config.images, .dates = config.dates, .documents = &documents},
-      .limits = {.stop = &run.stop}};
-  uint64_t done = 0;
-  for (const SourceItem& item : items) {
-    const Reason reason = TakeItem(reading, item, pages, run.summary.remarks);
+      .limits = {.stop = &run.stop},
+      .blocks = {.base = run.base, .config = config, .charset = run.charset, .stop = &run.stop},
+      .largePages = {}};
+  const auto newMaker = [&]() -> MakeBlock {
+    const auto maker = std::make_shared<BlockMaker>(reading.blocks);
+    return [&reading, &items, maker](size_t item, PageBlock& block) {
+      return MakeItemBlock(reading, items[item], *maker, block);
+    };
+  };
+  const auto use = [&](size_t item, Reason reason, const PageBlock& block) {
+    if (reason == Reason::kNone) reason = TakeBlock(block, pages, run.summary.remarks);
     CheckStop(run.stop);  // perhaps in the middle of the page
-    if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
-    run.progress.Step(++done);
-  }
+    if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, items[item].path);
+    run.progress.Step(item + 1);
+  };
+  ForEachBlock({.items = items.size(), .jobs = Jobs(run.options), .waitingBytes = kWaitingBytes},
+               newMaker, use);
   if (pages.collection.pages.empty()) {
     WriteReport(run);
     RefuseEmptySite(listing.sought, run.summary.files);

@@ -38,17 +38,14 @@ std::string BodyText(const PageContent& content) {
 
 }  // namespace
 
-std::optional<uint32_t> EqualPages::EqualTo(const Page& page, uint32_t number) {
+PagePrints PrintsOf(const Page& page) {
   const PageContent& content = page.content;
   const std::string text = BodyText(content);
-  if (text.size() < kLeastBytes) return std::nullopt;
+  if (text.size() < kLeastBytes) return {};
   const std::string_view path = page.facts.path;
   Fingerprint body;
   body.Add(path.substr(0, path.rfind('.')));
   body.Add(text);
-  if (page.facts.fileType != FileType::kHtml) {
-    if (const auto made = bodies_.find(body.value()); made != bodies_.end()) return made->second;
-  }
   Fingerprint whole;
   whole.Add(content.title);
   whole.Add(content.description);
@@ -57,9 +54,18 @@ std::optional<uint32_t> EqualPages::EqualTo(const Page& page, uint32_t number) {
     whole.Add(value);
   }
   whole.Add(text);
-  const auto [same, isNew] = whole_.try_emplace(whole.value(), number);
+  return {.isLong = true, .whole = whole.value(), .body = body.value()};
+}
+
+std::optional<uint32_t> EqualPages::EqualTo(const PagePrints& page, FileType type,
+                                            uint32_t number) {
+  if (!page.isLong) return std::nullopt;
+  if (type != FileType::kHtml) {
+    if (const auto made = bodies_.find(page.body); made != bodies_.end()) return made->second;
+  }
+  const auto [same, isNew] = whole_.try_emplace(page.whole, number);
   if (!isNew) return same->second;
-  if (page.facts.fileType == FileType::kHtml) bodies_.try_emplace(body.value(), number);
+  if (type == FileType::kHtml) bodies_.try_emplace(page.body, number);
   return std::nullopt;
 }
 

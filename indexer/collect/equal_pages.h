@@ -9,6 +9,15 @@
 
 namespace vela::indexer {
 
+// Fingerprints of a page: of all that it says.
+struct PagePrints {
+  bool isLong = false;  // it says enough to be compared
+  uint64_t whole = 0;   // of title, description, meta elements, text
+  uint64_t body = 0;    // of path without its ending, text
+};
+
+PagePrints PrintsOf(const Page& page);
+
 // Pages come one by one. Of each two fingerprints stay in memory.
 class EqualPages {
  public:
@@ -16,13 +25,14 @@ class EqualPages {
   // copy or a hard link has, or was the HTML page made of this file: the same name but for its
   // ending, and the same text. Pages of little text are never equal: forms and lists of pictures
   // would be. A page that is equal to none is remembered as page `number`.
-  [[nodiscard]] std::optional<uint32_t> EqualTo(const Page& page, uint32_t number);
+  [[nodiscard]] std::optional<uint32_t> EqualTo(const PagePrints& page, FileType type,
+                                                uint32_t number);
 
  private:
   using Numbers = std::unordered_map<uint64_t, uint32_t>;  // by the fingerprint
 
-  Numbers whole_;   // of title, description, meta elements, text
-  Numbers bodies_;  // of path without its ending, text; HTML pages
+  Numbers whole_;
+  Numbers bodies_;  // of HTML pages
 };
 
 }  // namespace vela::indexer

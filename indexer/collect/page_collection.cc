@@ -6,11 +6,9 @@
 
 #include "format/page_data.h"
 #include "format/word_map.h"
-#include "indexer/collect/meta_values.h"
 #include "indexer/config/extensions.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
-#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -20,21 +18,14 @@ constexpr size_t kPageLimit = kPageNumberLimit;
 // Of the memory, what the collected postings may take even when the vocabulary has used it up.
 constexpr size_t kLeastPostingBytes = size_t{1} << 20;
 
-std::string EncodedMetaValues(const Page& page, PageCollection& collection) {
-  const std::vector<FieldRule>& fields = collection.input.config.fields;
-  for (size_t i = 0; i < fields.size(); ++i) {
-    if (collection.usedFields[i]) continue;
-    const std::string name = LowerUtf8Copy(fields[i].meta);
-    collection.usedFields[i] = !MetaContent(page.content, name).empty();
+void NoteMetaValues(const PageBlock& page, PageCollection& collection) {
+  for (size_t i = 0; i < collection.usedFields.size() && i < page.usedFields.size(); ++i) {
+    collection.usedFields[i] = collection.usedFields[i] || page.usedFields[i];
   }
-  std::vector<Finding> findings;
-  std::string values = EncodeMetaValues(collection.input.config.fields, collection.input.charset,
-                                        page.content.metas, findings);
-  for (const Finding& finding : findings) {
+  for (const Finding& finding : page.metaFaults) {
     AddLeftOut(collection.metaValues, finding.reason, page.facts.path, finding.where,
                finding.subject);
   }
-  return values;
 }
 
 void CheckRoomForPage(const PageCollection& collection) {
@@ -44,47 +35,30 @@ void CheckRoomForPage(const PageCollection& collection) {
                    "Index its parts into several folders.");
 }
 
-// The scripts concerned are those of UTF-8 alone, as for the search.
-RunCut RunCutOf(const CollectionInput& input) {
-  const bool cutsPieces = input.charset.utf8() && ExtensionValue(input.config, "CutRuns") != 0;
-  return cutsPieces ? RunCut::kPieces : RunCut::kWords;
-}
-
-// Cuts the page's words and hands their tokens and postings on. False: it was stopped.
-[[nodiscard]] bool AddWords(const Page& page, const std::string& addressText,
-                            PageCollection& collection) {
+// Hands the page's tokens and postings on. `address` is the one that it is indexed under.
+void AddWords(const PageBlock& page, const std::string& address, PageCollection& collection) {
   const auto number = static_cast<uint32_t>(collection.pages.size());
-  const PageTexts texts = {
-      .content = page.content, .title = page.facts.title, .addressText = addressText};
-  const bool isWhole = CutPage(texts, number,
-                               {.forms = collection.forms,
-                                .vocabulary = collection.vocabulary,
-                                .signs = collection.signs,
-                                .sink = collection.input.sink,
-                                .runs = collection.runs,
-                                .endsHeadings = collection.endsHeadings,
-                                .stop = collection.input.stop},
-                               collection.tokens);
-  if (!isWhole) return false;
+  const auto chosen = std::ranges::find(page.addresses, address, &AddressBlock::address);
+  const PageWords& ofAddress =
+      chosen != page.addresses.end() ? chosen->words : page.addresses.front().words;
+  PageTokens& tokens = collection.tokens;
+  JoinWords(page.words, ofAddress, number,
+            {.vocabulary = collection.vocabulary,
+             .signs = collection.signs,
+             .sink = collection.input.sink},
+            tokens);
   const size_t memory = collection.input.memory;
   const size_t taken = MemoryOf(collection.vocabulary);
   collection.postings.SetMemory(std::max(kLeastPostingBytes, memory - std::min(memory, taken)));
-  const PageTokens& tokens = collection.tokens;
   for (const Posting& posting : tokens.postings) collection.postings.Add(posting);
-  if (collection.input.sections) {
-    AddSections(texts, tokens, number, collection.tokenCount, collection.input.charset,
-                collection.sections);
-  }
+  AddSections(page.sections, number, collection.tokenCount, page.words.bodyTokens,
+              collection.sections);
   collection.pages.push_back({.firstToken = collection.tokenCount,
-                              .bodyWords = tokens.bodyWords,
-                              .titleWords = tokens.titleWords,
-                              .linkShare = page.content.linkShare});
+                              .bodyWords = page.words.bodyWords,
+                              .titleWords = page.words.titleWords,
+                              .linkShare = page.linkShare});
   collection.tokenCount += tokens.tokenCount;
-  if (CountsLinkTexts(collection.input.config)) {
-    collection.linkTexts.Add(
-        LinkWordsOf(page, collection.input.base, collection.forms, collection.runs));
-  }
-  return true;
+  if (CountsLinkTexts(collection.input.config)) collection.linkTexts.Add(page.linkWords);
 }
 
 // The addresses by which rules may name a page: those of its file, of the folder whose index page
@@ -113,13 +87,11 @@ PageCollection::PageCollection(const CollectionInput& collectionInput,
     : input(collectionInput),
       addresses(input.base),
       forms(input.charset, input.config.stemming),
-      runs(RunCutOf(input)),
-      endsHeadings(ExtensionValue(input.config, "Passages") != 0),
       postings(folder, input.memory),
       rules(input.config),
       usedFields(input.config.fields.size()) {}
 
-Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
+Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry) {
   const PageFacts& facts = page.facts;
   std::string address;
   const Reason reason = collection.addresses.Choose(facts.address, facts.canonical, address);
@@ -130,7 +102,8 @@ Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
   const std::string stored = StoredAddress(address);
   if (stored.size() > kAddressLimit) return Reason::kAddressTooLong;
   const auto number = static_cast<uint32_t>(collection.pages.size());
-  const std::optional<uint32_t> equal = collection.equal.EqualTo(page, number);
+  const std::optional<uint32_t> equal =
+      collection.equal.EqualTo(page.prints, facts.fileType, number);
   for (const std::string& each : {address, facts.address}) {
     collection.addresses.Note(each, equal.value_or(number));
   }
@@ -138,32 +111,26 @@ Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
     LeaveOutCopy(facts.address, collection);
     return Reason::kEqual;
   }
-  std::string image = StoredAddress(facts.image);
-  if (image.size() > kAddressLimit) image.clear();
-
   SiteRules::Outcome outcome = collection.rules.Apply(
       {.base = collection.input.base, .all = NamesOf(facts.address, address)});
   entry = {
       .address = stored,
       .title = facts.title,
-      .description = page.content.description,
-      .image = std::move(image),
+      .description = page.description,
+      .image = facts.image,
       .fileSize = facts.fileSize,
       .time = facts.time,
       .boost = outcome.boost,
       .fileType = facts.fileType,
       .categories = std::move(outcome.categories),
-      .metaValues = EncodedMetaValues(page, collection),
+      .metaValues = page.metaValues,
       .hasTitleMass = ExtensionValue(collection.input.config, "Ranking") != 0,
   };
   CheckRoomForPage(collection);
   collection.fileDates.AddPage(number, facts);
-  if (!AddWords(page, AddressText(address, collection.input.base), collection)) {
-    return Reason::kStopped;
-  }
-  if (collection.input.config.suggestions) {
-    collection.suggestions.AddPage(page.content, facts.title);
-  }
+  NoteMetaValues(page, collection);
+  AddWords(page, address, collection);
+  if (collection.input.config.suggestions) collection.suggestions.AddPage(page.suggestions);
   collection.sourceBytes += facts.fileSize;
   return Reason::kNone;
 }

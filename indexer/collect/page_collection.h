@@ -1,7 +1,6 @@
 // page_collection.h: everything that grows while pages are read, and how a page joins it.
 #pragma once
 
-#include <csignal>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -10,6 +9,7 @@
 #include "indexer/collect/equal_pages.h"
 #include "indexer/collect/file_dates.h"
 #include "indexer/collect/link_texts.h"
+#include "indexer/collect/page_block.h"
 #include "indexer/collect/page_entry.h"
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
@@ -32,10 +32,8 @@ struct CollectionInput {
   const std::string& base;  // the site's address, ending in "/"
   const SiteConfig& config;
   const IndexCharset& charset;
-  bool sections = false;  // those of long pages are collected
-  size_t memory = 0;      // bytes that collected words may take before they go to disk
-  TokenSink sink;         // takes the tokens of the pages that join
-  const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
+  size_t memory = 0;  // bytes that collected words may take before they go to disk
+  TokenSink sink;     // takes the tokens of the pages that join
 };
 
 // A page that is left out for another one.
@@ -53,8 +51,6 @@ struct PageCollection {
   LinkTexts linkTexts;
   EqualPages equal;
   WordForms forms;
-  RunCut runs;
-  bool endsHeadings;  // as SiteWords
   Vocabulary vocabulary;
   SignEntries signs;
   PostingRuns postings;
@@ -71,11 +67,10 @@ struct PageCollection {
   uint64_t sourceBytes = 0;         // of the pages' files
 };
 
-// Joins one page to the collection: its tokens have then gone to the sink, what the page table
-// keeps of it is in `entry`. kCopy, kEqual, kAddressTooLong: it is left out. kStopped: it was
-// stopped in the middle, and the collection is of no use any more. Throws IndexError when the index
-// is full or a temporary file cannot be written.
-[[nodiscard]] Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry);
+// Joins the block of one page to the collection: its tokens have then gone to the sink, what the
+// page table keeps of it is in `entry`. kCopy, kEqual, kAddressTooLong: it is left out. Throws
+// IndexError when the index is full or a temporary file cannot be written.
+[[nodiscard]] Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry);
 
 // A page of the index, and categories that it is in beside those of its own addresses.
 struct MoreCategories {

@@ -11,8 +11,8 @@ namespace vela::indexer {
 
 struct PageEntry {
   std::string address;      // as StoredAddress made it, at most kAddressLimit bytes
-  std::string title;        // plain text
-  std::string description;  // plain text
+  std::string title;        // as StoredText made it, at most kPageTitleLimit bytes
+  std::string description;  // the same, kPageDescriptionLimit
   std::string image;        // an address like `address`, or empty
   uint64_t fileSize = 0;
   int64_t time = kNoPageDate;  // seconds since 1970

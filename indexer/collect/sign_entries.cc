@@ -20,14 +20,6 @@ constexpr uint32_t kGapSignLimit = 12;
 constexpr size_t kRunLimit = size_t{1} << 16;
 constexpr size_t kEntryLimit = 1000;
 
-// In the order of the classes in the dictionary.
-enum SignForm : uint8_t { kSuffix, kAlone, kPrefix, kBetween };
-
-SignForm FormOf(bool blankBefore, bool blankBehind) {
-  if (blankBefore) return blankBehind ? kAlone : kPrefix;
-  return blankBehind ? kSuffix : kBetween;
-}
-
 std::string_view FirstSign(std::string_view text) {
   if (text.starts_with('&')) return text.substr(0, text.find(';') + 1);
   size_t length = 0;
@@ -70,13 +62,17 @@ void SignGap::ShowBlank() {
   opens = isBlank = false;
 }
 
-std::string SignEntries::Key(uint8_t form, std::string_view text) {
+SignForm FormOf(const SignGap& gap, bool blankBehind) {
+  blankBehind = blankBehind || gap.isBlank;
+  if (gap.opens) return blankBehind ? kAlone : kPrefix;
+  return blankBehind ? kSuffix : kBetween;
+}
+
+std::string SignEntries::Key(SignForm form, std::string_view text) {
   return std::string(1, static_cast<char>(form)).append(text);
 }
 
-uint32_t SignEntries::Find(const SignGap& gap, bool blankBehind) {
-  const SignForm form = FormOf(gap.opens, blankBehind || gap.isBlank);
-  std::string_view text = gap.text;
+uint32_t SignEntries::Add(SignForm form, std::string_view text, uint64_t count) {
   auto found = numbers_.find(Key(form, text));
   if (found == numbers_.end() && runs_.size() >= kRunLimit) {
     text = FirstSign(text);
@@ -87,7 +83,7 @@ uint32_t SignEntries::Find(const SignGap& gap, bool blankBehind) {
     found = numbers_.emplace(Key(form, text), number).first;
     runs_.push_back({std::string(text), form, 0});
   }
-  ++runs_[found->second].count;
+  runs_[found->second].count += count;
   return kFirstSignWord + found->second;
 }
 
@@ -101,9 +97,9 @@ ReservedEntries SignEntries::Finish() const {
     return Key(left.form, left.text) < Key(right.form, right.text);
   });
   // By form, in the order of their numbers.
-  std::vector<std::string> chosen[4];
+  std::vector<std::string> chosen[kSignFormCount];
   std::map<std::string, uint32_t> places;  // within the form, by Key
-  const auto choose = [&](uint8_t form, std::string_view text) {
+  const auto choose = [&](SignForm form, std::string_view text) {
     const auto [place, isNew] =
         places.try_emplace(Key(form, text), static_cast<uint32_t>(chosen[form].size()));
     if (isNew) chosen[form].emplace_back(text);
@@ -118,7 +114,7 @@ ReservedEntries SignEntries::Finish() const {
   ReservedEntries entries;
   // The two marks are never shown; no query holds a bracket, so no phrase finds them.
   entries.texts = {"(page)", "(run)"};
-  uint32_t firstOf[4] = {};
+  uint32_t firstOf[kSignFormCount] = {};
   for (const SignForm form : {kSuffix, kAlone, kPrefix, kBetween}) {
     firstOf[form] = static_cast<uint32_t>(entries.texts.size());
     for (const std::string& text : chosen[form]) {

@@ -32,6 +32,13 @@ struct SignGap {
   bool IsEmpty() const { return signs == 0; }
 };
 
+// In the order of the classes in the dictionary.
+enum SignForm : uint8_t { kSuffix, kAlone, kPrefix, kBetween };
+constexpr size_t kSignFormCount = 4;
+
+// That of a gap that is not empty, followed by a blank or by a word.
+SignForm FormOf(const SignGap& gap, bool blankBehind);
+
 // The settings DictReservedSuffixes (S), DictReservedPrefixes (P), DictReservedNoSpaces and
 // DictReservedLimit (N).
 struct ReservedNumbers {
@@ -50,9 +57,10 @@ struct ReservedEntries {
 
 class SignEntries {
  public:
-  // A number for a gap that is not empty, followed by a blank or by a word: below kSignNumberLimit,
-  // never that of an end of a run or page. It becomes a reserved number with Finish.
-  uint32_t Find(const SignGap& gap, bool blankBehind);
+  // Counts a run of signs, the text of a gap, that was met `count` times. Returns a number for it:
+  // below kSignNumberLimit, never that of an end of a run or page. It becomes a reserved number
+  // with Finish.
+  uint32_t Add(SignForm form, std::string_view text, uint64_t count);
 
   // Chooses the runs of signs that get an entry: those that stand most often in the site. Of any
   // other only the first sign is kept.
@@ -61,10 +69,10 @@ class SignEntries {
  private:
   struct Run {
     std::string text;
-    uint8_t form = 0;
+    SignForm form = kSuffix;
     uint64_t count = 0;
   };
-  static std::string Key(uint8_t form, std::string_view text);
+  static std::string Key(SignForm form, std::string_view text);
 
   std::vector<Run> runs_;
   std::unordered_map<std::string, uint32_t> numbers_;  // by Key

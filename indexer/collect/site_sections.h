@@ -2,11 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
-#include "indexer/collect/page_tokens.h"
-#include "indexer/extract/page.h"
+#include "indexer/collect/page_cutter.h"
+#include "indexer/collect/page_words.h"
 #include "indexer/words/index_charset.h"
 
 namespace vela::indexer {
@@ -26,9 +27,24 @@ struct SiteSections {
   std::string texts;                  // anchor and heading of each, one behind the other
 };
 
-// Adds those of a page that joined as `number`, whose text begins at `firstToken`. A page that a
-// visitor overlooks at a glance has none, nor has the heading of the whole page.
-void AddSections(const PageTexts& page, const PageTokens& tokens, uint32_t number,
-                 uint64_t firstToken, const IndexCharset& charset, SiteSections& sections);
+// One of a page.
+struct PageSection {
+  uint32_t token = 0;   // among the page's tokens
+  std::string anchor;   // 1 to 65,535 bytes
+  std::string heading;  // as it is stored, at most kHeadingLimit bytes
+};
+
+constexpr size_t kHeadingLimit = 90;
+
+// Those of the page, whose words `words` are and whose runs with anchors begin at `starts`. A page
+// that a visitor overlooks at a glance has none, nor has the heading of the whole page.
+std::vector<PageSection> SectionsOf(const PageTexts& page, const PageWords& words,
+                                    std::span<const SectionStart> starts,
+                                    const IndexCharset& charset);
+
+// Adds those of a page that joined as `number`, whose text begins at `firstToken` and has so many
+// tokens of running text.
+void AddSections(std::span<const PageSection> page, uint32_t number, uint64_t firstToken,
+                 uint32_t bodyTokens, SiteSections& sections);
 
 }  // namespace vela::indexer

@@ -4,10 +4,11 @@
 #include <map>
 #include <utility>
 
+#include "indexer/collect/number_bytes.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/heading_text.h"
 #include "indexer/words/lower_copy.h"
-#include "indexer/words/symbols.h"
+#include "indexer/words/plain_word.h"
 #include "indexer/words/word_cut.h"
 
 namespace vela::indexer {
@@ -15,8 +16,6 @@ namespace vela::indexer {
 namespace {
 
 constexpr uint8_t kLowestHeading = 3;
-constexpr size_t kTextLimit = 100;   // more is no help in a list below a search box
-constexpr size_t kTitleLimit = 300;  // of which what all titles end in is taken off
 constexpr size_t kNameLimit = 40;
 constexpr size_t kLeastTextBytes = 3;  // of what is no title
 
@@ -75,42 +74,19 @@ std::unordered_set<std::string> WordSetOf(std::string_view words) {
   return set;
 }
 
-uint64_t HashOf(std::string_view text) {
-  uint64_t hash = 14695981039346656037ULL;  // FNV-1a
-  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
-  return hash;
-}
-
-// The word of a chunk without the signs around it; `begins` and `ends` tell whether there were any.
-// Empty when signs stand inside.
-std::string_view PlainWord(std::string_view chunk, bool& begins, bool& ends) {
-  size_t first = chunk.npos;
-  size_t last = 0;
-  bool broken = false;
-  size_t length = 0;
-  for (size_t at = 0; at < chunk.size(); at += length) {
-    const bool word = ClassifyCharacter(DecodeCharacter(chunk, at, length)) == CharacterKind::kWord;
-    if (!word) continue;
-    if (first == chunk.npos)
-      first = at;
-    else if (last != at)
-      broken = true;
-    last = at + length;
-  }
-  if (first == chunk.npos || broken) {
-    begins = ends = true;
-    return {};
-  }
-  begins = first > 0;
-  ends = last < chunk.size();
-  return chunk.substr(first, last - first);
+// Phrases that differ in the order of their words differ.
+uint64_t PhraseHash(uint64_t hash, uint64_t ofNextWord) {
+  constexpr uint64_t kOdd = 0x9E3779B97F4A7C15;
+  hash = (hash ^ ofNextWord) * kOdd;
+  return hash ^ hash >> 29;
 }
 
 }  // namespace
 
 void SuggestionList::Add(const std::string& text, uint64_t weight, Kind kind) {
   const bool isTitle = kind == Kind::kTitle;
-  if (text.empty() || (!isTitle && (text.size() < kLeastTextBytes || text.size() > kTextLimit))) {
+  if (text.empty() ||
+      (!isTitle && (text.size() < kLeastTextBytes || text.size() > kSuggestedBytesLimit))) {
     return;
   }
   Entry& entry = entries_[LowerUtf8Copy(text)];
@@ -145,9 +121,7 @@ void SuggestionList::AddEdgeWords(const std::string& text) {
   std::string_view first;
   std::string_view last;
   for (std::string_view chunk = NextChunk(rest); !chunk.empty(); chunk = NextChunk(rest)) {
-    bool begins = false;
-    bool ends = false;
-    const std::string_view word = PlainWord(chunk, begins, ends);
+    const std::string_view word = PlainWordOf(chunk).text;
     if (word.empty()) continue;
     if (first.empty()) first = word;
     last = word;
@@ -158,19 +132,17 @@ void SuggestionList::AddEdgeWords(const std::string& text) {
   }
 }
 
-// The last `words` words as a phrase.
-void SuggestionList::AddPhrase(size_t words) {
-  const size_t begin = words_.size() - words;
-  if (words_[begin].lower.size() < kLeastEdgeBytes ||
-      words_.back().lower.size() < kLeastEdgeBytes) {
+void SuggestionList::AddPhrase(std::span<const PhraseWord> words) {
+  if (words.front().text.size() < kLeastEdgeBytes || words.back().text.size() < kLeastEdgeBytes) {
     return;
   }
-  std::string key;
-  for (size_t i = begin; i < words_.size(); ++i) {
-    key.append(key.empty() ? "" : " ").append(words_[i].lower);
+  size_t bytes = words.size() - 1;
+  uint64_t hash = words.size();
+  for (const PhraseWord& word : words) {
+    bytes += word.text.size();
+    hash = PhraseHash(hash, word.hash);
   }
-  if (key.size() > kTextLimit) return;
-  const uint64_t hash = HashOf(key);
+  if (bytes > kPhraseBytesLimit) return;
   PhraseCount& count = counts_[hash & (kPhrasePlaces - 1)];
   const auto check = static_cast<uint32_t>(hash >> 32);
   if (count.check != check) {
@@ -185,52 +157,68 @@ void SuggestionList::AddPhrase(size_t words) {
   count.lastPage = page_;
   if (++count.pages < kLeastPhrasePages) return;
   std::string text;
-  for (size_t i = begin; i < words_.size(); ++i) {
-    text.append(text.empty() ? "" : " ").append(words_[i].text);
-  }
+  for (const PhraseWord& word : words) text.append(text.empty() ? "" : " ").append(word.text);
   Add(text, count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1, Kind::kPhrase);
 }
 
-void SuggestionList::AddPhrases(std::string_view text) {
+void SuggestionList::AddPhrases(const RunningText& running) {
   words_.clear();
-  for (std::string_view chunk = NextChunk(text); !chunk.empty(); chunk = NextChunk(text)) {
-    bool begins = false;
-    bool ends = false;
-    const std::string_view word = PlainWord(chunk, begins, ends);
-    if (begins) words_.clear();
-    if (word.empty()) continue;
-    if (words_.size() == kPhraseWordLimit) words_.erase(words_.begin());
-    words_.push_back({std::string(word), LowerUtf8Copy(word)});
-    for (size_t words = 2; words <= words_.size(); ++words) AddPhrase(words);
-    if (ends) words_.clear();
+  std::string_view texts = running.texts;
+  for (const RunningText::Word& word : running.words) {
+    words_.push_back({.text = texts.substr(0, word.bytes), .hash = word.hash});
+    texts.remove_prefix(word.bytes);
+  }
+  PhraseWord last[kPhraseWordLimit];
+  size_t count = 0;
+  for (std::string_view sequence = running.sequence; !sequence.empty();) {
+    const uint32_t place = TakeNumber(sequence);
+    if (place == RunningText::kBreak) {
+      count = 0;
+      continue;
+    }
+    std::shift_left(std::begin(last), std::end(last), 1);
+    last[kPhraseWordLimit - 1] = words_[place - 1];
+    count = std::min(count + 1, kPhraseWordLimit);
+    for (size_t words = 2; words <= count; ++words) AddPhrase(std::span(last).last(words));
   }
 }
 
-void SuggestionList::AddPage(const PageContent& page, const std::string& title) {
-  if (counts_.empty()) counts_.resize(kPhrasePlaces);
-  ++page_;
-  const std::string offered = Shortened(PlainHeading(Offered(title)), kTitleLimit);
-  Add(offered, 1, Kind::kTitle);
-  const size_t ending = EndingOf(offered);
-  if (ending != offered.npos) {
-    const std::string text = offered.substr(ending);
-    if (endings_.size() < kEndingLimit || endings_.contains(text)) ++endings_[text];
-  }
-  AddEdgeWords(offered.substr(0, ending));
+PageSuggestions SuggestionsOf(const PageContent& page, const std::string& title) {
+  PageSuggestions offered;
+  offered.title = Shortened(PlainHeading(Offered(title)), kTitleBytesLimit);
+  const auto add = [&](std::string text, bool isHeading) {
+    if (text.empty() || text.size() > kSuggestedBytesLimit) return;
+    offered.texts.push_back({.text = std::move(text), .isHeading = isHeading});
+  };
   for (const TextRun& run : page.body) {
     if (run.headingLevel >= 1 && run.headingLevel <= kLowestHeading) {
-      const std::string heading = PlainHeading(Offered(run.text));
+      std::string heading = PlainHeading(Offered(run.text));
       // The heading of the page says its title, and perhaps more that nobody asks for.
       const bool isTitle =
-          run.headingLevel == 1 && !offered.empty() && heading.starts_with(offered);
-      if (isTitle) continue;
-      Add(heading, 1, Kind::kHeading);
-      AddEdgeWords(heading);
-    } else if (run.headingLevel == 0) {
-      if (!run.anchor.empty()) Add(NameOf(PlainHeading(Offered(run.text))), 1, Kind::kName);
-      AddPhrases(run.text);
+          run.headingLevel == 1 && !offered.title.empty() && heading.starts_with(offered.title);
+      if (!isTitle) add(std::move(heading), true);
+    } else if (run.headingLevel == 0 && !run.anchor.empty()) {
+      add(NameOf(PlainHeading(Offered(run.text))), false);
     }
   }
+  return offered;
+}
+
+void SuggestionList::AddPage(const PageSuggestions& page) {
+  if (counts_.empty()) counts_.resize(kPhrasePlaces);
+  ++page_;
+  Add(page.title, 1, Kind::kTitle);
+  const size_t ending = EndingOf(page.title);
+  if (ending != page.title.npos) {
+    const std::string text = page.title.substr(ending);
+    if (endings_.size() < kEndingLimit || endings_.contains(text)) ++endings_[text];
+  }
+  AddEdgeWords(page.title.substr(0, ending));
+  for (const PageSuggestions::Text& text : page.texts) {
+    Add(text.text, 1, text.isHeading ? Kind::kHeading : Kind::kName);
+    if (text.isHeading) AddEdgeWords(text.text);
+  }
+  AddPhrases(page.running);
 }
 
 // A title without what so many others end in that it is the site's name, or that of a part of it.
@@ -251,7 +239,7 @@ std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
   std::map<std::string, Entry> merged;
   for (const auto& [key, entry] : entries_) {
     std::string text = entry.text;
-    if (entry.kind == Kind::kTitle) text = Shortened(WithoutEnding(text), kTextLimit);
+    if (entry.kind == Kind::kTitle) text = Shortened(WithoutEnding(text), kSuggestedBytesLimit);
     if (entry.kind == Kind::kPhrase) {
       const std::string first = key.substr(0, key.find(' '));
       const std::string last = key.substr(key.rfind(' ') + 1);

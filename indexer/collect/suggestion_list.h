@@ -6,20 +6,39 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "indexer/collect/running_text.h"
 #include "indexer/extract/page.h"
 
 namespace vela::indexer {
 
+// What one page offers.
+struct PageSuggestions {
+  struct Text {
+    std::string text;        // 1 to kSuggestedBytesLimit bytes
+    bool isHeading = false;  // else a name that a list defines
+  };
+  std::string title;  // at most kTitleBytesLimit bytes
+  std::vector<Text> texts;
+  RunningText running;  // made by PageCutter
+};
+
+constexpr size_t kTitleBytesLimit = 300;      // of which what all titles end in is taken off
+constexpr size_t kSuggestedBytesLimit = 100;  // more is no help in a list below a search box
+
+// What the page offers besides its running text; `title` is the one shown for it.
+PageSuggestions SuggestionsOf(const PageContent& page, const std::string& title);
+
 class SuggestionList {
  public:
-  // Takes what one page offers; `title` is the one shown for it.
-  void AddPage(const PageContent& page, const std::string& title);
+  // Takes what one page offers.
+  void AddPage(const PageSuggestions& page);
 
   // The texts in the order in which they are to be offered: titles, then headings, then names (what
   // lists define), then phrases; of each kind those that more pages offer first, among equals the
@@ -45,16 +64,16 @@ class SuggestionList {
     uint32_t lastPage = 0;
     uint32_t pages = 0;
   };
-  // A word of the running text and the same in lower case.
+  // A phrase of the running text under way.
   struct PhraseWord {
-    std::string text;
-    std::string lower;
+    std::string_view text;
+    uint64_t hash = 0;  // of the word in lower case
   };
 
   void Add(const std::string& text, uint64_t weight, Kind kind);
   void AddEdgeWords(const std::string& text);
-  void AddPhrases(std::string_view text);
-  void AddPhrase(size_t words);
+  void AddPhrases(const RunningText& running);
+  void AddPhrase(std::span<const PhraseWord> words);
   void DropRarest();
   std::string WithoutEnding(const std::string& title) const;
 
@@ -63,7 +82,7 @@ class SuggestionList {
   std::unordered_map<std::string, uint32_t> endings_;
   std::unordered_set<std::string> edgeWords_;  // first and last words of titles and headings
   std::vector<PhraseCount> counts_;
-  std::vector<PhraseWord> words_;  // the last ones of the running text
+  std::vector<PhraseWord> words_;  // of the running text of the page, kept for its memory
 };
 
 }  // namespace vela::indexer

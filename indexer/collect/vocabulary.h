@@ -1,17 +1,18 @@
 // vocabulary.h: the words of the site while it is read.
 //
-// It stays in memory for the whole run, at about 60 bytes a word, as the search program holds the
+// It stays in memory for the whole run, at about 80 bytes a word, as the search program holds the
 // finished dictionary too. Words are numbered in the order of their first appearance; the numbers
 // of the index files are given at the end (DictionaryOrder).
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "format/dictionary.h"
 #include "format/page_text.h"
+#include "indexer/collect/number_table.h"
+#include "indexer/collect/text_store.h"
 
 namespace vela::indexer {
 
@@ -49,13 +50,14 @@ inline std::string_view TextOf(const Variant& variant) { return {variant.text, v
 struct Vocabulary {
   std::vector<Word> words;
   std::vector<Variant> variants;
-  std::vector<uint32_t> table;  // open addressing; kNone32 marks a free place
-  std::vector<std::unique_ptr<char[]>> blocks;
-  size_t blockUsed = 0;
+  NumberTable table;  // of `words`
+  TextStore texts;
 };
 
 // The number of `base` (at most kWordBytesLimit bytes), which is added when it is new.
 uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base);
+// The same for whoever knows TextHash(base).
+uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base, uint64_t hash);
 
 // The variant byte of `surface` for this word: 0 for the word itself, its place from 1 on among the
 // variants, to which it is added when it is new; 0 as well when there is no more room for it.

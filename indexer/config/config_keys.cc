@@ -294,6 +294,7 @@ const ConfigKey kConfigKeys[] = {
 
     {"index", "memory", Number{kMemoryMegabytesLimit, &Options::memoryMegabytes}},
     {"index", "max_file_size", Number{kFileMegabytesLimit, &Options::maxFileMegabytes}},
+    {"index", "jobs", Number{kJobsLimit, &Options::jobs}},
     {"index", "charset", Text{kNameLimit, &SiteConfig::charset}, &CheckCharset},
     {"index", "stemming", &ReadStemming},  // after the character set, which it must suit
     {"index", "dates", &ReadDates},

@@ -13,6 +13,7 @@ namespace vela::indexer {
 
 constexpr uint64_t kMemoryMegabytesLimit = uint64_t{1} << 20;
 constexpr uint64_t kFileMegabytesLimit = 500;
+constexpr uint64_t kJobsLimit = 256;
 constexpr char kConfigFileName[] = "vela_index.toml";  // of --init without a name
 
 struct Options {
@@ -32,6 +33,7 @@ struct Options {
   std::vector<std::string> exclude;
   uint64_t memoryMegabytes = 256;
   uint64_t maxFileMegabytes = 20;
+  uint64_t jobs = 0;   // threads that read pages; 0: one for each processor
   std::string report;  // a file to write (report_text.h); empty: none
   bool followLinks = false;
   // Of the pages of the index that is there, how many in a hundred may be missing from the new one;

@@ -8,6 +8,14 @@ namespace {
 constexpr int kCopyStepLimit = 100;
 }  // namespace
 
+std::string OtherAddress(const std::string& base, const std::string& own,
+                         const std::string& canonical) {
+  if (canonical.empty() || !IsBelow(canonical, base)) return {};
+  std::string named = InSpellingOf(base, canonical);
+  if (named == own) named.clear();
+  return named;
+}
+
 void CanonicalAddresses::AddItem(const std::string& address) {
   pages_.try_emplace(address);
   const std::string folder = FolderOfIndexPage(address);
@@ -34,9 +42,8 @@ bool CanonicalAddresses::LeadsBack(const std::string& from, const std::string& o
 Reason CanonicalAddresses::Choose(const std::string& own, const std::string& canonical,
                                   std::string& address) {
   address = own;
-  if (canonical.empty() || !IsBelow(canonical, base_)) return Reason::kNone;
-  const std::string named = InSpellingOf(base_, canonical);
-  if (named == own) return Reason::kNone;
+  const std::string named = OtherAddress(base_, own, canonical);
+  if (named.empty()) return Reason::kNone;
   // An index page may have its folder's address for its own.
   const std::string original = FolderOfIndexPage(own) == named ? named : ItemAt(named);
   if (pages_.try_emplace(original).second) {

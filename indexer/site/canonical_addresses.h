@@ -12,6 +12,12 @@
 
 namespace vela::indexer {
 
+// The address below `base` that the page `own` names as its own (`canonical`: whole and encoded;
+// empty: none), in the spelling of `base`; empty when it names none but the one it has. The only
+// one beside `own` that CanonicalAddresses may choose for it.
+std::string OtherAddress(const std::string& base, const std::string& own,
+                         const std::string& canonical);
+
 // Pages come one by one; what was decided for one holds when the next comes. A folder's address
 // means the first page named "index." in it, unless a page has taken it for its own.
 class CanonicalAddresses {

@@ -9,7 +9,6 @@
 #include "index/page_data.h"
 #include "indexer/collect/category_set.h"
 #include "indexer/config/site_config.h"
-#include "indexer/words/stored_text.h"
 
 namespace vela::indexer {
 
@@ -37,8 +36,8 @@ uint64_t RecordedTime(int64_t time) {
 }  // namespace
 
 PageTableWriter::PageTableWriter(const std::filesystem::path& info,
-                                 const std::filesystem::path& data, const IndexCharset& charset)
-    : info_(info), data_(data), charset_(charset) {}
+                                 const std::filesystem::path& data)
+    : info_(info), data_(data) {}
 
 void PageTableWriter::AddPage(const PageEntry& page) {
   places_.push_back({.record = info_.size(), .line = data_.size()});
@@ -55,8 +54,8 @@ void PageTableWriter::AddPage(const PageEntry& page) {
   if (page.hasTitleMass) info_.WriteNumber(0, kTitleMassWidth);
 
   AddLine({.address = page.address,
-           .title = StoredText(page.title, kPageTitleLimit, charset_),
-           .description = StoredText(page.description, kPageDescriptionLimit, charset_),
+           .title = page.title,
+           .description = page.description,
            .image = page.image});
 }
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "indexer/collect/page_entry.h"
-#include "indexer/words/index_charset.h"
 #include "indexer/write/out_file.h"
 
 namespace vela::indexer {
@@ -24,9 +23,7 @@ struct PageLine {
 
 class PageTableWriter {
  public:
-  // `charset` must outlive the writer.
-  PageTableWriter(const std::filesystem::path& info, const std::filesystem::path& data,
-                  const IndexCharset& charset);
+  PageTableWriter(const std::filesystem::path& info, const std::filesystem::path& data);
   // Pages are numbered from 0 on.
   void AddPage(const PageEntry& page);
   // Where the line of a page begins in the page data.
@@ -55,7 +52,6 @@ class PageTableWriter {
 
   OutFile info_;
   OutFile data_;
-  const IndexCharset& charset_;
   std::vector<Place> places_;
 };
 

@@ -15,21 +15,23 @@ struct Site {
   std::string base = "/";
   SiteConfig config;
   IndexCharset charset;
-  volatile std::sig_atomic_t stop = 0;
 
   PageCollection Collection() {
     const auto take = [this](const std::vector<PageToken>& portion) {
       tokens.insert(tokens.end(), portion.begin(), portion.end());
     };
-    return {{.base = base,
-             .config = config,
-             .charset = charset,
-             .memory = 1 << 20,
-             .sink = take,
-             .stop = &stop},
+    return {{.base = base, .config = config, .charset = charset, .memory = 1 << 20, .sink = take},
             scratch.path()};
   }
 };
+
+Reason AddPage(const Page& page, PageCollection& collection, PageEntry& entry) {
+  const CollectionInput& input = collection.input;
+  BlockMaker maker({.base = input.base, .config = input.config, .charset = input.charset});
+  PageBlock block;
+  EXPECT_EQ(maker.Make(page, block), Reason::kNone);
+  return AddPage(block, collection, entry);
+}
 
 Page PageAt(const std::string& address, const std::string& text) {
   Page page;
@@ -57,15 +59,6 @@ TEST(PageCollection, PagesJoinOneBehindTheOther) {
   EXPECT_EQ(site.tokens.size(), 13u);
   EXPECT_EQ(collection.tokenCount, 13u);
   EXPECT_EQ(collection.sourceBytes, 20u);
-}
-
-TEST(PageCollection, AStopReachesIntoThePage) {
-  Site site;
-  PageCollection collection = site.Collection();
-  site.stop = 1;
-  PageEntry entry;
-  EXPECT_EQ(AddPage(PageAt("/a.html", "one two"), collection, entry), Reason::kStopped);
-  EXPECT_TRUE(collection.pages.empty());
 }
 
 TEST(PageCollection, APageThatIsLeftOutLeavesNothing) {

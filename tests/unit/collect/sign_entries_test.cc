@@ -24,6 +24,11 @@ SignGap GapOf(std::u32string_view text) {
   return gap;
 }
 
+// The number of the gap, which a word ends.
+uint32_t Find(SignEntries& signs, const SignGap& gap) {
+  return signs.Add(FormOf(gap, false), gap.text, 1);
+}
+
 TEST(SignEntries, AGapHasTheClassOfItsBlanks) {
   const struct {
     const char32_t* gap;
@@ -42,12 +47,12 @@ TEST(SignEntries, AGapHasTheClassOfItsBlanks) {
   };
   SignEntries signs;
   std::vector<uint32_t> numbers;
-  for (const auto& c : kCases) numbers.push_back(signs.Find(GapOf(c.gap), false));
+  for (const auto& c : kCases) numbers.push_back(Find(signs, GapOf(c.gap)));
   const ReservedEntries entries = signs.Finish();
   std::set<uint32_t> seen = {kPageEndWord, kRunEndWord};
   for (size_t i = 0; i < std::size(kCases); ++i) {
     SCOPED_TRACE(kCases[i].text);
-    EXPECT_EQ(signs.Find(GapOf(kCases[i].gap), false), numbers[i]);
+    EXPECT_EQ(Find(signs, GapOf(kCases[i].gap)), numbers[i]);
     const uint32_t number = entries.finals[numbers[i]];
     EXPECT_TRUE(seen.insert(number).second);
     EXPECT_EQ(entries.texts[number], kCases[i].text);
@@ -64,12 +69,12 @@ TEST(SignEntries, AGapHasTheClassOfItsBlanks) {
 TEST(SignEntries, RareRunsKeepTheirFirstSign) {
   SignEntries signs;
   const std::u32string_view kSigns = U"!%()*+./:;=?@[]";
-  const uint32_t rare = signs.Find(GapOf(U"<,,"), false);
+  const uint32_t rare = Find(signs, GapOf(U"<,,"));
   for (const char32_t a : kSigns) {
     for (const char32_t b : kSigns) {
       for (const char32_t c : kSigns) {
         const char32_t text[] = {a, b, c, 0};
-        for (int i = 0; i < 2; ++i) signs.Find(GapOf(text), false);
+        for (int i = 0; i < 2; ++i) Find(signs, GapOf(text));
       }
     }
   }

@@ -2,26 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include "indexer/words/word_forms.h"
-
 namespace vela::indexer {
 namespace {
 
 // The sections of a page with that body, as "token:anchor>heading", the end as its token.
-std::string SectionsOf(std::vector<TextRun> body, const std::string& title,
+std::string SectionsIn(std::vector<TextRun> body, const std::string& title,
                        const IndexCharset& charset = IndexCharset()) {
   PageContent content;
   content.body = std::move(body);
-  WordForms forms(charset, -1);
-  Vocabulary vocabulary;
-  SignEntries signs;
-  const TokenSink sink = [](const std::vector<PageToken>&) {};
-  PageTokens tokens;
-  const PageTexts page = {.content = content, .title = title, .addressText = ""};
-  EXPECT_TRUE(CutPage(
-      page, 5, {.forms = forms, .vocabulary = vocabulary, .signs = signs, .sink = sink}, tokens));
+  PageCutter cutter(charset, -1, {});
+  const PageTexts page = {.content = content, .title = title};
+  PageWords words;
+  EXPECT_TRUE(cutter.Cut(page, words, nullptr));
   SiteSections sections;
-  AddSections(page, tokens, 5, 1000, charset, sections);
+  AddSections(SectionsOf(page, words, cutter.sections(), charset), 5, 1000, words.bodyTokens,
+              sections);
   std::string text;
   for (const SiteSection& section : sections.sections) {
     EXPECT_EQ(section.page, 5u);
@@ -40,7 +35,7 @@ std::string Words(size_t count) {
 }
 
 TEST(SiteSections, BeginWithTheirHeadings) {
-  EXPECT_EQ(SectionsOf({{Words(10), 0},
+  EXPECT_EQ(SectionsIn({{Words(10), 0},
                         {"3.1. Use it\u00B6", 2, "use"},
                         {Words(280), 0},
                         {"Not led to", 2, ""},
@@ -52,18 +47,18 @@ TEST(SiteSections, BeginWithTheirHeadings) {
 }
 
 TEST(SiteSections, NoneOfAShortPage) {
-  EXPECT_EQ(SectionsOf({{"Use", 2, "use"}, {Words(200), 0}}, "Manual"), "");
+  EXPECT_EQ(SectionsIn({{"Use", 2, "use"}, {Words(200), 0}}, "Manual"), "");
 }
 
 TEST(SiteSections, NotTheHeadingOfThePage) {
-  EXPECT_EQ(SectionsOf({{"Manual", 1, "manual"}, {Words(300), 0}}, "Other"), "");
-  EXPECT_EQ(SectionsOf({{"The manual", 2, "manual"}, {Words(300), 0}}, "The Manual - Site"), "");
+  EXPECT_EQ(SectionsIn({{"Manual", 1, "manual"}, {Words(300), 0}}, "Other"), "");
+  EXPECT_EQ(SectionsIn({{"The manual", 2, "manual"}, {Words(300), 0}}, "The Manual - Site"), "");
 }
 
 TEST(SiteSections, HeadingsAreSafeAndShort) {
-  const std::string text = SectionsOf({{"<b> & \"it\"", 2, "\"><i>"}, {Words(300), 0}}, "Manual");
+  const std::string text = SectionsIn({{"<b> & \"it\"", 2, "\"><i>"}, {Words(300), 0}}, "Manual");
   EXPECT_EQ(text, "1000:\"><i>>&#60;b&#62; &#38; &#34;it&#34; | 1305");
-  const std::string longer = SectionsOf({{Words(40), 2, "x"}, {Words(300), 0}}, "Manual");
+  const std::string longer = SectionsIn({{Words(40), 2, "x"}, {Words(300), 0}}, "Manual");
   EXPECT_LE(longer.find(" | ") - longer.find('>') - 1, 90u);
 }
 

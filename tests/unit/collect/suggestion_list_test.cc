@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "indexer/collect/page_cutter.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "support/indexer_site.h"
 
@@ -17,12 +18,21 @@ PageContent Page(const std::string& heading, const std::string& text) {
   return page;
 }
 
+void AddPage(SuggestionList& list, const PageContent& page, const std::string& title) {
+  static const IndexCharset utf8;
+  PageSuggestions offered = SuggestionsOf(page, title);
+  PageWords words;
+  PageCutter cutter(utf8, -1, {});
+  ASSERT_TRUE(cutter.Cut({.content = page, .title = title}, words, &offered.running));
+  list.AddPage(offered);
+}
+
 TEST(SuggestionList, TitlesHeadingsAndFrequentPhrases) {
   SuggestionList list;
-  list.AddPage(Page("Opening", "Our story time is free."), "Children | Town Library");
-  list.AddPage(Page("Story", "The story time, and more."), "Visit | Town Library");
-  list.AddPage(Page("Dinner time", "Story time ends."), "Contact | Town Library");
-  list.AddPage(Page("Opening", "Your story. Time flies"), "Children | Town Library");
+  AddPage(list, Page("Opening", "Our story time is free."), "Children | Town Library");
+  AddPage(list, Page("Story", "The story time, and more."), "Visit | Town Library");
+  AddPage(list, Page("Dinner time", "Story time ends."), "Contact | Town Library");
+  AddPage(list, Page("Opening", "Your story. Time flies"), "Children | Town Library");
   // Titles: Children is that of two pages, of the others the shorter one is first. Headings:
   // Opening is on two pages. Phrases on three pages whose edges begin or end titles and headings:
   // story time, as the third page writes it.
@@ -35,30 +45,30 @@ TEST(SuggestionList, AHeadingCountsOnceAPage) {
   PageContent twice = Page("Twice", "x");
   twice.body.push_back({"Twice", 2});
   twice.body.push_back({"Twice", 3});
-  list.AddPage(twice, "");
-  list.AddPage(Page("Once", "x"), "");
-  list.AddPage(Page("Once", "x"), "");
+  AddPage(list, twice, "");
+  AddPage(list, Page("Once", "x"), "");
+  AddPage(list, Page("Once", "x"), "");
   EXPECT_EQ(list.Take(""), (Texts{"Once", "Twice"}));  // on two pages, and on one
 }
 
 TEST(SuggestionList, NoTwoDifferInCaseAlone) {
   SuggestionList list;
-  list.AddPage(Page("ABOUT US", "x"), "About us");
-  list.AddPage(Page("", "x"), "about us");
+  AddPage(list, Page("ABOUT US", "x"), "About us");
+  AddPage(list, Page("", "x"), "about us");
   EXPECT_EQ(list.Take(""), Texts{"About us"});
 }
 
 TEST(SuggestionList, NothingThatWouldEndAScript) {
   SuggestionList list;
-  list.AddPage(Page("", "x"), "The \"best\" of C:\\temp");
+  AddPage(list, Page("", "x"), "The \"best\" of C:\\temp");
   EXPECT_EQ(list.Take(""), Texts{"The best of C: temp"});
 }
 
 TEST(SuggestionList, APhraseGoesOnlyWhereNoLongerOneSaysTheSame) {
   SuggestionList list;
-  list.AddPage(Page("annual book sale", "see annual book sale now"), "One");
-  list.AddPage(Page("Our book", "see annual book sale now"), "Two");
-  list.AddPage(Page("", "see annual book sale now"), "Three");
+  AddPage(list, Page("annual book sale", "see annual book sale now"), "One");
+  AddPage(list, Page("Our book", "see annual book sale now"), "Two");
+  AddPage(list, Page("", "see annual book sale now"), "Three");
   // "annual book" and "book sale" end and begin as headings do. The longer one says the former.
   EXPECT_EQ(list.Take(""),
             (Texts{"One", "Two", "Three", "annual book sale", "Our book", "book sale"}));
@@ -68,7 +78,7 @@ TEST(SuggestionList, WithoutWhatTemplatesPutAround) {
   SuggestionList list;
   for (const char* title : {"7. Input \u2014 Manual 3.1", "Chapter 5. Nets \u2014 Manual 3.1",
                             "Ends \u2014 Manual 3.1", "Alone \u2014 at last"}) {
-    list.AddPage(Page("3.2.1. Names\u00B6", "x"), title);
+    AddPage(list, Page("3.2.1. Names\u00B6", "x"), title);
   }
   EXPECT_EQ(list.Take(""), (Texts{"Ends", "Nets", "Input", "Alone \u2014 at last", "Names"}));
 }
@@ -78,7 +88,7 @@ TEST(SuggestionList, NoPhraseWithAStopWordAtItsEdge) {
   for (const char* title : {"About", "Sale", "Three"}) {
     PageContent page = Page("", "book sale about town");
     page.body.push_back({"Book tickets", 2});
-    list.AddPage(page, title);
+    AddPage(list, page, title);
   }
   EXPECT_EQ(list.Take("the about"), (Texts{"Sale", "About", "Three", "Book tickets", "book sale"}));
 }
@@ -86,13 +96,13 @@ TEST(SuggestionList, NoPhraseWithAStopWordAtItsEdge) {
 TEST(SuggestionList, NoPhraseThatIsOnMostPages) {
   SuggestionList list;
   for (int i = 0; i < 10; ++i) {
-    list.AddPage(Page("Town sale", i < 5 ? "town sale, book sale" : "town sale"), "Book town");
+    AddPage(list, Page("Town sale", i < 5 ? "town sale, book sale" : "town sale"), "Book town");
   }
   // "town sale" is a heading as well; "book sale" is on five pages of ten, "sale" alone no phrase.
   EXPECT_EQ(list.Take(""), (Texts{"Book town", "Town sale", "book sale"}));
   SuggestionList more;
   for (int i = 0; i < 10; ++i) {
-    more.AddPage(Page("Town sale", i < 6 ? "town sale, book sale" : "town sale"), "Book town");
+    AddPage(more, Page("Town sale", i < 6 ? "town sale, book sale" : "town sale"), "Book town");
   }
   EXPECT_EQ(more.Take(""), (Texts{"Book town", "Town sale"}));
 }
@@ -103,7 +113,7 @@ TEST(SuggestionList, NamesThatListsDefine) {
   page.body.push_back({"class json.Encoder(*, skipkeys=False)", 0, "json.Encoder"});
   page.body.push_back({"virtual machine", 0, "term-vm"});
   page.body.push_back({"not led to", 0});
-  list.AddPage(page, "Library");
+  AddPage(list, page, "Library");
   EXPECT_EQ(list.Take(""), (Texts{"Library", "json.Encoder", "virtual machine"}));
 }
 
@@ -112,22 +122,22 @@ TEST(SuggestionList, NotTheTitleAgain) {
   PageContent page;
   page.body.push_back({"town(1) Manual Page", 1});
   page.body.push_back({"town(1) Options", 2});
-  list.AddPage(page, "town(1)");
+  AddPage(list, page, "town(1)");
   EXPECT_EQ(list.Take(""), (Texts{"town(1)", "town(1) Options"}));
 }
 
 TEST(SuggestionList, EveryTitle) {
   SuggestionList list;
   const std::string longer = "One title " + std::string(60, 'a') + " " + std::string(60, 'b');
-  list.AddPage(Page("", "x"), "io");
-  list.AddPage(Page("", "x"), longer);
+  AddPage(list, Page("", "x"), "io");
+  AddPage(list, Page("", "x"), longer);
   EXPECT_EQ(list.Take(""), (Texts{"io", "One title " + std::string(60, 'a')}));
 }
 
 TEST(SuggestionList, ManyTextsStayBounded) {
   SuggestionList list;
   for (int i = 0; i < 100000; ++i) {
-    list.AddPage(Page("", "x"), i % 2 == 0 ? "Common title" : "Title " + std::to_string(i));
+    AddPage(list, Page("", "x"), i % 2 == 0 ? "Common title" : "Title " + std::to_string(i));
   }
   const Texts texts = list.Take("");
   EXPECT_EQ(texts.front(), "Common title");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <thread>
 
 #include "index/lookup_file.h"
@@ -243,6 +244,55 @@ TEST(BuildIndex, LittleMemoryGivesTheSameBytes) {
   EXPECT_GT(site.Build().runs, 1u);
   for (size_t i = 0; i < first.size(); ++i) {
     EXPECT_TRUE(site.Read(kIndexFiles[i]) == first[i]) << kIndexFiles[i];
+  }
+}
+
+// What the files of the index hold, by their names.
+std::map<std::string, std::string> IndexOf(const TestSite& site) {
+  std::map<std::string, std::string> files;
+  for (const fs::directory_entry& file : fs::directory_iterator(site.index)) {
+    files[file.path().filename().string()] = ReadFile(file.path());
+  }
+  return files;
+}
+
+TEST(BuildIndex, AnyNumberOfJobsGivesTheSameBytes) {
+  TestSite site;
+  AddLargeSite(site);
+  // What depends on the order of the pages: copies, canonical addresses, equal pages, meta values.
+  const std::string text = "<title>Same</title>" + std::string(300, 'x');
+  for (int i = 0; i < 20; ++i) {
+    const std::string name = "q" + std::to_string(i % 10) + (i < 10 ? "a" : "b") + ".html";
+    const std::string other = text + " w" + std::to_string(i / 2) + "<meta name=price content=x" +
+                              std::to_string(i) + ">";
+    const std::string link = "<link rel=canonical href=p" + std::to_string(i) + ".html>";
+    site.Add(name, i % 3 == 0 ? text : i % 3 == 1 ? other : other + link);
+  }
+  site.Add("empty.html", "");
+  FieldRule price;
+  price.name = price.meta = "price";
+  price.kind = kMetaMoney;
+  site.options.config.fields = {price};
+  site.options.config.categories = {{"Q", {"q1"}}, {"P", {"p1"}}};
+  site.options.config.extensions = true;
+  site.options.report = (site.scratch.path() / "report").string();
+  site.options.jobs = 1;
+  const IndexSummary one = site.Build();
+  const auto files = IndexOf(site);
+  const std::string report = ReadFile(site.options.report);
+  EXPECT_GT(one.files.groups.size(), 2u);
+  EXPECT_GT(one.metaValues.total, 0u);
+  for (const uint64_t jobs : {2U, 5U}) {
+    for (const uint64_t memory : {1U, 256U}) {
+      SCOPED_TRACE(std::to_string(jobs) + " jobs, " + std::to_string(memory) + " MB");
+      site.options.jobs = jobs;
+      site.options.memoryMegabytes = memory;
+      site.Build();
+      EXPECT_EQ(ReadFile(site.options.report), report);
+      const auto again = IndexOf(site);
+      ASSERT_EQ(again.size(), files.size());
+      for (const auto& [name, content] : files) EXPECT_TRUE(again.at(name) == content) << name;
+    }
   }
 }
 

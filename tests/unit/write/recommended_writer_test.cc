@@ -11,7 +11,7 @@ namespace {
 struct Table {
   support::ScratchDirectory scratch;
   IndexCharset utf8;
-  PageTableWriter writer{scratch.path() / "info", scratch.path() / "data", utf8};
+  PageTableWriter writer{scratch.path() / "info", scratch.path() / "data"};
 
   explicit Table(int pages) {
     PageEntry entry;
@@ -56,10 +56,10 @@ TEST(RecommendedWriter, WritesKeywordsAsQueriesHaveThem) {
 TEST(RecommendedWriter, TheOwnersWordsHaveLinesOfTheirOwn) {
   const support::ScratchDirectory scratch;
   const IndexCharset utf8;
-  PageTableWriter table(scratch.path() / "info", scratch.path() / "data", utf8);
+  PageTableWriter table(scratch.path() / "info", scratch.path() / "data");
   PageEntry entry;
   entry.address = "/a.html";
-  entry.title = "A & B";
+  entry.title = "A &#38; B";
   entry.description = "Own";
   entry.image = "/a.png";
   table.AddPage(entry);  // "/a.html|A &#38; B|Own|/a.png|" and a line feed: 30 bytes

@@ -1,22 +1,34 @@
-#include "indexer/collect/page_tokens.h"
+#include "indexer/collect/page_cutter.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "format/page_text.h"
-#include "indexer/words/symbols.h"
+#include "indexer/collect/page_tokens.h"
 
 namespace vela::indexer {
 namespace {
 
+// A page that was cut, and what it became in a site of its own.
 struct CutResult {
+  PageWords page;
+  PageWords address;
+  RunningText running;
+  std::vector<SectionStart> sections;
   Vocabulary vocabulary;
   SignEntries signs;
   PageTokens words;
   std::vector<PageToken> tokens;
   size_t largestPortion = 0;
 
+  // Joins it to a site, as page `number`.
+  void JoinTo(Vocabulary& site, SignEntries& siteSigns, uint32_t number) {
+    const TokenSink sink = [this](const std::vector<PageToken>& portion) {
+      largestPortion = std::max(largestPortion, portion.size());
+      tokens.insert(tokens.end(), portion.begin(), portion.end());
+    };
+    JoinWords(page, address, number, {.vocabulary = site, .signs = siteSigns, .sink = sink}, words);
+    EXPECT_EQ(tokens.size(), words.tokenCount);
+  }
   const Posting* Find(std::string_view text) const {
     for (const Posting& posting : words.postings) {
       if (TextOf(vocabulary.words[posting.word]) == text) return &posting;
@@ -41,34 +53,19 @@ struct CutResult {
   }
 };
 
-// What takes the tokens of a page into `result`.
-TokenSink SinkOf(CutResult& result) {
-  return [&result](const std::vector<PageToken>& portion) {
-    result.largestPortion = std::max(result.largestPortion, portion.size());
-    result.tokens.insert(result.tokens.end(), portion.begin(), portion.end());
-  };
-}
-
 CutResult CutOf(const std::vector<TextRun>& body, const std::string& title,
                 const std::string& description = "", const std::string& address = "",
-                RunCut runs = RunCut::kWords, bool endsHeadings = false) {
+                const CutRules& rules = {}) {
   CutResult result;
   PageContent page;
   page.body = body;
   page.description = description;
   const IndexCharset utf8;
-  WordForms forms(utf8, -1);
-  const TokenSink sink = SinkOf(result);
-  const bool isWhole = CutPage({.content = page, .title = title, .addressText = address}, 0,
-                               {.forms = forms,
-                                .vocabulary = result.vocabulary,
-                                .signs = result.signs,
-                                .sink = sink,
-                                .runs = runs,
-                                .endsHeadings = endsHeadings},
-                               result.words);
-  EXPECT_TRUE(isWhole);
-  EXPECT_EQ(result.words.tokenCount, result.tokens.size());
+  PageCutter cutter(utf8, -1, rules);
+  EXPECT_TRUE(cutter.Cut({.content = page, .title = title}, result.page, &result.running));
+  result.sections = cutter.sections();
+  EXPECT_TRUE(cutter.CutAddress(address, result.address));
+  result.JoinTo(result.vocabulary, result.signs, 0);
   return result;
 }
 
@@ -112,17 +109,18 @@ TEST(PageTokens, BetweenPiecesABlankIsATokenAndNothingIsNone) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(CutOf({{c.text, 0}}, "", "", "", RunCut::kPieces).Tokens(), c.expected);
+    EXPECT_EQ(CutOf({{c.text, 0}}, "", "", "", {.runs = RunCut::kPieces}).Tokens(), c.expected);
   }
-  EXPECT_EQ(CutOf({{"日", 0}, {"本", 0}}, "語", "文", "", RunCut::kPieces).Tokens(),
+  EXPECT_EQ(CutOf({{"日", 0}, {"本", 0}}, "語", "文", "", {.runs = RunCut::kPieces}).Tokens(),
             "日 # 本 | 語 | 文 .");
-  EXPECT_EQ(CutOf({{"日。", 0}, {"本", 0}}, "", "", "", RunCut::kPieces).Tokens(), "日 # 本 .");
+  EXPECT_EQ(CutOf({{"日。", 0}, {"本", 0}}, "", "", "", {.runs = RunCut::kPieces}).Tokens(),
+            "日 # 本 .");
 }
 
 TEST(PageTokens, PiecesOfALongRunStandBesideEachOther) {
   std::string text;
   for (int i = 0; i < 4000; ++i) text += "本";  // more than a chunk holds
-  const CutResult page = CutOf({{text, 0}}, "", "", "", RunCut::kPieces);
+  const CutResult page = CutOf({{text, 0}}, "", "", "", {.runs = RunCut::kPieces});
   EXPECT_EQ(page.words.tokenCount, 4001u);
 }
 
@@ -204,12 +202,14 @@ TEST(PageTokens, HeadingsEndWithASign) {
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
     const std::vector<TextRun> body = {{c.heading, 2}, {"from nine", 0}};
-    const CutResult page = CutOf(body, "t", "", "", RunCut::kPieces, true);
+    const CutResult page =
+        CutOf(body, "t", "", "", {.runs = RunCut::kPieces, .endsHeadings = true});
     EXPECT_EQ(SignsOf(page), c.sign);
   }
   // The words of a title stand alone, and a heading without words is none.
-  EXPECT_EQ(CutOf({{"a", 2}, {"\u00B6", 2}, {"b", 0}}, "t", "", "", RunCut::kWords, true).Tokens(),
-            "a # b | t .");
+  EXPECT_EQ(
+      CutOf({{"a", 2}, {"\u00B6", 2}, {"b", 0}}, "t", "", "", {.endsHeadings = true}).Tokens(),
+      "a # b | t .");
   EXPECT_EQ(CutOf({{"a", 2}, {"b", 0}}, "t").Tokens(), "a b | t .");
 }
 
@@ -217,7 +217,7 @@ TEST(PageTokens, SignsAreNoWords) {
   std::string text;
   for (int i = 0; i < 31; ++i) text += "( ; ";
   const CutResult page = CutOf({{text + Words(33), 0}}, "t");
-  EXPECT_EQ(page.words.bodyWords, 33u);
+  EXPECT_EQ(page.page.bodyWords, 33u);
   EXPECT_EQ(page.Find("w31")->blocks, 0x80);
   EXPECT_EQ(page.Find("w32")->blocks, 0x40);
 }
@@ -228,29 +228,93 @@ TEST(PageTokens, AWordCollectsItsBlocks) {
 }
 
 TEST(PageTokens, CountsDifferentTitleWords) {
-  EXPECT_EQ(CutOf({}, "Python and the python — 3.11.").words.titleWords, 4u);
-  EXPECT_EQ(CutOf({{"body words", 0}}, "One").words.titleWords, 1u);
+  EXPECT_EQ(CutOf({}, "Python and the python — 3.11.").page.titleWords, 4u);
+  EXPECT_EQ(CutOf({{"body words", 0}}, "One").page.titleWords, 1u);
 }
 
 TEST(PageTokens, VariantsAreThoseOfTheSite) {
-  CutResult result;
-  PageContent page;
-  page.body = {{"Cat CAT cat", 0}};
-  const IndexCharset utf8;
-  WordForms forms(utf8, -1);
-  const TokenSink sink = SinkOf(result);
-  const SiteWords site = {
-      .forms = forms, .vocabulary = result.vocabulary, .signs = result.signs, .sink = sink};
-  for (const uint32_t number : {0u, 1u}) {
-    result.tokens.clear();
-    EXPECT_TRUE(
-        CutPage({.content = page, .title = "x", .addressText = ""}, number, site, result.words));
-  }
-  EXPECT_EQ(result.tokens[0].variant, 1);
-  EXPECT_EQ(result.tokens[1].variant, 2);
-  EXPECT_EQ(result.tokens[2].variant, 0);
+  CutResult result = CutOf({{"Cat CAT cat", 0}}, "x");
+  // The second page meets them in another order.
+  CutResult second = CutOf({{"CAT cat Cat cAT", 0}}, "x");
+  second.tokens.clear();
+  second.JoinTo(result.vocabulary, result.signs, 1);
+  const uint8_t kVariants[] = {2, 0, 1, 3};
+  for (size_t i = 0; i < 4; ++i) EXPECT_EQ(second.tokens[i].variant, kVariants[i]) << i;
   EXPECT_EQ(result.vocabulary.words[0].pageCount, 2u);
-  EXPECT_EQ(result.vocabulary.words[0].mostOnPage, 3);
+  EXPECT_EQ(result.vocabulary.words[0].mostOnPage, 4);
+}
+
+TEST(PageTokens, AWordOfTextAndAddressIsOneWord) {
+  const CutResult page = CutOf({{"a b", 0}}, "t", "", "b c b");
+  EXPECT_EQ(page.Tokens(), "a b | t | b c b .");
+  EXPECT_EQ(page.words.postings.size(), 4u);
+  EXPECT_EQ(page.Find("b")->token, 1u);
+  EXPECT_EQ(page.Find("b")->total, 3);
+  EXPECT_EQ(page.Find("b")->body, 1);
+  EXPECT_EQ(page.Find("b")->zones, kInAddress);
+  EXPECT_EQ(page.Find("c")->token, 6u);
+  EXPECT_EQ(page.vocabulary.words[page.Find("b")->word].addressOnlyPages, 0u);
+  EXPECT_EQ(page.vocabulary.words[page.Find("c")->word].addressOnlyPages, 1u);
+  EXPECT_EQ(CutOf({{std::string(600, 'a') + " a", 0}}, "", "", "a").Find("a")->total, 2);
+}
+
+// What was cut before must not show in a page.
+TEST(PageCutter, APageIsCutAlikeWhateverCameBefore) {
+  const IndexCharset utf8;
+  PageCutter used(utf8, -1, {});
+  for (int i = 0; i < 3; ++i) {
+    PageContent page;
+    // Chunks of both kinds: some that are kept, and some too long for that.
+    const std::string joined = "node.js-" + std::string(60, static_cast<char>('a' + i));
+    page.body = {
+        {"Node.js (" + joined + ") caf\u00E9 w" + std::to_string(i) + " caf\u00E9, " + joined, 0},
+        {"Node.js caf\u00E9", 2}};
+    PageWords ofUsed;
+    PageWords ofNew;
+    RunningText runningOfUsed;
+    RunningText runningOfNew;
+    PageCutter fresh(utf8, -1, {});
+    ASSERT_TRUE(used.Cut({.content = page, .title = "Node"}, ofUsed, &runningOfUsed));
+    ASSERT_TRUE(fresh.Cut({.content = page, .title = "Node"}, ofNew, &runningOfNew));
+    EXPECT_EQ(ofUsed.wordTexts, ofNew.wordTexts);
+    EXPECT_EQ(ofUsed.formTexts, ofNew.formTexts);
+    EXPECT_EQ(ofUsed.signTexts, ofNew.signTexts);
+    EXPECT_EQ(ofUsed.tokens, ofNew.tokens);
+    EXPECT_EQ(runningOfUsed.texts, runningOfNew.texts);
+    EXPECT_EQ(runningOfUsed.sequence, runningOfNew.sequence);
+  }
+}
+
+TEST(PageCutter, ForgetsAndKnowsAgain) {
+  const IndexCharset utf8;
+  PageCutter cutter(utf8, -1, {});
+  PageContent page;
+  page.body = {{Words(200000), 0}};  // more than is kept
+  PageWords words;
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_TRUE(cutter.Cut({.content = page, .title = ""}, words, nullptr));
+    EXPECT_EQ(words.words.size(), 200000u);
+    EXPECT_EQ(words.tokenCount, 200000u);
+  }
+  page.body = {{"w1 w2 w1", 0}};
+  ASSERT_TRUE(cutter.Cut({.content = page, .title = ""}, words, nullptr));
+  EXPECT_EQ(words.wordTexts, "w1w2");
+}
+
+TEST(PageCutter, TheRunningTextBreaksAtSigns) {
+  const CutResult page =
+      CutOf({{"One two, three (Four) five", 0}, {"six", 0}, {"Heading", 2}, {"a/b two", 0}}, "t");
+  EXPECT_EQ(page.running.texts, "OnetwothreeFourfivesix");
+  EXPECT_EQ(page.running.sequence, std::string("\1\2\0\3\0\4\0\5\0\6\0\2\0", 13));
+}
+
+TEST(PageCutter, SectionsBeginAtAnchors) {
+  const CutResult page = CutOf({{"one two", 0}, {"three", 2, "x"}, {"four", 0, "y"}}, "t");
+  ASSERT_EQ(page.sections.size(), 2u);
+  EXPECT_EQ(page.sections[0].token, 2u);
+  EXPECT_EQ(page.sections[0].run, 1u);
+  EXPECT_EQ(page.sections[1].token, 3u);
+  EXPECT_EQ(page.page.bodyTokens, 4u);
 }
 
 // "a;b" is two words and the sign between them; the last "b" has a sign as well.
@@ -269,7 +333,7 @@ TEST(PageTokens, ALongTextWithoutBlanksIsOneTextWithoutBlanks) {
     ASSERT_EQ(page.tokens[i].number, between) << i;
   }
   EXPECT_NE(page.tokens[page.tokens.size() - 2].number, between);
-  EXPECT_EQ(page.words.bodyWords, 40000u);
+  EXPECT_EQ(page.page.bodyWords, 40000u);
 }
 
 TEST(PageTokens, WordsOfALongTextWithoutSignsTouch) {
@@ -283,41 +347,31 @@ TEST(PageTokens, WordsOfALongTextWithoutSignsTouch) {
   }
 }
 
-TEST(PageTokens, WhatIsKeptOfAPageGrowsWithItsDifferentWords) {
+TEST(PageCutter, WhatAPageTakesIsInProportionToItsText) {
   for (const std::string piece : {"a-b;c.", "a-", "a ", "(a) b-c; "}) {
     SCOPED_TRACE(piece);
     std::string text;
     while (text.size() < (size_t{1} << 20)) text += piece;
     const CutResult page = CutOf({{text, 0}}, "a");
-    EXPECT_LT(page.largestPortion, 20000u);
-    EXPECT_LT(page.words.tokens.capacity(), 40000u);
-    EXPECT_LT(page.words.places.capacity(), 10000u);
     EXPECT_LE(page.words.postings.size(), 5u);
-    EXPECT_EQ(page.words.pageWords.size(), page.words.postings.size());
-    EXPECT_LT(page.words.chunk.tokens.capacity(), 4 * kChunkBytesLimit);
-    EXPECT_LT(page.words.chunk.forms.capacity(), 8 * kChunkBytesLimit);
-    EXPECT_LT(page.words.chunk.characters.capacity(), 4 * kChunkBytesLimit);
+    EXPECT_LT(page.largestPortion, 20000u);
+    EXPECT_LT(MemoryOf(page.page), 3 * text.size());
   }
 }
 
-TEST(PageTokens, AStopEndsTheCutting) {
-  CutResult result;
+TEST(PageCutter, AStopEndsTheCutting) {
   PageContent page;
   page.body = {{Words(100000), 0}};
   const IndexCharset utf8;
-  WordForms forms(utf8, -1);
-  volatile std::sig_atomic_t stop = 0;
-  const TokenSink sink = [&](const std::vector<PageToken>& portion) {
-    result.tokens.insert(result.tokens.end(), portion.begin(), portion.end());
-    stop = 1;
-  };
-  const SiteWords site = {.forms = forms,
-                          .vocabulary = result.vocabulary,
-                          .signs = result.signs,
-                          .sink = sink,
-                          .stop = &stop};
-  EXPECT_FALSE(CutPage({.content = page, .title = "x", .addressText = ""}, 0, site, result.words));
-  EXPECT_LT(result.tokens.size(), 20000u);
+  volatile std::sig_atomic_t stop = 1;
+  PageCutter cutter(utf8, -1, {.stop = &stop});
+  PageWords words;
+  EXPECT_FALSE(cutter.Cut({.content = page, .title = "x"}, words, nullptr));
+  EXPECT_TRUE(words.words.empty());
+  EXPECT_FALSE(cutter.CutAddress("x", words));
+  stop = 0;
+  EXPECT_TRUE(cutter.Cut({.content = page, .title = "x"}, words, nullptr));
+  EXPECT_EQ(words.words.size(), 100001u);
 }
 
 }  // namespace

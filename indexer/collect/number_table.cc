@@ -1,0 +1,47 @@
+#include "indexer/collect/number_table.h"
+
+#include <cstring>
+#include <utility>
+
+namespace vela::indexer {
+
+namespace {
+
+constexpr size_t kFirstPlaces = 1 << 12;
+
+// Of each bit that goes in half of those that come out depend.
+uint64_t Mixed(uint64_t a, uint64_t b) {
+  const unsigned __int128 product = static_cast<unsigned __int128>(a) * b;
+  return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
+}
+
+}  // namespace
+
+uint64_t TextHash(std::string_view text) {
+  constexpr uint64_t kOne = 0x9E3779B97F4A7C15;
+  constexpr uint64_t kOther = 0xD6E8FEB86659FD93;
+  uint64_t hash = text.size() * kOther;
+  while (text.size() > sizeof hash) {
+    uint64_t bytes = 0;
+    memcpy(&bytes, text.data(), sizeof bytes);
+    hash = Mixed(hash ^ bytes, kOne);
+    text.remove_prefix(sizeof bytes);
+  }
+  uint64_t bytes = 0;
+  if (!text.empty()) memcpy(&bytes, text.data(), text.size());
+  return Mixed(hash ^ bytes ^ kOther, kOne);
+}
+
+void NumberTable::Grow() {
+  std::vector<Place> larger(std::max(kFirstPlaces, places_.size() * 2));
+  mask_ = larger.size() - 1;
+  for (const Place& place : places_) {
+    if (place.number == kFree) continue;
+    size_t at = place.low & mask_;
+    while (larger[at].number != kFree) at = (at + 1) & mask_;
+    larger[at] = place;
+  }
+  places_ = std::move(larger);
+}
+
+}  // namespace vela::indexer

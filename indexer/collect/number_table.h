@@ -1,0 +1,58 @@
+// number_table.h: finds again what was numbered: a hash table of numbers alone, beside which its
+// owner keeps what they stand for.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace vela::indexer {
+
+// Alike on every machine and in every run.
+uint64_t TextHash(std::string_view text);
+
+class NumberTable {
+ public:
+  // The number that was added with that hash and for which `isSame(number)` holds; when there is
+  // none, `next` is added and returned.
+  template <typename IsSame>
+  uint32_t FindOrAdd(uint64_t hash, uint32_t next, IsSame isSame) {
+    if ((used_ + 1) * 2 > places_.size()) Grow();
+    const auto check = static_cast<uint32_t>(hash >> 32);
+    for (size_t at = hash & mask_;; at = (at + 1) & mask_) {
+      Place& place = places_[at];
+      if (place.number == kFree) {
+        place = {.check = check, .low = static_cast<uint32_t>(hash), .number = next};
+        ++used_;
+        return next;
+      }
+      if (place.check == check && isSame(place.number)) return place.number;
+    }
+  }
+  // Brings the place of that hash into the processor's cache.
+  void Prefetch(uint64_t hash) const {
+    if (!places_.empty()) __builtin_prefetch(&places_[hash & mask_]);
+  }
+  void Clear() {
+    std::ranges::fill(places_, Place());
+    used_ = 0;
+  }
+  size_t memory() const { return places_.capacity() * sizeof(Place); }
+
+ private:
+  static constexpr uint32_t kFree = 0xFFFFFFFF;
+  struct Place {
+    uint32_t check = 0;  // the high half of the hash
+    uint32_t low = 0;    // the low half, so that a larger table needs no text
+    uint32_t number = kFree;
+  };
+  void Grow();
+
+  std::vector<Place> places_;  // a power of two of them; at most half are used
+  size_t mask_ = 0;
+  size_t used_ = 0;
+};
+
+}  // namespace vela::indexer

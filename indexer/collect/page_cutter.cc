@@ -1,0 +1,395 @@
+#include "indexer/collect/page_cutter.h"
+
+#include <algorithm>
+
+#include "format/word_map.h"
+#include "indexer/collect/number_bytes.h"
+#include "indexer/collect/vocabulary.h"
+#include "indexer/words/lower_copy.h"
+#include "indexer/words/plain_word.h"
+#include "indexer/words/symbols.h"
+
+namespace vela::indexer {
+
+namespace {
+
+// Longer chunks hardly come again.
+constexpr size_t kKeptChunkBytes = 48;
+// Chunks that are kept. When twice as many forms are known, everything is forgotten before the next
+// page: some 30 MB.
+constexpr size_t kKnownLimit = size_t{1} << 16;
+
+uint8_t HeadingZone(uint8_t level) {
+  if (level == 0) return 0;
+  if (level == 1) return kInMainHeading;
+  return level <= 3 ? kInHeading : kInSmallHeading;
+}
+
+void AddOne(uint8_t& count) {
+  if (count < 255) ++count;
+}
+
+}  // namespace
+
+PageCutter::PageCutter(const IndexCharset& charset, int32_t stemming, const CutRules& rules)
+    : wordForms_(charset, stemming), rules_(rules) {}
+
+void PageCutter::Forget() {
+  words_.Clear();
+  wordsInPage_.clear();
+  formKeys_.Clear();
+  forms_.clear();
+  signs_.Clear();
+  signsInPage_.clear();
+  signTexts_.Clear();
+  runningWords_.Clear();
+  knownRunning_.clear();
+  ForgetChunks();
+}
+
+void PageCutter::ForgetChunks() {
+  chunkTexts_.Clear();
+  chunks_.clear();
+  chunkTokens_.clear();
+  chunkForms_.clear();
+}
+
+void PageCutter::BeginPage(PageWords& out) {
+  // After a failed allocation a list may be shorter than the one beside it.
+  const bool isWhole = words_.size() == wordsInPage_.size() && formKeys_.size() == forms_.size() &&
+                       signs_.size() == signsInPage_.size() &&
+                       runningWords_.size() == knownRunning_.size() &&
+                       chunkTexts_.size() == chunks_.size();
+  const size_t known =
+      std::max({formKeys_.size(), signs_.size(), signTexts_.size(), runningWords_.size()});
+  if (!isWhole || known >= 2 * kKnownLimit || page_ == 0xFFFFFFFF) {
+    Forget();
+    page_ = 0;
+  }
+  ++page_;
+  out = PageWords();
+  out_ = &out;
+  pageWords_.clear();
+  places_.clear();
+  sections_.clear();
+  inPhrase_ = afterPiece_ = false;
+}
+
+// The known form of that spelling of a known word.
+uint32_t PageCutter::KnownFormOf(uint32_t word, std::string_view surface) {
+  const std::string_view base = words_[word];
+  const bool isWord = surface == base;
+  if (isWord || surface.size() > kVariantBytesLimit) surface = {};
+  scratch_.assign(reinterpret_cast<const char*>(&word), sizeof word);
+  scratch_ += isWord ? '=' : ' ';
+  scratch_ += surface;
+  const uint32_t number = formKeys_.FindOrAdd(scratch_);
+  if (number == forms_.size()) {
+    forms_.push_back({.word = word,
+                      .bytes = static_cast<uint8_t>(surface.size()),
+                      .isWord = isWord,
+                      .inPage = {}});
+  }
+  return number;
+}
+
+PageCutter::Chunk PageCutter::CutNewChunk(std::string_view text) {
+  CutChunk(text, chunk_, rules_.runs);
+  Chunk cut = {.firstToken = static_cast<uint32_t>(chunkTokens_.size()),
+               .firstForm = static_cast<uint32_t>(chunkForms_.size())};
+  const auto knownWord = [this](std::string_view base) {
+    const uint32_t word = words_.FindOrAdd(base);
+    if (word == wordsInPage_.size()) wordsInPage_.emplace_back();
+    return word;
+  };
+  for (const TextToken& token : chunk_.tokens) {
+    ChunkToken& kept = chunkTokens_.emplace_back();
+    kept.isPiece = token.isPiece;
+    if (token.sign == kBlankSign) continue;
+    if (token.sign != 0) {
+      kept.kind = Kind::kSign;
+      kept.number = signTexts_.FindOrAdd(token.surface);
+      continue;
+    }
+    const std::string_view base = wordForms_.Base(token.base);
+    kept.kind = base.empty() ? Kind::kNoWord : Kind::kWord;
+    if (base.empty()) continue;
+    kept.number = KnownFormOf(knownWord(base), wordForms_.Surface(token.surface));
+  }
+  cut.startsWithPiece = !chunk_.tokens.empty() && chunk_.tokens.front().isPiece;
+  cut.tokens = static_cast<uint32_t>(chunkTokens_.size()) - cut.firstToken;
+  for (const FoundForm& form : chunk_.forms) {
+    const std::string_view base = wordForms_.FoundBase(form.text);
+    // A word that could not be written has no place of its own.
+    if (base.empty() || chunkTokens_[cut.firstToken + form.token].kind == Kind::kNoWord) continue;
+    const std::string_view whole = chunk_.tokens[form.token].base;
+    const bool isOwnForm = form.text == base && whole.find(form.text) != whole.npos;
+    // Beside its stem, so that a pattern such as "cafe*" meets it whole.
+    const uint32_t known = KnownFormOf(knownWord(base), wordForms_.Surface(form.text));
+    chunkForms_.push_back({.token = form.token,
+                           .form = known,
+                           .isOwnForm = isOwnForm,
+                           .isPart = form.text.size() < whole.size()});
+  }
+  cut.forms = static_cast<uint32_t>(chunkForms_.size()) - cut.firstForm;
+  const PlainWord plain = PlainWordOf(text);
+  if (!plain.text.empty() && plain.text.size() <= kPhraseBytesLimit) {
+    const uint32_t word = runningWords_.FindOrAdd(plain.text);
+    if (word == knownRunning_.size()) {
+      knownRunning_.push_back({.hash = TextHash(LowerUtf8Copy(plain.text)), .inPage = {}});
+    }
+    cut.plainWord = word + 1;
+    cut.plainBegins = plain.begins;
+    cut.plainEnds = plain.ends;
+  }
+  return cut;
+}
+
+PageCutter::Chunk PageCutter::ChunkOf(std::string_view text) {
+  if (text.size() > kKeptChunkBytes) return CutNewChunk(text);
+  if (chunkTexts_.size() >= kKnownLimit) ForgetChunks();
+  const uint32_t number = chunkTexts_.FindOrAdd(text);
+  if (number == chunks_.size()) {
+    chunks_.push_back(CutNewChunk(text));
+    chunks_.back().isKept = true;
+  }
+  return chunks_[number];
+}
+
+// Lets go of a chunk that is not kept.
+void PageCutter::DropPassing(const Chunk& chunk) {
+  if (chunk.isKept) return;
+  chunkTokens_.resize(chunk.firstToken);
+  chunkForms_.resize(chunk.firstForm);
+}
+
+uint32_t PageCutter::InPageWord(uint32_t word) {
+  InPage& place = wordsInPage_[word];
+  if (place.page != page_) {
+    place = {.page = page_, .number = static_cast<uint32_t>(out_->words.size())};
+    const std::string_view text = words_[word];
+    out_->words.emplace_back().bytes = static_cast<uint8_t>(text.size());
+    out_->wordTexts += text;
+    pageWords_.emplace_back();
+  }
+  return place.number;
+}
+
+uint32_t PageCutter::InPageForm(uint32_t number) {
+  KnownForm& form = forms_[number];
+  if (form.inPage.page != page_) {
+    const uint32_t word = InPageWord(form.word);
+    form.inPage = {.page = page_, .number = static_cast<uint32_t>(out_->forms.size())};
+    out_->forms.push_back({.word = word, .bytes = form.bytes});
+    const std::string_view key = formKeys_[number];
+    out_->formTexts += key.substr(key.size() - form.bytes);
+  }
+  return form.inPage.number;
+}
+
+void PageCutter::WriteToken(uint32_t token) {
+  AppendNumber(token, out_->tokens);
+  ++out_->tokenCount;
+}
+
+// Writes the signs behind the last word as one token. The next begins as `blankBehind` says.
+void PageCutter::CloseGap(bool blankBehind) {
+  if (!gap_.IsEmpty()) {
+    const SignForm form = FormOf(gap_, blankBehind);
+    scratch_.assign(1, static_cast<char>(form));
+    scratch_ += gap_.text;
+    const uint32_t known = signs_.FindOrAdd(scratch_);
+    if (known == signsInPage_.size()) signsInPage_.emplace_back();
+    InPage& place = signsInPage_[known];
+    if (place.page != page_) {
+      place = {.page = page_, .number = static_cast<uint32_t>(out_->signs.size())};
+      out_->signs.push_back({.form = form, .bytes = static_cast<uint32_t>(gap_.text.size())});
+      out_->signTexts += gap_.text;
+    }
+    ++out_->signs[place.number].count;
+    WriteToken(SignsToken(place.number));
+    afterPiece_ = false;
+  }
+  gap_.Clear(blankBehind);
+}
+
+// Counts an occurrence of the word. Returns what else is known of it.
+PageCutter::PageWord& PageCutter::Count(uint32_t number, const Spot& spot) {
+  WordOfPage& word = out_->words[number];
+  PageWord& pageWord = pageWords_[number];
+  word.zones |= spot.zone;
+  if (spot.inBody) {
+    NotePlace(number, spot.place, pageWord.places, places_);
+  } else {
+    // Title, description and address belong to the page as a whole and count as its beginning.
+    word.blocks |= ProximityBit(0);
+  }
+  // A word and a part of it that reads the same ("a-a") are one occurrence.
+  if (pageWord.lastToken == spot.token) return pageWord;
+  if (word.total == 0) word.token = spot.token;
+  pageWord.lastToken = spot.token;
+  AddOne(word.total);
+  if (spot.inBody) AddOne(word.body);
+  return pageWord;
+}
+
+// Writes and counts the words of the chunk. Returns their number.
+uint32_t PageCutter::WriteWords(const Chunk& chunk, uint8_t zone, bool inBody) {
+  uint32_t place = inBody ? out_->bodyWords : 0;
+  uint32_t count = 0;
+  written_.assign(chunk.tokens, {});
+  for (uint32_t i = 0; i < chunk.tokens; ++i) {
+    const ChunkToken& token = chunkTokens_[chunk.firstToken + i];
+    if (token.kind == Kind::kNoWord) continue;
+    if (token.kind == Kind::kBlank) {
+      gap_.AddBlank();
+      continue;
+    }
+    if (token.kind == Kind::kSign) {
+      gap_.AddSign(signTexts_[token.number]);
+      continue;
+    }
+    if (afterPiece_ && token.isPiece && gap_.opens && gap_.IsEmpty()) gap_.ShowBlank();
+    CloseGap(false);
+    afterPiece_ = token.isPiece;
+    const uint32_t form = InPageForm(token.number);
+    const uint32_t number = out_->forms[form].word;
+    const uint32_t at = out_->tokenCount;
+    written_[i] = {.token = at, .place = place, .word = number};
+    PageWord& pageWord = Count(number, {at, place, zone, inBody});
+    WordOfPage& word = out_->words[number];
+    word.isWritten = true;
+    if (forms_[token.number].isWord) word.isOwnForm = true;
+    if (zone == kInTitle) {
+      word.zones |= kTitleWord | kTitlePart;
+      if (!pageWord.isTitleWord) ++out_->titleWords;
+      pageWord.isTitleWord = true;
+    }
+    WriteToken(FormToken(form));
+    ++place;
+    ++count;
+  }
+  if (inBody) out_->bodyWords = place;
+  return count;
+}
+
+// Counts the further forms by which words of the chunk are found.
+void PageCutter::CountForms(const Chunk& chunk, uint8_t zone, bool inBody) {
+  for (uint32_t i = 0; i < chunk.forms; ++i) {
+    const ChunkForm& form = chunkForms_[chunk.firstForm + i];
+    const Written& found = written_[form.token];
+    const uint32_t number = out_->forms[InPageForm(form.form)].word;
+    Count(number, {found.token, found.place, zone, inBody});
+    WordOfPage& word = out_->words[number];
+    if (form.isOwnForm) word.isOwnForm = true;
+    if (zone != kInTitle || !form.isPart) continue;
+    uint8_t& zones = out_->words[found.word].zones;
+    zones = static_cast<uint8_t>(zones & ~kTitlePart);
+    word.zones |= kTitlePart;
+  }
+}
+
+void PageCutter::EndPhrase(RunningText& running) {
+  if (inPhrase_) AppendNumber(RunningText::kBreak, running.sequence);
+  inPhrase_ = false;
+}
+
+void PageCutter::AddRunning(const Chunk& chunk, RunningText& running) {
+  if (chunk.plainBegins) EndPhrase(running);
+  if (chunk.plainWord == 0) return;
+  KnownRunningWord& known = knownRunning_[chunk.plainWord - 1];
+  if (known.inPage.page != page_) {
+    known.inPage = {.page = page_, .number = static_cast<uint32_t>(running.words.size())};
+    const std::string_view text = runningWords_[chunk.plainWord - 1];
+    running.words.push_back({.hash = known.hash, .bytes = static_cast<uint8_t>(text.size())});
+    running.texts += text;
+  }
+  AppendNumber(known.inPage.number + 1, running.sequence);
+  inPhrase_ = true;
+  if (chunk.plainEnds) EndPhrase(running);
+}
+
+// Parts a heading from the text behind it, which passages show in one line.
+void PageCutter::EndHeading() {
+  if (!gap_.IsEmpty()) return;
+  gap_.Clear(false);
+  gap_.AddSign(afterPiece_ ? "\u3002" : ".");
+}
+
+// Cuts one run of text and writes its tokens, unless it is stopped. Returns the number of its
+// words.
+uint32_t PageCutter::CutRun(std::string_view text, uint8_t zone, bool inBody,
+                            RunningText* running) {
+  uint32_t wordCount = 0;
+  gap_.Clear(true);
+  while (!IsStopped()) {
+    const bool followsBlank = text.starts_with(' ');
+    const std::string_view chunkText = NextChunk(text);
+    if (chunkText.empty()) break;
+    const Chunk chunk = ChunkOf(chunkText);
+    if (followsBlank) gap_.AddBlank();
+    // Words that a chunk ends and the next begins with are still written without a blank.
+    const bool arePieces = afterPiece_ && chunk.startsWithPiece;
+    if (!followsBlank && !gap_.opens && gap_.IsEmpty() && !arePieces) {
+      gap_.AddSign(Utf8Text(kWordBreakSign));
+    }
+    wordCount += WriteWords(chunk, zone, inBody);
+    CountForms(chunk, zone, inBody);
+    if (running != nullptr) AddRunning(chunk, *running);
+    DropPassing(chunk);
+  }
+  if (rules_.endsHeadings && inBody && zone != 0 && wordCount != 0) EndHeading();
+  CloseGap(true);
+  if (running != nullptr) EndPhrase(*running);
+  return wordCount;
+}
+
+// Cuts a text that stands behind the body, so that snippets show the body and phrases find all of
+// it.
+void PageCutter::AddRun(std::string_view text, Zone zone) {
+  const size_t bytes = out_->tokens.size();
+  const uint32_t count = out_->tokenCount;
+  if (count != 0) WriteToken(kRunEndToken);
+  afterPiece_ = false;
+  if (CutRun(text, zone, false, nullptr) != 0) return;
+  out_->tokens.resize(bytes);
+  out_->tokenCount = count;
+}
+
+// Sets the blocks of the words now that the page's length is known.
+void PageCutter::SetBlocks() {
+  const uint32_t blockWords = ProximityBlockWords(out_->bodyWords);
+  const auto set = [&](size_t number, uint32_t place) {
+    if (place != kNoPlace) out_->words[number].blocks |= ProximityBit(place / blockWords);
+  };
+  for (const PlaceOfWord& each : places_) set(each.slot, each.place);
+  for (size_t number = 0; number < pageWords_.size(); ++number) {
+    set(number, pageWords_[number].places.before);
+    set(number, pageWords_[number].places.last);
+  }
+}
+
+bool PageCutter::Cut(const PageTexts& page, PageWords& out, RunningText* running) {
+  BeginPage(out);
+  for (const TextRun& run : page.content.body) {
+    if (!run.anchor.empty()) {
+      sections_.push_back(
+          {.token = out.tokenCount, .run = static_cast<uint32_t>(&run - page.content.body.data())});
+    }
+    CutRun(run.text, HeadingZone(run.headingLevel), true,
+           run.headingLevel == 0 ? running : nullptr);
+  }
+  out.bodyTokens = out.tokenCount;
+  AddRun(page.title, kInTitle);
+  AddRun(page.content.description, kInDescription);
+  SetBlocks();
+  return !IsStopped();
+}
+
+bool PageCutter::CutAddress(std::string_view text, PageWords& out) {
+  BeginPage(out);
+  AddRun(text, kInAddress);
+  return !IsStopped();
+}
+
+}  // namespace vela::indexer
