@@ -6,9 +6,10 @@ bool PageWeights::TryAllocate(size_t pages, bool hasSeveralTerms) {
   words_ = pages / 64 + 1;
   bits_ = words_ * kWeighedTerms;
   const size_t bytes = words_ * 8;  // a byte a page takes so many of the block's elements
-  if (!memory_.TryAllocate(2 * bits_ + 4 * bytes)) return false;
+  if (!memory_.TryAllocate(2 * bits_ + words_ + 4 * bytes)) return false;
   terms_ = memory_.data();
-  uint64_t* const behindBits = terms_ + 2 * bits_;
+  titles_ = terms_ + 2 * bits_;
+  uint64_t* const behindBits = titles_ + words_;
   near_ = hasSeveralTerms ? reinterpret_cast<uint8_t*>(behindBits) : nullptr;
   lastBlocks_ = reinterpret_cast<uint8_t*>(behindBits + bytes);
   lastWeights_ = reinterpret_cast<uint16_t*>(behindBits + 2 * bytes);
@@ -21,6 +22,7 @@ TermWeights PageWeights::StartTerm(int32_t term, bool hasSeveralWords) {
   termCount_ = std::max(termCount_, term + 1);
   weights.terms_ = terms_ + static_cast<size_t>(term) * words_;
   weights.titleTerms_ = weights.terms_ + bits_;
+  weights.titles_ = titles_;
   weights.near_ = near_;
   weights.lastBlocks_ = lastBlocks_;
   weights.lastWeights_ = hasSeveralWords ? lastWeights_ : nullptr;

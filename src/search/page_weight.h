@@ -33,7 +33,10 @@ class TermWeights {
     uint64_t& terms = terms_[page / 64];
     const bool isAnotherWord = (terms & bit) != 0;
     terms |= bit;
-    if (IsTitleWord(record.score)) titleTerms_[page / 64] |= bit;
+    if (IsTitleWord(record.score)) {
+      titleTerms_[page / 64] |= bit;
+      titles_[page / 64] |= bit;
+    }
     if (near_ != nullptr) {
       uint8_t& blocks = lastBlocks_[page];
       if (isAnotherWord) {
@@ -54,6 +57,7 @@ class TermWeights {
   friend class PageWeights;
   uint64_t* terms_ = nullptr;        // a bit a page; null: nothing is kept of the term
   uint64_t* titleTerms_ = nullptr;   // likewise
+  uint64_t* titles_ = nullptr;       // of PageWeights
   uint8_t* near_ = nullptr;          // of PageWeights; or null
   uint8_t* lastBlocks_ = nullptr;    // of PageWeights
   uint16_t* lastWeights_ = nullptr;  // of PageWeights where the term has several words; or null
@@ -75,12 +79,16 @@ class PageWeights {
     const auto bitAt = [page](const uint64_t* bits) {
       return static_cast<uint32_t>(*bits >> page % 64 & 1);
     };
-    PageWeight weight = {.terms = bitAt(place), .titleTerms = bitAt(place + bits_)};
+    PageWeight weight = {.terms = bitAt(place)};
     if (near_ != nullptr) weight.near = near_[page];
     for (int32_t term = 1; term < termCount_; ++term) {
       place += words_;
       weight.terms |= bitAt(place) << term;
-      weight.titleTerms |= bitAt(place + bits_) << term;
+    }
+    if (bitAt(titles_ + page / 64) == 0) return weight;
+    place = terms_ + bits_ + page / 64;
+    for (int32_t term = 0; term < termCount_; ++term, place += words_) {
+      weight.titleTerms |= bitAt(place) << term;
     }
     return weight;
   }
@@ -92,6 +100,7 @@ class PageWeights {
   // One block for all, so that of a large site's only what is written to is ever touched.
   OwnedArray<uint64_t> memory_;
   uint64_t* terms_ = nullptr;        // the bits of the pages, term behind term; then of the titles
+  uint64_t* titles_ = nullptr;       // a bit for a page whose title has any term
   uint8_t* near_ = nullptr;          // see PageWeight; a page each, as those below; or null
   uint8_t* lastBlocks_ = nullptr;    // the proximity bytes of the term that was added last
   uint16_t* lastWeights_ = nullptr;  // the weight of that term where it has several words

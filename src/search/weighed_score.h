@@ -8,7 +8,6 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -42,9 +41,9 @@ uint64_t TitleScore(const QueryWeights& query, uint32_t titleTerms, uint32_t tit
 template <typename TitleMass>
 uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_t sum,
                       const TitleMass& titleMass) {
-  // One mostly, and counting takes its time.
-  const bool isOne = (page.terms & (page.terms - 1)) == 0 && page.terms != 0;
-  const auto found = isOne ? size_t{1} : static_cast<size_t>(std::popcount(page.terms));
+  // They are few, and the processors that this has to run on do not count bits.
+  size_t found = 0;
+  for (uint32_t terms = page.terms; terms != 0; terms &= terms - 1) ++found;
   const size_t near = std::min<size_t>(page.near, kWeighedTerms);
   uint64_t score = uint64_t{sum} * query.foundFactors[found] * query.nearFactors[near] *
                    kScoreSteps / (kOneFactor * kOneFactor);
