@@ -23,9 +23,10 @@ constexpr size_t kCertainLetters = 5;
 // By how much it must be better than the next word; about the tenfold number of pages.
 constexpr int32_t kCertainLead = 8;
 // By how much where a word is so short that many are near, so that anything is offered for it: of
-// three letters, and of four.
+// three letters, and of four, where more than a few are near one step more.
 constexpr int32_t kThreeLettersLead = 5;
 constexpr int32_t kFourLettersLead = 2;
+constexpr size_t kFewNear = 4;
 // What each slip may cost: words that the site does not have differ by others, and often by their
 // first letter, from those that it has.
 constexpr int32_t kCertainCost = 14;
@@ -57,6 +58,7 @@ struct NearWord {
   int32_t cost = 0;
   int32_t slips = 0;
   int32_t pages = 0;  // of the words that are looked up as it is
+  size_t letters = 0;
 };
 struct NearWords {
   std::array<NearWord, kClosestWords> words;  // the best first
@@ -75,6 +77,12 @@ struct NearWords {
 // Twice the binary logarithm.
 int32_t TwiceLog2(uint32_t number) {
   return static_cast<int32_t>(std::bit_width(uint64_t{number} * number + 1)) - 1;
+}
+
+int32_t LeastLead(size_t letters, size_t nearWords) {
+  if (letters == 3) return kThreeLettersLead;
+  if (letters == 4) return kFourLettersLead + (nearWords > kFewNear ? 1 : 0);
+  return 0;
 }
 
 class Corrector {
@@ -179,8 +187,8 @@ MeantWords Corrector::WordsFor(std::string_view typed) {
   size_t kept = 0;
   for (size_t i = 0; i < near.count; ++i) {
     NearWord word = near.words[i];
-    WordLetters ignored;
-    const std::string_view candidate = File().TextOf(word.number, utf8, ignored);
+    WordLetters ofWord;
+    const std::string_view candidate = File().TextOf(word.number, utf8, ofWord);
     const WordList list = RecordsOf(candidate);
     if (list.size() <= records) continue;
     forms[kept] = LookedUpForm(candidate);
@@ -189,18 +197,19 @@ MeantWords Corrector::WordsFor(std::string_view typed) {
     if (std::any_of(forms.begin(), forms.begin() + kept, isSame)) continue;
     word.merit += CompanyMerit(list);
     word.pages = list.size();
+    word.letters = ofWord.count;
     near.words[kept++] = word;
   }
   near.count = kept;
+  // Of two that are as likely the longer: an ending is left out more often than changed.
   std::stable_sort(near.words.begin(), near.words.begin() + near.count,
-                   [](const NearWord& a, const NearWord& b) { return a.merit > b.merit; });
+                   [](const NearWord& a, const NearWord& b) {
+                     return a.merit != b.merit ? a.merit > b.merit : a.letters > b.letters;
+                   });
   if (near.count == 0) return meant;
   const NearWord& best = near.words[0];
   const int32_t lead = near.count == 1 ? INT32_MAX : best.merit - near.words[1].merit;
-  if ((letters.count == 3 && lead < kThreeLettersLead) ||
-      (letters.count == 4 && lead < kFourLettersLead)) {
-    return meant;
-  }
+  if (lead < LeastLead(letters.count, near.count)) return meant;
   for (size_t i = 0; i < std::min(near.count, meant.words.size()); ++i) {
     if (best.merit - near.words[i].merit > kOfferMargin) break;
     WordLetters ignored;

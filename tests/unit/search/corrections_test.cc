@@ -141,6 +141,21 @@ TEST(Corrections, QueriesTable) {
   }
 }
 
+TEST(Corrections, OfTwoWordsThatAreAsLikelyTheLonger) {
+  // A letter left out and a vowel for another are as likely.
+  EXPECT_EQ(Site({{"taken", 9}, {"taking", 9}}).For("takin"), "taking or taken");
+  EXPECT_EQ(Site({{"taken", 20}, {"taking", 9}}).For("takin"), "taken or taking");
+}
+
+TEST(Corrections, OfManyNearAShortWordAClearOne) {
+  std::vector<MeantWord> words = {{"load", 40}, {"lead", 20}, {"laid", 1}, {"land", 1}};
+  EXPECT_EQ(Site(words).For("laad"), "load or lead or laid");
+  words.push_back({"lard", 1});
+  EXPECT_EQ(Site(words).For("laad"), "");
+  words[1].pages = 9;  // further behind
+  EXPECT_EQ(Site(words).For("laad"), "load or lead or laid");
+}
+
 TEST(Corrections, StopWordsStayWhereTheyWere) {
   const struct {
     const char* what;
