@@ -127,6 +127,7 @@ void RunLockedIn(const std::string& program, const std::vector<std::string>& arg
   close(opened);
   std::vector<char*> argv;
   std::vector<std::string> texts = arguments;
+  argv.reserve(texts.size() + 1);
   for (std::string& text : texts) argv.push_back(text.data());
   argv.push_back(nullptr);
   Filter filter;

@@ -52,8 +52,10 @@ Reason DocumentReaders::ReadPdf(std::string_view document, ReadingBudget& budget
   if (result.exitStatus < 0) return Reason::kReaderFailed;
   if (result.errors.find("Incorrect password") != result.errors.npos) return Reason::kEncrypted;
   // It ends well with whatever it could read.
-  if (result.exitStatus != 0 || !ParsePdfText(result.output, page)) return Reason::kDamaged;
-  return Reason::kNone;
+  if (result.exitStatus != 0) return Reason::kDamaged;
+  const Reason parsed = ParsePdfText(result.output, budget, page);
+  if (parsed == Reason::kMarkupTooSlow) return Reason::kDocumentTooSlow;
+  return parsed == Reason::kMarkupTooLarge ? Reason::kDocumentTooLarge : parsed;
 }
 
 Reason DocumentReaders::ReadOldOffice(const std::string& program,

@@ -84,12 +84,25 @@ std::string Pattern(std::string_view line) {
   return CollapseBlanks(pattern);
 }
 
+// Adds an element when the budget allows it: lines and pages of a byte take many times that.
+template <typename Element>
+bool Add(Element element, std::vector<Element>& elements, ReadingBudget& budget) {
+  if (elements.size() == elements.capacity()) {
+    constexpr size_t kFirst = 16;
+    const size_t more = std::max(elements.capacity(), kFirst);
+    if (!TakeBytes(budget, more * sizeof(Element))) return false;
+    elements.reserve(elements.size() + more);
+  }
+  elements.push_back(std::move(element));
+  return true;
+}
+
 // The lines of one page that say anything.
-std::vector<std::string_view> LinesOf(std::string_view text) {
+std::vector<std::string_view> LinesOf(std::string_view text, ReadingBudget& budget) {
   std::vector<std::string_view> lines;
   while (!text.empty()) {
     const std::string_view line = TakeUpTo(text, '\n');
-    if (!IsBlank(line)) lines.push_back(line);
+    if (!IsBlank(line) && !Add(line, lines, budget)) break;
   }
   return lines;
 }
@@ -139,15 +152,17 @@ void AddPage(const std::vector<std::string_view>& lines, size_t number, PageCont
 
 }  // namespace
 
-bool ParsePdfText(std::string_view output, PageContent& page) {
+Reason ParsePdfText(std::string_view output, ReadingBudget& budget, PageContent& page) {
   page = PageContent();
   const size_t begin = output.find(kTextBegin);
-  if (begin == output.npos || !output.ends_with(kTextEnd)) return false;
+  if (begin == output.npos || !output.ends_with(kTextEnd)) return Reason::kDamaged;
   TakeHead(output.substr(0, begin), page);
   std::string_view text = output.substr(begin + kTextBegin.size());
   text.remove_suffix(std::min(kTextEnd.size(), text.size()));
   std::vector<std::vector<std::string_view>> pages;
-  while (!text.empty()) pages.push_back(LinesOf(TakeUpTo(text, '\f')));
+  while (!text.empty() && Add(LinesOf(TakeUpTo(text, '\f'), budget), pages, budget)) {
+  }
+  if (budget.status != Reason::kNone) return budget.status;
   const std::unordered_set<std::string> repeated = Repeated(pages);
   std::unordered_set<std::string> kept;
   for (size_t i = 0; i < pages.size(); ++i) {
@@ -167,7 +182,7 @@ bool ParsePdfText(std::string_view output, PageContent& page) {
     }
     AddPage(lines, i + 1, page);
   }
-  return true;
+  return Reason::kNone;
 }
 
 }  // namespace vela::indexer

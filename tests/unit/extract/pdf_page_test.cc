@@ -10,6 +10,11 @@ std::string Output(const std::string& head, const std::string& text) {
          "</pre>\n</body>\n</html>\n";
 }
 
+Reason Parse(const std::string& output, PageContent& page) {
+  ReadingBudget budget = StartReading({}, output.size());
+  return ParsePdfText(output, budget, page);
+}
+
 // "page=1:first line|rest".
 std::string RunsOf(const PageContent& page) {
   std::string all;
@@ -23,15 +28,16 @@ std::string RunsOf(const PageContent& page) {
 
 TEST(PdfPage, TakesWhatTheHeadSays) {
   PageContent page;
-  ASSERT_TRUE(ParsePdfText(Output("<title>A &lt;pre&gt; title</title>\n"
-                                  "<meta name=\"Subject\" content=\"About\"/>\n"
-                                  "<meta name=\"Keywords\" content=\"a, b\"/>\n"
-                                  "<meta name=\"Author\" content=\"Ann\"/>\n"
-                                  "<meta name=\"Producer\" content=\"p\"/>\n"
-                                  "<meta name=\"CreationDate\" content=\"2020-01-02T03:04:05Z\"/>\n"
-                                  "<meta name=\"ModDate\" content=\"\"/>\n",
-                                  "text\n\f"),
-                           page));
+  ASSERT_EQ(Reason::kNone,
+            Parse(Output("<title>A &lt;pre&gt; title</title>\n"
+                         "<meta name=\"Subject\" content=\"About\"/>\n"
+                         "<meta name=\"Keywords\" content=\"a, b\"/>\n"
+                         "<meta name=\"Author\" content=\"Ann\"/>\n"
+                         "<meta name=\"Producer\" content=\"p\"/>\n"
+                         "<meta name=\"CreationDate\" content=\"2020-01-02T03:04:05Z\"/>\n"
+                         "<meta name=\"ModDate\" content=\"\"/>\n",
+                         "text\n\f"),
+                  page));
   EXPECT_EQ(page.title, "A <pre> title");
   EXPECT_EQ(page.description, "About");
   EXPECT_EQ(page.metas, (std::vector<MetaElement>{{"author", "Ann"},
@@ -55,14 +61,14 @@ TEST(PdfPage, TitlesComeFromWhatThereIs) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.head);
     PageContent page;
-    ASSERT_TRUE(ParsePdfText(Output(c.head, c.text), page));
+    ASSERT_EQ(Reason::kNone, Parse(Output(c.head, c.text), page));
     EXPECT_EQ(page.title, c.title);
   }
 }
 
 TEST(PdfPage, APageIsASection) {
   PageContent page;
-  ASSERT_TRUE(ParsePdfText(Output("", "One\nfirst\n\n\f\n \n\fThree\n\fFour\nlast\f"), page));
+  ASSERT_EQ(Reason::kNone, Parse(Output("", "One\nfirst\n\n\f\n \n\fThree\n\fFour\nlast\f"), page));
   EXPECT_EQ(RunsOf(page), "page=1:One|first|page=3:Three|page=4:Four|last");
 }
 
@@ -75,7 +81,7 @@ TEST(PdfPage, LinesAtTheEdgesOfPagesStandOnce) {
             " of 6\n\f";
   }
   PageContent page;
-  ASSERT_TRUE(ParsePdfText(Output("", text), page));
+  ASSERT_EQ(Reason::kNone, Parse(Output("", text), page));
   EXPECT_EQ(RunsOf(page),
             "page=1:The manual|Chapter one content of b The manual more Page 1 of 6|"
             "page=2:Chapter one|content of c The manual|"
@@ -85,13 +91,24 @@ TEST(PdfPage, LinesAtTheEdgesOfPagesStandOnce) {
             "page=6:Chapter two|content of g The manual");
 }
 
+TEST(PdfPage, EndsWithItsBudget) {
+  for (const char each : {'\f', '\n'}) {
+    std::string text;
+    for (int i = 0; i < 10'000; ++i) text.append({'x', each});
+    const std::string output = Output("", text);
+    PageContent page;
+    ReadingBudget budget = StartReading({.bytes = 100'000, .factor = 1}, 0);
+    EXPECT_EQ(ParsePdfText(output, budget, page), Reason::kMarkupTooLarge);
+  }
+}
+
 TEST(PdfPage, AnotherOutputIsNone) {
   PageContent page;
-  EXPECT_FALSE(ParsePdfText("", page));
-  EXPECT_FALSE(ParsePdfText("text", page));
+  EXPECT_NE(Reason::kNone, Parse("", page));
+  EXPECT_NE(Reason::kNone, Parse("text", page));
   const std::string whole = Output("", "text\f");
-  EXPECT_FALSE(ParsePdfText(whole.substr(0, whole.size() - 1), page));
-  EXPECT_TRUE(ParsePdfText(Output("", ""), page));
+  EXPECT_NE(Reason::kNone, Parse(whole.substr(0, whole.size() - 1), page));
+  EXPECT_EQ(Reason::kNone, Parse(Output("", ""), page));
   EXPECT_TRUE(page.body.empty());
 }
 

@@ -23,7 +23,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     indexer::ParseSubtitlesPage(text, page);
     VELA_CHECK(page.body.size() <= 1);
   } else if (kind == "pdf") {
-    if (!indexer::ParsePdfText(rest, page)) return 0;  // of a program, in whatever bytes
+    indexer::ReadingBudget budget = indexer::StartReading({}, rest.size());
+    // Of a program, in whatever bytes.
+    if (indexer::ParsePdfText(rest, budget, page) != indexer::Reason::kNone) return 0;
   }
   CheckPage(page);
   return 0;
