@@ -1,14 +1,12 @@
 #include "indexer/build_index.h"
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <memory>
 #include <mutex>
 #include <new>
 #include <optional>
-#include <thread>
 
 #include "format/index_directory.h"
 #include "indexer/collect/page_collection.h"
@@ -27,6 +25,7 @@
 #include "indexer/publish/search_template.h"
 #include "indexer/report/index_error.h"
 #include "indexer/report/report_text.h"
+#include "indexer/run_conditions.h"
 #include "indexer/site/address.h"
 #include "indexer/site_language.h"
 #include "indexer/source/source.h"
@@ -56,26 +55,6 @@ namespace {
 constexpr uint64_t kMegabyte = uint64_t{1} << 20;
 // Of blocks that are ready before their turn.
 constexpr size_t kWaitingBytes = 16 * kMegabyte;
-
-void CheckStop(const volatile std::sig_atomic_t& stop) {
-  if (stop != 0) {
-    throw IndexError(ExitStatus::kInterrupted, "Interrupted: the index was not changed.");
-  }
-}
-
-// What a run does while another one is writing the same index.
-PublishSystem WaitingIfWanted(const Options& options, Progress& progress,
-                              const volatile std::sig_atomic_t& stop) {
-  PublishSystem system;
-  if (!options.wait) return system;
-  system.whenBusy = [&progress, &stop, told = false]() mutable {
-    if (!told) progress.Begin("Waiting for another run", 0);
-    told = true;
-    CheckStop(stop);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  };
-  return system;
-}
 
 // A run under way: what the owner wants, and what every step reports to.
 struct Run {
@@ -372,7 +351,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   const std::string givenBase = CheckedBaseUrl(options.baseUrl);
   const IndexCharset charset(options.config.charset);
   const Language language = LoadLanguage(options.language);
-  IndexFolder folder(options.out, WaitingIfWanted(options, progress, stop));
+  IndexFolder folder(options.out, PublishSystemOf(options, progress, stop));
   // Before the template and the program, which may take a while.
   progress.Begin("Looking for pages", 0);
   const OpenedSource opened = OpenSource(options, givenBase, folder.target(), progress, stop);

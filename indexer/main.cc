@@ -8,12 +8,36 @@
 
 #include "indexer/build_index.h"
 #include "indexer/config/options.h"
+#include "indexer/publish/rollback.h"
 #include "indexer/report/index_error.h"
 #include "indexer/report/progress.h"
+#include "indexer/report/summary.h"
+#include "indexer/run_conditions.h"
 
 namespace {
+
+using vela::indexer::Options;
+using vela::indexer::Progress;
+
 volatile std::sig_atomic_t g_stop = 0;
 void OnSignal(int) { g_stop = 1; }
+
+void RollBackIndex(const Options& options, Progress& progress) {
+  const vela::indexer::KnownIndex index = vela::indexer::RollBack(
+      options.out, vela::indexer::PublishSystemOf(options, progress, g_stop));
+  progress.Clear();
+  if (options.quiet) return;
+  fputs(vela::indexer::RollbackText(index.made, index.pages, options.out).c_str(), stdout);
+}
+
+void BuildAndTell(const Options& options, Progress& progress) {
+  const auto begun = std::chrono::steady_clock::now();
+  const vela::indexer::IndexSummary summary = vela::indexer::BuildIndex(options, progress, g_stop);
+  if (options.quiet) return;
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
+  fputs(vela::indexer::SummaryText(summary, options.out, took.count()).c_str(), stdout);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -25,15 +49,10 @@ int main(int argc, char** argv) {
   sigaction(SIGINT, &action, nullptr);
   sigaction(SIGTERM, &action, nullptr);
   sigaction(SIGHUP, &action, nullptr);
-  const auto begun = std::chrono::steady_clock::now();
   try {
-    vela::indexer::Progress progress(!parsed.options.quiet && isatty(STDERR_FILENO) != 0);
-    const vela::indexer::IndexSummary summary =
-        vela::indexer::BuildIndex(parsed.options, progress, g_stop);
-    if (!parsed.options.quiet) {
-      const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-      fputs(vela::indexer::SummaryText(summary, parsed.options.out, took.count()).c_str(), stdout);
-    }
+    Progress progress(!parsed.options.quiet && isatty(STDERR_FILENO) != 0);
+    const auto run = parsed.options.rollback ? &RollBackIndex : &BuildAndTell;
+    run(parsed.options, progress);
     return static_cast<int>(ExitStatus::kSuccess);
   } catch (const vela::indexer::IndexError& error) {
     fprintf(stderr, "vela_index: %s\n", error.what());

@@ -300,6 +300,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "dates", &ReadDates},
     {"index", "file_dates", &ReadFileDates},
     {"index", "stop_when_fewer", &ReadStopWhenFewer},
+    {"index", "keep_last", Flag{&Options::keepLast}},
     {"index", "images", Flag{&SiteConfig::images}},
     {"index", "link_texts", Flag{&SiteConfig::linkTexts}},
 

@@ -91,13 +91,14 @@ void CheckSource(Options& options) {
 
 bool IsNeeded(const OptionRow& row, const Options& options) {
   if (row.needed.empty()) return false;
+  if (options.rollback) return row.name == "--out";
   const bool hasOther = !options.crawl.empty() || !options.sitemaps.empty() ||
                         !options.list.empty() || !options.warc.empty();
   return !(row.name == "--site" && hasOther);
 }
 
 void CheckComplete(CommandLine& line) {
-  CheckSource(line.options);
+  if (!line.options.rollback) CheckSource(line.options);
   for (const OptionRow& row : OptionTable()) {
     if (!IsNeeded(row, line.options)) continue;
     const auto* target = std::get_if<std::string Options::*>(&row.target);

@@ -41,8 +41,10 @@ struct Options {
   uint32_t missingPercentLimit = 100;
   bool acceptFewer = false;  // the limit is not looked at
   bool quiet = false;
-  std::string program;  // the search program, to be put into the index folder; empty: none
-  bool wait = false;    // for another run that is writing the same index
+  std::string program;    // the search program, to be put into the index folder; empty: none
+  bool wait = false;      // for another run that is writing the same index
+  bool keepLast = true;   // the index before stays, for a rollback
+  bool rollback = false;  // nothing is read: the index before takes its place again
   SiteConfig config;
 };
 

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
+#include <utility>
 
 #include "format/index_directory.h"
 #include "indexer/publish/carry_over.h"
@@ -99,7 +101,28 @@ bool ExchangedFolder::CanExchange() const {
   return can;
 }
 
+fs::path ExchangedFolder::LastIndex() const {
+  const std::string former = Hidden(kOld).filename().string();
+  fs::path last;
+  std::pair<std::time_t, long> gaveWay;
+  std::error_code unreadable;
+  for (const fs::directory_entry& entry :
+       fs::directory_iterator(target_.parent_path(), unreadable)) {
+    struct stat info = {};
+    if (!IsFreshName(entry.path().filename().string(), former) ||
+        lstat(entry.path().c_str(), &info) != 0 || !S_ISDIR(info.st_mode) || !WasInPlace(info)) {
+      continue;
+    }
+    const std::pair<std::time_t, long> changed = {info.st_ctim.tv_sec, info.st_ctim.tv_nsec};
+    if (!last.empty() && changed <= gaveWay) continue;
+    last = entry.path();
+    gaveWay = changed;
+  }
+  return last;
+}
+
 void ExchangedFolder::Sweep() const {
+  const fs::path last = system_.keepsLast ? LastIndex() : fs::path();
   const std::string fresh = Hidden(kNew).filename().string();
   const std::string former = Hidden(kOld).filename().string();
   std::vector<fs::path> gone;
@@ -114,7 +137,7 @@ void ExchangedFolder::Sweep() const {
       // Killed between the two renames, it left no index but this one.
       fs::rename(entry.path(), target_);
     } else if (isAside || IsFreshName(name, fresh) ||
-               (IsFreshName(name, former) && IsLongFormer(entry.path()))) {
+               (IsFreshName(name, former) && entry.path() != last && IsLongFormer(entry.path()))) {
       gone.push_back(entry.path());
     }
   }
@@ -154,13 +177,15 @@ void ExchangedFolder::Commit(const std::vector<fs::path>& needed) {
   // be reading what the next run would take for the rest of a killed one.
   std::string name = fresh_.filename().string();
   name = Hidden(kOld).string() + name.substr(name.rfind('-') + 1);
+  MarkNotYetInPlace(fresh_);
   fs::rename(fresh_, name);
   fresh_ = name;
   const int error = system_.exchange(fresh_, target_);
   if (error != 0) FailPublishing("Cannot put the index into " + target_.string(), strerror(error));
-  // Not every file system counts the exchange as a change of the folder.
-  utimensat(AT_FDCWD, fresh_.c_str(), nullptr, 0);
+  MarkChanged(fresh_);
+  MarkChanged(target_);
   fresh_.clear();
+  if (system_.keepsLast) Sweep();  // what was the last index until now
 }
 
 }  // namespace vela::indexer

@@ -3,7 +3,8 @@
 // Everything else lies beside it under hidden names, here for a folder "search":
 //   .search.lock         while a run is at work
 //   .search.new-XXXXXX   what a run is writing; one that nobody holds is of a run that was killed
-//   .search.old-XXXXXX   a former index, which searches that have begun go on reading
+//   .search.old-XXXXXX   a former index, which searches that have begun go on reading; or, with a
+//                        time of 1970, a new one whose run was killed before it was in place
 #pragma once
 
 #include "indexer/publish/index_place.h"
@@ -19,6 +20,7 @@ class ExchangedFolder : public IndexPlace {
                                           const PublishSystem& system);
 
   void Commit(const std::vector<std::filesystem::path>& needed) override;
+  std::filesystem::path LastIndex() const override;
 
  private:
   ExchangedFolder(const std::filesystem::path& target, const PublishSystem& system);

@@ -95,6 +95,7 @@ void Generations::Begin() {
     std::error_code none;
     const fs::path current = fs::read_symlink(target_ / kCurrentGeneration, none);
     if (!current.empty() && fs::is_directory(folder_ / current)) former_ = folder_ / current;
+    present_ = former_;
     // Its settings lie in the index folder itself until then.
     isPlainIndexDone_ = !former_.empty() && IsLongFormer(target_ / kCurrentGeneration, target_);
     Sweep();
@@ -103,10 +104,25 @@ void Generations::Begin() {
   if (error != 0) FailPublishing("Cannot make a folder in " + folder_.string(), strerror(error));
 }
 
+fs::path Generations::LastIndex() const {
+  const uint64_t present = GenerationNumber(present_.filename().string());
+  uint64_t last = 0;
+  for (const std::string& name : NamesIn(folder_)) {
+    const uint64_t number = GenerationNumber(name);
+    struct stat info = {};
+    if (number <= last || number >= present) continue;
+    if (lstat((folder_ / name).c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) continue;
+    if (WasInPlace(info)) last = number;
+  }
+  return last == 0 ? fs::path() : folder_ / std::to_string(last);
+}
+
 void Generations::Sweep() const {
+  const fs::path last = system_.keepsLast ? LastIndex() : fs::path();
   for (const std::string& name : NamesIn(folder_)) {
     const fs::path folder = folder_ / name;
-    if (folder == former_ || !fs::is_directory(fs::symlink_status(folder))) continue;
+    if (folder == present_ || folder == last) continue;
+    if (!fs::is_directory(fs::symlink_status(folder))) continue;
     if (IsFreshName(name, kNew) || (GenerationNumber(name) != 0 && IsLongFormer(folder))) {
       RemoveFolder(folder);
     }
@@ -126,6 +142,7 @@ fs::path Generations::MakeGeneration(const fs::path& folder) const {
   uint64_t last = 0;
   for (const std::string& name : NamesIn(folder_)) last = std::max(last, GenerationNumber(name));
   TakeOwnerAndMode(target_, folder);
+  MarkNotYetInPlace(folder);
   fs::path generation = folder_ / std::to_string(last + 1);
   fs::rename(folder, generation);
   return generation;
@@ -133,8 +150,10 @@ fs::path Generations::MakeGeneration(const fs::path& folder) const {
 
 void Generations::SwitchTo(const fs::path& generation) {
   // From now on it counts as former.
-  if (!former_.empty()) utimensat(AT_FDCWD, former_.c_str(), nullptr, 0);
+  if (!former_.empty()) MarkChanged(former_);
   PlaceLink(generation.filename(), target_ / kCurrentGeneration);
+  MarkChanged(generation);
+  present_ = generation;
 }
 
 // Whether the entry of the index folder is of an index there, or in the way of the new one.
@@ -222,6 +241,7 @@ void Generations::Commit(const std::vector<fs::path>& needed) {
   ShowFiles(generation);
   SwitchTo(generation);
   HideFiles(generation);
+  if (system_.keepsLast) Sweep();  // what was the last index until now
 }
 
 }  // namespace vela::indexer

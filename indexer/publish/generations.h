@@ -4,7 +4,8 @@
 //   .generations/lock          while a run is at work
 //   .generations/new-XXXXXX/   what a run is writing; one that nobody holds is of a killed run
 //   .generations/7/            a former index, which searches that have begun go on reading
-//   .generations/8/            the present one
+//   .generations/8/            the present one; one with a time of 1970 was not put into place,
+//                              as its run was killed before
 //   .generations/current       a link to "8", by which search.cgi finds it; replaced in one step
 //   vela_search.css            a link to .generations/current/vela_search.css, and so every file of
 //                              the index, so that web servers find it where it always was
@@ -27,6 +28,7 @@ class Generations : public IndexPlace {
   ~Generations() override;
 
   void Commit(const std::vector<std::filesystem::path>& needed) override;
+  std::filesystem::path LastIndex() const override;
 
  private:
   Generations(const std::filesystem::path& target, const PublishSystem& system);
@@ -44,6 +46,7 @@ class Generations : public IndexPlace {
 
   std::filesystem::path folder_;   // .generations
   std::filesystem::path former_;   // the present generation before Commit; empty for none
+  std::filesystem::path present_;  // that one, and the new one after Commit
   bool isPlainIndexDone_ = false;  // no search reads the files of a former plain index any more
 };
 

@@ -30,6 +30,8 @@ class IndexFolder {
   const std::filesystem::path& fresh() const { return place_->fresh(); }
   // Where the index will be; absolute, links resolved.
   const std::filesystem::path& target() const { return target_; }
+  // The index before the one that is there; see IndexPlace.
+  std::filesystem::path LastIndex() const { return place_->LastIndex(); }
   // Whether the old folder has a file of that name.
   bool OldHas(const std::string& name) const;
   // Asks for a folder of that path in the index; what the old one has of it comes along.

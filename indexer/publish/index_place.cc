@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::time_t kNotYetInPlace = 0;
 constexpr std::string_view kPattern = "XXXXXX";
 
 int ExchangeFolders(const fs::path& one, const fs::path& other) {
@@ -61,6 +62,16 @@ bool IndexPlace::IsLongFormer(const fs::path& folder, const fs::path& index) con
   // The time of the last change to the folder itself, which nobody can set back.
   return info.st_ctim.tv_sec + SecondsToKeep(index) <= system_.now();
 }
+
+void MarkNotYetInPlace(const fs::path& folder) {
+  const struct timespec times[2] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
+                                    {.tv_sec = kNotYetInPlace, .tv_nsec = 0}};
+  utimensat(AT_FDCWD, folder.c_str(), times, 0);
+}
+
+bool WasInPlace(const struct stat& folder) { return folder.st_mtim.tv_sec != kNotYetInPlace; }
+
+void MarkChanged(const fs::path& folder) { utimensat(AT_FDCWD, folder.c_str(), nullptr, 0); }
 
 int MakeFreshFolder(const fs::path& prefix, fs::path& made) {
   std::string name = prefix.string() + std::string(kPattern);

@@ -3,9 +3,11 @@
 // A search opens the files of its index one after the other, through one handle of the folder that
 // it takes at its start. So a new index is made whole in a folder of its own, is put into place in
 // one step, and the former one stays, all of it, as long as a search may go on reading it
-// (former_settings.h); the first run after that time removes it.
+// (former_settings.h); the first run after that time removes it. Where it is to be had back
+// (rollback.h), it stays until the next index takes its place.
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <ctime>
@@ -30,6 +32,8 @@ struct PublishSystem {
   // Called again and again while another run holds the index; waits a moment, or throws to give up.
   // Without it a run ends at once with ExitStatus::kBusy.
   std::function<void()> whenBusy;
+  // The index before the present one stays, for RollBack.
+  bool keepsLast = false;
 
   PublishSystem();
 };
@@ -48,6 +52,9 @@ class IndexPlace {
   // Brings what the old index has besides its own files along, makes the folders of `needed`, which
   // are relative, and puts the new folder into place.
   virtual void Commit(const std::vector<std::filesystem::path>& needed) = 0;
+  // The folder of the index that was in place before the present one; empty when it is gone. When
+  // that folder was changed last it gave way.
+  virtual std::filesystem::path LastIndex() const = 0;
 
  protected:
   IndexPlace(std::filesystem::path target, const PublishSystem& system)
@@ -67,6 +74,13 @@ class IndexPlace {
   PublishSystem system_;
   RunLock lock_;
 };
+
+// A new index has a time of 1970 from when it gets the name of an index to when it is in place: one
+// that a killed run leaves is told from a former index by it.
+void MarkNotYetInPlace(const std::filesystem::path& folder);
+bool WasInPlace(const struct stat& folder);
+// Gives the folder the present time; not every file system counts an exchange as a change of it.
+void MarkChanged(const std::filesystem::path& folder);
 
 // Makes a new, empty folder, PREFIX with six characters added, and sets `made` to its path. 0, or
 // the error number.

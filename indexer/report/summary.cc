@@ -99,4 +99,14 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
   return text;
 }
 
+std::string RollbackText(std::time_t made, int32_t pages, const std::string& folder) {
+  char time[40] = "";
+  struct tm parts = {};
+  if (localtime_r(&made, &parts) != nullptr) strftime(time, sizeof time, "%F %H:%M", &parts);
+  const auto count = static_cast<uint64_t>(std::max(pages, 0));
+  return "The index of " + std::string(time) + " with " + CountText(count) +
+         (count == 1 ? " page" : " pages") + " is in place again in " + folder +
+         ".\nThe one that it replaces is kept: --rollback once more undoes this.\n";
+}
+
 }  // namespace vela::indexer

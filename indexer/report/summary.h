@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -27,5 +28,8 @@ struct IndexSummary {
 
 // The lines for a person at the end of a run that took `seconds` and wrote to `folder`.
 std::string SummaryText(const IndexSummary& summary, const std::string& folder, double seconds);
+
+// The line for a person when the index of that time, seconds since 1970, is in place again.
+std::string RollbackText(std::time_t made, int32_t pages, const std::string& folder);
 
 }  // namespace vela::indexer
