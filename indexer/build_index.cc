@@ -15,8 +15,10 @@
 #include "indexer/config/extensions.h"
 #include "indexer/config/language_file.h"
 #include "indexer/extract/read_page.h"
+#include "indexer/link_check.h"
 #include "indexer/open_source.h"
 #include "indexer/page_workers.h"
+#include "indexer/publish/compare_indexes.h"
 #include "indexer/publish/former_settings.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/publish/open_search.h"
@@ -26,6 +28,7 @@
 #include "indexer/report/index_error.h"
 #include "indexer/report/report_text.h"
 #include "indexer/run_conditions.h"
+#include "indexer/run_report.h"
 #include "indexer/site/address.h"
 #include "indexer/site_language.h"
 #include "indexer/source/source.h"
@@ -64,6 +67,7 @@ struct Run {
   const IndexFolder& folder;
   Progress& progress;
   const volatile std::sig_atomic_t& stop;
+  RunReport& report;
   IndexSummary summary;
 };
 
@@ -82,6 +86,7 @@ struct SitePages {
   PageCollection collection;
   PageTextWriter text;
   PageTableWriter table;
+  PageEntry entry;  // of the page that joined last
 };
 
 // How the pages of the site are read, by all threads alike.
@@ -91,6 +96,7 @@ struct PageReading {
   ReadingLimits limits;
   BlockInput blocks;
   std::mutex largePages;  // held by the thread that is busy with one
+  LinkCheck* links = nullptr;  // not owned; null: links are not checked
 };
 
 // What a page takes while it is read is many times its size. Of those above so many bytes threads
@@ -106,6 +112,7 @@ Reason MakeItemBlock(PageReading& reading, const SourceItem& item, BlockMaker& m
   if (reason != Reason::kNone) return reason;
   std::unique_lock large(reading.largePages, std::defer_lock);
   if (file.bytes.size() > kLargePageBytes) large.lock();
+  if (reading.links != nullptr) reading.links->AddPage(item, file);
   Page page;
   reason = ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
   return reason != Reason::kNone ? reason : maker.Make(page, block);
@@ -116,10 +123,9 @@ Reason MakeItemBlock(PageReading& reading, const SourceItem& item, BlockMaker& m
 // Takes the block of one item of the site in. kNone, or why it is left out. Where there is no
 // memory for its words, half of them may be in the index: the run cannot go on.
 Reason TakeBlock(const PageBlock& block, SitePages& pages, LeftOut& remarks) try {
-  PageEntry entry;
-  const Reason reason = AddPage(block, pages.collection, entry);
+  const Reason reason = AddPage(block, pages.collection, pages.entry);
   if (reason != Reason::kNone) return reason;
-  pages.table.AddPage(entry);
+  pages.table.AddPage(pages.entry);
   if (!block.markupFault.empty()) {
     AddLeftOut(remarks, Reason::kNotWellFormed, block.facts.path, {}, block.markupFault);
   }
@@ -130,8 +136,20 @@ Reason TakeBlock(const PageBlock& block, SitePages& pages, LeftOut& remarks) try
                                             "leave that page out (--exclude).");
 }
 
+// Says what became of an item of the site.
+void Report(const SourceItem& item, Reason reason, Run& run, SitePages& pages) {
+  if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
+  if (!run.report.isWanted()) return;
+  const PageCollection& collection = pages.collection;
+  if (reason == Reason::kNone) {
+    run.report.AddPage(item, pages.entry, collection.pages.size() - 1);
+  } else {
+    run.report.AddLeftOut(item, reason, OriginalOf(item, reason, collection, pages.table));
+  }
+}
+
 void WriteReport(const Run& run) {
-  if (run.options.report.empty()) return;
+  if (run.options.report.empty() || WantsJsonReport(run.options)) return;
   OutFile file(run.options.report);
   file.Write(RepairedUtf8(ReportText(run.summary)));
   file.Finish();
@@ -154,6 +172,12 @@ void CheckMissingPages(const Run& run, uint64_t pages) {
                        "that " +
                        (options.site.empty() ? "the site" : options.site) +
                        " is whole, or run once with --accept-fewer.");
+}
+
+void CheckBrokenLinks(const Run& run) {
+  if (run.options.checkLinks != "fail" || run.summary.links.found.empty()) return;
+  throw IndexError(ExitStatus::kBrokenLinks, LinksText(run.summary.links) +
+                                                 "The index was not changed (--check-links=fail).");
 }
 
 [[noreturn]] void RefuseEmptySite(const std::string& sought, const LeftOut& leftOut) {
@@ -187,6 +211,11 @@ unsigned Jobs(const Options& options) {
 void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
   const std::vector<SourceItem>& items = listing.items;
+  run.report.AddListing(listing);
+  std::optional<LinkCheck> links;
+  if (!run.options.checkLinks.empty()) {
+    links.emplace(LinkedSite{.base = run.base, .folder = run.options.site}, listing);
+  }
   run.summary.files = std::move(listing.leftOut);
   run.summary.otherKinds = std::move(listing.otherKinds);
   std::ranges::move(listing.unused, std::back_inserter(run.summary.warnings));
@@ -198,7 +227,8 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
       .wishes = {.images = config.images, .dates = config.dates, .documents = &documents},
       .limits = {.stop = &run.stop},
       .blocks = {.base = run.base, .config = config, .charset = run.charset, .stop = &run.stop},
-      .largePages = {}};
+      .largePages = {},
+      .links = links.has_value() ? &*links : nullptr};
   const auto newMaker = [&]() -> MakeBlock {
     const auto maker = std::make_shared<BlockMaker>(reading.blocks);
     return [&reading, &items, maker](size_t item, PageBlock& block) {
@@ -208,7 +238,7 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   const auto use = [&](size_t item, Reason reason, const PageBlock& block) {
     if (reason == Reason::kNone) reason = TakeBlock(block, pages, run.summary.remarks);
     CheckStop(run.stop);  // perhaps in the middle of the page
-    if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, items[item].path);
+    Report(items[item], reason, run, pages);
     run.progress.Step(item + 1);
   };
   ForEachBlock({.items = items.size(), .jobs = Jobs(run.options), .waitingBytes = kWaitingBytes},
@@ -217,6 +247,7 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
     WriteReport(run);
     RefuseEmptySite(listing.sought, run.summary.files);
   }
+  if (links.has_value()) run.summary.links = links->Finish(pages.collection.addresses);
   pages.collection.tokens = {};
 }
 
@@ -343,10 +374,8 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   return bytes;
 }
 
-}  // namespace
-
-IndexSummary BuildIndex(const Options& given, Progress& progress,
-                        const volatile std::sig_atomic_t& stop) {
+IndexSummary Build(const Options& given, Progress& progress, const volatile std::sig_atomic_t& stop,
+                   RunReport& report) {
   Options options = given;
   const std::string givenBase = CheckedBaseUrl(options.baseUrl);
   const IndexCharset charset(options.config.charset);
@@ -365,6 +394,7 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
              .folder = folder,
              .progress = progress,
              .stop = stop,
+             .report = report,
              .summary = {}};
   IndexSummary& summary = run.summary;
   const Finding templateFault = WriteTemplate(options, language.templateWords, charset, folder);
@@ -408,10 +438,33 @@ IndexSummary BuildIndex(const Options& given, Progress& progress,
   // Before the index changes, so that a run that cannot write it leaves all as it was.
   WriteReport(run);
   CheckMissingPages(run, summary.pages);
+  CheckBrokenLinks(run);
   CheckStop(stop);
-  folder.Commit();
+  if (options.dryRun || report.isWanted()) {
+    progress.Begin("Comparing with the index before", 0);
+    summary.changes = CompareIndexes(folder.target(), folder.fresh());
+  }
+  summary.isDryRun = options.dryRun;
+  report.Finish(summary);
+  if (!options.dryRun) folder.Commit();
   progress.Clear();
   return summary;
+}
+
+}  // namespace
+
+IndexSummary BuildIndex(const Options& options, Progress& progress,
+                        const volatile std::sig_atomic_t& stop) {
+  RunReport report(options, progress);
+  try {
+    return Build(options, progress, stop, report);
+  } catch (const IndexError& error) {
+    report.Fail(error.status, error.what());
+    throw;
+  } catch (const std::exception& error) {
+    report.Fail(ExitStatus::kFailed, error.what());
+    throw;
+  }
 }
 
 }  // namespace vela::indexer

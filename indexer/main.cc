@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <string>
 
 #include "indexer/build_index.h"
 #include "indexer/config/options.h"
@@ -12,6 +13,7 @@
 #include "indexer/report/index_error.h"
 #include "indexer/report/progress.h"
 #include "indexer/report/summary.h"
+#include "indexer/report/terminal.h"
 #include "indexer/run_conditions.h"
 
 namespace {
@@ -35,7 +37,9 @@ void BuildAndTell(const Options& options, Progress& progress) {
   const vela::indexer::IndexSummary summary = vela::indexer::BuildIndex(options, progress, g_stop);
   if (options.quiet) return;
   const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begun;
-  fputs(vela::indexer::SummaryText(summary, options.out, took.count()).c_str(), stdout);
+  const std::string text = vela::indexer::SummaryText(summary, options.out, took.count());
+  const bool colors = vela::indexer::ShowsColors(STDOUT_FILENO);
+  fputs((colors ? vela::indexer::Colored(text) : text).c_str(), stdout);
 }
 
 }  // namespace

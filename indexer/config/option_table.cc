@@ -123,9 +123,27 @@ const OptionRow kOptions[] = {
      .target = &Options::acceptFewer},
     {.name = "--report",
      .value = "FILE",
-     .help = "Write all that was left out, and why, to a file of JSON lines",
+     .help =
+         "Write all that was left out, and why, to a file of JSON lines; or, when its name ends "
+         "in .json, what became of every page to one JSON document",
      .target = &Options::report,
      .offer = {.files = true}},
+    {.name = "--report-format",
+     .value = "FORMAT",
+     .help = "Form of the report, whatever the name of its file: lines or json",
+     .target = &Options::reportFormat,
+     .offer = {.names = &ReportFormats}},
+    {.name = "--check-links",
+     .value = "[MODE]",
+     .help =
+         "Say which links between pages of the site lead nowhere; with =fail the index stays as "
+         "it was when there are some",
+     .target = &Options::checkLinks,
+     .offer = {.names = &LinkCheckModes}},
+    {.name = "--dry-run",
+     .value = "",
+     .help = "Do all but replace the index, and say what would change",
+     .target = &Options::dryRun},
     {.name = "--quiet",
      .value = "",
      .help = "No progress and no summary",

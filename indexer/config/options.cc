@@ -1,6 +1,7 @@
 #include "indexer/config/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 
 #include "indexer/config/completion.h"
@@ -12,6 +13,11 @@
 namespace vela::indexer {
 
 namespace {
+
+constexpr std::string_view kLines = "lines";
+constexpr std::string_view kJson = "json";
+constexpr std::string_view kTellLinks = "tell";
+constexpr std::string_view kFailByLinks = "fail";
 
 template <typename Value>
 Value& PlaceOf(CommandLine& line, Value Options::*field) {
@@ -89,6 +95,27 @@ void CheckSource(Options& options) {
   options.baseUrl = LowerAsciiCopy(first.substr(0, first.find_first_of("/?#", host + 3)));
 }
 
+void CheckReport(const Options& options) {
+  if (options.reportFormat.empty()) return;
+  const std::vector<std::string_view> formats = ReportFormats();
+  if (std::ranges::find(formats, options.reportFormat) == formats.end()) {
+    throw IndexError(ExitStatus::kUsage, "Give --report-format lines or json.");
+  }
+  if (options.report.empty()) {
+    throw IndexError(ExitStatus::kUsage, "Give the file of the report, too: --report FILE.");
+  }
+}
+
+void CheckLinkMode(const Options& options) {
+  const std::vector<std::string_view> modes = LinkCheckModes();
+  if (options.checkLinks.empty() || std::ranges::find(modes, options.checkLinks) != modes.end()) {
+    return;
+  }
+  throw IndexError(ExitStatus::kUsage,
+                   "Give --check-links, --check-links=tell or "
+                   "--check-links=fail.");
+}
+
 bool IsNeeded(const OptionRow& row, const Options& options) {
   if (row.needed.empty()) return false;
   if (options.rollback) return row.name == "--out";
@@ -99,6 +126,8 @@ bool IsNeeded(const OptionRow& row, const Options& options) {
 
 void CheckComplete(CommandLine& line) {
   if (!line.options.rollback) CheckSource(line.options);
+  CheckReport(line.options);
+  CheckLinkMode(line.options);
   for (const OptionRow& row : OptionTable()) {
     if (!IsNeeded(row, line.options)) continue;
     const auto* target = std::get_if<std::string Options::*>(&row.target);
@@ -148,23 +177,37 @@ bool ReadArguments(CLI::App& app, int argc, const char* const* argv, CommandLine
     ReadConfigFile(line.configFile, line.options);
     app.parse(argc, argv);  // what is given here wins over the file
   }
+  if (app.count("--check-links") != 0 && line.options.checkLinks.empty()) {
+    line.options.checkLinks = kTellLinks;
+  }
   CheckComplete(line);
   return true;
 }
 
 }  // namespace
 
+std::vector<std::string_view> ReportFormats() { return {kLines, kJson}; }
+
+std::vector<std::string_view> LinkCheckModes() { return {kTellLinks, kFailByLinks}; }
+
+bool WantsJsonReport(const Options& options) {
+  if (options.report.empty()) return false;
+  if (!options.reportFormat.empty()) return options.reportFormat == kJson;
+  return options.report.ends_with(".json");
+}
+
 ParsedOptions ParseOptions(int argc, const char* const* argv) {
   ParsedOptions parsed;
   CommandLine line;
   CLI::App app("Indexes the pages of a web site for Vela Search.", "vela_index");
   for (const OptionRow& row : OptionTable()) AddOption(app, row, line);
-  app.footer(NeededNames() +
-             " must be given here or in the configuration file;\n"
-             "--crawl, --sitemap, --list or --warc stands in the place of --site.\n"
-             "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
-             "configuration, 3 no page found, 4 interrupted, 5 another run at work, 6 too many\n"
-             "pages missing. Unless it is 0, an index in INDEXDIR stays as it was.");
+  app.footer(
+      NeededNames() +
+      " must be given here or in the configuration file;\n"
+      "--crawl, --sitemap, --list or --warc stands in the place of --site.\n"
+      "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
+      "configuration, 3 no page found, 4 interrupted, 5 another run at work, 6 too many\n"
+      "pages missing, 7 broken links. Unless it is 0, an index in INDEXDIR stays as it was.");
   app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
     return "vela_index: " + CLI::FailureMessage::simple(failed, error);
   });

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "indexer/config/crawl_rules.h"
@@ -33,20 +34,31 @@ struct Options {
   std::vector<std::string> exclude;
   uint64_t memoryMegabytes = 256;
   uint64_t maxFileMegabytes = 20;
-  uint64_t jobs = 0;   // threads that read pages; 0: one for each processor
-  std::string report;  // a file to write (report_text.h); empty: none
+  uint64_t jobs = 0;         // threads that read pages; 0: one for each processor
+  std::string report;        // a file to write; empty: none
+  std::string reportFormat;  // one of ReportFormats; empty: as the name of the file ends
   bool followLinks = false;
   // Of the pages of the index that is there, how many in a hundred may be missing from the new one;
   // more end the run. 100: all.
   uint32_t missingPercentLimit = 100;
   bool acceptFewer = false;  // the limit is not looked at
   bool quiet = false;
-  std::string program;    // the search program, to be put into the index folder; empty: none
-  bool wait = false;      // for another run that is writing the same index
-  bool keepLast = true;   // the index before stays, for a rollback
-  bool rollback = false;  // nothing is read: the index before takes its place again
+  std::string program;     // the search program, to be put into the index folder; empty: none
+  bool wait = false;       // for another run that is writing the same index
+  bool keepLast = true;    // the index before stays, for a rollback
+  std::string checkLinks;  // one of LinkCheckModes; empty: links are not looked at
+  bool dryRun = false;     // all is done but to put the index into place
+  bool rollback = false;   // nothing is read: the index before takes its place again
   SiteConfig config;
 };
+
+// The forms of a report: JSON lines of what was left out (report_text.h), or all in one JSON
+// document (run_report.h).
+std::vector<std::string_view> ReportFormats();
+bool WantsJsonReport(const Options& options);
+
+// What becomes of links that lead nowhere: they are told, or end the run with kBrokenLinks.
+std::vector<std::string_view> LinkCheckModes();
 
 // Reads the arguments, and the configuration file that they name. An exit status instead of options
 // means that all is said and done: help, version, --init and --completion on standard output (0), a

@@ -15,6 +15,7 @@ enum class ExitStatus {
   kInterrupted = 4,  // stopped by a signal; the old index is untouched
   kBusy = 5,         // another run is writing this index
   kShrunk = 6,       // too few pages (stop_when_fewer); the old index is untouched
+  kBrokenLinks = 7,  // links lead nowhere (--check-links=fail); the old index is untouched
 };
 
 // Thrown by every stage that cannot go on; the message says what to do about it.

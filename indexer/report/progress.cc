@@ -1,7 +1,12 @@
 #include "indexer/report/progress.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+
+#include "indexer/report/terminal.h"
 
 namespace vela::indexer {
 
@@ -11,6 +16,7 @@ constexpr std::chrono::milliseconds kInterval(200);
 
 void Progress::Begin(const std::string& stage, uint64_t total) {
   Clear();
+  done_ = stages();
   stage_ = stage;
   total_ = total;
   begun_ = Clock::now();
@@ -29,7 +35,7 @@ void Progress::Step(uint64_t done) {
   if (done != 0 && seconds > 0.5) {
     const double rate = static_cast<double>(done) / seconds;
     char text[80];
-    snprintf(text, sizeof text, ", %.0f a second", rate);
+    snprintf(text, sizeof text, rate < 10 ? ", %.1f a second" : ", %.0f a second", rate);
     line += text;
     if (total_ > done) {
       const auto left =
@@ -44,6 +50,9 @@ void Progress::Step(uint64_t done) {
       line += text;
     }
   }
+  // A line that the terminal breaks could not be rewritten.
+  const size_t width = TerminalWidth(STDERR_FILENO);
+  if (width != 0 && line.size() >= width) line.resize(width - 1);
   fprintf(stderr, "\r\033[K%s", line.c_str());
   fflush(stderr);
   onLine_ = true;
@@ -60,6 +69,20 @@ void Progress::Clear() {
     fflush(stderr);
   }
   onLine_ = false;
+}
+
+std::vector<std::pair<std::string, double>> Progress::stages() const {
+  std::vector<std::pair<std::string, double>> stages = done_;
+  if (stage_.empty()) return stages;
+  const double seconds = std::chrono::duration<double>(Clock::now() - begun_).count();
+  // A stage that goes on after another one is one stage.
+  const auto same = std::ranges::find(stages, stage_, &std::pair<std::string, double>::first);
+  if (same != stages.end()) {
+    same->second += seconds;
+  } else {
+    stages.emplace_back(stage_, seconds);
+  }
+  return stages;
 }
 
 std::string BytesText(uint64_t bytes) {

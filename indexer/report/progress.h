@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace vela::indexer {
 
@@ -23,6 +25,9 @@ class Progress {
   void Step(uint64_t done, uint64_t total);
   void Clear();
 
+  // The stages so far and the seconds that each took, the present one included.
+  std::vector<std::pair<std::string, double>> stages() const;
+
  private:
   using Clock = std::chrono::steady_clock;
 
@@ -32,6 +37,7 @@ class Progress {
   uint64_t total_ = 0;
   Clock::time_point begun_;
   Clock::time_point shownAt_;
+  std::vector<std::pair<std::string, double>> done_;
 };
 
 // "1.2 MB" and the like.

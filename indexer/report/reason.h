@@ -65,6 +65,10 @@ enum class Reason : uint8_t {
   // A page that is indexed all the same; the value is where and why.
   kNotWellFormed,
 
+  // A link of a page; the value is where it leads to.
+  kBrokenLink,
+  kNoPlace,
+
   // The value of a meta field; `where` is the field.
   kNotInList,
   kNoAmount,

@@ -1,34 +1,10 @@
 #include "indexer/report/report_text.h"
 
-#include <cstdio>
-#include <string_view>
-
-#include "text/ascii.h"
+#include "indexer/report/json_text.h"
 
 namespace vela::indexer {
 
 namespace {
-
-void AppendText(std::string_view text, std::string& out) {
-  out += '"';
-  for (const char c : text) {
-    if (IsControl(c)) {
-      char escaped[8];
-      snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-      out += escaped;
-      continue;
-    }
-    if (c == '"' || c == '\\') out += '\\';
-    out += c;
-  }
-  out += '"';
-}
-
-void AppendMember(std::string_view name, std::string_view text, std::string& out) {
-  out += out.ends_with('{') ? "\"" : ",\"";
-  out.append(name).append("\":");
-  AppendText(text, out);
-}
 
 void AppendEntries(const LeftOut& leftOut, std::string& out) {
   for (const LeftOut::Entry& entry : leftOut.entries) {
@@ -57,6 +33,16 @@ std::string ReportText(const IndexSummary& summary) {
     AppendMember("remark", ReasonCode(entry.reason), out);
     AppendMember("subject", entry.value, out);
     AppendMember("text", ReasonText(entry.reason), out);
+    out += "}\n";
+  }
+  for (const BrokenLink& link : summary.links.found) {
+    const Reason reason = link.noPlace ? Reason::kNoPlace : Reason::kBrokenLink;
+    out += '{';
+    AppendMember("path", link.path, out);
+    AppendMember("remark", ReasonCode(reason), out);
+    AppendMember("subject", link.address, out);
+    AppendMember("link", link.text, out);
+    AppendMember("text", ReasonText(reason), out);
     out += "}\n";
   }
   for (const Finding& warning : summary.warnings) {

@@ -8,6 +8,8 @@
 //                                                                a value that its field cannot take
 //   {"path":"a.xhtml","remark":"not_well_formed","subject":"line 3: mismatched tag","text":...}
 //                                                                a page, in the index all the same
+//   {"path":"a.html","remark":"broken_link","subject":"https://x.example/b.html","link":"next",...}
+//                                                                a link that leads nowhere
 //   {"remark":"unused_boost","where":"x.toml, line 4","subject":"","text":...}
 //                                                                a rule that had no use
 //

@@ -62,7 +62,50 @@ std::string KindsText(const LeftOut& otherKinds) {
   return others == 0 ? text : text + ", " + CountText(others) + " of other kinds";
 }
 
+// "3 new pages: a, b, c"
+void AddChanged(const ChangedPages& pages, const char* one, const char* more, std::string& text) {
+  if (pages.count == 0) return;
+  text += "  " + CountText(pages.count) + (pages.count == 1 ? one : more);
+  for (size_t i = 0; i < pages.examples.size(); ++i) {
+    text += (i == 0 ? ": " : ", ") + Shown(pages.examples[i]);
+  }
+  text += pages.count > pages.examples.size() ? ", ...\n" : "\n";
+}
+
+void AddChanges(const IndexChanges& changes, std::string& text) {
+  if (!changes.hasFormer) {
+    text += "There is no index to compare with.\n";
+    return;
+  }
+  if (changes.added.count + changes.gone.count + changes.changed.count == 0) {
+    text += "The pages are those of the index that is there, and none has changed.\n";
+    return;
+  }
+  text += "Compared with the index that is there:\n";
+  AddChanged(changes.added, " new page", " new pages", text);
+  AddChanged(changes.gone, " page gone", " pages gone", text);
+  AddChanged(changes.changed, " page changed", " pages changed", text);
+}
+
 }  // namespace
+
+std::string LinksText(const BrokenLinks& links) {
+  constexpr size_t kLinkLimit = 10;
+  if (!links.wereSought) return {};
+  const size_t broken = links.found.size();
+  std::string text =
+      "Of " + CountText(links.checked) + " links between pages " +
+      (broken == 0 ? "none leads" : CountText(broken) + (broken == 1 ? " leads" : " lead")) +
+      (broken == 0 ? " nowhere.\n" : " nowhere:\n");
+  for (size_t i = 0; i < broken && i < kLinkLimit; ++i) {
+    const BrokenLink& link = links.found[i];
+    text += "  " + ShownPath(link.path) + " -> " + Shown(link.address);
+    if (!link.text.empty()) text += " (" + Shown(link.text) + ")";
+    text += link.noPlace ? ", no such place\n" : "\n";
+  }
+  if (broken > kLinkLimit) text += "  ...\n";
+  return text;
+}
 
 std::string SummaryText(const IndexSummary& summary, const std::string& folder, double seconds) {
   char time[40];
@@ -70,8 +113,13 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
   std::string text = "Indexed " + CountText(summary.pages) +
                      (summary.pages == 1 ? " page" : " pages") + " with " +
                      CountText(summary.words) + " different words in " + time + ".\n";
-  text += "Read " + BytesText(summary.sourceBytes) + ", wrote " + BytesText(summary.indexBytes) +
-          " to " + folder + ".\n";
+  text += "Read " + BytesText(summary.sourceBytes) + ", wrote " + BytesText(summary.indexBytes);
+  if (summary.isDryRun) {
+    text += " and removed it again: " + folder + " was not changed (--dry-run).\n";
+    AddChanges(summary.changes, text);
+  } else {
+    text += " to " + folder + ".\n";
+  }
   if (!summary.stemming.empty()) text += "Stemming: " + summary.stemming + ".\n";
   if (summary.runs != 0) {
     text += "The memory for words was full " + CountText(summary.runs) +
@@ -93,6 +141,7 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
     text += "Pages that browsers may show in another way:\n";
     AddGroups(summary.remarks, text);
   }
+  text += LinksText(summary.links);
   for (const Finding& warning : summary.warnings) {
     text += "Warning: " + Shown(FindingText(warning)) + ".\n";
   }

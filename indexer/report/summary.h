@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "indexer/report/broken_link.h"
+#include "indexer/report/index_changes.h"
 #include "indexer/report/left_out.h"
 #include "indexer/report/reason.h"
 
@@ -20,14 +22,20 @@ struct IndexSummary {
   std::string stemming;      // what was chosen for the site; empty: nothing had to be
   uint64_t runs = 0;         // how often the memory for words was full
   LeftOut files;
-  LeftOut otherKinds;             // files of kinds that are not read, by ending
-  LeftOut metaValues;             // of meta fields
-  LeftOut remarks;                // on pages that are in the index
+  LeftOut otherKinds;  // files of kinds that are not read, by ending
+  LeftOut metaValues;  // of meta fields
+  LeftOut remarks;     // on pages that are in the index
+  BrokenLinks links;
+  IndexChanges changes;           // of a dry run, and where the report tells them
+  bool isDryRun = false;          // nothing was put into place
   std::vector<Finding> warnings;  // what of the configuration had no use
 };
 
 // The lines for a person at the end of a run that took `seconds` and wrote to `folder`.
 std::string SummaryText(const IndexSummary& summary, const std::string& folder, double seconds);
+
+// The links that lead nowhere, for a person: the first of them. Empty when none were sought.
+std::string LinksText(const BrokenLinks& links);
 
 // The line for a person when the index of that time, seconds since 1970, is in place again.
 std::string RollbackText(std::time_t made, int32_t pages, const std::string& folder);

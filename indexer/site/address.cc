@@ -209,6 +209,15 @@ std::string StoredAddress(std::string_view address) {
   return out;
 }
 
+std::string PlainAddress(std::string_view stored) {
+  constexpr std::string_view kAnd = "&amp;";
+  std::string address(stored);
+  for (size_t at = address.find(kAnd); at != address.npos; at = address.find(kAnd, at + 1)) {
+    address.replace(at, kAnd.size(), "&");
+  }
+  return address;
+}
+
 std::string FolderOfIndexPage(const std::string& address) {
   const size_t name = address.rfind('/') + 1;
   const bool isIndexPage = std::string_view(address).substr(name).starts_with("index.");

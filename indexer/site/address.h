@@ -33,6 +33,9 @@ std::string InSpellingOf(std::string_view base, std::string_view address);
 // attribute or a line.
 std::string StoredAddress(std::string_view address);
 
+// The address that StoredAddress was made of.
+std::string PlainAddress(std::string_view stored);
+
 // The folder that a page named "index." stands for, whose address servers answer with it; empty for
 // another page.
 std::string FolderOfIndexPage(const std::string& address);

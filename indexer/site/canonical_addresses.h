@@ -35,6 +35,12 @@ class CanonicalAddresses {
   [[nodiscard]] Reason Choose(const std::string& own, const std::string& canonical,
                               std::string& address);
 
+  // The address for which the page at `address` was left out as a copy; empty for another page.
+  std::string OriginalOf(const std::string& address) const {
+    const auto copy = copies_.find(address);
+    return copy == copies_.end() ? std::string() : copy->second;
+  }
+
   // Notes that `page`, a number in the index, stands for that address: it is its own, or that of a
   // page which says the same.
   void Note(const std::string& address, uint32_t page);
