@@ -95,7 +95,7 @@ struct PageReading {
   PageWishes wishes;
   ReadingLimits limits;
   BlockInput blocks;
-  std::mutex largePages;  // held by the thread that is busy with one
+  std::mutex largePages;       // held by the thread that is busy with one
   LinkCheck* links = nullptr;  // not owned; null: links are not checked
 };
 

@@ -53,7 +53,7 @@ class RunReport {
   std::time_t started_ = 0;
   bool isDryRun_ = false;
   bool hasTitles_ = false;  // in UTF-8
-  bool isFirst_ = true;  // of the list that is being written
+  bool isFirst_ = true;     // of the list that is being written
   std::unique_ptr<OutFile> file_;
 };
 
