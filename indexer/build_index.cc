@@ -7,6 +7,7 @@
 #include <mutex>
 #include <new>
 #include <optional>
+#include <thread>
 
 #include "format/index_directory.h"
 #include "indexer/collect/page_collection.h"
