@@ -125,7 +125,8 @@ std::string FishScript() {
     if (row.offer.files) text += " -F";
     std::vector<std::string_view> offered = NamesOf(row);
     if (row.offer.folders) offered.emplace_back("(__fish_complete_directories)");
-    if (!offered.empty()) text += " -a " + Quoted(Joined(offered, " "));
+    // Of a value that may be missing, fish would offer "--option=" beside the option.
+    if (!offered.empty() && !MayLackValue(row)) text += " -a " + Quoted(Joined(offered, " "));
     // In single quotes fish knows \\ and \' alone.
     text += " -d '" + Escaped(row.help, "\\'") + "'\n";
   }

@@ -220,6 +220,8 @@ TEST(ConfigFile, ReadsWhatIsForTheRun) {
       Read("[site]\nfollow_links = true\n[index]\nstop_when_fewer = \"20 %\"\n");
   EXPECT_TRUE(options.followLinks);
   EXPECT_EQ(options.missingPercentLimit, 20u);
+  EXPECT_TRUE(options.keepLast);
+  EXPECT_FALSE(Read("[index]\nkeep_last = false\n").keepLast);
   EXPECT_EQ(Read("[index]\nstop_when_fewer = \"5\"\n").missingPercentLimit, 5u);
   EXPECT_NE(MessageOf("[index]\nstop_when_fewer = \"101 %\"\n").find("line 2"), std::string::npos);
   EXPECT_NE(MessageOf("[index]\nstop_when_fewer = \"few\"\n").find("20 %"), std::string::npos);

@@ -34,6 +34,48 @@ TEST(Options, ReadsAll) {
   EXPECT_TRUE(parsed.options.wait);
 }
 
+TEST(Options, ARollbackNeedsTheIndexAlone) {
+  const ParsedOptions parsed = Parse({"--rollback", "--out", "o"});
+  ASSERT_FALSE(parsed.exitStatus.has_value());
+  EXPECT_TRUE(parsed.options.rollback);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Parse({"--rollback"}).exitStatus, 2);
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("Give the folder for the index"),
+            std::string::npos);
+}
+
+TEST(Options, LinksAreCheckedWithAndWithoutAMode) {
+  const struct {
+    std::vector<const char*> given;
+    const char* mode;
+  } kCases[] = {{{}, ""},
+                {{"--check-links"}, "tell"},
+                {{"--check-links", "--quiet"}, "tell"},
+                {{"--check-links=tell"}, "tell"},
+                {{"--check-links=fail"}, "fail"}};
+  for (const auto& c : kCases) {
+    std::vector<const char*> arguments = {"--site", "s", "--base-url", "/", "--out", "o"};
+    arguments.insert(arguments.end(), c.given.begin(), c.given.end());
+    const ParsedOptions parsed = Parse(arguments);
+    ASSERT_FALSE(parsed.exitStatus.has_value());
+    EXPECT_EQ(parsed.options.checkLinks, c.mode);
+  }
+}
+
+TEST(Options, TheFormOfAReportIsThatOfItsNameUnlessItIsGiven) {
+  Options options;
+  EXPECT_FALSE(WantsJsonReport(options));
+  options.report = "a.jsonl";
+  EXPECT_FALSE(WantsJsonReport(options));
+  options.report = "a.json";
+  EXPECT_TRUE(WantsJsonReport(options));
+  options.reportFormat = "lines";
+  EXPECT_FALSE(WantsJsonReport(options));
+  options.report = "a.jsonl";
+  options.reportFormat = "json";
+  EXPECT_TRUE(WantsJsonReport(options));
+}
+
 TEST(Options, WhatIsGivenWinsOverTheConfigurationFile) {
   const support::ScratchDirectory scratch;
   const std::string file = (scratch.path() / "c.toml").string();
