@@ -107,7 +107,7 @@ class Manual(unittest.TestCase):
         told = subprocess.run([BIN / "vela_index", "--help"], capture_output=True, text=True,
                               check=True).stdout
         # An option and what the help calls its value: "--memory MB:UINT in [1 - 9]", "--quiet  No".
-        of_help = re.findall(r"^  (?:-\w,)?(--[\w-]+(?: [A-Z[][A-Z|\]]+)?)", told, re.M)
+        of_help = re.findall(r"^  (?:-\w,)?(--[\w-]+(?: [A-Z[][A-Z|\]]*)?)", told, re.M)
         self.assertGreater(len(of_help), 10)
         page = subprocess.run(
             ["groff", "-man", "-Tlatin1", "-P-cbou", DOCS / "man" / "vela_index.1"],
