@@ -52,7 +52,7 @@ std::string ObjectOf(const LeftOut::Entry& entry) {
 }
 
 std::string ObjectOf(const BrokenLink& link) {
-  const Reason reason = link.noPlace ? Reason::kNoPlace : Reason::kBrokenLink;
+  const Reason reason = link.noPlace ? Reason::kBrokenPlace : Reason::kBrokenLink;
   std::string object = "{";
   AppendMember("path", link.path, object);
   AppendMember("address", link.address, object);

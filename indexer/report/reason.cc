@@ -60,7 +60,7 @@ constexpr ReasonWords kReasonWords[] = {
      "the program that reads it is not installed (package catdoc)"},
     {Reason::kNotWellFormed, "not_well_formed", "no well-formed XHTML, read as HTML"},
     {Reason::kBrokenLink, "broken_link", "link that leads nowhere"},
-    {Reason::kNoPlace, "no_place", "link to a place that its page does not have"},
+    {Reason::kBrokenPlace, "no_place", "link to a place that its page does not have"},
     {Reason::kNotInList, "not_in_list", "not in the list of values"},
     {Reason::kNoAmount, "no_amount", "no amount"},
     {Reason::kNoWholeNumber, "no_whole_number", "no whole number"},

@@ -67,7 +67,7 @@ enum class Reason : uint8_t {
 
   // A link of a page; the value is where it leads to.
   kBrokenLink,
-  kNoPlace,
+  kBrokenPlace,
 
   // The value of a meta field; `where` is the field.
   kNotInList,

@@ -36,7 +36,7 @@ std::string ReportText(const IndexSummary& summary) {
     out += "}\n";
   }
   for (const BrokenLink& link : summary.links.found) {
-    const Reason reason = link.noPlace ? Reason::kNoPlace : Reason::kBrokenLink;
+    const Reason reason = link.noPlace ? Reason::kBrokenPlace : Reason::kBrokenLink;
     out += '{';
     AppendMember("path", link.path, out);
     AppendMember("remark", ReasonCode(reason), out);
