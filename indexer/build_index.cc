@@ -279,8 +279,9 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   run.summary.runs = collection.postings.runCount();
   std::optional<WeightInput> weights;
   if (ExtensionValue(run.options.config, "Ranking") != 0) {
-    weights.emplace(TitleMasses(facts.pages, facts.stopWords, vocabulary, collection.forms),
-                    collection.linkTexts.Finish(collection.addresses, vocabulary));
+    weights = WeightInput{
+        .titles = TitleMasses(facts.pages, facts.stopWords, vocabulary, collection.forms),
+        .links = collection.linkTexts.Finish(collection.addresses, vocabulary)};
   }
   const WordMapResult wordMap =
       WriteWordMap(fresh / kWordMapFileName, collection.postings, vocabulary, collection.pages,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -52,7 +53,8 @@ void PrepareReaders() {
   CleanText(text);
 }
 
-Reason ReadDocument(FileType type, std::string bytes, ReadingBudget& budget, PageContent& page) {
+Reason ReadDocument(FileType type, std::string_view bytes, ReadingBudget& budget,
+                    PageContent& page) {
   page = PageContent();
   const DocumentReader* reader = ReaderOf(type);
   if (reader == nullptr) return Reason::kDamaged;

@@ -2,7 +2,7 @@
 // nothing but memory and time can be lost (sandbox.h).
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "format/page_info.h"
 #include "indexer/extract/page.h"
@@ -20,7 +20,7 @@ void PrepareReaders();
 // Brings a document into `page`. kNone, or why it is left out: kEncrypted, kDamaged (also for a
 // type that is not read here), kNoindex, or how `budget` ended the reading. Throws std::bad_alloc
 // when there is no memory.
-[[nodiscard]] Reason ReadDocument(FileType type, std::string bytes, ReadingBudget& budget,
+[[nodiscard]] Reason ReadDocument(FileType type, std::string_view bytes, ReadingBudget& budget,
                                   PageContent& page);
 
 }  // namespace vela::indexer

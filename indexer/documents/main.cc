@@ -11,6 +11,7 @@
 #include <clocale>
 #include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "indexer/documents/documents.h"
@@ -52,13 +53,13 @@ bool Send(std::string_view bytes) {
   return true;
 }
 
-std::string Answer(const DocumentRequest& request, std::string document) try {
+std::string Answer(const DocumentRequest& request, std::string_view document) try {
   ReadingBudget budget;
   budget.deadline =
       std::chrono::steady_clock::now() + std::chrono::milliseconds(request.milliseconds);
   budget.bytesLimit = request.bytesLimit;
   PageContent page;
-  const Reason reason = ReadDocument(request.type, std::move(document), budget, page);
+  const Reason reason = ReadDocument(request.type, document, budget, page);
   return PageBytes(reason, page);
 } catch (const std::bad_alloc&) {
   return PageBytes(Reason::kNoMemory, {});
@@ -72,7 +73,7 @@ void Serve() {
     head.clear();
     std::string document;
     if (!Receive(request.size, document)) return;
-    const std::string page = Answer(request, std::move(document));
+    const std::string page = Answer(request, document);
     std::string size;
     for (size_t i = 0; i < sizeof(uint64_t); ++i) {
       size += static_cast<char>(uint64_t{page.size()} >> (8 * i));
