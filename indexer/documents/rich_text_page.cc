@@ -17,6 +17,7 @@
 #include "indexer/documents/paragraphs.h"
 #include "indexer/extract/meta_elements.h"
 #include "indexer/words/clean_text.h"
+#include "indexer/words/encode_character.h"
 #include "indexer/words/lower_copy.h"
 #include "text/ascii.h"
 
@@ -92,22 +93,8 @@ int32_t CodepageOf(int32_t fontCharset) {
 }
 
 void AppendCharacter(char32_t c, std::string& out) {
-  const auto put = [&out](char32_t byte) { out += static_cast<char>(byte); };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | c >> 6);
-    put(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    put(0xE0 | c >> 12);
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  } else {
-    put(0xF0 | c >> 18);
-    put(0x80 | (c >> 12 & 0x3F));
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  }
+  char bytes[kCharacterBytesLimit];
+  out.append(bytes, EncodeCharacter(c, bytes));
 }
 
 // Bytes of Windows' character sets by their numbers.

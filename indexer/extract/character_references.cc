@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "indexer/words/encode_character.h"
 #include "text/ascii.h"
 
 namespace vela::indexer {
@@ -40,24 +41,7 @@ const NamedReference* FindNamed(std::string_view name) {
 }
 
 void SetCharacter(char32_t c, CharacterReference& reference) {
-  const auto put = [&reference](char32_t byte) {
-    reference.text[reference.textLength++] = static_cast<char>(byte);
-  };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | c >> 6);
-    put(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    put(0xE0 | c >> 12);
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  } else {
-    put(0xF0 | c >> 18);
-    put(0x80 | (c >> 12 & 0x3F));
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  }
+  reference.textLength += EncodeCharacter(c, reference.text + reference.textLength);
 }
 
 // The value of a digit; 16 and above when it is none.
