@@ -56,26 +56,29 @@ class PageStore::Database {
   Database(const std::filesystem::path& file, bool writes) : file_(file.string()) {
     const int flags = SQLITE_OPEN_NOMUTEX |
                       (writes ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY);
-    Check(sqlite3_open_v2(file_.c_str(), &handle_, flags, nullptr));
-    Check(sqlite3_busy_timeout(handle_, kBusyMilliseconds));
+    sqlite3* opened = nullptr;  // given also where opening fails, for its message
+    const int result = sqlite3_open_v2(file_.c_str(), &opened, flags, nullptr);
+    handle_.reset(opened);
+    Check(result);
+    Check(sqlite3_busy_timeout(opened, kBusyMilliseconds));
     // A file is not trusted for what its schema could make the library do.
-    Check(sqlite3_db_config(handle_, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
-    Check(sqlite3_db_config(handle_, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr));
+    Check(sqlite3_db_config(opened, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
+    Check(sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr));
   }
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
   ~Database() {
     for (const auto& [sql, statement] : statements_) sqlite3_finalize(statement);
-    sqlite3_close(handle_);
   }
 
-  void Run(const char* sql) { Check(sqlite3_exec(handle_, sql, nullptr, nullptr, nullptr)); }
+  void Run(const char* sql) { Check(sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr)); }
 
   // The prepared statement of `sql`, a constant.
   sqlite3_stmt* Statement(const char* sql) {
     sqlite3_stmt*& statement = statements_[sql];
     if (statement == nullptr) {
-      Check(sqlite3_prepare_v3(handle_, sql, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr));
+      Check(sqlite3_prepare_v3(handle_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &statement,
+                               nullptr));
     }
     return statement;
   }
@@ -83,7 +86,7 @@ class PageStore::Database {
   void Check(int result) const {
     if (result == SQLITE_OK || result == SQLITE_ROW || result == SQLITE_DONE) return;
     if (result == SQLITE_NOMEM) throw std::bad_alloc();
-    std::string why = handle_ == nullptr ? sqlite3_errstr(result) : sqlite3_errmsg(handle_);
+    std::string why = handle_ == nullptr ? sqlite3_errstr(result) : sqlite3_errmsg(handle_.get());
     if (result == SQLITE_CORRUPT || result == SQLITE_NOTADB) {
       why += ". Remove the file to fetch all pages anew";
     }
@@ -94,7 +97,10 @@ class PageStore::Database {
 
  private:
   std::string file_;
-  sqlite3* handle_ = nullptr;
+  struct Close {
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
+  };
+  std::unique_ptr<sqlite3, Close> handle_;
   std::unordered_map<const char*, sqlite3_stmt*> statements_;
 };
 
