@@ -524,6 +524,7 @@ class Limited(unittest.TestCase):
         crawl = Crawl("dies", f'start = ["{server.origin}/"]\ndelay = 0.01\nretries = 0\n')
         process = subprocess.Popen(crawl.command(), stdout=subprocess.DEVNULL)
         while len(server.asked) < 40:
+            self.assertIsNone(process.poll())
             time.sleep(0.01)
         server.is_dead = True
         asked = len(server.asked)
