@@ -24,6 +24,7 @@ import support
 
 VELA_INDEX = support.BIN / "vela_index"
 QUICK = "delay = 0\nretries = 1\ntimeout = 4\n"
+PATIENT = "delay = 0\nretries = 1\ntimeout = 30\n"
 MEGABYTE = 1 << 20
 
 
@@ -690,21 +691,23 @@ class Secure(unittest.TestCase):
         self.addCleanup(self.server.close)
         context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         context.load_cert_chain(self.certificate, self.folder / "key.pem")
-        self.server.http.socket = context.wrap_socket(self.server.http.socket, server_side=True)
+        # Each connection's greeting in its own thread: one that is slow keeps no other waiting.
+        self.server.http.socket = context.wrap_socket(self.server.http.socket, server_side=True,
+                                                      do_handshake_on_connect=False)
         self.start = f'start = ["https://127.0.0.1:{self.server.port}/"]\n'
 
     def test_it_is_known_by_the_certificates_of_the_owner(self):
-        crawl = Crawl("secure", self.start + f'ca_file = "{self.certificate}"\n' + QUICK)
+        crawl = Crawl("secure", self.start + f'ca_file = "{self.certificate}"\n' + PATIENT)
         crawl.run()
         self.assertEqual(crawl.pages(), ["/", "/a"])
 
     def test_or_not_at_all(self):
-        crawl = Crawl("insecure", self.start + QUICK)
+        crawl = Crawl("insecure", self.start + PATIENT)
         crawl.run(status=3)
         self.assertEqual(crawl.left_out(), {"/": "bad_certificate"})
         self.assertEqual(self.server.asked, [])
         (self.folder / "none.pem").write_text("no certificate")
-        crawl = Crawl("no_certificates", self.start + 'ca_file = "none.pem"\n' + QUICK)
+        crawl = Crawl("no_certificates", self.start + 'ca_file = "none.pem"\n' + PATIENT)
         self.assertIn("ca_file", crawl.run(status=2))
 
     def test_who_asks_by_http_may_be_sent_there(self):
@@ -714,7 +717,7 @@ class Secure(unittest.TestCase):
         plain.routes["*"] = redirect(secure + "/")
         crawl = Crawl("upgraded", f'start = ["{plain.origin}/"]\n'
                       f'hosts = ["127.0.0.1:{self.server.port}"]\nca_file = "{self.certificate}"\n'
-                      + QUICK)
+                      + PATIENT)
         crawl.run()
         self.assertEqual(crawl.pages(), ["/", "/a"])
 
