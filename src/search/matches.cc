@@ -88,7 +88,7 @@ TermRecords::TermRecords(Matches& matches, const PageTable& pages, const TermPla
 bool TermRecords::AddToPage(const WordMapRecord& record, uint32_t score) {
   SetBit(matches_.touched, record.page);
   PageMatch& match = matches_.pages.Touch(record.page);
-  if (weighs_) score = weights_.Add(record, score);
+  if (weighs_) score = weights_.Add(record, score, match.proximityMask);
   if (term_.isExclusion) {
     // Kept: counts down whether or not the page had been counted (golden
     // search/exclusion_counts_down_to_nothing).
@@ -102,13 +102,13 @@ bool TermRecords::AddToPage(const WordMapRecord& record, uint32_t score) {
     if (match.termsMatched != 0 && roomForContext) {
       AddPosition(matches_, record.page, record.position);
     }
-    match.proximityMask &= record.proximity;
+    if (!weighs_) match.proximityMask &= record.proximity;
   } else {
     matches_.resultCount = WrapAdd32(matches_.resultCount, 1);
     match.score = score;
     match.firstPositionLow = static_cast<uint32_t>(record.position);
     match.firstPositionHigh = static_cast<uint8_t>(record.position >> 32);
-    match.proximityMask = record.proximity;
+    if (!weighs_) match.proximityMask = record.proximity;
   }
   ++match.termsMatched;
   const int32_t date = sort_ <= kSortByRelevance ? 0 : PageDateTime(pages_, record.page);

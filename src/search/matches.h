@@ -73,7 +73,7 @@ class TermRecords {
     if ((touched & bit) != 0 || !isPlain_) return AddToPage(record, score);
     // The page of most records: no term has met it before.
     touched |= bit;
-    if (weighs_) score = weights_.Add(record, score);
+    if (weighs_) weights_.AddFirst(record, score);
     matches_.pages.Touch(record.page) = {
         .score = score,
         .termsMatched = 1,

@@ -17,7 +17,8 @@ struct PageMatch {
   // Where the snippets start in the page text file, as wide as a position of the word map.
   uint32_t firstPositionLow = 0;
   uint8_t firstPositionHigh = 0;
-  uint8_t proximityMask = 0;  // AND of the proximity bytes of the records
+  // AND of the proximity bytes of the records; with Ranking those of the last term, one in any.
+  uint8_t proximityMask = 0;
   uint16_t termsInOrder = 0;  // terms matched without a gap, in query order
 
   uint64_t firstPosition() const { return uint64_t{firstPositionHigh} << 32 | firstPositionLow; }

@@ -6,13 +6,12 @@ bool PageWeights::TryAllocate(size_t pages, bool hasSeveralTerms) {
   words_ = pages / 64 + 1;
   bits_ = words_ * kWeighedTerms;
   const size_t bytes = words_ * 8;  // a byte a page takes so many of the block's elements
-  if (!memory_.TryAllocate(2 * bits_ + words_ + 4 * bytes)) return false;
+  if (!memory_.TryAllocate(2 * bits_ + words_ + 3 * bytes)) return false;
   terms_ = memory_.data();
   titles_ = terms_ + 2 * bits_;
   uint64_t* const behindBits = titles_ + words_;
   near_ = hasSeveralTerms ? reinterpret_cast<uint8_t*>(behindBits) : nullptr;
-  lastBlocks_ = reinterpret_cast<uint8_t*>(behindBits + bytes);
-  lastWeights_ = reinterpret_cast<uint16_t*>(behindBits + 2 * bytes);
+  lastWeights_ = reinterpret_cast<uint16_t*>(behindBits + bytes);
   return true;
 }
 
@@ -24,7 +23,6 @@ TermWeights PageWeights::StartTerm(int32_t term, bool hasSeveralWords) {
   weights.titleTerms_ = weights.terms_ + bits_;
   weights.titles_ = titles_;
   weights.near_ = near_;
-  weights.lastBlocks_ = lastBlocks_;
   weights.lastWeights_ = hasSeveralWords ? lastWeights_ : nullptr;
   return weights;
 }

@@ -24,30 +24,35 @@ struct PageWeight {
 // Where the records of one term go; of PageWeights::StartTerm.
 class TermWeights {
  public:
-  // Adds a record, where `weight` is its weight with the page's boost. Returns what the page gains:
-  // where the term has several words, those that fit a pattern, the heaviest counts.
-  uint32_t Add(const WordMapRecord& record, uint32_t weight) const {
+  // Adds a record of a page that no term has met before, where `weight` is its weight with the
+  // page's boost.
+  void AddFirst(const WordMapRecord& record, uint32_t weight) const {
+    if (terms_ == nullptr) return;
+    const uint64_t bit = uint64_t{1} << record.page % 64;
+    terms_[record.page / 64] |= bit;
+    if (IsTitleWord(record.score)) AddTitle(record.page / 64, bit);
+    if (lastWeights_ != nullptr) lastWeights_[record.page] = Kept(weight);
+  }
+
+  // Adds a record of any page. `blocks` are those of the text in which the term that was added last
+  // stands. Returns what the page gains: where the term has several words, those that fit a
+  // pattern, the heaviest counts.
+  uint32_t Add(const WordMapRecord& record, uint32_t weight, uint8_t& blocks) const {
     if (terms_ == nullptr) return weight;
     const uint32_t page = record.page;
     const uint64_t bit = uint64_t{1} << page % 64;
     uint64_t& terms = terms_[page / 64];
     const bool isAnotherWord = (terms & bit) != 0;
     terms |= bit;
-    if (IsTitleWord(record.score)) {
-      titleTerms_[page / 64] |= bit;
-      titles_[page / 64] |= bit;
-    }
-    if (near_ != nullptr) {
-      uint8_t& blocks = lastBlocks_[page];
-      if (isAnotherWord) {
-        blocks |= record.proximity;
-      } else {
-        if ((blocks & record.proximity) != 0) ++near_[page];
-        blocks = record.proximity;
-      }
+    if (IsTitleWord(record.score)) AddTitle(page / 64, bit);
+    if (isAnotherWord) {
+      blocks |= record.proximity;
+    } else {
+      if (near_ != nullptr && (blocks & record.proximity) != 0) ++near_[page];
+      blocks = record.proximity;
     }
     if (lastWeights_ == nullptr) return weight;
-    const auto kept = static_cast<uint16_t>(std::min<uint32_t>(weight, UINT16_MAX));
+    const uint16_t kept = Kept(weight);
     const uint16_t former = isAnotherWord ? lastWeights_[page] : uint16_t{0};
     lastWeights_[page] = std::max(former, kept);
     return isAnotherWord ? static_cast<uint32_t>(lastWeights_[page] - former) : weight;
@@ -55,11 +60,19 @@ class TermWeights {
 
  private:
   friend class PageWeights;
+
+  static uint16_t Kept(uint32_t weight) {
+    return static_cast<uint16_t>(std::min<uint32_t>(weight, UINT16_MAX));
+  }
+  void AddTitle(size_t place, uint64_t bit) const {
+    titleTerms_[place] |= bit;
+    titles_[place] |= bit;
+  }
+
   uint64_t* terms_ = nullptr;        // a bit a page; null: nothing is kept of the term
   uint64_t* titleTerms_ = nullptr;   // likewise
   uint64_t* titles_ = nullptr;       // of PageWeights
   uint8_t* near_ = nullptr;          // of PageWeights; or null
-  uint8_t* lastBlocks_ = nullptr;    // of PageWeights
   uint16_t* lastWeights_ = nullptr;  // of PageWeights where the term has several words; or null
 };
 
@@ -102,7 +115,6 @@ class PageWeights {
   uint64_t* terms_ = nullptr;        // the bits of the pages, term behind term; then of the titles
   uint64_t* titles_ = nullptr;       // a bit for a page whose title has any term
   uint8_t* near_ = nullptr;          // see PageWeight; a page each, as those below; or null
-  uint8_t* lastBlocks_ = nullptr;    // the proximity bytes of the term that was added last
   uint16_t* lastWeights_ = nullptr;  // the weight of that term where it has several words
 };
 
