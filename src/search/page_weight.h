@@ -14,10 +14,10 @@ namespace vela {
 // The terms that are told apart: the first ones of the query.
 inline constexpr int32_t kWeighedTerms = 32;
 
-// Of one page; a bit for each term, that of the first one the lowest.
+// Of one page.
 struct PageWeight {
-  uint32_t terms = 0;       // that the page has
-  uint32_t titleTerms = 0;  // that its title has
+  uint32_t found = 0;       // how many of the terms it has
+  uint32_t titleTerms = 0;  // that its title has: a bit for each, that of the first one the lowest
   uint8_t near = 0;         // terms that share a block of the text with the one added before
 };
 
@@ -88,20 +88,18 @@ class PageWeights {
   TermWeights StartTerm(int32_t term, bool hasSeveralWords);
 
   PageWeight At(uint32_t page) const {
-    const uint64_t* place = terms_ + page / 64;
-    const auto bitAt = [page](const uint64_t* bits) {
-      return static_cast<uint32_t>(*bits >> page % 64 & 1);
+    const size_t at = page / 64;
+    const auto bitAt = [shift = page % 64](uint64_t bits) {
+      return static_cast<uint32_t>(bits >> shift & 1);
     };
-    PageWeight weight = {.terms = bitAt(place)};
+    const uint64_t* place = terms_ + at;
+    PageWeight weight = {.found = bitAt(*place)};
     if (near_ != nullptr) weight.near = near_[page];
-    for (int32_t term = 1; term < termCount_; ++term) {
-      place += words_;
-      weight.terms |= bitAt(place) << term;
-    }
-    if (bitAt(titles_ + page / 64) == 0) return weight;
-    place = terms_ + bits_ + page / 64;
+    for (int32_t term = 1; term < termCount_; ++term) weight.found += bitAt(*(place += words_));
+    if (bitAt(titles_[at]) == 0) return weight;
+    place = terms_ + bits_ + at;
     for (int32_t term = 0; term < termCount_; ++term, place += words_) {
-      weight.titleTerms |= bitAt(place) << term;
+      weight.titleTerms |= bitAt(*place) << term;
     }
     return weight;
   }

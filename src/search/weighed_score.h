@@ -41,11 +41,8 @@ uint64_t TitleScore(const QueryWeights& query, uint32_t titleTerms, uint32_t tit
 template <typename TitleMass>
 uint32_t WeighedScore(const QueryWeights& query, const PageWeight& page, uint32_t sum,
                       const TitleMass& titleMass) {
-  // They are few, and the processors that this has to run on do not count bits.
-  size_t found = 0;
-  for (uint32_t terms = page.terms; terms != 0; terms &= terms - 1) ++found;
   const size_t near = std::min<size_t>(page.near, kWeighedTerms);
-  uint64_t score = uint64_t{sum} * query.foundFactors[found] * query.nearFactors[near] *
+  uint64_t score = uint64_t{sum} * query.foundFactors[page.found] * query.nearFactors[near] *
                    kScoreSteps / (kOneFactor * kOneFactor);
   if (page.titleTerms != 0) score += TitleScore(query, page.titleTerms, titleMass());
   return static_cast<uint32_t>(std::clamp<uint64_t>(score, 1, UINT32_MAX));

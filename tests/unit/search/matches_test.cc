@@ -61,7 +61,7 @@ TEST(Matches, WithRankingWeightsAddUp) {
   EXPECT_TRUE(add(0, 60, 1));
   EXPECT_TRUE(add(1, 7, 1));
   EXPECT_EQ(matches.pages[0].score, 50u);
-  EXPECT_EQ(matches.weights.At(0).terms, 3u);
+  EXPECT_EQ(matches.weights.At(0).found, 2u);
   EXPECT_EQ(matches.weights.At(0).titleTerms, 1u);
   EXPECT_EQ(matches.pages[1].score, 3u);
   EXPECT_EQ(matches.weights.At(1).titleTerms, 2u);

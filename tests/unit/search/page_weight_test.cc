@@ -38,7 +38,7 @@ TEST(PageWeights, TermsAddUp) {
   Site site;
   EXPECT_EQ(site.Add(0, false, Record(0), 40), 40u);
   EXPECT_EQ(site.Add(2, false, Record(0, true), 30), 30u);
-  EXPECT_EQ(site.At(0).terms, 0b101u);
+  EXPECT_EQ(site.At(0).found, 2u);
   EXPECT_EQ(site.At(0).titleTerms, 0b100u);
 }
 
@@ -52,7 +52,7 @@ TEST(PageWeights, EveryPageHasItsOwn) {
   }
   for (uint32_t page = 0; page < 100; ++page) {
     const PageWeight weight = site.At(page);
-    EXPECT_EQ(weight.terms, page == 99 ? 3u : page == 63 || page == 64 ? 1u : 0u) << page;
+    EXPECT_EQ(weight.found, page == 99 ? 2u : page == 63 || page == 64 ? 1u : 0u) << page;
     EXPECT_EQ(weight.titleTerms, page == 64 ? 1u : 0u) << page;
     EXPECT_EQ(weight.near, page == 99 ? 1 : 0) << page;
   }
@@ -63,7 +63,7 @@ TEST(PageWeights, OfTheWordsOfATermTheHeaviestCounts) {
   EXPECT_EQ(site.Add(1, true, Record(0), 40), 40u);
   EXPECT_EQ(site.Add(1, true, Record(0), 30), 0u);
   EXPECT_EQ(site.Add(1, true, Record(0, true), 100), 60u);
-  EXPECT_EQ(site.At(0).terms, 0b10u);
+  EXPECT_EQ(site.At(0).found, 1u);
   EXPECT_EQ(site.At(0).titleTerms, 0b10u);
   EXPECT_EQ(site.At(0).near, 0);
   // The next term begins anew.
@@ -90,7 +90,7 @@ TEST(PageWeights, TermsBehindThoseToldApartWeighAndNoMore) {
   EXPECT_EQ(site.Add(31, false, Record(0xFF, true), 7), 7u);
   EXPECT_EQ(site.Add(32, false, Record(0xFF, true), 9), 9u);
   EXPECT_EQ(site.Add(32, false, Record(0xFF, true), 9), 9u);
-  EXPECT_EQ(site.At(0).terms, 0x80000000u);
+  EXPECT_EQ(site.At(0).found, 1u);
   EXPECT_EQ(site.At(0).titleTerms, 0x80000000u);
   EXPECT_EQ(site.At(0).near, 0);
 }
@@ -99,7 +99,7 @@ TEST(PageWeights, OfOneTermNothingIsNear) {
   Site site(false);
   EXPECT_EQ(site.Add(0, true, Record(0x80, true), 40), 40u);
   EXPECT_EQ(site.Add(0, true, Record(0x80), 50), 10u);
-  EXPECT_EQ(site.At(0).terms, 1u);
+  EXPECT_EQ(site.At(0).found, 1u);
   EXPECT_EQ(site.At(0).titleTerms, 1u);
   EXPECT_EQ(site.At(0).near, 0);
 }

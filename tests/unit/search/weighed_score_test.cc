@@ -73,33 +73,33 @@ TEST(WeighedScore, Table) {
     uint32_t expected;
   } cases[] = {
       // Factors in 256ths: 204 grows by half of 52 with one term of two.
-      {"one of two terms: 90 * 230 / 256 in quarters", {.terms = 1}, 90, 0, 323},
-      {"both", {.terms = 3}, 100, 0, 400},
-      {"both, near: a tenth more, 25 / 256", {.terms = 3, .near = 1}, 100, 0, 439},
-      {"no more than near", {.terms = 3, .near = 200}, 100, 0, 439},
+      {"one of two terms: 90 * 230 / 256 in quarters", {.found = 1}, 90, 0, 323},
+      {"both", {.found = 2}, 100, 0, 400},
+      {"both, near: a tenth more, 25 / 256", {.found = 2, .near = 1}, 100, 0, 439},
+      {"no more than near", {.found = 2, .near = 200}, 100, 0, 439},
       {"a title that the first term covers adds what it says",
-       {.terms = 1, .titleTerms = 1},
+       {.found = 1, .titleTerms = 1},
        90,
        100,
        323 + 400},
-      {"no more for a title that says less", {.terms = 1, .titleTerms = 1}, 90, 50, 323 + 400},
+      {"no more for a title that says less", {.found = 1, .titleTerms = 1}, 90, 50, 323 + 400},
       {"half of a title: a half, of which three quarters",
-       {.terms = 1, .titleTerms = 1},
+       {.found = 1, .titleTerms = 1},
        90,
        200,
        323 + 150},
       {"the title is the query: twice what it says, and four times on top",
-       {.terms = 3, .titleTerms = 3},
+       {.found = 2, .titleTerms = 3},
        100,
        120,
        400 + 480 + 480 + 1920},
       {"all terms, and as much again: half of it beside",
-       {.terms = 3, .titleTerms = 3},
+       {.found = 2, .titleTerms = 3},
        100,
        240,
        400 + 180 + 240},
-      {"no mass is known", {.terms = 3, .titleTerms = 3}, 100, 0, 400},
-      {"never nothing", {.terms = 1}, 0, 0, 1},
+      {"no mass is known", {.found = 2, .titleTerms = 3}, 100, 0, 400},
+      {"never nothing", {.found = 1}, 0, 0, 1},
   };
   const QueryWeights query = TwoTerms();
   for (const auto& c : cases) {
@@ -111,18 +111,18 @@ TEST(WeighedScore, Table) {
 
 TEST(WeighedScore, ARareWordDecides) {
   const QueryWeights query = TwoTerms();
-  EXPECT_GT(ScoreOf(query, {.terms = 1}, 40, 0), ScoreOf(query, {.terms = 2}, 20, 0));
+  EXPECT_GT(ScoreOf(query, {.found = 1}, 40, 0), ScoreOf(query, {.found = 1}, 20, 0));
 }
 
 TEST(WeighedScore, TheNumberOfTermsCountsBetweenEqualWeights) {
   const QueryWeights query = TwoTerms();
-  EXPECT_GT(ScoreOf(query, {.terms = 3}, 60, 0), ScoreOf(query, {.terms = 1}, 60, 0));
+  EXPECT_GT(ScoreOf(query, {.found = 2}, 60, 0), ScoreOf(query, {.found = 1}, 60, 0));
 }
 
 TEST(WeighedScore, NoneIsHigherThanTheHighest) {
   const QueryWeights query = TwoTerms();
   for (const uint32_t sum : {1u, 254u, 100000u, UINT32_MAX}) {
-    const PageWeight best = {.terms = 3, .titleTerms = 3, .near = 1};
+    const PageWeight best = {.found = 2, .titleTerms = 3, .near = 1};
     EXPECT_LE(ScoreOf(query, best, sum, 120), HighestWeighedScore(query, sum));
   }
 }
