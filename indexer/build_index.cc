@@ -130,6 +130,8 @@ Reason TakeBlock(const PageBlock& block, SitePages& pages, LeftOut& remarks) try
   if (!block.markupFault.empty()) {
     AddLeftOut(remarks, Reason::kNotWellFormed, block.facts.path, {}, block.markupFault);
   }
+  if (block.use.isLeftOff) AddLeftOut(remarks, Reason::kLeftOff, block.facts.path);
+  if (block.use.lacksChosen) AddLeftOut(remarks, Reason::kNothingChosen, block.facts.path);
   return Reason::kNone;
 } catch (const std::bad_alloc&) {
   throw IndexError(ExitStatus::kFailed, "Out of memory at " + block.facts.path +
@@ -223,9 +225,13 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
   run.progress.Begin("Reading pages", items.size());
   DocumentReaders documents;
+  const ContentChoices content(config, run.base);
   PageReading reading = {
       .source = source,
-      .wishes = {.images = config.images, .dates = config.dates, .documents = &documents},
+      .wishes = {.images = config.images,
+                 .dates = config.dates,
+                 .documents = &documents,
+                 .content = &content},
       .limits = {.stop = &run.stop},
       .blocks = {.base = run.base, .config = config, .charset = run.charset, .stop = &run.stop},
       .largePages = {},
@@ -340,6 +346,8 @@ void SettlePages(Run& run, SitePages& pages) {
   }
   std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
   std::ranges::move(UnusedFields(pages.collection), std::back_inserter(warnings));
+  std::ranges::move(UnusedContentRules(run.options.config, pages.collection.content),
+                    std::back_inserter(warnings));
 }
 
 // The files that help a visitor beside the words. Returns the size of all.
@@ -435,6 +443,9 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   summary.sourceBytes = collection.sourceBytes;
   summary.indexBytes = bytes;
   summary.metaValues = std::move(collection.metaValues);
+  summary.content = {.excluded = collection.content.excluded,
+                     .excludingPages = collection.content.excludingPages,
+                     .chosenPages = collection.content.chosenPages};
   const Finding logFault = LogFolderFault(options.config, folder.target());
   if (logFault.reason != Reason::kNone) summary.warnings.push_back(logFault);
   // Before the index changes, so that a run that cannot write it leaves all as it was.

@@ -92,6 +92,9 @@ void AppendCounts(const IndexSummary& summary, std::string& out) {
   AppendMember("source_bytes", summary.sourceBytes, out);
   AppendMember("index_bytes", summary.indexBytes, out);
   AppendMember("word_runs", summary.runs, out);
+  AppendMember("excluded_parts", summary.content.excluded, out);
+  AppendMember("excluding_pages", summary.content.excludingPages, out);
+  AppendMember("chosen_pages", summary.content.chosenPages, out);
   if (summary.links.wereSought) AppendMember("links", summary.links.checked, out);
   out += '}';
 }

@@ -326,6 +326,35 @@ void ReadAddresses(Reader& in, PageBlock& block) {
   in.Check(!block.addresses.empty());
 }
 
+// Bits of a ContentUse.
+constexpr uint8_t kIsChosen = 1;
+constexpr uint8_t kLacksChosen = 2;
+constexpr uint8_t kIsLeftOff = 4;
+
+void WriteUse(const ContentUse& use, Writer& out) {
+  out.Number(use.rule);
+  out.Number(use.excluded);
+  out.Byte(static_cast<uint8_t>((use.isChosen ? kIsChosen : 0) |
+                                (use.lacksChosen ? kLacksChosen : 0) |
+                                (use.isLeftOff ? kIsLeftOff : 0)));
+  out.Number(use.selectors.size());
+  for (const uint32_t selector : use.selectors) out.Number(selector);
+}
+
+void ReadUse(Reader& in, ContentUse& use) {
+  use.rule = static_cast<uint32_t>(in.Number(kContentRuleLimit));
+  use.excluded = in.Number32();
+  const uint8_t bits = in.Byte();
+  in.Check((bits & ~(kIsChosen | kLacksChosen | kIsLeftOff)) == 0);
+  use.isChosen = (bits & kIsChosen) != 0;
+  use.lacksChosen = (bits & kLacksChosen) != 0;
+  use.isLeftOff = (bits & kIsLeftOff) != 0;
+  use.selectors.resize(in.Count(1));
+  for (uint32_t& selector : use.selectors) {
+    selector = static_cast<uint32_t>(in.Number(kSelectorCountLimit - 1));
+  }
+}
+
 bool ReadFields(Reader& in, PageBlock& block) {
   in.Check(in.Byte() == kBlockVersion);
   ReadFacts(in, block.facts);
@@ -334,6 +363,7 @@ bool ReadFields(Reader& in, PageBlock& block) {
   in.Check(linkShare >= 0 && linkShare <= 1);
   block.linkShare = linkShare;
   block.markupFault = in.Text();
+  ReadUse(in, block.use);
   block.prints.isLong = in.Flag();
   block.prints.whole = in.Fixed();
   block.prints.body = in.Fixed();
@@ -355,6 +385,7 @@ std::string BlockBytes(const PageBlock& block) {
   out.Text(block.description);
   out.Number(std::bit_cast<uint32_t>(block.linkShare));
   out.Text(block.markupFault);
+  WriteUse(block.use, out);
   out.Number(block.prints.isLong ? 1 : 0);
   out.Fixed(block.prints.whole);
   out.Fixed(block.prints.body);

@@ -11,8 +11,8 @@
 //        words, forms and signs before the texts of all of them
 //   8    TextHash of what stands before
 //
-// A block is of use only where base address, character set, stemming, meta fields and extensions
-// are those that it was made with; whoever keeps it has to know.
+// A block is of use only where base address, character set, stemming, meta fields, content rules
+// and extensions are those that it was made with; whoever keeps it has to know.
 #pragma once
 
 #include <string>
@@ -22,7 +22,7 @@
 
 namespace vela::indexer {
 
-constexpr uint8_t kBlockVersion = 1;
+constexpr uint8_t kBlockVersion = 2;
 
 std::string BlockBytes(const PageBlock& block);
 

@@ -42,6 +42,7 @@ size_t MemoryOf(const PageBlock& block) {
   for (const PageSuggestions::Text& each : block.suggestions.texts) {
     bytes += sizeof each + each.text.capacity();
   }
+  bytes += block.use.selectors.capacity() * sizeof(uint32_t);
   const RunningText& running = block.suggestions.running;
   return bytes + running.words.capacity() * sizeof(RunningText::Word) + running.texts.capacity() +
          running.sequence.capacity();
@@ -64,6 +65,7 @@ Reason BlockMaker::Make(const Page& page, PageBlock& block) {
   if (block.facts.image.size() > kAddressLimit) block.facts.image.clear();
   block.linkShare = page.content.linkShare;
   block.markupFault = page.content.markupFault;
+  block.use = page.content.use;
   block.prints = PrintsOf(page);
   AddMetaValues(page, input_, block);
 

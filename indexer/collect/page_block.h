@@ -31,6 +31,7 @@ struct PageBlock {
   std::string description;  // the same
   float linkShare = 0;
   std::string markupFault;  // see PageContent
+  ContentUse use;
   PagePrints prints;
   std::string metaValues;               // see meta_values.h
   std::vector<Finding> metaFaults;      // of the values

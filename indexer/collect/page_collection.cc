@@ -128,6 +128,7 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
   };
   CheckRoomForPage(collection);
   collection.fileDates.AddPage(number, facts);
+  CountContent(page.use, collection.content);
   NoteMetaValues(page, collection);
   AddWords(page, address, collection);
   if (collection.input.config.suggestions) collection.suggestions.AddPage(page.suggestions);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "indexer/collect/content_counts.h"
 #include "indexer/collect/equal_pages.h"
 #include "indexer/collect/file_dates.h"
 #include "indexer/collect/link_texts.h"
@@ -59,6 +60,7 @@ struct PageCollection {
   SiteSections sections;
   SiteRules rules;
   FileDates fileDates;
+  ContentCounts content;
   LeftOut metaValues;               // of the fields
   std::vector<bool> usedFields;     // beside the fields: some page has an element for it
   std::vector<CopyLeftOut> copies;  // those that rules put into a category

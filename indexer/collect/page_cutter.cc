@@ -318,7 +318,7 @@ void PageCutter::EndHeading() {
 
 // Cuts one run of text and writes its tokens, unless it is stopped. Returns the number of its
 // words.
-uint32_t PageCutter::CutRun(std::string_view text, uint8_t zone, bool inBody,
+uint32_t PageCutter::CutRun(std::string_view text, uint8_t zone, bool inBody, bool isHeading,
                             RunningText* running) {
   uint32_t wordCount = 0;
   gap_.Clear(true);
@@ -338,7 +338,7 @@ uint32_t PageCutter::CutRun(std::string_view text, uint8_t zone, bool inBody,
     if (running != nullptr) AddRunning(chunk, *running);
     DropPassing(chunk);
   }
-  if (rules_.endsHeadings && inBody && zone != 0 && wordCount != 0) EndHeading();
+  if (rules_.endsHeadings && isHeading && wordCount != 0) EndHeading();
   CloseGap(true);
   if (running != nullptr) EndPhrase(*running);
   return wordCount;
@@ -351,7 +351,7 @@ void PageCutter::AddRun(std::string_view text, Zone zone) {
   const uint32_t count = out_->tokenCount;
   if (count != 0) WriteToken(kRunEndToken);
   afterPiece_ = false;
-  if (CutRun(text, zone, false, nullptr) != 0) return;
+  if (CutRun(text, zone, false, false, nullptr) != 0) return;
   out_->tokens.resize(bytes);
   out_->tokenCount = count;
 }
@@ -376,8 +376,8 @@ bool PageCutter::Cut(const PageTexts& page, PageWords& out, RunningText* running
       sections_.push_back(
           {.token = out.tokenCount, .run = static_cast<uint32_t>(&run - page.content.body.data())});
     }
-    CutRun(run.text, HeadingZone(run.headingLevel), true,
-           run.headingLevel == 0 ? running : nullptr);
+    const bool isHeading = run.headingLevel != 0;
+    CutRun(run.text, HeadingZone(WeightLevel(run)), true, isHeading, isHeading ? nullptr : running);
   }
   out.bodyTokens = out.tokenCount;
   AddRun(page.title, kInTitle);

@@ -134,7 +134,8 @@ class PageCutter {
   void AddRunning(const Chunk& chunk, RunningText& running);
   bool IsStopped() const { return rules_.stop != nullptr && *rules_.stop != 0; }
   void EndHeading();
-  uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, RunningText* running);
+  uint32_t CutRun(std::string_view text, uint8_t zone, bool inBody, bool isHeading,
+                  RunningText* running);
   void AddRun(std::string_view text, Zone zone);
   void SetBlocks();
 

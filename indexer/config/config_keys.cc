@@ -11,6 +11,7 @@
 
 #include "format/recommended.h"
 #include "indexer/config/built_in_template.h"
+#include "indexer/config/content_keys.h"
 #include "indexer/config/language_file.h"
 #include "indexer/config/setting_keys.h"
 #include "indexer/report/index_error.h"
@@ -151,6 +152,11 @@ void ReadDates(const ConfigEntry& entry, Options& options) {
     }
     options.config.dates.push_back(static_cast<DateSource>(found - std::begin(kNames)));
   }
+}
+
+void ReadSitesContent(const ConfigEntry& entry, Options& options) {
+  SiteConfig& config = options.config;
+  ReadContentKeys(entry.table, {}, config, config.content);
 }
 
 void ReadFileDates(const ConfigEntry& entry, Options& options) {
@@ -303,6 +309,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "keep_last", Flag{&Options::keepLast}},
     {"index", "images", Flag{&SiteConfig::images}},
     {"index", "link_texts", Flag{&SiteConfig::linkTexts}},
+    {"index", {}, &ReadSitesContent},  // the keys of content_keys.h
 
     {"search", "extensions", Flag{&SiteConfig::extensions}},
     {"search", "address", Text{kBaseAddressLimit, &SiteConfig::searchAddress}, &CheckSearchAddress},

@@ -9,6 +9,7 @@
 #include "format/page_data.h"
 #include "format/synonyms.h"
 #include "indexer/config/config_keys.h"
+#include "indexer/config/content_keys.h"
 #include "indexer/site/address_pattern.h"
 #include "indexer/words/clean_text.h"
 #include "settings/settings.h"
@@ -50,6 +51,16 @@ void ReadBoost(ConfigTable table, SiteConfig& config) {
   rule.where = table.Where();
   table.Finish();
   config.boosts.push_back(std::move(rule));
+}
+
+// A key that is left out is as [index] has it.
+void ReadContent(ConfigTable table, SiteConfig& config) {
+  ContentRule rule = config.content;
+  ReadPages(table, "A [[content]]", rule.pages);
+  rule.where = table.Where();
+  ReadContentKeys(table, rule.where, config, rule);
+  table.Finish();
+  config.contentRules.push_back(std::move(rule));
 }
 
 void ReadSynonym(ConfigTable table, SiteConfig& config) {
@@ -161,9 +172,8 @@ void ReadRuleTables(ConfigTable& top, const std::string& file, SiteConfig& confi
     size_t limit;
     void (*read)(ConfigTable, SiteConfig&);
   } kRules[] = {
-      {"category", kCategoryLimit, &ReadCategory},
-      {"boost", kBoostLimit, &ReadBoost},
-      {"field", kFieldLimit, &ReadField},
+      {"category", kCategoryLimit, &ReadCategory},  {"boost", kBoostLimit, &ReadBoost},
+      {"content", kContentRuleLimit, &ReadContent}, {"field", kFieldLimit, &ReadField},
       {"synonym", kSynonymLimit, &ReadSynonym},
   };
   for (const auto& rule : kRules) {

@@ -1,4 +1,5 @@
-// config_rules.h: the tables [[category]], [[boost]], [[field]] and [[synonym]] of vela_index.toml,
+// config_rules.h: the tables [[category]], [[boost]], [[content]], [[field]] and
+// [[synonym]] of vela_index.toml,
 // each a rule of the site that its keys make together.
 #pragma once
 

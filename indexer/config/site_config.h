@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "format/meta_fields.h"
+#include "indexer/config/element_selector.h"
 #include "indexer/source/file_endings.h"
 #include "settings/settings.h"
 
@@ -22,7 +23,10 @@ constexpr size_t kFieldLabelLimit = decltype(MetaFieldDef::label)::kCapacity;
 constexpr size_t kPageTitleLimit = 1000;        // bytes of a page's title
 constexpr size_t kPageDescriptionLimit = 2000;  // and of its description
 constexpr size_t kFieldTextLimit = 500;         // bytes of a text in a page's record
+constexpr size_t kContentRuleLimit = 1000;
 constexpr size_t kListValueCountLimit = kMetaChoiceLimit;
+constexpr size_t kSelectorLimit = 200;  // of one rule and one key
+constexpr size_t kSelectorCountLimit = 2 * kSelectorLimit * (kContentRuleLimit + 1);  // of all
 constexpr size_t kListValueLimit = MetaListText::kCapacity;
 
 // In the place of a StemmingAlgorithm: the one for the language that most pages say they are in.
@@ -39,6 +43,22 @@ struct BoostRule {
   std::vector<std::string> pages;  // made by AddressPattern
   uint8_t tenths = 10;
   std::string where;  // for messages: the file and line
+};
+
+// What of pages is their content. A selector's number is its place in SiteConfig::selectors.
+struct ContentRule {
+  std::vector<std::string> pages = {};  // made by AddressPattern; of the site's own rule none
+  std::vector<ElementSelector> excludeElements = {};
+  std::vector<ElementSelector> onlyElements = {};  // empty: all that is not left out
+  bool indexesNavigation = false;
+  bool prefersMain = false;
+  std::string where = {};  // for messages: the file and line
+};
+
+// A selector as messages name it.
+struct NamedSelector {
+  std::string text;
+  std::string where;  // the file and line of its table
 };
 
 // Words that find each other's pages.
@@ -84,6 +104,10 @@ struct SiteConfig {
   bool linkTexts = true;  // what links call a page counts for it
   std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
   bool trustsFileDates = false;  // even where most of the files were changed on one day
+
+  ContentRule content;                    // of pages that none of these fits
+  std::vector<ContentRule> contentRules;  // the first that fits a page holds
+  std::vector<NamedSelector> selectors;   // of all these rules
 
   std::vector<CategoryRule> categories;
   std::vector<FieldRule> fields;

@@ -20,8 +20,8 @@ namespace {
 // As XML what is sent or declared as that. Browsers show nothing but a message of a page that is
 // sent as XML and is not well-formed; its visitors get it in some other way, so it is read all the
 // same.
-Reason ReadHtml(const SourceItem& item, FileContent file, ReadingBudget& budget,
-                PageContent& content) {
+Reason ReadHtml(const SourceItem& item, FileContent file, const ContentChoice& choice,
+                ReadingBudget& budget, PageContent& content) {
   std::string text;
   Reason reason = ConvertToUtf8(file.bytes, true, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
@@ -29,26 +29,26 @@ Reason ReadHtml(const SourceItem& item, FileContent file, ReadingBudget& budget,
   std::string fault;
   if (item.isXml || text.starts_with("<?xml")) {
     const ReadingBudget whole = budget;
-    reason = ParseXhtmlPage(text, budget, content, fault);
+    reason = ParseXhtmlPage(text, budget, content, fault, choice);
     if (fault.empty()) return reason;
     budget = whole;
   }
-  reason = ParseHtmlPage(text, budget, content);
+  reason = ParseHtmlPage(text, budget, content, choice);
   if (item.isXml) content.markupFault = std::move(fault);
   return reason;
 }
 
-Reason ReadMarkdown(const SourceItem&, FileContent file, ReadingBudget& budget,
-                    PageContent& content) {
+Reason ReadMarkdown(const SourceItem&, FileContent file, const ContentChoice& choice,
+                    ReadingBudget& budget, PageContent& content) {
   std::string text;
   const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
   file.bytes = {};
-  return ParseMarkdownPage(text, budget, content);
+  return ParseMarkdownPage(text, budget, content, choice);
 }
 
-Reason ReadSubtitles(const SourceItem&, FileContent file, ReadingBudget& budget,
-                     PageContent& content) {
+Reason ReadSubtitles(const SourceItem&, FileContent file, const ContentChoice&,
+                     ReadingBudget& budget, PageContent& content) {
   std::string text;
   const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
@@ -58,8 +58,8 @@ Reason ReadSubtitles(const SourceItem&, FileContent file, ReadingBudget& budget,
   return Reason::kNone;
 }
 
-Reason ReadPlainText(const SourceItem&, FileContent file, ReadingBudget& budget,
-                     PageContent& content) {
+Reason ReadPlainText(const SourceItem&, FileContent file, const ContentChoice&,
+                     ReadingBudget& budget, PageContent& content) {
   std::string text;
   const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
@@ -71,8 +71,8 @@ Reason ReadPlainText(const SourceItem&, FileContent file, ReadingBudget& budget,
 
 struct TypeReader {
   FileType type;
-  Reason (*read)(const SourceItem& item, FileContent file, ReadingBudget& budget,
-                 PageContent& content);
+  Reason (*read)(const SourceItem& item, FileContent file, const ContentChoice& choice,
+                 ReadingBudget& budget, PageContent& content);
 };
 
 // Of those read here. All others are documents, read in processes of their own.
@@ -86,10 +86,10 @@ constexpr TypeReader kTypeReaders[] = {
 }  // namespace
 
 Reason ReadContent(const SourceItem& item, FileContent file, DocumentReaders* documents,
-                   ReadingBudget& budget, PageContent& content) {
+                   const ContentChoice& choice, ReadingBudget& budget, PageContent& content) {
   const auto* reader = std::ranges::find(kTypeReaders, item.type, &TypeReader::type);
   if (reader != std::end(kTypeReaders)) {
-    return reader->read(item, std::move(file), budget, content);
+    return reader->read(item, std::move(file), choice, budget, content);
   }
   if (documents == nullptr) return Reason::kReaderMissing;
   return documents->Read(item.type, file.bytes, budget, content);

@@ -2,6 +2,7 @@
 // the endings by which the source knows it (source/file_endings.h).
 #pragma once
 
+#include "indexer/extract/content_choice.h"
 #include "indexer/extract/document_readers.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/reading_budget.h"
@@ -12,9 +13,10 @@
 namespace vela::indexer {
 
 // Brings what `file` holds of an item into `content`, within `budget`. Documents are handed to
-// `documents`, not owned; without it none is read. kNone, or why the page is left out.
+// `documents`, not owned; without it none is read. `choice` is for those that are read as HTML.
+// kNone, or why the page is left out.
 [[nodiscard]] Reason ReadContent(const SourceItem& item, FileContent file,
-                                 DocumentReaders* documents, ReadingBudget& budget,
-                                 PageContent& content);
+                                 DocumentReaders* documents, const ContentChoice& choice,
+                                 ReadingBudget& budget, PageContent& content);
 
 }  // namespace vela::indexer

@@ -14,6 +14,8 @@ namespace {
 // More or longer meta elements than this are not meant for readers.
 constexpr size_t kMetaLimit = 300;
 constexpr size_t kMetaBytesLimit = 20000;
+// A main part that holds less than one in so many bytes of a page's text is not all of its content.
+constexpr uint64_t kMainPart = 4;
 // A longer text is no date.
 constexpr size_t kTimeBytesLimit = 1000;
 
@@ -33,13 +35,17 @@ uint8_t HeadingLevel(Element element) {
   return static_cast<uint8_t>(static_cast<int>(element) - static_cast<int>(Element::kH1) + 1);
 }
 
-enum class Surrounding : uint8_t { kNone, kNavigation, kHeader, kFrame };
+enum class Surrounding : uint8_t { kNone, kNavigation, kTools, kHeader, kFrame };
 
-// Whether the element is what surrounds the content of a page.
+// What the element is of that which surrounds the content of a page.
 Surrounding SurroundingOf(const Tag& tag, bool isOfPage) {
+  if (tag.element == Element::kNav) return Surrounding::kNavigation;
   if (HasAttribute(tag, Attribute::kRole)) {
     const std::string role = LowerValue(tag, Attribute::kRole);
-    for (std::string_view name : {"navigation", "search", "menu", "menubar", "toolbar"}) {
+    for (std::string_view name : {"search", "toolbar"}) {
+      if (HoldsWord(role, name)) return Surrounding::kTools;
+    }
+    for (std::string_view name : {"navigation", "menu", "menubar"}) {
       if (HoldsWord(role, name)) return Surrounding::kNavigation;
     }
     if (HoldsWord(role, "banner")) return Surrounding::kHeader;
@@ -54,12 +60,21 @@ Surrounding SurroundingOf(const Tag& tag, bool isOfPage) {
   return Surrounding::kNone;
 }
 
-bool EnclosesContent(const Tag& tag) {
-  return tag.element == Element::kMain || tag.element == Element::kArticle ||
-         tag.element == Element::kSection ||
-         (HasAttribute(tag, Attribute::kRole) &&
-          HoldsWord(LowerValue(tag, Attribute::kRole), "main"));
+bool IsMain(const Tag& tag) {
+  return tag.element == Element::kMain || (HasAttribute(tag, Attribute::kRole) &&
+                                           HoldsWord(LowerValue(tag, Attribute::kRole), "main"));
 }
+
+// The weight that the owner gives an element; kWeightOfHeading when there is none, or none of 0
+// to 6.
+uint8_t OwnersWeight(const Tag& tag) {
+  constexpr char kLeast = '6';
+  const std::string value = AttributeValue(tag, Attribute::kDataVelaWeight);
+  if (value.size() != 1 || value[0] < '0' || value[0] > kLeast) return kWeightOfHeading;
+  return static_cast<uint8_t>(value[0] - '0');
+}
+
+bool IsMarkupBlank(char c) { return kMarkupBlanks.find(c) != kMarkupBlanks.npos; }
 
 // By what a meta element is called (see MetaElement); empty when it has no name.
 std::string MetaName(const Tag& tag) {
@@ -118,21 +133,49 @@ bool LeadsToPage(const Tag& tag) {
 
 }  // namespace
 
-ElementRole HtmlContent::RoleOf(const Tag& tag, bool isHtml, const TextState& around) const {
+const AttributeNames* HtmlContent::askedAttributes() const {
+  const AttributeNames& asked = choice.selectors.askedAttributes();
+  return asked.empty() ? nullptr : &asked;
+}
+
+ElementRole HtmlContent::RoleOf(const Tag& tag, bool isHtml, const TextState& around) {
   ElementRole role;
   const Surrounding surrounding = SurroundingOf(tag, around.isOfPage);
   // A link into the page before its text is for skipping what surrounds it.
   const bool skips = around.isOfPage && !text.HasContent() && IsSkipLink(tag);
   role.isInert = isHtml && tag.element == Element::kTemplate;
-  role.leavesOut = Has(tag.element, kNeverText) || IsHidden(tag) ||
-                   surrounding == Surrounding::kNavigation || (skips && !text.HasText());
+  role.isNavigation = surrounding == Surrounding::kNavigation;
   role.isFrame = skips || surrounding == Surrounding::kHeader || surrounding == Surrounding::kFrame;
   role.isHeader = surrounding == Surrounding::kHeader;
+  role.isMain = IsMain(tag);
+  role.enclosesContent =
+      role.isMain || tag.element == Element::kArticle || tag.element == Element::kSection;
+  role.leavesOut = (Has(tag.element, kNeverText) && tag.element != Element::kNav) ||
+                   IsHidden(tag) || surrounding == Surrounding::kTools ||
+                   (skips && !text.HasText());
+  ApplyOwnersWishes(tag, around, role);
+  role.leavesOut = role.leavesOut || (role.isNavigation && !choice.indexesNavigation);
   role.breaksWords = !IsInline(tag, isHtml) && !(role.leavesOut && Has(tag.element, kInvisible));
-  role.enclosesContent = EnclosesContent(tag);
   role.headingLevel = HeadingLevel(tag.element);
   role.isLink = isHtml && LeadsToPage(tag);
   return role;
+}
+
+// What is hidden or left out stays so; otherwise the owner knows better than the markup.
+void HtmlContent::ApplyOwnersWishes(const Tag& tag, const TextState& around, ElementRole& role) {
+  if (around.isLeftOut) return;
+  SelectorFit fit;
+  if (!choice.selectors.empty()) fit = selectors.Fit(tag, around.path);
+  role.selectorParts = fit.parts;
+  if (fit.isExcluded || HasAttribute(tag, Attribute::kDataVelaIgnore)) {
+    role.leavesOut = true;
+    ++page.use.excluded;
+    return;
+  }
+  if (HasAttribute(tag, Attribute::kDataVelaWeight)) role.weight = OwnersWeight(tag);
+  if (!fit.isChosen && !HasAttribute(tag, Attribute::kDataVelaBody)) return;
+  role.isChosen = role.enclosesContent = true;
+  role.isNavigation = role.isFrame = role.isHeader = false;
 }
 
 ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& around) {
@@ -141,6 +184,10 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
   ElementRole role = RoleOf(tag, isHtml, around);
   if (isHtml && tag.element == Element::kTime) role.isTime = ReadTime(tag);
   if (around.isLeftOut) return role;
+  if (isOff) {
+    if (role.breaksWords) Break(around);
+    return role;
+  }
   if (tag.element == Element::kH1 && !role.leavesOut && !sawMainHeading) {
     sawMainHeading = true;
     const TextState inside = StateInside(around, role);
@@ -152,18 +199,31 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
     role.breaksWords = false;
     const std::string alternative = AttributeValue(tag, Attribute::kAlt);
     if (alternative.empty()) return role;
-    text.Break(around.strand, around.style.share);
+    Break(around);
     AddText(alternative, around);
-    text.Break(around.strand, around.style.share);
+    Break(around);
     return role;
   }
   if (role.breaksWords) AddToLink(" ");
   // A table is marked in the text (see PageText::Mark): what it puts before itself may go on with
   // the last word there.
-  if (role.breaksWords && !(isHtml && tag.element == Element::kTable)) {
-    text.Break(around.strand, around.style.share);
-  }
+  if (role.breaksWords && !(isHtml && tag.element == Element::kTable)) Break(around);
   return role;
+}
+
+void HtmlContent::Break(const TextState& state) {
+  text.Break(state.strand, state.style.share, state.style.region);
+}
+
+void HtmlContent::TakeComment(std::string_view comment) {
+  while (!comment.empty() && IsMarkupBlank(comment.front())) comment.remove_prefix(1);
+  while (!comment.empty() && IsMarkupBlank(comment.back())) comment.remove_suffix(1);
+  if (comment == "vela:off" && !isOff) {
+    isOff = true;
+    ++page.use.excluded;
+  } else if (comment == "vela:on") {
+    isOff = false;
+  }
 }
 
 // A heading is led to by its own id, by one inside, or by that of what it begins: a block, or an
@@ -196,16 +256,17 @@ void HtmlContent::End(const ElementRole& role, const TextState& inside) {
   }
   if (role.isLink) EndLink();
   if (role.breaksWords) AddToLink(" ");
-  if (role.breaksWords && !inside.isLeftOut) text.Break(inside.strand, inside.style.share);
+  if (role.breaksWords && !inside.isLeftOut) Break(inside);
 }
 
 // Links of what surrounds the content name nothing: they are the same on every page. Those that the
 // page does not vouch for are left out as well.
 void HtmlContent::BeginLink(const Tag& tag, const TextState& inside) {
   EndLink();
-  if (inside.style.share == TextShare::kFrame) return;
+  if (inside.style.share == TextShare::kFrame || inside.isInNavigation) return;
   if (HoldsWord(LowerValue(tag, Attribute::kRel), "nofollow")) return;
   openLink.address = AttributeValue(tag, Attribute::kHref);
+  openLinkRegion = inside.style.region;
 }
 
 void HtmlContent::AddToLink(std::string_view added) {
@@ -218,14 +279,16 @@ void HtmlContent::EndLink() {
   if (link.address.empty() || link.text.size() > kLinkTextLimit) return;
   link.text = OneLine(std::move(link.text));
   const size_t bytes = sizeof link + link.address.size() + link.text.size();
-  if (!link.text.empty() && TakeBytes(budget, bytes)) page.links.push_back(std::move(link));
+  if (link.text.empty() || !TakeBytes(budget, bytes)) return;
+  page.links.push_back(std::move(link));
+  linkRegions.push_back(openLinkRegion);
 }
 
 void HtmlContent::AddText(std::string_view added, const TextState& state) {
   if (state.isInert) return;
-  if (isInTime)
+  if (isInTime && !isOff)
     timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
-  if (state.isLeftOut) return;
+  if (state.isLeftOut || isOff) return;
   if (added.find_first_not_of(kMarkupBlanks) != added.npos) openAnchor.clear();
   CountText(added, state);
   text.Append(state.strand, state.style, added);
@@ -235,9 +298,12 @@ void HtmlContent::CountText(std::string_view added, const TextState& state) {
   if (state.style.share == TextShare::kFrame) return;
   const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
   const auto bytes = added.size() - static_cast<size_t>(std::ranges::count_if(added, isBlank));
-  textBytes += bytes;
+  TextCount& count = counts[static_cast<size_t>(state.style.region)];
+  count.all += bytes;
+  if (state.isInNavigation) return;
+  count.running += bytes;
   if (!state.isInLink) return;
-  linkBytes += bytes;
+  count.inLinks += bytes;
   AddToLink(added);
 }
 
@@ -252,13 +318,46 @@ void HtmlContent::Finish() {
   for (const char* name : {"description", "og:description"}) {
     if (page.description.empty()) page.description = MetaContent(page, name);
   }
-  if (textBytes != 0) {
-    page.linkShare = static_cast<float>(linkBytes) / static_cast<float>(textBytes);
+  const TextRegion region = RegionOfText();
+  TextCount sum;
+  for (size_t i = static_cast<size_t>(region); i < counts.size(); ++i) {
+    sum.running += counts[i].running;
+    sum.inLinks += counts[i].inLinks;
   }
+  if (sum.running != 0) {
+    page.linkShare = static_cast<float>(sum.inLinks) / static_cast<float>(sum.running);
+  }
+  page.use.rule = choice.rule;
+  page.use.isChosen = region == TextRegion::kChosen;
+  page.use.lacksChosen = choice.hasOnly && !page.use.isChosen;
+  page.use.isLeftOff = isOff;
+  page.use.selectors = selectors.used();
   if (noindex) return;
-  text.CopyTo(page.body, !text.HasContent());
+  LeaveOutLinks(region);
+  text.CopyTo(page.body, !text.HasContent(), region);
   // Content may still be nothing but marks that take no room.
   if (page.body.empty()) text.CopyTo(page.body, true);
+}
+
+// An owner may choose elements that some page does not have, or leaves empty, and a page may call
+// next to nothing its main part.
+TextRegion HtmlContent::RegionOfText() const {
+  const auto bytes = [this](TextRegion region) { return counts[static_cast<size_t>(region)].all; };
+  if (bytes(TextRegion::kChosen) != 0) return TextRegion::kChosen;
+  const uint64_t main = bytes(TextRegion::kMain);
+  const bool isEnough = main != 0 && main >= (main + bytes(TextRegion::kPage)) / kMainPart;
+  return choice.prefersMain && isEnough ? TextRegion::kMain : TextRegion::kPage;
+}
+
+void HtmlContent::LeaveOutLinks(TextRegion from) {
+  if (from == TextRegion::kPage) return;
+  size_t kept = 0;
+  for (size_t i = 0; i < page.links.size(); ++i) {
+    if (linkRegions[i] < from) continue;
+    if (kept != i) page.links[kept] = std::move(page.links[i]);
+    ++kept;
+  }
+  page.links.resize(kept);
 }
 
 void HtmlContent::ReadHeadElement(const Tag& tag) {

@@ -1,9 +1,12 @@
 // html_content.h: what the elements and texts of a page, told one after the other, say about it.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "indexer/extract/content_choice.h"
 #include "indexer/extract/html_tokens.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/page_text.h"
@@ -13,9 +16,16 @@ namespace vela::indexer {
 
 class HtmlContent {
  public:
-  // Both must outlive this.
-  HtmlContent(PageContent& filled, ReadingBudget& takenFrom)
-      : page(filled), budget(takenFrom), text(takenFrom) {}
+  // All must outlive this.
+  HtmlContent(PageContent& filled, ReadingBudget& takenFrom, const ContentChoice& wanted)
+      : page(filled),
+        budget(takenFrom),
+        choice(wanted),
+        selectors(wanted.selectors, takenFrom),
+        text(takenFrom) {}
+
+  // The attributes that the tags must have beside those of the table; null: none. Not owned.
+  const AttributeNames* askedAttributes() const;
 
   // The element of `tag` begins where `around` holds: takes what its attributes say. `isHtml`: it
   // is no part of a drawing or formula. Returns what it does to the text inside it.
@@ -27,6 +37,9 @@ class HtmlContent {
   // The content of a title element; `inside` is what holds in it.
   void AddTitle(const std::string& title, const TextState& inside);
 
+  // What a comment says, outside of templates: "vela:off" and "vela:on" leave out what is between.
+  void TakeComment(std::string_view comment);
+
   // The content of a script of type application/ld+json, of which only the dates are taken.
   void AddJson(std::string_view json, const TextState& inside);
 
@@ -36,7 +49,8 @@ class HtmlContent {
   void Finish();
 
  private:
-  ElementRole RoleOf(const Tag& tag, bool isHtml, const TextState& around) const;
+  ElementRole RoleOf(const Tag& tag, bool isHtml, const TextState& around);
+  void ApplyOwnersWishes(const Tag& tag, const TextState& around, ElementRole& role);
   void ReadAnchor(const Tag& tag, const TextState& around, ElementRole& role);
   void ReadHeadElement(const Tag& tag);
   void ReadMeta(const Tag& tag);
@@ -44,17 +58,30 @@ class HtmlContent {
   void TakeTime(std::string time, std::string_view property);
   void AddDate(const char* prefix, std::string_view property, std::string date);
 
+  void Break(const TextState& state);
   void CountText(std::string_view added, const TextState& state);
   void BeginLink(const Tag& tag, const TextState& inside);
   void AddToLink(std::string_view added);
   void EndLink();
+  TextRegion RegionOfText() const;
+  void LeaveOutLinks(TextRegion from);
 
   PageContent& page;
   ReadingBudget& budget;
+  const ContentChoice& choice;
+  SelectorMatching selectors;
   PageText text;
   bool noindex = false;
-  uint64_t textBytes = 0;       // that are no blanks, outside of what surrounds the content
-  uint64_t linkBytes = 0;       // of those, in links to other pages
+  bool isOff = false;  // behind "vela:off"
+  // In bytes that are no blanks, outside of what surrounds the content.
+  struct TextCount {
+    uint64_t all = 0;
+    uint64_t running = 0;  // of those, outside of navigation
+    uint64_t inLinks = 0;  // of those, in links to other pages
+  };
+  std::array<TextCount, kTextRegionCount> counts;  // of each region alone
+  std::vector<TextRegion> linkRegions;             // beside page.links
+  TextRegion openLinkRegion = TextRegion::kPage;
   PageLink openLink;            // whose text is being read; its address is empty when there is none
   bool sawMainHeading = false;  // the first h1
   std::string openAnchor;       // of an element that began behind the text so far

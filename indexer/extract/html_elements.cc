@@ -55,6 +55,8 @@ Element FindElement(std::string_view name) {
   return Element::kOther;
 }
 
+std::string_view ElementName(Element element) { return kRows[static_cast<size_t>(element)].name; }
+
 uint32_t ElementTraits(Element element) { return kRows[static_cast<size_t>(element)].traits; }
 
 }  // namespace vela::indexer

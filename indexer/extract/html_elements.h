@@ -34,6 +34,9 @@ constexpr uint32_t kNeverText = 1U << 13;  // no visitor reads its content
 // The element of a name in letters of either case; kOther when it is none of the table.
 Element FindElement(std::string_view name);
 
+// In lower case; empty of kOther.
+std::string_view ElementName(Element element);
+
 uint32_t ElementTraits(Element element);
 
 inline bool Has(Element element, uint32_t traits) { return (ElementTraits(element) & traits) != 0; }

@@ -5,9 +5,10 @@
 
 namespace vela::indexer {
 
-Reason ParseHtmlPage(std::string_view html, ReadingBudget& budget, PageContent& page) {
+Reason ParseHtmlPage(std::string_view html, ReadingBudget& budget, PageContent& page,
+                     const ContentChoice& choice) {
   page = PageContent();
-  HtmlContent content(page, budget);
+  HtmlContent content(page, budget, choice);
   TreeConstruction(html, content, budget).Run();
   content.Finish();
   if (budget.status == Reason::kNone)

@@ -1,6 +1,7 @@
 #include "indexer/extract/html_tokens.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "text/ascii.h"
@@ -20,11 +21,54 @@ bool SameLetters(std::string_view a, std::string_view b) {
 
 // In the order of `Attribute`.
 constexpr std::string_view kAttributeNames[] = {
-    "alt",    "aria-hidden", "charset",    "color", "content",  "datetime", "encoding", "face",
-    "hidden", "href",        "http-equiv", "id",    "itemprop", "lang",     "name",     "property",
-    "rel",    "role",        "size",       "src",   "style",    "type",     "xml:lang",
+    "alt",
+    "aria-hidden",
+    "charset",
+    "class",
+    "color",
+    "content",
+    "data-vela-body",
+    "data-vela-ignore",
+    "data-vela-weight",
+    "datetime",
+    "encoding",
+    "face",
+    "hidden",
+    "href",
+    "http-equiv",
+    "id",
+    "itemprop",
+    "lang",
+    "name",
+    "property",
+    "rel",
+    "role",
+    "size",
+    "src",
+    "style",
+    "type",
+    "xml:lang",
 };
 static_assert(std::size(kAttributeNames) == static_cast<size_t>(Attribute::kCount));
+
+constexpr size_t kLongestName =
+    std::ranges::max(kAttributeNames, {}, &std::string_view::size).size();
+
+// The attributes whose names have a length, a bit each.
+constexpr auto kOfLength = [] {
+  std::array<uint32_t, kLongestName + 1> ofLength{};
+  for (size_t i = 0; i < std::size(kAttributeNames); ++i) {
+    ofLength[kAttributeNames[i].size()] |= 1U << i;
+  }
+  return ofLength;
+}();
+
+std::string_view Resolved(const Tag& tag, std::string_view given, std::string& room) {
+  if (tag.valuesAreText || given.find('&') == given.npos) return given;
+  room.clear();
+  AppendResolved(given, true, room);
+  return room;
+}
 
 }  // namespace
 
@@ -37,12 +81,44 @@ std::string AttributeValue(const Tag& tag, Attribute attribute) {
   return value;
 }
 
+std::string_view ResolvedValue(const Tag& tag, Attribute attribute, std::string& room) {
+  if (!HasAttribute(tag, attribute)) return {};
+  return Resolved(tag, tag.values[static_cast<size_t>(attribute)], room);
+}
+
+std::optional<std::string_view> ResolvedValue(const Tag& tag, size_t asked, std::string& room) {
+  const auto found = std::ranges::find(tag.askedValues, asked, &Tag::AskedValue::name);
+  if (found == tag.askedValues.end()) return std::nullopt;
+  return Resolved(tag, found->value, room);
+}
+
+size_t AttributeNames::Find(std::string_view name) const {
+  const auto found = std::ranges::find_if(names_, [name](const std::string& known) {
+    return known.size() == name.size() && SameLetters(known, name);
+  });
+  return found == names_.end() ? kNone : static_cast<size_t>(found - names_.begin());
+}
+
+Attribute FindAttribute(std::string_view name) {
+  if (name.size() > kLongestName) return Attribute::kCount;
+  for (uint32_t left = kOfLength[name.size()]; left != 0; left &= left - 1) {
+    const auto i = static_cast<size_t>(std::countr_zero(left));
+    if (SameLetters(kAttributeNames[i], name)) return static_cast<Attribute>(i);
+  }
+  return Attribute::kCount;
+}
+
 void AddAttribute(std::string_view name, std::string_view value, Tag& tag) {
-  for (size_t i = 0; i < std::size(kAttributeNames); ++i) {
-    if (kAttributeNames[i].size() != name.size() || !SameLetters(kAttributeNames[i], name))
-      continue;
-    if ((tag.present >> i & 1) == 0) tag.values[i] = value;
-    tag.present |= 1U << i;
+  const Attribute attribute = FindAttribute(name);
+  if (attribute != Attribute::kCount) {
+    if (!HasAttribute(tag, attribute)) tag.values[static_cast<size_t>(attribute)] = value;
+    tag.present |= 1U << static_cast<uint32_t>(attribute);
+  } else if (tag.asked != nullptr) {
+    const size_t place = tag.asked->Find(name);
+    if (place == AttributeNames::kNone) return;
+    if (std::ranges::find(tag.askedValues, place, &Tag::AskedValue::name) != tag.askedValues.end())
+      return;
+    tag.askedValues.push_back({place, value});
   }
 }
 
@@ -117,6 +193,7 @@ TokenKind HtmlTokens::ReadText() {
 // The comment's text begins at `contentAt`; it may be no longer than ">" or "->".
 TokenKind HtmlTokens::PassComment(size_t contentAt) {
   const std::string_view content = html.substr(contentAt);
+  remark = {};
   if (content.starts_with('>')) {
     at = contentAt + 1;
     return TokenKind::kComment;
@@ -127,15 +204,18 @@ TokenKind HtmlTokens::PassComment(size_t contentAt) {
   }
   size_t end = Find('>', contentAt);
   for (; end < html.size(); end = Find('>', end + 1)) {
-    const std::string_view before = html.substr(contentAt, end - contentAt);
-    if (before.ends_with("--") || before.ends_with("--!")) break;
+    remark = html.substr(contentAt, end - contentAt);
+    if (remark.ends_with("--") || remark.ends_with("--!")) break;
   }
+  remark = remark.substr(0, remark.rfind("--"));
+  if (end == html.size()) remark = content;
   at = std::min(end + 1, html.size());
   return TokenKind::kComment;
 }
 
 TokenKind HtmlTokens::PassTo(char last, size_t from, TokenKind kind) {
   at = std::min(Find(last, std::min(from, html.size())) + 1, html.size());
+  remark = {};
   return kind;
 }
 
@@ -147,6 +227,7 @@ bool HtmlTokens::ReadTag(size_t nameAt, bool isStart) {
   current.element = FindElement(current.name);
   current.closesItself = false;
   current.present = 0;
+  current.askedValues.clear();
   while (i < html.size() && html[i] != '>') {
     if (IsMarkupBlank(html[i])) {
       ++i;

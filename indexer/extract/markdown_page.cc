@@ -98,7 +98,8 @@ void OnHtml(const char* text, MD_SIZE size, void* self) {
 
 }  // namespace
 
-Reason ParseMarkdownPage(std::string_view text, ReadingBudget& budget, PageContent& page) {
+Reason ParseMarkdownPage(std::string_view text, ReadingBudget& budget, PageContent& page,
+                         const ContentChoice& choice) {
   page = PageContent();
   PageContent said;
   TakeFrontMatter(text, said);
@@ -109,7 +110,7 @@ Reason ParseMarkdownPage(std::string_view text, ReadingBudget& budget, PageConte
   if (rendering.failedToAllocate) throw std::bad_alloc();
   if (budget.status != Reason::kNone) return budget.status;
   if (result != 0) throw std::bad_alloc();  // the only thing that can fail
-  const Reason reason = ParseHtmlPage(rendering.html, budget, page);
+  const Reason reason = ParseHtmlPage(rendering.html, budget, page, choice);
   if (reason != Reason::kNone) return reason;
   if (!said.title.empty()) page.title = std::move(said.title);
   if (!said.description.empty()) page.description = std::move(said.description);

@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "indexer/extract/content_choice.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/reading_budget.h"
 #include "indexer/report/reason.h"
@@ -14,6 +15,7 @@ namespace vela::indexer {
 // keywords and date comes before. Anchors are those that the text writes as HTML: those of headings
 // are made by whatever shows it. kNone, kNoindex, or why `budget` ended the reading.
 [[nodiscard]] Reason ParseMarkdownPage(std::string_view text, ReadingBudget& budget,
-                                       PageContent& page);
+                                       PageContent& page,
+                                       const ContentChoice& choice = PlainContentChoice());
 
 }  // namespace vela::indexer

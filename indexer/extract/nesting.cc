@@ -17,7 +17,8 @@ bool HoldsTableParts(const OpenElement& element) {
 // Whether text inside is other than text around.
 bool ChangesState(const ElementRole& role) {
   return role.leavesOut || role.isInert || role.isFrame || role.isHeadline ||
-         role.enclosesContent || role.headingLevel != 0 || role.section != 0;
+         role.enclosesContent || role.headingLevel != 0 || role.section != 0 || role.isNavigation ||
+         role.isMain || role.isChosen || role.weight != kWeightOfHeading || role.selectorParts != 0;
 }
 
 }  // namespace
@@ -64,7 +65,8 @@ void Nesting::OpenIn(const TextState& around, const Tag& tag, OpenElement added)
   added.role = content.Begin(tag, isHtml, around);
   added.inside = StateInside(around, added.role);
   if (isHtml && tag.element == Element::kTable) {
-    added.tablePlace = content.pageText().Mark(around.strand, around.style.share);
+    added.tablePlace =
+        content.pageText().Mark(around.strand, around.style.share, around.style.region);
   }
   open.Push(added, tag.name);
 }
@@ -72,6 +74,7 @@ void Nesting::OpenIn(const TextState& around, const Tag& tag, OpenElement added)
 void Nesting::OpenImplied(Element element) {
   Tag tag;
   tag.element = element;
+  tag.name = ElementName(element);
   OpenIn(open.Count() == 0 ? TextState() : open.Current().inside, tag);
 }
 

@@ -1,6 +1,7 @@
 // page.h: one page as it was read, before its words are cut.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,12 +12,24 @@
 
 namespace vela::indexer {
 
+// In the place of a weight: that of the heading, if it is one.
+inline constexpr uint8_t kWeightOfHeading = 255;
+
 // A stretch of the page's text. All text is clean UTF-8 (see CleanText).
 struct TextRun {
   std::string text;
   uint8_t headingLevel = 0;  // 1 to 6 inside h1 to h6; 0 elsewhere
   std::string anchor = {};   // by which an address leads to this heading or defined term; or empty
+  uint8_t weight = kWeightOfHeading;  // 1 to 6: its words weigh as in such a heading; 0: as in text
 };
+
+// As the words of which heading those of the run weigh, 1 to 6; 0: of none.
+inline uint8_t WeightLevel(const TextRun& run) {
+  if (run.weight == kWeightOfHeading || run.weight == 0) {
+    return run.weight == 0 ? uint8_t{0} : run.headingLevel;
+  }
+  return run.headingLevel == 0 ? run.weight : std::min(run.weight, run.headingLevel);
+}
 
 // A meta element: its name in lower case, and its content, one line, trimmed. One that has another
 // attribute in the place of a name is called by that: its property, "itemprop:datemodified",
@@ -32,6 +45,18 @@ struct PageLink {
 // A longer text of a link tells of what it leads to, and is no name for it.
 inline constexpr size_t kLinkTextLimit = 200;
 
+// What came of what the owner says about the content of pages (docs/content.md).
+struct ContentUse {
+  uint32_t rule = 0;         // of the configuration that held: 0, or 1 on for one of [[content]]
+  uint32_t excluded = 0;     // elements, and stretches between remarks, left out
+  bool isChosen = false;     // the text is that of chosen elements alone
+  bool lacksChosen = false;  // none of those that the rule chooses holds text
+  bool isLeftOff = false;    // what the remark "vela:off" begins has no end
+  std::vector<uint32_t> selectors = {};  // that fit something, by number, each once
+
+  bool operator==(const ContentUse&) const = default;
+};
+
 struct PageContent {
   std::string title;               // one line, trimmed; empty when the page has none
   std::string description;         // the same, of the meta element
@@ -42,6 +67,7 @@ struct PageContent {
   std::vector<TextRun> body;       // in reading order
   std::vector<PageLink> links;     // with texts up to kLinkTextLimit bytes, in the page's order
   float linkShare = 0;             // of its text, what stands in links to other pages; 0 to 1
+  ContentUse use;
   std::string markupFault;  // where and why a page that browsers take for XML is none; else empty
 };
 

@@ -65,19 +65,23 @@ void PageText::Append(Strand strand, TextStyle style, std::string_view added) {
   hasContent = style.share == TextShare::kContent;
 }
 
-void PageText::Break(Strand strand, TextShare share) {
+void PageText::Break(Strand strand, TextShare share, TextRegion region) {
   const Piece& at = pieces[last[strand]];
   if (at.begin == at.end) return;
   // A blank of the frame goes with it.
   const bool counts = at.style.share != TextShare::kFrame || share == TextShare::kFrame;
   if (counts && text[at.end - 1] == ' ') return;
-  Append(strand, {at.style.headingLevel, share, at.style.section}, " ");
+  TextStyle style = at.style;
+  style.share = share;
+  style.region = region;
+  Append(strand, style, " ");
 }
 
-PageText::Place PageText::Mark(Strand strand, TextShare share) {
+PageText::Place PageText::Mark(Strand strand, TextShare share, TextRegion region) {
   const Place place = last[strand];
-  const TextStyle& before = pieces[place].style;
-  const TextStyle style = {before.headingLevel, share, before.section};
+  TextStyle style = pieces[place].style;
+  style.share = share;
+  style.region = region;
   if (AddPiece(strand, style) && Store(" ")) pieces[last[strand]].end = text.size();
   return place;
 }
@@ -103,20 +107,31 @@ void PageText::SetAnchor(uint32_t section, std::string anchor) {
 
 bool PageText::HasAnchor(uint32_t section) const { return !anchors[section - 1].empty(); }
 
-void PageText::CopyTo(std::vector<TextRun>& runs, bool withFrame) {
+void PageText::CopyTo(std::vector<TextRun>& runs, bool withFrame, TextRegion from) {
   TextRun run;
+  bool isApart = false;  // something was left out behind the last piece
   uint32_t section = 0;
   for (uint32_t i = 0; i != kNone; i = pieces[i].next) {
     const Piece& piece = pieces[i];
-    if (piece.style.share == TextShare::kFrame && !withFrame) continue;
+    const TextStyle& style = piece.style;
+    if (style.share == TextShare::kFrame && !withFrame) continue;
+    if (style.region < from) {
+      isApart = piece.begin != piece.end || isApart;
+      continue;
+    }
     const size_t length = piece.end - piece.begin;
-    if (!TakeSteps(budget, length + 1) || !MakeRoom(run.text, length, budget)) return;
-    if (piece.style.headingLevel != run.headingLevel || piece.style.section != section) {
+    if (!TakeSteps(budget, length + 1) || !MakeRoom(run.text, length + (isApart ? 1 : 0), budget))
+      return;
+    if (style.headingLevel != run.headingLevel || style.section != section ||
+        style.weight != run.weight) {
       Finish(run, runs, budget);
-      section = piece.style.section;
-      run = TextRun{{}, piece.style.headingLevel};
+      section = style.section;
+      run = TextRun{{}, style.headingLevel};
+      run.weight = style.weight;
       if (section != 0) run.anchor = anchors[section - 1];
     }
+    if (isApart && length != 0 && !run.text.empty()) run.text += ' ';
+    isApart = isApart && length == 0;
     run.text.append(text, piece.begin, length);
   }
   Finish(run, runs, budget);

@@ -24,10 +24,21 @@ enum class TextShare : uint8_t {
   kFrame,     // surrounds the content: text only where there is no content
 };
 
+// How near a part of a page is to what the page is about. Of some pages only the text from one of
+// these on counts.
+enum class TextRegion : uint8_t {
+  kPage,
+  kMain,    // in what the page calls its main part
+  kChosen,  // in an element that the owner chose
+};
+inline constexpr size_t kTextRegionCount = 3;
+
 struct TextStyle {
   uint8_t headingLevel = 0;  // 1 to 6; 0 outside of headings
   TextShare share = TextShare::kContent;
   uint32_t section = 0;  // which heading or defined term of the page (PageText::StartSection)
+  TextRegion region = TextRegion::kPage;
+  uint8_t weight = kWeightOfHeading;  // see TextRun
   bool operator==(const TextStyle&) const = default;
 };
 
@@ -41,12 +52,13 @@ class PageText {
   explicit PageText(ReadingBudget& takenFrom);
 
   void Append(Strand strand, TextStyle style, std::string_view text);
-  // A word that the strand ends with does not go on. Nothing at the beginning of a page.
-  void Break(Strand strand, TextShare share);
+  // A word that the strand ends with does not go on. Nothing at the beginning of a page. The blank
+  // between is of that share and region.
+  void Break(Strand strand, TextShare share, TextRegion region = TextRegion::kPage);
 
   // Where the strand ends now; what is appended to it later stands behind, and goes on with no word
   // from before.
-  Place Mark(Strand strand, TextShare share);
+  Place Mark(Strand strand, TextShare share, TextRegion region = TextRegion::kPage);
   // A new strand that ends at `place`, which must be no strand's already.
   Strand StartStrand(Place place);
 
@@ -60,8 +72,9 @@ class PageText {
   bool HasText() const { return hasText; }
   bool HasContent() const { return hasContent; }
 
-  // Appends the text to `runs`, clean (see CleanText) and without runs of nothing but blanks.
-  void CopyTo(std::vector<TextRun>& runs, bool withFrame);
+  // Appends the text to `runs`, clean (see CleanText) and without runs of nothing but blanks. What
+  // is outside of the region `from` and those after it is left out.
+  void CopyTo(std::vector<TextRun>& runs, bool withFrame, TextRegion from = TextRegion::kPage);
 
  private:
   struct Piece {

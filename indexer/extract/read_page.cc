@@ -86,7 +86,10 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
   ReadingBudget budget = StartReading(limits, file.bytes.size());
   const uint64_t fileSize = file.size;
   const int64_t fileTime = file.modifiedTime;
-  const Reason reason = ReadContent(item, std::move(file), wishes.documents, budget, page.content);
+  const ContentChoice& choice =
+      wishes.content == nullptr ? PlainContentChoice() : wishes.content->Of(item.address);
+  const Reason reason =
+      ReadContent(item, std::move(file), wishes.documents, choice, budget, page.content);
   if (reason != Reason::kNone) return reason;
   const PageContent& content = page.content;
   if (content.body.empty() && content.title.empty() && content.description.empty()) {

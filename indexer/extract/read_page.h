@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "indexer/config/site_config.h"
+#include "indexer/extract/content_choice.h"
 #include "indexer/extract/document_readers.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/reading_budget.h"
@@ -16,8 +17,9 @@ namespace vela::indexer {
 // What to take from pages beside their text, and by what means.
 struct PageWishes {
   bool images = true;
-  std::vector<DateSource> dates;         // tried in this order
-  DocumentReaders* documents = nullptr;  // not owned; null: documents are left out
+  std::vector<DateSource> dates;            // tried in this order
+  DocumentReaders* documents = nullptr;     // not owned; null: documents are left out
+  const ContentChoices* content = nullptr;  // not owned; null: the owner says nothing about it
 };
 
 // Reads what `file` holds of `item` into `page`, within `limits`. kNone, or why the page is left

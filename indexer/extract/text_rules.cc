@@ -74,6 +74,17 @@ TextState StateInside(const TextState& around, const ElementRole& role) {
     inside.style.share = TextShare::kFrame;
   }
   if (role.isHeadline) inside.style.share = TextShare::kHeadline;
+  if (role.weight != kWeightOfHeading) inside.style.weight = role.weight;
+  if (role.isMain && inside.style.region == TextRegion::kPage) {
+    inside.style.region = TextRegion::kMain;
+  }
+  if (role.isChosen) {
+    inside.style.region = TextRegion::kChosen;
+    inside.style.share = TextShare::kContent;
+    inside.isInHeader = false;
+  }
+  inside.isInNavigation = around.isInNavigation || role.isNavigation;
+  inside.path = {role.selectorParts, around.path.ancestors | role.selectorParts};
   return inside;
 }
 

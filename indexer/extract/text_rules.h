@@ -5,6 +5,7 @@
 
 #include "indexer/extract/html_tokens.h"
 #include "indexer/extract/page_text.h"
+#include "indexer/extract/selector_set.h"
 
 namespace vela::indexer {
 
@@ -17,10 +18,15 @@ struct ElementRole {
   bool isHeader = false;     // of the page; a frame
   bool isHeadline = false;   // the heading of the page, to keep even in its header
   bool enclosesContent = false;
-  bool isLink = false;       // leads to another page
-  bool isTime = false;       // its text is the time of the page
-  uint8_t headingLevel = 0;  // 1 to 6; 0: as around it
-  uint32_t section = 0;      // see TextStyle; 0: as around it
+  bool isLink = false;                // leads to another page
+  bool isTime = false;                // its text is the time of the page
+  bool isNavigation = false;          // and is content all the same
+  bool isMain = false;                // what the page calls its main part
+  bool isChosen = false;              // by the owner, as the content
+  uint8_t headingLevel = 0;           // 1 to 6; 0: as around it
+  uint32_t section = 0;               // see TextStyle; 0: as around it
+  uint8_t weight = kWeightOfHeading;  // see TextStyle; kWeightOfHeading: as around it
+  uint64_t selectorParts = 0;         // see SelectorFit
 };
 
 // What holds for text at some place.
@@ -29,8 +35,10 @@ struct TextState {
   bool isInert = false;
   bool isInHeader = false;  // in the header of the page, and in nothing else that frames it
   bool isInLink = false;    // to another page
-  bool isOfPage = true;     // no part of the page's content encloses it
+  bool isInNavigation = false;
+  bool isOfPage = true;  // no part of the page's content encloses it
   TextStyle style;
+  SelectorPath path;
   PageText::Strand strand = PageText::kPageStrand;
 };
 

@@ -53,6 +53,7 @@ void TreeConstruction::Take(TokenKind kind) {
     text = tokens.text();
   } else {
     FlushTableText();
+    if (kind == TokenKind::kComment) TakeComment();
     if (kind != TokenKind::kStartTag && kind != TokenKind::kEndTag) return;
     if (kind == TokenKind::kEndTag && nesting.TakeTooDeep(tokens.tag())) return;
   }
@@ -61,6 +62,11 @@ void TreeConstruction::Take(TokenKind kind) {
     TakeSteps(budget, 1);
     outcome = TakesForeignRules(kind) ? TakeForeign(kind) : TakeByMode(kind);
   }
+}
+
+void TreeConstruction::TakeComment() {
+  const bool isInert = nesting.open.Count() > 0 && nesting.open.Current().inside.isInert;
+  if (!isInert) content.TakeComment(tokens.comment());
 }
 
 // --- What the modes share.

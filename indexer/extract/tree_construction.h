@@ -22,7 +22,10 @@ class TreeConstruction {
  public:
   // All must outlive this.
   TreeConstruction(std::string_view html, HtmlContent& told, ReadingBudget& takenFrom)
-      : tokens(html, takenFrom), content(told), budget(takenFrom), nesting(told, takenFrom) {}
+      : tokens(html, takenFrom, told.askedAttributes()),
+        content(told),
+        budget(takenFrom),
+        nesting(told, takenFrom) {}
 
   // To the end of the page, or until the budget is used up.
   void Run();
@@ -53,6 +56,7 @@ class TreeConstruction {
   enum class Outcome : uint8_t { kDone, kAgain };  // kAgain: to take by the rules that hold now
 
   void Take(TokenKind kind);
+  void TakeComment();
   bool IsForeignNow();
   bool TakesForeignRules(TokenKind kind);
   Outcome TakeForeign(TokenKind kind);

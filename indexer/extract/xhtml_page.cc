@@ -86,6 +86,7 @@ class XhtmlReading {
   static void OnStart(void* self, const XML_Char* name, const XML_Char** attributes);
   static void OnEnd(void* self, const XML_Char* name);
   static void OnText(void* self, const XML_Char* text, int length);
+  static void OnComment(void* self, const XML_Char* text);
   static void OnUnknownEntity(void* self, const XML_Char* name, int isParameter);
   static int OnExternalEntity(XML_Parser parser, const XML_Char* context, const XML_Char* base,
                               const XML_Char* systemId, const XML_Char* publicId);
@@ -144,6 +145,14 @@ void XhtmlReading::OnText(void* self, const XML_Char* text, int length) {
   Handle(self, found.size(), [&](XhtmlReading& reading) { reading.Text(found); });
 }
 
+void XhtmlReading::OnComment(void* self, const XML_Char* text) {
+  const std::string_view found = text;
+  Handle(self, found.size(), [&](XhtmlReading& reading) {
+    if (reading.charactersDepth == 0 && !reading.Around().isInert)
+      reading.content.TakeComment(found);
+  });
+}
+
 // It stays in the text as it is written.
 void XhtmlReading::OnUnknownEntity(void* self, const XML_Char* name, int isParameter) {
   if (isParameter != 0) return;
@@ -177,6 +186,7 @@ void XhtmlReading::Start(std::string_view name, const XML_Char** attributes) {
       std::ranges::any_of(tag.name, [](char c) { return ToLowerAscii(c) != c; });
   if (!isHtml || !hasCapitals) tag.element = FindElement(tag.name);
   tag.valuesAreText = true;
+  tag.asked = content.askedAttributes();
   for (; attributes[0] != nullptr; attributes += 2) {
     TakeSteps(budget, strlen(attributes[1]));
     AddAttribute(attributes[0], attributes[1], tag);
@@ -191,7 +201,7 @@ void XhtmlReading::Start(std::string_view name, const XML_Char** attributes) {
     return;
   }
   if (isHtml && tag.element == Element::kTable) {
-    content.pageText().Mark(around.strand, around.style.share);
+    content.pageText().Mark(around.strand, around.style.share, around.style.region);
   }
   open.push_back({role, inside});
   if (!holdsCharacters) return;
@@ -246,6 +256,7 @@ Reason XhtmlReading::Read(std::string_view xml, std::string& fault) {
   XML_SetUserData(parser, this);
   XML_SetElementHandler(parser, &OnStart, &OnEnd);
   XML_SetCharacterDataHandler(parser, &OnText);
+  XML_SetCommentHandler(parser, &OnComment);
   XML_SetSkippedEntityHandler(parser, &OnUnknownEntity);
   XML_SetExternalEntityRefHandler(parser, &OnExternalEntity);
   XML_SetParamEntityParsing(parser, XML_PARAM_ENTITY_PARSING_ALWAYS);
@@ -268,10 +279,10 @@ Reason XhtmlReading::Read(std::string_view xml, std::string& fault) {
 }  // namespace
 
 Reason ParseXhtmlPage(std::string_view xml, ReadingBudget& budget, PageContent& page,
-                      std::string& fault) {
+                      std::string& fault, const ContentChoice& choice) {
   page = PageContent();
   fault.clear();
-  HtmlContent content(page, budget);
+  HtmlContent content(page, budget, choice);
   const std::string declarations = EntityDeclarations(xml, budget);
   Reason reason = XhtmlReading(content, budget, declarations).Read(xml, fault);
   if (reason == Reason::kNone && fault.empty()) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "indexer/extract/content_choice.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/reading_budget.h"
 #include "indexer/report/reason.h"
@@ -18,6 +19,7 @@ namespace vela::indexer {
 // tag"); in all other cases `fault` is empty. kNone, kNoindex, or why `budget` ended the reading,
 // kind by kind as ParseHtmlPage has it. Throws std::bad_alloc when there is no memory.
 [[nodiscard]] Reason ParseXhtmlPage(std::string_view xml, ReadingBudget& budget, PageContent& page,
-                                    std::string& fault);
+                                    std::string& fault,
+                                    const ContentChoice& choice = PlainContentChoice());
 
 }  // namespace vela::indexer

@@ -59,6 +59,8 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kNoOldOfficeProgram, "no_old_office_program",
      "the program that reads it is not installed (package catdoc)"},
     {Reason::kNotWellFormed, "not_well_formed", "no well-formed XHTML, read as HTML"},
+    {Reason::kLeftOff, "left_off", "\"vela:off\" without \"vela:on\": all behind it is left out"},
+    {Reason::kNothingChosen, "nothing_chosen", "no text in only_elements: taken as a whole"},
     {Reason::kBrokenLink, "broken_link", "link that leads nowhere"},
     {Reason::kBrokenPlace, "no_place", "link to a place that its page does not have"},
     {Reason::kNotInList, "not_in_list", "not in the list of values"},
@@ -68,6 +70,9 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kUnusedCategory, "unused_category", "the category \"%\" fits no page"},
     {Reason::kUnusedBoost, "unused_boost", "this [[boost]] fits no page"},
     {Reason::kUnusedField, "unused_field", "no page has a value for the field \"%\""},
+    {Reason::kUnusedContent, "unused_content", "this [[content]] holds for no page"},
+    {Reason::kUnusedSelector, "unused_selector",
+     "the selector \"%\" fits nothing that is content otherwise"},
     {Reason::kFileDatesShared, "file_dates_shared",
      "most files were changed on one day, %: their time is not shown as the date of a page "
      "(file_dates)"},

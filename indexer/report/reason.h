@@ -62,8 +62,10 @@ enum class Reason : uint8_t {
   kNoPdfProgram,
   kNoOldOfficeProgram,
 
-  // A page that is indexed all the same; the value is where and why.
-  kNotWellFormed,
+  // A page that is indexed all the same.
+  kNotWellFormed,  // the value is where and why
+  kLeftOff,
+  kNothingChosen,
 
   // A link of a page; the value is where it leads to.
   kBrokenLink,
@@ -79,6 +81,8 @@ enum class Reason : uint8_t {
   kUnusedCategory,
   kUnusedBoost,
   kUnusedField,
+  kUnusedContent,
+  kUnusedSelector,
   kFileDatesShared,  // `subject`: the day
   kNoPageToRecommend,
   kNoKeyword,

@@ -133,12 +133,24 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
   if (summary.otherKinds.total != 0) {
     text += "Not read, being no kind of page: " + KindsText(summary.otherKinds) + ".\n";
   }
+  const ContentSummary& content = summary.content;
+  if (content.excluded != 0) {
+    text += "Not content, as you say: " + CountText(content.excluded) +
+            (content.excluded == 1 ? " part of " : " parts of ") +
+            CountText(content.excludingPages) +
+            (content.excludingPages == 1 ? " page.\n" : " pages.\n");
+  }
+  if (content.chosenPages != 0) {
+    text += "Of " + CountText(content.chosenPages) +
+            (content.chosenPages == 1 ? " page" : " pages") +
+            " only the parts that you chose are in the index.\n";
+  }
   if (summary.metaValues.total != 0) {
     text += "Meta elements that do not fit their field:\n";
     AddGroups(summary.metaValues, text);
   }
   if (summary.remarks.total != 0) {
-    text += "Pages that browsers may show in another way:\n";
+    text += "Remarks on pages that are in the index:\n";
     AddGroups(summary.remarks, text);
   }
   text += LinksText(summary.links);

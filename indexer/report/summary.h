@@ -13,6 +13,13 @@
 
 namespace vela::indexer {
 
+// Of what the owner says about the content of pages.
+struct ContentSummary {
+  uint64_t excluded = 0;        // elements, and stretches between remarks
+  uint64_t excludingPages = 0;  // pages that have such
+  uint64_t chosenPages = 0;     // of which only chosen elements are in the index
+};
+
 struct IndexSummary {
   uint64_t pages = 0;
   uint64_t words = 0;        // different ones, reserved entries not counted
@@ -24,7 +31,8 @@ struct IndexSummary {
   LeftOut files;
   LeftOut otherKinds;  // files of kinds that are not read, by ending
   LeftOut metaValues;  // of meta fields
-  LeftOut remarks;     // on pages that are in the index
+  ContentSummary content;
+  LeftOut remarks;  // on pages that are in the index
   BrokenLinks links;
   IndexChanges changes;           // of a dry run, and where the report tells them
   bool isDryRun = false;          // nothing was put into place

@@ -155,7 +155,7 @@ class Manual(unittest.TestCase):
 class Configuration(unittest.TestCase):
     # What a table must hold before its other keys are looked at.
     NEEDED = {"category": 'name = "n"\npages = ["a"]', "boost": 'factor = 2\npages = ["a"]',
-              "field": 'name = "n"', "synonym": 'words = ["a", "b"]'}
+              "content": 'pages = ["a"]', "field": 'name = "n"', "synonym": 'words = ["a", "b"]'}
     RECOMMENDED_PAGE = '[[recommended.page]]\nkeywords = "k"\naddress = "a"'
 
     def known(self, before):

@@ -93,6 +93,8 @@ PageBlock FullBlock() {
   page.facts.fileType = FileType::kText;
   page.content.markupFault = "line 3: mismatched tag";
   page.content.linkShare = 0.25F;
+  page.content.use = {
+      .rule = 7, .excluded = 300, .isChosen = true, .isLeftOff = true, .selectors = {5, 200000}};
   page.content.metas = {{"price", "cheap"}};
   page.content.links = {{"https://x.example/c", "C contact"}, {"https://y.example/c", "D"}};
   std::string words;
@@ -114,6 +116,8 @@ TEST(BlockBytes, ABlockReadsBackAsItWas) {
   EXPECT_EQ(read.facts.fileType, FileType::kText);
   EXPECT_EQ(read.markupFault, "line 3: mismatched tag");
   EXPECT_EQ(read.linkShare, 0.25F);
+  EXPECT_EQ(read.use, block.use);
+  EXPECT_EQ(read.use.selectors.size(), 2u);
   EXPECT_TRUE(read.prints.isLong);
   EXPECT_EQ(read.prints.whole, block.prints.whole);
   ASSERT_EQ(read.metaFaults.size(), 1u);

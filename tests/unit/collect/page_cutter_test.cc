@@ -161,6 +161,20 @@ TEST(PageTokens, KnowsTheZones) {
   EXPECT_FALSE(page.vocabulary.words[page.Find("b")->word].inTitle);
 }
 
+TEST(PageTokens, TheOwnersWeightIsAZoneAndNoHeading) {
+  const CutResult page = CutOf({{.text = "a", .weight = 1},
+                                {.text = "b", .headingLevel = 1, .weight = 0},
+                                {.text = "c", .headingLevel = 6, .weight = 2},
+                                {.text = "d"}},
+                               "t", "", "", {.endsHeadings = true});
+  EXPECT_EQ(page.Find("a")->zones, kInMainHeading);
+  EXPECT_EQ(page.Find("b")->zones, 0);
+  EXPECT_EQ(page.Find("c")->zones, kInHeading);
+  EXPECT_EQ(page.Find("d")->zones, 0);
+  // Behind b and c stands the full stop of a heading.
+  EXPECT_EQ(page.Tokens(), "a b # c # d | t .");
+}
+
 TEST(PageTokens, BlocksOfAShortPageHave32Words) {
   const CutResult page = CutOf({{Words(65), 0}}, "t");
   EXPECT_EQ(page.Find("w0")->blocks, 0x80);

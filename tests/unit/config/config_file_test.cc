@@ -256,6 +256,16 @@ TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
       {"[[category]]\npages = [\"a\"]\n", "line 1: ", "needs name"},
       {"[[category]]\nname = \"N\"\n", "line 1: ", "The category \"N\" needs pages"},
       {"[category]\nname = \"N\"\n", "line 1: ", "write [[category]] before each"},
+      {"[[content]]\nmain = \"all\"\n", "line 1: ", "needs pages"},
+      {"[[content]]\npages = [\"a\"]\nnavigation = \"yes\"\n",
+       "line 3: ", "navigation in [[content]] cannot be \"yes\". Give one of leave_out, index."},
+      {"[index]\nmain = true\n", "line 2: ", "main in [index] must be a text in quotes."},
+      {"[index]\nexclude_elements = \"nav\"\n", "line 2: ", "must be a list"},
+      {"[index]\nonly_elements = [\n \"p\",\n \"h1 + p\"]\n", "line 2: ",
+       "only_elements in [index] holds \"h1 + p\", which is no selector from \"+ p\" on. Elements "
+       "beside others are not told apart: only a blank and > can stand between."},
+      {"[index]\nexclude_elements = [\"a,\"]\n",
+       "line 2: ", "holds \"a,\", which is no selector where it ends. The name"},
       {"[[boost]]\npages = [\"a\"]\n", "line 1: ", "needs factor"},
       {"[[synonym]]\n", "line 1: ", "needs words"},
       {"[[synonym]]\nwords = [\"mail\"]\n", "line 1: ", "two at least"},
@@ -456,6 +466,63 @@ factor = 2
             (std::vector<std::string>{"Mein%20Caf%C3%A9/*", "a%2Fb?.html"}));
   EXPECT_EQ(config.boosts[0].pages, std::vector<std::string>{"it%27s/*"});
   EXPECT_EQ(config.boosts[0].where, "/owner/vela_index.toml, line 4");
+}
+
+// The texts of selectors, and their numbers.
+std::string Told(const std::vector<ElementSelector>& selectors) {
+  std::string told;
+  for (const ElementSelector& each : selectors) {
+    told += (told.empty() ? "" : " ") + each.text + ":" + std::to_string(each.number);
+  }
+  return told;
+}
+
+TEST(ConfigFile, ReadsWhatOfPagesIsTheirContent) {
+  const SiteConfig config = Read(R"([index]
+exclude_elements = [".ad, #menu", "nav > a"]
+navigation = "index"
+[[content]]
+pages = ["news/it's/*"]
+only_elements = ["article"]
+main = "prefer"
+[[content]]
+pages = ["*"]
+exclude_elements = [".x"]
+navigation = "leave_out"
+)")
+                                .config;
+  EXPECT_EQ(Told(config.content.excludeElements), ".ad:0 #menu:1 nav > a:2");
+  EXPECT_EQ(Told(config.content.onlyElements), "");
+  EXPECT_TRUE(config.content.indexesNavigation);
+  EXPECT_FALSE(config.content.prefersMain);
+  ASSERT_EQ(config.contentRules.size(), 2u);
+  const ContentRule& news = config.contentRules[0];
+  EXPECT_EQ(news.pages, std::vector<std::string>{"news/it%27s/*"});
+  EXPECT_EQ(Told(news.excludeElements), ".ad:0 #menu:1 nav > a:2");  // as [index] has it
+  EXPECT_EQ(Told(news.onlyElements), "article:3");
+  EXPECT_TRUE(news.indexesNavigation);
+  EXPECT_TRUE(news.prefersMain);
+  EXPECT_EQ(news.where, "/owner/vela_index.toml, line 4");
+  const ContentRule& others = config.contentRules[1];
+  EXPECT_EQ(Told(others.excludeElements), ".x:4");
+  EXPECT_FALSE(others.indexesNavigation);
+  EXPECT_FALSE(others.prefersMain);
+  ASSERT_EQ(config.selectors.size(), 5u);
+  EXPECT_EQ(config.selectors[2].text, "nav > a");
+  EXPECT_EQ(config.selectors[2].where, "");
+  EXPECT_EQ(config.selectors[4].where, "/owner/vela_index.toml, line 8");
+}
+
+TEST(ConfigFile, SelectorsHaveLimits) {
+  std::string many = "[index]\nexclude_elements = [";
+  for (int i = 0; i < 200; ++i) many += "\"p\", ";
+  EXPECT_EQ(Read(many + "]").config.selectors.size(), 200u);
+  EXPECT_NE(MessageOf(many + "\"p\"]").find("holds more than 200 selectors."), std::string::npos);
+  std::string deep = "[index]\nonly_elements = [\"a b\"]\nexclude_elements = [";
+  for (int i = 0; i < 63; ++i) deep += "\"p > b\", ";
+  EXPECT_EQ(Read(deep + "\"p\"]").config.selectors.size(), 65u);
+  EXPECT_NE(MessageOf(deep + "\"a b\"]").find("more than 64 blanks and > together"),
+            std::string::npos);
 }
 
 }  // namespace

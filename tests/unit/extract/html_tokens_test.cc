@@ -46,6 +46,44 @@ std::string Tokens(std::string_view html, bool inForeign = false) {
   }
 }
 
+TEST(HtmlTokens, TellsWhatCommentsSay) {
+  const struct {
+    const char* html;
+    const char* expected;
+  } kCases[] = {
+      {"<!-- a - b -- c -->", " a - b -- c "},
+      {"<!--a--!>", "a"},
+      {"<!---->", ""},
+      {"<!-->a", ""},
+      {"<!--->a", ""},
+      {"<!--a>b", "a>b"},  // to the end of the page
+      {"<!a>", ""},
+      {"<?a>", ""},
+      {"</ a>", ""},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.html);
+    ReadingBudget budget;
+    const std::string page = std::string("<!--before-->") + c.html;
+    HtmlTokens tokens(page, budget);
+    ASSERT_EQ(tokens.Next(false), TokenKind::kComment);
+    EXPECT_EQ(tokens.comment(), "before");
+    ASSERT_EQ(tokens.Next(false), TokenKind::kComment);
+    EXPECT_EQ(tokens.comment(), c.expected);
+  }
+}
+
+TEST(HtmlTokens, KnowsItsAttributesInAnyCase) {
+  EXPECT_EQ(FindAttribute("alt"), Attribute::kAlt);
+  EXPECT_EQ(FindAttribute("Data-Vela-Body"), Attribute::kDataVelaBody);
+  EXPECT_EQ(FindAttribute("DATA-VELA-WEIGHT"), Attribute::kDataVelaWeight);
+  EXPECT_EQ(FindAttribute("xml:lang"), Attribute::kXmlLang);
+  EXPECT_EQ(FindAttribute(""), Attribute::kCount);
+  EXPECT_EQ(FindAttribute("alu"), Attribute::kCount);
+  EXPECT_EQ(FindAttribute("data-vela-weights"), Attribute::kCount);
+  EXPECT_EQ(FindAttribute(std::string(1000, 'a')), Attribute::kCount);
+}
+
 struct TokenCase {
   const char* what;
   std::string_view html, expected;

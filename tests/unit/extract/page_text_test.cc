@@ -43,6 +43,43 @@ TEST(PageText, ABreakIsOneBlankAndNoneAtTheBeginning) {
   EXPECT_EQ(Told(text), "<2>a b|");
 }
 
+TEST(PageText, WhatIsTakenCanBeginAtARegion) {
+  ReadingBudget budget;
+  PageText text(budget);
+  const TextStyle main = {.region = TextRegion::kMain};
+  const TextStyle chosen = {.region = TextRegion::kChosen};
+  text.Append(0, kPlain, "a");
+  text.Append(0, main, "b");
+  text.Append(0, chosen, "c");
+  text.Append(0, main, "d");
+  text.Break(0, TextShare::kContent, TextRegion::kMain);
+  text.Append(0, kPlain, "e");
+  text.Append(0, main, "f");
+  const auto from = [&text](TextRegion region) {
+    std::vector<TextRun> runs;
+    text.CopyTo(runs, false, region);
+    return runs.empty() ? "" : runs[0].text;
+  };
+  EXPECT_EQ(from(TextRegion::kPage), "abcd ef");
+  EXPECT_EQ(from(TextRegion::kMain), "bcd  f");  // what was left out between parts words
+  EXPECT_EQ(from(TextRegion::kChosen), "c");
+}
+
+TEST(PageText, RunsAreOfOneWeight) {
+  ReadingBudget budget;
+  PageText text(budget);
+  text.Append(0, kPlain, "a");
+  text.Append(0, {.weight = 2}, "b");
+  text.Append(0, {.headingLevel = 2}, "c");
+  std::vector<TextRun> runs;
+  text.CopyTo(runs, false);
+  ASSERT_EQ(runs.size(), 3u);
+  EXPECT_EQ(runs[0].weight, kWeightOfHeading);
+  EXPECT_EQ(runs[1].weight, 2);
+  EXPECT_EQ(runs[1].headingLevel, 0);
+  EXPECT_EQ(runs[2].weight, kWeightOfHeading);
+}
+
 TEST(PageText, StrandsEndWhereTheyWereStarted) {
   ReadingBudget budget;
   PageText text(budget);

@@ -34,9 +34,25 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
             "  1  noindex: a?[2J.html\n"
             "Meta elements that do not fit their field:\n"
             "  1  price: no amount: a.html (\"cheap\")\n"
-            "Pages that browsers may show in another way:\n"
+            "Remarks on pages that are in the index:\n"
             "  1  no well-formed XHTML, read as HTML: a.xhtml (\"line 3: mismatched tag\")\n"
             "Warning: the category \"News\" fits no page.\n");
+}
+
+TEST(Summary, TellsWhatIsNoContent) {
+  IndexSummary summary;
+  summary.content = {.excluded = 1200, .excludingPages = 30, .chosenPages = 2};
+  const std::string text = SummaryText(summary, "i", 1);
+  EXPECT_NE(text.find("Not content, as you say: 1,200 parts of 30 pages.\n"
+                      "Of 2 pages only the parts that you chose are in the index.\n"),
+            std::string::npos)
+      << text;
+  summary.content = {.excluded = 1, .excludingPages = 1, .chosenPages = 1};
+  const std::string one = SummaryText(summary, "i", 1);
+  EXPECT_NE(one.find("Not content, as you say: 1 part of 1 page.\n"
+                     "Of 1 page only the parts that you chose are in the index.\n"),
+            std::string::npos)
+      << one;
 }
 
 TEST(Summary, NamesTheKindsThatAreNotRead) {

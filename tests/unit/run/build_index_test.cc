@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "index/lookup_file.h"
+#include "indexer/config/config_file.h"
 #include "indexer/report/index_error.h"
 #include "support/indexer_site.h"
 #include "support/largest_allocation.h"
@@ -451,6 +452,43 @@ TEST(BuildIndex, TellsOfRulesThatFitNoPage) {
     EXPECT_EQ(summary.warnings[i].reason, kExpected[i].reason);
     EXPECT_EQ(FindingText(summary.warnings[i]), kExpected[i].text);
   }
+}
+
+TEST(BuildIndex, TakesWhatTheOwnerCallsContent) {
+  TestSite site;
+  ReadConfigText(R"([index]
+exclude_elements = [".ad", ".never"]
+[[content]]
+pages = ["shop/*"]
+only_elements = ["#goods"]
+[[content]]
+pages = ["gone/*"]
+)",
+                 "/owner/x.toml", site.options);
+  site.Add("a.html", "<p>one<p class=ad>two<p data-vela-ignore>three");
+  site.Add("b.html", "four<!-- vela:off -->five");
+  site.Add("shop/c.html", "<p>six</p><div id=goods>seven<p class=ad>eight</div>");
+  site.Add("shop/d.html", "nine");
+  const IndexSummary summary = site.Build();
+  for (const char* word : {"one", "four", "seven", "nine"}) {
+    EXPECT_NE(DictionaryWords(site).find(word), std::string::npos) << word;
+  }
+  for (const char* word : {"two", "three", "five", "six", "eight"}) {
+    EXPECT_EQ(DictionaryWords(site).find(word), std::string::npos) << word;
+  }
+  EXPECT_EQ(summary.content.excluded, 4u);
+  EXPECT_EQ(summary.content.excludingPages, 3u);
+  EXPECT_EQ(summary.content.chosenPages, 1u);
+  ASSERT_EQ(summary.remarks.entries.size(), 2u);
+  EXPECT_EQ(summary.remarks.entries[0].reason, Reason::kLeftOff);
+  EXPECT_EQ(summary.remarks.entries[0].path, "b.html");
+  EXPECT_EQ(summary.remarks.entries[1].reason, Reason::kNothingChosen);
+  EXPECT_EQ(summary.remarks.entries[1].path, "shop/d.html");
+  ASSERT_EQ(summary.warnings.size(), 2u);
+  EXPECT_EQ(FindingText(summary.warnings[0]),
+            "/owner/x.toml, line 6: this [[content]] holds for no page");
+  EXPECT_EQ(FindingText(summary.warnings[1]),
+            "the selector \".never\" fits nothing that is content otherwise");
 }
 
 TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
