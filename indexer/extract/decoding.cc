@@ -14,6 +14,7 @@
 
 #include "indexer/extract/declared_charset.h"
 #include "indexer/words/clean_text.h"
+#include "indexer/words/eight_bytes.h"
 #include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
@@ -202,10 +203,18 @@ bool IsJapaneseBySwitches(std::string_view bytes) {
 // Text holds hardly any control bytes; a picture or an archive is full of them.
 bool LooksBinary(std::string_view bytes) {
   size_t controls = 0;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 && !IsBlank(c) && byte != 0x0B && byte != 0x1B && byte != 0x1A) ++controls;
+  const auto count = [&controls](std::string_view piece) {
+    for (const char c : piece) {
+      const auto byte = static_cast<unsigned char>(c);
+      if (byte < 0x20 && !IsBlank(c) && byte != 0x0B && byte != 0x1B && byte != 0x1A) ++controls;
+    }
+  };
+  constexpr size_t kPiece = sizeof(uint64_t);
+  size_t at = 0;
+  for (; bytes.size() - at >= kPiece; at += kPiece) {
+    if (HoldsLess(EightBytes(bytes.data() + at), ' ')) count(bytes.substr(at, kPiece));
   }
+  count(bytes.substr(at));
   return controls > 4 + bytes.size() / 200;
 }
 
@@ -259,7 +268,7 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
     }
   }
   CheckBudget(budget);
-  std::ranges::replace(utf8, '\0', ' ');
+  for (size_t at = utf8.find('\0'); at != utf8.npos; at = utf8.find('\0', at)) utf8[at] = ' ';
   return budget.status;
 }
 

@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <utility>
 
+#include "indexer/words/eight_bytes.h"
+#include "text/ascii.h"
 #include "text/signs.h"
 
 namespace vela::indexer {
@@ -55,18 +57,45 @@ void Compose(std::string& text) {
   if (U_SUCCESS(status)) text = std::move(composed);
 }
 
+bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
+
+// The end of the ASCII characters from `begin` on.
+size_t AsciiEnd(std::string_view text, size_t begin) {
+  for (; text.size() - begin >= sizeof(uint64_t); begin += sizeof(uint64_t)) {
+    if ((EightBytes(text.data() + begin) & kHighBits) != 0) break;
+  }
+  while (begin < text.size() && IsAscii(text[begin])) ++begin;
+  return begin;
+}
+
+// Makes blanks of the control characters in ASCII text.
+void BlankControls(char* at, char* end) {
+  constexpr uint64_t kDelete = 0x7F7F7F7F7F7F7F7F;
+  const auto blank = [](char& c) {
+    if (IsControl(c)) c = ' ';
+  };
+  for (; end - at >= static_cast<ptrdiff_t>(sizeof(uint64_t)); at += sizeof(uint64_t)) {
+    const uint64_t bytes = EightBytes(at);
+    if (!HoldsLess(bytes, ' ') && !HoldsLess(bytes ^ kDelete, 1)) continue;
+    std::for_each_n(at, sizeof(uint64_t), blank);
+  }
+  std::for_each(at, end, blank);
+}
+
 // `text` is valid UTF-8.
 std::string WithPlainSigns(std::string_view text) {
   std::string clean;
   clean.reserve(text.size());
   const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
   for (size_t i = 0; i < text.size();) {
+    const size_t begin = i;
     if (bytes[i] < 0x80) {
-      const char c = text[i++];
-      clean += static_cast<unsigned char>(c) < 0x20 || c == 0x7F ? ' ' : c;
+      i = AsciiEnd(text, begin);
+      const size_t kept = clean.size();
+      clean.append(text, begin, i - begin);
+      BlankControls(clean.data() + kept, clean.data() + clean.size());
       continue;
     }
-    const size_t begin = i;
     UChar32 c = 0;
     U8_NEXT(bytes, i, text.size(), c);
     switch (KindOf(static_cast<char32_t>(c))) {
@@ -94,7 +123,7 @@ bool IsValidUtf8(std::string_view text) {
   const size_t length = text.size();
   while (i < length) {
     if (bytes[i] < 0x80) {
-      ++i;
+      i = AsciiEnd(text, i);
       continue;
     }
     UChar32 c = 0;
@@ -113,26 +142,31 @@ std::string RepairedUtf8(std::string_view bytes) {
 }
 
 void CleanText(std::string& text) {
-  const bool ascii =
-      std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  if (!ascii) {
-    if (!IsValidUtf8(text)) text = RepairedUtf8(text);
-    LimitMarkRuns(text);
-    Compose(text);
+  if (AsciiEnd(text, 0) == text.size()) {
+    BlankControls(text.data(), text.data() + text.size());
+    return;
   }
+  if (!IsValidUtf8(text)) text = RepairedUtf8(text);
+  LimitMarkRuns(text);
+  Compose(text);
   text = WithPlainSigns(text);
 }
 
 std::string CollapseBlanks(const std::string& text) {
-  std::string out;
+  std::string out(text.size(), '\0');
+  size_t length = 0;
+  bool isWanted = false;  // a blank
   for (const char c : text) {
-    if (c != ' ') {
-      out += c;
-    } else if (!out.empty() && out.back() != ' ') {
-      out += ' ';
+    if (c == ' ') {
+      if (isWanted) out[length++] = ' ';
+      isWanted = false;
+    } else {
+      out[length++] = c;
+      isWanted = true;
     }
   }
-  if (!out.empty() && out.back() == ' ') out.pop_back();
+  if (length != 0 && !isWanted) --length;
+  out.resize(length);
   return out;
 }
 

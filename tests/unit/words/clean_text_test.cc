@@ -60,7 +60,29 @@ TEST(CleanText, LimitsTheMarksOverOneLetter) {
   EXPECT_FALSE(decomposed.empty());
 }
 
+// Text is looked at several bytes at a time.
+TEST(CleanText, AnyPlaceIsLikeTheOthers) {
+  for (size_t length = 0; length < 40; ++length) {
+    const std::string before(length, 'x');
+    for (size_t more = 0; more < 20; ++more) {
+      const std::string after(more, '~');
+      for (const char* control : {"\x01", "\x1F", "\x7F", "\n"}) {
+        for (const char* letter : {"", "\u00E9"}) {
+          std::string text = before + control + after + letter;
+          CleanText(text);
+          EXPECT_EQ(text, before + " " + after + letter);
+        }
+      }
+      EXPECT_TRUE(IsValidUtf8(before + "\u20AC" + after));
+      EXPECT_FALSE(IsValidUtf8(before + "\x80" + after));
+      EXPECT_FALSE(IsValidUtf8(before + "\u20AC" + after + "\xC3"));
+    }
+  }
+}
+
 TEST(CleanText, CollapsesBlanks) {
+  EXPECT_EQ(CollapseBlanks("a"), "a");
+  EXPECT_EQ(CollapseBlanks("a  "), "a");
   EXPECT_EQ(CollapseBlanks("  a   b c "), "a b c");
   EXPECT_EQ(CollapseBlanks("   "), "");
   EXPECT_EQ(CollapseBlanks(""), "");

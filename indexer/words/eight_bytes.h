@@ -1,0 +1,24 @@
+// eight_bytes.h: looking at text eight bytes at a time.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+namespace vela::indexer {
+
+inline constexpr uint64_t kHighBits = 0x8080808080808080;
+
+// The bytes from `at` on, in whatever order.
+inline uint64_t EightBytes(const char* at) {
+  uint64_t bytes = 0;
+  memcpy(&bytes, at, sizeof bytes);
+  return bytes;
+}
+
+// Whether one of the bytes is less than `limit`, 0x80 at most.
+inline bool HoldsLess(uint64_t bytes, unsigned char limit) {
+  constexpr uint64_t kEach = 0x0101010101010101;
+  return ((bytes - kEach * limit) & ~bytes & kHighBits) != 0;
+}
+
+}  // namespace vela::indexer
