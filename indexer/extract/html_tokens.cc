@@ -86,10 +86,8 @@ std::string_view ResolvedValue(const Tag& tag, Attribute attribute, std::string&
   return Resolved(tag, tag.values[static_cast<size_t>(attribute)], room);
 }
 
-std::optional<std::string_view> ResolvedValue(const Tag& tag, size_t asked, std::string& room) {
-  const auto found = std::ranges::find(tag.askedValues, asked, &Tag::AskedValue::name);
-  if (found == tag.askedValues.end()) return std::nullopt;
-  return Resolved(tag, found->value, room);
+std::string_view ResolvedValue(const Tag& tag, const Tag::AskedValue& asked, std::string& room) {
+  return Resolved(tag, asked.value, room);
 }
 
 size_t AttributeNames::Find(std::string_view name) const {

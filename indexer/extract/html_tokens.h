@@ -5,7 +5,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -101,8 +100,8 @@ std::string AttributeValue(const Tag& tag, Attribute attribute);
 // `room`.
 std::string_view ResolvedValue(const Tag& tag, Attribute attribute, std::string& room);
 
-// The same of the attribute at that place of `tag.asked`; none when the tag does not have it.
-std::optional<std::string_view> ResolvedValue(const Tag& tag, size_t asked, std::string& room);
+// The same of one of `tag.askedValues`.
+std::string_view ResolvedValue(const Tag& tag, const Tag::AskedValue& asked, std::string& room);
 
 enum class TokenKind : uint8_t { kText, kStartTag, kEndTag, kComment, kDoctype, kEnd };
 

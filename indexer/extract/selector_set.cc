@@ -53,22 +53,22 @@ uint32_t SelectorSet::NewTest() {
   return static_cast<uint32_t>(partsOfTest_.size() - 1);
 }
 
-SelectorSet::AttributeTests& SelectorSet::TestsOf(const std::string& attribute) {
-  const auto found = std::ranges::find(attributes_, attribute, &AttributeTests::name);
-  if (found != attributes_.end()) return *found;
-  AttributeTests& added = attributes_.emplace_back();
-  added.name = attribute;
-  added.known = FindAttribute(attribute);
-  if (added.known == Attribute::kCount) {
-    asked_.Add(attribute);
-    added.asked = asked_.Find(attribute);
+std::vector<SelectorSet::ValueTestOf>& SelectorSet::TestsOf(const std::string& attribute) {
+  const Attribute known = FindAttribute(attribute);
+  if (known != Attribute::kCount) {
+    const auto found = std::ranges::find(known_, known, &KnownAttribute::attribute);
+    if (found != known_.end()) return found->tests;
+    return known_.emplace_back(KnownAttribute{known, {}}).tests;
   }
-  return added;
+  const size_t place = asked_.Find(attribute);
+  if (place != AttributeNames::kNone) return testsOfAsked_[place];
+  asked_.Add(attribute);
+  return testsOfAsked_.emplace_back();
 }
 
 uint32_t SelectorSet::TestOf(const SimpleSelector& simple) {
   if (simple.kind == SimpleSelector::Kind::kAttribute) {
-    std::vector<ValueTestOf>& tests = TestsOf(simple.name).tests;
+    std::vector<ValueTestOf>& tests = TestsOf(simple.name);
     for (const ValueTestOf& known : tests) {
       if (known.test == simple.test && known.ignoresCase == simple.ignoresCase &&
           known.value == simple.value) {
@@ -134,12 +134,12 @@ void SelectorMatching::HoldClasses(std::string_view classes) {
   }
 }
 
-void SelectorMatching::HoldTests(const SelectorSet::AttributeTests& attribute,
+void SelectorMatching::HoldTests(const std::vector<SelectorSet::ValueTestOf>& tests,
                                  std::string_view value) {
-  const bool lowers = std::ranges::any_of(attribute.tests, &SelectorSet::ValueTestOf::ignoresCase);
+  const bool lowers = std::ranges::any_of(tests, &SelectorSet::ValueTestOf::ignoresCase);
   if (lowers) lower_ = LowerAsciiCopy(value);
-  TakeSteps(budget_, attribute.tests.size());
-  for (const SelectorSet::ValueTestOf& each : attribute.tests) {
+  TakeSteps(budget_, tests.size());
+  for (const SelectorSet::ValueTestOf& each : tests) {
     if (Holds(each.test, each.ignoresCase ? std::string_view(lower_) : value, each.value)) {
       Hold(each.number);
     }
@@ -170,13 +170,12 @@ SelectorFit SelectorMatching::Fit(const Tag& tag, const SelectorPath& path) {
   if (!set_.classes_.empty() && HasAttribute(tag, Attribute::kClass)) {
     HoldClasses(ResolvedValue(tag, Attribute::kClass, scratch_));
   }
-  for (const SelectorSet::AttributeTests& attribute : set_.attributes_) {
-    if (attribute.known != Attribute::kCount) {
-      if (!HasAttribute(tag, attribute.known)) continue;
-      HoldTests(attribute, ResolvedValue(tag, attribute.known, scratch_));
-    } else if (const auto value = ResolvedValue(tag, attribute.asked, scratch_)) {
-      HoldTests(attribute, *value);
-    }
+  for (const auto& [attribute, tests] : set_.known_) {
+    if (!HasAttribute(tag, attribute)) continue;
+    HoldTests(tests, ResolvedValue(tag, attribute, scratch_));
+  }
+  for (const Tag::AskedValue& asked : tag.askedValues) {
+    HoldTests(set_.testsOfAsked_[asked.name], ResolvedValue(tag, asked, scratch_));
   }
   SelectorFit fit;
   for (const uint32_t test : held_) {

@@ -59,10 +59,8 @@ class SelectorSet {
     bool ignoresCase;
     std::string value;
   };
-  struct AttributeTests {
-    std::string name;
-    Attribute known = Attribute::kCount;  // kCount: it is one of `asked_`
-    size_t asked = AttributeNames::kNone;
+  struct KnownAttribute {
+    Attribute attribute;
     std::vector<ValueTestOf> tests;
   };
   struct Part {
@@ -77,13 +75,14 @@ class SelectorSet {
 
   uint32_t TestOf(const SimpleSelector& simple);
   uint32_t NewTest();
-  AttributeTests& TestsOf(const std::string& attribute);
+  std::vector<ValueTestOf>& TestsOf(const std::string& attribute);
 
   Names elements_;
   Names ids_;
   Names classes_;
-  std::vector<AttributeTests> attributes_;
+  std::vector<KnownAttribute> known_;
   AttributeNames asked_;
+  std::vector<std::vector<ValueTestOf>> testsOfAsked_;  // beside these
   std::vector<Part> parts_;
   std::vector<std::vector<uint32_t>> partsOfTest_;  // of each test, the parts to look at
   std::vector<uint32_t> partsOfAny_;                // to look at for every element
@@ -106,7 +105,7 @@ class SelectorMatching {
   void Hold(uint32_t test);
   void HoldName(const SelectorSet::Names& names, std::string_view name);
   void HoldClasses(std::string_view classes);
-  void HoldTests(const SelectorSet::AttributeTests& attribute, std::string_view value);
+  void HoldTests(const std::vector<SelectorSet::ValueTestOf>& tests, std::string_view value);
   void Look(uint32_t part, const SelectorPath& path, SelectorFit& fit);
 
   const SelectorSet& set_;

@@ -2,6 +2,7 @@
 //
 // Which elements fit is compared with what is found by looking through all that is open around
 // each.
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -43,9 +44,10 @@ bool HoldsOf(const SimpleSelector& simple, const Tag& tag) {
     if (!HasAttribute(tag, known)) return false;
     value = AttributeValue(tag, known);
   } else {
-    const auto asked = ResolvedValue(tag, tag.asked->Find(simple.name), room);
-    if (!asked.has_value()) return false;
-    value = *asked;
+    const size_t place = tag.asked->Find(simple.name);
+    const auto asked = std::ranges::find(tag.askedValues, place, &Tag::AskedValue::name);
+    if (asked == tag.askedValues.end()) return false;
+    value = ResolvedValue(tag, *asked, room);
   }
   if (simple.ignoresCase) value = LowerAsciiCopy(value);
   const std::string& wanted = simple.value;
