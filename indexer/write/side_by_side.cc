@@ -31,6 +31,33 @@ struct LastWords {
   }
 };
 
+// Which words end a row, and which stand before those. Nearly all that is read is none of a row,
+// and is told from these at the cost of a look.
+class EndsOfRows {
+ public:
+  explicit EndsOfRows(const std::vector<WordRow>& rows) {
+    for (const WordRow& row : rows) {
+      Set(row.back(), kLast);
+      Set(row.end()[-2], kBeforeLast);
+    }
+  }
+  bool MayEnd(uint32_t before, uint32_t last) const {
+    return Has(last, kLast) && Has(before, kBeforeLast);
+  }
+
+ private:
+  static constexpr uint8_t kLast = 1;
+  static constexpr uint8_t kBeforeLast = 2;
+  void Set(uint32_t word, uint8_t bit) {
+    if (word >= bits_.size()) bits_.resize(size_t{word} + 1);
+    bits_[word] |= bit;
+  }
+  bool Has(uint32_t word, uint8_t bit) const {
+    return word < bits_.size() && (bits_[word] & bit) != 0;
+  }
+  std::vector<uint8_t> bits_;  // by the number of the word
+};
+
 }  // namespace
 
 std::vector<std::vector<RowPlace>> FindRows(std::string_view pageText, const TextShape& shape,
@@ -44,6 +71,7 @@ std::vector<std::vector<RowPlace>> FindRows(std::string_view pageText, const Tex
       shape.tokenBytes > kTokenWidthLimit) {
     return places;
   }
+  const EndsOfRows ends(rows);
   const size_t wordBytes = shape.tokenBytes - kTokenVariantWidth;
   LastWords last;
   uint32_t page = 0;
@@ -56,7 +84,7 @@ std::vector<std::vector<RowPlace>> FindRows(std::string_view pageText, const Tex
       continue;
     }
     last.Add(word);
-    if (last.count < 2) continue;
+    if (last.count < 2 || !ends.MayEnd(last.words[1], word)) continue;
     const auto found = byLastTwo.find(PairOf(last.words[1], word));
     if (found == byLastTwo.end()) continue;
     for (const size_t row : found->second) {
