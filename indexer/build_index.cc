@@ -30,6 +30,7 @@
 #include "indexer/report/report_text.h"
 #include "indexer/run_conditions.h"
 #include "indexer/run_report.h"
+#include "indexer/side_task.h"
 #include "indexer/site/address.h"
 #include "indexer/site_language.h"
 #include "indexer/source/source.h"
@@ -298,21 +299,25 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
-  facts.dictionary = WriteDictionary(fresh / kDictionaryFileName, reserved.texts, vocabulary, order,
-                                     wordMap.offsets, run.charset);
-  uint64_t bytes = wordMap.fileBytes + facts.dictionary.fileBytes;
-  bytes += pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
-  if (run.options.config.spelling) {
+  // What is made of the words alone goes on beside what needs their places.
+  const SiteConfig& config = run.options.config;
+  uint64_t spellingBytes = 0;
+  const auto writeSpelling = [&] {
+    facts.dictionary = WriteDictionary(fresh / kDictionaryFileName, reserved.texts, vocabulary,
+                                       order, wordMap.offsets, run.charset);
+    if (!config.spelling) return;
     const SpellingSizes spelling =
         WriteSpelling(fresh / kSpellingFileName, vocabulary, order, firstWord);
     facts.spellings = spelling.entries;
-    bytes += spelling.fileBytes;
-    if (ExtensionValue(run.options.config, "SpellingDistance") != 0) {
-      bytes +=
+    spellingBytes = spelling.fileBytes;
+    if (ExtensionValue(config, "SpellingDistance") != 0) {
+      spellingBytes +=
           WriteCorrections(fresh / kCorrectionsFileName, vocabulary, order, run.charset.utf8());
     }
-  }
-  const SiteConfig& config = run.options.config;
+  };
+  SideTask spelling(Jobs(run.options) > 1, writeSpelling);
+  uint64_t bytes = wordMap.fileBytes;
+  bytes += pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
   if (config.extensions || !config.synonyms.empty()) {
     const SynonymSizes synonyms = WriteSynonyms(
         fresh, {.vocabulary = vocabulary,
@@ -329,7 +334,8 @@ uint64_t WriteWords(Run& run, SitePages& pages, IndexFacts& facts) {
     facts.synonyms = synonyms.keys;
     bytes += synonyms.fileBytes;
   }
-  return bytes;
+  spelling.Finish();
+  return bytes + facts.dictionary.fileBytes + spellingBytes;
 }
 
 // Settles in the page table what is known of pages only when all are read.
