@@ -9,6 +9,7 @@
 #include "format/index_directory.h"
 #include "format/lookup.h"
 #include "format/page_info.h"
+#include "indexer/write/in_file.h"
 #include "indexer/write/out_file.h"
 #include "settings/index_directory.h"
 #include "text/ascii.h"
@@ -174,17 +175,13 @@ uint64_t LongestLine(std::string_view bytes) {
 // Goes through a page text: calls `pair(first, second)` for two words beside each other, and
 // `end(next, words)` behind every text with the place of the next one and the number of its words.
 template <typename Pair, typename End>
-void ReadTexts(std::string_view bytes, const TextShape& shape, Pair pair, End end) {
-  const size_t wordBytes = shape.tokenBytes - kTokenVariantWidth;
+void ReadTexts(InFile& text, const TextShape& shape, Pair pair, End end) {
   uint32_t former = kPageEndWord;  // the word before in this stretch of text; none yet
   uint64_t words = 0;
-  size_t at = 0;
-  for (; at + shape.tokenBytes <= bytes.size(); at += shape.tokenBytes) {
-    uint32_t word = 0;
-    memcpy(&word, bytes.data() + at, wordBytes);
+  const uint64_t size = ForEachToken(text, shape, [&](uint32_t word, uint64_t at) {
     if (EndsRun(word)) {
       former = kPageEndWord;
-      if (word != kPageEndWord) continue;
+      if (word != kPageEndWord) return;
       end(at + shape.tokenBytes, words);
       words = 0;
     } else if (int64_t{word} > shape.lastSign) {
@@ -192,20 +189,17 @@ void ReadTexts(std::string_view bytes, const TextShape& shape, Pair pair, End en
       former = word;
       ++words;
     }
-  }
-  if (words > 0) end(at, words);
+  });
+  if (words > 0) end(size, words);
 }
 
 // The table of texts; empty when nothing is said about this page text.
-std::vector<LookupText> TextsOf(std::string_view bytes, const TextShape& shape) {
+std::vector<LookupText> TextsOf(InFile& text, const TextShape& shape) {
   std::vector<LookupText> texts(1);
-  if (bytes.empty() || shape.tokenBytes <= kTokenVariantWidth ||
-      shape.tokenBytes > kTokenWidthLimit) {
-    return {};
-  }
+  if (!CanBeRead(shape)) return {};
   uint64_t records = 0;
   ReadTexts(
-      bytes, shape, [](uint32_t, uint32_t) {},
+      text, shape, [](uint32_t, uint32_t) {},
       [&](uint64_t next, uint64_t words) {
         const uint64_t pairs = LookupPairRecords(words);
         texts.back().pairs = static_cast<uint32_t>(pairs);
@@ -256,7 +250,7 @@ class BlockWriter {
   size_t startedSize_ = 0;
 };
 
-void WritePairs(BlockWriter& blocks, std::string_view pageText, const TextShape& shape,
+void WritePairs(BlockWriter& blocks, InFile& pageText, const TextShape& shape,
                 const std::vector<LookupText>& texts) {
   size_t page = 0;
   std::vector<LookupPairs> pairs(texts.empty() ? 0 : texts[0].pairs);
@@ -342,11 +336,11 @@ LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& te
     header.longestSuggestion = LongestLine(autocomplete.bytes());
   }
 
-  FileImage pageText;
+  InFile pageText(folder / kPageTextFileName);
   std::vector<LookupText> texts;
-  if (pageText.Open(directory, kPageTextFileName, false)) {
-    texts = TextsOf(pageText.bytes(), text);
-    header.pageText = FactsOf(pageText.bytes());
+  if (FileImage whole; whole.Open(directory, kPageTextFileName, false)) {
+    if (!whole.bytes().empty()) texts = TextsOf(pageText, text);
+    header.pageText = FactsOf(whole.bytes());
     header.tokenSize = text.tokenBytes;
     header.lastSign = static_cast<uint64_t>(text.lastSign);
   }
@@ -372,7 +366,7 @@ LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& te
   blocks.Write(wordGuide);
   blocks.Write(guide.entries);
   blocks.Write(texts);
-  WritePairs(blocks, pageText.bytes(), text, texts);
+  WritePairs(blocks, pageText, text, texts);
   return {static_cast<int32_t>(header.generation), file.Finish()};
 }
 

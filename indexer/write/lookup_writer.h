@@ -4,17 +4,13 @@
 #include <cstdint>
 #include <filesystem>
 
+#include "indexer/write/page_text_scan.h"
+
 namespace vela::indexer {
 
 struct LookupSizes {
   int32_t generation = 0;  // LookupGeneration; 0 when no file was written
   uint64_t fileBytes = 0;
-};
-
-// How the page text is to be read.
-struct TextShape {
-  size_t tokenBytes = 0;  // DictIDLen
-  int64_t lastSign = 0;   // DictReservedLimit
 };
 
 // Reads the dictionary, the page information, the page text and, where there are any, the spelling

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <unordered_map>
 
 #include "format/page_text.h"
@@ -60,39 +59,33 @@ class EndsOfRows {
 
 }  // namespace
 
-std::vector<std::vector<RowPlace>> FindRows(std::string_view pageText, const TextShape& shape,
+std::vector<std::vector<RowPlace>> FindRows(InFile& pageText, const TextShape& shape,
                                             const std::vector<WordRow>& rows) {
   std::vector<std::vector<RowPlace>> places(rows.size());
   std::unordered_map<uint64_t, std::vector<size_t>> byLastTwo;
   for (size_t i = 0; i < rows.size(); ++i) {
     byLastTwo[PairOf(rows[i].end()[-2], rows[i].back())].push_back(i);
   }
-  if (rows.empty() || shape.tokenBytes <= kTokenVariantWidth ||
-      shape.tokenBytes > kTokenWidthLimit) {
-    return places;
-  }
+  if (rows.empty() || !CanBeRead(shape)) return places;
   const EndsOfRows ends(rows);
-  const size_t wordBytes = shape.tokenBytes - kTokenVariantWidth;
   LastWords last;
   uint32_t page = 0;
-  for (size_t at = 0; at + shape.tokenBytes <= pageText.size(); at += shape.tokenBytes) {
-    uint32_t word = 0;
-    memcpy(&word, pageText.data() + at, wordBytes);
+  ForEachToken(pageText, shape, [&](uint32_t word, uint64_t at) {
     if (int64_t{word} <= shape.lastSign) {
       last.count = 0;
       if (word == kPageEndWord) ++page;
-      continue;
+      return;
     }
     last.Add(word);
-    if (last.count < 2 || !ends.MayEnd(last.words[1], word)) continue;
+    if (last.count < 2 || !ends.MayEnd(last.words[1], word)) return;
     const auto found = byLastTwo.find(PairOf(last.words[1], word));
-    if (found == byLastTwo.end()) continue;
+    if (found == byLastTwo.end()) return;
     for (const size_t row : found->second) {
       if (!last.EndWith(rows[row])) continue;
       if (!places[row].empty() && places[row].back().page == page) continue;
       places[row].push_back({page, at - (rows[row].size() - 1) * shape.tokenBytes});
     }
-  }
+  });
   return places;
 }
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
-#include "indexer/write/lookup_writer.h"
+#include "indexer/write/in_file.h"
+#include "indexer/write/page_text_scan.h"
 
 namespace vela::indexer {
 
@@ -20,7 +20,7 @@ struct RowPlace {
 
 // The pages of each row, in ascending order, with no sign between its words. Reads the page text
 // once, whatever the number of rows.
-std::vector<std::vector<RowPlace>> FindRows(std::string_view pageText, const TextShape& shape,
+std::vector<std::vector<RowPlace>> FindRows(InFile& pageText, const TextShape& shape,
                                             const std::vector<WordRow>& rows);
 
 }  // namespace vela::indexer

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <numeric>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -13,9 +14,9 @@
 #include "format/word_weight.h"
 #include "index/word_map.h"
 #include "indexer/write/compound_words.h"
+#include "indexer/write/in_file.h"
 #include "indexer/write/out_file.h"
 #include "indexer/write/side_by_side.h"
-#include "settings/index_directory.h"
 
 namespace vela::indexer {
 
@@ -122,11 +123,13 @@ struct RuleText {
 class SynonymMaker {
  public:
   SynonymMaker(const std::filesystem::path& folder, const SynonymInput& input)
-      : input_(input), forms_(FormsOfSite(input.vocabulary, input.utf8)) {
-    OpenIndexDirectory(directory_, folder.string());
-    for (size_t place = 0; place < input.order.size(); ++place) {
-      byKey_.emplace(TextOf(input.vocabulary.words[input.order[place]]), place);
-    }
+      : input_(input),
+        forms_(FormsOfSite(input.vocabulary, input.utf8)),
+        wordMap_(folder / kWordMapFileName),
+        pageText_(folder / kPageTextFileName),
+        byText_(input.order.size()) {
+    std::iota(byText_.begin(), byText_.end(), 0U);
+    std::ranges::sort(byText_, {}, [this](uint32_t place) { return TextAt(place); });
   }
   SynonymList Make();
 
@@ -134,11 +137,15 @@ class SynonymMaker {
   std::string KeyOf(const std::string& form) const {
     return std::string(TextOf(input_.vocabulary.words[forms_.at(form)]));
   }
+  std::string_view TextAt(uint32_t place) const {
+    return TextOf(input_.vocabulary.words[input_.order[place]]);
+  }
   // The number in the dictionary.
   std::optional<uint32_t> NumberOf(std::string_view key) const {
-    const auto found = byKey_.find(key);
-    if (found == byKey_.end()) return {};
-    return static_cast<uint32_t>(input_.firstWord + found->second);
+    const auto found = std::ranges::lower_bound(byText_, key, {},
+                                                [this](uint32_t place) { return TextAt(place); });
+    if (found == byText_.end() || TextAt(*found) != key) return {};
+    return static_cast<uint32_t>(input_.firstWord + *found);
   }
   RuleText ReadRuleText(const std::string& text) const;
   // Each word finds the pages of the others.
@@ -146,9 +153,8 @@ class SynonymMaker {
   void AddSameWords();
   void AddApartWords();
   void AddCompounds();
-  std::vector<WordMapRecord> RecordsOf(const WordRow& row,
-                                       const std::vector<RowPlace>& places) const;
-  WordList ListOf(uint32_t number) const;
+  std::vector<WordMapRecord> RecordsOf(const WordRow& row, const std::vector<RowPlace>& places);
+  WordList ListOf(uint32_t number);
   uint32_t LeastScore(uint32_t one, uint32_t other) const {
     if (!input_.weighs) return std::min(one, other);
     return WeightByte(std::min(WeightOf(one), WeightOf(other)),
@@ -157,25 +163,25 @@ class SynonymMaker {
 
   const SynonymInput& input_;
   WordsByForm forms_;
-  std::map<std::string_view, size_t> byKey_;  // places in the order of the dictionary
-  IndexDirectory directory_;
-  FileImage wordMap_;
-  FileImage pageText_;
+  InFile wordMap_;
+  InFile pageText_;
+  std::vector<uint32_t> byText_;  // places in the order of the dictionary, by the words' texts
   SynonymList list_;
 };
 
-WordList SynonymMaker::ListOf(uint32_t number) const {
+// Valid until the next one is asked for.
+WordList SynonymMaker::ListOf(uint32_t number) {
   WordList list;
-  const uint64_t offset = input_.offsets[input_.order[number - input_.firstWord]];
-  if (ReadWordList(wordMap_.bytes(), static_cast<int64_t>(offset), list) != WordListStatus::kOk) {
-    return {};
-  }
-  return list;
+  const uint32_t word = input_.order[number - input_.firstWord];
+  const size_t bytes =
+      kWordListCountWidth + size_t{input_.vocabulary.words[word].pageCount} * kWordMapRecordSize;
+  const std::string_view file = wordMap_.Read(input_.offsets[word], bytes);
+  return ReadWordList(file, 0, list) == WordListStatus::kOk ? list : WordList();
 }
 
 // What the word map says of the rarest of the words, at the place of the row.
 std::vector<WordMapRecord> SynonymMaker::RecordsOf(const WordRow& row,
-                                                   const std::vector<RowPlace>& places) const {
+                                                   const std::vector<RowPlace>& places) {
   std::vector<WordMapRecord> records;
   records.reserve(places.size());
   for (const RowPlace& place : places) {
@@ -228,7 +234,7 @@ void SynonymMaker::AddRules() {
       if (text.row.size() > 1) rows.push_back(text.row);
     }
   }
-  const auto places = FindRows(pageText_.bytes(), input_.text, rows);
+  const auto places = FindRows(pageText_, input_.text, rows);
   for (const std::vector<RuleText>& texts : rules) {
     for (const RuleText& from : texts) {
       for (const RuleText& to : texts) {
@@ -257,7 +263,7 @@ void SynonymMaker::AddApartWords() {
   for (const ApartWord& word : words) {
     rows.push_back({*NumberOf(KeyOf(word.first)), *NumberOf(KeyOf(word.second))});
   }
-  const auto places = FindRows(pageText_.bytes(), input_.text, rows);
+  const auto places = FindRows(pageText_, input_.text, rows);
   for (size_t i = 0; i < words.size(); ++i) {
     if (places[i].size() < kApartPagesLeast) continue;
     const ApartWord& word = words[i];
@@ -276,10 +282,7 @@ void SynonymMaker::AddCompounds() {
 }
 
 SynonymList SynonymMaker::Make() {
-  if (!wordMap_.Open(directory_, kWordMapFileName, false) ||
-      !pageText_.Open(directory_, kPageTextFileName, false)) {
-    return {};
-  }
+  if (!wordMap_.isOpen() || !pageText_.isOpen()) return {};
   AddRules();
   if (!input_.findsCompounds) return std::move(list_);
   AddSameWords();

@@ -4,7 +4,9 @@
 
 #include <string>
 
+#include "indexer/write/out_file.h"
 #include "support/loaded_site.h"
+#include "support/scratch_directory.h"
 
 namespace vela::indexer {
 namespace {
@@ -20,10 +22,20 @@ std::string Text(const std::vector<uint32_t>& words) {
   return text;
 }
 
+std::vector<std::vector<RowPlace>> Find(const std::vector<uint32_t>& words, const TextShape& shape,
+                                        const std::vector<WordRow>& rows) {
+  const support::ScratchDirectory scratch;
+  OutFile out(scratch.path() / "text");
+  out.Write(Text(words));
+  out.Finish();
+  InFile in(scratch.path() / "text");
+  return FindRows(in, shape, rows);
+}
+
 // "0@4 2@24 ": pages and positions of one row.
 std::string Places(const std::vector<uint32_t>& words, const WordRow& row) {
   std::string text;
-  const auto places = FindRows(Text(words), kShape, {row});
+  const auto places = Find(words, kShape, {row});
   for (const RowPlace& place : places.at(0)) {
     text += std::to_string(place.page) + "@" + std::to_string(place.position) + " ";
   }
@@ -56,14 +68,24 @@ TEST(SideBySide, RowsTable) {
   }
 }
 
+// Longer than what is read of a file at a time.
+TEST(SideBySide, RowsAcrossPortions) {
+  constexpr size_t kWords = 200000;
+  std::vector<uint32_t> words(kWords, 7);
+  words[65535] = words[131071] = 5;
+  words[65536] = words[131072] = 6;
+  words[100000] = 0;
+  EXPECT_EQ(Places(words, {5, 6}), "0@262140 1@524284 ");
+}
+
 TEST(SideBySide, SeveralRowsWithTheSameEnd) {
-  const auto places = FindRows(Text({4, 5, 6, 0, 5, 6, 0}), kShape, {{5, 6}, {4, 5, 6}, {5, 6}});
+  const auto places = Find({4, 5, 6, 0, 5, 6, 0}, kShape, {{5, 6}, {4, 5, 6}, {5, 6}});
   ASSERT_EQ(places.size(), 3u);
   EXPECT_EQ(places[0].size(), 2u);
   EXPECT_EQ(places[1].size(), 1u);
   EXPECT_EQ(places[2].size(), 2u);
-  EXPECT_TRUE(FindRows(Text({5, 6}), kShape, {}).empty());
-  EXPECT_TRUE(FindRows(Text({5, 6}), {.tokenBytes = 1, .lastSign = 2}, {{5, 6}})[0].empty());
+  EXPECT_TRUE(Find({5, 6}, kShape, {}).empty());
+  EXPECT_TRUE(Find({5, 6}, {.tokenBytes = 1, .lastSign = 2}, {{5, 6}})[0].empty());
 }
 
 }  // namespace
