@@ -1,5 +1,7 @@
 #include "indexer/build_index.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -17,6 +19,7 @@
 #include "indexer/config/language_file.h"
 #include "indexer/extract/read_page.h"
 #include "indexer/link_check.h"
+#include "indexer/memory_plan.h"
 #include "indexer/open_source.h"
 #include "indexer/page_workers.h"
 #include "indexer/publish/compare_indexes.h"
@@ -58,8 +61,12 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr uint64_t kMegabyte = uint64_t{1} << 20;
-// Of blocks that are ready before their turn.
-constexpr size_t kWaitingBytes = 16 * kMegabyte;
+
+// The threads that read pages.
+unsigned Jobs(const Options& options) {
+  const auto wanted = static_cast<unsigned>(options.jobs);
+  return wanted != 0 ? wanted : std::max(1U, std::thread::hardware_concurrency());
+}
 
 // A run under way: what the owner wants, and what every step reports to.
 struct Run {
@@ -70,6 +77,7 @@ struct Run {
   Progress& progress;
   const volatile std::sig_atomic_t& stop;
   RunReport& report;
+  MemoryPlan memory;
   IndexSummary summary;
 };
 
@@ -79,7 +87,7 @@ struct SitePages {
       : collection({.base = run.base,
                     .config = run.options.config,
                     .charset = run.charset,
-                    .memory = run.options.memoryMegabytes * kMegabyte,
+                    .memory = run.memory.collection,
                     .sink = [this](const std::vector<PageToken>& tokens) { text.Add(tokens); }},
                    run.folder.fresh()),
         text(run.folder.fresh()),
@@ -206,12 +214,6 @@ std::string ChooseStemming(const Source& source, const SiteListing& listing,
   return "off, as there is no " + name + " for " + charset.name();
 }
 
-// The threads that read pages.
-unsigned Jobs(const Options& options) {
-  const auto wanted = static_cast<unsigned>(options.jobs);
-  return wanted != 0 ? wanted : std::max(1U, std::thread::hardware_concurrency());
-}
-
 void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
   const std::vector<SourceItem>& items = listing.items;
@@ -234,7 +236,11 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
                  .documents = &documents,
                  .content = &content},
       .limits = {.stop = &run.stop},
-      .blocks = {.base = run.base, .config = config, .charset = run.charset, .stop = &run.stop},
+      .blocks = {.base = run.base,
+                 .config = config,
+                 .charset = run.charset,
+                 .stop = &run.stop,
+                 .memory = run.memory.known},
       .largePages = {},
       .links = links.has_value() ? &*links : nullptr};
   const auto newMaker = [&]() -> MakeBlock {
@@ -249,14 +255,16 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
     Report(items[item], reason, run, pages);
     run.progress.Step(item + 1);
   };
-  ForEachBlock({.items = items.size(), .jobs = Jobs(run.options), .waitingBytes = kWaitingBytes},
-               newMaker, use);
+  ForEachBlock(
+      {.items = items.size(), .jobs = Jobs(run.options), .waitingBytes = run.memory.waiting},
+      newMaker, use);
   if (pages.collection.pages.empty()) {
     WriteReport(run);
     RefuseEmptySite(listing.sought, run.summary.files);
   }
   if (links.has_value()) run.summary.links = links->Finish(pages.collection.addresses);
   pages.collection.tokens = {};
+  malloc_trim(0);  // what pages were read with is of no use to what follows
 }
 
 // Whether compounds are written as one word, as German does.
@@ -411,6 +419,7 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
              .progress = progress,
              .stop = stop,
              .report = report,
+             .memory = PlanMemory(options.memoryMegabytes * kMegabyte, Jobs(options)),
              .summary = {}};
   IndexSummary& summary = run.summary;
   const Finding templateFault = WriteTemplate(options, language.templateWords, charset, folder);

@@ -129,7 +129,7 @@ std::vector<LinkCount> LinkTexts::Finish(const CanonicalAddresses& addresses,
     if (number->fingerprint != each.word.word || page == pages.end()) continue;
     counts.push_back({number->word, page->second, each.pages});
   }
-  counted_ = {};
+  counted_ = std::vector<Counted>();  // {} would keep the memory
   AddUpPages(counts);
   return counts;
 }

@@ -53,6 +53,8 @@ class LinkTexts {
   // Takes what LinkWordsOf made of one more page.
   void Add(std::span<const LinkWord> words);
 
+  size_t memory() const { return counted_.capacity() * sizeof(Counted); }
+
   // What was counted of the pages of the index, by word and page; it is forgotten here. Once, when
   // all pages have joined.
   std::vector<LinkCount> Finish(const CanonicalAddresses& addresses, const Vocabulary& vocabulary);

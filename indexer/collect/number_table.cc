@@ -37,7 +37,7 @@ void NumberTable::Grow() {
   mask_ = larger.size() - 1;
   for (const Place& place : places_) {
     if (place.number == kFree) continue;
-    size_t at = place.low & mask_;
+    size_t at = place.hash & mask_;
     while (larger[at].number != kFree) at = (at + 1) & mask_;
     larger[at] = place;
   }

@@ -19,21 +19,21 @@ class NumberTable {
   // none, `next` is added and returned.
   template <typename IsSame>
   uint32_t FindOrAdd(uint64_t hash, uint32_t next, IsSame isSame) {
-    if ((used_ + 1) * 2 > places_.size()) Grow();
-    const auto check = static_cast<uint32_t>(hash >> 32);
-    for (size_t at = hash & mask_;; at = (at + 1) & mask_) {
+    if ((used_ + 1) * 4 > places_.size() * 3) Grow();
+    const auto kept = static_cast<uint32_t>(hash);
+    for (size_t at = kept & mask_;; at = (at + 1) & mask_) {
       Place& place = places_[at];
       if (place.number == kFree) {
-        place = {.check = check, .low = static_cast<uint32_t>(hash), .number = next};
+        place = {.hash = kept, .number = next};
         ++used_;
         return next;
       }
-      if (place.check == check && isSame(place.number)) return place.number;
+      if (place.hash == kept && isSame(place.number)) return place.number;
     }
   }
   // Brings the place of that hash into the processor's cache.
   void Prefetch(uint64_t hash) const {
-    if (!places_.empty()) __builtin_prefetch(&places_[hash & mask_]);
+    if (!places_.empty()) __builtin_prefetch(&places_[static_cast<uint32_t>(hash) & mask_]);
   }
   void Clear() {
     std::ranges::fill(places_, Place());
@@ -44,13 +44,12 @@ class NumberTable {
  private:
   static constexpr uint32_t kFree = 0xFFFFFFFF;
   struct Place {
-    uint32_t check = 0;  // the high half of the hash
-    uint32_t low = 0;    // the low half, so that a larger table needs no text
+    uint32_t hash = 0;  // half of it, of which the low bits say the place
     uint32_t number = kFree;
   };
   void Grow();
 
-  std::vector<Place> places_;  // a power of two of them; at most half are used
+  std::vector<Place> places_;  // a power of two of them; at most three quarters are used
   size_t mask_ = 0;
   size_t used_ = 0;
 };

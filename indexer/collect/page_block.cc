@@ -17,6 +17,7 @@ CutRules CutRulesOf(const BlockInput& input) {
   const bool cutsPieces = input.charset.utf8() && ExtensionValue(input.config, "CutRuns") != 0;
   return {.runs = cutsPieces ? RunCut::kPieces : RunCut::kWords,
           .endsHeadings = ExtensionValue(input.config, "Passages") != 0,
+          .memory = input.memory,
           .stop = input.stop};
 }
 

@@ -52,6 +52,7 @@ struct BlockInput {
   const SiteConfig& config;
   const IndexCharset& charset;
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
+  size_t memory = CutRules().memory;                 // see there
 };
 
 // Makes one block after the other; several makers share nothing.

@@ -15,8 +15,10 @@ namespace vela::indexer {
 namespace {
 
 constexpr size_t kPageLimit = kPageNumberLimit;
-// Of the memory, what the collected postings may take even when the vocabulary has used it up.
-constexpr size_t kLeastPostingBytes = size_t{1} << 20;
+// What the collected postings may take even when the rest has used the memory up, as a part of it,
+// and the most that pays: beyond that, runs are long enough for the disk.
+constexpr size_t kLeastPostingPart = 8;
+constexpr size_t kMostPostingBytes = size_t{64} << 20;
 
 void NoteMetaValues(const PageBlock& page, PageCollection& collection) {
   for (size_t i = 0; i < collection.usedFields.size() && i < page.usedFields.size(); ++i) {
@@ -35,6 +37,16 @@ void CheckRoomForPage(const PageCollection& collection) {
                    "Index its parts into several folders.");
 }
 
+// What postings may take beside the rest.
+size_t PostingMemory(const PageCollection& collection) {
+  const size_t memory = collection.input.memory;
+  const size_t taken = MemoryOf(collection.vocabulary) + collection.linkTexts.memory() +
+                       collection.suggestions.memory() +
+                       collection.pages.capacity() * sizeof(PageLengths);
+  return std::clamp(memory - std::min(memory, taken), memory / kLeastPostingPart,
+                    kMostPostingBytes);
+}
+
 // Hands the page's tokens and postings on. `address` is the one that it is indexed under.
 void AddWords(const PageBlock& page, const std::string& address, PageCollection& collection) {
   const auto number = static_cast<uint32_t>(collection.pages.size());
@@ -47,9 +59,7 @@ void AddWords(const PageBlock& page, const std::string& address, PageCollection&
              .signs = collection.signs,
              .sink = collection.input.sink},
             tokens);
-  const size_t memory = collection.input.memory;
-  const size_t taken = MemoryOf(collection.vocabulary);
-  collection.postings.SetMemory(std::max(kLeastPostingBytes, memory - std::min(memory, taken)));
+  collection.postings.SetMemory(PostingMemory(collection));
   for (const Posting& posting : tokens.postings) collection.postings.Add(posting);
   AddSections(page.sections, number, collection.tokenCount, page.words.bodyTokens,
               collection.sections);
@@ -88,6 +98,7 @@ PageCollection::PageCollection(const CollectionInput& collectionInput,
       addresses(input.base),
       forms(input.charset, input.config.stemming),
       postings(folder, input.memory),
+      sections(folder),
       rules(input.config),
       usedFields(input.config.fields.size()) {}
 

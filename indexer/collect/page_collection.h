@@ -33,7 +33,7 @@ struct CollectionInput {
   const std::string& base;  // the site's address, ending in "/"
   const SiteConfig& config;
   const IndexCharset& charset;
-  size_t memory = 0;  // bytes that collected words may take before they go to disk
+  size_t memory = 0;  // bytes that all of it may take, nearly; what can goes to disk before that
   TokenSink sink;     // takes the tokens of the pages that join
 };
 

@@ -15,9 +15,11 @@ namespace {
 
 // Longer chunks hardly come again.
 constexpr size_t kKeptChunkBytes = 48;
-// Chunks that are kept. When twice as many forms are known, everything is forgotten before the next
-// page: some 30 MB.
-constexpr size_t kKnownLimit = size_t{1} << 16;
+// Bytes that a kept chunk takes with the two forms that come with it at most: when twice as many
+// forms as chunks are known, everything is forgotten before the next page.
+constexpr size_t kBytesOfChunk = 480;
+constexpr size_t kLeastChunks = size_t{1} << 10;
+constexpr size_t kMostChunks = size_t{1} << 16;
 
 uint8_t HeadingZone(uint8_t level) {
   if (level == 0) return 0;
@@ -32,7 +34,9 @@ void AddOne(uint8_t& count) {
 }  // namespace
 
 PageCutter::PageCutter(const IndexCharset& charset, int32_t stemming, const CutRules& rules)
-    : wordForms_(charset, stemming), rules_(rules) {}
+    : wordForms_(charset, stemming),
+      rules_(rules),
+      mostChunks_(std::clamp(rules.memory / kBytesOfChunk, kLeastChunks, kMostChunks)) {}
 
 void PageCutter::Forget() {
   words_.Clear();
@@ -62,7 +66,7 @@ void PageCutter::BeginPage(PageWords& out) {
                        chunkTexts_.size() == chunks_.size();
   const size_t known =
       std::max({formKeys_.size(), signs_.size(), signTexts_.size(), runningWords_.size()});
-  if (!isWhole || known >= 2 * kKnownLimit || page_ == 0xFFFFFFFF) {
+  if (!isWhole || known >= 2 * mostChunks_ || page_ == 0xFFFFFFFF) {
     Forget();
     page_ = 0;
   }
@@ -147,7 +151,7 @@ PageCutter::Chunk PageCutter::CutNewChunk(std::string_view text) {
 
 PageCutter::Chunk PageCutter::ChunkOf(std::string_view text) {
   if (text.size() > kKeptChunkBytes) return CutNewChunk(text);
-  if (chunkTexts_.size() >= kKnownLimit) ForgetChunks();
+  if (chunkTexts_.size() >= mostChunks_) ForgetChunks();
   const uint32_t number = chunkTexts_.FindOrAdd(text);
   if (number == chunks_.size()) {
     chunks_.push_back(CutNewChunk(text));

@@ -36,7 +36,8 @@ struct PageTexts {
 
 struct CutRules {
   RunCut runs = RunCut::kWords;
-  bool endsHeadings = false;  // with a full stop, where they end with no sign of their own
+  bool endsHeadings = false;         // with a full stop, where they end with no sign of their own
+  size_t memory = size_t{30} << 20;  // bytes that what is kept of the pages before may take, nearly
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
 };
 
@@ -141,6 +142,7 @@ class PageCutter {
 
   WordForms wordForms_;
   CutRules rules_;
+  size_t mostChunks_;  // that are kept
 
   // Known from the pages before.
   TextNumbers words_;

@@ -1,14 +1,9 @@
 #include "indexer/collect/postings.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <queue>
-
-#include "indexer/report/index_error.h"
+#include <span>
+#include <string_view>
 
 namespace vela::indexer {
 
@@ -18,12 +13,6 @@ constexpr size_t kLeastBuffered = 4096;  // postings; fewer would make more runs
 
 uint64_t SortKey(const Posting& posting) { return uint64_t{posting.word} << 32 | posting.page; }
 
-[[noreturn]] void Fail(const char* what, const std::filesystem::path& path) {
-  throw IndexError(ExitStatus::kFailed, std::string("Cannot ") + what + " the temporary file " +
-                                            path.string() + ": " + strerror(errno) +
-                                            ". Check the free space there, or give more --memory.");
-}
-
 // One run on its way through the merge.
 struct RunReader {
   uint64_t next = 0;  // the first posting not yet read, in the file
@@ -32,15 +21,15 @@ struct RunReader {
   size_t at = 0;
 };
 
+std::string_view BytesOf(std::span<const Posting> postings) {
+  return {reinterpret_cast<const char*>(postings.data()), postings.size_bytes()};
+}
+
 }  // namespace
 
 PostingRuns::PostingRuns(const std::filesystem::path& folder, size_t memoryBytes)
-    : path_(folder / "postings.tmp") {
+    : file_(folder / "postings.tmp") {
   SetMemory(memoryBytes);
-}
-
-PostingRuns::~PostingRuns() {
-  if (fd_ >= 0) close(fd_);
 }
 
 void PostingRuns::SetMemory(size_t memoryBytes) {
@@ -51,32 +40,25 @@ void PostingRuns::Add(const Posting& posting) {
   if (buffer_.size() >= bufferLimit_) Spill();
   // Grown by hand: doubling would hold twice the limit for a moment.
   if (buffer_.size() == buffer_.capacity()) {
-    buffer_.reserve(std::min(bufferLimit_, buffer_.size() + buffer_.size() / 2 + kLeastBuffered));
+    // What is never used of the last step takes no memory.
+    const bool isLast = buffer_.size() >= bufferLimit_ / 4;
+    buffer_.reserve(isLast ? bufferLimit_ : buffer_.size() * 2 + kLeastBuffered);
   }
   buffer_.push_back(posting);
 }
 
+// An empty list assigned from {} would keep its memory.
+void PostingRuns::FreeBuffer() { buffer_ = std::vector<Posting>(); }
+
 void PostingRuns::SortBuffer() { std::ranges::sort(buffer_, {}, SortKey); }
 
 void PostingRuns::Spill() {
-  if (fd_ < 0) {
-    fd_ = open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    if (fd_ < 0) Fail("create", path_);
-    unlink(path_.c_str());  // gone with the process, however it ends
-  }
   SortBuffer();
-  const auto* bytes = reinterpret_cast<const char*>(buffer_.data());
-  const size_t length = buffer_.size() * sizeof(Posting);
-  size_t done = 0;
-  while (done < length) {
-    const ssize_t wrote = write(fd_, bytes + done, length - done);
-    if (wrote < 0 && errno == EINTR) continue;
-    if (wrote < 0) Fail("write", path_);
-    done += static_cast<size_t>(wrote);
-  }
+  file_.Append(BytesOf(buffer_));
   runs_.push_back({spilled_, buffer_.size()});
   spilled_ += buffer_.size();
   buffer_.clear();
+  if (buffer_.capacity() > bufferLimit_) FreeBuffer();
 }
 
 void PostingRuns::ForEachSorted(const std::function<void(const Posting&)>& use) {
@@ -85,10 +67,11 @@ void PostingRuns::ForEachSorted(const std::function<void(const Posting&)>& use) 
     std::ranges::for_each(buffer_, use);
   } else {
     if (!buffer_.empty()) Spill();
-    buffer_ = {};
+    FreeBuffer();
     Merge(use);
+    file_.Clear();
   }
-  buffer_ = {};
+  FreeBuffer();
 }
 
 void PostingRuns::Merge(const std::function<void(const Posting&)>& use) {
@@ -98,16 +81,8 @@ void PostingRuns::Merge(const std::function<void(const Posting&)>& use) {
     const auto wanted = static_cast<size_t>(std::min<uint64_t>(reader.left, window));
     reader.window.resize(wanted);
     reader.at = 0;
-    auto* bytes = reinterpret_cast<char*>(reader.window.data());
-    const size_t length = wanted * sizeof(Posting);
-    size_t done = 0;
-    while (done < length) {
-      const ssize_t got = pread(fd_, bytes + done, length - done,
-                                static_cast<off_t>(reader.next * sizeof(Posting) + done));
-      if (got < 0 && errno == EINTR) continue;
-      if (got <= 0) Fail("read", path_);
-      done += static_cast<size_t>(got);
-    }
+    file_.Read(reader.next * sizeof(Posting),
+               {reinterpret_cast<char*>(reader.window.data()), wanted * sizeof(Posting)});
     reader.next += wanted;
     reader.left -= wanted;
   };

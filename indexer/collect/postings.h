@@ -9,6 +9,7 @@
 #include <functional>
 #include <vector>
 
+#include "indexer/collect/temporary_file.h"
 #include "indexer/collect/zone.h"
 
 namespace vela::indexer {
@@ -28,7 +29,6 @@ class PostingRuns {
  public:
   // `folder` is where the temporary file may lie, `memoryBytes` what may be held at a time.
   PostingRuns(const std::filesystem::path& folder, size_t memoryBytes);
-  ~PostingRuns();
   PostingRuns(const PostingRuns&) = delete;
   PostingRuns& operator=(const PostingRuns&) = delete;
 
@@ -47,15 +47,15 @@ class PostingRuns {
     uint64_t length = 0;  // in postings
   };
   void Spill();
+  void FreeBuffer();
   void SortBuffer();
   void Merge(const std::function<void(const Posting&)>& use);
 
-  std::filesystem::path path_;
+  TemporaryFile file_;
   std::vector<Posting> buffer_;
   size_t bufferLimit_ = 0;
   std::vector<Run> runs_;
-  uint64_t spilled_ = 0;
-  int fd_ = -1;
+  uint64_t spilled_ = 0;  // postings
 };
 
 }  // namespace vela::indexer

@@ -1,5 +1,7 @@
 #include "indexer/collect/site_sections.h"
 
+#include <algorithm>
+
 #include "indexer/words/heading_text.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/stored_text.h"
@@ -39,16 +41,47 @@ std::vector<PageSection> SectionsOf(const PageTexts& page, const PageWords& word
 
 void AddSections(std::span<const PageSection> page, uint32_t number, uint64_t firstToken,
                  uint32_t bodyTokens, SiteSections& sections) {
-  if (page.empty() || sections.texts.size() > kTextLimit) return;
+  if (page.empty() || sections.textBytes() > kTextLimit) return;
   for (const PageSection& section : page) {
-    sections.sections.push_back({.token = firstToken + section.token,
-                                 .page = number,
-                                 .text = static_cast<uint32_t>(sections.texts.size()),
-                                 .anchorLength = static_cast<uint16_t>(section.anchor.size()),
-                                 .headingLength = static_cast<uint16_t>(section.heading.size())});
-    sections.texts.append(section.anchor).append(section.heading);
+    sections.Add({.token = firstToken + section.token, .page = number}, section.anchor,
+                 section.heading);
   }
-  sections.sections.push_back({.token = firstToken + bodyTokens, .page = number});
+  sections.AddEnd(firstToken + bodyTokens, number);
+}
+
+SiteSections::SiteSections(const std::filesystem::path& folder)
+    : sections_(folder / "sections.tmp"), texts_(folder / "sectiontexts.tmp") {}
+
+void SiteSections::Add(SiteSection section, std::string_view anchor, std::string_view heading) {
+  section.text = static_cast<uint32_t>(texts_.size());
+  section.anchorLength = static_cast<uint16_t>(anchor.size());
+  section.headingLength = static_cast<uint16_t>(heading.size());
+  sections_.Append({reinterpret_cast<const char*>(&section), sizeof section});
+  texts_.Append(anchor);
+  texts_.Append(heading);
+}
+
+void SiteSections::AddEnd(uint64_t token, uint32_t page) {
+  const SiteSection end = {.token = token, .page = page};
+  sections_.Append({reinterpret_cast<const char*>(&end), sizeof end});
+}
+
+void SiteSections::ForEach(const std::function<void(const SiteSection&)>& use,
+                           const std::function<void(std::string_view)>& useTexts) {
+  constexpr uint64_t kPortion = 4096;
+  std::vector<SiteSection> portion;
+  for (uint64_t done = 0; done < size(); done += portion.size()) {
+    portion.resize(static_cast<size_t>(std::min(kPortion, size() - done)));
+    sections_.Read(done * sizeof(SiteSection),
+                   {reinterpret_cast<char*>(portion.data()), portion.size() * sizeof(SiteSection)});
+    std::ranges::for_each(portion, use);
+  }
+  std::string texts;
+  for (uint64_t done = 0; done < textBytes(); done += texts.size()) {
+    texts.resize(static_cast<size_t>(std::min(kPortion * sizeof(SiteSection), textBytes() - done)));
+    texts_.Read(done, texts);
+    useTexts(texts);
+  }
 }
 
 }  // namespace vela::indexer

@@ -2,12 +2,16 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "indexer/collect/page_cutter.h"
 #include "indexer/collect/page_words.h"
+#include "indexer/collect/temporary_file.h"
 #include "indexer/words/index_charset.h"
 
 namespace vela::indexer {
@@ -16,15 +20,31 @@ namespace vela::indexer {
 struct SiteSection {
   uint64_t token = 0;  // counted from the start of the page text
   uint32_t page = 0;
-  uint32_t text = 0;  // of SiteSections::texts
+  uint32_t text = 0;  // where its texts begin
   uint16_t anchorLength = 0;
   uint16_t headingLength = 0;
 };
 
-// Takes about 80 bytes of memory a section.
-struct SiteSections {
-  std::vector<SiteSection> sections;  // in the order of the page text
-  std::string texts;                  // anchor and heading of each, one behind the other
+// All of them, on disk until they are written.
+class SiteSections {
+ public:
+  // `folder` is where temporary files may lie.
+  explicit SiteSections(const std::filesystem::path& folder);
+
+  // Adds the next one in the order of the page text, with its anchor and its heading.
+  void Add(SiteSection section, std::string_view anchor, std::string_view heading);
+  void AddEnd(uint64_t token, uint32_t page);
+
+  uint64_t size() const { return sections_.size() / sizeof(SiteSection); }
+  // Of the texts, anchor and heading of each section, one behind the other.
+  uint64_t textBytes() const { return texts_.size(); }
+  // Calls `use` for every section, then `useTexts` for the texts in portions.
+  void ForEach(const std::function<void(const SiteSection&)>& use,
+               const std::function<void(std::string_view)>& useTexts);
+
+ private:
+  TemporaryFile sections_;
+  TemporaryFile texts_;
 };
 
 // One of a page.

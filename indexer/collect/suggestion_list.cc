@@ -221,6 +221,14 @@ void SuggestionList::AddPage(const PageSuggestions& page) {
   AddPhrases(page.running);
 }
 
+size_t SuggestionList::memory() const {
+  // Of a text and its key: both strings, and what the table adds.
+  constexpr size_t kBytesOfEntry = 220;
+  constexpr size_t kBytesOfWord = 64;
+  return entries_.size() * kBytesOfEntry + (edgeWords_.size() + endings_.size()) * kBytesOfWord +
+         counts_.capacity() * sizeof(PhraseCount);
+}
+
 // A title without what so many others end in that it is the site's name, or that of a part of it.
 std::string SuggestionList::WithoutEnding(const std::string& title) const {
   constexpr uint32_t kLeastPages = 3;
@@ -275,7 +283,7 @@ std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
   texts.reserve(places.size());
   for (const Entry* place : places) texts.push_back(place->text);
   entries_.clear();
-  counts_ = {};
+  counts_ = std::vector<PhraseCount>();  // {} would keep the memory
   return texts;
 }
 

@@ -40,6 +40,9 @@ class SuggestionList {
   // Takes what one page offers.
   void AddPage(const PageSuggestions& page);
 
+  // Bytes that it takes, nearly.
+  size_t memory() const;
+
   // The texts in the order in which they are to be offered: titles, then headings, then names (what
   // lists define), then phrases; of each kind those that more pages offer first, among equals the
   // shorter ones, then by their bytes. No two differ in case alone. Numbers of parts, signs that

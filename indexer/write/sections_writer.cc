@@ -16,22 +16,22 @@ void WriteRecord(OutFile& file, const Record& record) {
 
 }  // namespace
 
-uint64_t WriteSections(const std::filesystem::path& path, const SiteSections& sections,
+uint64_t WriteSections(const std::filesystem::path& path, SiteSections& sections,
                        const SectionsOwner& owner) {
-  if (sections.sections.empty() || owner.generation <= 0) return 0;
+  if (sections.size() == 0 || owner.generation <= 0) return 0;
   OutFile file(path);
   WriteRecord(file, SectionsHeader{.generation = static_cast<uint64_t>(owner.generation),
                                    .pageTextSize = owner.pageTextSize,
-                                   .count = sections.sections.size(),
-                                   .textBytes = sections.texts.size()});
-  for (const SiteSection& section : sections.sections) {
+                                   .count = sections.size(),
+                                   .textBytes = sections.textBytes()});
+  const auto write = [&](const SiteSection& section) {
     WriteRecord(file, SectionRecord{.position = section.token * owner.tokenBytes,
                                     .page = section.page,
                                     .text = section.text,
                                     .anchorLength = section.anchorLength,
                                     .headingLength = section.headingLength});
-  }
-  file.Write(sections.texts);
+  };
+  sections.ForEach(write, [&](std::string_view texts) { file.Write(texts); });
   return file.Finish();
 }
 

@@ -16,7 +16,7 @@ struct SectionsOwner {
 };
 
 // Writes the file and returns its size; none, and 0, when there are no sections or no generation.
-uint64_t WriteSections(const std::filesystem::path& path, const SiteSections& sections,
+uint64_t WriteSections(const std::filesystem::path& path, SiteSections& sections,
                        const SectionsOwner& owner);
 
 }  // namespace vela::indexer

@@ -276,20 +276,28 @@ TEST(PageTokens, AWordOfTextAndAddressIsOneWord) {
 TEST(PageCutter, APageIsCutAlikeWhateverCameBefore) {
   const IndexCharset utf8;
   PageCutter used(utf8, -1, {});
+  // Keeps as little as can be, and forgets it again and again.
+  PageCutter forgetful(utf8, -1, {.memory = 1});
   for (int i = 0; i < 3; ++i) {
     PageContent page;
     // Chunks of both kinds: some that are kept, and some too long for that.
     const std::string joined = "node.js-" + std::string(60, static_cast<char>('a' + i));
     page.body = {
         {"Node.js (" + joined + ") caf\u00E9 w" + std::to_string(i) + " caf\u00E9, " + joined, 0},
-        {"Node.js caf\u00E9", 2}};
+        {"Node.js caf\u00E9", 2},
+        {Words(3000), 0}};
     PageWords ofUsed;
+    PageWords ofForgetful;
     PageWords ofNew;
     RunningText runningOfUsed;
     RunningText runningOfNew;
     PageCutter fresh(utf8, -1, {});
     ASSERT_TRUE(used.Cut({.content = page, .title = "Node"}, ofUsed, &runningOfUsed));
     ASSERT_TRUE(fresh.Cut({.content = page, .title = "Node"}, ofNew, &runningOfNew));
+    ASSERT_TRUE(forgetful.Cut({.content = page, .title = "Node"}, ofForgetful, nullptr));
+    EXPECT_EQ(ofForgetful.wordTexts, ofNew.wordTexts);
+    EXPECT_EQ(ofForgetful.formTexts, ofNew.formTexts);
+    EXPECT_EQ(ofForgetful.tokens, ofNew.tokens);
     EXPECT_EQ(ofUsed.wordTexts, ofNew.wordTexts);
     EXPECT_EQ(ofUsed.formTexts, ofNew.formTexts);
     EXPECT_EQ(ofUsed.signTexts, ofNew.signTexts);

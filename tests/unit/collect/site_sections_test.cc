@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/scratch_directory.h"
+
 namespace vela::indexer {
 namespace {
 
@@ -14,16 +16,23 @@ std::string SectionsIn(std::vector<TextRun> body, const std::string& title,
   const PageTexts page = {.content = content, .title = title};
   PageWords words;
   EXPECT_TRUE(cutter.Cut(page, words, nullptr));
-  SiteSections sections;
+  const support::ScratchDirectory scratch;
+  SiteSections sections(scratch.path());
   AddSections(SectionsOf(page, words, cutter.sections(), charset), 5, 1000, words.bodyTokens,
               sections);
+  std::vector<SiteSection> all;
+  std::string texts;
+  sections.ForEach([&](const SiteSection& section) { all.push_back(section); },
+                   [&](std::string_view portion) { texts += portion; });
+  EXPECT_EQ(all.size(), sections.size());
+  EXPECT_EQ(texts.size(), sections.textBytes());
   std::string text;
-  for (const SiteSection& section : sections.sections) {
+  for (const SiteSection& section : all) {
     EXPECT_EQ(section.page, 5u);
     text += (text.empty() ? "" : " | ") + std::to_string(section.token);
     if (section.anchorLength == 0) continue;
-    text += ":" + sections.texts.substr(section.text, section.anchorLength) + ">" +
-            sections.texts.substr(section.text + section.anchorLength, section.headingLength);
+    text += ":" + texts.substr(section.text, section.anchorLength) + ">" +
+            texts.substr(section.text + section.anchorLength, section.headingLength);
   }
   return text;
 }
