@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "indexer/words/clean_text.h"
+#include "indexer/extract/declared_facts.h"
+#include "indexer/extract/json_facts.h"
+#include "indexer/extract/meta_elements.h"
 #include "indexer/words/lower_copy.h"
 #include "text/lower.h"
 
@@ -11,9 +13,6 @@ namespace vela::indexer {
 
 namespace {
 
-// More or longer meta elements than this are not meant for readers.
-constexpr size_t kMetaLimit = 300;
-constexpr size_t kMetaBytesLimit = 20000;
 // A main part that holds less than one in so many bytes of a page's text is not all of its content.
 constexpr uint64_t kMainPart = 4;
 // A longer text is no date.
@@ -22,11 +21,6 @@ constexpr size_t kTimeBytesLimit = 1000;
 std::string LowerValue(const Tag& tag, Attribute attribute) {
   return HasAttribute(tag, attribute) ? LowerAsciiCopy(AttributeValue(tag, attribute))
                                       : std::string();
-}
-
-std::string OneLine(std::string text) {
-  CleanText(text);
-  return CollapseBlanks(text);
 }
 
 // The level of h1 to h6, which the table of elements holds in a row; 0 of any other.
@@ -315,9 +309,7 @@ void HtmlContent::AddTitle(const std::string& title, const TextState& inside) {
 
 void HtmlContent::Finish() {
   EndLink();
-  for (const char* name : {"description", "og:description"}) {
-    if (page.description.empty()) page.description = MetaContent(page, name);
-  }
+  page.description = FactOf(page, PageFact::kDescription);
   const TextRegion region = RegionOfText();
   TextCount sum;
   for (size_t i = static_cast<size_t>(region); i < counts.size(); ++i) {
@@ -388,9 +380,7 @@ void HtmlContent::ReadMeta(const Tag& tag) {
     const std::string rules = LowerAsciiCopy(content);
     if (HoldsWord(rules, "noindex") || HoldsWord(rules, "none")) noindex = true;
   }
-  if (name.empty() || page.metas.size() == kMetaLimit || content.size() > kMetaBytesLimit) return;
-  content = OneLine(std::move(content));
-  if (!content.empty()) page.metas.emplace_back(std::move(name), std::move(content));
+  AddMeta(name, std::move(content), page);
 }
 
 // True when the text of the time element is wanted.
@@ -402,7 +392,7 @@ bool HtmlContent::ReadTime(const Tag& tag) {
     if (isInTime) {
       // One inside another that gives no time itself counts when that holds no text.
       if (innerTime.empty()) innerTime = time;
-      AddDate("itemprop:", property, std::move(time));
+      AddDate(property, std::move(time));
     } else {
       TakeTime(std::move(time), property);
     }
@@ -416,39 +406,17 @@ bool HtmlContent::ReadTime(const Tag& tag) {
 
 // `property`: its itemprop, in lower case.
 void HtmlContent::TakeTime(std::string time, std::string_view property) {
-  AddDate("itemprop:", property, time);
+  AddDate(property, time);
   if (page.time.empty()) page.time = std::move(time);
 }
 
 // Keeps a date beside the meta elements when `property`, in lower case, says what it is of.
-void HtmlContent::AddDate(const char* prefix, std::string_view property, std::string date) {
-  if (!IsDateProperty(property) || page.metas.size() == kMetaLimit ||
-      date.size() > kMetaBytesLimit) {
-    return;
-  }
-  date = OneLine(std::move(date));
-  if (!date.empty()) page.metas.emplace_back(prefix + std::string(property), std::move(date));
+void HtmlContent::AddDate(std::string_view property, std::string date) {
+  if (IsDateProperty(property)) AddMeta("itemprop:" + std::string(property), std::move(date), page);
 }
 
-// `"dateModified": "2026-03-05"`, without reading the rest.
 void HtmlContent::AddJson(std::string_view json, const TextState& inside) {
-  if (inside.isInert) return;
-  for (const std::string_view property : {"dateModified", "datePublished"}) {
-    const std::string key = '"' + std::string(property) + '"';
-    const size_t at = json.find(key);
-    if (at == json.npos) continue;
-    std::string_view rest = json.substr(at + key.size());
-    const auto take = [&rest](char sign) {
-      rest.remove_prefix(std::min(rest.find_first_not_of(" \t\r\n"), rest.size()));
-      if (!rest.starts_with(sign)) return false;
-      rest.remove_prefix(1);
-      return true;
-    };
-    if (!take(':') || !take('"')) continue;
-    const std::string_view date = rest.substr(0, rest.find('"'));
-    if (date.size() > kMetaBytesLimit) continue;
-    AddDate("json-ld:", LowerAsciiCopy(property), std::string(date));
-  }
+  if (!inside.isInert) AddJsonFacts(json, budget, page);
 }
 
 }  // namespace vela::indexer

@@ -40,7 +40,7 @@ class HtmlContent {
   // What a comment says, outside of templates: "vela:off" and "vela:on" leave out what is between.
   void TakeComment(std::string_view comment);
 
-  // The content of a script of type application/ld+json, of which only the dates are taken.
+  // The content of a script of type application/ld+json.
   void AddJson(std::string_view json, const TextState& inside);
 
   bool asksForNoindex() const { return noindex; }
@@ -56,7 +56,7 @@ class HtmlContent {
   void ReadMeta(const Tag& tag);
   bool ReadTime(const Tag& tag);
   void TakeTime(std::string time, std::string_view property);
-  void AddDate(const char* prefix, std::string_view property, std::string date);
+  void AddDate(std::string_view property, std::string date);
 
   void Break(const TextState& state);
   void CountText(std::string_view added, const TextState& state);

@@ -17,10 +17,10 @@ namespace vela::indexer {
 // what lies outside 1970 to 2037.
 int64_t ReadDate(std::string_view text);
 
-// The page's date from the first of `sources` that has one: its meta elements
-// (article:modified_time, article:published_time, those of schema.org behind each of them,
-// dcterms.modified, dcterms.date, dc.date, last-modified, date, in this order), its first time
-// element, or `fileTime`. 0 for none.
+// The page's date from the first of `sources` that has one: its meta elements (of kDateMetas in
+// page_date.cc, in this order: when it was changed, then when it appeared, as article:modified_time
+// and schema.org say it; what Dublin Core says; last-modified and date), its first time element, or
+// `fileTime`. 0 for none.
 int64_t PageDate(const PageContent& page, int64_t fileTime, const std::vector<DateSource>& sources);
 
 }  // namespace vela::indexer

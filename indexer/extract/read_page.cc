@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "indexer/extract/declared_facts.h"
 #include "indexer/extract/file_types.h"
 #include "indexer/extract/page_date.h"
 #include "indexer/site/address.h"
@@ -54,7 +55,7 @@ std::string CanonicalAddress(const PageContent& content, const std::string& own)
 }
 
 std::string PageImage(const PageContent& content, const std::string& own) {
-  const std::string_view image = MetaContent(content, "og:image");
+  const std::string_view image = FactOf(content, PageFact::kImage);
   return image.empty() ? std::string() : ResolveAddress(LinkBase(content, own), image);
 }
 
@@ -97,6 +98,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
   }
   if (IsRefreshStub(content)) return Reason::kRefresh;
   ResolveLinks(item.address, page.content);
+  AddFacts(page.content);
   page.facts = {
       .path = item.path,
       .address = item.address,

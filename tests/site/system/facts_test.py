@@ -1,0 +1,87 @@
+#!/usr/bin/env python3
+"""What pages say about themselves and what a site repeats, on sites made by hand: the index, the
+report, and what a visitor gets."""
+
+import html
+import json
+import re
+import shutil
+import subprocess
+import unittest
+
+import support
+
+
+class Facts(unittest.TestCase):
+    def setUp(self):
+        self.folder = support.WORK / self._testMethodName
+        shutil.rmtree(self.folder, ignore_errors=True)
+        self.site = self.folder / "site"
+        self.site.mkdir(parents=True)
+
+    def write(self, pages):
+        for name, markup in pages.items():
+            path = self.site / name
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(markup, encoding="utf-8")
+
+    def index(self, configuration="", *options):
+        """Indexes the site. Returns the index folder, the report and the summary."""
+        file = self.folder / "vela_index.toml"
+        file.write_text(configuration, encoding="utf-8")
+        index = self.folder / "index"
+        report = self.folder / "report.json"
+        done = subprocess.run(
+            [support.BIN / "vela_index", "--config", file, "--site", self.site, "--base-url",
+             "https://x.example/", "--out", index, "--report", report, *options],
+            capture_output=True, text=True)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        support.inspect(index)
+        shutil.copy2(support.BIN / "vela_search", index / "search.cgi")
+        return index, json.loads(report.read_text(encoding="utf-8")), done.stdout + done.stderr
+
+    def page_of(self, index, query, **parameters):
+        status, _, page = support.run_cgi(index, support.query_string(query, **parameters))
+        self.assertEqual(status, 0)
+        results = page.decode().partition('<div class="results">')[2]  # none: nothing was found
+        return html.unescape(results)
+
+    def titles(self, index, query, **parameters):
+        page = self.page_of(index, query, **parameters)
+        found = re.findall(r'<div class="result_title">.*?<a [^>]*>(.*?)</a>', page, re.DOTALL)
+        return [re.sub("<[^>]*>", "", title).strip() for title in found]
+
+    def test_facts_of_json_ld_and_others(self):
+        self.write({
+            "a.html": """<title>Knots</title><script type="application/ld+json">
+                {"@graph": [{"@type": "Organization", "name": "Harbour", "description": "no",
+                             "logo": "/logo.png"},
+                 {"@type": "TechArticle", "description": "All about the bowline.",
+                  "author": [{"@type": "Person", "name": "Ann Rope"}],
+                  "image": {"@type": "ImageObject", "url": "/knot.png"},
+                  "dateModified": "2024-05-06T07:08:09Z", "datePublished": "2020-01-01"}]}
+                </script><p>rope""",
+            "b.html": """<title>Sails</title><meta property="og:description" content="Of canvas.">
+                <meta name="DC.creator" content="Bob Sail"><meta name="dcterms.issued"
+                content="2021-02-03T00:00:00Z"><p>rope""",
+            "c.html": """<title>Broken</title><script type="application/ld+json">
+                {"description": "Before.", "dateModified": "2022-03-04T00:00:00Z",, "author": "No"}
+                </script><p>rope""",
+        })
+        index, report, _ = self.index(
+            '[[field]]\nname = "author"\nmeta = "page:author"\n'
+            '[[field]]\nname = "type"\nmeta = "json-ld:type"\n')
+        dates = {each["title"]: each["date"] for each in report["documents"]}
+        self.assertEqual(dates, {"Knots": "2024-05-06T07:08:09Z", "Sails": "2021-02-03T00:00:00Z",
+                                 "Broken": "2022-03-04T00:00:00Z"})
+        page = self.page_of(index, "rope")
+        for text in ("All about the bowline.", "Of canvas.", "Before.",
+                     "https://x.example/knot.png", "TechArticle"):
+            self.assertIn(text, page)
+        self.assertNotIn("logo.png", page)
+        self.assertEqual(self.titles(index, "rope", author="Ann Rope"), ["Knots"])
+        self.assertEqual(self.titles(index, "rope", author="Bob"), ["Sails"])
+
+
+if __name__ == "__main__":
+    unittest.main()
