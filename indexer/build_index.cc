@@ -201,10 +201,9 @@ void CheckBrokenLinks(const Run& run) {
 }
 
 // Chooses the stemming by what the pages say of their language. Returns what to tell the owner.
-std::string ChooseStemming(const Source& source, const SiteListing& listing,
-                           const IndexCharset& charset, SiteConfig& config,
-                           const volatile std::sig_atomic_t& stop) {
-  const std::string language = LanguageOfPages(source, listing.items, stop);
+std::string ChooseStemming(const LanguageCounts& languages, const IndexCharset& charset,
+                           SiteConfig& config) {
+  const std::string language = MostFrequent(languages);
   config.stemming = StemmingOfLanguage(language);
   if (language.empty()) return "off, as no page tells its language";
   if (config.stemming < 0) return "off, as there is none for the language \"" + language + "\"";
@@ -428,8 +427,13 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   Source& source = *opened.source;
   progress.Begin("Looking for pages", 0);
   SiteListing listing = source.List();
-  if (options.config.stemming == kStemmingByPages) {
-    summary.stemming = ChooseStemming(source, listing, charset, options.config, stop);
+  const bool choosesStemming = options.config.stemming == kStemmingByPages;
+  if (choosesStemming || options.config.languageCategories) {
+    const LanguageCounts languages = LanguagesOfPages(source, listing.items, stop);
+    if (choosesStemming) summary.stemming = ChooseStemming(languages, charset, options.config);
+    if (options.config.languageCategories) {
+      AddLanguageCategories(languages, options.config.categories);
+    }
   }
   SitePages pages(run);
   ReadPages(source, std::move(listing), run, pages);

@@ -165,6 +165,7 @@ void RunReport::AddPage(const SourceItem& item, const PageEntry& entry, uint64_t
     AppendMember("title", title, object);
   }
   AppendMember("type", TypeName(entry.fileType), object);
+  if (!entry.language.empty()) AppendMember("language", entry.language, object);
   AppendMember("bytes", entry.fileSize, object);
   if (entry.time != kNoPageDate) {
     AppendMember("date", UtcText(static_cast<std::time_t>(entry.time)), object);

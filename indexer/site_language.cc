@@ -1,15 +1,16 @@
 #include "indexer/site_language.h"
 
+#include <unicode/uldnames.h>
+#include <unicode/unistr.h>
+
 #include <algorithm>
 #include <iterator>
-#include <map>
-#include <sstream>
-#include <unordered_map>
 #include <utility>
 
-#include "indexer/config/embedded_files.h"
 #include "indexer/extract/declared_language.h"
-#include "text/ascii.h"
+#include "indexer/extract/decoding.h"
+#include "indexer/extract/reading_budget.h"
+#include "indexer/words/detected_language.h"
 #include "text/stemmer.h"
 
 namespace vela::indexer {
@@ -32,75 +33,66 @@ constexpr StemmedLanguage kLanguages[] = {
     {"tr", kStemTurkish},
 };
 
-// A page with fewer function words of a language may be in any.
-constexpr size_t kLeastWords = 20;
-constexpr size_t kBytesRead = size_t{64} << 10;  // of a page
-
-// The codes of the languages whose stop words each word is among.
-using FunctionWords = std::unordered_map<std::string, std::vector<std::string_view>>;
-
-FunctionWords ReadFunctionWords() {
-  constexpr std::pair<std::string_view, std::string_view> kLists[] = {
-      {"dutch.txt", "nl"},      {"english.txt", "en"}, {"french.txt", "fr"},
-      {"german.txt", "de"},     {"italian.txt", "it"}, {"polish.txt", "pl"},
-      {"portuguese.txt", "pt"}, {"russian.txt", "ru"}, {"spanish.txt", "es"},
-      {"swedish.txt", "sv"},    {"turkish.txt", "tr"}, {"czech.txt", "cs"},
-      {"ukrainian.txt", "uk"},
-  };
-  FunctionWords words;
-  for (const auto& [name, code] : kLists) {
-    const EmbeddedFile* file = FindEmbeddedFile(std::string(name));
-    if (file == nullptr) continue;
-    std::istringstream list{std::string(file->content)};
-    for (std::string word; list >> word;) words[word].push_back(code);
-  }
-  return words;
+// The language that a page says it is in, else the one of its text; empty for neither.
+std::string LanguageOfPage(const FileContent& file) {
+  std::string language = DeclaredLanguage(file.bytes);
+  if (!language.empty()) return language;
+  ReadingBudget budget = StartReading({}, file.bytes.size());
+  std::string text;
+  const Reason reason = ConvertToUtf8(file.bytes, true, budget, text, file.charset);
+  return reason == Reason::kNone ? DetectedLanguage(text, true) : std::string();
 }
 
-// The language that the text between the tags of a page in UTF-8 has most function words of.
-std::string WrittenLanguage(std::string_view markup, const FunctionWords& functionWords) {
-  std::map<std::string_view, size_t> counts;
-  std::string word;
-  bool inTag = false;
-  for (const char c : markup.substr(0, kBytesRead)) {
-    const char lower = ToLowerAscii(c);
-    const bool isLetter = (lower >= 'a' && lower <= 'z') || static_cast<unsigned char>(c) >= 0x80;
-    if (isLetter && !inTag) {
-      word += lower;
-      continue;
-    }
-    const auto found = functionWords.find(word);
-    if (found != functionWords.end()) {
-      for (const std::string_view code : found->second) ++counts[code];
-    }
-    word.clear();
-    if (c == '<' || c == '>') inTag = c == '<';
-  }
-  const auto most =
-      std::ranges::max_element(counts, {}, [](const auto& language) { return language.second; });
-  return most == counts.end() || most->second < kLeastWords ? std::string()
-                                                            : std::string(most->first);
+// What speakers of the language call it, as it stands in a list; the code where that is not known.
+std::string OwnNameOf(const std::string& language) {
+  constexpr int32_t kNameLength = 100;
+  UErrorCode status = U_ZERO_ERROR;
+  UDisplayContext contexts[] = {UDISPCTX_CAPITALIZATION_FOR_UI_LIST_OR_MENU};
+  ULocaleDisplayNames* names = uldn_openForContext(language.c_str(), contexts, 1, &status);
+  UChar name[kNameLength];
+  const int32_t length =
+      uldn_languageDisplayName(names, language.c_str(), name, kNameLength, &status);
+  uldn_close(names);
+  if (U_FAILURE(status) != 0 || length <= 0) return language;
+  std::string text;
+  return icu::UnicodeString(name, length).toUTF8String(text);
 }
 
 }  // namespace
 
-std::string LanguageOfPages(const Source& source, const std::vector<SourceItem>& items,
-                            const volatile std::sig_atomic_t& stop) {
-  const FunctionWords functionWords = ReadFunctionWords();
-  std::map<std::string, size_t> pages;
+LanguageCounts LanguagesOfPages(const Source& source, const std::vector<SourceItem>& items,
+                                const volatile std::sig_atomic_t& stop) {
+  LanguageCounts counts;
   const size_t step = std::max<size_t>(1, items.size() / kSample);
   for (size_t i = 0; i < items.size() && stop == 0; i += step) {
     FileContent file;
     if (items[i].type != FileType::kHtml || source.Read(items[i], file) != Reason::kNone) {
       continue;
     }
-    std::string language = DeclaredLanguage(file.bytes);
-    if (language.empty()) language = WrittenLanguage(file.bytes, functionWords);
-    if (!language.empty()) ++pages[std::move(language)];
+    std::string language = LanguageOfPage(file);
+    if (!language.empty()) ++counts[std::move(language)];
   }
+  return counts;
+}
+
+std::string MostFrequent(const LanguageCounts& counts) {
   const auto most =
-      std::ranges::max_element(pages, {}, [](const auto& language) { return language.second; });
-  return most == pages.end() ? std::string() : most->first;
+      std::ranges::max_element(counts, {}, [](const auto& language) { return language.second; });
+  return most == counts.end() ? std::string() : most->first;
+}
+
+void AddLanguageCategories(const LanguageCounts& counts, std::vector<CategoryRule>& categories) {
+  constexpr size_t kLeastPercent = 1;
+  size_t pages = 0;
+  for (const auto& [language, count] : counts) pages += count;
+  std::vector<CategoryRule> added;
+  for (const auto& [language, count] : counts) {
+    if (count * 100 < pages * kLeastPercent || !IsLanguageCode(language)) continue;
+    added.push_back({.name = OwnNameOf(language), .pages = {}, .languages = {language}});
+  }
+  constexpr size_t kLeastLanguages = 2;
+  if (added.size() < kLeastLanguages || categories.size() + added.size() > kCategoryLimit) return;
+  std::ranges::move(added, std::back_inserter(categories));
 }
 
 int32_t StemmingOfLanguage(std::string_view language) {

@@ -202,8 +202,8 @@ void ReadWords(Reader& in, PageWords& page) {
 }
 
 void WriteFacts(const PageFacts& facts, Writer& out) {
-  for (const std::string* text :
-       {&facts.path, &facts.address, &facts.canonical, &facts.title, &facts.image}) {
+  for (const std::string* text : {&facts.path, &facts.address, &facts.canonical, &facts.title,
+                                  &facts.image, &facts.language}) {
     out.Text(*text);
   }
   out.Number(facts.fileSize);
@@ -217,6 +217,7 @@ void ReadFacts(Reader& in, PageFacts& facts) {
   facts.canonical = in.Text();
   facts.title = in.Text(kPageTitleLimit);
   facts.image = in.Text(kAddressLimit);
+  facts.language = in.Text();
   facts.fileSize = in.Number();
   for (int64_t* time : {&facts.time, &facts.ownTime, &facts.fileTime}) *time = in.Signed();
   facts.fileType = static_cast<FileType>(in.Number(kFileTypeCount - 1));

@@ -1,13 +1,26 @@
 #include "indexer/collect/category_set.h"
 
+#include <algorithm>
+
 #include "format/page_info.h"
 
 namespace vela::indexer {
 
-std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page) {
+namespace {
+
+bool Fits(const CategoryRule& rule, const PageAddresses& page, std::string_view language) {
+  return (rule.pages.empty() || FitsAnyPattern(page, rule.pages)) &&
+         (rule.languages.empty() ||
+          std::ranges::find(rule.languages, language) != rule.languages.end());
+}
+
+}  // namespace
+
+std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page,
+                        std::string_view language) {
   std::string set(CategorySetBytes(categories.size()), '\0');
   for (size_t c = 0; c < categories.size(); ++c) {
-    if (!FitsAnyPattern(page, categories[c].pages)) continue;
+    if (!Fits(categories[c], page, language)) continue;
     char& bits = set[CategoryByte(c)];
     bits = static_cast<char>(static_cast<unsigned char>(bits) | 1U << CategoryBit(c));
   }

@@ -1,4 +1,4 @@
-// category_set.h: the set of categories that a page's addresses put it in.
+// category_set.h: the set of categories that a page's addresses and language put it in.
 //
 // format/page_info.h draws the set.
 #pragma once
@@ -13,8 +13,9 @@
 
 namespace vela::indexer {
 
-// The page's set of CategorySetBytes bytes; empty without categories.
-std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page);
+// The set, of CategorySetBytes bytes, of a page in that language; empty without categories.
+std::string CategorySet(const std::vector<CategoryRule>& categories, const PageAddresses& page,
+                        std::string_view language);
 
 // Adds the categories of `set` to `all`, a set of the same size.
 void AddCategories(std::string_view set, std::string& all);

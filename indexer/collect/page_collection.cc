@@ -82,10 +82,11 @@ std::vector<std::string> NamesOf(const std::string& own, const std::string& inde
 }
 
 // Leaves a page out for another one, which stands for it from now on.
-void LeaveOutCopy(const std::string& address, PageCollection& collection) {
+void LeaveOutCopy(const PageFacts& facts, PageCollection& collection) {
+  const std::string& address = facts.address;
   const std::vector<std::string> names = NamesOf(address, address);
   std::string categories =
-      collection.rules.CategoriesOf({.base = collection.input.base, .all = names});
+      collection.rules.CategoriesOf({.base = collection.input.base, .all = names}, facts.language);
   if (categories.find_first_not_of('\0') == categories.npos) return;
   collection.copies.push_back({.address = address, .categories = std::move(categories)});
 }
@@ -107,7 +108,7 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
   std::string address;
   const Reason reason = collection.addresses.Choose(facts.address, facts.canonical, address);
   if (reason != Reason::kNone) {
-    LeaveOutCopy(facts.address, collection);
+    LeaveOutCopy(facts, collection);
     return reason;
   }
   const std::string stored = StoredAddress(address);
@@ -119,11 +120,11 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
     collection.addresses.Note(each, equal.value_or(number));
   }
   if (equal.has_value()) {
-    LeaveOutCopy(facts.address, collection);
+    LeaveOutCopy(facts, collection);
     return Reason::kEqual;
   }
   SiteRules::Outcome outcome = collection.rules.Apply(
-      {.base = collection.input.base, .all = NamesOf(facts.address, address)});
+      {.base = collection.input.base, .all = NamesOf(facts.address, address)}, facts.language);
   entry = {
       .address = stored,
       .title = facts.title,
@@ -133,6 +134,7 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
       .time = facts.time,
       .boost = outcome.boost,
       .fileType = facts.fileType,
+      .language = facts.language,
       .categories = std::move(outcome.categories),
       .metaValues = page.metaValues,
       .hasTitleMass = ExtensionValue(collection.input.config, "Ranking") != 0,

@@ -18,6 +18,7 @@ struct PageEntry {
   int64_t time = kNoPageDate;  // seconds since 1970
   uint8_t boost = 0;
   FileType fileType = FileType::kHtml;
+  std::string language;       // "en"; empty: not known. Of the report, not of the files
   std::string categories;     // see category_set.h
   std::string metaValues;     // see meta_values.h
   bool hasTitleMass = false;  // the mass of its title is to be known (format/word_weight.h)

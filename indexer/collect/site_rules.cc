@@ -25,14 +25,14 @@ uint8_t SiteRules::BoostOf(const PageAddresses& page) {
   return tenths;
 }
 
-SiteRules::Outcome SiteRules::Apply(const PageAddresses& page) {
-  Outcome outcome = {.categories = CategoriesOf(page), .boost = BoostOf(page)};
+SiteRules::Outcome SiteRules::Apply(const PageAddresses& page, std::string_view language) {
+  Outcome outcome = {.categories = CategoriesOf(page, language), .boost = BoostOf(page)};
   UseCategories(outcome.categories);
   return outcome;
 }
 
-std::string SiteRules::CategoriesOf(const PageAddresses& copy) const {
-  return CategorySet(categories_, copy);
+std::string SiteRules::CategoriesOf(const PageAddresses& copy, std::string_view language) const {
+  return CategorySet(categories_, copy, language);
 }
 
 void SiteRules::UseCategories(std::string_view categories) {

@@ -21,11 +21,11 @@ class SiteRules {
     std::string categories;  // see category_set.h
     uint8_t boost = 0;       // tenths, of the first rule that fits; 0 for none
   };
-  Outcome Apply(const PageAddresses& page);
+  Outcome Apply(const PageAddresses& page, std::string_view language);
 
   // The categories alone, for a copy that is left out for another page; whether they are used is
   // settled with that page, by UseCategories.
-  std::string CategoriesOf(const PageAddresses& copy) const;
+  std::string CategoriesOf(const PageAddresses& copy, std::string_view language) const;
   void UseCategories(std::string_view categories);
 
   // The rules that fitted no page up to now, categories first.

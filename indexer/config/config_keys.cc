@@ -310,6 +310,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", "images", Flag{&SiteConfig::images}},
     {"index", "link_texts", Flag{&SiteConfig::linkTexts}},
     {"index", {}, &ReadSitesContent},  // the keys of content_keys.h
+    {"index", "language_categories", Flag{&SiteConfig::languageCategories}},
 
     {"search", "extensions", Flag{&SiteConfig::extensions}},
     {"search", "address", Text{kBaseAddressLimit, &SiteConfig::searchAddress}, &CheckSearchAddress},

@@ -12,6 +12,7 @@
 #include "indexer/config/content_keys.h"
 #include "indexer/site/address_pattern.h"
 #include "indexer/words/clean_text.h"
+#include "indexer/words/detected_language.h"
 #include "settings/settings.h"
 #include "text/ascii.h"
 #include "text/lower.h"
@@ -35,7 +36,22 @@ void ReadCategory(ConfigTable table, SiteConfig& config) {
   if (!table.Text("name", kNameLimit, rule.name) || rule.name.empty()) {
     table.RefuseWhole("A [[category]] needs name = \"...\".");
   }
-  ReadPages(table, "The category \"" + rule.name + "\"", rule.pages);
+  const bool hasLanguages = table.Texts("languages", kNameLimit, rule.languages);
+  for (std::string& language : rule.languages) {
+    if (!IsLanguageCode(language)) {
+      table.Refuse("languages", "\"" + language +
+                                    "\" is no language. Give codes of two or three small letters, "
+                                    "without a region, as in \"pt\".");
+    }
+  }
+  if (hasLanguages && rule.languages.empty()) {
+    table.RefuseValue("languages", " needs one language at least.");
+  }
+  if (!hasLanguages) {
+    ReadPages(table, "The category \"" + rule.name + "\"", rule.pages);
+  } else if (table.Texts("pages", kAddressLimit, rule.pages)) {
+    for (std::string& pattern : rule.pages) pattern = AddressPattern(pattern);
+  }
   table.Finish();
   config.categories.push_back(std::move(rule));
 }

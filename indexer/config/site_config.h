@@ -35,7 +35,8 @@ constexpr int32_t kStemmingByPages = -2;
 // A category and the addresses of its pages; see FitsAddressPattern (address_pattern.h).
 struct CategoryRule {
   std::string name;
-  std::vector<std::string> pages;  // made by AddressPattern
+  std::vector<std::string> pages;           // made by AddressPattern; empty: of any address
+  std::vector<std::string> languages = {};  // of which the page's is one; empty: any
 };
 
 // Pages whose scores are multiplied.
@@ -110,6 +111,7 @@ struct SiteConfig {
   std::vector<NamedSelector> selectors;   // of all these rules
 
   std::vector<CategoryRule> categories;
+  bool languageCategories = false;  // one for each language of the site joins them
   std::vector<FieldRule> fields;
   std::vector<BoostRule> boosts;  // the first that fits a page holds
   std::vector<SynonymRule> synonyms;

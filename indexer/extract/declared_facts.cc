@@ -60,6 +60,9 @@ constexpr FactNames kFacts[] = {
      "page:currency",
      {"product:price:currency", "og:price:currency", "itemprop:pricecurrency",
       "json-ld:offers.pricecurrency"}},
+    {PageFact::kLanguage,
+     "page:language",
+     {"http-equiv:content-language", "dcterms.language", "dc.language", "json-ld:inlanguage"}},
 };
 
 constexpr bool EachFactHasItsRow() {

@@ -20,6 +20,7 @@ enum class PageFact : uint8_t {
   kType,
   kPrice,
   kCurrency,
+  kLanguage,
   kCount
 };
 

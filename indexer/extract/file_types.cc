@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "indexer/extract/declared_language.h"
 #include "indexer/extract/decoding.h"
 #include "indexer/extract/html_page.h"
 #include "indexer/extract/markdown_page.h"
@@ -30,10 +31,12 @@ Reason ReadHtml(const SourceItem& item, FileContent file, const ContentChoice& c
   if (item.isXml || text.starts_with("<?xml")) {
     const ReadingBudget whole = budget;
     reason = ParseXhtmlPage(text, budget, content, fault, choice);
+    content.language = DeclaredLanguage(text);
     if (fault.empty()) return reason;
     budget = whole;
   }
   reason = ParseHtmlPage(text, budget, content, choice);
+  content.language = DeclaredLanguage(text);
   if (item.isXml) content.markupFault = std::move(fault);
   return reason;
 }

@@ -63,6 +63,7 @@ struct PageContent {
   std::string canonical;           // as the page gives it, not resolved; empty when it gives none
   std::string base;                // href of the base element, the same way
   std::vector<MetaElement> metas;  // all that have a name and a content, in the page's order
+  std::string language;            // that it names, as DeclaredLanguage has it; or empty
   std::string time;                // of the first time element: its datetime, else its text
   std::vector<TextRun> body;       // in reading order
   std::vector<PageLink> links;     // with texts up to kLinkTextLimit bytes, in the page's order
@@ -86,6 +87,7 @@ struct PageFacts {
   std::string canonical;  // the address that it names as its own, whole and encoded; or empty
   std::string title;      // the one to show for it; plain text
   std::string image;      // whole address of the picture that stands for it, or empty
+  std::string language;   // "en", "pt": the one it names, else the one it is in; or empty
   uint64_t fileSize = 0;  // bytes
   int64_t time = 0;       // of its date, seconds since 1970; 0 for none
   int64_t ownTime = 0;    // the same when the time of its file is not taken for a date

@@ -7,6 +7,7 @@
 #include "indexer/extract/page_date.h"
 #include "indexer/site/address.h"
 #include "indexer/words/clean_text.h"
+#include "indexer/words/detected_language.h"
 #include "indexer/words/lower_copy.h"
 #include "text/percent_code.h"
 
@@ -68,6 +69,25 @@ void ResolveLinks(const std::string& own, PageContent& content) {
   std::erase_if(content.links, [](const PageLink& link) { return link.address.empty(); });
 }
 
+// The text with which the page begins, enough to tell its language by.
+std::string LanguageSample(const PageContent& content) {
+  std::string sample;
+  for (const TextRun& run : content.body) {
+    if (sample.size() >= kLanguageSampleBytes) break;
+    sample.append(run.text, 0, kLanguageSampleBytes).append(" ");
+  }
+  return sample;
+}
+
+// A page may be sent for readers of several languages; then that says nothing.
+std::string PageLanguage(const PageContent& content) {
+  if (!content.language.empty()) return content.language;
+  const std::string declared = LowerAsciiCopy(FactOf(content, PageFact::kLanguage));
+  const std::string code = declared.substr(0, declared.find_first_of("-_"));
+  if (IsLanguageCode(code)) return code;
+  return DetectedLanguage(LanguageSample(content));
+}
+
 // Whether the page is there to lead on to another one: it refreshes to an address and says next to
 // nothing, such as "Redirecting" with a link.
 bool IsRefreshStub(const PageContent& content) {
@@ -105,6 +125,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
       .canonical = CanonicalAddress(content, item.address),
       .title = PageTitle(content, item.path),
       .image = wishes.images ? PageImage(content, item.address) : std::string(),
+      .language = PageLanguage(content),
       .fileSize = fileSize,
       .time = PageDate(content, fileTime, wishes.dates),
       .ownTime = PageDate(content, 0, wishes.dates),

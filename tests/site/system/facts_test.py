@@ -82,6 +82,32 @@ class Facts(unittest.TestCase):
         self.assertEqual(self.titles(index, "rope", author="Ann Rope"), ["Knots"])
         self.assertEqual(self.titles(index, "rope", author="Bob"), ["Sails"])
 
+    def test_languages(self):
+        english = "The sail is hoisted by a rope which runs over the top of the mast to the deck. "
+        german = "Das Segel wird mit einem Seil gesetzt, das zur Spitze des Mastes l\u00e4uft. "
+        self.write({
+            "declared.html": f"<html lang=fr-CA><title>Declared</title><p>Nadir. {english}",
+            "content.html": "<meta http-equiv=content-language content=pt-BR><title>Content</title>"
+                            f"<p>Nadir. {english}",
+            "english.html": f"<title>English</title><p>Nadir. {english}",
+            "german.html": f"<title>German</title><p>Nadir. {german}",
+            "german.txt": f"Text\n\nNadir. {german}{german}",
+            "none.html": "<title>None</title><p>Nadir.",
+        })
+        index, report, _ = self.index(
+            '[[category]]\nname = "Deutsche Texte"\nlanguages = ["de"]\npages = ["*.txt"]\n'
+            '[[category]]\nname = "Romance"\nlanguages = ["fr", "pt"]\n')
+        languages = {each["path"]: each.get("language") for each in report["documents"]}
+        self.assertEqual(languages, {"declared.html": "fr", "content.html": "pt",
+                                     "english.html": "en", "german.html": "de",
+                                     "german.txt": "de", "none.html": None})
+        self.assertEqual(self.titles(index, "nadir", vela_cat="0"), ["Text"])
+        self.assertEqual(set(self.titles(index, "nadir", vela_cat="1")), {"Content", "Declared"})
+
+        index, _, _ = self.index("[index]\nlanguage_categories = true\n")
+        _, _, page = support.run_cgi(index, support.query_string("nadir"))
+        for number, name in enumerate(("Deutsch", "English", "Fran\u00e7ais")):
+            self.assertRegex(page.decode(), f'value="{number}"[^>]*>\\s*{name}')
 
 if __name__ == "__main__":
     unittest.main()

@@ -11,7 +11,7 @@ TEST(SiteRules, TheFirstBoostThatFitsHolds) {
   SiteRules rules(config);
   const auto boostOf = [&](const std::string& address) {
     const std::vector<std::string> all = {address};
-    return rules.Apply({.base = "/", .all = all}).boost;
+    return rules.Apply({.base = "/", .all = all}, "en").boost;
   };
   EXPECT_EQ(boostOf("/ab"), 20);
   EXPECT_EQ(boostOf("/b"), 5);
@@ -25,7 +25,7 @@ TEST(SiteRules, TellsOfTheRulesThatFitNoPage) {
   SiteRules rules(config);
   EXPECT_EQ(rules.Unused().size(), 5u);
   const std::vector<std::string> addresses = {"/news/a.html"};
-  EXPECT_EQ(rules.Apply({.base = "/", .all = addresses}).categories, "\x01");
+  EXPECT_EQ(rules.Apply({.base = "/", .all = addresses}, "en").categories, "\x01");
   const std::vector<Finding> unused = rules.Unused();
   ASSERT_EQ(unused.size(), 2u);
   EXPECT_EQ(unused[0].reason, Reason::kUnusedCategory);

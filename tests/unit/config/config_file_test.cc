@@ -149,6 +149,9 @@ file = "logs/a.log"
 [[category]]
 name = "News"
 pages = ["news/*"]
+[[category]]
+name = "Deutsch"
+languages = ["de", "gsw"]
 [[boost]]
 pages = ["help/*"]
 factor = 2.5
@@ -185,8 +188,10 @@ LinkTarget = "_blank"
   EXPECT_EQ(config.recommended[1].where, "/owner/vela_index.toml, line 16");
   EXPECT_EQ(config.settings.at("Logging").number, 1);
   EXPECT_EQ(config.settings.at("LogFileName").text, "logs/a.log");
-  ASSERT_EQ(config.categories.size(), 1u);
+  ASSERT_EQ(config.categories.size(), 2u);
   EXPECT_EQ(config.categories[0].pages, std::vector<std::string>{"news/*"});
+  EXPECT_EQ(config.categories[1].pages, std::vector<std::string>{});
+  EXPECT_EQ(config.categories[1].languages, (std::vector<std::string>{"de", "gsw"}));
   ASSERT_EQ(config.boosts.size(), 1u);
   EXPECT_EQ(config.boosts[0].tenths, 25);
   ASSERT_EQ(config.synonyms.size(), 1u);
@@ -255,6 +260,9 @@ TEST(ConfigFile, SaysWhatIsWrongAndWhere) {
       {"[log]\nfile = \"/var/log/x\"\n", "line 2: ", "a path from the index folder on"},
       {"[[category]]\npages = [\"a\"]\n", "line 1: ", "needs name"},
       {"[[category]]\nname = \"N\"\n", "line 1: ", "The category \"N\" needs pages"},
+      {"[[category]]\nname = \"N\"\nlanguages = [\"pt-BR\"]\n",
+       "line 3: ", "\"pt-BR\" is no language"},
+      {"[[category]]\nname = \"N\"\nlanguages = []\n", "line 3: ", "needs one language"},
       {"[category]\nname = \"N\"\n", "line 1: ", "write [[category]] before each"},
       {"[[content]]\nmain = \"all\"\n", "line 1: ", "needs pages"},
       {"[[content]]\npages = [\"a\"]\nnavigation = \"yes\"\n",
