@@ -12,8 +12,10 @@
 #include <thread>
 
 #include "format/index_directory.h"
+#include "indexer/collect/number_table.h"
 #include "indexer/collect/page_collection.h"
 #include "indexer/collect/recommended_pages.h"
+#include "indexer/collect/site_habits.h"
 #include "indexer/collect/stop_words.h"
 #include "indexer/config/extensions.h"
 #include "indexer/config/language_file.h"
@@ -151,10 +153,15 @@ Reason TakeBlock(const PageBlock& block, SitePages& pages, LeftOut& remarks) try
 // Says what became of an item of the site.
 void Report(const SourceItem& item, Reason reason, Run& run, SitePages& pages) {
   if (reason != Reason::kNone) AddLeftOut(run.summary.files, reason, item.path);
+  std::string similar;
+  if (reason == Reason::kNone && pages.entry.similarTo.has_value()) {
+    similar = PlainAddress(pages.table.ReadLine(*pages.entry.similarTo).address);
+    AddLeftOut(run.summary.similar, Reason::kSimilar, item.path, {}, similar);
+  }
   if (!run.report.isWanted()) return;
   const PageCollection& collection = pages.collection;
   if (reason == Reason::kNone) {
-    run.report.AddPage(item, pages.entry, collection.pages.size() - 1);
+    run.report.AddPage(item, pages.entry, collection.pages.size() - 1, similar);
   } else {
     run.report.AddLeftOut(item, reason, OriginalOf(item, reason, collection, pages.table));
   }
@@ -211,6 +218,35 @@ std::string ChooseStemming(const LanguageCounts& languages, const IndexCharset& 
   if (HasStemmer(charset, config.stemming)) return name + ", as most pages are in that language";
   config.stemming = -1;
   return "off, as there is no " + name + " for " + charset.name();
+}
+
+// Some pages of the site are read to find what they share. They are those whose addresses have the
+// smallest hashes, so that a page more or less changes little.
+void LookAtSite(const Source& source, const std::vector<SourceItem>& items,
+                const volatile std::sig_atomic_t& stop, SiteConfig& config, IndexSummary& summary) {
+  constexpr size_t kSample = 400;
+  std::vector<std::pair<uint64_t, size_t>> order;  // a hash, and the place in the list
+  for (size_t i = 0; i < items.size(); ++i) {
+    if (items[i].type == FileType::kHtml) order.emplace_back(TextHash(items[i].address), i);
+  }
+  std::ranges::sort(order);
+  order.resize(std::min(order.size(), kSample));
+  std::ranges::sort(order, {}, [](const auto& each) { return each.second; });
+  HabitsLook look;
+  for (const auto& [hash, place] : order) {
+    FileContent file;
+    Page page;
+    if (source.Read(items[place], file) != Reason::kNone) continue;
+    const Reason reason = ReadPage(items[place], std::move(file), {}, {.stop = &stop}, page);
+    CheckStop(stop);
+    if (reason == Reason::kNone) look.AddPage(page);
+  }
+  const SiteHabits found = look.Finish(config);
+  if (config.siteName == kAutoSiteName) config.habits.names = found.names;
+  config.habits.sharedTitle = found.sharedTitle;
+  config.habits.repeatedTexts = found.repeatedTexts;
+  summary.sharedTitle = found.sharedTitle;
+  summary.repeatedTexts = look.Examples(found);
 }
 
 void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& pages) {
@@ -435,6 +471,8 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
       AddLanguageCategories(languages, options.config.categories);
     }
   }
+  if (WantsLook(options.config)) LookAtSite(source, listing.items, stop, options.config, summary);
+  summary.siteNames = options.config.habits.names;
   SitePages pages(run);
   ReadPages(source, std::move(listing), run, pages);
   IndexFacts facts;

@@ -99,6 +99,25 @@ void AppendCounts(const IndexSummary& summary, std::string& out) {
   out += '}';
 }
 
+void AppendTexts(std::string_view name, const std::vector<std::string>& texts, std::string& out) {
+  out += out.ends_with('{') ? "\"" : ",\"";
+  out.append(name).append("\":[");
+  for (const std::string& text : texts) {
+    if (!out.ends_with('[')) out += ',';
+    AppendJsonText(text, out);
+  }
+  out += ']';
+}
+
+// What pages were found to share.
+std::string SiteObject(const IndexSummary& summary) {
+  std::string out = ",\n\"site\":{";
+  AppendTexts("names", summary.siteNames, out);
+  if (!summary.sharedTitle.empty()) AppendMember("shared_title", summary.sharedTitle, out);
+  AppendTexts("repeated", summary.repeatedTexts, out);
+  return out + '}';
+}
+
 std::string_view TypeName(FileType type) { return kFileTypeEndings[static_cast<size_t>(type)].key; }
 
 }  // namespace
@@ -151,7 +170,8 @@ void RunReport::AddListing(const SiteListing& listing) {
   }
 }
 
-void RunReport::AddPage(const SourceItem& item, const PageEntry& entry, uint64_t number) {
+void RunReport::AddPage(const SourceItem& item, const PageEntry& entry, uint64_t number,
+                        std::string_view similar) {
   if (!isWanted()) return;
   std::string object = "{";
   AppendMember("path", item.path, object);
@@ -165,6 +185,7 @@ void RunReport::AddPage(const SourceItem& item, const PageEntry& entry, uint64_t
     AppendMember("title", title, object);
   }
   AppendMember("type", TypeName(entry.fileType), object);
+  if (!similar.empty()) AppendMember("similar", similar, object);
   if (!entry.language.empty()) AppendMember("language", entry.language, object);
   AppendMember("bytes", entry.fileSize, object);
   if (entry.time != kNoPageDate) {
@@ -209,6 +230,10 @@ void RunReport::Finish(const IndexSummary& summary) {
   };
   addList("values", summary.metaValues.entries);
   addList("remarks", summary.remarks.entries);
+  if (!summary.siteNames.empty() || !summary.sharedTitle.empty() ||
+      !summary.repeatedTexts.empty()) {
+    Write(SiteObject(summary));
+  }
   if (summary.links.wereSought) addList("broken_links", summary.links.found);
   addList("warnings", summary.warnings);
   std::string text;
@@ -229,7 +254,7 @@ void RunReport::Fail(ExitStatus status, std::string_view message) {
 std::string OriginalOf(const SourceItem& item, Reason reason, const PageCollection& collection,
                        PageTableWriter& table) {
   if (reason == Reason::kCopy) return collection.addresses.OriginalOf(item.address);
-  if (reason != Reason::kEqual) return {};
+  if (reason != Reason::kEqual && reason != Reason::kSimilar) return {};
   const std::optional<uint32_t> page = collection.addresses.PageAt(item.address);
   return page.has_value() ? PlainAddress(table.ReadLine(*page).address) : std::string();
 }

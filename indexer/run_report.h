@@ -29,8 +29,10 @@ class RunReport {
   bool isWanted() const { return !path_.empty(); }
   // Begins the file, with what the source lists and nobody reads. Before the pages.
   void AddListing(const SiteListing& listing);
-  // A page that joined the index last.
-  void AddPage(const SourceItem& item, const PageEntry& entry, uint64_t number);
+  // A page that joined the index last; it is nearly the same as the one at `similar`, unless that
+  // is empty.
+  void AddPage(const SourceItem& item, const PageEntry& entry, uint64_t number,
+               std::string_view similar);
   // A page that was read, or could not be, and is left out: for the one at `other`, where it is a
   // copy; else that is empty.
   void AddLeftOut(const SourceItem& item, Reason reason, std::string_view other);

@@ -368,6 +368,8 @@ bool ReadFields(Reader& in, PageBlock& block) {
   block.prints.isLong = in.Flag();
   block.prints.whole = in.Fixed();
   block.prints.body = in.Fixed();
+  block.prints.isComparable = in.Flag();
+  block.prints.similar = in.Fixed();
   ReadMetaValues(in, block);
   ReadWords(in, block.words);
   ReadAddresses(in, block);
@@ -390,6 +392,8 @@ std::string BlockBytes(const PageBlock& block) {
   out.Number(block.prints.isLong ? 1 : 0);
   out.Fixed(block.prints.whole);
   out.Fixed(block.prints.body);
+  out.Number(block.prints.isComparable ? 1 : 0);
+  out.Fixed(block.prints.similar);
   WriteMetaValues(block, out);
   WriteWords(block.words, out);
   out.Number(block.addresses.size());

@@ -22,7 +22,7 @@
 
 namespace vela::indexer {
 
-constexpr uint8_t kBlockVersion = 2;
+constexpr uint8_t kBlockVersion = 3;
 
 std::string BlockBytes(const PageBlock& block);
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "indexer/collect/similar_pages.h"
 #include "indexer/words/clean_text.h"
 
 namespace vela::indexer {
@@ -54,7 +55,12 @@ PagePrints PrintsOf(const Page& page) {
     whole.Add(value);
   }
   whole.Add(text);
-  return {.isLong = true, .whole = whole.value(), .body = body.value()};
+  const std::optional<uint64_t> similar = SimilarityPrint(text);
+  return {.isLong = true,
+          .whole = whole.value(),
+          .body = body.value(),
+          .isComparable = similar.has_value(),
+          .similar = similar.value_or(0)};
 }
 
 std::optional<uint32_t> EqualPages::EqualTo(const PagePrints& page, FileType type,

@@ -11,9 +11,11 @@ namespace vela::indexer {
 
 // Fingerprints of a page: of all that it says.
 struct PagePrints {
-  bool isLong = false;  // it says enough to be compared
-  uint64_t whole = 0;   // of title, description, meta elements, text
-  uint64_t body = 0;    // of path without its ending, text
+  bool isLong = false;        // it says enough to be compared
+  uint64_t whole = 0;         // of title, description, meta elements, text
+  uint64_t body = 0;          // of path without its ending, text
+  bool isComparable = false;  // has enough words for the next
+  uint64_t similar = 0;       // by which texts that are nearly the same are known (similar_pages.h)
 };
 
 PagePrints PrintsOf(const Page& page);

@@ -2,6 +2,7 @@
 
 #include "format/page_data.h"
 #include "indexer/collect/meta_values.h"
+#include "indexer/collect/site_habits.h"
 #include "indexer/config/extensions.h"
 #include "indexer/site/address.h"
 #include "indexer/site/canonical_addresses.h"
@@ -19,6 +20,13 @@ CutRules CutRulesOf(const BlockInput& input) {
           .endsHeadings = ExtensionValue(input.config, "Passages") != 0,
           .memory = input.memory,
           .stop = input.stop};
+}
+
+// What of `title` is not in `seen`: the names around it, or all of it.
+std::string TakenOffTitle(const std::string& title, const std::string& seen) {
+  const size_t at = title.find(seen);
+  if (at == title.npos) return title;
+  return title.substr(0, at) + title.substr(at + seen.size());
 }
 
 void AddMetaValues(const Page& page, const BlockInput& input, PageBlock& block) {
@@ -57,6 +65,14 @@ BlockMaker::BlockMaker(const BlockInput& input)
       cutter_(input.charset, input.config.stemming, rules_) {}
 
 Reason BlockMaker::Make(const Page& page, PageBlock& block) {
+  const SiteHabits& habits = input_.config.habits;
+  if (!ChangesPage(habits, page)) return MakeOf(page, {}, block);
+  const Page seen = AsSeen(habits, page);
+  return MakeOf(seen, TakenOffTitle(page.facts.title, seen.facts.title), block);
+}
+
+// `takenOff`: words that the page is found by beside its own, as by those of its address.
+Reason BlockMaker::MakeOf(const Page& page, const std::string& takenOff, PageBlock& block) {
   block = PageBlock();
   block.facts = page.facts;
   const PageFacts& facts = page.facts;
@@ -87,7 +103,9 @@ Reason BlockMaker::Make(const Page& page, PageBlock& block) {
   std::string other = OtherAddress(input_.base, facts.address, facts.canonical);
   if (!other.empty()) block.addresses.push_back({.address = std::move(other), .words = {}});
   for (AddressBlock& each : block.addresses) {
-    if (!cutter_.CutAddress(AddressText(each.address, input_.base), each.words)) {
+    std::string text = AddressText(each.address, input_.base);
+    if (!takenOff.empty()) text.append(" ").append(takenOff);
+    if (!cutter_.CutAddress(text, each.words)) {
       return Reason::kStopped;
     }
   }

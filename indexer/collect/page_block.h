@@ -60,11 +60,15 @@ class BlockMaker {
  public:
   explicit BlockMaker(const BlockInput& input);
 
-  // kNone; or kStopped, and the block is of no use. Throws std::bad_alloc, after which the maker
+  // Takes off the page what the site's pages share (SiteConfig::habits); a name taken off its title
+  // is still found, as a word of its address is. kNone; or kStopped, and the block is of no use.
+  // Throws std::bad_alloc, after which the maker
   // can be used on.
   [[nodiscard]] Reason Make(const Page& page, PageBlock& block);
 
  private:
+  Reason MakeOf(const Page& page, const std::string& takenOff, PageBlock& block);
+
   BlockInput input_;
   bool hasSections_;
   CutRules rules_;

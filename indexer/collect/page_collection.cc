@@ -91,6 +91,16 @@ void LeaveOutCopy(const PageFacts& facts, PageCollection& collection) {
   collection.copies.push_back({.address = address, .categories = std::move(categories)});
 }
 
+bool ComparesPages(const PageCollection& collection) {
+  return collection.input.config.nearDuplicates != NearDuplicates::kKeep;
+}
+
+// The page before that says nearly the same, where somebody asks.
+std::optional<uint32_t> SimilarTo(const PagePrints& page, const PageCollection& collection) {
+  if (!page.isComparable || !ComparesPages(collection)) return std::nullopt;
+  return collection.similar.SimilarTo(page.similar);
+}
+
 }  // namespace
 
 PageCollection::PageCollection(const CollectionInput& collectionInput,
@@ -114,14 +124,22 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
   const std::string stored = StoredAddress(address);
   if (stored.size() > kAddressLimit) return Reason::kAddressTooLong;
   const auto number = static_cast<uint32_t>(collection.pages.size());
+  const std::optional<uint32_t> similar = SimilarTo(page.prints, collection);
+  const bool leavesOutSimilar =
+      similar.has_value() && collection.input.config.nearDuplicates == NearDuplicates::kLeaveOut;
+  // A page that is left out for a similar one is the original of none.
+  const uint32_t standing = leavesOutSimilar ? *similar : number;
   const std::optional<uint32_t> equal =
-      collection.equal.EqualTo(page.prints, facts.fileType, number);
+      collection.equal.EqualTo(page.prints, facts.fileType, standing);
   for (const std::string& each : {address, facts.address}) {
-    collection.addresses.Note(each, equal.value_or(number));
+    collection.addresses.Note(each, equal.value_or(standing));
   }
-  if (equal.has_value()) {
+  if (equal.has_value() || leavesOutSimilar) {
     LeaveOutCopy(facts, collection);
-    return Reason::kEqual;
+    return equal.has_value() ? Reason::kEqual : Reason::kSimilar;
+  }
+  if (page.prints.isComparable && ComparesPages(collection)) {
+    collection.similar.Add(page.prints.similar, number);
   }
   SiteRules::Outcome outcome = collection.rules.Apply(
       {.base = collection.input.base, .all = NamesOf(facts.address, address)}, facts.language);
@@ -134,6 +152,7 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
       .time = facts.time,
       .boost = outcome.boost,
       .fileType = facts.fileType,
+      .similarTo = similar,
       .language = facts.language,
       .categories = std::move(outcome.categories),
       .metaValues = page.metaValues,

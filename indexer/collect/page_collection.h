@@ -15,6 +15,7 @@
 #include "indexer/collect/page_tokens.h"
 #include "indexer/collect/postings.h"
 #include "indexer/collect/sign_entries.h"
+#include "indexer/collect/similar_pages.h"
 #include "indexer/collect/site_rules.h"
 #include "indexer/collect/site_sections.h"
 #include "indexer/collect/suggestion_list.h"
@@ -51,6 +52,7 @@ struct PageCollection {
   CanonicalAddresses addresses;
   LinkTexts linkTexts;
   EqualPages equal;
+  SimilarPages similar;
   WordForms forms;
   Vocabulary vocabulary;
   SignEntries signs;
@@ -70,8 +72,8 @@ struct PageCollection {
 };
 
 // Joins the block of one page to the collection: its tokens have then gone to the sink, what the
-// page table keeps of it is in `entry`. kCopy, kEqual, kAddressTooLong: it is left out. Throws
-// IndexError when the index is full or a temporary file cannot be written.
+// page table keeps of it is in `entry`. kCopy, kEqual, kSimilar, kAddressTooLong: it is left out.
+// Throws IndexError when the index is full or a temporary file cannot be written.
 [[nodiscard]] Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry);
 
 // A page of the index, and categories that it is in beside those of its own addresses.

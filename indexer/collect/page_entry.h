@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "format/page_info.h"
@@ -18,10 +19,11 @@ struct PageEntry {
   int64_t time = kNoPageDate;  // seconds since 1970
   uint8_t boost = 0;
   FileType fileType = FileType::kHtml;
-  std::string language;       // "en"; empty: not known. Of the report, not of the files
-  std::string categories;     // see category_set.h
-  std::string metaValues;     // see meta_values.h
-  bool hasTitleMass = false;  // the mass of its title is to be known (format/word_weight.h)
+  std::optional<uint32_t> similarTo;  // a page before that says nearly the same; for the report
+  std::string language;               // "en"; empty: not known. Of the report, not of the files
+  std::string categories;             // see category_set.h
+  std::string metaValues;             // see meta_values.h
+  bool hasTitleMass = false;          // the mass of its title is to be known (format/word_weight.h)
 };
 
 }  // namespace vela::indexer

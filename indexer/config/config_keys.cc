@@ -165,6 +165,39 @@ void ReadFileDates(const ConfigEntry& entry, Options& options) {
   if (entry.table.Choice(entry.key, kNames, place)) options.config.trustsFileDates = place == 1;
 }
 
+// A text of the owner's in the form in which those of pages are.
+std::string OneLine(std::string text) {
+  CleanText(text);
+  return CollapseBlanks(text);
+}
+
+void CheckSiteName(const ConfigEntry& entry, Options& options) {
+  (void)entry;
+  SiteConfig& config = options.config;
+  config.siteName = OneLine(std::move(config.siteName));
+  if (config.siteName == "none") config.siteName.clear();
+  config.habits.names.clear();
+  if (!config.siteName.empty() && config.siteName != kAutoSiteName) {
+    config.habits.names.push_back(config.siteName);
+  }
+}
+
+void ReadRepeatedText(const ConfigEntry& entry, Options& options) {
+  constexpr std::string_view kNames[] = {"index", "leave_out"};
+  size_t place = 0;
+  if (entry.table.Choice(entry.key, kNames, place)) {
+    options.config.leavesOutRepeatedText = place == 1;
+  }
+}
+
+void ReadNearDuplicates(const ConfigEntry& entry, Options& options) {
+  constexpr std::string_view kNames[] = {"report", "keep", "leave_out"};
+  size_t place = 0;
+  if (entry.table.Choice(entry.key, kNames, place)) {
+    options.config.nearDuplicates = static_cast<NearDuplicates>(place);
+  }
+}
+
 // "20 %", or the number alone.
 void ReadStopWhenFewer(const ConfigEntry& entry, Options& options) {
   std::string text;
@@ -206,12 +239,6 @@ void ReadRecommendedPages(const ConfigEntry& entry, Options& options) {
     return std::pair(at.line, at.column);
   });
   std::ranges::move(recommended, std::back_inserter(options.config.recommended));
-}
-
-// A text of the owner's in the form in which those of pages are.
-std::string OneLine(std::string text) {
-  CleanText(text);
-  return CollapseBlanks(text);
 }
 
 void ReadRecommendedPage(const ConfigEntry& entry, Options& options) {
@@ -275,6 +302,7 @@ const ConfigKey kConfigKeys[] = {
     {"site", "out", Path{&Options::out}},
     {"site", "exclude", Texts{kPathLimit, &Options::exclude}},
     {"site", "follow_links", Flag{&Options::followLinks}},
+    {"site", "site_name", Text{kNameLimit, &SiteConfig::siteName}, &CheckSiteName},
     {"site", {}, &ReadEndings},  // the keys of kFileTypeEndings
     {"site", "template", Text{kPathLimit, &Options::templateName}, &CheckTemplate},
     {"site", "language", Text{kPathLimit, &Options::language}, &CheckLanguage},
@@ -310,6 +338,8 @@ const ConfigKey kConfigKeys[] = {
     {"index", "images", Flag{&SiteConfig::images}},
     {"index", "link_texts", Flag{&SiteConfig::linkTexts}},
     {"index", {}, &ReadSitesContent},  // the keys of content_keys.h
+    {"index", "repeated_text", &ReadRepeatedText},
+    {"index", "near_duplicates", &ReadNearDuplicates},
     {"index", "language_categories", Flag{&SiteConfig::languageCategories}},
 
     {"search", "extensions", Flag{&SiteConfig::extensions}},

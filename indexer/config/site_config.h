@@ -96,6 +96,19 @@ struct SettingValue {
   std::string text = {};
 };
 
+// What is done with a page that says nearly the same as one before it.
+enum class NearDuplicates : uint8_t { kReport, kKeep, kLeaveOut };
+
+// What the pages of a site were found to share (collect/site_habits.h).
+struct SiteHabits {
+  std::vector<std::string> names;  // that titles end or begin in, in the order to take them off
+  std::string sharedTitle;         // that most pages have; empty: none
+  std::vector<uint64_t> repeatedTexts;  // hashes of words that most pages have, sorted
+};
+
+// In the place of a name.
+constexpr const char* kAutoSiteName = "auto";
+
 struct SiteConfig {
   FileEndings endings = DefaultFileEndings();
 
@@ -117,6 +130,11 @@ struct SiteConfig {
   std::vector<SynonymRule> synonyms;
   std::vector<RecommendedRule> recommended;
   std::string recommendedFile;  // its lines join `recommended`; empty: none
+
+  std::string siteName;  // to take off titles; kAutoSiteName: what is found; empty: none
+  bool leavesOutRepeatedText = false;
+  NearDuplicates nearDuplicates = NearDuplicates::kReport;
+  SiteHabits habits;  // the run fills them, before it takes the first page in
 
   bool spelling = true;
   bool suggestions = true;

@@ -32,16 +32,11 @@ std::string FileName(std::string_view path) {
   return name;
 }
 
-// The page's own title, else its first heading of the highest level, else the file's name.
+// The page's own title, else its heading, else the file's name.
 std::string PageTitle(const PageContent& content, const std::string& path) {
   if (!content.title.empty()) return content.title;
-  const TextRun* best = nullptr;
-  for (const TextRun& run : content.body) {
-    if (run.headingLevel == 0) continue;
-    if (best == nullptr || run.headingLevel < best->headingLevel) best = &run;
-  }
-  if (best != nullptr) return CollapseBlanks(best->text);
-  return FileName(path);
+  std::string heading = HeadingTitle(content);
+  return heading.empty() ? FileName(path) : heading;
 }
 
 // The address from which the page's links are resolved.
@@ -100,6 +95,15 @@ bool IsRefreshStub(const PageContent& content) {
 }
 
 }  // namespace
+
+std::string HeadingTitle(const PageContent& content) {
+  const TextRun* best = nullptr;
+  for (const TextRun& run : content.body) {
+    if (run.headingLevel == 0) continue;
+    if (best == nullptr || run.headingLevel < best->headingLevel) best = &run;
+  }
+  return best == nullptr ? std::string() : CollapseBlanks(best->text);
+}
 
 Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes,
                 const ReadingLimits& limits, Page& page) {

@@ -27,4 +27,7 @@ struct PageWishes {
 [[nodiscard]] Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes,
                               const ReadingLimits& limits, Page& page);
 
+// The first heading of the highest level, on one line; empty when the page has none.
+std::string HeadingTitle(const PageContent& content);
+
 }  // namespace vela::indexer

@@ -45,6 +45,7 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kNoText, "no_text", "no text"},
     {Reason::kCopy, "copy", "copy of another page (canonical address)"},
     {Reason::kEqual, "equal", "copy of another page (the same text)"},
+    {Reason::kSimilar, "similar", "nearly the same text as another page"},
     {Reason::kRefresh, "refresh", "only leads on to another page (refresh)"},
     {Reason::kAddressTooLong, "address_too_long", "address too long"},
     {Reason::kEncrypted, "encrypted", "encrypted: it opens with a password only"},

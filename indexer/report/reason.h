@@ -49,6 +49,7 @@ enum class Reason : uint8_t {
   kNoText,
   kCopy,
   kEqual,
+  kSimilar,
   kRefresh,
   kAddressTooLong,
 

@@ -149,6 +149,20 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
     text += "Meta elements that do not fit their field:\n";
     AddGroups(summary.metaValues, text);
   }
+  for (const std::string& name : summary.siteNames) {
+    text += "Taken off titles (site_name): " + Shown(name) + ".\n";
+  }
+  if (!summary.sharedTitle.empty()) {
+    text += "Most pages are called \"" + Shown(summary.sharedTitle) +
+            "\": their headings are shown in its place (site_name).\n";
+  }
+  for (const std::string& repeated : summary.repeatedTexts) {
+    text += "Left out of most pages (repeated_text): " + ShownPath(repeated) + "\n";
+  }
+  if (summary.similar.total != 0) {
+    text += "Indexed, though near_duplicates = \"leave_out\" would not:\n";
+    AddGroups(summary.similar, text);
+  }
   if (summary.remarks.total != 0) {
     text += "Remarks on pages that are in the index:\n";
     AddGroups(summary.remarks, text);

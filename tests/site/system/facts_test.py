@@ -108,6 +108,73 @@ class Facts(unittest.TestCase):
         _, _, page = support.run_cgi(index, support.query_string("nadir"))
         for number, name in enumerate(("Deutsch", "English", "Fran\u00e7ais")):
             self.assertRegex(page.decode(), f'value="{number}"[^>]*>\\s*{name}')
+    def numbered(self, count, markup):
+        """`count` pages that `markup` makes of a number, each with some words of its own."""
+        self.write({f"p{i:02}.html": markup(i) for i in range(count)})
+
+    def test_the_name_of_the_site(self):
+        self.numbered(8, lambda i: f"<title>Knot {i} | The Loft - Harbour</title><h1>Bowline {i}</h1>"
+                                   "<p>Text about rope")
+        self.write({"home.html": "<title>Harbour</title><p>Text of the front page"})
+        index, report, summary = self.index()
+        self.assertIn("Knot 3 | The Loft - Harbour", self.titles(index, "knot"))
+        self.assertNotIn("site", report)
+        index, report, summary = self.index('[site]\nsite_name = "auto"\n')
+        self.assertEqual(report["site"], {"names": ["Harbour", "The Loft"], "repeated": []})
+        self.assertIn("Taken off titles (site_name): Harbour.", summary)
+        self.assertEqual(sorted(self.titles(index, "knot")), [f"Knot {i}" for i in range(8)])
+        # By its name the site is still found, its front page before the others.
+        found = self.titles(index, "harbour")
+        self.assertEqual(found[0], "Harbour")
+        self.assertEqual(len(found), 9)
+        index, _, _ = self.index('[site]\nsite_name = "Harbour"\n')
+        self.assertIn("Knot 3 | The Loft", self.titles(index, "knot"))
+
+    def test_titles_that_are_all_alike(self):
+        self.numbered(8, lambda i: f"<title>Untitled</title><h1>Bowline {i}</h1><p>Text about rope")
+        self.write({"other.html": "<title>Other</title><h1>Heading</h1><p>Text about rope"})
+        index, report, _ = self.index('[site]\nsite_name = "auto"\n')
+        self.assertEqual(report["site"]["shared_title"], "Untitled")
+        self.assertEqual(sorted(self.titles(index, "rope")),
+                         [f"Bowline {i}" for i in range(8)] + ["Other"])
+
+    def test_text_that_most_pages_have(self):
+        banner = "This harbour uses biscuits to keep its visitors fed."
+        self.numbered(12, lambda i: f"<title>P{i}</title><p>{banner}<p>Page{i} has no more")
+        self.write({"about.html": "<title>About</title><h1>This harbour uses biscuits to keep its "
+                                  "visitors fed.</h1><p>Why there are biscuits."})
+        index, _, _ = self.index()
+        self.assertEqual(len(self.titles(index, "biscuits", vela_per_page="100")), 13)
+        setting = '[index]\nrepeated_text = "leave_out"\n'
+        index, report, summary = self.index(setting)
+        self.assertEqual(report["site"], {"names": [], "repeated": [banner]})
+        self.assertIn("Left out of most pages (repeated_text): " + banner, summary)
+        self.assertEqual(self.titles(index, "biscuits"), ["About"])
+        self.assertEqual(self.titles(index, "page7"), ["P7"])
+        # The same for any number of threads.
+        files = {path.name: path.read_bytes() for path in index.glob("vela_*.vdat")}
+        self.index(setting, "--jobs", "3")
+        self.assertEqual({path.name: path.read_bytes() for path in index.glob("vela_*.vdat")}, files)
+
+    def test_pages_that_say_nearly_the_same(self):
+        text = " ".join(f"word{i}" for i in range(2000))
+        self.write({"a.html": f"<title>A</title><p>{text} one",
+                    "b.html": f"<title>B</title><p>{text} two",
+                    "c.html": "<title>C</title><p>another text"})
+        index, report, summary = self.index()
+        similar = {each["path"]: each.get("similar") for each in report["documents"]}
+        self.assertEqual(similar, {"a.html": None, "b.html": "https://x.example/a.html",
+                                   "c.html": None})
+        self.assertIn("1  nearly the same text as another page: b.html", summary)
+        self.assertEqual(sorted(self.titles(index, "word7")), ["A", "B"])
+        index, report, _ = self.index('[index]\nnear_duplicates = "leave_out"\n')
+        left_out = [each for each in report["documents"] if each["outcome"] == "left_out"]
+        self.assertEqual([(each["path"], each["code"], each["other"]) for each in left_out],
+                         [("b.html", "similar", "https://x.example/a.html")])
+        self.assertEqual(self.titles(index, "word7"), ["A"])
+        index, report, summary = self.index('[index]\nnear_duplicates = "keep"\n')
+        self.assertNotIn("nearly the same", summary)
+        self.assertEqual(len(self.titles(index, "word7")), 2)
 
 if __name__ == "__main__":
     unittest.main()

@@ -41,6 +41,20 @@ TEST(PageBlock, TextsAreThoseOfThePageData) {
   EXPECT_EQ(block.facts.image, "https://x.example/a.png?x=1&amp;y");
 }
 
+TEST(PageBlock, WhatTheSiteSharesIsTakenOff) {
+  Site site;
+  site.config.habits.names = {"Site Name"};
+  Page page = PageAt("https://x.example/a.html");
+  page.facts.title = page.content.title = "Knots | Site Name";
+  const PageBlock block = site.Make(page);
+  EXPECT_EQ(block.facts.title, "Knots");
+  EXPECT_EQ(block.words.titleWords, 1u);
+  // What was taken off is found where the words of the address are.
+  EXPECT_EQ(block.addresses.front().words.wordTexts, "asitename");
+  page.facts.title = page.content.title = "Knots";
+  EXPECT_EQ(site.Make(page).addresses.front().words.wordTexts, "a");
+}
+
 TEST(PageBlock, LongTextsAreCut) {
   Page page = PageAt("https://x.example/a.html");
   page.facts.title = page.content.description = std::string(10000, '&');
@@ -92,6 +106,7 @@ PageBlock FullBlock() {
   page.facts.fileTime = int64_t{1} << 60;
   page.facts.fileType = FileType::kText;
   page.content.markupFault = "line 3: mismatched tag";
+  page.facts.language = "en";
   page.content.linkShare = 0.25F;
   page.content.use = {
       .rule = 7, .excluded = 300, .isChosen = true, .isLeftOff = true, .selectors = {5, 200000}};
@@ -120,6 +135,9 @@ TEST(BlockBytes, ABlockReadsBackAsItWas) {
   EXPECT_EQ(read.use.selectors.size(), 2u);
   EXPECT_TRUE(read.prints.isLong);
   EXPECT_EQ(read.prints.whole, block.prints.whole);
+  EXPECT_EQ(read.prints.isComparable, block.prints.isComparable);
+  EXPECT_EQ(read.prints.similar, block.prints.similar);
+  EXPECT_EQ(read.facts.language, block.facts.language);
   ASSERT_EQ(read.metaFaults.size(), 1u);
   EXPECT_EQ(read.metaFaults[0].subject, "cheap");
   EXPECT_EQ(read.usedFields, (std::vector<bool>{true, false}));

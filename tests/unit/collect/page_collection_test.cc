@@ -162,5 +162,38 @@ TEST(PageCollection, ACopyHandsItsCategoriesOn) {
   EXPECT_EQ(unused[0].subject, "Nowhere");
 }
 
+std::string LongText(const std::string& last) {
+  std::string text;
+  for (int i = 0; i < 2000; ++i) text += "word" + std::to_string(i) + " ";
+  return text + last;
+}
+
+TEST(PageCollection, PagesOfNearlyTheSameTextAreToldOrLeftOut) {
+  for (const NearDuplicates wish :
+       {NearDuplicates::kReport, NearDuplicates::kKeep, NearDuplicates::kLeaveOut}) {
+    Site site;
+    site.config.nearDuplicates = wish;
+    const bool leavesOut = wish == NearDuplicates::kLeaveOut;
+    PageCollection collection = site.Collection();
+    PageEntry entry;
+    ASSERT_EQ(AddPage(PageAt("/other.html", "short"), collection, entry), Reason::kNone);
+    ASSERT_EQ(AddPage(PageAt("/a.html", LongText("x")), collection, entry), Reason::kNone);
+    EXPECT_EQ(entry.similarTo, std::nullopt);
+    EXPECT_EQ(AddPage(PageAt("/b.html", LongText("y")), collection, entry),
+              leavesOut ? Reason::kSimilar : Reason::kNone);
+    if (!leavesOut) {
+      const bool isTold = wish == NearDuplicates::kReport;
+      EXPECT_EQ(entry.similarTo, isTold ? std::optional<uint32_t>(1) : std::nullopt);
+    }
+    // What leads to a page that is left out leads to the one that stands for it, and so does what
+    // leads to its copy.
+    EXPECT_EQ(AddPage(PageAt("/c.html", LongText("y")), collection, entry), Reason::kEqual);
+    const uint32_t original = leavesOut ? 1 : 2;
+    EXPECT_EQ(collection.addresses.PageAt("/b.html"), original);
+    EXPECT_EQ(collection.addresses.PageAt("/c.html"), original);
+    EXPECT_EQ(collection.pages.size(), leavesOut ? 2u : 3u);
+  }
+}
+
 }  // namespace
 }  // namespace vela::indexer

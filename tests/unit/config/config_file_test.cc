@@ -48,6 +48,7 @@ text = []
 docx = ["docx"]
 template = "minimal"
 language = "mine.vlang"
+site_name = " My  site "
 [index]
 memory = 8
 max_file_size = 3
@@ -56,6 +57,8 @@ stemming = "german"
 dates = ["time", "meta"]
 images = false
 link_texts = false
+repeated_text = "leave_out"
+near_duplicates = "keep"
 )");
   EXPECT_EQ(options.site, "/owner/pages");  // from the file's folder on
   EXPECT_EQ(options.baseUrl, "/");
@@ -67,6 +70,10 @@ link_texts = false
   endings[static_cast<size_t>(FileType::kWord)] = {"docx"};
   EXPECT_EQ(options.config.endings, endings);
   EXPECT_EQ(options.templateName, "minimal");
+  EXPECT_TRUE(options.config.leavesOutRepeatedText);
+  EXPECT_EQ(options.config.nearDuplicates, NearDuplicates::kKeep);
+  EXPECT_EQ(options.config.siteName, "My site");
+  EXPECT_EQ(options.config.habits.names, std::vector<std::string>{"My site"});
   EXPECT_EQ(options.language, "/owner/mine.vlang");
   EXPECT_EQ(options.memoryMegabytes, 8u);
   EXPECT_EQ(options.maxFileMegabytes, 3u);
@@ -531,6 +538,15 @@ TEST(ConfigFile, SelectorsHaveLimits) {
   EXPECT_EQ(Read(deep + "\"p\"]").config.selectors.size(), 65u);
   EXPECT_NE(MessageOf(deep + "\"a b\"]").find("more than 64 blanks and > together"),
             std::string::npos);
+}
+
+TEST(ConfigFile, TheNameOfTheSiteMayBeFoundOrNone) {
+  EXPECT_EQ(Read("[site]\nsite_name = \"auto\"\n").config.siteName, kAutoSiteName);
+  EXPECT_TRUE(Read("[site]\nsite_name = \"auto\"\n").config.habits.names.empty());
+  for (const char* none : {"[site]\nsite_name = \"none\"\n", "[site]\nsite_name = \"\"\n", ""}) {
+    EXPECT_EQ(Read(none).config.siteName, "");
+    EXPECT_TRUE(Read(none).config.habits.names.empty());
+  }
 }
 
 }  // namespace

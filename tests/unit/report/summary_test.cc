@@ -24,6 +24,10 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
   for (const char* name : {"1", "2", "3", "4"}) AddLeftOut(summary.files, Reason::kCopy, name);
   AddLeftOut(summary.metaValues, Reason::kNoAmount, "a.html", "price", "cheap");
   AddLeftOut(summary.remarks, Reason::kNotWellFormed, "a.xhtml", {}, "line 3: mismatched tag");
+  summary.siteNames = {"My\x1BSite"};
+  summary.sharedTitle = "Untitled";
+  summary.repeatedTexts = {"We use cookies to make this better"};
+  AddLeftOut(summary.similar, Reason::kSimilar, "b.html", {}, "https://x.example/a.html");
   summary.warnings.push_back({Reason::kUnusedCategory, {}, "News"});
   EXPECT_EQ(SummaryText(summary, "i", 60),
             "Indexed 2 pages with 0 different words in 60.0 seconds.\n"
@@ -34,6 +38,12 @@ TEST(Summary, TellsOfAllThatFoundNoUse) {
             "  1  noindex: a?[2J.html\n"
             "Meta elements that do not fit their field:\n"
             "  1  price: no amount: a.html (\"cheap\")\n"
+            "Taken off titles (site_name): My?Site.\n"
+            "Most pages are called \"Untitled\": their headings are shown in its place "
+            "(site_name).\n"
+            "Left out of most pages (repeated_text): We use cookies to make this better\n"
+            "Indexed, though near_duplicates = \"leave_out\" would not:\n"
+            "  1  nearly the same text as another page: b.html (\"https://x.example/a.html\")\n"
             "Remarks on pages that are in the index:\n"
             "  1  no well-formed XHTML, read as HTML: a.xhtml (\"line 3: mismatched tag\")\n"
             "Warning: the category \"News\" fits no page.\n");
