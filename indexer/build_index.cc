@@ -222,7 +222,7 @@ std::string ChooseStemming(const LanguageCounts& languages, const IndexCharset& 
 
 // Some pages of the site are read to find what they share. They are those whose addresses have the
 // smallest hashes, so that a page more or less changes little.
-void LookAtSite(const Source& source, const std::vector<SourceItem>& items,
+void LookAtSite(const Source& source, const std::vector<SourceItem>& items, const std::string& base,
                 const volatile std::sig_atomic_t& stop, SiteConfig& config, IndexSummary& summary) {
   constexpr size_t kSample = 400;
   std::vector<std::pair<uint64_t, size_t>> order;  // a hash, and the place in the list
@@ -232,12 +232,14 @@ void LookAtSite(const Source& source, const std::vector<SourceItem>& items,
   std::ranges::sort(order);
   order.resize(std::min(order.size(), kSample));
   std::ranges::sort(order, {}, [](const auto& each) { return each.second; });
+  const ContentChoices content(config, base);
+  const PageWishes wishes = {.images = false, .dates = {}, .content = &content};
   HabitsLook look;
   for (const auto& [hash, place] : order) {
     FileContent file;
     Page page;
     if (source.Read(items[place], file) != Reason::kNone) continue;
-    const Reason reason = ReadPage(items[place], std::move(file), {}, {.stop = &stop}, page);
+    const Reason reason = ReadPage(items[place], std::move(file), wishes, {.stop = &stop}, page);
     CheckStop(stop);
     if (reason == Reason::kNone) look.AddPage(page);
   }
@@ -264,20 +266,19 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   run.progress.Begin("Reading pages", items.size());
   DocumentReaders documents;
   const ContentChoices content(config, run.base);
-  PageReading reading = {
-      .source = source,
-      .wishes = {.images = config.images,
-                 .dates = config.dates,
-                 .documents = &documents,
-                 .content = &content},
-      .limits = {.stop = &run.stop},
-      .blocks = {.base = run.base,
-                 .config = config,
-                 .charset = run.charset,
-                 .stop = &run.stop,
-                 .memory = run.memory.known},
-      .largePages = {},
-      .links = links.has_value() ? &*links : nullptr};
+  PageReading reading = {.source = source,
+                         .wishes = {.images = config.images,
+                                    .dates = config.dates,
+                                    .documents = &documents,
+                                    .content = &content},
+                         .limits = {.stop = &run.stop},
+                         .blocks = {.base = run.base,
+                                    .config = config,
+                                    .charset = run.charset,
+                                    .stop = &run.stop,
+                                    .memory = run.memory.known},
+                         .largePages = {},
+                         .links = links.has_value() ? &*links : nullptr};
   const auto newMaker = [&]() -> MakeBlock {
     const auto maker = std::make_shared<BlockMaker>(reading.blocks);
     return [&reading, &items, maker](size_t item, PageBlock& block) {
@@ -471,7 +472,8 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
       AddLanguageCategories(languages, options.config.categories);
     }
   }
-  if (WantsLook(options.config)) LookAtSite(source, listing.items, stop, options.config, summary);
+  if (WantsLook(options.config))
+    LookAtSite(source, listing.items, base, stop, options.config, summary);
   summary.siteNames = options.config.habits.names;
   SitePages pages(run);
   ReadPages(source, std::move(listing), run, pages);

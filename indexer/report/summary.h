@@ -33,7 +33,7 @@ struct IndexSummary {
   LeftOut metaValues;  // of meta fields
   ContentSummary content;
   LeftOut remarks;  // on pages that are in the index
-  LeftOut similar;     // pages that are in the index, each nearly the same as the one that is named
+  LeftOut similar;  // pages that are in the index, each nearly the same as the one that is named
   std::vector<std::string> siteNames;      // taken off titles
   std::string sharedTitle;                 // in the place of which headings are shown
   std::vector<std::string> repeatedTexts;  // some of what was left out of most pages

@@ -175,7 +175,7 @@ std::string FactorText(uint32_t factor) {
 
 std::string WeighedSumText(const SearchRun& run, const PageExplanation& explanation) {
   const PageState& state = explanation.state;
-  const auto found = static_cast<size_t>(std::popcount(state.weight.terms));
+  const size_t found = state.weight.found;
   const size_t near = std::min<size_t>(state.weight.near, kWeighedTerms);
   std::string text =
       "its words weigh " + std::to_string(state.match.score) + ", times " +
