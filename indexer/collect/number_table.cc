@@ -15,6 +15,22 @@ uint64_t Mixed(uint64_t a, uint64_t b) {
   return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
+// Of 0 to 8 bytes as a little-endian number. Pieces that overlap say the same of what they share.
+uint64_t ShortNumber(std::string_view text) {
+  const char* const at = text.data();
+  const size_t size = text.size();
+  if (size >= sizeof(uint32_t)) {
+    uint32_t low = 0;
+    uint32_t high = 0;
+    memcpy(&low, at, sizeof low);
+    memcpy(&high, at + size - sizeof high, sizeof high);
+    return low | uint64_t{high} << 8 * (size - sizeof high);
+  }
+  if (size == 0) return 0;
+  const auto byte = [at](size_t i) { return uint64_t{static_cast<unsigned char>(at[i])} << 8 * i; };
+  return byte(0) | byte(size / 2) | byte(size - 1);
+}
+
 }  // namespace
 
 uint64_t TextHash(std::string_view text) {
@@ -27,9 +43,7 @@ uint64_t TextHash(std::string_view text) {
     hash = Mixed(hash ^ bytes, kOne);
     text.remove_prefix(sizeof bytes);
   }
-  uint64_t bytes = 0;
-  if (!text.empty()) memcpy(&bytes, text.data(), text.size());
-  return Mixed(hash ^ bytes ^ kOther, kOne);
+  return Mixed(hash ^ ShortNumber(text) ^ kOther, kOne);
 }
 
 void NumberTable::Grow() {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -12,6 +13,27 @@ namespace vela::indexer {
 
 // Alike on every machine and in every run.
 uint64_t TextHash(std::string_view text);
+
+// Whether the texts are equal; quick for short ones, as words are.
+inline bool IsSameText(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  const size_t size = a.size();
+  // Two pieces that overlap cover a text of up to twice their size.
+  const auto haveSamePiece = [&](auto piece, size_t at) {
+    auto other = piece;
+    memcpy(&piece, a.data() + at, sizeof piece);
+    memcpy(&other, b.data() + at, sizeof other);
+    return piece == other;
+  };
+  if (size > 2 * sizeof(uint64_t)) return a == b;
+  if (size >= sizeof(uint64_t)) {
+    return haveSamePiece(uint64_t{0}, 0) && haveSamePiece(uint64_t{0}, size - sizeof(uint64_t));
+  }
+  if (size >= sizeof(uint32_t)) {
+    return haveSamePiece(uint32_t{0}, 0) && haveSamePiece(uint32_t{0}, size - sizeof(uint32_t));
+  }
+  return size == 0 || (a[0] == b[0] && a[size / 2] == b[size / 2] && a[size - 1] == b[size - 1]);
+}
 
 class NumberTable {
  public:

@@ -20,7 +20,6 @@ constexpr size_t kNameLimit = 40;
 constexpr size_t kLeastTextBytes = 3;  // of what is no title
 
 constexpr uint32_t kLeastPhrasePages = 3;
-constexpr size_t kPhraseWordLimit = 3;
 constexpr size_t kLeastEdgeBytes = 4;  // of a phrase's first and last word
 
 constexpr size_t kEntryLimit = 40000;
@@ -143,8 +142,27 @@ void SuggestionList::AddPhrase(std::span<const PhraseWord> words) {
     hash = PhraseHash(hash, word.hash);
   }
   if (bytes > kPhraseBytesLimit) return;
-  PhraseCount& count = counts_[hash & (kPhrasePlaces - 1)];
-  const auto check = static_cast<uint32_t>(hash >> 32);
+  __builtin_prefetch(&counts_[hash & (kPhrasePlaces - 1)], 1);
+  Phrase& waiting = waiting_[nextPhrase_];
+  nextPhrase_ = (nextPhrase_ + 1) % waiting_.size();
+  if (waiting.count != 0) CountPhrase(waiting);
+  waiting.hash = hash;
+  waiting.count = words.size();
+  std::ranges::copy(words, waiting.words.begin());
+}
+
+// Before the next page: the texts of the words end with theirs.
+void SuggestionList::CountWaiting() {
+  for (size_t i = 0; i < waiting_.size(); ++i) {
+    Phrase& waiting = waiting_[(nextPhrase_ + i) % waiting_.size()];
+    if (waiting.count != 0) CountPhrase(waiting);
+    waiting.count = 0;
+  }
+}
+
+void SuggestionList::CountPhrase(const Phrase& phrase) {
+  PhraseCount& count = counts_[phrase.hash & (kPhrasePlaces - 1)];
+  const auto check = static_cast<uint32_t>(phrase.hash >> 32);
   if (count.check != check) {
     // The phrase that is met oftener keeps the place.
     if (count.pages > 1) {
@@ -157,7 +175,9 @@ void SuggestionList::AddPhrase(std::span<const PhraseWord> words) {
   count.lastPage = page_;
   if (++count.pages < kLeastPhrasePages) return;
   std::string text;
-  for (const PhraseWord& word : words) text.append(text.empty() ? "" : " ").append(word.text);
+  for (const PhraseWord& word : std::span(phrase.words).first(phrase.count)) {
+    text.append(text.empty() ? "" : " ").append(word.text);
+  }
   Add(text, count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1, Kind::kPhrase);
 }
 
@@ -181,6 +201,7 @@ void SuggestionList::AddPhrases(const RunningText& running) {
     count = std::min(count + 1, kPhraseWordLimit);
     for (size_t words = 2; words <= count; ++words) AddPhrase(std::span(last).last(words));
   }
+  CountWaiting();
 }
 
 PageSuggestions SuggestionsOf(const PageContent& page, const std::string& title) {

@@ -5,6 +5,7 @@
 // most often stay.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -73,10 +74,19 @@ class SuggestionList {
     uint64_t hash = 0;  // of the word in lower case
   };
 
+  static constexpr size_t kPhraseWordLimit = 3;
+  struct Phrase {
+    uint64_t hash = 0;
+    size_t count = 0;  // of its words
+    std::array<PhraseWord, kPhraseWordLimit> words;
+  };
+
   void Add(const std::string& text, uint64_t weight, Kind kind);
   void AddEdgeWords(const std::string& text);
   void AddPhrases(const RunningText& running);
   void AddPhrase(std::span<const PhraseWord> words);
+  void CountPhrase(const Phrase& phrase);
+  void CountWaiting();
   void DropRarest();
   std::string WithoutEnding(const std::string& title) const;
 
@@ -86,6 +96,10 @@ class SuggestionList {
   std::unordered_set<std::string> edgeWords_;  // first and last words of titles and headings
   std::vector<PhraseCount> counts_;
   std::vector<PhraseWord> words_;  // of the running text of the page, kept for its memory
+  // Phrases whose places are on their way into the processor's cache, the first one at
+  // `nextPhrase_`.
+  std::array<Phrase, 8> waiting_;
+  size_t nextPhrase_ = 0;
 };
 
 }  // namespace vela::indexer

@@ -29,7 +29,7 @@ void TextStore::Clear() {
 }
 
 uint32_t TextNumbers::FindOrAdd(std::string_view text) {
-  const auto isSame = [&](uint32_t number) { return texts_[number] == text; };
+  const auto isSame = [&](uint32_t number) { return IsSameText(texts_[number], text); };
   const uint32_t number = table_.FindOrAdd(TextHash(text), size(), isSame);
   if (number == size()) texts_.push_back(store_.Keep(text));
   return number;

@@ -11,7 +11,9 @@ uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base) {
 
 uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base, uint64_t hash) {
   const auto next = static_cast<uint32_t>(vocabulary.words.size());
-  const auto isSame = [&](uint32_t number) { return TextOf(vocabulary.words[number]) == base; };
+  const auto isSame = [&](uint32_t number) {
+    return IsSameText(TextOf(vocabulary.words[number]), base);
+  };
   const uint32_t number = vocabulary.table.FindOrAdd(hash, next, isSame);
   if (number != next) return number;
   Word word;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <unordered_map>
 
 #include "format/page_text.h"
@@ -21,7 +22,7 @@ struct LastWords {
   size_t count = 0;
 
   void Add(uint32_t word) {
-    std::shift_right(words.begin(), words.end(), 1);
+    std::memmove(&words[1], &words[0], sizeof words - sizeof words[0]);
     words[0] = word;
     count = std::min(count + 1, words.size());
   }
