@@ -1,9 +1,11 @@
 #include "indexer/extract/declared_facts.h"
 
+#include <algorithm>
 #include <array>
 #include <iterator>
 
 #include "indexer/extract/meta_elements.h"
+#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -51,15 +53,17 @@ constexpr FactNames kFacts[] = {
      "page:keywords",
      {"keywords", "dcterms.subject", "dc.subject", "article:tag", "itemprop:keywords",
       "json-ld:keywords"}},
-    {PageFact::kType, "page:type", {"dcterms.type", "dc.type", "og:type", "json-ld:type"}},
+    {PageFact::kType,
+     "page:type",
+     {"dcterms.type", "dc.type", "og:type", "itemprop:type", "json-ld:type"}},
     {PageFact::kPrice,
      "page:price",
-     {"product:price:amount", "og:price:amount", "itemprop:price", "json-ld:offers.price",
-      "json-ld:offers.lowprice"}},
+     {"product:price:amount", "og:price:amount", "itemprop:price", "itemprop:offers.price",
+      "json-ld:offers.price", "json-ld:offers.lowprice"}},
     {PageFact::kCurrency,
      "page:currency",
      {"product:price:currency", "og:price:currency", "itemprop:pricecurrency",
-      "json-ld:offers.pricecurrency"}},
+      "itemprop:offers.pricecurrency", "json-ld:offers.pricecurrency"}},
     {PageFact::kLanguage,
      "page:language",
      {"http-equiv:content-language", "dcterms.language", "dc.language", "json-ld:inlanguage"}},
@@ -74,6 +78,19 @@ constexpr bool EachFactHasItsRow() {
 static_assert(EachFactHasItsRow());
 
 }  // namespace
+
+std::string LocalName(std::string_view name) {
+  if (!name.starts_with('@')) name.remove_prefix(name.find_last_of(":/#") + 1);
+  return LowerAsciiCopy(name);
+}
+
+bool TellsOfPage(std::string_view type) {
+  constexpr std::string_view kOthers[] = {
+      "breadcrumblist",        "contactpoint", "corporation", "imageobject",   "localbusiness",
+      "newsmediaorganization", "organization", "person",      "postaladdress", "searchaction",
+      "sitenavigationelement", "website",      "wpfooter",    "wpheader",      "wpsidebar"};
+  return std::ranges::find(kOthers, type) == std::end(kOthers);
+}
 
 std::string_view FactOf(const PageContent& page, PageFact fact) {
   for (const std::string_view element : kFacts[static_cast<size_t>(fact)].elements) {

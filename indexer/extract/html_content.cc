@@ -177,6 +177,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
   if (isHtml) ReadHeadElement(tag);
   ElementRole role = RoleOf(tag, isHtml, around);
   if (isHtml && tag.element == Element::kTime) role.isTime = ReadTime(tag);
+  if (isHtml && !isOff) role.isFact = microdata.Begin(tag);
   if (around.isLeftOut) return role;
   if (isOff) {
     if (role.breaksWords) Break(around);
@@ -248,6 +249,7 @@ void HtmlContent::End(const ElementRole& role, const TextState& inside) {
     timeText.clear();
     innerTime.clear();
   }
+  if (role.isFact) microdata.End();
   if (role.isLink) EndLink();
   if (role.breaksWords) AddToLink(" ");
   if (role.breaksWords && !inside.isLeftOut) Break(inside);
@@ -283,6 +285,7 @@ void HtmlContent::AddText(std::string_view added, const TextState& state) {
   if (isInTime && !isOff)
     timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
   if (state.isLeftOut || isOff) return;
+  microdata.AddText(added);
   if (added.find_first_not_of(kMarkupBlanks) != added.npos) openAnchor.clear();
   CountText(added, state);
   text.Append(state.strand, state.style, added);

@@ -8,6 +8,7 @@
 
 #include "indexer/extract/content_choice.h"
 #include "indexer/extract/html_tokens.h"
+#include "indexer/extract/microdata.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/page_text.h"
 #include "indexer/extract/text_rules.h"
@@ -22,7 +23,8 @@ class HtmlContent {
         budget(takenFrom),
         choice(wanted),
         selectors(wanted.selectors, takenFrom),
-        text(takenFrom) {}
+        text(takenFrom),
+        microdata(filled) {}
 
   // The attributes that the tags must have beside those of the table; null: none. Not owned.
   const AttributeNames* askedAttributes() const;
@@ -71,6 +73,7 @@ class HtmlContent {
   const ContentChoice& choice;
   SelectorMatching selectors;
   PageText text;
+  Microdata microdata;
   bool noindex = false;
   bool isOff = false;  // behind "vela:off"
   // In bytes that are no blanks, outside of what surrounds the content.

@@ -38,6 +38,8 @@ constexpr std::string_view kAttributeNames[] = {
     "http-equiv",
     "id",
     "itemprop",
+    "itemscope",
+    "itemtype",
     "lang",
     "name",
     "property",

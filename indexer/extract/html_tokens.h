@@ -36,6 +36,8 @@ enum class Attribute : uint8_t {
   kHttpEquiv,
   kId,
   kItemprop,
+  kItemscope,
+  kItemtype,
   kLang,
   kName,
   kProperty,

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "indexer/extract/declared_facts.h"
 #include "indexer/extract/meta_elements.h"
-#include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
 
@@ -19,33 +18,6 @@ constexpr size_t kFactLimit = 100;
 constexpr size_t kValueBytesLimit = 2000;
 constexpr size_t kNameBytesLimit = 100;
 constexpr size_t kDepthLimit = 16;
-
-// What a page is not about: its site, who is behind it, the way to it.
-bool IsBesideThePage(std::string_view type) {
-  constexpr std::string_view kTypes[] = {"breadcrumblist",
-                                         "contactpoint",
-                                         "corporation",
-                                         "imageobject",
-                                         "localbusiness",
-                                         "organization",
-                                         "person",
-                                         "newsmediaorganization",
-                                         "postaladdress",
-                                         "searchaction",
-                                         "sitenavigationelement",
-                                         "website",
-                                         "wpfooter",
-                                         "wpheader",
-                                         "wpsidebar"};
-  return std::ranges::find(kTypes, type) != std::end(kTypes);
-}
-
-// "headline" of "schema:headline" and of "http://schema.org/headline".
-std::string LocalName(std::string_view name) {
-  if (name.starts_with('@')) return LowerAsciiCopy(name);
-  name.remove_prefix(name.find_last_of(":/#") + 1);
-  return LowerAsciiCopy(name);
-}
 
 // Takes what the parser finds: the page's own objects are gathered up to their end, as their type
 // may come last.
@@ -130,7 +102,7 @@ class JsonFacts : public nlohmann::json_sax<nlohmann::json> {
     Open& object = at.isList && open_.size() > 1 ? open_[open_.size() - 2] : at;
     if (!object.isList && object.member == "@type") {
       const std::string type = LocalName(value);
-      object.isBeside = object.isBeside || IsBesideThePage(type);
+      object.isBeside = object.isBeside || !TellsOfPage(type);
       if (object.isOwn) object.facts.emplace_back("json-ld:type", value);
       return true;
     }

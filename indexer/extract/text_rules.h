@@ -20,6 +20,7 @@ struct ElementRole {
   bool enclosesContent = false;
   bool isLink = false;                // leads to another page
   bool isTime = false;                // its text is the time of the page
+  bool isFact = false;                // an item or property of microdata
   bool isNavigation = false;          // and is content all the same
   bool isMain = false;                // what the page calls its main part
   bool isChosen = false;              // by the owner, as the content
