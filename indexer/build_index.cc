@@ -268,6 +268,7 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   const ContentChoices content(config, run.base);
   PageReading reading = {.source = source,
                          .wishes = {.images = config.images,
+                                    .recognisesLanguages = config.recognisesLanguages,
                                     .dates = config.dates,
                                     .documents = &documents,
                                     .content = &content},
@@ -472,8 +473,10 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
       AddLanguageCategories(languages, options.config.categories);
     }
   }
-  if (WantsLook(options.config))
+  options.config.recognisesLanguages = AsksForLanguages(options.config);
+  if (WantsLook(options.config)) {
     LookAtSite(source, listing.items, base, stop, options.config, summary);
+  }
   summary.siteNames = options.config.habits.names;
   SitePages pages(run);
   ReadPages(source, std::move(listing), run, pages);

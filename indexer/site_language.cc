@@ -60,6 +60,12 @@ std::string OwnNameOf(const std::string& language) {
 
 }  // namespace
 
+bool AsksForLanguages(const SiteConfig& config) {
+  return config.recognisesLanguages || config.languageCategories ||
+         std::ranges::any_of(config.categories,
+                             [](const CategoryRule& rule) { return !rule.languages.empty(); });
+}
+
 LanguageCounts LanguagesOfPages(const Source& source, const std::vector<SourceItem>& items,
                                 const volatile std::sig_atomic_t& stop) {
   LanguageCounts counts;

@@ -17,6 +17,10 @@ namespace vela::indexer {
 // Pages by the code of their language ("en").
 using LanguageCounts = std::map<std::string, size_t, std::less<>>;
 
+// Whether the languages of pages that name none are to be recognised: the owner says so, or has
+// categories of languages.
+bool AsksForLanguages(const SiteConfig& config);
+
 // Looks at some hundred HTML pages of the list, from its start to its end. Ends early when `stop`
 // is set.
 LanguageCounts LanguagesOfPages(const Source& source, const std::vector<SourceItem>& items,

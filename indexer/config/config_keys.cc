@@ -340,6 +340,7 @@ const ConfigKey kConfigKeys[] = {
     {"index", {}, &ReadSitesContent},  // the keys of content_keys.h
     {"index", "repeated_text", &ReadRepeatedText},
     {"index", "near_duplicates", &ReadNearDuplicates},
+    {"index", "recognise_languages", Flag{&SiteConfig::recognisesLanguages}},
     {"index", "language_categories", Flag{&SiteConfig::languageCategories}},
 
     {"search", "extensions", Flag{&SiteConfig::extensions}},

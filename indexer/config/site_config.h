@@ -124,7 +124,8 @@ struct SiteConfig {
   std::vector<NamedSelector> selectors;   // of all these rules
 
   std::vector<CategoryRule> categories;
-  bool languageCategories = false;  // one for each language of the site joins them
+  bool languageCategories = false;   // one for each language of the site joins them
+  bool recognisesLanguages = false;  // of pages that name none, from their text
   std::vector<FieldRule> fields;
   std::vector<BoostRule> boosts;  // the first that fits a page holds
   std::vector<SynonymRule> synonyms;

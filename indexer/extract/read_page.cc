@@ -75,12 +75,12 @@ std::string LanguageSample(const PageContent& content) {
 }
 
 // A page may be sent for readers of several languages; then that says nothing.
-std::string PageLanguage(const PageContent& content) {
+std::string PageLanguage(const PageContent& content, bool recognises) {
   if (!content.language.empty()) return content.language;
   const std::string declared = LowerAsciiCopy(FactOf(content, PageFact::kLanguage));
   const std::string code = declared.substr(0, declared.find_first_of("-_"));
   if (IsLanguageCode(code)) return code;
-  return DetectedLanguage(LanguageSample(content));
+  return recognises ? DetectedLanguage(LanguageSample(content)) : std::string();
 }
 
 // Whether the page is there to lead on to another one: it refreshes to an address and says next to
@@ -129,7 +129,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
       .canonical = CanonicalAddress(content, item.address),
       .title = PageTitle(content, item.path),
       .image = wishes.images ? PageImage(content, item.address) : std::string(),
-      .language = PageLanguage(content),
+      .language = PageLanguage(content, wishes.recognisesLanguages),
       .fileSize = fileSize,
       .time = PageDate(content, fileTime, wishes.dates),
       .ownTime = PageDate(content, 0, wishes.dates),

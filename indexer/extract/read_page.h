@@ -17,6 +17,7 @@ namespace vela::indexer {
 // What to take from pages beside their text, and by what means.
 struct PageWishes {
   bool images = true;
+  bool recognisesLanguages = false;         // of pages that name none, from their text
   std::vector<DateSource> dates;            // tried in this order
   DocumentReaders* documents = nullptr;     // not owned; null: documents are left out
   const ContentChoices* content = nullptr;  // not owned; null: the owner says nothing about it

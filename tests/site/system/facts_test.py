@@ -104,6 +104,15 @@ class Facts(unittest.TestCase):
         self.assertEqual(self.titles(index, "nadir", vela_cat="0"), ["Text"])
         self.assertEqual(set(self.titles(index, "nadir", vela_cat="1")), {"Content", "Declared"})
 
+        languages.update({"english.html": None, "german.html": None, "german.txt": None})
+        _, report, _ = self.index()
+        self.assertEqual({each["path"]: each.get("language") for each in report["documents"]},
+                         languages)
+        languages.update({"english.html": "en", "german.html": "de", "german.txt": "de"})
+        _, report, _ = self.index("[index]\nrecognise_languages = true\n")
+        self.assertEqual({each["path"]: each.get("language") for each in report["documents"]},
+                         languages)
+
         index, _, _ = self.index("[index]\nlanguage_categories = true\n")
         _, _, page = support.run_cgi(index, support.query_string("nadir"))
         for number, name in enumerate(("Deutsch", "English", "Fran\u00e7ais")):

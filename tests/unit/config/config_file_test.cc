@@ -57,6 +57,7 @@ stemming = "german"
 dates = ["time", "meta"]
 images = false
 link_texts = false
+recognise_languages = true
 repeated_text = "leave_out"
 near_duplicates = "keep"
 )");
@@ -71,6 +72,7 @@ near_duplicates = "keep"
   EXPECT_EQ(options.config.endings, endings);
   EXPECT_EQ(options.templateName, "minimal");
   EXPECT_TRUE(options.config.leavesOutRepeatedText);
+  EXPECT_TRUE(options.config.recognisesLanguages);
   EXPECT_EQ(options.config.nearDuplicates, NearDuplicates::kKeep);
   EXPECT_EQ(options.config.siteName, "My site");
   EXPECT_EQ(options.config.habits.names, std::vector<std::string>{"My site"});
