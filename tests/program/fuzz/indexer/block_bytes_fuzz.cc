@@ -1,5 +1,6 @@
 // block_bytes_fuzz.cc: the blocks of pages that are kept between runs. Input: a block as it is,
 // and, so that what is behind the hash is tried, too, the same with its hash put right.
+#include <filesystem>
 #include <string>
 
 #include "indexer/collect/block_bytes.h"
@@ -37,7 +38,7 @@ void CheckBlock(std::string_view bytes) {
   for (const AddressBlock& address : block.addresses) {
     JoinWords(block.words, address.words, number++, {vocabulary, signs, sink}, tokens);
   }
-  SiteSections sections;
+  SiteSections sections(std::filesystem::temp_directory_path());
   AddSections(block.sections, 0, 0, block.words.bodyTokens, sections);
   SuggestionList suggestions;
   suggestions.AddPage(block.suggestions);
