@@ -10,8 +10,10 @@
 #include <new>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "format/index_directory.h"
+#include "indexer/collect/block_bytes.h"
 #include "indexer/collect/number_table.h"
 #include "indexer/collect/page_collection.h"
 #include "indexer/collect/recommended_pages.h"
@@ -38,7 +40,14 @@
 #include "indexer/side_task.h"
 #include "indexer/site/address.h"
 #include "indexer/site_language.h"
+#include "indexer/source/fingerprint.h"
 #include "indexer/source/source.h"
+#include "indexer/state/anchor_bytes.h"
+#include "indexer/state/config_fingerprints.h"
+#include "indexer/state/merged_parts.h"
+#include "indexer/state/page_state.h"
+#include "indexer/state/program_version.h"
+#include "indexer/state/site_part.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/write/autocomplete_writer.h"
 #include "indexer/write/completions_writer.h"
@@ -80,7 +89,10 @@ struct Run {
   const volatile std::sig_atomic_t& stop;
   RunReport& report;
   MemoryPlan memory;
+  PageState* state;          // not owned; null: nothing is kept of the pages
+  const MergedParts* parts;  // the same; null: the site is read by this run
   IndexSummary summary;
+  bool mayDiffer = false;  // the same site may give another index: some page met a limit of time
 };
 
 // The pages of the site, in memory and in the files that are written as they are read.
@@ -104,30 +116,67 @@ struct SitePages {
 // How the pages of the site are read, by all threads alike.
 struct PageReading {
   const Source& source;
+  const std::vector<SourceItem>& items;
   PageWishes wishes;
   ReadingLimits limits;
   BlockInput blocks;
-  std::mutex largePages;       // held by the thread that is busy with one
-  LinkCheck* links = nullptr;  // not owned; null: links are not checked
+  std::mutex largePages;               // held by the thread that is busy with one
+  LinkCheck* links = nullptr;          // not owned; null: links are not checked
+  PageState* state = nullptr;          // not owned; null: nothing is kept from run to run
+  const MergedParts* parts = nullptr;  // not owned; null: the site is read by this run
 };
 
 // What a page takes while it is read is many times its size. Of those above so many bytes threads
 // read one at a time.
 constexpr size_t kLargePageBytes = size_t{2} << 20;
 
-// From an item of the site to a block. Nothing of the index is touched, so that a page which takes
-// more memory than there is costs the run no more than that page.
-Reason MakeItemBlock(PageReading& reading, const SourceItem& item, BlockMaker& maker,
-                     PageBlock& block) try {
+void ReadItem(PageReading& reading, size_t number, BlockMaker& maker, ItemOutcome& outcome) {
+  if (reading.parts != nullptr) {
+    reading.parts->Take(number, outcome);
+    return;
+  }
+  const SourceItem& item = reading.items[number];
+  PageState* state = reading.state;
+  if (state != nullptr && state->Take(number, outcome)) return;
+  outcome = ItemOutcome();
+  ItemContent content;
+  if (state != nullptr) content.version = reading.source.Version(item);
   FileContent file;
-  Reason reason = reading.source.Read(item, file);
-  if (reason != Reason::kNone) return reason;
+  outcome.reason = reading.source.Read(item, file);
+  if (outcome.reason != Reason::kNone) {
+    // It is asked for again, as what stands against it need not show in a version.
+    if (state != nullptr) state->Keep(number, ItemContent(), outcome);
+    return;
+  }
+  if (state != nullptr) {
+    content.bytes = ContentFingerprint(file);
+    content.modifiedTime = file.modifiedTime;
+    if (state->TakeEqual(number, content, outcome)) return;
+    outcome = ItemOutcome();
+  }
   std::unique_lock large(reading.largePages, std::defer_lock);
   if (file.bytes.size() > kLargePageBytes) large.lock();
-  if (reading.links != nullptr) reading.links->AddPage(item, file);
+  if (reading.links != nullptr) {
+    const std::optional<PageAnchors> anchors = AnchorsOfItem(item, file);
+    if (anchors.has_value()) outcome.anchors = AnchorBytes(*anchors);
+  }
   Page page;
-  reason = ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
-  return reason != Reason::kNone ? reason : maker.Make(page, block);
+  outcome.reason = ReadPage(item, std::move(file), reading.wishes, reading.limits, page);
+  if (outcome.reason == Reason::kNone) outcome.reason = maker.Make(page, outcome.block);
+  if (state != nullptr && outcome.reason != Reason::kStopped) state->Keep(number, content, outcome);
+}
+
+// From an item of the site to a block. Nothing of the index is touched, so that a page which takes
+// more memory than there is costs the run no more than that page.
+Reason MakeItemBlock(PageReading& reading, size_t number, BlockMaker& maker, PageBlock& block) try {
+  ItemOutcome outcome;
+  ReadItem(reading, number, maker, outcome);
+  PageAnchors anchors;
+  if (reading.links != nullptr && ReadAnchors(outcome.anchors, anchors)) {
+    reading.links->AddPage(reading.items[number], std::move(anchors));
+  }
+  block = std::move(outcome.block);
+  return outcome.reason;
 } catch (const std::bad_alloc&) {
   return Reason::kNoMemory;
 }
@@ -222,8 +271,8 @@ std::string ChooseStemming(const LanguageCounts& languages, const IndexCharset& 
 
 // Some pages of the site are read to find what they share. They are those whose addresses have the
 // smallest hashes, so that a page more or less changes little.
-void LookAtSite(const Source& source, const std::vector<SourceItem>& items, const std::string& base,
-                const volatile std::sig_atomic_t& stop, SiteConfig& config, IndexSummary& summary) {
+void FindHabits(const Source& source, const std::vector<SourceItem>& items, const std::string& base,
+                const volatile std::sig_atomic_t& stop, const SiteConfig& config, SiteLook& found) {
   constexpr size_t kSample = 400;
   std::vector<std::pair<uint64_t, size_t>> order;  // a hash, and the place in the list
   for (size_t i = 0; i < items.size(); ++i) {
@@ -243,15 +292,53 @@ void LookAtSite(const Source& source, const std::vector<SourceItem>& items, cons
     CheckStop(stop);
     if (reason == Reason::kNone) look.AddPage(page);
   }
-  const SiteHabits found = look.Finish(config);
-  if (config.siteName == kAutoSiteName) config.habits.names = found.names;
-  config.habits.sharedTitle = found.sharedTitle;
-  config.habits.repeatedTexts = found.repeatedTexts;
-  summary.sharedTitle = found.sharedTitle;
-  summary.repeatedTexts = look.Examples(found);
+  found.habits = look.Finish(config);
+  found.repeatedTexts = look.Examples(found.habits);
 }
 
-void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& pages) {
+// What the configuration leaves to the pages, found by a look at some of them.
+SiteLook LookAtSite(const Source& source, const std::vector<SourceItem>& items,
+                    const std::string& base, const volatile std::sig_atomic_t& stop,
+                    const SiteConfig& config) {
+  SiteLook look;
+  if (config.stemming == kStemmingByPages || config.languageCategories) {
+    look.languages = LanguagesOfPages(source, items, stop);
+  }
+  if (WantsLook(config)) FindHabits(source, items, base, stop, config, look);
+  return look;
+}
+
+// Settles what the configuration leaves to the pages.
+void Settle(const SiteLook& look, const IndexCharset& charset, SiteConfig& config,
+            IndexSummary& summary) {
+  if (config.stemming == kStemmingByPages) {
+    summary.stemming = ChooseStemming(look.languages, charset, config);
+  }
+  if (config.languageCategories) AddLanguageCategories(look.languages, config.categories);
+  config.recognisesLanguages = AsksForLanguages(config);
+  if (WantsLook(config)) {
+    if (config.siteName == kAutoSiteName) config.habits.names = look.habits.names;
+    config.habits.sharedTitle = look.habits.sharedTitle;
+    config.habits.repeatedTexts = look.habits.repeatedTexts;
+    summary.sharedTitle = look.habits.sharedTitle;
+    summary.repeatedTexts = look.repeatedTexts;
+  }
+  summary.siteNames = config.habits.names;
+}
+
+// Makes the items that `reading` is about into blocks, each of which `use` takes in its turn.
+void ForEachItem(PageReading& reading, unsigned jobs, size_t waitingBytes, const UseBlock& use) {
+  const auto newMaker = [&]() -> MakeBlock {
+    const auto maker = std::make_shared<BlockMaker>(reading.blocks);
+    return [&reading, maker](size_t item, PageBlock& block) {
+      return MakeItemBlock(reading, item, *maker, block);
+    };
+  };
+  ForEachBlock({.items = reading.items.size(), .jobs = jobs, .waitingBytes = waitingBytes},
+               newMaker, use);
+}
+
+void ReadPages(const Source& source, SiteListing& listing, Run& run, SitePages& pages) {
   const SiteConfig& config = run.options.config;
   const std::vector<SourceItem>& items = listing.items;
   run.report.AddListing(listing);
@@ -267,6 +354,7 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
   DocumentReaders documents;
   const ContentChoices content(config, run.base);
   PageReading reading = {.source = source,
+                         .items = items,
                          .wishes = {.images = config.images,
                                     .recognisesLanguages = config.recognisesLanguages,
                                     .dates = config.dates,
@@ -279,22 +367,17 @@ void ReadPages(const Source& source, SiteListing listing, Run& run, SitePages& p
                                     .stop = &run.stop,
                                     .memory = run.memory.known},
                          .largePages = {},
-                         .links = links.has_value() ? &*links : nullptr};
-  const auto newMaker = [&]() -> MakeBlock {
-    const auto maker = std::make_shared<BlockMaker>(reading.blocks);
-    return [&reading, &items, maker](size_t item, PageBlock& block) {
-      return MakeItemBlock(reading, items[item], *maker, block);
-    };
-  };
-  const auto use = [&](size_t item, Reason reason, const PageBlock& block) {
-    if (reason == Reason::kNone) reason = TakeBlock(block, pages, run.summary.remarks);
-    CheckStop(run.stop);  // perhaps in the middle of the page
-    Report(items[item], reason, run, pages);
-    run.progress.Step(item + 1);
-  };
-  ForEachBlock(
-      {.items = items.size(), .jobs = Jobs(run.options), .waitingBytes = run.memory.waiting},
-      newMaker, use);
+                         .links = links.has_value() ? &*links : nullptr,
+                         .state = run.state,
+                         .parts = run.parts};
+  ForEachItem(reading, Jobs(run.options), run.memory.waiting,
+              [&](size_t item, Reason reason, const PageBlock& block) {
+                run.mayDiffer = run.mayDiffer || IsPassing(reason);
+                if (reason == Reason::kNone) reason = TakeBlock(block, pages, run.summary.remarks);
+                CheckStop(run.stop);  // perhaps in the middle of the page
+                Report(items[item], reason, run, pages);
+                run.progress.Step(item + 1);
+              });
   if (pages.collection.pages.empty()) {
     WriteReport(run);
     RefuseEmptySite(listing.sought, run.summary.files);
@@ -435,6 +518,154 @@ uint64_t WriteHelp(Run& run, SitePages& pages, IndexFacts& facts) {
   return bytes;
 }
 
+// All that a block depends on beside its page.
+Fingerprint BlocksVersion(const Options& options, const std::string& base) {
+  FingerprintOfAll all;
+  all.Add(uint64_t{kBlockVersion});
+  all.Add(TextOf(ProgramVersion(DocumentReaders().Programs())));
+  all.Add(base);
+  all.Add(options.maxFileMegabytes);
+  all.Add(TextOf(FingerprintsOf(options.config).blocks));
+  return all.Finish();
+}
+
+// The files of the new index so far.
+std::vector<std::string> FilesIn(const fs::path& fresh) {
+  std::vector<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(fresh)) {
+    if (entry.is_regular_file()) names.push_back(entry.path().filename().string());
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+// All that an index depends on beside the pages; `fresh` holds the template and the program.
+Fingerprint IndexWishes(const Options& options, const std::string& base, const Language& language,
+                        const fs::path& fresh) {
+  constexpr uint64_t kLimit = uint64_t{1} << 30;
+  FingerprintOfAll all;
+  all.Add(TextOf(BlocksVersion(options, base)));
+  all.Add(TextOf(FingerprintsOf(options.config).index));
+  all.Add(language.strings);
+  for (const std::string& name : FilesIn(fresh)) {
+    FileContent file;
+    if (ReadRegularFile((fresh / name).string(), kLimit, file) != Reason::kNone) continue;
+    all.Add(name);
+    all.Add(file.bytes);
+  }
+  return all.Finish();
+}
+
+// What is kept of the pages, compared with those that are there; null where nothing is kept.
+std::unique_ptr<PageState> OpenPageState(const Options& options, const OpenedSource& opened,
+                                         const std::vector<SourceItem>& items) {
+  if (options.state.empty() || !options.merge.empty()) return nullptr;
+  auto state = std::make_unique<PageState>(opened.state.path / kPageStateName,
+                                           BlocksVersion(options, opened.base), options.fresh,
+                                           options.config.dates);
+  state->Compare(*opened.source, items, !options.checkLinks.empty());
+  return state;
+}
+
+// Whether the index that is there is what this run would make, and nothing else is asked of it.
+bool IsThere(const Run& run, const Fingerprint& wishes) {
+  const Options& options = run.options;
+  return run.state != nullptr && run.state->isUnchanged() && options.report.empty() &&
+         options.checkLinks.empty() && !options.dryRun &&
+         run.state->IsPublished(wishes, run.folder.target());
+}
+
+// The source of a run that reads the site, or of one that merges its parts.
+struct SiteSource {
+  OpenedSource opened;
+  const MergedParts* parts = nullptr;  // opened.source, where it is that
+};
+
+SiteSource OpenSite(const Options& options, const std::string& base, const fs::path& indexFolder,
+                    Progress& progress, const volatile std::sig_atomic_t& stop) {
+  SiteSource site;
+  if (options.merge.empty()) {
+    site.opened = OpenSource(options, base, indexFolder, progress, stop);
+    return site;
+  }
+  auto parts = std::make_unique<MergedParts>(options.merge);
+  site.parts = parts.get();
+  site.opened.source = std::move(parts);
+  site.opened.base = base;
+  return site;
+}
+
+// Reads one part of the site, and keeps what becomes of its pages.
+IndexSummary BuildPart(const Options& given, Progress& progress,
+                       const volatile std::sig_atomic_t& stop) {
+  Options options = given;
+  const std::optional<PartNumber> part = ReadPartNumber(options.part);
+  if (!part.has_value()) {
+    throw IndexError(ExitStatus::kUsage,
+                     "Give --part as in --part 2/7: the second of seven parts, of at most " +
+                         std::to_string(kPartLimit) + ".");
+  }
+  const IndexCharset charset(options.config.charset);
+  progress.Begin("Looking for pages", 0);
+  std::error_code error;  // of a folder that need not be there
+  fs::path index =
+      options.out.empty() ? fs::path() : fs::weakly_canonical(fs::absolute(options.out), error);
+  if (!index.empty() && !index.has_filename()) index = index.parent_path();
+  const SiteSource site = OpenSite(options, CheckedBaseUrl(options.baseUrl), index, progress, stop);
+  const OpenedSource& opened = site.opened;
+  SiteListing listing = opened.source->List();
+  PartNotes notes = {
+      .part = *part,
+      .list = ListFingerprintOf(listing.items),
+      .base = opened.base,
+      .look = LookAtSite(*opened.source, listing.items, opened.base, stop, options.config),
+      .listing = {}};
+  IndexSummary summary;
+  Settle(notes.look, charset, options.config, summary);
+  summary.siteItems = listing.items.size();
+  KeepPart(*part, listing.items);
+  const std::vector<SourceItem> items = std::exchange(listing.items, {});
+  notes.listing = std::move(listing);
+  const std::unique_ptr<PageState> state = OpenPageState(options, opened, items);
+  progress.Begin("Reading pages", items.size());
+  DocumentReaders documents;
+  const SiteConfig& config = options.config;
+  const ContentChoices content(config, opened.base);
+  const MemoryPlan memory = PlanMemory(options.memoryMegabytes * kMegabyte, Jobs(options));
+  PageReading reading = {.source = *opened.source,
+                         .items = items,
+                         .wishes = {.images = config.images,
+                                    .recognisesLanguages = config.recognisesLanguages,
+                                    .dates = config.dates,
+                                    .documents = &documents,
+                                    .content = &content},
+                         .limits = {.stop = &stop},
+                         .blocks = {.base = opened.base,
+                                    .config = config,
+                                    .charset = charset,
+                                    .stop = &stop,
+                                    .memory = memory.known},
+                         .largePages = {},
+                         .state = state.get()};
+  ForEachItem(reading, Jobs(options), memory.waiting,
+              [&](size_t item, Reason reason, const PageBlock& block) {
+                CheckStop(stop);
+                summary.sourceBytes += block.facts.fileSize;
+                if (reason == Reason::kNone) ++summary.pages;
+                if (reason != Reason::kNone) AddLeftOut(summary.files, reason, items[item].path);
+                progress.Step(item + 1);
+              });
+  state->NotePart(PartText(notes));
+  summary.part = std::to_string(part->number) + " of " + std::to_string(part->count);
+  summary.partFolder = opened.state.path.string();
+  summary.usesState = true;
+  summary.keptPages = state->takenCount();
+  const std::vector<Finding> faults = state->Finish();
+  progress.Clear();
+  if (faults.empty()) return summary;
+  throw IndexError(ExitStatus::kFailed, FindingText(faults.front()) + ".");
+}
+
 IndexSummary Build(const Options& given, Progress& progress, const volatile std::sig_atomic_t& stop,
                    RunReport& report) {
   Options options = given;
@@ -444,7 +675,8 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   IndexFolder folder(options.out, PublishSystemOf(options, progress, stop));
   // Before the template and the program, which may take a while.
   progress.Begin("Looking for pages", 0);
-  const OpenedSource opened = OpenSource(options, givenBase, folder.target(), progress, stop);
+  const SiteSource site = OpenSite(options, givenBase, folder.target(), progress, stop);
+  const OpenedSource& opened = site.opened;
   const std::string& base = opened.base;
   AddXmlSettings(base, options.config);
 
@@ -457,6 +689,8 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
              .stop = stop,
              .report = report,
              .memory = PlanMemory(options.memoryMegabytes * kMegabyte, Jobs(options)),
+             .state = nullptr,
+             .parts = site.parts,
              .summary = {}};
   IndexSummary& summary = run.summary;
   const Finding templateFault = WriteTemplate(options, language.templateWords, charset, folder);
@@ -465,21 +699,25 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   Source& source = *opened.source;
   progress.Begin("Looking for pages", 0);
   SiteListing listing = source.List();
-  const bool choosesStemming = options.config.stemming == kStemmingByPages;
-  if (choosesStemming || options.config.languageCategories) {
-    const LanguageCounts languages = LanguagesOfPages(source, listing.items, stop);
-    if (choosesStemming) summary.stemming = ChooseStemming(languages, charset, options.config);
-    if (options.config.languageCategories) {
-      AddLanguageCategories(languages, options.config.categories);
-    }
+  const SiteLook look = site.parts != nullptr
+                            ? site.parts->notes().look
+                            : LookAtSite(source, listing.items, base, stop, options.config);
+  Settle(look, charset, options.config, summary);
+  if (site.parts != nullptr) site.parts->CheckVersion(BlocksVersion(options, base));
+  const std::unique_ptr<PageState> state = OpenPageState(options, opened, listing.items);
+  run.state = state.get();
+  Fingerprint wishes;
+  if (state != nullptr) wishes = IndexWishes(options, base, language, folder.fresh());
+  if (IsThere(run, wishes)) {
+    const std::unique_ptr<Settings> settings = ReadFormerSettings(folder.target());
+    if (settings != nullptr) summary.pages = static_cast<uint64_t>(std::max(settings->NumPages, 0));
+    summary.isUnchanged = true;
+    std::ranges::move(state->Finish(), std::back_inserter(summary.warnings));
+    progress.Clear();
+    return summary;
   }
-  options.config.recognisesLanguages = AsksForLanguages(options.config);
-  if (WantsLook(options.config)) {
-    LookAtSite(source, listing.items, base, stop, options.config, summary);
-  }
-  summary.siteNames = options.config.habits.names;
   SitePages pages(run);
-  ReadPages(source, std::move(listing), run, pages);
+  ReadPages(source, listing, run, pages);
   IndexFacts facts;
   uint64_t bytes = WriteWords(run, pages, facts);
   SettlePages(run, pages);
@@ -521,7 +759,14 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   }
   summary.isDryRun = options.dryRun;
   report.Finish(summary);
+  const std::vector<std::string> written = FilesIn(folder.fresh());
   if (!options.dryRun) folder.Commit();
+  if (state != nullptr) {
+    if (!options.dryRun && !run.mayDiffer) state->NotePublished(wishes, folder.target(), written);
+    summary.usesState = true;
+    summary.keptPages = state->takenCount();
+    std::ranges::move(state->Finish(), std::back_inserter(summary.warnings));
+  }
   progress.Clear();
   return summary;
 }
@@ -532,6 +777,7 @@ IndexSummary BuildIndex(const Options& options, Progress& progress,
                         const volatile std::sig_atomic_t& stop) {
   RunReport report(options, progress);
   try {
+    if (!options.part.empty()) return BuildPart(options, progress, stop);
     return Build(options, progress, stop, report);
   } catch (const IndexError& error) {
     report.Fail(error.status, error.what());

@@ -40,6 +40,14 @@ size_t PlaceKey(uint32_t item, std::string_view place) {
 
 }  // namespace
 
+std::optional<PageAnchors> AnchorsOfItem(const SourceItem& item, const FileContent& file) {
+  if (item.type != FileType::kHtml) return {};
+  ReadingBudget budget = StartReading({}, file.bytes.size());
+  std::string html;
+  if (ConvertToUtf8(file.bytes, true, budget, html, file.charset) != Reason::kNone) return {};
+  return AnchorsOf(html, item.address, budget);
+}
+
 LinkCheck::LinkCheck(LinkedSite site, const SiteListing& listing)
     : site_(std::move(site)), listing_(listing), hasPlaces_(listing.items.size()) {
   for (uint32_t item = 0; item < listing.items.size(); ++item) {
@@ -55,14 +63,8 @@ LinkCheck::LinkCheck(LinkedSite site, const SiteListing& listing)
   }
 }
 
-void LinkCheck::AddPage(const SourceItem& item, const FileContent& file) {
-  if (item.type != FileType::kHtml) return;
-  ReadingBudget budget = StartReading({}, file.bytes.size());
-  std::string html;
-  if (ConvertToUtf8(file.bytes, true, budget, html, file.charset) != Reason::kNone) return;
-  PageAnchors anchors = AnchorsOf(html, item.address, budget);
+void LinkCheck::AddPage(const SourceItem& item, PageAnchors anchors) {
   std::ranges::sort(anchors.places);
-
   const std::lock_guard lock(mutex_);
   const auto own = items_.find(item.address);
   if (own == items_.end()) return;

@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
+#include "indexer/extract/page_anchors.h"
 #include "indexer/report/broken_link.h"
 #include "indexer/site/canonical_addresses.h"
 #include "indexer/source/source.h"
@@ -22,6 +24,9 @@ struct LinkedSite {
   std::filesystem::path folder;  // empty for one that does not lie in a folder
 };
 
+// The links and places of an item; none where it cannot have any.
+std::optional<PageAnchors> AnchorsOfItem(const SourceItem& item, const FileContent& file);
+
 class LinkCheck {
  public:
   // `listing` is of the site's source and outlives this.
@@ -29,7 +34,7 @@ class LinkCheck {
 
   // Takes the links of an item of the listing, and the places on it. Any number of threads may call
   // it at once, in any order. Throws std::bad_alloc.
-  void AddPage(const SourceItem& item, const FileContent& file);
+  void AddPage(const SourceItem& item, PageAnchors anchors);
 
   // When all pages were added and have their addresses.
   BrokenLinks Finish(const CanonicalAddresses& addresses);

@@ -1,12 +1,8 @@
 #include "indexer/open_source.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <cstring>
 #include <iostream>
 #include <iterator>
 #include <optional>
@@ -37,7 +33,6 @@ constexpr uint64_t kMegabyte = uint64_t{1} << 20;
 constexpr size_t kListBytesLimit = size_t{64} << 20;
 constexpr char kCrawlStoreName[] = "vela_crawl.db";
 constexpr char kArchiveStoreName[] = "vela_archive.db";
-constexpr char kStateLockName[] = "vela_state.lock";
 
 // What every way of opening needs.
 struct Opening {
@@ -50,9 +45,10 @@ struct Opening {
   uint64_t pageLimit() const { return options.maxFileMegabytes * kMegabyte; }
 };
 
-// True when `inner` is `outer` or lies in it; both absolute and resolved.
+// True when `inner` is `outer` or lies in it; both absolute and resolved. Nothing lies in an empty
+// path.
 bool IsWithin(const fs::path& inner, const fs::path& outer) {
-  return std::ranges::mismatch(outer, inner).in1 == outer.end();
+  return !outer.empty() && std::ranges::mismatch(outer, inner).in1 == outer.end();
 }
 
 fs::path ResolvedSite(const std::string& site) {
@@ -93,39 +89,7 @@ std::vector<std::string> ReadList(const std::string& file) {
   return lines;
 }
 
-// Opens the folder for what is kept from run to run, for its owner alone, and locks it.
-fs::path OpenState(const Opening& opening, std::unique_ptr<RunLock>& lock) {
-  const fs::path& index = opening.indexFolder;
-  fs::path folder = opening.options.state;
-  if (folder.empty()) {
-    folder = index.parent_path() / ("." + index.filename().string() + ".state");
-  }
-  const auto fail = [&folder](const std::string& why) {
-    throw IndexError(ExitStatus::kFailed, "Cannot use the folder " + folder.string() +
-                                              " for what was fetched: " + why +
-                                              ". Give another one: --state DIR.");
-  };
-  if (mkdir(folder.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-    fail(std::generic_category().message(errno));
-  }
-  std::error_code error;
-  folder = fs::canonical(folder, error);
-  if (error || !fs::is_directory(folder)) fail(error ? error.message() : "it is no folder");
-  if (IsWithin(folder, index)) {
-    throw IndexError(ExitStatus::kUsage,
-                     "--state must not lie in the index folder, which is "
-                     "replaced as a whole and open to visitors.");
-  }
-  lock = std::make_unique<RunLock>();
-  if (lock->TryTake(folder / kStateLockName) != LockStatus::kHeld) {
-    throw IndexError(ExitStatus::kBusy,
-                     "Another run is fetching pages into " + folder.string() + ".");
-  }
-  return folder;
-}
-
-std::unique_ptr<Source> OpenFolder(const Opening& opening,
-                                   std::optional<std::vector<std::string>> only) {
+OpenedSource OpenFolder(const Opening& opening, std::optional<std::vector<std::string>> only) {
   const Options& options = opening.options;
   const fs::path site = ResolvedSite(options.site);
   if (IsWithin(site, opening.indexFolder)) {
@@ -133,14 +97,24 @@ std::unique_ptr<Source> OpenFolder(const Opening& opening,
                      "--out is replaced as a whole and must not hold the site "
                      "itself. Give a folder of its own for the index.");
   }
-  return std::make_unique<FolderSource>(SiteFolder{.folder = site,
-                                                   .base = opening.base,
-                                                   .excluded = options.exclude,
-                                                   .excludedFolder = opening.indexFolder,
-                                                   .endings = options.config.endings,
-                                                   .fileLimit = opening.pageLimit(),
-                                                   .followLinks = options.followLinks,
-                                                   .only = std::move(only)});
+  OpenedSource opened;
+  opened.base = opening.base;
+  if (!options.state.empty()) {
+    opened.state = OpenStateFolder(options.state, opening.indexFolder);
+    if (IsWithin(opened.state.path, site)) {
+      throw IndexError(ExitStatus::kUsage,
+                       "--state must not lie in the site's folder, which is open to visitors.");
+    }
+  }
+  opened.source = std::make_unique<FolderSource>(SiteFolder{.folder = site,
+                                                            .base = opening.base,
+                                                            .excluded = options.exclude,
+                                                            .excludedFolder = opening.indexFolder,
+                                                            .endings = options.config.endings,
+                                                            .fileLimit = opening.pageLimit(),
+                                                            .followLinks = options.followLinks,
+                                                            .only = std::move(only)});
+  return opened;
 }
 
 // Where a crawl begins, and whether it goes on from there.
@@ -214,7 +188,8 @@ OpenedSource OpenCrawl(const Opening& opening, CrawlStart start) {
   OpenedSource opened;
   const std::string first = start.pages.empty() ? start.sitemaps[0] : start.pages[0];
   const CrawlPlan plan = PlanOf(opening, std::move(start));
-  const fs::path file = OpenState(opening, opened.lock) / kCrawlStoreName;
+  opened.state = OpenStateFolder(opening.options.state, opening.indexFolder);
+  const fs::path file = opened.state.path / kCrawlStoreName;
   auto store = std::make_unique<PageStore>(file);
   opened.findings = Crawl(plan, *store, opening.progress, opening.stop);
   opened.base = BaseOf(opening.base, *store);
@@ -247,8 +222,9 @@ OpenedSource OpenArchives(const Opening& opening) {
   }
   OpenedSource opened;
   opened.base = opening.base;
-  const fs::path file = OpenState(opening, opened.lock) / kArchiveStoreName;
-  RemoveStore(file);
+  opened.state = OpenStateFolder(opening.options.state, opening.indexFolder);
+  const fs::path file = opened.state.path / kArchiveStoreName;
+  RemoveDatabase(file);
   auto store = std::make_unique<PageStore>(file);
   store->BeginPass("");
   struct Known {
@@ -307,17 +283,9 @@ OpenedSource OpenSource(const Options& options, const std::string& base,
                                .sitemaps = options.sitemaps,
                                .followsLinks = !options.crawl.empty()});
   }
-  OpenedSource opened;
-  opened.base = base;
-  if (options.list.empty()) {
-    opened.source = OpenFolder(opening, {});
-    return opened;
-  }
+  if (options.list.empty()) return OpenFolder(opening, {});
   std::vector<std::string> lines = ReadList(options.list);
-  if (!options.site.empty()) {
-    opened.source = OpenFolder(opening, std::move(lines));
-    return opened;
-  }
+  if (!options.site.empty()) return OpenFolder(opening, std::move(lines));
   if (lines.empty()) throw IndexError(ExitStatus::kNothing, "The list (--list) is empty.");
   return OpenCrawl(opening, {.pages = std::move(lines), .sitemaps = {}, .followsLinks = false});
 }

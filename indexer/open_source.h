@@ -8,22 +8,22 @@
 #include <vector>
 
 #include "indexer/config/options.h"
-#include "indexer/publish/run_lock.h"
 #include "indexer/report/progress.h"
 #include "indexer/report/reason.h"
 #include "indexer/source/source.h"
+#include "indexer/state/state_folder.h"
 
 namespace vela::indexer {
 
 struct OpenedSource {
-  std::unique_ptr<RunLock> lock;  // of what is kept from run to run; held as long as it is read
+  StateFolder state;  // for what is kept from run to run; without a path where nothing is
   std::unique_ptr<Source> source;
   std::vector<Finding> findings;  // what the owner should know of the way there
   std::string base;               // the site's address, as its pages spell it
 };
 
 // Opens the site's folder, or fetches its pages first. `base` is the site's address, ending in "/";
-// `indexFolder` is absolute. Throws IndexError.
+// `indexFolder` is absolute; empty where no index is written. Throws IndexError.
 OpenedSource OpenSource(const Options& options, const std::string& base,
                         const std::filesystem::path& indexFolder, Progress& progress,
                         const volatile std::sig_atomic_t& stop);

@@ -326,6 +326,7 @@ const ConfigKey kConfigKeys[] = {
     {"crawl", "ca_file", Path{&CrawlRules::caFile}},
     {"crawl", "contact", Text{kNameLimit, &CrawlRules::contact}},
 
+    {"index", "state", Path{&Options::state}},
     {"index", "memory", Number{kMemoryMegabytesLimit, &Options::memoryMegabytes}},
     {"index", "max_file_size", Number{kFileMegabytesLimit, &Options::maxFileMegabytes}},
     {"index", "jobs", Number{kJobsLimit, &Options::jobs}},

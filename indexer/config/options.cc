@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "indexer/config/completion.h"
 #include "indexer/config/config_file.h"
@@ -95,6 +96,33 @@ void CheckSource(Options& options) {
   options.baseUrl = LowerAsciiCopy(first.substr(0, first.find_first_of("/?#", host + 3)));
 }
 
+// What a run that reads or merges parts can be asked for.
+void CheckParts(const Options& options) {
+  const bool isPart = !options.part.empty();
+  if (!isPart && options.merge.empty()) return;
+  const std::string given = isPart ? "--part" : "--merge";
+  if (isPart && options.state.empty()) {
+    throw IndexError(ExitStatus::kUsage,
+                     "Give the folder for the part, too: --state DIR, another one for each part.");
+  }
+  const bool crawls = !options.crawl.empty() || !options.sitemaps.empty();
+  if (isPart && (crawls || (!options.list.empty() && options.site.empty()))) {
+    throw IndexError(ExitStatus::kUsage,
+                     "--part reads a folder or archives, no web servers: fetch the pages in one "
+                     "run.");
+  }
+  const std::pair<bool, const char*> others[] = {
+      {isPart && !options.merge.empty(), "--merge"},
+      {!options.checkLinks.empty(), "--check-links"},
+      {isPart && !options.report.empty(), "--report"},
+      {isPart && options.dryRun, "--dry-run"},
+  };
+  for (const auto& [isGiven, name] : others) {
+    if (!isGiven) continue;
+    throw IndexError(ExitStatus::kUsage, given + " does not go with " + name + ".");
+  }
+}
+
 void CheckReport(const Options& options) {
   if (options.reportFormat.empty()) return;
   const std::vector<std::string_view> formats = ReportFormats();
@@ -119,13 +147,15 @@ void CheckLinkMode(const Options& options) {
 bool IsNeeded(const OptionRow& row, const Options& options) {
   if (row.needed.empty()) return false;
   if (options.rollback) return row.name == "--out";
+  if (!options.part.empty() && row.name == "--out") return false;
   const bool hasOther = !options.crawl.empty() || !options.sitemaps.empty() ||
-                        !options.list.empty() || !options.warc.empty();
+                        !options.list.empty() || !options.warc.empty() || !options.merge.empty();
   return !(row.name == "--site" && hasOther);
 }
 
 void CheckComplete(CommandLine& line) {
-  if (!line.options.rollback) CheckSource(line.options);
+  if (!line.options.rollback && line.options.merge.empty()) CheckSource(line.options);
+  if (!line.options.rollback) CheckParts(line.options);
   CheckReport(line.options);
   CheckLinkMode(line.options);
   for (const OptionRow& row : OptionTable()) {

@@ -25,7 +25,12 @@ struct Options {
   std::vector<std::string> sitemaps;  // addresses
   std::string list;                   // a file of addresses, or of names below `site`; "-"
   std::vector<std::string> warc;      // files
-  std::string state;  // a folder for what is kept from run to run; empty: beside the index
+  // A folder for what is kept from run to run. Empty: what is fetched lies in one beside the index,
+  // and nothing is kept of the pages.
+  std::string state;
+  bool fresh = false;  // what is kept of the pages is not used
+  std::string part;    // "2/7": that part of the site is read, into `state`; empty: all of it
+  std::vector<std::string> merge;  // in the place of the site, folders into which parts were read
   CrawlRules crawlRules;
   std::string baseUrl;
   std::string out;

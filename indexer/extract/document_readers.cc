@@ -42,6 +42,10 @@ DocumentReaders::DocumentReaders(const std::string& folder, std::string_view pat
 
 DocumentReaders::DocumentReaders() : DocumentReaders(OwnFolder(), EnvironmentPath()) {}
 
+std::vector<std::string> DocumentReaders::Programs() const {
+  return {extract_, pdfProgram_, wordProgram_, slidesProgram_, sheetsProgram_};
+}
+
 Reason DocumentReaders::ReadPdf(std::string_view document, ReadingBudget& budget,
                                 PageContent& page) const {
   if (pdfProgram_.empty()) return Reason::kNoPdfProgram;

@@ -21,6 +21,9 @@ class DocumentReaders {
   // Beside this program, and in the PATH of the environment.
   DocumentReaders();
 
+  // The programs, by their whole paths; empty for those that are not there.
+  std::vector<std::string> Programs() const;
+
   // Has a program read a document of that type, in a process of its own: nothing that is in it can
   // harm this one. kNone, or why it is left out. Any number of threads may call it at once.
   [[nodiscard]] Reason Read(FileType type, std::string_view document, ReadingBudget& budget,

@@ -96,6 +96,8 @@ constexpr ReasonWords kReasonWords[] = {
      "[crawl]"},
     {Reason::kSitemapDamaged, "sitemap_damaged", "the sitemap % is damaged"},
     {Reason::kArchiveDamaged, "archive_damaged", "the archive % is damaged"},
+    {Reason::kStateNotKept, "state_not_kept",
+     "what was made of the pages is not kept for the next run: %"},
 };
 
 constexpr bool EachReasonHasItsPlace() {
@@ -110,6 +112,13 @@ static_assert(EachReasonHasItsPlace());
 
 std::string_view ReasonCode(Reason reason) {
   return kReasonWords[static_cast<size_t>(reason)].code;
+}
+
+std::optional<Reason> ReasonOfCode(std::string_view code) {
+  for (size_t i = 0; i < std::size(kReasonWords); ++i) {
+    if (kReasonWords[i].code == code) return static_cast<Reason>(i);
+  }
+  return std::nullopt;
 }
 
 std::string_view ReasonText(Reason reason) {

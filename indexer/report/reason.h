@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -97,12 +98,18 @@ enum class Reason : uint8_t {
   kStartRedirected,  // `where`: a first address; `subject`: where it leads to
   kSitemapDamaged,   // `subject`: its address
   kArchiveDamaged,   // `subject`: its file
+
+  // What is kept from run to run.
+  kStateNotKept,  // `subject`: why
 };
 
-constexpr Reason kLastReason = Reason::kArchiveDamaged;
+constexpr Reason kLastReason = Reason::kStateNotKept;
 
 // The reason as programs know it: small letters and "_". It stays when the words change.
 std::string_view ReasonCode(Reason reason);
+
+// None when no reason is called so.
+std::optional<Reason> ReasonOfCode(std::string_view code);
 
 // The words for a person; "%" stands for the subject.
 std::string_view ReasonText(Reason reason);

@@ -107,9 +107,31 @@ std::string LinksText(const BrokenLinks& links) {
   return text;
 }
 
+namespace {
+
+// Of a part of the site, from which no index was made yet.
+std::string PartText(const IndexSummary& summary, const std::string& time) {
+  std::string text = "Read part " + summary.part + " into " + summary.partFolder + ": " +
+                     CountText(summary.pages) + " of " + CountText(summary.siteItems) + " pages, " +
+                     BytesText(summary.sourceBytes) + ", in " + time + ".\n";
+  text += CountText(summary.keptPages) + " had not changed since the last run.\n";
+  if (summary.files.total != 0) {
+    text += "Left out " + CountText(summary.files.total) + ":\n";
+    AddGroups(summary.files, text);
+  }
+  return text;
+}
+
+}  // namespace
+
 std::string SummaryText(const IndexSummary& summary, const std::string& folder, double seconds) {
   char time[40];
   snprintf(time, sizeof time, "%.1f seconds", seconds);
+  if (!summary.part.empty()) return PartText(summary, time);
+  if (summary.isUnchanged) {
+    return "Nothing has changed: the index with " + CountText(summary.pages) +
+           (summary.pages == 1 ? " page" : " pages") + " stays in " + folder + " (" + time + ").\n";
+  }
   std::string text = "Indexed " + CountText(summary.pages) +
                      (summary.pages == 1 ? " page" : " pages") + " with " +
                      CountText(summary.words) + " different words in " + time + ".\n";
@@ -119,6 +141,10 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
     AddChanges(summary.changes, text);
   } else {
     text += " to " + folder + ".\n";
+  }
+  if (summary.usesState) {
+    text += CountText(summary.keptPages) + (summary.keptPages == 1 ? " page" : " pages") +
+            " had not changed since the last run.\n";
   }
   if (!summary.stemming.empty()) text += "Stemming: " + summary.stemming + ".\n";
   if (summary.runs != 0) {

@@ -38,6 +38,12 @@ struct IndexSummary {
   std::string sharedTitle;                 // in the place of which headings are shown
   std::vector<std::string> repeatedTexts;  // some of what was left out of most pages
   BrokenLinks links;
+  bool usesState = false;         // what is kept from run to run was looked at
+  uint64_t keptPages = 0;         // whose outcome was taken from there
+  std::string part;               // "2 of 7": a part of the site was read; empty: all of it was
+  uint64_t siteItems = 0;         // of a part: what the whole site has
+  std::string partFolder;         // and where it lies
+  bool isUnchanged = false;       // the index that is there is this one, and stays
   IndexChanges changes;           // of a dry run, and where the report tells them
   bool isDryRun = false;          // nothing was put into place
   std::vector<Finding> warnings;  // what of the configuration had no use

@@ -1,8 +1,10 @@
 #include "indexer/source/folder_source.h"
 
 #include <fnmatch.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <ctime>
 #include <optional>
 #include <string_view>
 #include <unordered_set>
@@ -281,9 +283,28 @@ SiteListing FolderSource::List() {
   return listing;
 }
 
+std::string FolderSource::FileOf(const SourceItem& item) const {
+  return (site_.folder / (item.file.empty() ? item.path : item.file)).string();
+}
+
 Reason FolderSource::Read(const SourceItem& item, FileContent& content) const {
-  return ReadRegularFile((site_.folder / (item.file.empty() ? item.path : item.file)).string(),
-                         site_.fileLimit, content);
+  return ReadRegularFile(FileOf(item), site_.fileLimit, content);
+}
+
+std::string FolderSource::Version(const SourceItem& item) const {
+  constexpr time_t kUnsettled = 2;  // seconds; what clocks of file systems count in at most
+  struct stat info = {};
+  struct timespec now = {};
+  if (lstat(FileOf(item).c_str(), &info) != 0 || !S_ISREG(info.st_mode) ||
+      clock_gettime(CLOCK_REALTIME, &now) != 0) {
+    return {};
+  }
+  if (std::max(info.st_mtim.tv_sec, info.st_ctim.tv_sec) >= now.tv_sec - kUnsettled) return {};
+  std::string version = std::to_string(info.st_size);
+  for (const struct timespec& time : {info.st_mtim, info.st_ctim}) {
+    version += " " + std::to_string(time.tv_sec) + "." + std::to_string(time.tv_nsec);
+  }
+  return version + " " + std::to_string(info.st_ino);
 }
 
 }  // namespace vela::indexer

@@ -29,14 +29,21 @@ struct SiteFolder {
 // over. Symbolic links are followed only where the site says so, only to what lies in the site, and
 // only to what is not read where it lies: nothing outside the site is ever read, nothing twice, and
 // no loop can occur. List throws IndexError when the folder itself cannot be read.
+//
+// The version of an item is what the file system says of its file: size, times of its bytes and of
+// all else, and number. A file that was changed within the last two seconds has none: it may be
+// changed again without another time.
 class FolderSource final : public Source {
  public:
   explicit FolderSource(SiteFolder site) : site_(std::move(site)) {}
 
   SiteListing List() override;
   [[nodiscard]] Reason Read(const SourceItem& item, FileContent& content) const override;
+  std::string Version(const SourceItem& item) const override;
 
  private:
+  std::string FileOf(const SourceItem& item) const;
+
   SiteFolder site_;
 };
 

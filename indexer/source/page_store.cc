@@ -1,12 +1,5 @@
 #include "indexer/source/page_store.h"
 
-#include <fcntl.h>
-#include <sqlite3.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <new>
-#include <unordered_map>
 #include <utility>
 
 #include "indexer/report/index_error.h"
@@ -16,7 +9,8 @@ namespace vela::indexer {
 namespace {
 
 constexpr int64_t kFormat = 1;
-constexpr int kBusyMilliseconds = 10000;
+constexpr DatabaseWords kWords = {.holds = "the pages that were fetched",
+                                  .afterLoss = "fetch all pages anew"};
 
 constexpr char kSchema[] = R"(
 CREATE TABLE IF NOT EXISTS state (name TEXT PRIMARY KEY, value) WITHOUT ROWID;
@@ -41,132 +35,11 @@ CREATE INDEX IF NOT EXISTS waiting ON page (depth, address) WHERE settled < foun
 CREATE TABLE IF NOT EXISTS content (id INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
 )";
 
-Reason ReasonOfCode(std::string_view code) {
-  for (int i = 1; i <= static_cast<int>(kLastReason); ++i) {
-    if (ReasonCode(static_cast<Reason>(i)) == code) return static_cast<Reason>(i);
-  }
-  return Reason::kFileNotRead;  // of a newer version
-}
-
-}  // namespace
-
-// A connection and its statements, each prepared once, at its first use.
-class PageStore::Database {
- public:
-  Database(const std::filesystem::path& file, bool writes) : file_(file.string()) {
-    const int flags = SQLITE_OPEN_NOMUTEX |
-                      (writes ? SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE : SQLITE_OPEN_READONLY);
-    sqlite3* opened = nullptr;  // given also where opening fails, for its message
-    const int result = sqlite3_open_v2(file_.c_str(), &opened, flags, nullptr);
-    handle_.reset(opened);
-    Check(result);
-    Check(sqlite3_busy_timeout(opened, kBusyMilliseconds));
-    // A file is not trusted for what its schema could make the library do.
-    Check(sqlite3_db_config(opened, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr));
-    Check(sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr));
-  }
-  Database(const Database&) = delete;
-  Database& operator=(const Database&) = delete;
-  ~Database() {
-    for (const auto& [sql, statement] : statements_) sqlite3_finalize(statement);
-  }
-
-  void Run(const char* sql) { Check(sqlite3_exec(handle_.get(), sql, nullptr, nullptr, nullptr)); }
-
-  // The prepared statement of `sql`, a constant.
-  sqlite3_stmt* Statement(const char* sql) {
-    sqlite3_stmt*& statement = statements_[sql];
-    if (statement == nullptr) {
-      Check(sqlite3_prepare_v3(handle_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &statement,
-                               nullptr));
-    }
-    return statement;
-  }
-
-  void Check(int result) const {
-    if (result == SQLITE_OK || result == SQLITE_ROW || result == SQLITE_DONE) return;
-    if (result == SQLITE_NOMEM) throw std::bad_alloc();
-    std::string why = handle_ == nullptr ? sqlite3_errstr(result) : sqlite3_errmsg(handle_.get());
-    if (result == SQLITE_CORRUPT || result == SQLITE_NOTADB) {
-      why += ". Remove the file to fetch all pages anew";
-    }
-    throw IndexError(
-        result == SQLITE_BUSY || result == SQLITE_LOCKED ? ExitStatus::kBusy : ExitStatus::kFailed,
-        "Cannot use " + file_ + ", which holds the pages that were fetched: " + why + ".");
-  }
-
- private:
-  std::string file_;
-  struct Close {
-    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
-  };
-  std::unique_ptr<sqlite3, Close> handle_;
-  std::unordered_map<const char*, sqlite3_stmt*> statements_;
-};
-
-namespace {
-
-// One use of a statement: values are bound in order, rows taken one by one, and all is reset.
-template <typename Database>
-class Query {
- public:
-  Query(Database& database, const char* sql)
-      : database_(database), statement_(database.Statement(sql)) {}
-  Query(const Query&) = delete;
-  Query& operator=(const Query&) = delete;
-  ~Query() {
-    sqlite3_reset(statement_);
-    sqlite3_clear_bindings(statement_);
-  }
-
-  // What is bound must outlive this.
-  Query& Bind(int64_t value) {
-    database_.Check(sqlite3_bind_int64(statement_, ++bound_, value));
-    return *this;
-  }
-  Query& Bind(std::string_view text) {
-    database_.Check(sqlite3_bind_text64(statement_, ++bound_,
-                                        text.data() == nullptr ? "" : text.data(), text.size(),
-                                        SQLITE_STATIC, SQLITE_UTF8));
-    return *this;
-  }
-  Query& BindBytes(std::string_view bytes) {
-    database_.Check(sqlite3_bind_blob64(statement_, ++bound_,
-                                        bytes.data() == nullptr ? "" : bytes.data(), bytes.size(),
-                                        SQLITE_STATIC));
-    return *this;
-  }
-
-  bool Next() {
-    const int result = sqlite3_step(statement_);
-    database_.Check(result);
-    return result == SQLITE_ROW;
-  }
-
-  int64_t Number(int column) const { return sqlite3_column_int64(statement_, column); }
-  std::string Text(int column) const {
-    const void* bytes = sqlite3_column_blob(statement_, column);
-    const auto size = static_cast<size_t>(sqlite3_column_bytes(statement_, column));
-    if (size != 0 && bytes == nullptr) throw std::bad_alloc();
-    return size == 0 ? std::string() : std::string(static_cast<const char*>(bytes), size);
-  }
-  uint64_t Size(int column) const {
-    return static_cast<uint64_t>(sqlite3_column_bytes(statement_, column));
-  }
-
- private:
-  Database& database_;
-  sqlite3_stmt* statement_;
-  int bound_ = 0;
-};
-
-template <typename Database>
 int64_t StateNumber(Database& database, std::string_view name) {
   Query query(database, "SELECT value FROM state WHERE name = ?");
   return query.Bind(name).Next() ? query.Number(0) : 0;
 }
 
-template <typename Database>
 void SetState(Database& database, std::string_view name, int64_t value) {
   Query query(database, "INSERT OR REPLACE INTO state VALUES (?, ?)");
   query.Bind(name).Bind(value).Next();
@@ -175,8 +48,7 @@ void SetState(Database& database, std::string_view name, int64_t value) {
 // The columns of a WaitingAddress, in this order.
 #define VELA_WAITING_COLUMNS "id, address, origin, kind, depth, hops, etag, last_modified"
 
-template <typename Row>
-WaitingAddress WaitingOf(const Row& row) {
+WaitingAddress WaitingOf(const Query& row) {
   return {.id = row.Number(0),
           .found = {.address = row.Text(1),
                     .origin = row.Text(2),
@@ -190,11 +62,8 @@ WaitingAddress WaitingOf(const Row& row) {
 }  // namespace
 
 PageStore::PageStore(std::filesystem::path file) : file_(std::move(file)) {
-  // Pages may have been fetched with a password: whoever else uses the machine must not read them.
-  const int made =
-      open(file_.c_str(), O_CREAT | O_RDWR | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR);
-  if (made >= 0) close(made);
-  database_ = std::make_unique<Database>(file_, true);
+  MakePrivateFile(file_);
+  database_ = std::make_unique<Database>(file_, true, kWords);
   database_->Run("PRAGMA journal_mode = WAL");
   database_->Run("PRAGMA synchronous = FULL");
   database_->Run(kSchema);
@@ -359,10 +228,13 @@ std::vector<StoredPage> PageStore::List() {
               " WHERE kind = 0 AND outcome IN (?, ?) ORDER BY address");
   query.Bind(static_cast<int64_t>(Outcome::kPage)).Bind(static_cast<int64_t>(Outcome::kLeftOut));
   while (query.Next()) {
+    // A newer version may have left it out for a reason of its own.
     const bool isPage = query.Number(2) == static_cast<int64_t>(Outcome::kPage);
     pages.push_back({.address = query.Text(0),
                      .mediaType = query.Text(1),
-                     .reason = isPage ? Reason::kNone : ReasonOfCode(query.Text(3))});
+                     .reason = isPage
+                                   ? Reason::kNone
+                                   : ReasonOfCode(query.Text(3)).value_or(Reason::kFileNotRead)});
   }
   return pages;
 }
@@ -379,7 +251,7 @@ Reason PageStore::Read(std::string_view address, uint64_t limit, FileContent& co
   }
   Reason reason = Reason::kNone;
   try {
-    if (reader == nullptr) reader = std::make_unique<Database>(file_, false);
+    if (reader == nullptr) reader = std::make_unique<Database>(file_, false, kWords);
     Query query(*reader,
                 "SELECT bytes, modified, charset FROM page JOIN content USING (id)"
                 " WHERE address = ?");

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "indexer/report/reason.h"
+#include "indexer/source/database.h"
 #include "indexer/source/file_reading.h"
 
 namespace vela::indexer {
@@ -101,7 +102,6 @@ class PageStore {
   [[nodiscard]] Reason Read(std::string_view address, uint64_t limit, FileContent& content) const;
 
  private:
-  class Database;
   enum class Outcome : uint8_t { kUnknown, kPage, kRedirect, kLeftOut, kSitemap };
 
   void Begin();

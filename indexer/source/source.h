@@ -34,6 +34,11 @@ class Source {
   // Reads an item of the list. What it holds is in `content` when kNone is returned. Any number of
   // threads may call it at once. Throws std::bad_alloc when there is no memory.
   [[nodiscard]] virtual Reason Read(const SourceItem& item, FileContent& content) const = 0;
+
+  // A text that is another one where what Read gives may be another, found without reading where
+  // that can be. Asked before Read, it stands for what that gives or for something older. Empty:
+  // not known. Any number of threads may call it at once.
+  virtual std::string Version(const SourceItem& item) const = 0;
 };
 
 }  // namespace vela::indexer

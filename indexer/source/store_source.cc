@@ -1,12 +1,13 @@
 #include "indexer/source/store_source.h"
 
+#include "indexer/source/fingerprint.h"
 #include "indexer/source/media_type.h"
 
 namespace vela::indexer {
 
 StoreSource::~StoreSource() {
   store_.reset();
-  if (wishes_.isTemporary) RemoveStore(file_);
+  if (wishes_.isTemporary) RemoveDatabase(file_);
 }
 
 SiteListing StoreSource::List() {
@@ -35,11 +36,11 @@ Reason StoreSource::Read(const SourceItem& item, FileContent& content) const {
   return store_->Read(item.address, wishes_.pageLimit, content);
 }
 
-void RemoveStore(const std::filesystem::path& file) {
-  std::error_code ignored;
-  for (const char* suffix : {"", "-wal", "-shm"}) {
-    std::filesystem::remove(file.string() + suffix, ignored);
-  }
+std::string StoreSource::Version(const SourceItem& item) const {
+  FileContent content;
+  if (Read(item, content) != Reason::kNone) return {};
+  return TextOf(FingerprintOf(content.bytes)) + " " + std::to_string(content.modifiedTime) + " " +
+         content.charset;
 }
 
 }  // namespace vela::indexer

@@ -11,7 +11,8 @@
 
 namespace vela::indexer {
 
-// Its items are in ascending byte order of their addresses.
+// Its items are in ascending byte order of their addresses. The version of an item stands for its
+// bytes, which are there to be looked at.
 class StoreSource final : public Source {
  public:
   struct Wishes {
@@ -27,14 +28,12 @@ class StoreSource final : public Source {
 
   SiteListing List() override;
   [[nodiscard]] Reason Read(const SourceItem& item, FileContent& content) const override;
+  std::string Version(const SourceItem& item) const override;
 
  private:
   std::unique_ptr<PageStore> store_;
   std::filesystem::path file_;  // of the store
   Wishes wishes_;
 };
-
-// The files in which a store lies: the database, and what SQLite keeps beside it.
-void RemoveStore(const std::filesystem::path& file);
 
 }  // namespace vela::indexer

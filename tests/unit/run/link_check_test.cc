@@ -27,7 +27,8 @@ struct LinkedPages {
     for (size_t i = pages.size(); i-- > 0;) {
       FileContent file;
       file.bytes = pages[i];
-      check.AddPage(listing.items[i], file);
+      const std::optional<PageAnchors> anchors = AnchorsOfItem(listing.items[i], file);
+      if (anchors.has_value()) check.AddPage(listing.items[i], *anchors);
     }
     CanonicalAddresses addresses(kBase);
     for (const SourceItem& item : listing.items) addresses.AddItem(item.address);
