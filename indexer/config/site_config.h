@@ -117,15 +117,17 @@ struct SiteConfig {
   bool images = true;
   bool linkTexts = true;  // what links call a page counts for it
   std::vector<DateSource> dates = {DateSource::kMeta, DateSource::kFile};  // tried in this order
-  bool trustsFileDates = false;  // even where most of the files were changed on one day
+  bool trustsFileDates = false;      // even where most of the files were changed on one day
+  bool recognisesLanguages = false;  // of pages that name none, from their text
+  bool languageCategories = false;   // one for each language of the site joins the categories
+  bool leavesOutRepeatedText = false;
+  NearDuplicates nearDuplicates = NearDuplicates::kReport;
 
   ContentRule content;                    // of pages that none of these fits
   std::vector<ContentRule> contentRules;  // the first that fits a page holds
   std::vector<NamedSelector> selectors;   // of all these rules
 
   std::vector<CategoryRule> categories;
-  bool languageCategories = false;   // one for each language of the site joins them
-  bool recognisesLanguages = false;  // of pages that name none, from their text
   std::vector<FieldRule> fields;
   std::vector<BoostRule> boosts;  // the first that fits a page holds
   std::vector<SynonymRule> synonyms;
@@ -133,9 +135,7 @@ struct SiteConfig {
   std::string recommendedFile;  // its lines join `recommended`; empty: none
 
   std::string siteName;  // to take off titles; kAutoSiteName: what is found; empty: none
-  bool leavesOutRepeatedText = false;
-  NearDuplicates nearDuplicates = NearDuplicates::kReport;
-  SiteHabits habits;  // the run fills them, before it takes the first page in
+  SiteHabits habits;     // the run fills them, before it takes the first page in
 
   bool spelling = true;
   bool suggestions = true;

@@ -78,7 +78,7 @@ std::string LanguageSample(const PageContent& content) {
 std::string PageLanguage(const PageContent& content, bool recognises) {
   if (!content.language.empty()) return content.language;
   const std::string declared = LowerAsciiCopy(FactOf(content, PageFact::kLanguage));
-  const std::string code = declared.substr(0, declared.find_first_of("-_"));
+  std::string code = declared.substr(0, declared.find_first_of("-_"));
   if (IsLanguageCode(code)) return code;
   return recognises ? DetectedLanguage(LanguageSample(content)) : std::string();
 }

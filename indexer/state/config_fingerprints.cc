@@ -97,12 +97,12 @@ void Add(const std::vector<Value>& values, FingerprintOfAll& all) {
 }  // namespace
 
 ConfigFingerprints FingerprintsOf(const SiteConfig& config) {
-  const auto& [endings, charset, stemming, images, linkTexts, dates, trustsFileDates, content,
-               contentRules, selectors, categories, languageCategories, recognisesLanguages, fields,
-               boosts, synonyms, recommended, recommendedFile, siteName, leavesOutRepeatedText,
-               nearDuplicates, habits, spelling, suggestions, mostSuggestions, extensions,
-               searchAddress, searchName, searchDescription, styleSheet, logging, logFile,
-               settings] = config;
+  const auto& [endings, charset, stemming, images, linkTexts, dates, trustsFileDates,
+               recognisesLanguages, languageCategories, leavesOutRepeatedText, nearDuplicates,
+               content, contentRules, selectors, categories, fields, boosts, synonyms, recommended,
+               recommendedFile, siteName, habits, spelling, suggestions, mostSuggestions,
+               extensions, searchAddress, searchName, searchDescription, styleSheet, logging,
+               logFile, settings] = config;
   FingerprintOfAll blocks;
   Add(charset, blocks);
   Add(stemming, blocks);
