@@ -66,11 +66,10 @@ bool SwitchExtensionsOn(const std::filesystem::path& directory) {
   const std::string former = ReadWholeFile(path);
   const auto settings = std::make_unique<Settings>();
   if (ReadSettings(*settings, former) != SettingsStatus::kOk) return false;
-  indexer::SiteSections sections;
-  sections.texts = "oneFirsttwo";
-  sections.sections = {{.token = 0, .page = 0, .text = 0, .anchorLength = 3, .headingLength = 5},
-                       {.token = 6, .page = 1, .text = 8, .anchorLength = 3},
-                       {.token = 9, .page = 1}};
+  indexer::SiteSections sections(directory);
+  sections.Add({.token = 0, .page = 0}, "one", "First");
+  sections.Add({.token = 6, .page = 1}, "two", {});
+  sections.AddEnd(9, 1);
   if (indexer::WriteSections(
           directory / kSectionsFileName, sections,
           {.generation = settings->LookupGeneration,
