@@ -153,6 +153,9 @@ _row("From one day to another",
 _row("From one second to another",
      "vela_query=flood&vela_ltimefrom=1754006400&vela_ltimeto=1756684799",
      finds=("/news/riverside-reopens.html", "/branches/riverside.html"))
+_row("It stays while turning and sorting",
+     "vela_query=flood&vela_ltimefrom=1754006400&vela_ltimeto=1756684799&vela_sort=1",
+     matches=(r'href="[^"]*vela_ltimefrom=1754006400&amp;vela_ltimeto=1756684799',))
 _row("A calendar to pick a day", "vela_query=chess&vela_datefrom=1%2F1%2F2025",
      shows=("displayDatePicker('vela_datefrom', false, 'dmy');", "window.displayDatePicker = ",
             'value="1/1/2025"'))
