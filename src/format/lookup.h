@@ -147,16 +147,23 @@ constexpr LookupKey FoldedLookupKeyOf(std::string_view text) {
   return LookupKeyOf({folded, length});
 }
 
-// What tells one file from another of its size: the checksum of the whole of a small one, of pieces
-// from the first to the last of a large one.
+// The pieces of a file that tell it from another of its size: the whole of a small one, and of a
+// large one kSamplePieces of kSamplePiece bytes from the first to the last.
+inline constexpr size_t kWholeSample = size_t{64} << 10;
+inline constexpr size_t kSamplePieces = 4;
+inline constexpr size_t kSamplePiece = 1024;
+
+// Where a piece of a large file of `size` bytes begins.
+constexpr size_t SamplePieceStart(size_t size, size_t piece) {
+  return (size - kSamplePiece) / (kSamplePieces - 1) * piece;
+}
+
+// The checksum of these pieces.
 inline uint64_t FileSample(std::string_view bytes) {
-  constexpr size_t kWhole = size_t{64} << 10;
-  constexpr size_t kPieces = 4;
-  constexpr size_t kPiece = 1024;
-  if (bytes.size() <= kWhole) return Checksum(bytes, 0);
+  if (bytes.size() <= kWholeSample) return Checksum(bytes, 0);
   uint64_t sum = bytes.size();
-  for (size_t i = 0; i < kPieces; ++i) {
-    sum = Checksum(bytes.substr((bytes.size() - kPiece) / (kPieces - 1) * i, kPiece), sum);
+  for (size_t i = 0; i < kSamplePieces; ++i) {
+    sum = Checksum(bytes.substr(SamplePieceStart(bytes.size(), i), kSamplePiece), sum);
   }
   return sum;
 }

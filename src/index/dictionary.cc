@@ -220,7 +220,8 @@ bool Dictionary::UseLookup(const Settings& settings, const LookupFile& lookup) {
       VariantBlockSize(settings) < 0 || VariantBlockSize(settings) > INT32_MAX ||
       header.variantBytes > static_cast<uint64_t>(VariantBlockSize(settings)) ||
       header.wordStarts.count != header.words || bytes_.size() > UINT32_MAX ||
-      !IsFileOf(header.dictionary, bytes_)) {
+      !(file_.isOpen() ? IsFileOf(header.dictionary, file_, bytes_.size())
+                       : IsFileOf(header.dictionary, bytes_))) {
     return false;
   }
   lookup_ = &lookup;

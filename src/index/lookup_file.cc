@@ -65,4 +65,16 @@ bool IsFileOf(const LookupFileFacts& facts, std::string_view bytes) {
   return facts.size != 0 && facts.size == bytes.size() && facts.sample == FileSample(bytes);
 }
 
+bool IsFileOf(const LookupFileFacts& facts, const FileImage& file, size_t size) {
+  if (facts.size == 0 || facts.size != size || size > file.bytes().size()) return false;
+  if (size <= kWholeSample) return IsFileOf(facts, file.bytes().substr(0, size));
+  uint64_t sum = size;
+  for (size_t i = 0; i < kSamplePieces; ++i) {
+    char piece[kSamplePiece];
+    if (!file.CopyTo(piece, SamplePieceStart(size, i), sizeof piece)) return false;
+    sum = Checksum({piece, sizeof piece}, sum);
+  }
+  return sum == facts.sample;
+}
+
 }  // namespace vela

@@ -58,5 +58,7 @@ class LookupFile {
 
 // Whether `bytes` are the file that the tables were made from.
 bool IsFileOf(const LookupFileFacts& facts, std::string_view bytes);
+// The same of the first `size` bytes of `file`; where it is mapped, its pieces are copied.
+bool IsFileOf(const LookupFileFacts& facts, const FileImage& file, size_t size);
 
 }  // namespace vela

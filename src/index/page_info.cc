@@ -54,7 +54,7 @@ bool UseLookup(PageTable& pages, const LookupFile& lookup) {
   if (pages.big || header.pageInfoLength < kSmallPageInfo.lengthWidth ||
       header.pages != static_cast<uint64_t>(pages.pageCount) ||
       header.pageInfoLength * header.pages != pages.image.size() ||
-      !IsFileOf(header.pageInfo, pages.image)) {
+      !IsFileOf(header.pageInfo, pages.file, pages.image.size())) {
     return false;
   }
   pages.recordLength = static_cast<size_t>(header.pageInfoLength);

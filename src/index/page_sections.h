@@ -6,12 +6,14 @@
 #include <string_view>
 
 #include "format/sections.h"
+#include "settings/file_pieces.h"
 #include "settings/index_directory.h"
 #include "settings/settings.h"
+#include "text/owned_array.h"
 
 namespace vela {
 
-// Both valid while the file is open.
+// Both valid until the next one is looked for.
 struct PageSection {
   std::string_view anchor;   // of an address, not encoded; anything may stand in it
   std::string_view heading;  // as stored; anything may stand in it
@@ -30,13 +32,15 @@ class SectionsFile {
   [[nodiscard]] bool Find(uint32_t page, uint64_t position, PageSection& section) const;
 
  private:
-  [[nodiscard]] bool Use(std::string_view bytes, int32_t generation, uint64_t pageTextSize);
-  SectionRecord RecordAt(uint64_t i) const;
+  [[nodiscard]] bool Use(int32_t generation, uint64_t pageTextSize);
+  bool FindRecord(uint64_t position, SectionRecord& record) const;
 
-  FileImage file_;
-  std::string_view records_;  // empty while closed
-  std::string_view texts_;
-  uint64_t count_ = 0;
+  FilePieces file_;
+  uint64_t count_ = 0;      // of records; 0 while closed
+  uint64_t textStart_ = 0;  // in the file
+  uint64_t textBytes_ = 0;
+  uint64_t pageTextSize_ = 0;
+  mutable OwnedArray<char> text_;  // of the section that was found last
 };
 
 }  // namespace vela

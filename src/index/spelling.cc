@@ -68,7 +68,8 @@ LoadStatus LoadSpelling(SpellingTable& table, const IndexDirectory& directory,
   table.most = wanted;
   const LookupHeader& header = lookup.header();
   if (lookup.isOpen() && header.spellings <= static_cast<uint64_t>(wanted) &&
-      table.lineLimit >= kLookupSpellingLine && IsFileOf(header.spelling, table.file.bytes())) {
+      table.lineLimit >= kLookupSpellingLine &&
+      IsFileOf(header.spelling, table.file, table.file.bytes().size())) {
     table.lookup = &lookup;
   }
   table.isLoaded = true;

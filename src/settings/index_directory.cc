@@ -61,7 +61,7 @@ bool FileImage::Take(int descriptor, size_t size, bool wholeSoon) {
     const int flags = MAP_PRIVATE | (wholeSoon ? MAP_POPULATE : 0);
     void* start = mmap(nullptr, size, PROT_READ, flags, descriptor, 0);
     if (start != MAP_FAILED) {
-      mapped_ = true;
+      descriptor_ = descriptor;
       bytes_ = {static_cast<const char*>(start), size};
       return true;
     }
@@ -71,10 +71,7 @@ bool FileImage::Take(int descriptor, size_t size, bool wholeSoon) {
   return true;
 }
 
-namespace {
-
-// A handle of a regular file of the directory, and its size; -1 when there is none.
-int OpenRegular(const IndexDirectory& directory, const char* name, size_t& size) {
+int OpenRegularFile(const IndexDirectory& directory, const char* name, size_t& size) {
   if (directory.descriptor < 0) return -1;
   // Without O_NONBLOCK a pipe in a file's place would keep the request waiting.
   const int descriptor =
@@ -89,25 +86,38 @@ int OpenRegular(const IndexDirectory& directory, const char* name, size_t& size)
   return descriptor;
 }
 
-}  // namespace
-
 bool FileImage::Open(const IndexDirectory& directory, const char* name, bool wholeSoon) {
   Close();
   size_t size = 0;
-  const int descriptor = OpenRegular(directory, name, size);
+  const int descriptor = OpenRegularFile(directory, name, size);
   if (descriptor < 0) return false;
   open_ = true;
   if (size > 0) open_ = Take(descriptor, size, wholeSoon);
-  close(descriptor);
+  if (descriptor_ < 0) close(descriptor);
   return open_;
 }
 
 void FileImage::Close() {
-  if (mapped_) munmap(const_cast<char*>(bytes_.data()), bytes_.size());
+  if (descriptor_ >= 0) {
+    munmap(const_cast<char*>(bytes_.data()), bytes_.size());
+    close(descriptor_);
+  }
   copy_.Release();
   bytes_ = {};
-  mapped_ = false;
+  descriptor_ = -1;
   open_ = false;
+}
+
+bool FileImage::CopyTo(char* to, size_t offset, size_t size) const {
+  if (descriptor_ < 0) {
+    bytes_.copy(to, size, offset);
+    return true;
+  }
+  ssize_t got = -1;
+  do {
+    got = pread(descriptor_, to, size, static_cast<off_t>(offset));
+  } while (got < 0 && errno == EINTR);
+  return got == static_cast<ssize_t>(size);
 }
 
 FileStretches::~FileStretches() {
@@ -119,7 +129,7 @@ std::string_view FileStretches::Read(uint64_t begin, uint64_t end) {
   if (!isOpened_) {
     isOpened_ = true;
     size_t size = 0;
-    if (bytes_.TryAllocate(kLimit)) descriptor_ = OpenRegular(directory_, name_, size);
+    if (bytes_.TryAllocate(kLimit)) descriptor_ = OpenRegularFile(directory_, name_, size);
   }
   if (descriptor_ < 0) return {};
   const auto wanted = static_cast<size_t>(end - begin);

@@ -31,6 +31,10 @@ struct IndexDirectory {
 void OpenIndexDirectory(IndexDirectory& directory, std::string_view path);
 void CloseIndexDirectory(IndexDirectory& directory);
 
+// A handle, for the caller to close, of a regular file of the directory, and its size; -1 when
+// there is none, as of a directory or a pipe.
+int OpenRegularFile(const IndexDirectory& directory, const char* name, size_t& size);
+
 // A whole file, mapped where that can be and read otherwise. Owns its memory.
 class FileImage {
  public:
@@ -48,12 +52,16 @@ class FileImage {
   bool isOpen() const { return open_; }
   std::string_view bytes() const { return bytes_; }
 
+  // Copies `size` bytes from `offset` on, which the file has, to `to`, without bringing the file's
+  // memory in. False where they cannot be read.
+  [[nodiscard]] bool CopyTo(char* to, size_t offset, size_t size) const;
+
  private:
   // Brings in the `size` bytes, at least 1, of a file. False when that cannot be.
   bool Take(int descriptor, size_t size, bool wholeSoon);
 
   bool open_ = false;
-  bool mapped_ = false;
+  int descriptor_ = -1;  // of a file that is mapped
   std::string_view bytes_;
   OwnedArray<char> copy_;  // where the file is not mapped
 };

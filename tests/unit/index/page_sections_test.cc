@@ -67,6 +67,64 @@ TEST(SectionsFile, Table) {
   }
 }
 
+// A record for each of the positions, in ascending order.
+std::string FileWith(const std::vector<uint64_t>& positions, uint64_t pageTextSize) {
+  std::string records;
+  std::string texts;
+  for (const uint64_t position : positions) {
+    const std::string anchor = std::to_string(position);
+    records += BytesOf(SectionRecord{.position = position,
+                                     .text = static_cast<uint32_t>(texts.size()),
+                                     .anchorLength = static_cast<uint16_t>(anchor.size())});
+    texts += anchor;
+  }
+  return BytesOf(SectionsHeader{.generation = kGeneration,
+                                .pageTextSize = pageTextSize,
+                                .count = positions.size(),
+                                .textBytes = texts.size()}) +
+         records + texts;
+}
+
+TEST(SectionsFile, TheSectionIsFoundHoweverTheyAreSpread) {
+  std::vector<uint64_t> even;
+  std::vector<uint64_t> early;  // all but one in the first hundredth of the text
+  std::vector<uint64_t> growing;
+  for (uint64_t i = 1; i <= 3000; ++i) {
+    even.push_back(i * 40);
+    early.push_back(i * 3);
+    growing.push_back(i * i);
+  }
+  early.push_back(900'000);
+  for (const std::vector<uint64_t>& positions : {even, early, growing}) {
+    const uint64_t pageTextSize = 10'000'000;
+    const std::string file = FileWith(positions, pageTextSize);
+    SectionsFile sections;
+    sections.Open(file, kGeneration, pageTextSize);
+    PageSection section;
+    EXPECT_FALSE(sections.Find(0, positions[0] - 1, section));
+    for (size_t i = 0; i < positions.size(); ++i) {
+      const std::string expected = std::to_string(positions[i]);
+      ASSERT_TRUE(sections.Find(0, positions[i], section)) << i;
+      EXPECT_EQ(section.anchor, expected);
+      const uint64_t last = i + 1 < positions.size() ? positions[i + 1] - 1 : UINT64_MAX;
+      ASSERT_TRUE(sections.Find(0, last, section)) << i;
+      EXPECT_EQ(section.anchor, expected);
+    }
+  }
+}
+
+TEST(SectionsFile, PlacesInDisorderEndTheSearch) {
+  std::vector<uint64_t> positions(1000, 0);
+  for (size_t i = 0; i < positions.size(); ++i) positions[i] = i % 3 == 0 ? UINT64_MAX : 7 * i % 90;
+  const std::string file = FileWith(positions, 400);
+  SectionsFile sections;
+  sections.Open(file, kGeneration, 400);
+  PageSection section;
+  for (uint64_t position = 0; position < 400; ++position) {
+    (void)sections.Find(0, position, section);
+  }
+}
+
 TEST(SectionsFile, IsNotUsedForAnotherIndex) {
   EXPECT_EQ(Found(File(), 1, 80, 8), "none");
   EXPECT_EQ(Found(File(), 1, 80, 0), "none");

@@ -48,6 +48,22 @@ TEST(IndexDirectory, OpensAWholeFile) {
   }
 }
 
+TEST(IndexDirectory, PiecesAreCopiedFromFilesOfAnySize) {
+  const support::ScratchDirectory scratch;
+  IndexDirectory directory;
+  OpenIndexDirectory(directory, scratch.path().string());
+  for (const size_t size : {size_t{10}, size_t{100000}}) {
+    WriteFile(scratch.path() / "file", std::string(size - 4, 'x') + "last");
+    for (const bool wholeSoon : {false, true}) {
+      FileImage file;
+      ASSERT_TRUE(file.Open(directory, "file", wholeSoon));
+      char piece[6] = {};
+      EXPECT_TRUE(file.CopyTo(piece, size - 5, 5));
+      EXPECT_STREQ(piece, "xlast");
+    }
+  }
+}
+
 TEST(IndexDirectory, WhatIsNoFileCannotBeOpened) {
   const support::ScratchDirectory scratch;
   std::filesystem::create_directory(scratch.path() / "directory");
