@@ -6,6 +6,7 @@
 #include <charconv>
 #include <ctime>
 #include <set>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -42,7 +43,7 @@ struct Job {
   uint64_t attempts = 0;
 };
 
-using Place = std::pair<uint32_t, std::string>;  // depth, address
+using Place = std::tuple<uint32_t, std::string, StoredKind>;  // depth, address, kind
 
 struct Server {
   enum class Rules : uint8_t { kUnknown, kAsked, kKnown };
@@ -179,7 +180,7 @@ void Crawler::Enqueue(WaitingAddress waiting) {
   if (server.authority.empty()) {
     server.authority = waiting.found.origin.substr(waiting.found.origin.find("://") + 3);
   }
-  Place place(waiting.found.depth, waiting.found.address);
+  Place place(waiting.found.depth, waiting.found.address, waiting.found.kind);
   server.queue.insert_or_assign(std::move(place), Job{.waiting = std::move(waiting)});
   ++waiting_;
 }
@@ -208,7 +209,7 @@ void Crawler::Seed() {
 uint32_t Crawler::Level() const {
   uint32_t level = UINT32_MAX;
   for (const auto& [origin, server] : servers_) {
-    if (!server.queue.empty()) level = std::min(level, server.queue.begin()->first.first);
+    if (!server.queue.empty()) level = std::min(level, std::get<0>(server.queue.begin()->first));
   }
   for (const auto& [id, job] : underWay_) {
     if (job.attempts == 0) level = std::min(level, job.waiting.found.depth);
@@ -260,7 +261,8 @@ bool Crawler::StartNext(Server& server, uint32_t level) {
   const Clock::time_point now = Clock::now();
   if (now < server.next || (server.queue.empty() && server.retries.empty())) return false;
   const bool isRetry = !server.retries.empty() && server.retries.begin()->first <= now;
-  if (!isRetry && (server.queue.empty() || server.queue.begin()->first.first > level)) return false;
+  if (!isRetry && (server.queue.empty() || std::get<0>(server.queue.begin()->first) > level))
+    return false;
   const double delay = server.robots.delay;
   const uint64_t most = delay > 0 ? 1 : plan_.connections;
   if (server.underWay >= most || server.rulesState == Server::Rules::kAsked) return false;

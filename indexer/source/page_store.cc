@@ -8,7 +8,7 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr int64_t kFormat = 1;
+constexpr int64_t kFormat = 2;
 constexpr DatabaseWords kWords = {.holds = "the pages that were fetched",
                                   .afterLoss = "fetch all pages anew"};
 
@@ -16,7 +16,7 @@ constexpr char kSchema[] = R"(
 CREATE TABLE IF NOT EXISTS state (name TEXT PRIMARY KEY, value) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS page (
   id INTEGER PRIMARY KEY,
-  address TEXT NOT NULL UNIQUE,
+  address TEXT NOT NULL,
   origin TEXT NOT NULL,
   kind INTEGER NOT NULL,
   depth INTEGER NOT NULL,
@@ -30,10 +30,16 @@ CREATE TABLE IF NOT EXISTS page (
   etag TEXT NOT NULL DEFAULT '',
   last_modified TEXT NOT NULL DEFAULT '',
   modified INTEGER NOT NULL DEFAULT 0,
-  no_follow INTEGER NOT NULL DEFAULT 0);
+  no_follow INTEGER NOT NULL DEFAULT 0,
+  UNIQUE (address, kind));
 CREATE INDEX IF NOT EXISTS waiting ON page (depth, address) WHERE settled < found;
 CREATE TABLE IF NOT EXISTS content (id INTEGER PRIMARY KEY, bytes BLOB NOT NULL);
 )";
+
+// In form 1 an address was a page or a sitemap and not both.
+constexpr char kFromForm1[] = "ALTER TABLE page RENAME TO former_page; DROP INDEX waiting;";
+constexpr char kTakeFormer[] =
+    "INSERT INTO page SELECT * FROM former_page; DROP TABLE former_page;";
 
 int64_t StateNumber(Database& database, std::string_view name) {
   Query query(database, "SELECT value FROM state WHERE name = ?");
@@ -75,6 +81,11 @@ PageStore::PageStore(std::filesystem::path file) : file_(std::move(file)) {
                          "to fetch all pages anew.");
   }
   Begin();
+  if (format == 1) {
+    database_->Run(kFromForm1);
+    database_->Run(kSchema);
+    database_->Run(kTakeFormer);
+  }
   SetState(*database_, "format", kFormat);
   Commit();
 }
@@ -127,11 +138,12 @@ void PageStore::FinishPass() {
 
 std::optional<WaitingAddress> PageStore::AddFound(const FoundAddress& found) {
   Begin();
-  // A page that turns out to be a sitemap as well, or the other way, stays what it was found as.
+  // What is a page and a sitemap as well is asked for as each: a server may send whoever asks for
+  // anything to its first page.
   Query query(*database_,
               "INSERT INTO page (address, origin, kind, depth, hops, found)"
               " VALUES (?, ?, ?, ?, ?, ?)"
-              " ON CONFLICT (address) DO UPDATE SET origin = excluded.origin, kind = excluded.kind,"
+              " ON CONFLICT (address, kind) DO UPDATE SET origin = excluded.origin,"
               " depth = excluded.depth, hops = excluded.hops, found = excluded.found"
               " WHERE page.found < excluded.found"
               " RETURNING " VELA_WAITING_COLUMNS);
@@ -254,7 +266,7 @@ Reason PageStore::Read(std::string_view address, uint64_t limit, FileContent& co
     if (reader == nullptr) reader = std::make_unique<Database>(file_, false, kWords);
     Query query(*reader,
                 "SELECT bytes, modified, charset FROM page JOIN content USING (id)"
-                " WHERE address = ?");
+                " WHERE address = ? AND kind = 0");
     if (!query.Bind(address).Next()) {
       reason = Reason::kFileNotFound;
     } else if (query.Size(0) > limit) {

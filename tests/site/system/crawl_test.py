@@ -673,6 +673,22 @@ class Redirected(unittest.TestCase):
         self.assertEqual(other.asked, [])
 
 
+    def test_a_server_may_lead_everything_to_its_first_page(self):
+        # Whichever of them comes first, the sitemap or the page.
+        for slow in ("/", "/sitemap.xml"):
+            with self.subTest(slow=slow):
+                def lead(request, slow=slow):
+                    if request.path == slow:
+                        time.sleep(0.5)
+                    return redirect("/home")(request)
+
+                server = Server({"/home": page("home", "/a"), "/a": page("a"), "*": lead})
+                self.addCleanup(server.close)
+                crawl = Crawl("all_lead_home", f'start = ["{server.origin}/"]\n' + QUICK)
+                crawl.run()
+                self.assertEqual(crawl.pages(), ["/a", "/home"])
+
+
 class Secure(unittest.TestCase):
     """A server with a certificate of its own making."""
 

@@ -1,6 +1,7 @@
 #include "indexer/source/page_store.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <thread>
@@ -118,6 +119,66 @@ TEST_F(PageStoreTest, ASecondPassKeepsWhatItFindsUnchanged) {
   FileContent content;
   EXPECT_EQ(source.Read(listing.items[0], content), Reason::kNone);
   EXPECT_EQ(content.bytes, "changed");
+}
+
+TEST_F(PageStoreTest, AnAddressMayBeAPageAndASitemap) {
+  PageStore store(file);
+  store.BeginPass("rules");
+  FoundAddress sitemap = Found("/");
+  sitemap.kind = StoredKind::kSitemap;
+  const std::optional<WaitingAddress> asSitemap = store.AddFound(sitemap);
+  const std::optional<WaitingAddress> asPage = store.AddFound(Found("/"));
+  ASSERT_TRUE(asSitemap.has_value());
+  ASSERT_TRUE(asPage.has_value());
+  store.SettlePage(asPage->id, Html("home"));
+  store.SettleSitemap(asSitemap->id, Html("<urlset>"));
+  store.FinishPass();
+  ASSERT_EQ(store.List().size(), 1u);
+  FileContent content;
+  EXPECT_EQ(store.Read("https://x.example/", 10, content), Reason::kNone);
+  EXPECT_EQ(content.bytes, "home");
+}
+
+TEST_F(PageStoreTest, TakesOverWhatWasKeptInTheFormerForm) {
+  {
+    PageStore store(file);
+    store.BeginPass("rules");
+    store.SettlePage(store.AddFound(Found("/a"))->id, Html("a"));
+    store.FinishPass();
+  }
+  sqlite3* handle = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &handle), SQLITE_OK);
+  // The table as it was: an address once.
+  EXPECT_EQ(sqlite3_exec(handle,
+                         "DROP INDEX waiting; ALTER TABLE page RENAME TO now;"
+                         "CREATE TABLE page (id INTEGER PRIMARY KEY, address TEXT NOT NULL UNIQUE,"
+                         " origin TEXT NOT NULL, kind INTEGER NOT NULL, depth INTEGER NOT NULL,"
+                         " hops INTEGER NOT NULL, found INTEGER NOT NULL,"
+                         " settled INTEGER NOT NULL DEFAULT 0, outcome INTEGER NOT NULL DEFAULT 0,"
+                         " reason TEXT NOT NULL DEFAULT '', media_type TEXT NOT NULL DEFAULT '',"
+                         " charset TEXT NOT NULL DEFAULT '', etag TEXT NOT NULL DEFAULT '',"
+                         " last_modified TEXT NOT NULL DEFAULT '',"
+                         " modified INTEGER NOT NULL DEFAULT 0,"
+                         " no_follow INTEGER NOT NULL DEFAULT 0);"
+                         "CREATE INDEX waiting ON page (depth, address) WHERE settled < found;"
+                         "INSERT INTO page SELECT * FROM now; DROP TABLE now;"
+                         "UPDATE state SET value = 1 WHERE name = 'format'",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK)
+      << sqlite3_errmsg(handle);
+  sqlite3_close(handle);
+  for (int run = 0; run < 2; ++run) {
+    PageStore store(file);
+    ASSERT_EQ(store.List().size(), 1u);
+    FileContent content;
+    EXPECT_EQ(store.Read("https://x.example/a", 10, content), Reason::kNone);
+    EXPECT_EQ(content.bytes, "a");
+    store.BeginPass("rules");
+    EXPECT_EQ(store.AddFound(Found("/a"))->etag, "\"1\"");
+    PageAnswer answer;
+    EXPECT_TRUE(store.SettleUnchanged(1, answer));
+    store.FinishPass();
+  }
 }
 
 TEST_F(PageStoreTest, IsReadByManyThreads) {
