@@ -278,6 +278,8 @@ _row("A log of what was searched for", "vela_query=say+%22hi%22&vela_cat%5B%5D=2
 # Switched off in the demo.
 _row("Word stems", "vela_query=renewed",
      finds=("/index.html", "/membership/loans.html", "/news/fines-abolished.html"))
+_row("Offers as the index has its words", "vela_query=geneology&vela_literal=1", finds=(),
+     matches=(r">genealog<",))
 _row("Words inside longer words", "vela_query=brella",
      matches=(r"(?s)/events/book-club\.html", r"(?s)/history/timeline\.txt"))
 _row("All words unless asked otherwise", "vela_query=telescopes+roof",
