@@ -64,6 +64,8 @@ _row("A question", "vela_query=what+is+a+telescope%3F", finds=("/branches/rivers
 _row("Hyphens in front", "vela_query=--telescope", finds=("/branches/riverside.html",))
 _row("What to leave out, and no more", "vela_query=-library", finds=(),
      shows=("This search only says what to leave out. Please add a word to look for.",))
+_row("Languages without blanks", "vela_query=%E5%88%A9%E7%94%A8%E6%A1%88%E5%86%85",
+     finds=("/events/language-cafe.html",), shows=(_mark("利用案内"),))
 _row("A word's other forms", "vela_query=renewal",
      finds=("/index.html", "/membership/loans.html", "/news/fines-abolished.html"))
 _row("In a part of the site", "vela_query=flood+site:news",
