@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "format/page_text.h"
-#include "settings/index_directory.h"
+#include "settings/file_pieces.h"
 
 namespace vela {
 

@@ -20,6 +20,7 @@
 #include "search/stop_words.h"
 #include "search/suggestions.h"
 #include "search/term_search.h"
+#include "settings/file_pieces.h"
 
 namespace vela {
 

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstring>
 
 namespace vela {
@@ -35,16 +34,19 @@ bool FilePieces::Read(uint64_t offset, size_t size, void* to) const {
     memcpy(to, bytes_ + offset, size);
     return true;
   }
-  auto* place = static_cast<char*>(to);
-  while (size != 0) {
-    const ssize_t got = pread(descriptor_, place, size, static_cast<off_t>(offset));
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) return false;
-    place += got;
-    offset += static_cast<uint64_t>(got);
-    size -= static_cast<size_t>(got);
+  return ReadFileAt(descriptor_, offset, size, static_cast<char*>(to)) ==
+         static_cast<ssize_t>(size);
+}
+
+std::string_view FileStretches::Read(uint64_t begin, uint64_t end) {
+  if (begin >= end || end - begin > kLimit) return {};
+  if (!isOpened_) {
+    isOpened_ = true;
+    if (!bytes_.TryAllocate(kLimit) || !file_.Open(directory_, name_)) file_.Close();
   }
-  return true;
+  const auto size = static_cast<size_t>(end - begin);
+  if (!file_.Read(begin, size, bytes_.data())) return {};
+  return {bytes_.data(), size};
 }
 
 }  // namespace vela

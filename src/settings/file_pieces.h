@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "settings/index_directory.h"
+#include "text/owned_array.h"
 
 namespace vela {
 
@@ -36,6 +37,27 @@ class FilePieces {
   int descriptor_ = -1;
   const char* bytes_ = nullptr;  // where it is in memory
   uint64_t size_ = 0;
+};
+
+// Hands out stretches of a file, one after the other.
+class FileStretches {
+ public:
+  // `directory` and `name` must outlive it. The file is opened when the first stretch is read.
+  FileStretches(const IndexDirectory& directory, const char* name)
+      : directory_(directory), name_(name) {}
+
+  static constexpr uint64_t kLimit = uint64_t{64} << 10;  // bytes of a stretch
+
+  // The bytes from `begin` to `end`, valid until the next call. Empty where they cannot be had, or
+  // are more than kLimit.
+  std::string_view Read(uint64_t begin, uint64_t end);
+
+ private:
+  const IndexDirectory& directory_;
+  const char* name_;
+  bool isOpened_ = false;  // or has failed to
+  FilePieces file_;
+  OwnedArray<char> bytes_;
 };
 
 }  // namespace vela

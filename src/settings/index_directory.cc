@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "format/index_directory.h"
@@ -34,21 +35,27 @@ void CloseIndexDirectory(IndexDirectory& directory) {
   directory.descriptor = -1;
 }
 
+ssize_t ReadFileAt(int descriptor, uint64_t offset, size_t size, char* to) {
+  size_t filled = 0;
+  while (filled < size) {
+    const ssize_t got =
+        pread(descriptor, to + filled, size - filled, static_cast<off_t>(offset + filled));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return -1;
+    if (got == 0) break;
+    filled += static_cast<size_t>(got);
+  }
+  return static_cast<ssize_t>(filled);
+}
+
 namespace {
 
 // Reads up to `size` bytes from the descriptor's start; false when memory or the reading fails.
 bool ReadWhole(int descriptor, size_t size, OwnedArray<char>& copy, size_t& filled) {
-  filled = 0;
   if (!copy.TryAllocate(size)) return false;
-  while (filled < size) {
-    const ssize_t got =
-        pread(descriptor, copy.data() + filled, size - filled, static_cast<off_t>(filled));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return false;
-    if (got == 0) break;
-    filled += static_cast<size_t>(got);
-  }
-  return true;
+  const ssize_t got = ReadFileAt(descriptor, 0, size, copy.data());
+  filled = static_cast<size_t>(std::max<ssize_t>(got, 0));
+  return got >= 0;
 }
 
 }  // namespace
@@ -113,29 +120,7 @@ bool FileImage::CopyTo(char* to, size_t offset, size_t size) const {
     bytes_.copy(to, size, offset);
     return true;
   }
-  ssize_t got = -1;
-  do {
-    got = pread(descriptor_, to, size, static_cast<off_t>(offset));
-  } while (got < 0 && errno == EINTR);
-  return got == static_cast<ssize_t>(size);
-}
-
-FileStretches::~FileStretches() {
-  if (descriptor_ >= 0) close(descriptor_);
-}
-
-std::string_view FileStretches::Read(uint64_t begin, uint64_t end) {
-  if (begin >= end || end - begin > kLimit || end > INT64_MAX) return {};
-  if (!isOpened_) {
-    isOpened_ = true;
-    size_t size = 0;
-    if (bytes_.TryAllocate(kLimit)) descriptor_ = OpenRegularFile(directory_, name_, size);
-  }
-  if (descriptor_ < 0) return {};
-  const auto wanted = static_cast<size_t>(end - begin);
-  const ssize_t got = pread(descriptor_, bytes_.data(), wanted, static_cast<off_t>(begin));
-  if (got != static_cast<ssize_t>(wanted)) return {};
-  return {bytes_.data(), wanted};
+  return ReadFileAt(descriptor_, offset, size, to) == static_cast<ssize_t>(size);
 }
 
 bool ReadLine(LineReader& reader, size_t limit, std::string_view& line) {

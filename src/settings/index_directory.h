@@ -6,6 +6,8 @@
 // of the present one.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -34,6 +36,10 @@ void CloseIndexDirectory(IndexDirectory& directory);
 // A handle, for the caller to close, of a regular file of the directory, and its size; -1 when
 // there is none, as of a directory or a pipe.
 int OpenRegularFile(const IndexDirectory& directory, const char* name, size_t& size);
+
+// Copies up to `size` bytes of the file from `offset` on to `to`. Returns how many: fewer where it
+// ends before, and -1 where it cannot be read.
+ssize_t ReadFileAt(int descriptor, uint64_t offset, size_t size, char* to);
 
 // A whole file, mapped where that can be and read otherwise. Owns its memory.
 class FileImage {
@@ -64,31 +70,6 @@ class FileImage {
   int descriptor_ = -1;  // of a file that is mapped
   std::string_view bytes_;
   OwnedArray<char> copy_;  // where the file is not mapped
-};
-
-// Copies stretches of a file: to map memory and to let go of it costs several times what copying it
-// does, so that this is how little is read here and there.
-class FileStretches {
- public:
-  // `directory` and `name` must outlive it. The file is opened when the first stretch is read.
-  FileStretches(const IndexDirectory& directory, const char* name)
-      : directory_(directory), name_(name) {}
-  FileStretches(const FileStretches&) = delete;
-  FileStretches& operator=(const FileStretches&) = delete;
-  ~FileStretches();
-
-  static constexpr uint64_t kLimit = uint64_t{64} << 10;  // bytes of a stretch
-
-  // The bytes from `begin` to `end`, valid until the next call. Empty where they cannot be had, or
-  // are more than kLimit.
-  std::string_view Read(uint64_t begin, uint64_t end);
-
- private:
-  const IndexDirectory& directory_;
-  const char* name_;
-  bool isOpened_ = false;  // or has failed to
-  int descriptor_ = -1;
-  OwnedArray<char> bytes_;
 };
 
 // Hands out a text the way a line-oriented read with a buffer of fixed size does.

@@ -58,5 +58,30 @@ TEST(FilePieces, AFileThatHasBecomeShorterIsNotRead) {
   EXPECT_EQ(Piece(file, 3, 4), "none");
 }
 
+TEST(FileStretches, WhatLiesInTheFileIsRead) {
+  const support::ScratchDirectory scratch;
+  const std::string large(100000, 'x');
+  std::ofstream(scratch.path() / "file") << "abcdef" + large;
+  std::filesystem::create_directory(scratch.path() / "directory");
+  IndexDirectory directory;
+  OpenIndexDirectory(directory, scratch.path().string());
+  FileStretches file(directory, "file");
+  EXPECT_EQ(file.Read(1, 4), "bcd");
+  EXPECT_EQ(file.Read(0, 2), "ab");
+  EXPECT_EQ(file.Read(4, 100), "ef" + large.substr(0, 94));
+  EXPECT_EQ(file.Read(6, 6 + FileStretches::kLimit).size(), FileStretches::kLimit);
+  EXPECT_EQ(file.Read(6, 7 + FileStretches::kLimit), "") << "too long";
+  EXPECT_EQ(file.Read(100000, 100007), "") << "reaches beyond the end";
+  EXPECT_EQ(file.Read(200000, 200001), "");
+  EXPECT_EQ(file.Read(3, 3), "");
+  EXPECT_EQ(file.Read(4, 3), "");
+  EXPECT_EQ(file.Read(UINT64_MAX - 1, UINT64_MAX), "");
+  for (const char* name : {"directory", "missing"}) {
+    FileStretches none(directory, name);
+    EXPECT_EQ(none.Read(0, 1), "") << name;
+    EXPECT_EQ(none.Read(0, 1), "") << name;
+  }
+}
+
 }  // namespace
 }  // namespace vela
