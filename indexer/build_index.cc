@@ -111,13 +111,42 @@ struct SitePages {
   PageEntry entry;  // of the page that joined last
 };
 
-// How the pages of the site are read, by all threads alike.
-struct PageReading {
+// What a run that reads pages has of them all; the referenced objects outlive the reading.
+struct ReadingInput {
   const Source& source;
   const std::vector<SourceItem>& items;
-  PageWishes wishes;
-  ReadingLimits limits;
-  BlockInput blocks;
+  const std::string& base;
+  const SiteConfig& config;
+  const IndexCharset& charset;
+  const volatile std::sig_atomic_t& stop;
+  const MemoryPlan& memory;
+};
+
+// How the pages of the site are read, by all threads alike.
+struct PageReading {
+  explicit PageReading(const ReadingInput& input)
+      : source(input.source),
+        items(input.items),
+        content(input.config, input.base),
+        wishes{.images = input.config.images,
+               .recognisesLanguages = input.config.recognisesLanguages,
+               .dates = input.config.dates,
+               .documents = &documents,
+               .content = &content},
+        limits{.stop = &input.stop},
+        blocks{.base = input.base,
+               .config = input.config,
+               .charset = input.charset,
+               .stop = &input.stop,
+               .memory = input.memory.known} {}
+
+  const Source& source;
+  const std::vector<SourceItem>& items;
+  DocumentReaders documents;
+  const ContentChoices content;
+  const PageWishes wishes;
+  const ReadingLimits limits;
+  const BlockInput blocks;
   std::mutex largePages;               // held by the thread that is busy with one
   LinkCheck* links = nullptr;          // not owned; null: links are not checked
   PageState* state = nullptr;          // not owned; null: nothing is kept from run to run
@@ -267,7 +296,6 @@ void ForEachItem(PageReading& reading, unsigned jobs, size_t waitingBytes, const
 }
 
 void ReadPages(const Source& source, SiteListing& listing, Run& run, SitePages& pages) {
-  const SiteConfig& config = run.options.config;
   const std::vector<SourceItem>& items = listing.items;
   run.report.AddListing(listing);
   std::optional<LinkCheck> links;
@@ -279,25 +307,16 @@ void ReadPages(const Source& source, SiteListing& listing, Run& run, SitePages& 
   std::ranges::move(listing.unused, std::back_inserter(run.summary.warnings));
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
   run.progress.Begin("Reading pages", items.size());
-  DocumentReaders documents;
-  const ContentChoices content(config, run.base);
-  PageReading reading = {.source = source,
-                         .items = items,
-                         .wishes = {.images = config.images,
-                                    .recognisesLanguages = config.recognisesLanguages,
-                                    .dates = config.dates,
-                                    .documents = &documents,
-                                    .content = &content},
-                         .limits = {.stop = &run.stop},
-                         .blocks = {.base = run.base,
-                                    .config = config,
-                                    .charset = run.charset,
-                                    .stop = &run.stop,
-                                    .memory = run.memory.known},
-                         .largePages = {},
-                         .links = links.has_value() ? &*links : nullptr,
-                         .state = run.state,
-                         .parts = run.parts};
+  PageReading reading({.source = source,
+                       .items = items,
+                       .base = run.base,
+                       .config = run.options.config,
+                       .charset = run.charset,
+                       .stop = run.stop,
+                       .memory = run.memory});
+  reading.links = links.has_value() ? &*links : nullptr;
+  reading.state = run.state;
+  reading.parts = run.parts;
   ForEachItem(reading, Jobs(run.options), run.memory.waiting,
               [&](size_t item, Reason reason, const PageBlock& block) {
                 run.mayDiffer = run.mayDiffer || IsPassing(reason);
@@ -556,25 +575,15 @@ IndexSummary BuildPart(const Options& given, Progress& progress,
   notes.listing = std::move(listing);
   const std::unique_ptr<PageState> state = OpenPageState(options, opened, items);
   progress.Begin("Reading pages", items.size());
-  DocumentReaders documents;
-  const SiteConfig& config = options.config;
-  const ContentChoices content(config, opened.base);
   const MemoryPlan memory = PlanMemory(options.memoryMegabytes * kMegabyte, Jobs(options));
-  PageReading reading = {.source = *opened.source,
-                         .items = items,
-                         .wishes = {.images = config.images,
-                                    .recognisesLanguages = config.recognisesLanguages,
-                                    .dates = config.dates,
-                                    .documents = &documents,
-                                    .content = &content},
-                         .limits = {.stop = &stop},
-                         .blocks = {.base = opened.base,
-                                    .config = config,
-                                    .charset = charset,
-                                    .stop = &stop,
-                                    .memory = memory.known},
-                         .largePages = {},
-                         .state = state.get()};
+  PageReading reading({.source = *opened.source,
+                       .items = items,
+                       .base = opened.base,
+                       .config = options.config,
+                       .charset = charset,
+                       .stop = stop,
+                       .memory = memory});
+  reading.state = state.get();
   ForEachItem(reading, Jobs(options), memory.waiting,
               [&](size_t item, Reason reason, const PageBlock& block) {
                 CheckStop(stop);
