@@ -290,4 +290,18 @@ OpenedSource OpenSource(const Options& options, const std::string& base,
   return OpenCrawl(opening, {.pages = std::move(lines), .sitemaps = {}, .followsLinks = false});
 }
 
+SiteSource OpenSite(const Options& options, const std::string& base, const fs::path& indexFolder,
+                    Progress& progress, const volatile std::sig_atomic_t& stop) {
+  SiteSource site;
+  if (options.merge.empty()) {
+    site.opened = OpenSource(options, base, indexFolder, progress, stop);
+    return site;
+  }
+  auto parts = std::make_unique<MergedParts>(options.merge);
+  site.parts = parts.get();
+  site.opened.source = std::move(parts);
+  site.opened.base = base;
+  return site;
+}
+
 }  // namespace vela::indexer

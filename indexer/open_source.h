@@ -11,6 +11,7 @@
 #include "indexer/report/progress.h"
 #include "indexer/report/reason.h"
 #include "indexer/source/source.h"
+#include "indexer/state/merged_parts.h"
 #include "indexer/state/state_folder.h"
 
 namespace vela::indexer {
@@ -27,5 +28,16 @@ struct OpenedSource {
 OpenedSource OpenSource(const Options& options, const std::string& base,
                         const std::filesystem::path& indexFolder, Progress& progress,
                         const volatile std::sig_atomic_t& stop);
+
+// The source of a run that reads the site, or of one that merges its parts.
+struct SiteSource {
+  OpenedSource opened;
+  const MergedParts* parts = nullptr;  // opened.source, where it is that
+};
+
+// Opens the source of `options`: OpenSource, unless parts are merged.
+SiteSource OpenSite(const Options& options, const std::string& base,
+                    const std::filesystem::path& indexFolder, Progress& progress,
+                    const volatile std::sig_atomic_t& stop);
 
 }  // namespace vela::indexer

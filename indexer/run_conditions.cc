@@ -1,11 +1,28 @@
 #include "indexer/run_conditions.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdint>
 #include <thread>
 
 #include "indexer/report/index_error.h"
 
 namespace vela::indexer {
+
+namespace {
+
+constexpr uint64_t kMegabyte = uint64_t{1} << 20;
+
+}  // namespace
+
+unsigned JobsOf(const Options& options) {
+  const auto wanted = static_cast<unsigned>(options.jobs);
+  return wanted != 0 ? wanted : std::max(1U, std::thread::hardware_concurrency());
+}
+
+MemoryPlan MemoryOf(const Options& options) {
+  return PlanMemory(options.memoryMegabytes * kMegabyte, JobsOf(options));
+}
 
 void CheckStop(const volatile std::sig_atomic_t& stop) {
   if (stop != 0) {

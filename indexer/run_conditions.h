@@ -1,13 +1,19 @@
-// run_conditions.h: when a run may write the index, and when it ends before its end.
+// run_conditions.h: with what a run works, when it may write the index, and when it ends early.
 #pragma once
 
 #include <csignal>
 
 #include "indexer/config/options.h"
+#include "indexer/memory_plan.h"
 #include "indexer/publish/index_place.h"
 #include "indexer/report/progress.h"
 
 namespace vela::indexer {
+
+// The threads that read pages.
+unsigned JobsOf(const Options& options);
+
+MemoryPlan MemoryOf(const Options& options);
 
 // Throws IndexError, kInterrupted, once `stop` is set from outside (a signal).
 void CheckStop(const volatile std::sig_atomic_t& stop);

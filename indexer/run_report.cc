@@ -7,6 +7,7 @@
 
 #include "indexer/extract/character_references.h"
 #include "indexer/report/json_text.h"
+#include "indexer/report/report_text.h"
 #include "indexer/site/address.h"
 #include "indexer/source/file_endings.h"
 #include "indexer/words/clean_text.h"
@@ -249,6 +250,13 @@ void RunReport::Fail(ExitStatus status, std::string_view message) {
   if (file_ == nullptr) Begin();
   EndList();
   Close("failed", status, message);
+}
+
+void WriteTextReport(const Options& options, const IndexSummary& summary) {
+  if (options.report.empty() || WantsJsonReport(options)) return;
+  OutFile file(options.report);
+  file.Write(RepairedUtf8(ReportText(summary)));
+  file.Finish();
 }
 
 std::string OriginalOf(const SourceItem& item, Reason reason, const PageCollection& collection,

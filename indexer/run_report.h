@@ -59,6 +59,9 @@ class RunReport {
   std::unique_ptr<OutFile> file_;
 };
 
+// The report as text, where the options ask for that form of it. Throws IndexError.
+void WriteTextReport(const Options& options, const IndexSummary& summary);
+
 // The address of the page that stands for that of `item`, which was left out as a copy; empty for
 // one that nothing is known of.
 std::string OriginalOf(const SourceItem& item, Reason reason, const PageCollection& collection,
