@@ -34,6 +34,7 @@
 #include "indexer/write/lookup_writer.h"
 #include "indexer/write/sections_writer.h"
 #include "indexer/write/settings_writer.h"
+#include "text/shown_numbers.h"
 
 namespace vela::indexer {
 

@@ -40,9 +40,4 @@ class Progress {
   std::vector<std::pair<std::string, double>> done_;
 };
 
-// "1.2 MB" and the like.
-std::string BytesText(uint64_t bytes);
-// "12,345".
-std::string CountText(uint64_t count);
-
 }  // namespace vela::indexer

@@ -8,6 +8,7 @@
 
 #include "indexer/report/progress.h"
 #include "text/ascii.h"
+#include "text/shown_numbers.h"
 
 namespace vela::indexer {
 

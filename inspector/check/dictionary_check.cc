@@ -11,6 +11,7 @@
 #include "inspector/findings/plain_text.h"
 #include "text/lower.h"
 #include "text/numbers.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

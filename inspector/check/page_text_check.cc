@@ -6,6 +6,7 @@
 #include "index/page_text.h"
 #include "inspector/findings/plain_text.h"
 #include "search/lookup.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

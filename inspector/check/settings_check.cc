@@ -16,6 +16,7 @@
 #include "settings/setting_keys.h"
 #include "text/ascii.h"
 #include "text/numbers.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

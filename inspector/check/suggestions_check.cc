@@ -13,6 +13,7 @@
 #include "inspector/check/stored_texts.h"
 #include "inspector/findings/plain_text.h"
 #include "text/completion_fold.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

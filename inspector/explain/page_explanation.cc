@@ -14,6 +14,7 @@
 #include "inspector/show/word_listing.h"
 #include "search/lookup.h"
 #include "search/query.h"
+#include "text/shown_numbers.h"
 #include "text/wildcard.h"
 
 namespace vela::inspector {

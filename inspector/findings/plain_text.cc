@@ -2,10 +2,10 @@
 
 #include <cstdio>
 #include <ctime>
-#include <iterator>
 
 #include "format/page_info.h"
 #include "text/ascii.h"
+#include "text/shown_numbers.h"
 #include "text/utf8.h"
 
 namespace vela::inspector {
@@ -35,31 +35,8 @@ std::string Quoted(std::string_view text, size_t most) {
   return "\"" + Printable(text.substr(0, most)) + "...\"";
 }
 
-std::string CountText(uint64_t count) {
-  std::string text = std::to_string(count);
-  for (size_t at = text.size(); at > 3;) {
-    at -= 3;
-    text.insert(at, ",");
-  }
-  return text;
-}
-
 std::string CountOfText(uint64_t count, std::string_view one, std::string_view several) {
   return CountText(count).append(" ").append(count == 1 ? one : several);
-}
-
-std::string BytesText(uint64_t bytes) {
-  constexpr const char* kUnits[] = {"kB", "MB", "GB", "TB"};
-  if (bytes < 1000) return CountOfText(bytes, "byte", "bytes");
-  double value = static_cast<double>(bytes) / 1000;
-  size_t unit = 0;
-  while (value >= 999.5 && unit + 1 < std::size(kUnits)) {
-    value /= 1000;
-    ++unit;
-  }
-  char text[40];
-  snprintf(text, sizeof text, value < 9.95 ? "%.1f %s" : "%.0f %s", value, kUnits[unit]);
-  return text;
 }
 
 std::string DateText(int32_t seconds) {

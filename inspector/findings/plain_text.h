@@ -14,14 +14,8 @@ std::string Printable(std::string_view text);
 // The beginning of the text in quotes, printable, at most so many bytes of it.
 std::string Quoted(std::string_view text, size_t most = 60);
 
-// "12,345".
-std::string CountText(uint64_t count);
-
 // "1 page", "12,345 pages".
 std::string CountOfText(uint64_t count, std::string_view one, std::string_view several);
-
-// "1.2 MB" and the like.
-std::string BytesText(uint64_t bytes);
 
 // "2024-02-29", in UTC; "none" for a page without a date.
 std::string DateText(int32_t seconds);

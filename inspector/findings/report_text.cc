@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "inspector/findings/plain_text.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

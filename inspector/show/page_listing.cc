@@ -14,6 +14,7 @@
 #include "inspector/findings/plain_text.h"
 #include "inspector/show/page_name.h"
 #include "inspector/show/word_listing.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

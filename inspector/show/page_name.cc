@@ -5,6 +5,7 @@
 
 #include "inspector/findings/plain_text.h"
 #include "text/ascii.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 

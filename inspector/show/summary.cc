@@ -8,6 +8,7 @@
 #include "inspector/findings/plain_text.h"
 #include "search/lookup.h"
 #include "settings/setting_keys.h"
+#include "text/shown_numbers.h"
 
 namespace vela::inspector {
 
