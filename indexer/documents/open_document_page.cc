@@ -74,9 +74,9 @@ class ContentReader : public XmlHandler {
  private:
   static bool IsLeftOut(const XmlTag& tag) {
     constexpr std::string_view kElements[] = {
-        "tracked-changes", "annotation",  "note-citation", "ruby-text", "notes",
-        "forms",           "scripts",     "binary-data",   "desc",      "automatic-styles",
-        "event-listeners", "page-number",
+        "tracked-changes", "annotation",  "note-citation", "ruby-text",        "forms",
+        "scripts",         "binary-data", "desc",          "automatic-styles", "event-listeners",
+        "page-number",
     };
     constexpr std::string_view kFrames[] = {"header", "footer", "date-time", "page-number"};
     if (std::ranges::find(kElements, tag.name()) != std::end(kElements)) return true;

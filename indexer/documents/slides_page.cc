@@ -23,6 +23,7 @@ class SlideList : public XmlHandler {
   std::vector<std::string> ids;
 };
 
+// A slide, or the notes of the speaker to one.
 class SlideReader : public XmlHandler {
  public:
   explicit SlideReader(Paragraphs& filled) : paragraphs_(filled) {}
@@ -61,6 +62,7 @@ class SlideReader : public XmlHandler {
   void Text(std::string_view text) override {
     if (isInText_ && isShown()) paragraphs_.Append(text);
   }
+  bool isHidden() const { return isHidden_; }
 
  private:
   void StartPlaceholder(std::string_view type) {
@@ -78,6 +80,18 @@ class SlideReader : public XmlHandler {
   size_t fallbacks_ = 0;  // second forms of what was told that are open
 };
 
+// What the speaker says to the slide of that part. Notes that are damaged are none.
+Reason ReadNotes(const Package& package, std::string_view slide, ReadingBudget& budget,
+                 Paragraphs& paragraphs) {
+  Relationships ofSlide;
+  const Reason reason = ReadRelationships(package, slide, budget, ofSlide);
+  if (reason != Reason::kNone) return reason == Reason::kDamaged ? Reason::kNone : reason;
+  const std::string_view notes = TargetOf(ofSlide, "notesSlide");
+  if (!package.Has(notes)) return Reason::kNone;
+  SlideReader reader(paragraphs);
+  return ReadXmlBeside(package.Part(notes), budget, reader);
+}
+
 }  // namespace
 
 Reason ReadSlidesPage(std::string_view bytes, ReadingBudget& budget, PageContent& page) {
@@ -93,6 +107,9 @@ Reason ReadSlidesPage(std::string_view bytes, ReadingBudget& budget, PageContent
     if (found == office.relationships.end() || !office.package.Has(found->second.target)) continue;
     SlideReader slide(paragraphs);
     reason = ReadXml(office.package.Part(found->second.target), budget, slide);
+    if (reason == Reason::kNone && !slide.isHidden()) {
+      reason = ReadNotes(office.package, found->second.target, budget, paragraphs);
+    }
     if (reason != Reason::kNone) return reason;
   }
   paragraphs.CopyTo(page);

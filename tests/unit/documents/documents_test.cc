@@ -119,6 +119,17 @@ TEST(SlidesPage, TakesShownSlidesInTheirOrder) {
   parts.emplace_back("ppt/slides/b.xml", slide(shape("ctrTitle", "Main")));
   parts.emplace_back("ppt/slides/c.xml", slide(shape("title", "Hidden"), " show='0'"));
   EXPECT_EQ(RunsOf(FileType::kSlides, parts), "1 Main|2 Second|Point");
+  // The notes of the speaker stand behind their slide; those of a hidden one are hidden.
+  const auto addNotes = [&](const std::string& name, const std::string& shapes) {
+    parts.emplace_back("ppt/slides/_rels/" + name + ".xml.rels",
+                       RelationshipsXml({{"n", "notesSlide", "../notes/" + name + ".xml"}}));
+    parts.emplace_back("ppt/notes/" + name + ".xml",
+                       "<p:notes xmlns:p='p' xmlns:a='a'>" + shapes + "</p:notes>");
+  };
+  addNotes("b", shape("sldImg", "") + shape("body", "Say hello") + shape("sldNum", "1"));
+  addNotes("c", shape("body", "Not said"));
+  addNotes("a", "<broken");
+  EXPECT_EQ(RunsOf(FileType::kSlides, parts), "1 Main|Say hello|2 Second|Point");
 }
 
 TEST(SheetsPage, TakesTextsRowByRow) {
@@ -172,7 +183,7 @@ TEST(OpenDocumentPage, TakesPropertiesAndText) {
        "<draw:page><draw:frame p:class='title'><text:p>T</text:p></draw:frame>"
        "<draw:frame><text:p>b</text:p></draw:frame><p:notes><text:p>n</text:p></p:notes>"
        "</draw:page>",
-       "2 T|b"},
+       "2 T|b n"},
       {"cells are what they show",
        "<o:spreadsheet><table:table table:name='Costs'><table:table-cell><text:p>4,50 "
        "\u20AC</text:p>"
