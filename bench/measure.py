@@ -32,12 +32,13 @@ def cgi(folder, program, query_string, **variables):
                             **variables}, [str(program)])
 
 
-def run_timed(command):
-    """CPU and wall seconds and peak memory (kB) of a command and all that it starts."""
+def run_timed(command, stdin=None):
+    """CPU and wall seconds and peak memory (kB) of a command, given `stdin`, and all that it starts."""
     with tempfile.NamedTemporaryFile("r") as figures:
         started = time.monotonic()
         done = subprocess.run(["/usr/bin/time", "-f", "%U %S %M", "-o", figures.name, *command],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, check=False)
+                              input=(stdin or "").encode(), stdout=subprocess.DEVNULL,
+                              stderr=subprocess.PIPE, check=False)
         wall = time.monotonic() - started
         last = figures.read().splitlines()[-1].split()
     if done.returncode != 0:
