@@ -29,6 +29,8 @@ def first_number(pattern, answer):
     return int(found.group(1).replace(",", "")) if found else 0
 
 
+# A program that can take over what is unchanged has `update_commands`, which bring its index up to
+# date with the pages.
 class Vela:
     """This project: the CGI program beside its index."""
     key, title = "ours", "ours"
@@ -92,6 +94,10 @@ class Omega:
         self.folder.mkdir(parents=True, exist_ok=True)
         return [["omindex", "--overwrite", "--stemmer=none", "--url=" + BASE_URL,
                  f"--db={self.folder}/default", str(pages)]]
+
+    def update_commands(self, pages):
+        return [[argument for argument in command if argument != "--overwrite"]
+                for command in self.index_commands(pages)]
 
     def index_files(self):
         return [self.folder / "default"]
@@ -164,6 +170,9 @@ class Namazu:
     def index_commands(self, pages):
         shutil.rmtree(self.folder / "index", ignore_errors=True)
         (self.folder / "index").mkdir(parents=True)
+        return self.update_commands(pages)
+
+    def update_commands(self, pages):
         return [["mknmz", "--norc", "--quiet", "--output-dir=" + str(self.folder / "index"),
                  "--indexing-lang=C", f"--replace=s#{pages}/#{BASE_URL}#", str(pages)]]
 
