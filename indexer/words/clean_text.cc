@@ -57,17 +57,6 @@ void Compose(std::string& text) {
   if (U_SUCCESS(status)) text = std::move(composed);
 }
 
-bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
-
-// The end of the ASCII characters from `begin` on.
-size_t AsciiEnd(std::string_view text, size_t begin) {
-  for (; text.size() - begin >= sizeof(uint64_t); begin += sizeof(uint64_t)) {
-    if ((EightBytes(text.data() + begin) & kHighBits) != 0) break;
-  }
-  while (begin < text.size() && IsAscii(text[begin])) ++begin;
-  return begin;
-}
-
 // Makes blanks of the control characters in ASCII text.
 void BlankControls(char* at, char* end) {
   constexpr uint64_t kDelete = 0x7F7F7F7F7F7F7F7F;
@@ -142,7 +131,7 @@ std::string RepairedUtf8(std::string_view bytes) {
 }
 
 void CleanText(std::string& text) {
-  if (AsciiEnd(text, 0) == text.size()) {
+  if (IsAsciiText(text)) {
     BlankControls(text.data(), text.data() + text.size());
     return;
   }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 
+#include "indexer/words/eight_bytes.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/symbols.h"
 
@@ -113,9 +114,7 @@ std::string WithoutMarks(char32_t c, std::string letter, const icu::Normalizer2&
 }  // namespace
 
 std::vector<std::string> PlainForms(std::string_view surface) {
-  if (std::ranges::all_of(surface, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
-    return {};
-  }
+  if (IsAsciiText(surface)) return {};
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
   if (U_FAILURE(status)) return {};

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "indexer/words/compatible_text.h"
+#include "indexer/words/eight_bytes.h"
 #include "indexer/words/korean_forms.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/plain_forms.h"
@@ -88,12 +89,13 @@ bool IsFindable(std::string_view form) {
          form.find_first_of("\"*?:<>") == form.npos;
 }
 
-void AddForm(ChunkCut& cut, size_t token, std::string text) {
-  if (!IsFindable(text) || text == cut.out.tokens[token].base) return;
+void AddForm(ChunkCut& cut, size_t token, std::string_view text) {
+  if (text == cut.out.tokens[token].base || !IsFindable(text)) return;
   // No query holds a run of several pieces.
-  const bool isCut = cut.out.runs == RunCut::kPieces && RunPieceLength(text) != text.size();
+  const bool isCut =
+      cut.out.runs == RunCut::kPieces && !cut.out.isAscii && RunPieceLength(text) != text.size();
   if (isCut && HasRunPiece(text)) return;
-  cut.out.forms.push_back({static_cast<uint32_t>(token), std::move(text)});
+  cut.out.forms.push_back({static_cast<uint32_t>(token), std::string(text)});
 }
 
 // Adds a word as a query has it, without the hyphens that would make an exclusion of it (the mark
@@ -104,10 +106,8 @@ void AddQueryForm(ChunkCut& cut, size_t token, std::string_view word) {
   std::string_view rest = word;
   while (rest.starts_with(kEmojiMark)) rest.remove_prefix(kEmojiMark.size());
   if (rest.starts_with('-')) word = rest.substr(std::min(rest.find_first_not_of('-'), rest.size()));
-  AddForm(cut, token, std::string(word));
-  if (word.ends_with('-')) {
-    AddForm(cut, token, std::string(word.substr(0, word.find_last_not_of('-') + 1)));
-  }
+  AddForm(cut, token, word);
+  if (word.ends_with('-')) AddForm(cut, token, word.substr(0, word.find_last_not_of('-') + 1));
 }
 
 // Calls `use(word)` for each word that the query's cut makes of `text`, which it changes.
@@ -122,16 +122,22 @@ void ForEachQueryWord(std::string& text, Use use) {
   }
 }
 
-// The forms of a word or of a part of one other than the word `token` itself.
+// The forms of a word or of a part of one, `surface` of the chunk, other than the word `token`
+// itself.
 void AddForms(ChunkCut& cut, size_t token, std::string_view surface) {
+  if (cut.out.isAscii) {
+    const auto begin = static_cast<size_t>(surface.data() - cut.out.surface.data());
+    AddForm(cut, token, std::string_view(cut.out.lower).substr(begin, surface.size()));
+    return;
+  }
   AddForm(cut, token, LowerUtf8Copy(surface));
-  for (std::string& form : PlainForms(surface)) AddForm(cut, token, std::move(form));
+  for (const std::string& form : PlainForms(surface)) AddForm(cut, token, form);
   AddForm(cut, token, LowerUtf8Copy(WithoutParticle(surface)));
   std::string compatible = LowerUtf8Copy(CompatibleText(surface));
   if (compatible.empty()) return;
   ForEachQueryWord(compatible, [&](std::string_view word) {
-    AddForm(cut, token, std::string(word));
-    for (std::string& form : PlainForms(word)) AddForm(cut, token, std::move(form));
+    AddForm(cut, token, word);
+    for (const std::string& form : PlainForms(word)) AddForm(cut, token, form);
   });
 }
 
@@ -195,7 +201,7 @@ void WriteWord(ChunkCut& cut, size_t first, size_t last) {
   const auto& characters = cut.out.characters;
   const std::string_view surface = SurfaceOf(cut, first, last);
   const bool isBroken =
-      cut.out.runs == RunCut::kWords &&
+      cut.out.runs == RunCut::kWords && !cut.out.isAscii &&
       std::any_of(characters.begin() + static_cast<ptrdiff_t>(first),
                   characters.begin() + static_cast<ptrdiff_t>(last),
                   [](const ChunkCharacter& c) { return IsWrittenWithoutBlanks(c.character); });
@@ -294,7 +300,7 @@ bool WriteCompatiblePieces(ChunkCut& cut, size_t place) {
                               .surface = isFirst ? surface : kWordBreak.surface,
                               .isPiece = true});
   }
-  AddForm(cut, token, std::string(surface));
+  AddForm(cut, token, surface);
   return true;
 }
 
@@ -323,7 +329,7 @@ void WritePieces(ChunkCut& cut, size_t first, size_t last) {
 }
 
 bool HoldsPieces(const ChunkCut& cut, size_t first, size_t last) {
-  if (cut.out.runs == RunCut::kWords) return false;
+  if (cut.out.runs == RunCut::kWords || cut.out.isAscii) return false;
   const auto characters = std::span(cut.out.characters).subspan(first, last - first);
   return HasRunPiece(SurfaceOf(cut, first, last)) ||
          std::ranges::any_of(characters, MayStandForPieces);
@@ -418,8 +424,16 @@ void AddQueryForms(ChunkCut& cut, bool hasPictures) {
 // are in a query.
 bool ClassifyChunk(ChunkTokens& out) {
   auto& characters = out.characters;
-  characters.clear();
   const std::string_view surface = out.surface;
+  if (out.isAscii) {  // its signs make no pictures
+    characters.resize(surface.size());
+    for (uint32_t i = 0; i < characters.size(); ++i) {
+      const auto c = static_cast<char32_t>(surface[i]);
+      characters[i] = {.at = i, .length = 1, .character = c, .kind = ClassifyCharacter(c)};
+    }
+    return false;
+  }
+  characters.clear();
   for (size_t i = 0; i < surface.size();) {
     size_t length = 0;
     const char32_t c = DecodeCharacter(surface, i, length);
@@ -503,8 +517,9 @@ void CutChunk(std::string_view chunk, ChunkTokens& out, RunCut runs) {
   out.pieces.clear();
   out.surface.assign(chunk);
   out.lower.assign(chunk);
-  LowerUtf8(out.lower.data(), out.lower.size());
-  if (std::ranges::all_of(chunk, IsAlphaNumeric)) {
+  out.isAscii = IsAsciiText(chunk);
+  LowerText(out.lower.data(), out.lower.size(), !out.isAscii);
+  if (out.isAscii && std::ranges::all_of(chunk, IsAlphaNumeric)) {
     if (chunk.size() <= kWordBytesLimit) out.tokens.push_back({0, out.lower, out.surface});
     return;
   }
@@ -522,7 +537,16 @@ void CutChunk(std::string_view chunk, ChunkTokens& out, RunCut runs) {
          !IsOneOf(ByteOf(cut, characters[last - 1]), "#+-")) {
     --last;
   }
-  WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
+  const std::string_view core = SurfaceOf(cut, first, last);
+  if (!core.empty() && core.size() <= kWordBytesLimit &&
+      std::ranges::all_of(core, IsAlphaNumeric)) {
+    // The query's cut finds nothing to take off or to part there.
+    WriteSigns(cut, first);
+    cut.next = last;
+    WriteToken(cut, core);
+  } else {
+    WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
+  }
   const bool trimmed = first > 0 || last < characters.size();
   if (hasPictures || (trimmed && chunk.find_first_of("#+") != chunk.npos)) {
     AddQueryForms(cut, hasPictures);

@@ -76,6 +76,7 @@ struct ChunkTokens {
   std::deque<std::string> pieces;  // bases that stand nowhere in `lower`
   WordBreaks breaks;
   RunCut runs = RunCut::kWords;
+  bool isAscii = false;  // all of the chunk
 };
 
 // Takes the next chunk off the start of clean text (see CleanText): a run without blanks, or up to

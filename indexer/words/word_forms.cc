@@ -1,6 +1,7 @@
 #include "indexer/words/word_forms.h"
 
 #include "indexer/report/index_error.h"
+#include "indexer/words/eight_bytes.h"
 #include "indexer/words/query_folding.h"
 
 namespace vela::indexer {
@@ -57,10 +58,17 @@ std::string_view WordForms::Stemmed(std::string_view word) {
   return stem.size() <= kStoredBytesLimit ? stem : word;
 }
 
-std::string_view WordForms::Base(std::string_view lower) {
+// ASCII is folded already. The view holds until the next call.
+std::string_view WordForms::Folded(std::string_view lower) {
+  if (IsAsciiText(lower)) return lower;
   folded_ = FoldedWord(lower, isTurkish_);
-  if (charset_.utf8()) return Stemmed(folded_);
-  if (charset_.Exactly(folded_, base_)) return Stemmed(base_);
+  return folded_;
+}
+
+std::string_view WordForms::Base(std::string_view lower) {
+  const std::string_view folded = Folded(lower);
+  if (charset_.utf8()) return Stemmed(folded);
+  if (charset_.Exactly(folded, base_)) return Stemmed(base_);
   base_ = charset_.WithReferences(lower);
   if (base_.size() > kStoredBytesLimit) base_.clear();
   return base_;
@@ -73,9 +81,9 @@ std::string_view WordForms::Surface(std::string_view surface) {
 }
 
 std::string_view WordForms::FoundBase(std::string_view lower) {
-  folded_ = FoldedWord(lower, isTurkish_);
-  if (charset_.utf8()) return Stemmed(folded_);
-  if (!charset_.Exactly(folded_, base_)) return {};
+  const std::string_view folded = Folded(lower);
+  if (charset_.utf8()) return Stemmed(folded);
+  if (!charset_.Exactly(folded, base_)) return {};
   return Stemmed(base_);
 }
 

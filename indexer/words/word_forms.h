@@ -22,16 +22,17 @@ class WordForms {
 
   // The dictionary's word for a lower-cased one (at most kWordBytesLimit bytes): its stem, in the
   // character set. A word with characters that the set lacks is written with references, which no
-  // query finds but a snippet shows; it is empty when that grows too long. The view holds until the
-  // next call of Base or FoundBase.
+  // query finds but a snippet shows; it is empty when that grows too long. The view holds as
+  // long as `lower`, until the next call of Base or FoundBase.
   std::string_view Base(std::string_view lower);
   // The word as the page writes it, in the character set. The view holds until the next call.
   std::string_view Surface(std::string_view surface);
   // The dictionary's word for a form that only helps to find another; empty when the set lacks one
-  // of its characters. The view holds until the next call of Base or FoundBase.
+  // of its characters. The view holds as that of Base.
   std::string_view FoundBase(std::string_view lower);
 
  private:
+  std::string_view Folded(std::string_view lower);
   std::string_view Stemmed(std::string_view word);
 
   const IndexCharset& charset_;
