@@ -50,9 +50,9 @@ void NumberTable::Grow() {
   std::vector<Place> larger(std::max(kFirstPlaces, places_.size() * 2));
   mask_ = larger.size() - 1;
   for (const Place& place : places_) {
-    if (place.number == kFree) continue;
+    if (place.number == kNone) continue;
     size_t at = place.hash & mask_;
-    while (larger[at].number != kFree) at = (at + 1) & mask_;
+    while (larger[at].number != kNone) at = (at + 1) & mask_;
     larger[at] = place;
   }
   places_ = std::move(larger);

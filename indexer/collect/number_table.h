@@ -45,7 +45,7 @@ class NumberTable {
     const auto kept = static_cast<uint32_t>(hash);
     for (size_t at = kept & mask_;; at = (at + 1) & mask_) {
       Place& place = places_[at];
-      if (place.number == kFree) {
+      if (place.number == kNone) {
         place = {.hash = kept, .number = next};
         ++used_;
         return next;
@@ -57,6 +57,17 @@ class NumberTable {
   void Prefetch(uint64_t hash) const {
     if (!places_.empty()) __builtin_prefetch(&places_[static_cast<uint32_t>(hash) & mask_]);
   }
+  static constexpr uint32_t kNone = 0xFFFFFFFF;
+  // The number with that hash, or another one; kNone where there is none nearby. For bringing into
+  // the cache what it stands for.
+  uint32_t Guess(uint64_t hash) const {
+    if (places_.empty()) return kNone;
+    const auto kept = static_cast<uint32_t>(hash);
+    const Place& first = places_[kept & mask_];
+    if (first.hash == kept) return first.number;
+    const Place& second = places_[(kept + 1) & mask_];
+    return second.hash == kept ? second.number : kNone;
+  }
   void Clear() {
     std::ranges::fill(places_, Place());
     used_ = 0;
@@ -64,10 +75,9 @@ class NumberTable {
   size_t memory() const { return places_.capacity() * sizeof(Place); }
 
  private:
-  static constexpr uint32_t kFree = 0xFFFFFFFF;
   struct Place {
     uint32_t hash = 0;  // half of it, of which the low bits say the place
-    uint32_t number = kFree;
+    uint32_t number = kNone;
   };
   void Grow();
 

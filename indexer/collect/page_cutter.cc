@@ -13,8 +13,6 @@ namespace vela::indexer {
 
 namespace {
 
-// Longer chunks hardly come again.
-constexpr size_t kKeptChunkBytes = 48;
 // Bytes that a kept chunk takes with the two forms that come with it at most: when twice as many
 // forms as chunks are known, everything is forgotten before the next page.
 constexpr size_t kBytesOfChunk = 480;
@@ -40,7 +38,7 @@ PageCutter::PageCutter(const IndexCharset& charset, int32_t stemming, const CutR
 
 void PageCutter::Forget() {
   words_.Clear();
-  wordsInPage_.clear();
+  knownWords_.clear();
   formKeys_.Clear();
   forms_.clear();
   signs_.Clear();
@@ -52,7 +50,8 @@ void PageCutter::Forget() {
 }
 
 void PageCutter::ForgetChunks() {
-  chunkTexts_.Clear();
+  addsChunk_ = false;
+  chunkTable_.Clear();
   chunks_.clear();
   chunkTokens_.clear();
   chunkForms_.clear();
@@ -60,10 +59,9 @@ void PageCutter::ForgetChunks() {
 
 void PageCutter::BeginPage(PageWords& out) {
   // After a failed allocation a list may be shorter than the one beside it.
-  const bool isWhole = words_.size() == wordsInPage_.size() && formKeys_.size() == forms_.size() &&
+  const bool isWhole = words_.size() == knownWords_.size() && formKeys_.size() == forms_.size() &&
                        signs_.size() == signsInPage_.size() &&
-                       runningWords_.size() == knownRunning_.size() &&
-                       chunkTexts_.size() == chunks_.size();
+                       runningWords_.size() == knownRunning_.size() && !addsChunk_;
   const size_t known =
       std::max({formKeys_.size(), signs_.size(), signTexts_.size(), runningWords_.size()});
   if (!isWhole || known >= 2 * mostChunks_ || page_ == 0xFFFFFFFF) {
@@ -83,6 +81,7 @@ void PageCutter::BeginPage(PageWords& out) {
 uint32_t PageCutter::KnownFormOf(uint32_t word, std::string_view surface) {
   const std::string_view base = words_[word];
   const bool isWord = surface == base;
+  if (isWord && knownWords_[word].ownForm != 0) return knownWords_[word].ownForm - 1;
   if (isWord || surface.size() > kVariantBytesLimit) surface = {};
   scratch_.assign(reinterpret_cast<const char*>(&word), sizeof word);
   scratch_ += isWord ? '=' : ' ';
@@ -94,6 +93,7 @@ uint32_t PageCutter::KnownFormOf(uint32_t word, std::string_view surface) {
                       .isWord = isWord,
                       .inPage = {}});
   }
+  if (isWord) knownWords_[word].ownForm = number + 1;
   return number;
 }
 
@@ -103,7 +103,7 @@ PageCutter::Chunk PageCutter::CutNewChunk(std::string_view text) {
                .firstForm = static_cast<uint32_t>(chunkForms_.size())};
   const auto knownWord = [this](std::string_view base) {
     const uint32_t word = words_.FindOrAdd(base);
-    if (word == wordsInPage_.size()) wordsInPage_.emplace_back();
+    if (word == knownWords_.size()) knownWords_.emplace_back();
     return word;
   };
   for (const TextToken& token : chunk_.tokens) {
@@ -146,18 +146,32 @@ PageCutter::Chunk PageCutter::CutNewChunk(std::string_view text) {
     cut.plainBegins = plain.begins;
     cut.plainEnds = plain.ends;
   }
+  if (cut.tokens == 1 && cut.forms == 0) {
+    const ChunkToken& only = chunkTokens_[cut.firstToken];
+    if (only.kind == Kind::kWord && !only.isPiece) cut.onlyForm = only.number + 1;
+  }
   return cut;
 }
 
-PageCutter::Chunk PageCutter::ChunkOf(std::string_view text) {
+PageCutter::Chunk PageCutter::ChunkOf(const ChunkAhead& ahead) {
+  const std::string_view text = ahead.text;
   if (text.size() > kKeptChunkBytes) return CutNewChunk(text);
-  if (chunkTexts_.size() >= mostChunks_) ForgetChunks();
-  const uint32_t number = chunkTexts_.FindOrAdd(text);
-  if (number == chunks_.size()) {
-    chunks_.push_back(CutNewChunk(text));
-    chunks_.back().isKept = true;
+  if (chunks_.size() >= mostChunks_) ForgetChunks();
+  const auto next = static_cast<uint32_t>(chunks_.size());
+  const uint32_t number = chunkTable_.FindOrAdd(ahead.hash, next, [&](uint32_t known) {
+    const KnownChunk& chunk = chunks_[known];
+    return IsSameText({chunk.text.data(), chunk.bytes}, text);
+  });
+  if (number == next) {
+    addsChunk_ = true;
+    KnownChunk& added = chunks_.emplace_back();
+    added.bytes = static_cast<uint8_t>(text.size());
+    text.copy(added.text.data(), added.text.size());
+    added.chunk = CutNewChunk(text);
+    added.chunk.isKept = true;
+    addsChunk_ = false;
   }
-  return chunks_[number];
+  return chunks_[number].chunk;
 }
 
 // Lets go of a chunk that is not kept.
@@ -168,7 +182,7 @@ void PageCutter::DropPassing(const Chunk& chunk) {
 }
 
 uint32_t PageCutter::InPageWord(uint32_t word) {
-  InPage& place = wordsInPage_[word];
+  InPage& place = knownWords_[word].inPage;
   if (place.page != page_) {
     place = {.page = page_, .number = static_cast<uint32_t>(out_->words.size())};
     const std::string_view text = words_[word];
@@ -237,9 +251,35 @@ PageCutter::PageWord& PageCutter::Count(uint32_t number, const Spot& spot) {
   return pageWord;
 }
 
+// Writes and counts a word.
+PageCutter::Written PageCutter::WriteWord(uint32_t knownForm, bool isPiece, uint8_t zone,
+                                          bool inBody) {
+  if (afterPiece_ && isPiece && gap_.opens && gap_.IsEmpty()) gap_.ShowBlank();
+  CloseGap(false);
+  afterPiece_ = isPiece;
+  const uint32_t form = InPageForm(knownForm);
+  const uint32_t number = out_->forms[form].word;
+  const uint32_t place = inBody ? out_->bodyWords++ : 0;
+  const Written written = {.token = out_->tokenCount, .place = place, .word = number};
+  PageWord& pageWord = Count(number, {written.token, place, zone, inBody});
+  WordOfPage& word = out_->words[number];
+  word.isWritten = true;
+  if (forms_[knownForm].isWord) word.isOwnForm = true;
+  if (zone == kInTitle) {
+    word.zones |= kTitleWord | kTitlePart;
+    if (!pageWord.isTitleWord) ++out_->titleWords;
+    pageWord.isTitleWord = true;
+  }
+  WriteToken(FormToken(form));
+  return written;
+}
+
 // Writes and counts the words of the chunk. Returns their number.
 uint32_t PageCutter::WriteWords(const Chunk& chunk, uint8_t zone, bool inBody) {
-  uint32_t place = inBody ? out_->bodyWords : 0;
+  if (chunk.onlyForm != 0) {
+    WriteWord(chunk.onlyForm - 1, false, zone, inBody);
+    return 1;
+  }
   uint32_t count = 0;
   written_.assign(chunk.tokens, {});
   for (uint32_t i = 0; i < chunk.tokens; ++i) {
@@ -247,33 +287,13 @@ uint32_t PageCutter::WriteWords(const Chunk& chunk, uint8_t zone, bool inBody) {
     if (token.kind == Kind::kNoWord) continue;
     if (token.kind == Kind::kBlank) {
       gap_.AddBlank();
-      continue;
-    }
-    if (token.kind == Kind::kSign) {
+    } else if (token.kind == Kind::kSign) {
       gap_.AddSign(signTexts_[token.number]);
-      continue;
+    } else {
+      written_[i] = WriteWord(token.number, token.isPiece, zone, inBody);
+      ++count;
     }
-    if (afterPiece_ && token.isPiece && gap_.opens && gap_.IsEmpty()) gap_.ShowBlank();
-    CloseGap(false);
-    afterPiece_ = token.isPiece;
-    const uint32_t form = InPageForm(token.number);
-    const uint32_t number = out_->forms[form].word;
-    const uint32_t at = out_->tokenCount;
-    written_[i] = {.token = at, .place = place, .word = number};
-    PageWord& pageWord = Count(number, {at, place, zone, inBody});
-    WordOfPage& word = out_->words[number];
-    word.isWritten = true;
-    if (forms_[token.number].isWord) word.isOwnForm = true;
-    if (zone == kInTitle) {
-      word.zones |= kTitleWord | kTitlePart;
-      if (!pageWord.isTitleWord) ++out_->titleWords;
-      pageWord.isTitleWord = true;
-    }
-    WriteToken(FormToken(form));
-    ++place;
-    ++count;
   }
-  if (inBody) out_->bodyWords = place;
   return count;
 }
 
@@ -320,25 +340,79 @@ void PageCutter::EndHeading() {
   gap_.AddSign(afterPiece_ ? "\u3002" : ".");
 }
 
+// The chunks of a text, of which some are taken before their turn. What is known of them then comes
+// into the processor's cache while those before are counted: it comes from all over the memory.
+class PageCutter::ChunksAhead {
+ public:
+  ChunksAhead(const PageCutter& cutter, std::string_view text) : cutter_(cutter), text_(text) {}
+
+  // The next one, which holds until the next call; null when there is none.
+  const ChunkAhead* Next() {
+    while (end_ - begin_ < kCount && Take(ahead_[end_ % kCount])) ++end_;
+    if (begin_ == end_) return nullptr;
+    const size_t middle = begin_ + kCount / 2;
+    if (middle < end_) BringChunk(ahead_[middle % kCount]);
+    const size_t near = begin_ + kCount / 4;
+    if (near < end_) BringForm(ahead_[near % kCount]);
+    return &ahead_[begin_++ % kCount];
+  }
+
+ private:
+  static constexpr size_t kCount = 16;
+
+  bool Take(ChunkAhead& chunk) {
+    chunk.followsBlank = text_.starts_with(' ');
+    chunk.text = NextChunk(text_);
+    if (chunk.text.empty()) return false;
+    chunk.hash = TextHash(chunk.text);
+    cutter_.chunkTable_.Prefetch(chunk.hash);
+    return true;
+  }
+  const KnownChunk* Guess(const ChunkAhead& chunk) const {
+    const uint32_t number = cutter_.chunkTable_.Guess(chunk.hash);
+    return number < cutter_.chunks_.size() ? &cutter_.chunks_[number] : nullptr;
+  }
+  void BringChunk(const ChunkAhead& chunk) const {
+    const KnownChunk* const known = Guess(chunk);
+    if (known != nullptr) __builtin_prefetch(known);
+  }
+  void BringForm(const ChunkAhead& chunk) const {
+    const KnownChunk* const known = Guess(chunk);
+    if (known == nullptr) return;
+    const uint32_t form = known->chunk.onlyForm;
+    if (form != 0) {
+      __builtin_prefetch(&cutter_.forms_[form - 1]);
+    } else if (known->chunk.tokens != 0) {
+      __builtin_prefetch(&cutter_.chunkTokens_[known->chunk.firstToken]);
+    }
+  }
+
+  const PageCutter& cutter_;
+  std::string_view text_;
+  std::array<ChunkAhead, kCount> ahead_;  // chunk i at i % kCount
+  size_t begin_ = 0;
+  size_t end_ = 0;
+};
+
 // Cuts one run of text and writes its tokens, unless it is stopped. Returns the number of its
 // words.
 uint32_t PageCutter::CutRun(std::string_view text, uint8_t zone, bool inBody, bool isHeading,
                             RunningText* running) {
   uint32_t wordCount = 0;
   gap_.Clear(true);
+  ChunksAhead chunks(*this, text);
   while (!IsStopped()) {
-    const bool followsBlank = text.starts_with(' ');
-    const std::string_view chunkText = NextChunk(text);
-    if (chunkText.empty()) break;
-    const Chunk chunk = ChunkOf(chunkText);
-    if (followsBlank) gap_.AddBlank();
+    const ChunkAhead* const next = chunks.Next();
+    if (next == nullptr) break;
+    const Chunk chunk = ChunkOf(*next);
+    if (next->followsBlank) gap_.AddBlank();
     // Words that a chunk ends and the next begins with are still written without a blank.
     const bool arePieces = afterPiece_ && chunk.startsWithPiece;
-    if (!followsBlank && !gap_.opens && gap_.IsEmpty() && !arePieces) {
+    if (!next->followsBlank && !gap_.opens && gap_.IsEmpty() && !arePieces) {
       gap_.AddSign(Utf8Text(kWordBreakSign));
     }
     wordCount += WriteWords(chunk, zone, inBody);
-    CountForms(chunk, zone, inBody);
+    if (chunk.forms != 0) CountForms(chunk, zone, inBody);
     if (running != nullptr) AddRunning(chunk, *running);
     DropPassing(chunk);
   }

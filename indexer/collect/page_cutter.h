@@ -4,12 +4,14 @@
 // was cut into is kept, up to a limit, so that the next page has it at the cost of one look.
 #pragma once
 
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "indexer/collect/number_table.h"
 #include "indexer/collect/page_words.h"
 #include "indexer/collect/running_text.h"
 #include "indexer/collect/sign_entries.h"
@@ -62,6 +64,10 @@ class PageCutter {
     uint32_t page = 0;  // the last one that has it, by `page_`
     uint32_t number = 0;
   };
+  struct KnownWord {
+    InPage inPage;
+    uint32_t ownForm = 0;  // 1 more than the known form that has its text; 0: none is known yet
+  };
   struct KnownForm {
     uint32_t word = 0;
     uint8_t bytes = 0;    // of the text; see FormOfPage
@@ -93,11 +99,29 @@ class PageCutter {
     uint32_t firstForm = 0;
     uint32_t forms = 0;
     uint32_t plainWord = 0;   // 1 more than its number; 0 for none
+    uint32_t onlyForm = 0;    // of a chunk that is one word, 1 more than its known form; else 0
     bool plainBegins = true;  // signs stand before the plain word, or there is none
     bool plainEnds = true;    // and behind it
     bool startsWithPiece = false;
     bool isKept = false;
   };
+  // Longer ones hardly come again.
+  static constexpr size_t kKeptChunkBytes = 35;
+  // All that is looked at first lies in the 64 bytes that a processor brings into its cache at
+  // once.
+  struct alignas(64) KnownChunk {
+    Chunk chunk;
+    uint8_t bytes = 0;  // of its text
+    std::array<char, kKeptChunkBytes> text = {};
+  };
+  static_assert(sizeof(KnownChunk) == 64);
+  // A chunk of the text that is cut, before its turn.
+  struct ChunkAhead {
+    std::string_view text;
+    uint64_t hash = 0;  // TextHash of it
+    bool followsBlank = false;
+  };
+  class ChunksAhead;
   // Where a token of the chunk went. A sign, and a word that could not be written, has no token.
   struct Written {
     uint32_t token = 0xFFFFFFFF;
@@ -122,13 +146,14 @@ class PageCutter {
   void ForgetChunks();
   uint32_t KnownFormOf(uint32_t word, std::string_view surface);
   Chunk CutNewChunk(std::string_view chunk);
-  Chunk ChunkOf(std::string_view text);
+  Chunk ChunkOf(const ChunkAhead& ahead);
   void DropPassing(const Chunk& chunk);
   uint32_t InPageForm(uint32_t form);
   uint32_t InPageWord(uint32_t word);
   void WriteToken(uint32_t token);
   void CloseGap(bool blankBehind);
   PageWord& Count(uint32_t pageWord, const Spot& spot);
+  Written WriteWord(uint32_t form, bool isPiece, uint8_t zone, bool inBody);
   uint32_t WriteWords(const Chunk& chunk, uint8_t zone, bool inBody);
   void CountForms(const Chunk& chunk, uint8_t zone, bool inBody);
   void EndPhrase(RunningText& running);
@@ -146,7 +171,7 @@ class PageCutter {
 
   // Known from the pages before.
   TextNumbers words_;
-  std::vector<InPage> wordsInPage_;  // beside words_
+  std::vector<KnownWord> knownWords_;  // beside words_
   TextNumbers formKeys_;
   std::vector<KnownForm> forms_;  // beside formKeys_
   TextNumbers signs_;
@@ -154,8 +179,9 @@ class PageCutter {
   TextNumbers signTexts_;
   TextNumbers runningWords_;
   std::vector<KnownRunningWord> knownRunning_;  // beside runningWords_
-  TextNumbers chunkTexts_;
-  std::vector<Chunk> chunks_;  // beside chunkTexts_
+  NumberTable chunkTable_;                      // of chunks_
+  std::vector<KnownChunk> chunks_;
+  bool addsChunk_ = false;  // one is there that is not cut yet
   std::vector<ChunkToken> chunkTokens_;
   std::vector<ChunkForm> chunkForms_;
 
