@@ -25,6 +25,8 @@ bool IsFoldedSign(char32_t c) {
 }
 
 constexpr char32_t kDotlessI = 0x0131;
+// Lower-casing leaves this byte of U+0130 behind its "i" (text/lower.h).
+constexpr char kRestOfDottedI = '\xB0';
 
 struct LetterFolding {
   char32_t from;
@@ -195,8 +197,18 @@ std::string FoldedQuery(std::string_view query, bool cutsSigns) {
 
 bool IsUnfoldedInTurkish(const Folding& folding) { return folding.from == Utf8Text(kDotlessI); }
 
+std::string WithoutRestsOfDottedI(std::string_view lower) {
+  std::string text;
+  size_t length = 0;
+  for (size_t at = 0; at < lower.size(); at += length) {
+    DecodeCharacter(lower, at, length);
+    const bool isRest = length == 1 && lower[at] == kRestOfDottedI && text.ends_with('i');
+    if (!isRest) text.append(lower, at, length);
+  }
+  return text;
+}
+
 std::string FoldedWord(std::string_view word, bool isTurkish) {
-  constexpr char kRestOfDottedI = '\xB0';
   std::string folded;
   size_t length = 0;
   for (size_t at = 0; at < word.size(); at += length) {
@@ -205,7 +217,6 @@ std::string FoldedWord(std::string_view word, bool isTurkish) {
       folded.append(word, at, length);
       continue;
     }
-    // Lower-casing leaves a byte of U+0130 behind its "i" (text/lower.h).
     if (length == 1 && word[at] == kRestOfDottedI && folded.ends_with('i')) continue;
     const auto* letter = std::ranges::find(kLetters, c, &LetterFolding::from);
     const std::string_view letters = LettersOfForm(c);

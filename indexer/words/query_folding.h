@@ -34,6 +34,9 @@ bool IsUnfoldedInTurkish(const Folding& folding);
 // longer than the word. It may be in lower case (text/lower.h).
 std::string FoldedWord(std::string_view word, bool isTurkish = false);
 
+// A word in lower case without the bytes that lower-casing leaves of U+0130 behind each "i".
+std::string WithoutRestsOfDottedI(std::string_view lower);
+
 // Blanks what the table with all signs makes blanks inside a word of a page, byte for byte.
 void BlankFoldedSigns(std::string& text);
 

@@ -91,6 +91,10 @@ bool IsFindable(std::string_view form) {
 
 void AddForm(ChunkCut& cut, size_t token, std::string_view text) {
   if (text == cut.out.tokens[token].base || !IsFindable(text)) return;
+  if (!cut.out.isAscii && text.find("i\xB0") != text.npos) {
+    AddForm(cut, token, WithoutRestsOfDottedI(text));  // as the spelling of a part, it is text
+    return;
+  }
   // No query holds a run of several pieces.
   const bool isCut =
       cut.out.runs == RunCut::kPieces && !cut.out.isAscii && RunPieceLength(text) != text.size();
