@@ -9,13 +9,14 @@
 #include <vector>
 
 #include "indexer/collect/number_table.h"
+#include "indexer/words/find_byte.h"
 
 namespace vela::indexer {
 
 // Adds the hashes of the words of `text`, which is clean (see CleanText), to `hashes`.
 inline void AddWordHashes(std::string_view text, std::vector<uint64_t>& hashes) {
   while (!text.empty()) {
-    const std::string_view word = text.substr(0, text.find(' '));
+    const std::string_view word = text.substr(0, FindByte(text, ' ', 0));
     if (!word.empty()) hashes.push_back(TextHash(word));
     text.remove_prefix(word.size() + (word.size() < text.size() ? 1 : 0));
   }

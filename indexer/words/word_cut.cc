@@ -7,6 +7,7 @@
 
 #include "indexer/words/compatible_text.h"
 #include "indexer/words/eight_bytes.h"
+#include "indexer/words/find_byte.h"
 #include "indexer/words/korean_forms.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/plain_forms.h"
@@ -392,6 +393,18 @@ void WriteWords(ChunkCut& cut, size_t coreBegin, size_t coreEnd) {
   });
 }
 
+// Whether the query's cut finds nothing to part or to take off: letters and digits of ASCII, and
+// between two of them at most one character that joins them.
+bool IsPlainWord(std::string_view text) {
+  bool wasAlphaNumeric = false;
+  for (const char c : text) {
+    const bool isAlphaNumeric = IsAlphaNumeric(c);
+    if (!isAlphaNumeric && !(wasAlphaNumeric && IsOneOf(c, kWordJoinChars))) return false;
+    wasAlphaNumeric = isAlphaNumeric;
+  }
+  return wasAlphaNumeric;
+}
+
 // Whether a query would have `text` as a word: it holds more than signs.
 bool IsQueryWord(std::string_view text) {
   size_t length = 0;
@@ -505,8 +518,9 @@ std::string_view NextChunk(std::string_view& text) {
   }
   text.remove_prefix(begin);
   // No further, or a text without blanks would be looked through once for each of its pieces.
-  size_t length = text.substr(0, kChunkBytesLimit + 1).find(' ');
-  if (length == text.npos) {
+  const std::string_view searched = text.substr(0, kChunkBytesLimit + 1);
+  size_t length = FindByte(searched, ' ', 0);
+  if (length == searched.size()) {
     length = text.size() <= kChunkBytesLimit ? text.size() : PieceLength(text);
   }
   const std::string_view chunk = text.substr(0, length);
@@ -542,12 +556,8 @@ void CutChunk(std::string_view chunk, ChunkTokens& out, RunCut runs) {
     --last;
   }
   const std::string_view core = SurfaceOf(cut, first, last);
-  if (!core.empty() && core.size() <= kWordBytesLimit &&
-      std::ranges::all_of(core, IsAlphaNumeric)) {
-    // The query's cut finds nothing to take off or to part there.
-    WriteSigns(cut, first);
-    cut.next = last;
-    WriteToken(cut, core);
+  if (IsPlainWord(core)) {
+    WriteWord(cut, first, last);
   } else {
     WriteWords(cut, ByteAt(cut, first), ByteAt(cut, last));
   }
