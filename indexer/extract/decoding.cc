@@ -112,6 +112,7 @@ bool Convert(std::string_view bytes, const std::string& charset, ReadingBudget& 
 // False when there is no such converter, or one that a declaration in ASCII cannot be true of. What
 // hides markup in letters is none for pages.
 bool ReadsAscii(const std::string& charset) {
+  if (charset == "utf-8") return true;
   constexpr std::string_view kSample = "<meta charset=+ADw->";
   ReadingBudget budget;
   std::string utf8;
@@ -146,6 +147,7 @@ bool IsUnicodeText(std::string_view bytes, size_t width, bool isLittle) {
   constexpr uint32_t kTextPlanes = 0x40000;
   if (bytes.size() < 2 * width || bytes.size() % width != 0) return false;
   const size_t count = std::min(bytes.size() / width, kUnitLimit);
+  if (bytes.substr(0, count * width).find('\0') == bytes.npos) return false;  // no ASCII
   size_t ascii = 0;
   bool isPair = false;  // the unit before is its first half
   for (size_t i = 0; i < count; ++i) {

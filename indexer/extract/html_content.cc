@@ -115,14 +115,16 @@ std::string AnchorOf(const Tag& tag) {
   return anchor;
 }
 
+// Whether the element is a link to a place on this page.
 bool IsSkipLink(const Tag& tag) {
-  return tag.element == Element::kA && AttributeValue(tag, Attribute::kHref).starts_with('#');
+  if (tag.element != Element::kA) return false;
+  std::string room;
+  return ResolvedValue(tag, Attribute::kHref, room).starts_with('#');
 }
 
-// Whether the element is a link to another page: not to a place on this one.
+// Whether it is one to another page.
 bool LeadsToPage(const Tag& tag) {
-  return tag.element == Element::kA && HasAttribute(tag, Attribute::kHref) &&
-         !AttributeValue(tag, Attribute::kHref).starts_with('#');
+  return tag.element == Element::kA && HasAttribute(tag, Attribute::kHref) && !IsSkipLink(tag);
 }
 
 }  // namespace
@@ -286,7 +288,9 @@ void HtmlContent::AddText(std::string_view added, const TextState& state) {
     timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
   if (state.isLeftOut || isOff) return;
   microdata.AddText(added);
-  if (added.find_first_not_of(kMarkupBlanks) != added.npos) openAnchor.clear();
+  if (!openAnchor.empty() && added.find_first_not_of(kMarkupBlanks) != added.npos) {
+    openAnchor.clear();
+  }
   CountText(added, state);
   text.Append(state.strand, state.style, added);
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 
+#include "indexer/words/find_byte.h"
 #include "text/ascii.h"
 
 namespace vela::indexer {
@@ -123,9 +123,7 @@ void AddAttribute(std::string_view name, std::string_view value, Tag& tag) {
 }
 
 // The place of `c`, or the end of the page.
-size_t HtmlTokens::Find(char c, size_t from) const {
-  return std::min(html.find(c, from), html.size());
-}
+size_t HtmlTokens::Find(char c, size_t from) const { return FindByte(html, c, from); }
 
 TokenKind HtmlTokens::Next(bool inForeign) {
   const size_t from = at;
@@ -182,9 +180,7 @@ TokenKind HtmlTokens::ReadText() {
     }
     ++end;
   }
-  const void* found = memchr(html.data() + end, '&', textEnd - end);
-  end = found == nullptr ? textEnd
-                         : static_cast<size_t>(static_cast<const char*>(found) - html.data());
+  end = FindByte(html.substr(0, textEnd), '&', end);
   piece = html.substr(at, end - at);
   at = end;
   return TokenKind::kText;

@@ -47,10 +47,11 @@ TextState Nesting::Around() {
   return Around(isBeforeTable);
 }
 
-bool Nesting::Open(const Tag& tag, OpenElement added) {
+bool Nesting::Open(const Tag& tag, const OpenElement& given) {
+  OpenElement added = given;
   const TextState around = Around(added.isBeforeTable);
   if (!open.IsFull()) {
-    OpenIn(around, tag, added);
+    Add(around, tag, added);
     return true;
   }
   Pass(tag, around, added.space == Namespace::kHtml);
@@ -59,7 +60,13 @@ bool Nesting::Open(const Tag& tag, OpenElement added) {
   return false;
 }
 
-void Nesting::OpenIn(const TextState& around, const Tag& tag, OpenElement added) {
+void Nesting::OpenIn(const TextState& around, const Tag& tag, const OpenElement& given) {
+  OpenElement added = given;
+  Add(around, tag, added);
+}
+
+// `around` may stand in the list of open elements.
+void Nesting::Add(const TextState& around, const Tag& tag, OpenElement& added) {
   const bool isHtml = added.space == Namespace::kHtml;
   added.element = tag.element;
   added.role = content.Begin(tag, isHtml, around);

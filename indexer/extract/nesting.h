@@ -29,9 +29,9 @@ class Nesting {
 
   // Opens the element of a start tag there. `added` says what the tag does not. False: it is too
   // deep and was only passed; its text goes to the element above.
-  bool Open(const Tag& tag, OpenElement added = {});
+  bool Open(const Tag& tag, const OpenElement& added = {});
   // The same at any depth, in an element in which `around` holds.
-  void OpenIn(const TextState& around, const Tag& tag, OpenElement added = {});
+  void OpenIn(const TextState& around, const Tag& tag, const OpenElement& added = {});
   // Opens one whose tag the page leaves out.
   void OpenImplied(Element element);
   // Tells of one that has no content, or none that is told apart.
@@ -58,6 +58,7 @@ class Nesting {
 
  private:
   TextState Around(bool& isBeforeTable);
+  void Add(const TextState& around, const Tag& tag, OpenElement& added);
   void TakeOut(ElementPlace place);
   void Inherit(ElementPlace from);
 

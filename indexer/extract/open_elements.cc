@@ -49,9 +49,9 @@ void OpenElements::Push(const OpenElement& element, std::string_view name) {
   TakeSteps(budget, 1);
   const ElementPlace place = Count();
   const size_t kind = IsForeign(element) ? 1 : 0;
-  OpenElement added = element;
-  if (!open.empty()) {
-    const OpenElement& under = open.back();
+  OpenElement& added = open.emplace_back(element);
+  if (place > 0) {
+    const OpenElement& under = At(place - 1);
     added.special = under.special;
     added.item = under.item;
     added.scope = under.scope;
@@ -73,7 +73,6 @@ void OpenElements::Push(const OpenElement& element, std::string_view name) {
   }
   added.below = *top;
   *top = place;
-  open.push_back(added);
 }
 
 // `element` is the highest of its name.

@@ -1,7 +1,6 @@
 #include "indexer/extract/tree_construction.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <string>
 
 #include "indexer/words/lower_copy.h"
@@ -10,9 +9,9 @@ namespace vela::indexer {
 
 namespace {
 
-template <typename Name>
-bool IsOneOf(Name name, std::initializer_list<Name> names) {
-  return std::ranges::find(names, name) != names.end();
+template <typename Name, typename... Names>
+bool IsOneOf(Name name, Names... names) {
+  return ((name == names) || ...);
 }
 
 bool IsHeading(Element element) { return element >= Element::kH1 && element <= Element::kH6; }
@@ -20,20 +19,20 @@ bool IsHeading(Element element) { return element >= Element::kH1 && element <= E
 bool IsBlank(std::string_view text) { return text.find_first_not_of(kMarkupBlanks) == text.npos; }
 
 bool IsTableSection(Element element) {
-  return IsOneOf(element, {Element::kTbody, Element::kTfoot, Element::kThead});
+  return IsOneOf(element, Element::kTbody, Element::kTfoot, Element::kThead);
 }
 
 // Elements in whose place only blanks and parts of a table may stand.
 bool HoldsTableParts(Element element) {
   return IsTableSection(element) ||
-         IsOneOf(element, {Element::kTable, Element::kTr, Element::kTemplate});
+         IsOneOf(element, Element::kTable, Element::kTr, Element::kTemplate);
 }
 
 // Elements of the head that may stand anywhere.
 bool IsHeadElement(Element element) {
-  return IsOneOf(element, {Element::kBase, Element::kBasefont, Element::kBgsound, Element::kLink,
-                           Element::kMeta, Element::kNoframes, Element::kScript, Element::kStyle,
-                           Element::kTemplate, Element::kTitle});
+  return IsOneOf(element, Element::kBase, Element::kBasefont, Element::kBgsound, Element::kLink,
+                 Element::kMeta, Element::kNoframes, Element::kScript, Element::kStyle,
+                 Element::kTemplate, Element::kTitle);
 }
 
 }  // namespace
@@ -142,7 +141,7 @@ bool TreeConstruction::TakesForeignRules(TokenKind kind) {
   if (kind == TokenKind::kText) return !current.holdsHtmlText;
   const Element element = tokens.tag().element;
   if (current.holdsHtmlText) {
-    return IsOneOf(element, {Element::kMglyph, Element::kMalignmark});
+    return IsOneOf(element, Element::kMglyph, Element::kMalignmark);
   }
   return current.element != Element::kAnnotationXml || element != Element::kSvg;
 }
@@ -159,7 +158,7 @@ TreeConstruction::Outcome TreeConstruction::TakeForeign(TokenKind kind) {
                                                             HasAttribute(tag, Attribute::kFace) ||
                                                             HasAttribute(tag, Attribute::kSize));
   if (isStart ? isHtmlFont || Has(tag.element, kEndsForeign)
-              : IsOneOf(tag.element, {Element::kP, Element::kBr})) {
+              : IsOneOf(tag.element, Element::kP, Element::kBr)) {
     while (IsForeignNow() && !nesting.open.Current().holdsHtml &&
            !nesting.open.Current().holdsHtmlText) {
       nesting.Close();
@@ -185,15 +184,15 @@ void TreeConstruction::StartForeign(Namespace space) {
   OpenElement added;
   added.space = space;
   if (space == Namespace::kMathMl) {
-    added.holdsHtmlText = IsOneOf(
-        tag.element, {Element::kMi, Element::kMo, Element::kMn, Element::kMs, Element::kMtext});
+    added.holdsHtmlText = IsOneOf(tag.element, Element::kMi, Element::kMo, Element::kMn,
+                                  Element::kMs, Element::kMtext);
     if (tag.element == Element::kAnnotationXml) {
       const std::string encoding = LowerAsciiCopy(AttributeValue(tag, Attribute::kEncoding));
       added.holdsHtml = encoding == "text/html" || encoding == "application/xhtml+xml";
     }
   } else {
     added.holdsHtml =
-        IsOneOf(tag.element, {Element::kForeignobject, Element::kDesc, Element::kTitle});
+        IsOneOf(tag.element, Element::kForeignobject, Element::kDesc, Element::kTitle);
   }
   nesting.Open(tag, added);
 }
@@ -249,8 +248,8 @@ bool TreeConstruction::PassBlanks(TokenKind kind) {
 
 // Whether the end tag is one that makes the elements around it begin, as browsers have always done.
 bool TreeConstruction::IsEndThatBegins() const {
-  return IsOneOf(tokens.tag().element,
-                 {Element::kHead, Element::kBody, Element::kHtml, Element::kBr});
+  return IsOneOf(tokens.tag().element, Element::kHead, Element::kBody, Element::kHtml,
+                 Element::kBr);
 }
 
 TreeConstruction::Outcome TreeConstruction::BeforeHtml(TokenKind kind) {
@@ -284,7 +283,7 @@ TreeConstruction::Outcome TreeConstruction::InHead(TokenKind kind) {
     return Outcome::kDone;
   const Element element = tokens.tag().element;
   if (kind == TokenKind::kStartTag) {
-    if (IsOneOf(element, {Element::kHtml, Element::kHead})) return Outcome::kDone;
+    if (IsOneOf(element, Element::kHtml, Element::kHead)) return Outcome::kDone;
     if (element == Element::kNoscript) {
       AddCharacters(nesting.open.Current().inside);
       return Outcome::kDone;
@@ -301,8 +300,8 @@ TreeConstruction::Outcome TreeConstruction::AfterHead(TokenKind kind) {
   if (PassBlanks(kind) || TakeHeadElement(kind, headState)) return Outcome::kDone;
   const Element element = tokens.tag().element;
   if (kind == TokenKind::kStartTag) {
-    if (IsOneOf(element, {Element::kHtml, Element::kHead})) return Outcome::kDone;
-    if (IsOneOf(element, {Element::kBody, Element::kFrameset})) {
+    if (IsOneOf(element, Element::kHtml, Element::kHead)) return Outcome::kDone;
+    if (IsOneOf(element, Element::kBody, Element::kFrameset)) {
       nesting.OpenIn(nesting.open.Current().inside, tokens.tag());
       mode = element == Element::kBody ? Mode::kInBody : Mode::kInFrameset;
       framesetOk = false;
@@ -360,7 +359,7 @@ TreeConstruction::Outcome TreeConstruction::InBody(TokenKind kind) {
     return Outcome::kDone;
   }
   const Element element = tokens.tag().element;
-  if (IsOneOf(element, {Element::kBody, Element::kHtml})) {
+  if (IsOneOf(element, Element::kBody, Element::kHtml)) {
     if (!nesting.open.IsInScope(Element::kBody)) return Outcome::kDone;
     mode = Mode::kAfterBody;
     return element == Element::kHtml ? Outcome::kAgain : Outcome::kDone;
@@ -404,7 +403,7 @@ void TreeConstruction::BodyStart() {
   const Element element = tokens.tag().element;
   if (Has(element, kNoFrameset)) framesetOk = false;
   if (Has(element, kTablePart) ||
-      IsOneOf(element, {Element::kHtml, Element::kBody, Element::kHead, Element::kFrame})) {
+      IsOneOf(element, Element::kHtml, Element::kBody, Element::kHead, Element::kFrame)) {
     return;
   }
   if (!PrepareBodyStart(element)) return;
@@ -424,8 +423,8 @@ void TreeConstruction::BodyStart() {
         mode = Mode::kInTable;
         break;
       case Element::kSelect:
-        mode = IsOneOf(mode, {Mode::kInTable, Mode::kInCaption, Mode::kInTableBody, Mode::kInRow,
-                              Mode::kInCell})
+        mode = IsOneOf(mode, Mode::kInTable, Mode::kInCaption, Mode::kInTableBody, Mode::kInRow,
+                       Mode::kInCell)
                    ? Mode::kInSelectInTable
                    : Mode::kInSelect;
         break;
@@ -451,7 +450,7 @@ bool TreeConstruction::PrepareBodyStart(Element element) {
   };
   const ElementPlace item = nesting.open.Current().item;
   if (element == Element::kLi && isItem(item, Element::kLi)) nesting.CloseDownTo(item);
-  if (IsOneOf(element, {Element::kDd, Element::kDt}) &&
+  if (IsOneOf(element, Element::kDd, Element::kDt) &&
       (isItem(item, Element::kDd) || isItem(item, Element::kDt))) {
     nesting.CloseDownTo(item);
   }
@@ -542,7 +541,7 @@ void TreeConstruction::BodyEnd() {
       place = std::max(place, nesting.open.Find(heading));
     }
     if (place != kNotOpen && place >= nesting.open.Current().scope) nesting.CloseDownTo(place);
-  } else if (Has(element, kEndsInScope) || IsOneOf(element, {Element::kDd, Element::kDt})) {
+  } else if (Has(element, kEndsInScope) || IsOneOf(element, Element::kDd, Element::kDt)) {
     if (nesting.open.IsInScope(element)) nesting.CloseThrough(element);
   } else {
     const ElementPlace place = nesting.open.Find(element, tag.name, false);
@@ -631,13 +630,13 @@ TreeConstruction::Outcome TreeConstruction::InTable(TokenKind kind) {
     ResetMode();
     return isStart ? Outcome::kAgain : Outcome::kDone;
   }
-  if (IsOneOf(element, {Element::kStyle, Element::kScript, Element::kTemplate})) {
+  if (IsOneOf(element, Element::kStyle, Element::kScript, Element::kTemplate)) {
     TakeHeadElement(kind, current.inside);
     return Outcome::kDone;
   }
   if (!isStart) {
     const bool isIgnored =
-        Has(element, kTablePart) || IsOneOf(element, {Element::kBody, Element::kHtml});
+        Has(element, kTablePart) || IsOneOf(element, Element::kBody, Element::kHtml);
     return isIgnored ? Outcome::kDone : BesideTable(kind);
   }
   if (element == Element::kForm) {
@@ -678,7 +677,7 @@ TreeConstruction::Outcome TreeConstruction::InCaption(TokenKind kind) {
     mode = Mode::kInTable;
     return isEnd && element == Element::kCaption ? Outcome::kDone : Outcome::kAgain;
   }
-  if (isEnd && (isPart || IsOneOf(element, {Element::kBody, Element::kHtml}))) {
+  if (isEnd && (isPart || IsOneOf(element, Element::kBody, Element::kHtml))) {
     return Outcome::kDone;
   }
   return InBody(kind);
@@ -709,7 +708,7 @@ TreeConstruction::Outcome TreeConstruction::InTableBody(TokenKind kind) {
   const Element element = tokens.tag().element;
   if (kind == TokenKind::kText) return InTable(kind);
   const bool isStart = kind == TokenKind::kStartTag;
-  if (isStart && IsOneOf(element, {Element::kTr, Element::kTd, Element::kTh})) {
+  if (isStart && IsOneOf(element, Element::kTr, Element::kTd, Element::kTh)) {
     CloseToTableBody();
     OpenTablePart(Element::kTr);
     mode = Mode::kInRow;
@@ -740,7 +739,7 @@ TreeConstruction::Outcome TreeConstruction::InRow(TokenKind kind) {
   const Element element = tokens.tag().element;
   if (kind == TokenKind::kText) return InTable(kind);
   const bool isStart = kind == TokenKind::kStartTag;
-  if (isStart && IsOneOf(element, {Element::kTd, Element::kTh})) {
+  if (isStart && IsOneOf(element, Element::kTd, Element::kTh)) {
     CloseToRow();
     OpenTablePart(element);
     mode = Mode::kInCell;
@@ -774,7 +773,7 @@ TreeConstruction::Outcome TreeConstruction::InCell(TokenKind kind) {
     CloseCell();
     return Outcome::kAgain;
   }
-  const bool isCell = IsOneOf(element, {Element::kTd, Element::kTh});
+  const bool isCell = IsOneOf(element, Element::kTd, Element::kTh);
   if (isCell || element == Element::kTable || element == Element::kTr || IsTableSection(element)) {
     if (!nesting.open.IsInTableScope(element)) return Outcome::kDone;
     if (isCell) {
@@ -785,7 +784,7 @@ TreeConstruction::Outcome TreeConstruction::InCell(TokenKind kind) {
     CloseCell();
     return Outcome::kAgain;
   }
-  if (Has(element, kTablePart) || IsOneOf(element, {Element::kBody, Element::kHtml})) {
+  if (Has(element, kTablePart) || IsOneOf(element, Element::kBody, Element::kHtml)) {
     return Outcome::kDone;
   }
   return InBody(kind);
@@ -802,7 +801,7 @@ TreeConstruction::Outcome TreeConstruction::InSelect(TokenKind kind) {
   const auto closeIf = [this](Element open) {
     if (nesting.open.Current().element == open) nesting.Close();
   };
-  if (IsOneOf(element, {Element::kScript, Element::kTemplate})) {
+  if (IsOneOf(element, Element::kScript, Element::kTemplate)) {
     TakeHeadElement(kind, nesting.open.Current().inside);
     return Outcome::kDone;
   }
@@ -811,14 +810,14 @@ TreeConstruction::Outcome TreeConstruction::InSelect(TokenKind kind) {
         nesting.open.At(nesting.open.Count() - 2).element == Element::kOptgroup) {
       nesting.Close();
     }
-    if (IsOneOf(element, {Element::kOption, Element::kOptgroup})) closeIf(element);
+    if (IsOneOf(element, Element::kOption, Element::kOptgroup)) closeIf(element);
     if (element == Element::kSelect) {
       nesting.CloseThrough(element);
       ResetMode();
     }
     return Outcome::kDone;
   }
-  if (IsOneOf(element, {Element::kOption, Element::kOptgroup, Element::kHr})) {
+  if (IsOneOf(element, Element::kOption, Element::kOptgroup, Element::kHr)) {
     closeIf(Element::kOption);
     if (element != Element::kOption) closeIf(Element::kOptgroup);
     if (element == Element::kHr) {
@@ -826,8 +825,8 @@ TreeConstruction::Outcome TreeConstruction::InSelect(TokenKind kind) {
     } else {
       nesting.Open(tokens.tag());
     }
-  } else if (IsOneOf(element,
-                     {Element::kSelect, Element::kInput, Element::kKeygen, Element::kTextarea})) {
+  } else if (IsOneOf(element, Element::kSelect, Element::kInput, Element::kKeygen,
+                     Element::kTextarea)) {
     nesting.CloseThrough(Element::kSelect);
     ResetMode();
     return element == Element::kSelect ? Outcome::kDone : Outcome::kAgain;
