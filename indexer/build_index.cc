@@ -147,7 +147,6 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);
   PageCollection& collection = pages.collection;
   summary.pages = facts.pages;
-  summary.words = collection.vocabulary.words.size();
   summary.occurrences = collection.tokenCount;
   summary.sourceBytes = collection.sourceBytes;
   summary.indexBytes = bytes;

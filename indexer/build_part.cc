@@ -49,7 +49,7 @@ IndexSummary BuildPart(const Options& given, Progress& progress,
   Settle(notes.look, charset, options.config, summary);
   summary.siteItems = listing.items.size();
   KeepPart(*part, listing.items);
-  const std::vector<SourceItem> items = std::exchange(listing.items, {});
+  const ItemList items = std::exchange(listing.items, {});
   notes.listing = std::move(listing);
   const std::unique_ptr<PageState> state = OpenPageState(options, opened, items);
   progress.Begin("Reading pages", items.size());

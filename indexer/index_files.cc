@@ -70,6 +70,8 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   for (uint32_t page = 0; weights.has_value() && page < facts.pages; ++page) {
     pages.table.SetTitleMass(page, weights->titles.Of(page));
   }
+  collection.pages = {};
+  weights.reset();
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);
   const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
@@ -109,6 +111,8 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
     bytes += synonyms.fileBytes;
   }
   spelling.Finish();
+  run.summary.words = vocabulary.words.size();
+  collection.vocabulary = {};
   return bytes + facts.dictionary.fileBytes + spellingBytes;
 }
 
@@ -119,9 +123,13 @@ void SettlePages(IndexRun& run, SitePages& pages) {
   std::vector<Finding>& warnings = run.summary.warnings;
   const FileDates& fileDates = pages.collection.fileDates;
   const std::string sharedDay = fileDates.SharedDay();
-  if (!run.options.config.trustsFileDates && !sharedDay.empty() && !fileDates.pages().empty()) {
-    for (const FileDate& page : fileDates.pages()) pages.table.SetTime(page.page, page.ownTime);
-    warnings.push_back({Reason::kFileDatesShared, {}, sharedDay});
+  if (!run.options.config.trustsFileDates && !sharedDay.empty()) {
+    bool isSome = false;
+    fileDates.ForEachPage([&](const FileDate& page) {
+      pages.table.SetTime(page.page, page.ownTime);
+      isSome = true;
+    });
+    if (isSome) warnings.push_back({Reason::kFileDatesShared, {}, sharedDay});
   }
   std::ranges::move(pages.collection.rules.Unused(), std::back_inserter(warnings));
   std::ranges::move(UnusedFields(pages.collection), std::back_inserter(warnings));

@@ -21,7 +21,7 @@ void ReadItem(PageReading& reading, size_t number, BlockMaker& maker, ItemOutcom
     reading.parts->Take(number, outcome);
     return;
   }
-  const SourceItem& item = reading.items[number];
+  const SourceItem item = reading.items[number];
   PageState* state = reading.state;
   if (state != nullptr && state->Take(number, outcome)) return;
   outcome = ItemOutcome();

@@ -25,7 +25,7 @@ namespace vela::indexer {
 // What a run that reads pages has of them all; the referenced objects outlive the reading.
 struct ReadingInput {
   const Source& source;
-  const std::vector<SourceItem>& items;
+  const ItemList& items;
   const std::string& base;
   const SiteConfig& config;
   const IndexCharset& charset;
@@ -52,7 +52,7 @@ struct PageReading {
                .memory = input.memory.known} {}
 
   const Source& source;
-  const std::vector<SourceItem>& items;
+  const ItemList& items;
   DocumentReaders documents;
   const ContentChoices content;
   const PageWishes wishes;

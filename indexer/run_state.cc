@@ -49,7 +49,7 @@ Fingerprint IndexWishes(const Options& options, const std::string& base, const L
 }
 
 std::unique_ptr<PageState> OpenPageState(const Options& options, const OpenedSource& opened,
-                                         const std::vector<SourceItem>& items) {
+                                         const ItemList& items) {
   if (options.state.empty() || !options.merge.empty()) return nullptr;
   auto state = std::make_unique<PageState>(opened.state.path / kPageStateName,
                                            BlocksVersion(options, opened.base), options.fresh,

@@ -27,6 +27,6 @@ Fingerprint IndexWishes(const Options& options, const std::string& base, const L
 
 // What is kept of the pages, compared with those that are there; null where nothing is kept.
 std::unique_ptr<PageState> OpenPageState(const Options& options, const OpenedSource& opened,
-                                         const std::vector<SourceItem>& items);
+                                         const ItemList& items);
 
 }  // namespace vela::indexer

@@ -66,15 +66,14 @@ bool AsksForLanguages(const SiteConfig& config) {
                              [](const CategoryRule& rule) { return !rule.languages.empty(); });
 }
 
-LanguageCounts LanguagesOfPages(const Source& source, const std::vector<SourceItem>& items,
+LanguageCounts LanguagesOfPages(const Source& source, const ItemList& items,
                                 const volatile std::sig_atomic_t& stop) {
   LanguageCounts counts;
   const size_t step = std::max<size_t>(1, items.size() / kSample);
   for (size_t i = 0; i < items.size() && stop == 0; i += step) {
     FileContent file;
-    if (items[i].type != FileType::kHtml || source.Read(items[i], file) != Reason::kNone) {
-      continue;
-    }
+    const SourceItem item = items[i];
+    if (item.type != FileType::kHtml || source.Read(item, file) != Reason::kNone) continue;
     std::string language = LanguageOfPage(file);
     if (!language.empty()) ++counts[std::move(language)];
   }

@@ -23,7 +23,7 @@ bool AsksForLanguages(const SiteConfig& config);
 
 // Looks at some hundred HTML pages of the list, from its start to its end. Ends early when `stop`
 // is set.
-LanguageCounts LanguagesOfPages(const Source& source, const std::vector<SourceItem>& items,
+LanguageCounts LanguagesOfPages(const Source& source, const ItemList& items,
                                 const volatile std::sig_atomic_t& stop);
 
 // The language of most pages, of two with as many the first by name; empty when no page tells.

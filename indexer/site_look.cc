@@ -32,12 +32,14 @@ std::string ChooseStemming(const LanguageCounts& languages, const IndexCharset& 
 
 // Some pages of the site are read to find what they share. They are those whose addresses have the
 // smallest hashes, so that a page more or less changes little.
-void FindHabits(const Source& source, const std::vector<SourceItem>& items, const std::string& base,
+void FindHabits(const Source& source, const ItemList& items, const std::string& base,
                 const volatile std::sig_atomic_t& stop, const SiteConfig& config, SiteLook& found) {
   constexpr size_t kSample = 400;
   std::vector<std::pair<uint64_t, size_t>> order;  // a hash, and the place in the list
-  for (size_t i = 0; i < items.size(); ++i) {
-    if (items[i].type == FileType::kHtml) order.emplace_back(TextHash(items[i].address), i);
+  size_t number = 0;
+  for (const SourceItem& item : items) {
+    if (item.type == FileType::kHtml) order.emplace_back(TextHash(item.address), number);
+    ++number;
   }
   std::ranges::sort(order);
   order.resize(std::min(order.size(), kSample));
@@ -48,8 +50,9 @@ void FindHabits(const Source& source, const std::vector<SourceItem>& items, cons
   for (const auto& [hash, place] : order) {
     FileContent file;
     Page page;
-    if (source.Read(items[place], file) != Reason::kNone) continue;
-    const Reason reason = ReadPage(items[place], std::move(file), wishes, {.stop = &stop}, page);
+    const SourceItem item = items[place];
+    if (source.Read(item, file) != Reason::kNone) continue;
+    const Reason reason = ReadPage(item, std::move(file), wishes, {.stop = &stop}, page);
     CheckStop(stop);
     if (reason == Reason::kNone) look.AddPage(page);
   }
@@ -59,9 +62,8 @@ void FindHabits(const Source& source, const std::vector<SourceItem>& items, cons
 
 }  // namespace
 
-SiteLook LookAtSite(const Source& source, const std::vector<SourceItem>& items,
-                    const std::string& base, const volatile std::sig_atomic_t& stop,
-                    const SiteConfig& config) {
+SiteLook LookAtSite(const Source& source, const ItemList& items, const std::string& base,
+                    const volatile std::sig_atomic_t& stop, const SiteConfig& config) {
   SiteLook look;
   if (config.stemming == kStemmingByPages || config.languageCategories) {
     look.languages = LanguagesOfPages(source, items, stop);

@@ -16,9 +16,8 @@ namespace vela::indexer {
 
 // Reads some pages of the list, the same ones for the same list; none where `config` leaves nothing
 // to them. `base` is the site's address, ending in "/". Throws IndexError when `stop` is set.
-SiteLook LookAtSite(const Source& source, const std::vector<SourceItem>& items,
-                    const std::string& base, const volatile std::sig_atomic_t& stop,
-                    const SiteConfig& config);
+SiteLook LookAtSite(const Source& source, const ItemList& items, const std::string& base,
+                    const volatile std::sig_atomic_t& stop, const SiteConfig& config);
 
 // Completes `config` by what was found, and says in `summary` what that was.
 void Settle(const SiteLook& look, const IndexCharset& charset, SiteConfig& config,

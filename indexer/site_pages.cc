@@ -65,7 +65,7 @@ void Report(const SourceItem& item, Reason reason, IndexRun& run, SitePages& pag
 }  // namespace
 
 void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePages& pages) {
-  const std::vector<SourceItem>& items = listing.items;
+  const ItemList& items = listing.items;
   run.report.AddListing(listing);
   std::optional<LinkCheck> links;
   if (!run.options.checkLinks.empty()) {
@@ -99,7 +99,8 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
     RefuseEmptySite(listing.sought, run.summary.files);
   }
   if (links.has_value()) run.summary.links = links->Finish(pages.collection.addresses);
-  pages.collection.tokens = {};
+  listing.items = ItemList();
+  EndJoining(pages.collection);
   malloc_trim(0);  // what pages were read with is of no use to what follows
 }
 

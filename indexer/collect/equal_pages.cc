@@ -64,11 +64,11 @@ std::optional<uint32_t> EqualPages::EqualTo(const PagePrints& page, FileType typ
                                             uint32_t number) {
   if (!page.isLong) return std::nullopt;
   if (type != FileType::kHtml) {
-    if (const auto made = bodies_.find(page.body); made != bodies_.end()) return made->second;
+    if (const uint32_t* made = bodies_.Find(page.body)) return *made;
   }
-  const auto [same, isNew] = whole_.try_emplace(page.whole, number);
-  if (!isNew) return same->second;
-  if (type == FileType::kHtml) bodies_.try_emplace(page.body, number);
+  const auto [same, isNew] = whole_.TryAdd(page.whole, number);
+  if (!isNew) return *same;
+  if (type == FileType::kHtml) bodies_.TryAdd(page.body, number);
   return std::nullopt;
 }
 

@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
 
 #include "indexer/extract/page.h"
+#include "indexer/site/print_table.h"
 
 namespace vela::indexer {
 
@@ -29,12 +29,12 @@ class EqualPages {
   // would be. A page that is equal to none is remembered as page `number`.
   [[nodiscard]] std::optional<uint32_t> EqualTo(const PagePrints& page, FileType type,
                                                 uint32_t number);
+  // Bytes that it takes, nearly.
+  size_t memory() const { return whole_.memory() + bodies_.memory(); }
 
  private:
-  using Numbers = std::unordered_map<uint64_t, uint32_t>;  // by the fingerprint
-
-  Numbers whole_;
-  Numbers bodies_;  // of HTML pages
+  PrintTable<uint32_t> whole_;   // numbers of pages
+  PrintTable<uint32_t> bodies_;  // the same, of HTML pages
 };
 
 }  // namespace vela::indexer

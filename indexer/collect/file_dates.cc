@@ -30,7 +30,10 @@ void FileDates::AddPage(uint32_t number, const PageFacts& page) {
   if (page.fileTime == 0) return;  // its server does not say
   ++count_;
   ++files_[DayOf(page.fileTime)];
-  if (page.time != page.ownTime) pages_.push_back({.page = number, .ownTime = page.ownTime});
+  if (page.time == page.ownTime) return;
+  isDated_.resize(number);
+  isDated_.push_back(true);
+  if (page.ownTime != 0) owns_.push_back({.page = number, .ownTime = page.ownTime});
 }
 
 std::string FileDates::SharedDay() const {

@@ -28,10 +28,20 @@ class FileDates {
   // empty when there is none.
   std::string SharedDay() const;
 
-  const std::vector<FileDate>& pages() const { return pages_; }
+  // Calls `use` for every page whose date is that of its file, in ascending order.
+  template <typename Use>
+  void ForEachPage(Use use) const {
+    size_t other = 0;
+    for (uint32_t page = 0; page < isDated_.size(); ++page) {
+      if (!isDated_[page]) continue;
+      const bool hasOwn = other < owns_.size() && owns_[other].page == page;
+      use(hasOwn ? owns_[other++] : FileDate{.page = page});
+    }
+  }
 
  private:
-  std::vector<FileDate> pages_;
+  std::vector<bool> isDated_;                    // by page: its date is that of its file
+  std::vector<FileDate> owns_;                   // of those, the few that have a date of their own
   std::unordered_map<int64_t, uint64_t> files_;  // by the day since 1970
   uint64_t count_ = 0;                           // of all pages whose file says when it was changed
 };

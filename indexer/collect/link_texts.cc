@@ -1,8 +1,8 @@
 #include "indexer/collect/link_texts.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
-#include <unordered_map>
 
 #include "indexer/config/extensions.h"
 #include "indexer/site/address.h"
@@ -12,12 +12,7 @@ namespace vela::indexer {
 namespace {
 
 // FNV-1a. Among a million words of addresses the chance that any two meet is one in thirty million.
-uint64_t FingerprintOf(std::string_view text) {
-  constexpr uint64_t kPrime = 0x100000001B3;
-  uint64_t value = 0xCBF29CE484222325;
-  for (const char c : text) value = (value ^ static_cast<unsigned char>(c)) * kPrime;
-  return value;
-}
+uint64_t WordPrint(std::string_view word) { return AddressPrint(word); }
 
 struct NumberOfWord {
   uint64_t fingerprint = 0;
@@ -28,7 +23,7 @@ std::vector<NumberOfWord> NumbersByFingerprint(const Vocabulary& vocabulary) {
   std::vector<NumberOfWord> numbers;
   numbers.reserve(vocabulary.words.size());
   for (uint32_t i = 0; i < vocabulary.words.size(); ++i) {
-    numbers.push_back({FingerprintOf(TextOf(vocabulary.words[i])), i});
+    numbers.push_back({WordPrint(TextOf(vocabulary.words[i], vocabulary)), i});
   }
   std::ranges::sort(numbers, {}, &NumberOfWord::fingerprint);
   return numbers;
@@ -60,9 +55,9 @@ std::vector<LinkWord> LinkWordsOf(const Page& page, const std::string& base, Wor
     if (!IsBelow(link.address, base)) continue;
     const std::string address = InSpellingOf(base, link.address);
     if (address == page.facts.address || address == page.facts.canonical) continue;
-    const uint64_t to = FingerprintOf(address);
+    const uint64_t to = AddressPrint(address);
     const auto add = [&](std::string_view word) {
-      if (!word.empty()) words.push_back({to, FingerprintOf(word)});
+      if (!word.empty()) words.push_back({to, WordPrint(word)});
     };
     std::string_view text = link.text;
     for (std::string_view cut = NextChunk(text); !cut.empty(); cut = NextChunk(text)) {
@@ -114,10 +109,6 @@ void LinkTexts::MakeRoom() {
 std::vector<LinkCount> LinkTexts::Finish(const CanonicalAddresses& addresses,
                                          const Vocabulary& vocabulary) {
   AddUp();
-  std::unordered_map<uint64_t, uint32_t> pages;
-  addresses.ForEachAddress([&](const std::string& address, uint32_t page) {
-    pages.emplace(FingerprintOf(address), page);
-  });
   std::ranges::sort(counted_, {}, [](const Counted& each) { return each.word.word; });
   const std::vector<NumberOfWord> numbers = NumbersByFingerprint(vocabulary);
   std::vector<LinkCount> counts;
@@ -125,9 +116,9 @@ std::vector<LinkCount> LinkTexts::Finish(const CanonicalAddresses& addresses,
   for (const Counted& each : counted_) {
     while (number != numbers.end() && number->fingerprint < each.word.word) ++number;
     if (number == numbers.end()) break;
-    const auto page = pages.find(each.word.address);
-    if (number->fingerprint != each.word.word || page == pages.end()) continue;
-    counts.push_back({number->word, page->second, each.pages});
+    if (number->fingerprint != each.word.word) continue;
+    const std::optional<uint32_t> page = addresses.PageAt(each.word.address);
+    if (page.has_value()) counts.push_back({number->word, *page, each.pages});
   }
   counted_ = std::vector<Counted>();  // {} would keep the memory
   AddUpPages(counts);

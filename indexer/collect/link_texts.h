@@ -23,8 +23,8 @@ namespace vela::indexer {
 // A word by which a page leads to an address of the site; fingerprints of both, which need nothing
 // of other pages.
 struct LinkWord {
-  uint64_t address = 0;
-  uint64_t word = 0;  // of the dictionary's form
+  uint64_t address = 0;  // AddressPrint
+  uint64_t word = 0;     // of the dictionary's form
   auto operator<=>(const LinkWord&) const = default;
 };
 

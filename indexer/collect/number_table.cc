@@ -47,15 +47,17 @@ uint64_t TextHash(std::string_view text) {
 }
 
 void NumberTable::Grow() {
-  std::vector<Place> larger(std::max(kFirstPlaces, places_.size() * 2));
-  mask_ = larger.size() - 1;
-  for (const Place& place : places_) {
+  // Small ones by twice as much; what that would leave free is too much of a large one.
+  constexpr size_t kLarge = size_t{1} << 20;
+  const size_t more = places_.size() < kLarge ? places_.size() : places_.size() / 2;
+  std::vector<Place> former(std::max(kFirstPlaces, places_.size() + more));
+  former.swap(places_);
+  for (const Place& place : former) {
     if (place.number == kNone) continue;
-    size_t at = place.hash & mask_;
-    while (larger[at].number != kNone) at = (at + 1) & mask_;
-    larger[at] = place;
+    size_t at = PlaceOf(place.hash);
+    while (places_[at].number != kNone) at = at + 1 == places_.size() ? 0 : at + 1;
+    places_[at] = place;
   }
-  places_ = std::move(larger);
 }
 
 }  // namespace vela::indexer

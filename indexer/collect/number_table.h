@@ -43,7 +43,7 @@ class NumberTable {
   uint32_t FindOrAdd(uint64_t hash, uint32_t next, IsSame isSame) {
     if ((used_ + 1) * 4 > places_.size() * 3) Grow();
     const auto kept = static_cast<uint32_t>(hash);
-    for (size_t at = kept & mask_;; at = (at + 1) & mask_) {
+    for (size_t at = PlaceOf(kept);; at = at + 1 == places_.size() ? 0 : at + 1) {
       Place& place = places_[at];
       if (place.number == kNone) {
         place = {.hash = kept, .number = next};
@@ -55,7 +55,7 @@ class NumberTable {
   }
   // Brings the place of that hash into the processor's cache.
   void Prefetch(uint64_t hash) const {
-    if (!places_.empty()) __builtin_prefetch(&places_[static_cast<uint32_t>(hash) & mask_]);
+    if (!places_.empty()) __builtin_prefetch(&places_[PlaceOf(static_cast<uint32_t>(hash))]);
   }
   static constexpr uint32_t kNone = 0xFFFFFFFF;
   // The number with that hash, or another one; kNone where there is none nearby. For bringing into
@@ -63,9 +63,9 @@ class NumberTable {
   uint32_t Guess(uint64_t hash) const {
     if (places_.empty()) return kNone;
     const auto kept = static_cast<uint32_t>(hash);
-    const Place& first = places_[kept & mask_];
-    if (first.hash == kept) return first.number;
-    const Place& second = places_[(kept + 1) & mask_];
+    const size_t at = PlaceOf(kept);
+    if (places_[at].hash == kept) return places_[at].number;
+    const Place& second = places_[at + 1 == places_.size() ? 0 : at + 1];
     return second.hash == kept ? second.number : kNone;
   }
   void Clear() {
@@ -76,13 +76,15 @@ class NumberTable {
 
  private:
   struct Place {
-    uint32_t hash = 0;  // half of it, of which the low bits say the place
+    uint32_t hash = 0;  // half of it, which says the place
     uint32_t number = kNone;
   };
   void Grow();
+  // Places have the order of the hashes, so that a larger table is filled from one end to the
+  // other.
+  size_t PlaceOf(uint32_t kept) const { return uint64_t{kept} * places_.size() >> 32; }
 
-  std::vector<Place> places_;  // a power of two of them; at most three quarters are used
-  size_t mask_ = 0;
+  std::vector<Place> places_;  // at most three quarters are used
   size_t used_ = 0;
 };
 

@@ -41,8 +41,9 @@ void CheckRoomForPage(const PageCollection& collection) {
 size_t PostingMemory(const PageCollection& collection) {
   const size_t memory = collection.input.memory;
   const size_t taken = MemoryOf(collection.vocabulary) + collection.linkTexts.memory() +
-                       collection.suggestions.memory() +
-                       collection.pages.capacity() * sizeof(PageLengths);
+                       collection.suggestions.memory() + collection.pages.memory() +
+                       collection.addresses.memory() + collection.equal.memory() +
+                       collection.similar.memory();
   return std::clamp(memory - std::min(memory, taken), memory / kLeastPostingPart,
                     kMostPostingBytes);
 }
@@ -166,6 +167,13 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
   if (collection.input.config.suggestions) collection.suggestions.AddPage(page.suggestions);
   collection.sourceBytes += facts.fileSize;
   return Reason::kNone;
+}
+
+void EndJoining(PageCollection& collection) {
+  collection.equal = EqualPages();
+  collection.similar = SimilarPages();
+  collection.vocabulary.table = NumberTable();
+  collection.tokens = PageTokens();
 }
 
 std::vector<MoreCategories> CategoriesOfCopies(PageCollection& collection) {

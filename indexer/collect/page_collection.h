@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "indexer/collect/chunked_list.h"
 #include "indexer/collect/content_counts.h"
 #include "indexer/collect/equal_pages.h"
 #include "indexer/collect/file_dates.h"
@@ -57,7 +58,7 @@ struct PageCollection {
   Vocabulary vocabulary;
   SignEntries signs;
   PostingRuns postings;
-  std::vector<PageLengths> pages;
+  ChunkedList<PageLengths> pages;
   SuggestionList suggestions;
   SiteSections sections;
   SiteRules rules;
@@ -75,6 +76,9 @@ struct PageCollection {
 // page table keeps of it is in `entry`. kCopy, kEqual, kSimilar, kAddressTooLong: it is left out.
 // Throws IndexError when the index is full or a temporary file cannot be written.
 [[nodiscard]] Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry);
+
+// Lets go of what only further pages would need. Once, when all have joined.
+void EndJoining(PageCollection& collection);
 
 // A page of the index, and categories that it is in beside those of its own addresses.
 struct MoreCategories {

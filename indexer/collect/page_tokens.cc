@@ -44,9 +44,11 @@ void AddTo(uint8_t& count, uint8_t more) {
 // The posting of the word on this page.
 Posting& PostingOf(const Joining& joining, uint32_t number, uint32_t token) {
   Word& word = joining.site.vocabulary.words[number];
-  if (word.lastPage == joining.pageNumber) return joining.out.postings[word.slot];
+  if (word.lastPage == joining.pageNumber) {
+    // One of the few words of its address that stand on the page too.
+    return *std::ranges::find(joining.out.postings, number, &Posting::word);
+  }
   word.lastPage = joining.pageNumber;
-  word.slot = static_cast<uint32_t>(joining.out.postings.size());
   ++word.pageCount;
   return joining.out.postings.emplace_back(
       Posting{.word = number, .page = joining.pageNumber, .token = token});

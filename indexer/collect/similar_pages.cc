@@ -93,6 +93,10 @@ std::optional<uint32_t> SimilarPages::SimilarTo(uint64_t print) const {
   return nearest == nullptr ? std::nullopt : std::optional(nearest->page);
 }
 
+size_t SimilarPages::memory() const {
+  return known_.size() * sizeof(Known) + last_.capacity() * sizeof(uint32_t);
+}
+
 void SimilarPages::Add(uint64_t print, uint32_t page) {
   if (last_.empty()) last_.resize(kQuarters * kQuarterValues);
   Known known = {.print = print, .page = page};

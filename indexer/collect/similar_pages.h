@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,8 @@ class SimilarPages {
   // Of more than a thousand that share a quarter of the print the last thousand are looked at.
   std::optional<uint32_t> SimilarTo(uint64_t print) const;
   void Add(uint64_t print, uint32_t page);
+  // Bytes that it takes, nearly.
+  size_t memory() const;
 
  private:
   // Prints that differ in three bits share one of these quarters.
@@ -37,7 +40,7 @@ class SimilarPages {
     uint32_t before[kQuarters] = {};  // one more than the place of the last with the same; 0: none
   };
 
-  std::vector<Known> known_;
+  std::deque<Known> known_;  // which never holds twice what it needs
   std::vector<uint32_t>
       last_;  // by quarter and its value, as `before`; empty before the first page
 };

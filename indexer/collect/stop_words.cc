@@ -63,8 +63,9 @@ ListedBases CountPages(const std::vector<StopWordList>& lists, const Vocabulary&
       ++listed[base].lists;
     }
   }
-  for (const Word& word : vocabulary.words) {
-    const auto found = listed.find(TextOf(word));
+  for (size_t i = 0; i < vocabulary.words.size(); ++i) {
+    const Word& word = vocabulary.words[i];
+    const auto found = listed.find(TextOf(word, vocabulary));
     if (found != listed.end()) found->second.pages = word.pageCount;
   }
   return listed;

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
+
+#include "indexer/report/index_error.h"
 
 namespace vela::indexer {
 
@@ -26,6 +29,23 @@ void TextStore::Clear() {
   blocks_.clear();
   next_ = nullptr;
   left_ = memory_ = 0;
+}
+
+uint32_t PlacedTexts::Keep(std::string_view text) {
+  if (text.empty()) return 0;
+  if (next_ % kBlockBytes + text.size() > kBlockBytes) next_ = blocks_.size() * kBlockBytes;
+  if (next_ + text.size() > std::numeric_limits<uint32_t>::max()) {
+    throw IndexError(ExitStatus::kFailed,
+                     "The site has more different words than one index can hold. Index its parts "
+                     "into several folders.");
+  }
+  if (next_ + text.size() > blocks_.size() * kBlockBytes) {
+    blocks_.push_back(std::make_unique_for_overwrite<char[]>(kBlockBytes));
+  }
+  const auto place = static_cast<uint32_t>(next_);
+  memcpy(blocks_[place / kBlockBytes].get() + place % kBlockBytes, text.data(), text.size());
+  next_ += text.size();
+  return place;
 }
 
 uint32_t TextNumbers::FindOrAdd(std::string_view text) {

@@ -25,6 +25,25 @@ class TextStore {
   size_t memory_ = 0;
 };
 
+// Short texts, which take their bytes and nothing else: whoever asks for one knows its place and
+// its length. Each has at most kBlockBytes.
+class PlacedTexts {
+ public:
+  static constexpr size_t kBlockBytes = size_t{1} << 18;
+
+  // Returns the place of the kept copy. Throws IndexError when there are 4 GB of them.
+  uint32_t Keep(std::string_view text);
+  std::string_view At(uint32_t place, size_t bytes) const {
+    if (bytes == 0) return {};
+    return {blocks_[place / kBlockBytes].get() + place % kBlockBytes, bytes};
+  }
+  size_t memory() const { return blocks_.size() * kBlockBytes; }
+
+ private:
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  uint64_t next_ = 0;
+};
+
 // Texts with numbers from 0 on, in the order in which they came first.
 class TextNumbers {
  public:

@@ -24,7 +24,7 @@ TitleMasses::TitleMasses(size_t pageCount, std::string_view stopWords, const Voc
     stopWords.remove_prefix(std::min(word.size() + 1, stopWords.size()));
   }
   for (size_t i = 0; i < vocabulary.words.size(); ++i) {
-    isStopWord_[i] = bases.contains(TextOf(vocabulary.words[i]));
+    isStopWord_[i] = bases.contains(TextOf(vocabulary.words[i], vocabulary));
   }
 }
 

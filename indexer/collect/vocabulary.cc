@@ -1,7 +1,8 @@
 #include "indexer/collect/vocabulary.h"
 
 #include <algorithm>
-#include <numeric>
+#include <bit>
+#include <cstring>
 
 namespace vela::indexer {
 
@@ -12,12 +13,12 @@ uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base) {
 uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base, uint64_t hash) {
   const auto next = static_cast<uint32_t>(vocabulary.words.size());
   const auto isSame = [&](uint32_t number) {
-    return IsSameText(TextOf(vocabulary.words[number]), base);
+    return IsSameText(TextOf(vocabulary.words[number], vocabulary), base);
   };
   const uint32_t number = vocabulary.table.FindOrAdd(hash, next, isSame);
   if (number != next) return number;
   Word word;
-  word.text = vocabulary.texts.Keep(base).data();
+  word.text = vocabulary.texts.Keep(base);
   word.length = static_cast<uint8_t>(base.size());
   vocabulary.words.push_back(word);
   return number;
@@ -25,42 +26,59 @@ uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base, uint64_t h
 
 uint8_t FindOrAddVariant(Vocabulary& vocabulary, uint32_t number, std::string_view surface) {
   Word& word = vocabulary.words[number];
-  if (surface == TextOf(word)) return 0;
+  if (IsSameText(surface, TextOf(word, vocabulary))) return 0;
   uint8_t place = 0;
-  for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
+  uint32_t* end = &word.firstVariant;  // where the number of one that is new is kept
+  while (*end != kNone32) {
+    Variant& variant = vocabulary.variants[*end];
     ++place;
-    if (TextOf(vocabulary.variants[v]) == surface) return place;
+    if (IsSameText(TextOf(variant, vocabulary), surface)) return place;
+    end = &variant.next;
   }
   if (word.variantCount == kVariantCountLimit || surface.size() > kVariantBytesLimit) return 0;
   const auto added = static_cast<uint32_t>(vocabulary.variants.size());
   Variant variant;
-  variant.text = vocabulary.texts.Keep(surface).data();
+  variant.text = vocabulary.texts.Keep(surface);
   variant.length = static_cast<uint8_t>(surface.size());
   vocabulary.variants.push_back(variant);
-  if (word.lastVariant == kNone32) {
-    word.firstVariant = added;
-  } else {
-    vocabulary.variants[word.lastVariant].next = added;
-  }
-  word.lastVariant = added;
+  *end = added;
   return ++word.variantCount;
 }
 
+uint64_t StartNumber(std::string_view text) {
+  static_assert(std::endian::native == std::endian::little);
+  uint64_t start = 0;
+  memcpy(&start, text.data(), std::min(text.size(), sizeof start));
+  return __builtin_bswap64(start);
+}
+
 size_t MemoryOf(const Vocabulary& vocabulary) {
-  return vocabulary.words.capacity() * sizeof(Word) +
-         vocabulary.variants.capacity() * sizeof(Variant) + vocabulary.table.memory() +
+  return vocabulary.words.memory() + vocabulary.variants.memory() + vocabulary.table.memory() +
          vocabulary.texts.memory();
 }
 
 std::vector<uint32_t> DictionaryOrder(const Vocabulary& vocabulary) {
-  std::vector<uint32_t> order(vocabulary.words.size());
-  std::iota(order.begin(), order.end(), 0U);
-  std::ranges::sort(order, [&](uint32_t a, uint32_t b) {
-    const Word& left = vocabulary.words[a];
-    const Word& right = vocabulary.words[b];
-    if (left.pageCount != right.pageCount) return left.pageCount > right.pageCount;
-    return TextOf(left) < TextOf(right);
+  // Beside the number what most words are told apart by, so that few texts are looked at.
+  struct Place {
+    uint32_t pages = 0;
+    uint32_t number = 0;
+    uint64_t start = 0;  // of the text, the first byte in the highest bits
+  };
+  std::vector<Place> places(vocabulary.words.size());
+  for (uint32_t number = 0; number < places.size(); ++number) {
+    const Word& word = vocabulary.words[number];
+    places[number] = {
+        .pages = word.pageCount, .number = number, .start = StartNumber(TextOf(word, vocabulary))};
+  }
+  std::ranges::sort(places, [&](const Place& a, const Place& b) {
+    if (a.pages != b.pages) return a.pages > b.pages;
+    if (a.start != b.start) return a.start < b.start;
+    return TextOf(vocabulary.words[a.number], vocabulary) <
+           TextOf(vocabulary.words[b.number], vocabulary);
   });
+  std::vector<uint32_t> order;
+  order.reserve(places.size());
+  for (const Place& place : places) order.push_back(place.number);
   return order;
 }
 

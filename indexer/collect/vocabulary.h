@@ -1,8 +1,8 @@
 // vocabulary.h: the words of the site while it is read.
 //
-// It stays in memory for the whole run, at about 80 bytes a word, as the search program holds the
-// finished dictionary too. Words are numbered in the order of their first appearance; the numbers
-// of the index files are given at the end (DictionaryOrder).
+// It stays in memory until the words are written, at about 70 bytes a word with its variants, as
+// the search program holds the finished dictionary too. Words are numbered in the order of their
+// first appearance; the numbers of the index files are given at the end (DictionaryOrder).
 #pragma once
 
 #include <cstdint>
@@ -11,6 +11,7 @@
 
 #include "format/dictionary.h"
 #include "format/page_text.h"
+#include "indexer/collect/chunked_list.h"
 #include "indexer/collect/number_table.h"
 #include "indexer/collect/text_store.h"
 
@@ -22,39 +23,43 @@ constexpr size_t kVariantBytesLimit = 126;                 // each
 static_assert(kVariantBytesLimit <= kVariantLimit);
 
 struct Variant {
-  const char* text = nullptr;  // owned by the vocabulary
-  uint32_t next = kNone32;     // the word's next variant, in order of first appearance
+  uint32_t text = 0;        // place among the vocabulary's texts
+  uint32_t next = kNone32;  // the word's next variant, in order of first appearance
   uint8_t length = 0;
 };
 
 struct Word {
-  const char* text = nullptr;     // owned by the vocabulary
+  uint32_t text = 0;              // place among the vocabulary's texts
   uint32_t pageCount = 0;         // pages that it finds
   uint32_t addressOnlyPages = 0;  // of those, that have it in their address alone
-  uint32_t lastPage = kNone32;    // the page that counted it last ...
-  uint32_t slot = 0;              // ... and its place among that page's words
+  uint32_t lastPage = kNone32;    // the page that counted it last
   uint32_t firstVariant = kNone32;
-  uint32_t lastVariant = kNone32;
   uint8_t length = 0;
   uint8_t variantCount = 0;
-  uint8_t mostOnPage = 0;  // occurrences on the page that has most of them, up to 255
-  bool inTitle = false;    // some page has it in its title
-  bool isWritten = false;  // pages write it; others only help to find one ("cafe" for "café")
+  uint8_t mostOnPage = 0;      // occurrences on the page that has most of them, up to 255
+  bool inTitle : 1 = false;    // some page has it in its title
+  bool isWritten : 1 = false;  // pages write it; others only help to find one ("cafe" for "café")
   // Pages write it in this very form, alone or as a part of a joined word; a stem need not be one.
-  bool isOwnForm = false;
+  bool isOwnForm : 1 = false;
 };
-
-inline std::string_view TextOf(const Word& word) { return {word.text, word.length}; }
-inline std::string_view TextOf(const Variant& variant) { return {variant.text, variant.length}; }
+static_assert(sizeof(Word) == 24 && sizeof(Variant) == 12);
 
 struct Vocabulary {
-  std::vector<Word> words;
-  std::vector<Variant> variants;
+  ChunkedList<Word> words;
+  ChunkedList<Variant> variants;
   NumberTable table;  // of `words`
-  TextStore texts;
+  PlacedTexts texts;
 };
 
-// The number of `base` (at most kWordBytesLimit bytes), which is added when it is new.
+inline std::string_view TextOf(const Word& word, const Vocabulary& vocabulary) {
+  return vocabulary.texts.At(word.text, word.length);
+}
+inline std::string_view TextOf(const Variant& variant, const Vocabulary& vocabulary) {
+  return vocabulary.texts.At(variant.text, variant.length);
+}
+
+// The number of `base` (at most kWordBytesLimit bytes), which is added when it is new. Throws
+// IndexError when there are more words than one index can hold.
 uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base);
 // The same for whoever knows TextHash(base).
 uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base, uint64_t hash);
@@ -62,6 +67,10 @@ uint32_t FindOrAddWord(Vocabulary& vocabulary, std::string_view base, uint64_t h
 // The variant byte of `surface` for this word: 0 for the word itself, its place from 1 on among the
 // variants, to which it is added when it is new; 0 as well when there is no more room for it.
 uint8_t FindOrAddVariant(Vocabulary& vocabulary, uint32_t word, std::string_view surface);
+
+// The first eight bytes of a text as a number: of two texts whose numbers differ, the one with the
+// lesser number comes first in the order of bytes.
+uint64_t StartNumber(std::string_view text);
 
 // Bytes that the vocabulary takes, nearly.
 size_t MemoryOf(const Vocabulary& vocabulary);

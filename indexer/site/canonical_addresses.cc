@@ -5,8 +5,22 @@
 namespace vela::indexer {
 
 namespace {
+
 constexpr int kCopyStepLimit = 100;
+constexpr uint32_t kNoPage = 0xFFFFFFFF;
+
+constexpr uint64_t kFirstPrint = 0xCBF29CE484222325;
+
+// The print of a text that goes on with `more`, of one that has the print `before`.
+uint64_t PrintOn(uint64_t before, std::string_view more) {
+  constexpr uint64_t kPrime = 0x100000001B3;
+  for (const char c : more) before = (before ^ static_cast<unsigned char>(c)) * kPrime;
+  return before;
+}
+
 }  // namespace
+
+uint64_t AddressPrint(std::string_view address) { return PrintOn(kFirstPrint, address); }
 
 std::string OtherAddress(const std::string& base, const std::string& own,
                          const std::string& canonical) {
@@ -16,25 +30,35 @@ std::string OtherAddress(const std::string& base, const std::string& own,
   return named;
 }
 
+uint32_t CanonicalAddresses::NameNumber(std::string_view name) {
+  const auto [known, isNew] =
+      nameNumbers_.try_emplace(std::string(name), static_cast<uint32_t>(names_.size()));
+  if (isNew) names_.emplace_back(name);
+  return known->second;
+}
+
 void CanonicalAddresses::AddItem(const std::string& address) {
-  pages_.try_emplace(address);
+  pages_.TryAdd(AddressPrint(address), kNoPage);
   const std::string folder = FolderOfIndexPage(address);
-  if (!folder.empty()) indexPages_.try_emplace(folder, address);
+  if (folder.empty()) return;
+  const std::string_view name = std::string_view(address).substr(folder.size());
+  indexPages_.TryAdd(AddressPrint(folder), NameNumber(name));
 }
 
 // The address itself where it is known, else that of the folder's index page, else the address.
-const std::string& CanonicalAddresses::ItemAt(const std::string& address) const {
-  if (pages_.contains(address)) return address;
-  const auto indexPage = indexPages_.find(address);
-  return indexPage == indexPages_.end() ? address : indexPage->second;
+uint64_t CanonicalAddresses::ItemAt(uint64_t address) const {
+  if (pages_.Find(address) != nullptr) return address;
+  const uint32_t* name = indexPages_.Find(address);
+  return name == nullptr ? address : PrintOn(address, names_[*name]);
 }
 
 // Whether `from` was left out as a copy of `own`, or of a copy of it: one of them must stay.
-bool CanonicalAddresses::LeadsBack(const std::string& from, const std::string& own) const {
-  auto copy = copies_.find(from);
-  for (int step = 0; step < kCopyStepLimit && copy != copies_.end(); ++step) {
-    if (copy->second == own) return true;
-    copy = copies_.find(copy->second);
+bool CanonicalAddresses::LeadsBack(uint64_t from, uint64_t own) const {
+  const uint32_t* copy = copies_.Find(from);
+  for (int step = 0; step < kCopyStepLimit && copy != nullptr; ++step) {
+    const uint64_t original = originals_[*copy].original;
+    if (original == own) return true;
+    copy = copies_.Find(original);
   }
   return false;
 }
@@ -42,37 +66,62 @@ bool CanonicalAddresses::LeadsBack(const std::string& from, const std::string& o
 Reason CanonicalAddresses::Choose(const std::string& own, const std::string& canonical,
                                   std::string& address) {
   address = own;
-  const std::string named = OtherAddress(base_, own, canonical);
-  if (named.empty()) return Reason::kNone;
+  std::string original = OtherAddress(base_, own, canonical);
+  if (original.empty()) return Reason::kNone;
+  uint64_t print = AddressPrint(original);
   // An index page may have its folder's address for its own.
-  const std::string original = FolderOfIndexPage(own) == named ? named : ItemAt(named);
-  if (pages_.try_emplace(original).second) {
+  if (FolderOfIndexPage(own) != original && pages_.Find(print) == nullptr) {
+    if (const uint32_t* name = indexPages_.Find(print)) {
+      original += names_[*name];
+      print = AddressPrint(original);
+    }
+  }
+  if (pages_.TryAdd(print, kNoPage).second) {
     address = original;
     return Reason::kNone;
   }
-  if (LeadsBack(original, own)) return Reason::kNone;
-  copies_.emplace(own, original);
+  const uint64_t ownPrint = AddressPrint(own);
+  if (LeadsBack(print, ownPrint)) return Reason::kNone;
+  if (copies_.TryAdd(ownPrint, static_cast<uint32_t>(originals_.size())).second) {
+    originals_.push_back({.original = print, .address = std::move(original)});
+  }
   return Reason::kCopy;
 }
 
+std::string CanonicalAddresses::OriginalOf(const std::string& address) const {
+  const uint32_t* copy = copies_.Find(AddressPrint(address));
+  return copy == nullptr ? std::string() : originals_[*copy].address;
+}
+
 void CanonicalAddresses::Note(const std::string& address, uint32_t page) {
-  pages_[address] = page;
+  const uint64_t print = AddressPrint(address);
+  *pages_.TryAdd(print, page).first = page;
   const std::string folder = FolderOfIndexPage(address);
   if (folder.empty()) return;
   // The first index page of the folder that is not left out for a reason of its own.
-  std::string& indexPage = indexPages_[folder];
-  if (!PageAt(indexPage).has_value() && !copies_.contains(indexPage)) indexPage = address;
+  const uint32_t name = NameNumber(std::string_view(address).substr(folder.size()));
+  const uint64_t folderPrint = AddressPrint(folder);
+  uint32_t& indexPage = *indexPages_.TryAdd(folderPrint, name).first;
+  const uint64_t known = PrintOn(folderPrint, names_[indexPage]);
+  if (!PageAt(known).has_value() && copies_.Find(known) == nullptr) indexPage = name;
 }
 
-std::optional<uint32_t> CanonicalAddresses::PageAt(const std::string& address) const {
-  const std::string* at = &ItemAt(address);
+std::optional<uint32_t> CanonicalAddresses::PageAt(uint64_t address) const {
+  uint64_t at = ItemAt(address);
   for (int step = 0; step < kCopyStepLimit; ++step) {
-    const auto copy = copies_.find(*at);
-    if (copy == copies_.end()) break;
-    at = &copy->second;
+    const uint32_t* copy = copies_.Find(at);
+    if (copy == nullptr) break;
+    at = originals_[*copy].original;
   }
-  const auto page = pages_.find(*at);
-  return page == pages_.end() ? std::nullopt : page->second;
+  const uint32_t* page = pages_.Find(at);
+  return page == nullptr || *page == kNoPage ? std::nullopt : std::optional(*page);
+}
+
+size_t CanonicalAddresses::memory() const {
+  constexpr size_t kAddressBytes = 64;  // of an original
+  constexpr size_t kNameBytes = 150;    // of both tables of names
+  return pages_.memory() + copies_.memory() + indexPages_.memory() +
+         originals_.capacity() * (sizeof(Copy) + kAddressBytes) + names_.size() * kNameBytes;
 }
 
 }  // namespace vela::indexer

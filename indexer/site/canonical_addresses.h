@@ -7,8 +7,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "indexer/report/reason.h"
+#include "indexer/site/print_table.h"
 
 namespace vela::indexer {
 
@@ -18,8 +20,12 @@ namespace vela::indexer {
 std::string OtherAddress(const std::string& base, const std::string& own,
                          const std::string& canonical);
 
+// By which addresses are known (FNV-1a).
+uint64_t AddressPrint(std::string_view address);
+
 // Pages come one by one; what was decided for one holds when the next comes. A folder's address
-// means the first page named "index." in it, unless a page has taken it for its own.
+// means the first page named "index." in it, unless a page has taken it for its own. Of an address
+// its print stays in memory, of a copy the address of the original besides.
 class CanonicalAddresses {
  public:
   // `base` is the site's address, ending in "/".
@@ -36,10 +42,7 @@ class CanonicalAddresses {
                               std::string& address);
 
   // The address for which the page at `address` was left out as a copy; empty for another page.
-  std::string OriginalOf(const std::string& address) const {
-    const auto copy = copies_.find(address);
-    return copy == copies_.end() ? std::string() : copy->second;
-  }
+  std::string OriginalOf(const std::string& address) const;
 
   // Notes that `page`, a number in the index, stands for that address: it is its own, or that of a
   // page which says the same.
@@ -47,31 +50,34 @@ class CanonicalAddresses {
 
   // The page that stands for an address of the site, also when it is that of a page left out as a
   // copy. None before the page was noted.
-  std::optional<uint32_t> PageAt(const std::string& address) const;
-
-  // Calls `use(address, page)` for every address that a page stands for (PageAt), in any order;
-  // for some of them twice.
-  template <typename Use>
-  void ForEachAddress(Use use) const {
-    const auto useKeys = [&](const auto& table) {
-      for (const auto& row : table) {
-        if (const std::optional<uint32_t> page = PageAt(row.first)) use(row.first, *page);
-      }
-    };
-    useKeys(pages_);
-    useKeys(copies_);
-    useKeys(indexPages_);
+  std::optional<uint32_t> PageAt(std::string_view address) const {
+    return PageAt(AddressPrint(address));
   }
+  // The same for whoever knows the address by its print.
+  std::optional<uint32_t> PageAt(uint64_t address) const;
+
+  // Bytes that it takes, nearly.
+  size_t memory() const;
 
  private:
-  const std::string& ItemAt(const std::string& address) const;
-  bool LeadsBack(const std::string& from, const std::string& own) const;
+  // A page that was left out, by what it is a copy of.
+  struct Copy {
+    uint64_t original = 0;
+    std::string address;  // of the original
+  };
+
+  uint64_t ItemAt(uint64_t address) const;
+  bool LeadsBack(uint64_t from, uint64_t own) const;
+  uint32_t NameNumber(std::string_view name);
 
   std::string base_;
-  // Of items, and canonical ones that no item has.
-  std::unordered_map<std::string, std::optional<uint32_t>> pages_;
-  std::unordered_map<std::string, std::string> copies_;      // left out, and of which address
-  std::unordered_map<std::string, std::string> indexPages_;  // by the folder
+  // Of items, and canonical ones that no item has: the page, or kNoPage.
+  PrintTable<uint32_t> pages_;
+  PrintTable<uint32_t> copies_;  // those left out, by their places in the next
+  std::vector<Copy> originals_;
+  PrintTable<uint32_t> indexPages_;  // by the folder, the number of a name
+  std::vector<std::string> names_;   // of index pages: "index.html"
+  std::unordered_map<std::string, uint32_t> nameNumbers_;
 };
 
 }  // namespace vela::indexer

@@ -103,8 +103,7 @@ class Walk {
       std::ranges::sort(links, {}, &Place::path);
       for (const Place& link : links) Follow(link);
     }
-    // std::string compares as unsigned bytes, so the order does not depend on the locale.
-    std::ranges::sort(out_.items, {}, &SourceItem::path);
+    out_.items.SortByPath();  // what was found behind links stands last
     for (size_t i = 0; i < usedPatterns_.size(); ++i) {
       if (usedPatterns_[i]) continue;
       out_.unused.push_back({Reason::kUnusedExclude, {}, site_.excluded[i]});
@@ -131,53 +130,81 @@ class Walk {
     return excluded;
   }
 
+  // What of a folder is still to be taken, in the order of the paths of what lies in it: "a-b.html"
+  // comes before "a/b.html", as "-" comes before "/".
+  struct Folder {
+    struct Entry {
+      std::string name;  // of a folder with a "/" at its end
+      fs::file_type type = fs::file_type::none;
+    };
+    Place place;
+    std::vector<Entry> entries = {};  // the last one comes first
+  };
+
+  // Takes the pages of a folder and of all folders in it, in the order of their paths.
   void ReadFolders(Place first) {
-    std::vector<Place> folders = {std::move(first)};
-    while (!folders.empty()) {
-      const Place folder = std::move(folders.back());
-      folders.pop_back();
-      ReadFolder(folder, folders);
+    std::vector<Folder> open;
+    open.push_back(ReadFolder(std::move(first)));
+    while (!open.empty()) {
+      if (open.back().entries.empty()) {
+        open.pop_back();
+        continue;
+      }
+      Folder::Entry entry = std::move(open.back().entries.back());
+      open.back().entries.pop_back();
+      const bool isFolder = entry.name.ends_with('/');
+      if (isFolder) entry.name.pop_back();
+      Place place = Inside(open.back().place, entry.name);
+      if (isFolder) {
+        open.push_back(ReadFolder(std::move(place)));
+      } else {
+        TakeFile(std::move(place), entry.type);
+      }
     }
   }
 
-  // Takes the pages of one folder; the folders in it join `folders`.
-  void ReadFolder(const Place& folder, std::vector<Place>& folders) {
+  Folder ReadFolder(Place place) {
+    Folder folder = {.place = std::move(place)};
     std::error_code error;
-    fs::directory_iterator entries(site_.folder / folder.file, error);
+    fs::directory_iterator entries(site_.folder / folder.place.file, error);
     if (error) {
-      if (folder.path.empty()) {
+      if (folder.place.path.empty()) {
         throw IndexError(ExitStatus::kFailed, "Cannot read the site folder " +
                                                   site_.folder.string() + ": " + error.message() +
                                                   ". Check --site and the folder's permissions.");
       }
-      AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.path);
-      return;
+      AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.place.path);
+      return folder;
     }
     while (entries != fs::directory_iterator()) {
-      const fs::directory_entry& entry = *entries;
-      const std::string name = entry.path().filename().string();
-      Place place = Inside(folder, name);
-      const fs::file_type type = entry.symlink_status(error).type();
-      if (error) {
-        AddLeftOut(out_.leftOut, Reason::kFileNotRead, place.path);
-      } else if (IsExcluded(name, place.path)) {
-        // Left out on purpose: no reason to report.
-      } else if (type == fs::file_type::symlink && site_.followLinks) {
-        links_.push_back(std::move(place));
-      } else if (type == fs::file_type::symlink) {
-        NoteLink(place, Reason::kSymbolicLink);
-      } else if (type != fs::file_type::directory) {
-        TakeFile(std::move(place), type);
-      } else if (IsNew(place)) {
-        if (site_.folder / place.file != site_.excludedFolder) {
-          folders.push_back(std::move(place));
-        }
-      }
+      NoteEntry(*entries, folder);
       entries.increment(error);
       if (error) {
-        AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.path);
+        AddLeftOut(out_.leftOut, Reason::kFolderNotRead, folder.place.path);
         break;
       }
+    }
+    std::ranges::sort(folder.entries, std::ranges::greater(), &Folder::Entry::name);
+    return folder;
+  }
+
+  void NoteEntry(const fs::directory_entry& entry, Folder& folder) {
+    std::string name = entry.path().filename().string();
+    Place place = Inside(folder.place, name);
+    std::error_code error;
+    const fs::file_type type = entry.symlink_status(error).type();
+    if (error) {
+      AddLeftOut(out_.leftOut, Reason::kFileNotRead, place.path);
+    } else if (IsExcluded(name, place.path)) {
+      // Left out on purpose: no reason to report.
+    } else if (type == fs::file_type::symlink && site_.followLinks) {
+      links_.push_back(std::move(place));
+    } else if (type == fs::file_type::symlink) {
+      NoteLink(place, Reason::kSymbolicLink);
+    } else if (type != fs::file_type::directory) {
+      folder.entries.push_back({.name = std::move(name), .type = type});
+    } else if (IsNew(place) && site_.folder / place.file != site_.excludedFolder) {
+      folder.entries.push_back({.name = std::move(name) + "/", .type = type});
     }
   }
 
@@ -203,7 +230,7 @@ class Walk {
     if (place.file == place.path) place.file.clear();
     std::string address = PageAddress(site_.base, place.path);
     const bool isXml = IsXml(place.path);
-    out_.items.push_back(
+    out_.items.Add(
         {std::move(place.path), std::move(address), *type, std::move(place.file), isXml});
   }
 
@@ -258,7 +285,7 @@ void KeepOnly(const SiteFolder& site, SiteListing& listing) {
     if (path.is_absolute()) path = path.lexically_relative(site.folder);
     wanted.insert(path.string());
   }
-  std::erase_if(listing.items, [&](const SourceItem& item) { return !wanted.contains(item.path); });
+  listing.items.KeepIf([&](const SourceItem& item) { return wanted.contains(item.path); });
   for (LeftOut* each : {&listing.leftOut, &listing.otherKinds}) {
     LeftOut kept;
     for (const LeftOut::Entry& entry : each->entries) {

@@ -7,15 +7,16 @@
 #include "indexer/report/left_out.h"
 #include "indexer/report/reason.h"
 #include "indexer/source/file_reading.h"
+#include "indexer/source/item_list.h"
 #include "indexer/source/source_item.h"
 
 namespace vela::indexer {
 
 struct SiteListing {
-  std::vector<SourceItem> items;  // in the order that gives pages their numbers
-  LeftOut leftOut;                // what might have been pages
-  LeftOut otherKinds;             // `where` is the ending, with its dot; empty for none
-  std::vector<Finding> unused;    // rules of the owner's that left nothing out
+  ItemList items;               // in the order that gives pages their numbers
+  LeftOut leftOut;              // what might have been pages
+  LeftOut otherKinds;           // `where` is the ending, with its dot; empty for none
+  std::vector<Finding> unused;  // rules of the owner's that left nothing out
   // Where pages were looked for and what would be one, for the message that there is none:
   // "in /srv/site. Pages are files that end in .html."
   std::string sought;

@@ -22,11 +22,11 @@ SiteListing StoreSource::List() {
     } else if (page.reason != Reason::kNone) {
       AddLeftOut(listing.leftOut, page.reason, page.address);
     } else {
-      listing.items.push_back({.path = page.address,
-                               .address = page.address,
-                               .type = *type,
-                               .isXml = IsXmlType(page.mediaType),
-                               .mediaType = std::move(page.mediaType)});
+      listing.items.Add({.path = page.address,
+                         .address = page.address,
+                         .type = *type,
+                         .isXml = IsXmlType(page.mediaType),
+                         .mediaType = std::move(page.mediaType)});
     }
   }
   return listing;

@@ -134,7 +134,7 @@ SiteListing MergedParts::List() {
     }
     const PageRow& row = rows[*first]->row();
     list.Add(row.item);
-    listing.items.push_back({.path = row.path, .address = row.address, .type = row.type});
+    listing.items.Add({.path = row.path, .address = row.address, .type = row.type});
     known_.push_back({.part = *first, .outcome = row.outcome});
     rows[*first]->Next();
   }

@@ -55,7 +55,7 @@ class MergedParts final : public Source {
   PartNotes OpenPart(const std::string& folder);
 
   PartNotes notes_;
-  std::vector<SourceItem> items_;
+  ItemList items_;
   std::vector<Known> known_;  // beside the items
   mutable std::mutex mutex_;  // of the readers
   mutable std::vector<Part> parts_;

@@ -166,13 +166,13 @@ bool PageState::IsEqualNow(const Source& source, const SourceItem& item, PageRow
   return true;
 }
 
-void PageState::Compare(const Source& source, const std::vector<SourceItem>& items,
-                        bool needsAnchors) {
+void PageState::Compare(const Source& source, const ItemList& items, bool needsAnchors) {
   items_ = &items;
   needsAnchors_ = needsAnchors;
   known_.assign(items.size(), Known());
   isUnchanged_ = true;
   size_t next = 0;
+  auto item = items.begin();  // the item of that number
   const std::lock_guard lock(mutex_);
   std::vector<std::pair<size_t, PageRow>> moved;      // as they were, with another version
   std::vector<std::pair<std::string, int64_t>> gone;  // paths, and rows of blocks
@@ -181,15 +181,17 @@ void PageState::Compare(const Source& source, const std::vector<SourceItem>& ite
     PageRow row;
     while (query.Next()) {
       const bool isWhole = row.Read(query);
-      for (; next < items.size() && items[next].path < row.path; ++next) isUnchanged_ = false;
-      if (next == items.size() || items[next].path != row.path) {
+      for (; next < items.size() && item->path < row.path; ++next, ++item) isUnchanged_ = false;
+      if (next == items.size() || item->path != row.path) {
         gone.emplace_back(row.path, row.outcome.block);
         isUnchanged_ = false;
         continue;
       }
-      const SourceItem& item = items[next];
-      Known& known = known_[next++];
-      if (!isWhole || row.item != ItemFingerprint(item)) {
+      const SourceItem found = *item;
+      Known& known = known_[next];
+      ++next;
+      ++item;
+      if (!isWhole || row.item != ItemFingerprint(found)) {
         if (isWhole) known.outcome.block = row.outcome.block;
         isUnchanged_ = false;
         continue;
@@ -199,9 +201,9 @@ void PageState::Compare(const Source& source, const std::vector<SourceItem>& ite
                .modifiedTime = row.modifiedTime,
                .is = Is::kChanged};
       const bool counts = !IsPassing(row.outcome.reason);
-      if (counts && !row.version.empty() && row.version == source.Version(item)) {
+      if (counts && !row.version.empty() && row.version == source.Version(found)) {
         known.is = Is::kSame;
-      } else if (counts && isUnchanged_ && IsEqualNow(source, item, row)) {
+      } else if (counts && isUnchanged_ && IsEqualNow(source, found, row)) {
         // Where all are the same there is no run to come that would look at its bytes.
         known.is = Is::kSame;
         if (!row.version.empty()) moved.emplace_back(next - 1, row);
@@ -213,7 +215,7 @@ void PageState::Compare(const Source& source, const std::vector<SourceItem>& ite
   if (next < items.size()) isUnchanged_ = false;
   if (needsAnchors) isUnchanged_ = false;
   Guarded([&] {
-    for (const auto& [item, row] : moved) Write(item, row, nullptr, nullptr);
+    for (const auto& [number, row] : moved) Write(number, row, nullptr, nullptr);
     if (gone.empty()) return;
     Begin();
     DropPublished();
@@ -271,7 +273,7 @@ bool PageState::TakeEqual(size_t item, const ItemContent& content, ItemOutcome& 
 
 void PageState::Keep(size_t item, const ItemContent& content, const ItemOutcome& outcome) {
   if (isBroken_) return;
-  const SourceItem& source = (*items_)[item];
+  const SourceItem source = (*items_)[item];
   const std::string packed =
       outcome.reason == Reason::kNone ? Packed(BlockBytes(outcome.block)) : std::string();
   const std::string anchors = needsAnchors_ ? Packed(outcome.anchors) : std::string();

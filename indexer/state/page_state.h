@@ -59,7 +59,7 @@ class PageState {
   // items stand in ascending byte order of their paths and outlive this. One whose anchors are not
   // known counts as changed where `needsAnchors`. Before the functions below, which are given
   // numbers of these items.
-  void Compare(const Source& source, const std::vector<SourceItem>& items, bool needsAnchors);
+  void Compare(const Source& source, const ItemList& items, bool needsAnchors);
 
   // Whether each item is as it was, and none is gone. Files of another time or place whose bytes
   // and dates are the same are as they were.
@@ -114,7 +114,7 @@ class PageState {
 
   std::filesystem::path file_;
   std::vector<DateSource> dates_;
-  const std::vector<SourceItem>* items_ = nullptr;
+  const ItemList* items_ = nullptr;
   std::vector<Known> known_;  // beside the items
   bool needsAnchors_ = false;
   bool isUnchanged_ = false;

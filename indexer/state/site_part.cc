@@ -105,15 +105,15 @@ std::optional<PartNumber> ReadPartNumber(std::string_view text) {
   return part;
 }
 
-Fingerprint ListFingerprintOf(const std::vector<SourceItem>& items) {
+Fingerprint ListFingerprintOf(const ItemList& items) {
   ListFingerprint list;
   for (const SourceItem& item : items) list.Add(ItemFingerprint(item));
   return list.Finish();
 }
 
-void KeepPart(const PartNumber& part, std::vector<SourceItem>& items) {
-  std::erase_if(items, [&](const SourceItem& item) {
-    return FingerprintOf(item.path).low % part.count != part.number - 1;
+void KeepPart(const PartNumber& part, ItemList& items) {
+  items.KeepIf([&](const SourceItem& item) {
+    return FingerprintOf(item.path).low % part.count == part.number - 1;
   });
 }
 

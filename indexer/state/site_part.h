@@ -57,10 +57,10 @@ class ListFingerprint {
   FingerprintOfAll all_;
 };
 
-Fingerprint ListFingerprintOf(const std::vector<SourceItem>& items);
+Fingerprint ListFingerprintOf(const ItemList& items);
 
 // Leaves the items of the part.
-void KeepPart(const PartNumber& part, std::vector<SourceItem>& items);
+void KeepPart(const PartNumber& part, ItemList& items);
 
 std::string PartText(const PartNotes& notes);
 // False when `text` is not what PartText makes.

@@ -45,7 +45,7 @@ bool IsLone(std::string_view word) {
 // German nouns are written with a capital; what a page has in small letters is a verb as often.
 bool IsNoun(const Vocabulary& vocabulary, const Word& word, bool utf8) {
   for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
-    const std::string_view written = TextOf(vocabulary.variants[v]);
+    const std::string_view written = TextOf(vocabulary.variants[v], vocabulary);
     std::string form(written);
     LowerText(form.data(), form.size(), utf8);
     if (form == written) return false;
@@ -64,9 +64,9 @@ WordsByForm FormsOfSite(const Vocabulary& vocabulary, bool utf8) {
   for (uint32_t number = 0; number < vocabulary.words.size(); ++number) {
     const Word& word = vocabulary.words[number];
     if (!(word.isWritten || word.isOwnForm) || word.pageCount < kPagesLeast) continue;
-    if (word.isOwnForm) forms.emplace(TextOf(word), number);
+    if (word.isOwnForm) forms.emplace(TextOf(word, vocabulary), number);
     for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
-      std::string form(TextOf(vocabulary.variants[v]));
+      std::string form(TextOf(vocabulary.variants[v], vocabulary));
       LowerText(form.data(), form.size(), utf8);
       forms.emplace(std::move(form), number);
     }

@@ -37,9 +37,9 @@ bool IsOfLetters(std::string_view text, const WordLetters& letters) {
 // What pages write for the word, in lower case, each once.
 std::set<std::string> FormsOf(const Vocabulary& vocabulary, const Word& word, bool utf8) {
   std::set<std::string> forms;
-  if (word.isOwnForm) forms.emplace(TextOf(word));
+  if (word.isOwnForm) forms.emplace(TextOf(word, vocabulary));
   for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
-    std::string form(TextOf(vocabulary.variants[v]));
+    std::string form(TextOf(vocabulary.variants[v], vocabulary));
     LowerText(form.data(), form.size(), utf8);
     forms.insert(std::move(form));
   }

@@ -24,9 +24,9 @@ DictionarySizes WriteDictionary(const std::filesystem::path& path,
   }
   for (const uint32_t number : order) {
     const Word& word = vocabulary.words[number];
-    writeBase(TextOf(word), static_cast<int64_t>(offsets[number]), word.variantCount);
+    writeBase(TextOf(word, vocabulary), static_cast<int64_t>(offsets[number]), word.variantCount);
     for (uint32_t v = word.firstVariant; v != kNone32; v = vocabulary.variants[v].next) {
-      const std::string_view text = TextOf(vocabulary.variants[v]);
+      const std::string_view text = TextOf(vocabulary.variants[v], vocabulary);
       file.Write(text);
       file.Write("\n");
       ++sizes.variants;

@@ -62,6 +62,9 @@ struct WordTables {
 // Goes through the dictionary. False when a line is not in the form that its writer gives it.
 bool ReadWords(std::string_view bytes, WordTables& tables) {
   if (bytes.size() > UINT32_MAX) return false;
+  const auto lines = static_cast<size_t>(std::ranges::count(bytes, '\n'));
+  tables.starts.reserve(lines);
+  tables.sorted.reserve(lines);
   std::string_view rest = bytes;
   std::string_view line;
   const auto add = [&](std::string_view text, size_t word) {

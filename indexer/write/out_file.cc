@@ -49,10 +49,6 @@ void OutFile::WriteNumber(uint64_t value, size_t bytes) {
   Write(std::string_view(LittleEndian(value).data(), bytes));
 }
 
-void OutFile::ReplaceNumber(uint64_t at, uint64_t value, size_t bytes) {
-  Replace(at, std::string_view(LittleEndian(value).data(), bytes));
-}
-
 std::string OutFile::Read(uint64_t at, size_t bytes) {
   Flush();
   const int fd = open(path_.c_str(), O_RDONLY | O_CLOEXEC);

@@ -25,7 +25,6 @@ class OutFile {
   std::string Read(uint64_t at, size_t bytes);
   // Puts `bytes` in the place of as many that were written before, from `at` on.
   void Replace(uint64_t at, std::string_view bytes);
-  void ReplaceNumber(uint64_t at, uint64_t value, size_t bytes);
   // Brings everything to the disk and closes the file. Returns its size in bytes.
   uint64_t Finish();
   // Closes a temporary file, which need not outlive the process.

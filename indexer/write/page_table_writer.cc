@@ -9,6 +9,7 @@
 #include "index/page_data.h"
 #include "indexer/collect/category_set.h"
 #include "indexer/config/site_config.h"
+#include "indexer/report/index_error.h"
 
 namespace vela::indexer {
 
@@ -33,6 +34,14 @@ uint64_t RecordedTime(int64_t time) {
   return static_cast<uint64_t>(dated ? time : kNoPageDate);
 }
 
+// Little-endian.
+void PutNumber(uint64_t number, std::span<char> bytes) {
+  for (char& byte : bytes) {
+    byte = static_cast<char>(number & 0xFF);
+    number >>= 8;
+  }
+}
+
 }  // namespace
 
 PageTableWriter::PageTableWriter(const std::filesystem::path& info,
@@ -40,11 +49,16 @@ PageTableWriter::PageTableWriter(const std::filesystem::path& info,
     : info_(info), data_(data) {}
 
 void PageTableWriter::AddPage(const PageEntry& page) {
-  places_.push_back({.record = info_.size(), .line = data_.size()});
+  if (info_.size() > std::numeric_limits<int32_t>::max()) {
+    throw IndexError(ExitStatus::kFailed,
+                     "The pages have more categories and fields than one index can hold. Index the "
+                     "site's parts into several folders.");
+  }
+  records_.push_back(static_cast<uint32_t>(info_.size()));
   const size_t massWidth = page.hasTitleMass ? kTitleMassWidth : 0;
   info_.WriteNumber(kLayout.fixedSize + page.categories.size() + page.metaValues.size() + massWidth,
                     kLayout.lengthWidth);
-  info_.WriteNumber(places_.back().line, kDataOffsetWidth);
+  info_.WriteNumber(data_.size(), kDataOffsetWidth);
   info_.WriteNumber(std::min(page.fileSize, LargestNumber(kFileSizeWidth)), kFileSizeWidth);
   info_.WriteNumber(RecordedTime(page.time), kDateTimeWidth);
   info_.WriteNumber(page.boost, kBoostWidth);
@@ -69,6 +83,13 @@ uint64_t PageTableWriter::AddLine(const PageLine& line) {
   return begin;
 }
 
+uint64_t PageTableWriter::LineAt(uint32_t page) {
+  const std::string bytes = info_.Read(records_[page] + kLayout.dataOffset, kDataOffsetWidth);
+  uint64_t line = 0;
+  for (size_t i = bytes.size(); i-- > 0;) line = line << 8 | static_cast<unsigned char>(bytes[i]);
+  return line;
+}
+
 PageLine PageTableWriter::ReadLine(uint32_t page) {
   const std::string bytes = data_.Read(LineAt(page), kPageDataLineLimit);
   PageTexts texts;
@@ -79,23 +100,44 @@ PageLine PageTableWriter::ReadLine(uint32_t page) {
           .image = std::string(texts.image)};
 }
 
+void PageTableWriter::WriteChanges() {
+  if (!changed_.empty()) info_.Replace(changedAt_, changed_);
+  changed_.clear();
+}
+
+std::span<char> PageTableWriter::Record(uint32_t page) {
+  constexpr size_t kPortion = size_t{64} << 10;
+  const uint64_t begin = records_[page];
+  const auto size = static_cast<size_t>(EndOf(page) - begin);
+  if (begin < changedAt_ || begin + size > changedAt_ + changed_.size()) {
+    WriteChanges();
+    changed_ = info_.Read(begin, std::max(kPortion, size));
+    changedAt_ = begin;
+    if (changed_.size() < size) {
+      throw IndexError(ExitStatus::kFailed,
+                       "The page table cannot be read back. Check the disk it lies on.");
+    }
+  }
+  return std::span(changed_).subspan(static_cast<size_t>(begin - changedAt_), size);
+}
+
 void PageTableWriter::SetTime(uint32_t page, int64_t time) {
-  info_.ReplaceNumber(places_[page].record + kLayout.dateTime, RecordedTime(time), kDateTimeWidth);
+  PutNumber(RecordedTime(time), Record(page).subspan(kLayout.dateTime, kDateTimeWidth));
 }
 
 void PageTableWriter::SetTitleMass(uint32_t page, uint32_t mass) {
-  const uint64_t end = page + 1 < places_.size() ? places_[page + 1].record : info_.size();
-  info_.ReplaceNumber(end - kTitleMassWidth, mass, kTitleMassWidth);
+  PutNumber(mass, Record(page).last(kTitleMassWidth));
 }
 
 void PageTableWriter::AddToCategories(uint32_t page, std::string_view categories) {
-  const uint64_t at = places_[page].record + kLayout.fixedSize;
-  std::string all = info_.Read(at, categories.size());
+  const std::span<char> at = Record(page).subspan(kLayout.fixedSize, categories.size());
+  std::string all(at.begin(), at.end());
   AddCategories(categories, all);
-  info_.Replace(at, all);
+  std::ranges::copy(all, at.begin());
 }
 
 PageTableWriter::Sizes PageTableWriter::Finish() {
+  WriteChanges();
   Sizes sizes;
   sizes.infoBytes = info_.Finish();
   sizes.dataBytes = data_.Finish();

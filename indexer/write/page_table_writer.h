@@ -4,10 +4,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "indexer/collect/chunked_list.h"
 #include "indexer/collect/page_entry.h"
 #include "indexer/write/out_file.h"
 
@@ -27,11 +28,14 @@ class PageTableWriter {
   // Pages are numbered from 0 on.
   void AddPage(const PageEntry& page);
   // Where the line of a page begins in the page data.
-  uint64_t LineAt(uint32_t page) const { return places_[page].line; }
+  uint64_t LineAt(uint32_t page);
   // The line as it was written.
   PageLine ReadLine(uint32_t page);
   // Adds a line that is no page's: no search finds it, no count has it. Returns where it begins.
   uint64_t AddLine(const PageLine& line);
+  // The next three change what was written of a page; many of them take little time in the order of
+  // the pages.
+
   // Puts another date in the place of the page's: seconds since 1970, as in a PageEntry.
   void SetTime(uint32_t page, int64_t time);
   // Adds categories to those of a page: a set of the same size (see category_set.h).
@@ -45,14 +49,18 @@ class PageTableWriter {
   Sizes Finish();
 
  private:
-  struct Place {
-    uint64_t record = 0;  // in the page info
-    uint64_t line = 0;    // in the page data
-  };
+  uint64_t EndOf(uint32_t page) const {
+    return page + 1 < records_.size() ? records_[page + 1] : info_.size();
+  }
+  // The record of a page, to be changed; until the next one is asked for.
+  std::span<char> Record(uint32_t page);
+  void WriteChanges();
 
   OutFile info_;
   OutFile data_;
-  std::vector<Place> places_;
+  ChunkedList<uint32_t> records_;  // where each begins in the page info
+  std::string changed_;            // records one behind the other, to be written again
+  uint64_t changedAt_ = 0;         // where they stand
 };
 
 }  // namespace vela::indexer

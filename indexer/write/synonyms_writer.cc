@@ -135,10 +135,10 @@ class SynonymMaker {
 
  private:
   std::string KeyOf(const std::string& form) const {
-    return std::string(TextOf(input_.vocabulary.words[forms_.at(form)]));
+    return std::string(TextOf(input_.vocabulary.words[forms_.at(form)], input_.vocabulary));
   }
   std::string_view TextAt(uint32_t place) const {
-    return TextOf(input_.vocabulary.words[input_.order[place]]);
+    return TextOf(input_.vocabulary.words[input_.order[place]], input_.vocabulary);
   }
   // The number in the dictionary.
   std::optional<uint32_t> NumberOf(std::string_view key) const {

@@ -11,14 +11,14 @@
 namespace vela::indexer {
 
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
-                           const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
+                           const Vocabulary& vocabulary, const ChunkedList<PageLengths>& pages,
                            size_t tokenBytes, WeightInput* weights) {
   WordMapResult result;
   result.offsets.assign(vocabulary.words.size(), 0);
   ScoreContext context;
   context.pages = static_cast<uint32_t>(pages.size());
   double words = 0;
-  for (const PageLengths& page : pages) words += page.bodyWords;
+  for (size_t page = 0; page < pages.size(); ++page) words += pages[page].bodyWords;
   context.averageWords = pages.empty() ? 0 : words / static_cast<double>(pages.size());
   WeightContext weight = {.averageWords = context.averageWords};
   uint32_t titleMass = 0;

@@ -27,7 +27,7 @@ struct WeightInput {
 // Writes all lists, by ascending word and page. `tokenBytes` is DictIDLen. With `weights`, which is
 // not owned, the scores are weights; null for the scores of collect/score.h.
 WordMapResult WriteWordMap(const std::filesystem::path& path, PostingRuns& postings,
-                           const Vocabulary& vocabulary, const std::vector<PageLengths>& pages,
+                           const Vocabulary& vocabulary, const ChunkedList<PageLengths>& pages,
                            size_t tokenBytes, WeightInput* weights);
 
 }  // namespace vela::indexer

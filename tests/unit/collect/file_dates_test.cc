@@ -45,11 +45,13 @@ TEST(FileDates, PagesDatedByTheirFileAreKept) {
   dates.AddPage(1, page);
   page.ownTime = 0;
   dates.AddPage(2, page);
-  ASSERT_EQ(dates.pages().size(), 2u);
-  EXPECT_EQ(dates.pages()[0].page, 1u);
-  EXPECT_EQ(dates.pages()[0].ownTime, 3);
-  EXPECT_EQ(dates.pages()[1].page, 2u);
-  EXPECT_EQ(dates.pages()[1].ownTime, 0);
+  page.ownTime = 5;
+  dates.AddPage(6, page);
+  std::string pages;
+  dates.ForEachPage([&](const FileDate& each) {
+    pages += std::to_string(each.page) + ":" + std::to_string(each.ownTime) + " ";
+  });
+  EXPECT_EQ(pages, "1:3 2:0 6:5 ");
 }
 
 }  // namespace

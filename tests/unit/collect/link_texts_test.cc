@@ -34,7 +34,7 @@ struct Site {
 std::map<std::string, uint32_t> Told(const std::vector<LinkCount>& counts, const Site& site) {
   std::map<std::string, uint32_t> told;
   for (const LinkCount& count : counts) {
-    const std::string word(TextOf(site.vocabulary.words[count.word]));
+    const std::string word(TextOf(site.vocabulary.words[count.word], site.vocabulary));
     told[word + "/" + std::to_string(count.page)] = count.pages;
   }
   return told;

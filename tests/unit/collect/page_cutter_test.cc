@@ -31,7 +31,7 @@ struct CutResult {
   }
   const Posting* Find(std::string_view text) const {
     for (const Posting& posting : words.postings) {
-      if (TextOf(vocabulary.words[posting.word]) == text) return &posting;
+      if (TextOf(vocabulary.words[posting.word], vocabulary) == text) return &posting;
     }
     return nullptr;
   }
@@ -44,7 +44,7 @@ struct CutResult {
       } else if (token.number == kPageEndWord) {
         line += ".";
       } else if (token.number >= kWordBase) {
-        line.append(TextOf(vocabulary.words[token.number - kWordBase])).append(" ");
+        line.append(TextOf(vocabulary.words[token.number - kWordBase], vocabulary)).append(" ");
       } else {
         line += "# ";
       }

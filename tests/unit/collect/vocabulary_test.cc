@@ -13,7 +13,7 @@ TEST(Vocabulary, NumbersWordsByFirstAppearance) {
   EXPECT_EQ(FindOrAddWord(vocabulary, "a"), 1u);
   EXPECT_EQ(FindOrAddWord(vocabulary, "cat"), 0u);
   EXPECT_EQ(FindOrAddWord(vocabulary, ""), 2u);
-  EXPECT_EQ(TextOf(vocabulary.words[1]), "a");
+  EXPECT_EQ(TextOf(vocabulary.words[1], vocabulary), "a");
 }
 
 TEST(Vocabulary, GrowsAndFindsEverythingAgain) {

@@ -17,7 +17,7 @@ struct LinkedPages {
 
   void Add(const std::string& path, const std::string& html) {
     WriteFile(scratch.path() / path, html);
-    listing.items.push_back({.path = path, .address = kBase + path});
+    listing.items.Add({.path = path, .address = kBase + path});
     pages.push_back(html);
   }
   // "PATH -> ADDRESS" of each link that leads nowhere, "!" behind one without its place.

@@ -26,9 +26,7 @@ SiteFolder SiteAt(const fs::path& folder) {
           .fileLimit = 4};
 }
 
-std::vector<SourceItem> ItemsOf(const fs::path& folder) {
-  return FolderSource(SiteAt(folder)).List().items;
-}
+ItemList ItemsOf(const fs::path& folder) { return FolderSource(SiteAt(folder)).List().items; }
 
 Walk WalkOf(const TestSite& site, const std::vector<std::string>& excluded = {},
             const fs::path& excludedFolder = {}, bool followLinks = false) {
@@ -133,7 +131,7 @@ TEST(FolderSource, ReadsTheFileThatALinkLeadsTo) {
   wanted.excluded = {"releases"};
   wanted.followLinks = true;
   FolderSource source(wanted);
-  const std::vector<SourceItem> items = source.List().items;
+  const ItemList items = source.List().items;
   ASSERT_EQ(items.size(), 1u);
   EXPECT_EQ(items[0].address, "https://x.example/docs/current/c.html");
   FileContent content;
@@ -227,7 +225,7 @@ TEST(FolderSource, SaysWhenTheSiteCannotBeRead) {
 TEST(FolderSource, KnowsWhatIsSentAsXml) {
   const TestSite site;
   for (const char* name : {"1.html", "2.XHTML", "3.xht", "4.xhtml.txt"}) site.Add(name, "x");
-  const std::vector<SourceItem> items = ItemsOf(site.folder);
+  const ItemList items = ItemsOf(site.folder);
   ASSERT_EQ(items.size(), 4u);
   EXPECT_FALSE(items[0].isXml);
   EXPECT_TRUE(items[1].isXml);
@@ -239,7 +237,7 @@ TEST(FolderSource, ItemsHaveAddressesAndAreRead) {
   const TestSite site;
   site.Add("a b.html", "<p>x", 1000000001);
   FolderSource source(SiteAt(site.folder));
-  const std::vector<SourceItem> items = source.List().items;
+  const ItemList items = source.List().items;
   ASSERT_EQ(items.size(), 1u);
   EXPECT_EQ(items[0].address, "https://x.example/docs/a%20b.html");
   FileContent content;

@@ -17,7 +17,7 @@ class Pages final : public Source {
   SiteListing List() override {
     SiteListing listing;
     for (const auto& [path, page] : pages) {
-      listing.items.push_back({.path = path, .address = "https://x.example/" + path});
+      listing.items.Add({.path = path, .address = "https://x.example/" + path});
     }
     return listing;
   }

@@ -132,5 +132,30 @@ TEST(PageTable, ADateCanComeLater) {
   for (size_t i = 0; i < 3; ++i) EXPECT_EQ(info.substr(i * 17 + 11, 4), dates[i]);
 }
 
+TEST(PageTable, PagesFarApartCanChangeInAnyOrder) {
+  const support::ScratchDirectory scratch;
+  PageTableWriter writer(scratch.path() / "info", scratch.path() / "data");
+  PageEntry entry;
+  entry.hasTitleMass = true;
+  constexpr uint32_t kPages = 10000;  // 190,000 bytes
+  for (uint32_t page = 0; page < kPages; ++page) {
+    entry.address = "/" + std::to_string(page);
+    writer.AddPage(entry);
+  }
+  for (uint32_t page = 0; page < kPages; ++page) writer.SetTitleMass(page, page);
+  for (uint32_t page = kPages; page-- > 0;) writer.SetTime(page, page + 1);
+  EXPECT_EQ(writer.ReadLine(9999).address, "/9999");
+  EXPECT_EQ(writer.Finish().infoBytes, kPages * 19u);
+  const std::string info = ReadFile(scratch.path() / "info");
+  const auto numberAt = [&](size_t at) {
+    return static_cast<unsigned char>(info[at]) | static_cast<unsigned char>(info[at + 1]) << 8;
+  };
+  for (uint32_t page = 0; page < kPages; ++page) {
+    ASSERT_EQ(numberAt(page * 19), 19) << page;
+    ASSERT_EQ(numberAt(page * 19 + 11), static_cast<int>(page + 1)) << page;
+    ASSERT_EQ(numberAt(page * 19 + 17), static_cast<int>(page)) << page;
+  }
+}
+
 }  // namespace
 }  // namespace vela::indexer
