@@ -16,6 +16,11 @@ inline void AppendNumber(uint32_t number, std::string& bytes) {
 // Takes the next number off the start of `bytes`, which is not empty and was written by
 // AppendNumber; of other bytes whatever they make.
 inline uint32_t TakeNumber(std::string_view& bytes) {
+  if (!bytes.empty() && static_cast<unsigned char>(bytes.front()) < 0x80) {
+    const auto small = static_cast<uint32_t>(bytes.front());
+    bytes.remove_prefix(1);
+    return small;
+  }
   uint32_t number = 0;
   for (unsigned shift = 0; !bytes.empty(); shift += 7) {
     const auto byte = static_cast<unsigned char>(bytes.front());

@@ -47,8 +47,10 @@ class PostingRuns {
     uint64_t length = 0;  // in postings
   };
   void Spill();
+  template <typename Use>
+  void ForEachPlace(const std::vector<uint32_t>& places, Use use) const;
   void FreeBuffer();
-  void SortBuffer();
+  std::vector<uint32_t> SortBuffer();
   void Merge(const std::function<void(const Posting&)>& use);
 
   TemporaryFile file_;

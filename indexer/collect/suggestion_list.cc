@@ -26,6 +26,7 @@ constexpr size_t kEntryLimit = 40000;
 constexpr size_t kEndingLimit = 1000;
 constexpr size_t kEdgeWordLimit = 40000;
 constexpr size_t kPhrasePlaces = size_t{1} << 18;  // a power of two
+constexpr size_t kKnownPhrases = size_t{1} << 16;  // the same
 
 // On one line, without what the search program would put into a script.
 std::string Offered(std::string text) {
@@ -82,37 +83,42 @@ uint64_t PhraseHash(uint64_t hash, uint64_t ofNextWord) {
 
 }  // namespace
 
-void SuggestionList::Add(const std::string& text, uint64_t weight, Kind kind) {
+SuggestionList::Entry* SuggestionList::Add(const std::string& text, uint64_t weight, Kind kind) {
   const bool isTitle = kind == Kind::kTitle;
   if (text.empty() ||
       (!isTitle && (text.size() < kLeastTextBytes || text.size() > kSuggestedBytesLimit))) {
-    return;
+    return nullptr;
   }
   Entry& entry = entries_[LowerUtf8Copy(text)];
   if (entry.text.empty() || kind < entry.kind) {
     entry.text = text;
     entry.kind = kind;
   }
+  Count(entry, weight);
+  if (entries_.size() <= kEntryLimit) return &entry;
+  DropRarest();
+  return nullptr;
+}
+
+void SuggestionList::Count(Entry& entry, uint64_t weight) const {
   if (entry.lastPage == page_) return;
   entry.lastPage = page_;
   entry.weight += weight;
-  if (entries_.size() > kEntryLimit) DropRarest();
 }
 
+// Of all entries the half that would be offered last.
 void SuggestionList::DropRarest() {
-  struct Place {
-    Kind kind;
-    uint64_t weight;
-    std::string key;
-  };
-  std::vector<Place> order;
+  std::vector<decltype(entries_)::iterator> order;
   order.reserve(entries_.size());
-  for (const auto& [key, entry] : entries_) order.push_back({entry.kind, entry.weight, key});
-  std::ranges::sort(order, [](const Place& a, const Place& b) {
-    if (a.kind != b.kind) return a.kind > b.kind;
-    return a.weight != b.weight ? a.weight < b.weight : a.key < b.key;
+  for (auto at = entries_.begin(); at != entries_.end(); ++at) order.push_back(at);
+  const auto middle = order.begin() + static_cast<ptrdiff_t>(order.size() / 2);
+  std::ranges::nth_element(order, middle, [](const auto& a, const auto& b) {
+    if (a->second.kind != b->second.kind) return a->second.kind > b->second.kind;
+    if (a->second.weight != b->second.weight) return a->second.weight < b->second.weight;
+    return a->first < b->first;
   });
-  for (size_t i = 0; i < order.size() / 2; ++i) entries_.erase(order[i].key);
+  for (auto at = order.begin(); at != middle; ++at) entries_.erase(*at);
+  std::ranges::fill(known_, KnownPhrase());
 }
 
 void SuggestionList::AddEdgeWords(const std::string& text) {
@@ -174,11 +180,15 @@ void SuggestionList::CountPhrase(const Phrase& phrase) {
   if (count.lastPage == page_) return;
   count.lastPage = page_;
   if (++count.pages < kLeastPhrasePages) return;
+  const uint64_t weight = count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1;
+  KnownPhrase& known = known_[phrase.hash & (kKnownPhrases - 1)];
+  if (known.entry != nullptr && known.hash == phrase.hash) return Count(*known.entry, weight);
   std::string text;
   for (const PhraseWord& word : std::span(phrase.words).first(phrase.count)) {
     text.append(text.empty() ? "" : " ").append(word.text);
   }
-  Add(text, count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1, Kind::kPhrase);
+  Entry* const entry = Add(text, weight, Kind::kPhrase);
+  known = {.hash = phrase.hash, .entry = entry};
 }
 
 void SuggestionList::AddPhrases(const RunningText& running) {
@@ -227,6 +237,7 @@ PageSuggestions SuggestionsOf(const PageContent& page, const std::string& title)
 
 void SuggestionList::AddPage(const PageSuggestions& page) {
   if (counts_.empty()) counts_.resize(kPhrasePlaces);
+  if (known_.empty()) known_.resize(kKnownPhrases);
   ++page_;
   Add(page.title, 1, Kind::kTitle);
   const size_t ending = EndingOf(page.title);
@@ -247,7 +258,7 @@ size_t SuggestionList::memory() const {
   constexpr size_t kBytesOfEntry = 220;
   constexpr size_t kBytesOfWord = 64;
   return entries_.size() * kBytesOfEntry + (edgeWords_.size() + endings_.size()) * kBytesOfWord +
-         counts_.capacity() * sizeof(PhraseCount);
+         counts_.capacity() * sizeof(PhraseCount) + known_.capacity() * sizeof(KnownPhrase);
 }
 
 // A title without what so many others end in that it is the site's name, or that of a part of it.
@@ -305,6 +316,7 @@ std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
   for (const Entry* place : places) texts.push_back(place->text);
   entries_.clear();
   counts_ = std::vector<PhraseCount>();  // {} would keep the memory
+  known_ = std::vector<KnownPhrase>();
   return texts;
 }
 

@@ -81,7 +81,16 @@ class SuggestionList {
     std::array<PhraseWord, kPhraseWordLimit> words;
   };
 
-  void Add(const std::string& text, uint64_t weight, Kind kind);
+  // Where an entry is, until some are dropped. Of a phrase that many pages have, most often the
+  // entry alone is of interest: its text need not be put together to be found.
+  struct KnownPhrase {
+    uint64_t hash = 0;
+    Entry* entry = nullptr;
+  };
+
+  // The entry; null where there is none, or where it may have been dropped at once.
+  Entry* Add(const std::string& text, uint64_t weight, Kind kind);
+  void Count(Entry& entry, uint64_t weight) const;
   void AddEdgeWords(const std::string& text);
   void AddPhrases(const RunningText& running);
   void AddPhrase(std::span<const PhraseWord> words);
@@ -95,6 +104,7 @@ class SuggestionList {
   std::unordered_map<std::string, uint32_t> endings_;
   std::unordered_set<std::string> edgeWords_;  // first and last words of titles and headings
   std::vector<PhraseCount> counts_;
+  std::vector<KnownPhrase> known_;
   std::vector<PhraseWord> words_;  // of the running text of the page, kept for its memory
   // Phrases whose places are on their way into the processor's cache, the first one at
   // `nextPhrase_`.

@@ -53,9 +53,7 @@ bool IsNoun(const Vocabulary& vocabulary, const Word& word, bool utf8) {
   return !word.isOwnForm;
 }
 
-bool IsKnown(const WordsByForm& forms, std::string_view text) {
-  return forms.contains(std::string(text));
-}
+bool IsKnown(const WordsByForm& forms, std::string_view text) { return forms.contains(text); }
 
 }  // namespace
 

@@ -3,17 +3,23 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
+#include "indexer/collect/number_table.h"
 #include "indexer/collect/vocabulary.h"
 
 namespace vela::indexer {
 
 // The words that pages write, in lower case, by what they are in the vocabulary.
-using WordsByForm = std::unordered_map<std::string, uint32_t>;
+struct FormHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view form) const { return TextHash(form); }
+};
+using WordsByForm = std::unordered_map<std::string, uint32_t, FormHash, std::equal_to<>>;
 WordsByForm FormsOfSite(const Vocabulary& vocabulary, bool utf8);
 
 // Two words that find each other: "e-mail" and "email", "f-string" and "f-strings".

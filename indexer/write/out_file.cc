@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -14,39 +13,29 @@ namespace vela::indexer {
 
 namespace {
 
-constexpr size_t kBufferBytes = 128 * 1024;
-
 [[noreturn]] void Fail(const std::filesystem::path& path) {
   throw IndexError(ExitStatus::kFailed, "Cannot write " + path.string() + ": " + strerror(errno) +
                                             ". Check the permissions and the free space there.");
 }
 
-std::array<char, sizeof(uint64_t)> LittleEndian(uint64_t value) {
-  std::array<char, sizeof(uint64_t)> bytes;
-  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(value >> (8 * i) & 0xFF);
-  return bytes;
-}
-
 }  // namespace
 
-OutFile::OutFile(const std::filesystem::path& path) : path_(path) {
+OutFile::OutFile(const std::filesystem::path& path)
+    : path_(path),
+      buffer_(std::make_unique_for_overwrite<char[]>(kBufferBytes + sizeof(uint64_t))) {
   fd_ = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (fd_ < 0) Fail(path_);
-  buffer_.reserve(kBufferBytes);
 }
 
 OutFile::~OutFile() {
   if (fd_ >= 0) close(fd_);
 }
 
-void OutFile::Write(std::string_view bytes) {
-  if (buffer_.size() + bytes.size() > kBufferBytes) Flush();
-  buffer_ += bytes;
-  if (buffer_.size() >= kBufferBytes) Flush();
-}
-
-void OutFile::WriteNumber(uint64_t value, size_t bytes) {
-  Write(std::string_view(LittleEndian(value).data(), bytes));
+// What does not fit into the rest of the buffer.
+void OutFile::WriteMore(std::string_view bytes) {
+  Flush();
+  if (bytes.size() > kBufferBytes) return WriteOut(bytes);
+  Write(bytes);
 }
 
 std::string OutFile::Read(uint64_t at, size_t bytes) {
@@ -81,16 +70,19 @@ void OutFile::Replace(uint64_t at, std::string_view bytes) {
   }
 }
 
-void OutFile::Flush() {
-  size_t done = 0;
-  while (done < buffer_.size()) {
-    const ssize_t wrote = write(fd_, buffer_.data() + done, buffer_.size() - done);
+void OutFile::WriteOut(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t wrote = write(fd_, bytes.data(), bytes.size());
     if (wrote < 0 && errno == EINTR) continue;
     if (wrote < 0) Fail(path_);
-    done += static_cast<size_t>(wrote);
+    written_ += static_cast<size_t>(wrote);
+    bytes.remove_prefix(static_cast<size_t>(wrote));
   }
-  written_ += done;
-  buffer_.clear();
+}
+
+void OutFile::Flush() {
+  WriteOut({buffer_.get(), used_});
+  used_ = 0;
 }
 
 void OutFile::Close() {

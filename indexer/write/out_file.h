@@ -1,8 +1,11 @@
 // out_file.h: writing one file of the index, little-endian numbers included.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -17,10 +20,19 @@ class OutFile {
   OutFile(const OutFile&) = delete;
   OutFile& operator=(const OutFile&) = delete;
 
-  void Write(std::string_view bytes);
+  void Write(std::string_view bytes) {
+    if (bytes.size() > kBufferBytes - used_) return WriteMore(bytes);
+    memcpy(buffer_.get() + used_, bytes.data(), bytes.size());
+    used_ += bytes.size();
+  }
   // The low `bytes` bytes (1 to 8) of `value`, lowest first.
-  void WriteNumber(uint64_t value, size_t bytes);
-  uint64_t size() const { return written_ + buffer_.size(); }
+  void WriteNumber(uint64_t value, size_t bytes) {
+    static_assert(std::endian::native == std::endian::little);
+    if (bytes > kBufferBytes - used_) Flush();
+    memcpy(buffer_.get() + used_, &value, sizeof value);  // those of the next one go over the rest
+    used_ += bytes;
+  }
+  uint64_t size() const { return written_ + used_; }
   // Bytes written before, from `at` on: at most `bytes` of them, fewer at the end of the file.
   std::string Read(uint64_t at, size_t bytes);
   // Puts `bytes` in the place of as many that were written before, from `at` on.
@@ -31,11 +43,16 @@ class OutFile {
   void Close();
 
  private:
+  static constexpr size_t kBufferBytes = size_t{128} << 10;
+
+  void WriteMore(std::string_view bytes);
+  void WriteOut(std::string_view bytes);
   void Flush();
 
   std::filesystem::path path_;
-  std::string buffer_;
-  uint64_t written_ = 0;  // bytes that left the buffer
+  std::unique_ptr<char[]> buffer_;  // with room for a number more
+  size_t used_ = 0;                 // bytes of it
+  uint64_t written_ = 0;            // bytes that left the buffer
   int fd_ = -1;
 };
 

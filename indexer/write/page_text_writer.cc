@@ -1,6 +1,6 @@
 #include "indexer/write/page_text_writer.h"
 
-#include <array>
+#include <cstring>
 
 #include "format/page_text.h"
 #include "indexer/report/index_error.h"
@@ -33,6 +33,7 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path, const Reserve
   std::vector<uint32_t> numbers(order.size());
   for (uint32_t place = 0; place < order.size(); ++place) numbers[order[place]] = firstWord + place;
 
+  const size_t variantShift = 8 * (tokenBytes - kTokenVariantWidth);
   OutFile out(path);
   std::vector<char> buffer(kWaitingBytes * 16384);
   while (written_) {
@@ -40,13 +41,10 @@ uint64_t PageTextWriter::Finish(const std::filesystem::path& path, const Reserve
     const auto got = static_cast<size_t>(written_.gcount());
     for (size_t i = 0; i + kWaitingBytes <= got; i += kWaitingBytes) {
       uint32_t number = 0;
-      for (size_t b = 4; b-- > 0;) {
-        number = number << 8 | static_cast<unsigned char>(buffer[i + b]);
-      }
+      memcpy(&number, &buffer[i], sizeof number);
       number = number >= kWordBase ? numbers[number - kWordBase] : reserved.finals[number];
-      const auto variant = static_cast<unsigned char>(buffer[i + 4]);
-      out.WriteNumber(number, tokenBytes - kTokenVariantWidth);
-      out.WriteNumber(variant, kTokenVariantWidth);
+      const auto variant = static_cast<unsigned char>(buffer[i + sizeof number]);
+      out.WriteNumber(number | uint64_t{variant} << variantShift, tokenBytes);
     }
   }
   if (out.size() != tokens_ * tokenBytes) {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
-#include <numeric>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "format/page_text.h"
@@ -127,9 +127,10 @@ class SynonymMaker {
         forms_(FormsOfSite(input.vocabulary, input.utf8)),
         wordMap_(folder / kWordMapFileName),
         pageText_(folder / kPageTextFileName),
-        byText_(input.order.size()) {
-    std::iota(byText_.begin(), byText_.end(), 0U);
-    std::ranges::sort(byText_, {}, [this](uint32_t place) { return TextAt(place); });
+        numbers_(input.order.size()) {
+    for (uint32_t place = 0; place < numbers_.size(); ++place) {
+      numbers_[input.order[place]] = static_cast<uint32_t>(input.firstWord + place);
+    }
   }
   SynonymList Make();
 
@@ -137,16 +138,9 @@ class SynonymMaker {
   std::string KeyOf(const std::string& form) const {
     return std::string(TextOf(input_.vocabulary.words[forms_.at(form)], input_.vocabulary));
   }
-  std::string_view TextAt(uint32_t place) const {
-    return TextOf(input_.vocabulary.words[input_.order[place]], input_.vocabulary);
-  }
   // The number in the dictionary.
-  std::optional<uint32_t> NumberOf(std::string_view key) const {
-    const auto found = std::ranges::lower_bound(byText_, key, {},
-                                                [this](uint32_t place) { return TextAt(place); });
-    if (found == byText_.end() || TextAt(*found) != key) return {};
-    return static_cast<uint32_t>(input_.firstWord + *found);
-  }
+  uint32_t NumberOf(const std::string& form) const { return numbers_[forms_.at(form)]; }
+  void FindRuleWords();
   RuleText ReadRuleText(const std::string& text) const;
   // Each word finds the pages of the others.
   void AddRules();
@@ -165,7 +159,9 @@ class SynonymMaker {
   WordsByForm forms_;
   InFile wordMap_;
   InFile pageText_;
-  std::vector<uint32_t> byText_;  // places in the order of the dictionary, by the words' texts
+  std::vector<uint32_t> numbers_;  // in the dictionary, by those in the vocabulary
+  std::unordered_map<std::string, std::optional<uint32_t>, FormHash, std::equal_to<>>
+      ruleWords_;  // of the owner's rules, their numbers in the dictionary
   SynonymList list_;
 };
 
@@ -204,17 +200,36 @@ std::vector<WordMapRecord> SynonymMaker::RecordsOf(const WordRow& row,
   return records;
 }
 
+// A blank ends a word.
+std::string_view TakeWord(std::string_view& rest) {
+  const std::string_view word = rest.substr(0, rest.find(' '));
+  rest.remove_prefix(std::min(word.size() + 1, rest.size()));
+  return word;
+}
+
+void SynonymMaker::FindRuleWords() {
+  for (const SynonymRule& rule : input_.rules) {
+    for (std::string_view rest : rule.words) {
+      while (!rest.empty())
+        ruleWords_.try_emplace(std::string(input_.forms.FoundBase(TakeWord(rest))));
+    }
+  }
+  const Vocabulary& vocabulary = input_.vocabulary;
+  for (uint32_t i = 0; i < vocabulary.words.size() && !ruleWords_.empty(); ++i) {
+    const auto wanted = ruleWords_.find(TextOf(vocabulary.words[i], vocabulary));
+    if (wanted != ruleWords_.end()) wanted->second = numbers_[i];
+  }
+}
+
 RuleText SynonymMaker::ReadRuleText(const std::string& text) const {
   RuleText rule;
   bool isWhole = true;
   std::string_view rest = text;
   while (!rest.empty()) {
-    const std::string_view word = rest.substr(0, rest.find(' '));
-    rest.remove_prefix(std::min(word.size() + 1, rest.size()));
-    const std::string key(input_.forms.FoundBase(word));
+    const std::string key(input_.forms.FoundBase(TakeWord(rest)));
     if (key.empty()) return {};
     rule.key.append(rule.key.empty() ? "" : " ").append(key);
-    const std::optional<uint32_t> number = NumberOf(key);
+    const std::optional<uint32_t> number = ruleWords_.at(key);
     isWhole = isWhole && number.has_value();
     if (number.has_value()) rule.row.push_back(*number);
   }
@@ -224,6 +239,7 @@ RuleText SynonymMaker::ReadRuleText(const std::string& text) const {
 }
 
 void SynonymMaker::AddRules() {
+  FindRuleWords();
   std::vector<std::vector<RuleText>> rules;
   std::vector<WordRow> rows;
   for (const SynonymRule& rule : input_.rules) {
@@ -261,7 +277,7 @@ void SynonymMaker::AddApartWords() {
   std::vector<WordRow> rows;
   rows.reserve(words.size());
   for (const ApartWord& word : words) {
-    rows.push_back({*NumberOf(KeyOf(word.first)), *NumberOf(KeyOf(word.second))});
+    rows.push_back({NumberOf(word.first), NumberOf(word.second)});
   }
   const auto places = FindRows(pageText_, input_.text, rows);
   for (size_t i = 0; i < words.size(); ++i) {
