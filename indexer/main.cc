@@ -10,6 +10,7 @@
 
 #include "indexer/build_index.h"
 #include "indexer/config/options.h"
+#include "indexer/explain_page.h"
 #include "indexer/publish/rollback.h"
 #include "indexer/report/index_error.h"
 #include "indexer/report/progress.h"
@@ -19,6 +20,7 @@
 
 namespace {
 
+using vela::indexer::ExitStatus;
 using vela::indexer::Options;
 using vela::indexer::Progress;
 
@@ -43,6 +45,14 @@ void BuildAndTell(const Options& options, Progress& progress) {
   fputs((colors ? vela::indexer::Colored(text) : text).c_str(), stdout);
 }
 
+ExitStatus ExplainAndTell(const Options& options, Progress& progress) {
+  const vela::indexer::Explanation said = vela::indexer::ExplainPage(options, progress, g_stop);
+  const std::string text = vela::indexer::ExplanationText(said, options.verbose);
+  const bool colors = vela::indexer::ShowsColors(STDOUT_FILENO);
+  if (!options.quiet) fputs((colors ? vela::indexer::Colored(text) : text).c_str(), stdout);
+  return said.isTaken ? ExitStatus::kSuccess : ExitStatus::kLeftOut;
+}
+
 // What grows while pages are read is moved into a larger block again and again. Blocks of this size
 // and more go back to the system when they are freed; left to itself, the library would keep those
 // of each thread.
@@ -56,7 +66,6 @@ void ReturnLargeBlocks() {
 
 int main(int argc, char** argv) {
   ReturnLargeBlocks();
-  using vela::indexer::ExitStatus;
   const vela::indexer::ParsedOptions parsed = vela::indexer::ParseOptions(argc, argv);
   if (parsed.exitStatus.has_value()) return *parsed.exitStatus;
   struct sigaction action = {};
@@ -66,6 +75,9 @@ int main(int argc, char** argv) {
   sigaction(SIGHUP, &action, nullptr);
   try {
     Progress progress(!parsed.options.quiet && isatty(STDERR_FILENO) != 0);
+    if (!parsed.options.explainPage.empty()) {
+      return static_cast<int>(ExplainAndTell(parsed.options, progress));
+    }
     const auto run = parsed.options.rollback ? &RollBackIndex : &BuildAndTell;
     run(parsed.options, progress);
     return static_cast<int>(ExitStatus::kSuccess);

@@ -203,27 +203,17 @@ OpenedSource OpenCrawl(const Opening& opening, CrawlStart start) {
   return opened;
 }
 
-// Whether a page of an archive is one of the site.
-bool IsWanted(const std::string& address, const Opening& opening) {
-  const CrawlRules& rules = opening.options.crawlRules;
-  const auto fits = [&](const std::string& pattern) {
-    return FitsAddressPattern(address, opening.base, pattern);
-  };
-  return IsBelow(address, opening.base) && !std::ranges::any_of(rules.exclude, fits) &&
-         (rules.include.empty() || std::ranges::any_of(rules.include, fits));
-}
-
 // Brings the pages of the archives into a store, of each address the one that was fetched last.
-OpenedSource OpenArchives(const Opening& opening) {
+OpenedSource OpenArchives(const Opening& opening, OpenedSource opened) {
   if (opening.base.starts_with('/')) {
     throw IndexError(ExitStatus::kUsage,
                      "--warc needs the whole address of the site, as the archive has it: "
                      "--base-url https://www.example.org/.");
   }
-  OpenedSource opened;
   opened.base = opening.base;
-  opened.state = OpenStateFolder(opening.options.state, opening.indexFolder);
-  const fs::path file = opened.state.path / kArchiveStoreName;
+  const fs::path file =
+      (opened.passing.path().empty() ? opened.state.path : opened.passing.path()) /
+      kArchiveStoreName;
   RemoveDatabase(file);
   auto store = std::make_unique<PageStore>(file);
   store->BeginPass("");
@@ -239,7 +229,11 @@ OpenedSource OpenArchives(const Opening& opening) {
     ArchivedPage page;
     while (opening.stop == 0 && archive.Next(page)) {
       const std::optional<WebAddress> read = ReadWebAddress(page.address);
-      if (!read.has_value() || !IsWanted(read->address, opening)) continue;
+      if (!read.has_value() ||
+          WhyUnwanted(opening.options.crawlRules, opening.base, read->address).reason !=
+              Reason::kNone) {
+        continue;
+      }
       const std::string address = InSpellingOf(opening.base, read->address);
       const auto [place, isNew] = known.try_emplace(address);
       if (isNew) {
@@ -267,7 +261,68 @@ OpenedSource OpenArchives(const Opening& opening) {
   return opened;
 }
 
+// The store of the last crawl, as it is.
+OpenedSource OpenLastCrawl(const Opening& opening) {
+  const std::string& state = opening.options.state;
+  if (state.empty() && opening.indexFolder.empty()) {
+    throw IndexError(ExitStatus::kUsage,
+                     "What was fetched lies in the folder of --state, or else beside the index: "
+                     "give --state DIR or --out INDEXDIR.");
+  }
+  const fs::path folder = state.empty() ? DefaultStateFolder(opening.indexFolder) : fs::path(state);
+  const fs::path file = folder / kCrawlStoreName;
+  std::error_code error;
+  if (!fs::exists(file, error)) {
+    throw IndexError(ExitStatus::kFailed, "No page of the site has been fetched yet: there is no " +
+                                              file.string() +
+                                              ". Run vela_index once without "
+                                              "--explain-page.");
+  }
+  OpenedSource opened;
+  auto store = std::make_unique<PageStore>(file, StoreUse::kRead);
+  opened.base = BaseOf(opening.base, *store);
+  opened.source =
+      std::make_unique<StoreSource>(std::move(store), file,
+                                    StoreSource::Wishes{.endings = opening.options.config.endings,
+                                                        .pageLimit = opening.pageLimit()});
+  return opened;
+}
+
 }  // namespace
+
+Finding WhyUnwanted(const CrawlRules& rules, const std::string& base, const std::string& address) {
+  if (!IsBelow(address, base)) return {Reason::kNotOfSite, {}, base};
+  for (const std::string& pattern : rules.exclude) {
+    if (FitsAddressPattern(address, base, pattern)) return {Reason::kExcluded, {}, pattern};
+  }
+  const bool isIncluded =
+      rules.include.empty() || std::ranges::any_of(rules.include, [&](const std::string& pattern) {
+        return FitsAddressPattern(address, base, pattern);
+      });
+  return {isIncluded ? Reason::kNone : Reason::kNotIncluded, {}, {}};
+}
+
+OpenedSource OpenKeptSource(const Options& options, const std::string& base,
+                            const fs::path& indexFolder, Progress& progress,
+                            const volatile std::sig_atomic_t& stop) {
+  Options looking = options;
+  if (!options.site.empty()) looking.state.clear();  // nothing is kept of the pages
+  const Opening opening = {.options = looking,
+                           .base = base,
+                           .indexFolder = indexFolder,
+                           .progress = progress,
+                           .stop = stop};
+  if (!options.warc.empty()) {
+    OpenedSource opened;
+    opened.passing = PassingFolder::Make();
+    return OpenArchives(opening, std::move(opened));
+  }
+  const bool lists = !options.list.empty();
+  if (options.site.empty()) return OpenLastCrawl(opening);
+  std::optional<std::vector<std::string>> only;
+  if (lists) only = ReadList(options.list);
+  return OpenFolder(opening, std::move(only));
+}
 
 OpenedSource OpenSource(const Options& options, const std::string& base,
                         const fs::path& indexFolder, Progress& progress,
@@ -277,7 +332,11 @@ OpenedSource OpenSource(const Options& options, const std::string& base,
                            .indexFolder = indexFolder,
                            .progress = progress,
                            .stop = stop};
-  if (!options.warc.empty()) return OpenArchives(opening);
+  if (!options.warc.empty()) {
+    OpenedSource opened;
+    opened.state = OpenStateFolder(options.state, indexFolder);
+    return OpenArchives(opening, std::move(opened));
+  }
   if (!options.crawl.empty() || !options.sitemaps.empty()) {
     return OpenCrawl(opening, {.pages = options.crawl,
                                .sitemaps = options.sitemaps,

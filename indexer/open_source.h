@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "indexer/config/options.h"
+#include "indexer/passing_folder.h"
 #include "indexer/report/progress.h"
 #include "indexer/report/reason.h"
 #include "indexer/source/source.h"
@@ -17,7 +18,8 @@
 namespace vela::indexer {
 
 struct OpenedSource {
-  StateFolder state;  // for what is kept from run to run; without a path where nothing is
+  PassingFolder passing;  // of a source that is to be gone with this
+  StateFolder state;      // for what is kept from run to run; without a path where nothing is
   std::unique_ptr<Source> source;
   std::vector<Finding> findings;  // what the owner should know of the way there
   std::string base;               // the site's address, as its pages spell it
@@ -39,5 +41,15 @@ struct SiteSource {
 SiteSource OpenSite(const Options& options, const std::string& base,
                     const std::filesystem::path& indexFolder, Progress& progress,
                     const volatile std::sig_atomic_t& stop);
+
+// As OpenSource, to look at pages: of a crawl, those that the last run fetched; nothing is fetched
+// and nothing written, but for what is removed again with the source. Throws IndexError.
+OpenedSource OpenKeptSource(const Options& options, const std::string& base,
+                            const std::filesystem::path& indexFolder, Progress& progress,
+                            const volatile std::sig_atomic_t& stop);
+
+// Why the owner wants no page of that address from the web or an archive; kNone: nothing is against
+// it. `base` is the site's address, ending in "/".
+Finding WhyUnwanted(const CrawlRules& rules, const std::string& base, const std::string& address);
 
 }  // namespace vela::indexer

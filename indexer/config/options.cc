@@ -144,8 +144,29 @@ void CheckLinkMode(const Options& options) {
                    "--check-links=fail.");
 }
 
+void CheckExplained(const Options& options) {
+  if (options.explainPage.empty()) {
+    if (!options.verbose) return;
+    throw IndexError(ExitStatus::kUsage, "--verbose goes with --explain-page.");
+  }
+  const std::pair<bool, const char*> others[] = {
+      {!options.part.empty(), "--part"},
+      {!options.merge.empty(), "--merge"},
+      {!options.checkLinks.empty(), "--check-links"},
+      {!options.report.empty(), "--report"},
+      {options.dryRun, "--dry-run"},
+      {options.rollback, "--rollback"},
+  };
+  for (const auto& [isGiven, name] : others) {
+    if (!isGiven) continue;
+    throw IndexError(ExitStatus::kUsage,
+                     std::string("--explain-page does not go with ") + name + ".");
+  }
+}
+
 bool IsNeeded(const OptionRow& row, const Options& options) {
   if (row.needed.empty()) return false;
+  if (!options.explainPage.empty() && row.name == "--out") return false;
   if (options.rollback) return row.name == "--out";
   if (!options.part.empty() && row.name == "--out") return false;
   const bool hasOther = !options.crawl.empty() || !options.sitemaps.empty() ||
@@ -157,6 +178,7 @@ void CheckComplete(CommandLine& line) {
   if (!line.options.rollback && line.options.merge.empty()) CheckSource(line.options);
   if (!line.options.rollback) CheckParts(line.options);
   CheckReport(line.options);
+  CheckExplained(line.options);
   CheckLinkMode(line.options);
   for (const OptionRow& row : OptionTable()) {
     if (!IsNeeded(row, line.options)) continue;
@@ -231,13 +253,13 @@ ParsedOptions ParseOptions(int argc, const char* const* argv) {
   CommandLine line;
   CLI::App app("Indexes the pages of a web site for Vela Search.", "vela_index");
   for (const OptionRow& row : OptionTable()) AddOption(app, row, line);
-  app.footer(
-      NeededNames() +
-      " must be given here or in the configuration file;\n"
-      "--crawl, --sitemap, --list or --warc stands in the place of --site.\n"
-      "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
-      "configuration, 3 no page found, 4 interrupted, 5 another run at work, 6 too many\n"
-      "pages missing, 7 broken links. Unless it is 0, an index in INDEXDIR stays as it was.");
+  app.footer(NeededNames() +
+             " must be given here or in the configuration file;\n"
+             "--crawl, --sitemap, --list or --warc stands in the place of --site.\n"
+             "Exit status: 0 done, 1 a file could not be read or written, 2 wrong arguments or\n"
+             "configuration, 3 no page found, 4 interrupted, 5 another run at work, 6 too many\n"
+             "pages missing, 7 broken links, 8 the page of --explain-page is left out.\n"
+             "Unless it is 0, an index in INDEXDIR stays as it was.");
   app.failure_message([](const CLI::App* failed, const CLI::Error& error) {
     return "vela_index: " + CLI::FailureMessage::simple(failed, error);
   });

@@ -47,13 +47,15 @@ struct Options {
   // more end the run. 100: all.
   uint32_t missingPercentLimit = 100;
   bool acceptFewer = false;  // the limit is not looked at
+  bool verbose = false;      // of an explained page all is told
   bool quiet = false;
-  std::string program;     // the search program, to be put into the index folder; empty: none
-  bool wait = false;       // for another run that is writing the same index
-  bool keepLast = true;    // the index before stays, for a rollback
-  std::string checkLinks;  // one of LinkCheckModes; empty: links are not looked at
-  bool dryRun = false;     // all is done but to put the index into place
-  bool rollback = false;   // nothing is read: the index before takes its place again
+  std::string program;      // the search program, to be put into the index folder; empty: none
+  bool wait = false;        // for another run that is writing the same index
+  bool keepLast = true;     // the index before stays, for a rollback
+  std::string explainPage;  // to be explained in the place of a run; empty: none
+  std::string checkLinks;   // one of LinkCheckModes; empty: links are not looked at
+  bool dryRun = false;      // all is done but to put the index into place
+  bool rollback = false;    // nothing is read: the index before takes its place again
   SiteConfig config;
 };
 

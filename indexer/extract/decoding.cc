@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "indexer/extract/declared_charset.h"
+#include "indexer/extract/reading_notes.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/eight_bytes.h"
 #include "indexer/words/lower_copy.h"
@@ -220,6 +221,12 @@ bool LooksBinary(std::string_view bytes) {
   return controls > 4 + bytes.size() / 200;
 }
 
+void NoteCharset(ReadingBudget& budget, CharsetOrigin origin, std::string_view charset) {
+  if (budget.notes == nullptr) return;
+  budget.notes->charsetOrigin = origin;
+  budget.notes->charset = charset;
+}
+
 // Share of damage up to which a page that calls itself UTF-8 is believed.
 bool MostlyUtf8(std::string_view text) {
   size_t bad = 0;
@@ -246,13 +253,24 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
   bool isMarked = false;
   if (bytes.starts_with(kUtf8Mark)) {
     utf8 = RepairedUtf8(bytes.substr(kUtf8Mark.size()));
+    NoteCharset(budget, CharsetOrigin::kMark, "utf-8");
   } else if (const UnicodeForm* form = WideUnicode(bytes, isMarked); form != nullptr) {
     if (isMarked) bytes.remove_prefix(form->mark.size());
+    NoteCharset(budget, isMarked ? CharsetOrigin::kMark : CharsetOrigin::kUnicodeBytes,
+                form->charset);
     if (!Convert(bytes, form->charset, budget, utf8)) return Reason::kNotConverted;
   } else {
     if (LooksBinary(bytes)) return Reason::kBinary;
     std::string declared = DeclaredConverter(bytes, isHtml, serverCharset);
-    if (declared.empty() && IsJapaneseBySwitches(bytes)) declared = "iso-2022-jp";
+    const bool isServers =
+        !serverCharset.empty() && declared == ConverterName(std::string(serverCharset));
+    CharsetOrigin origin = isServers ? CharsetOrigin::kServer : CharsetOrigin::kPage;
+    if (declared.empty() && IsJapaneseBySwitches(bytes)) {
+      declared = "iso-2022-jp";
+      origin = CharsetOrigin::kSwitches;
+    }
+    NoteCharset(budget, declared.empty() ? CharsetOrigin::kValidUtf8 : origin,
+                declared.empty() ? "utf-8" : declared);
     CheckBudget(budget);
     if (budget.status != Reason::kNone) return budget.status;
     const bool valid = IsValidUtf8(bytes);
@@ -263,8 +281,12 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
     } else if (declared.empty() || declared == "utf-8" || !Convert(bytes, declared, budget, utf8)) {
       if (valid) {
         utf8.assign(bytes);
+        NoteCharset(budget, CharsetOrigin::kValidUtf8, "utf-8");
       } else if (const std::string detected = DetectedCharset(bytes);
-                 detected.empty() || !Convert(bytes, ConverterName(detected), budget, utf8)) {
+                 !detected.empty() && Convert(bytes, ConverterName(detected), budget, utf8)) {
+        NoteCharset(budget, CharsetOrigin::kStatistics, ConverterName(detected));
+      } else {
+        NoteCharset(budget, CharsetOrigin::kLastResort, "windows-1252");
         if (!Convert(bytes, "windows-1252", budget, utf8)) return Reason::kNotConverted;
       }
     }

@@ -122,6 +122,20 @@ bool IsSkipLink(const Tag& tag) {
   return ResolvedValue(tag, Attribute::kHref, room).starts_with('#');
 }
 
+// The tag as a person knows it again.
+std::string TagText(const Tag& tag) {
+  std::string text = "<" + LowerAsciiCopy(tag.name);
+  constexpr struct {
+    Attribute attribute;
+    const char* name;
+  } kShown[] = {{Attribute::kId, "id"}, {Attribute::kClass, "class"}, {Attribute::kRole, "role"}};
+  for (const auto& [attribute, name] : kShown) {
+    if (!HasAttribute(tag, attribute)) continue;
+    text.append(" ").append(name).append("=\"").append(AttributeValue(tag, attribute)).append("\"");
+  }
+  return text + ">";
+}
+
 // Whether it is one to another page.
 bool LeadsToPage(const Tag& tag) {
   return tag.element == Element::kA && HasAttribute(tag, Attribute::kHref) && !IsSkipLink(tag);
@@ -154,7 +168,55 @@ ElementRole HtmlContent::RoleOf(const Tag& tag, bool isHtml, const TextState& ar
   role.breaksWords = !IsInline(tag, isHtml) && !(role.leavesOut && Has(tag.element, kInvisible));
   role.headingLevel = HeadingLevel(tag.element);
   role.isLink = isHtml && LeadsToPage(tag);
+  if (notes != nullptr && !around.isLeftOut && !isOff && role.part == 0) {
+    NoteRole(tag, around, role);
+  }
   return role;
+}
+
+// The number of the new part; `tag` may be null.
+uint32_t HtmlContent::NotePart(PartReason reason, const Tag* tag, uint32_t selector) {
+  LeftOutPart& part = notes->parts.emplace_back();
+  part.reason = reason;
+  part.selector = selector;
+  if (tag != nullptr) part.element = TagText(*tag);
+  return static_cast<uint32_t>(notes->parts.size());
+}
+
+// What the markup itself leaves out.
+void HtmlContent::NoteRole(const Tag& tag, const TextState& around, ElementRole& role) {
+  const bool beginsFrame = role.isFrame && around.style.share == TextShare::kContent;
+  if (!role.isInert && !role.leavesOut && !beginsFrame) return;
+  // The title is told apart from the text anyway.
+  if (tag.element == Element::kTitle || tag.element == Element::kHead) return;
+  PartReason reason = PartReason::kUnread;
+  if (role.isInert) {
+    reason = PartReason::kTemplate;
+  } else if (role.isNavigation) {
+    reason = PartReason::kNavigation;
+  } else if (IsHidden(tag)) {
+    reason = PartReason::kHidden;
+  } else if (SurroundingOf(tag, around.isOfPage) == Surrounding::kTools) {
+    reason = PartReason::kTools;
+  } else if (IsSkipLink(tag)) {
+    reason = PartReason::kSkipLink;
+  } else if (!role.leavesOut) {
+    reason = PartReason::kFrame;
+  }
+  role.part = NotePart(reason, &tag);
+}
+
+void HtmlContent::NoteText(std::string_view added, const TextState& state) {
+  const uint32_t part = isOff && !state.isLeftOut ? offPart : state.part;
+  if (part != 0) {
+    notes->parts[part - 1].text += added;
+  } else if (!state.isLeftOut) {
+    notes->texts[static_cast<size_t>(state.style.region)] += added;
+  }
+}
+
+void HtmlContent::NoteLink(LinkReason reason, std::string address) {
+  if (notes != nullptr) notes->links.push_back({reason, std::move(address)});
 }
 
 // What is hidden or left out stays so; otherwise the owner knows better than the markup.
@@ -166,6 +228,10 @@ void HtmlContent::ApplyOwnersWishes(const Tag& tag, const TextState& around, Ele
   if (fit.isExcluded || HasAttribute(tag, Attribute::kDataVelaIgnore)) {
     role.leavesOut = true;
     ++page.use.excluded;
+    if (notes != nullptr && !isOff) {
+      role.part = NotePart(fit.isExcluded ? PartReason::kSelector : PartReason::kIgnored, &tag,
+                           fit.excludedBy);
+    }
     return;
   }
   if (HasAttribute(tag, Attribute::kDataVelaWeight)) role.weight = OwnersWeight(tag);
@@ -198,6 +264,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
     if (alternative.empty()) return role;
     Break(around);
     AddText(alternative, around);
+    if (notes != nullptr && around.part == 0) notes->pictureTexts.append(alternative).append(" ");
     Break(around);
     return role;
   }
@@ -218,6 +285,7 @@ void HtmlContent::TakeComment(std::string_view comment) {
   if (comment == "vela:off" && !isOff) {
     isOff = true;
     ++page.use.excluded;
+    if (notes != nullptr) offPart = NotePart(PartReason::kRemark, nullptr);
   } else if (comment == "vela:on") {
     isOff = false;
   }
@@ -261,8 +329,14 @@ void HtmlContent::End(const ElementRole& role, const TextState& inside) {
 // page does not vouch for are left out as well.
 void HtmlContent::BeginLink(const Tag& tag, const TextState& inside) {
   EndLink();
-  if (inside.style.share == TextShare::kFrame || inside.isInNavigation) return;
-  if (HoldsWord(LowerValue(tag, Attribute::kRel), "nofollow")) return;
+  if (inside.style.share == TextShare::kFrame || inside.isInNavigation) {
+    NoteLink(LinkReason::kSurrounding, AttributeValue(tag, Attribute::kHref));
+    return;
+  }
+  if (HoldsWord(LowerValue(tag, Attribute::kRel), "nofollow")) {
+    NoteLink(LinkReason::kNoFollow, AttributeValue(tag, Attribute::kHref));
+    return;
+  }
   openLink.address = AttributeValue(tag, Attribute::kHref);
   openLinkRegion = inside.style.region;
 }
@@ -274,15 +348,21 @@ void HtmlContent::AddToLink(std::string_view added) {
 
 void HtmlContent::EndLink() {
   PageLink link = std::exchange(openLink, {});
-  if (link.address.empty() || link.text.size() > kLinkTextLimit) return;
-  link.text = OneLine(std::move(link.text));
+  if (link.address.empty()) return;
+  const bool isTooLong = link.text.size() > kLinkTextLimit;
+  if (!isTooLong) link.text = OneLine(std::move(link.text));
+  if (isTooLong || link.text.empty()) {
+    NoteLink(isTooLong ? LinkReason::kTooLong : LinkReason::kNoText, std::move(link.address));
+    return;
+  }
   const size_t bytes = sizeof link + link.address.size() + link.text.size();
-  if (link.text.empty() || !TakeBytes(budget, bytes)) return;
+  if (!TakeBytes(budget, bytes)) return;
   page.links.push_back(std::move(link));
   linkRegions.push_back(openLinkRegion);
 }
 
 void HtmlContent::AddText(std::string_view added, const TextState& state) {
+  if (notes != nullptr) NoteText(added, state);
   if (state.isInert) return;
   if (isInTime && !isOff)
     timeText += added.substr(0, kTimeBytesLimit - std::min(kTimeBytesLimit, timeText.size()));
@@ -331,6 +411,12 @@ void HtmlContent::Finish() {
   page.use.lacksChosen = choice.hasOnly && !page.use.isChosen;
   page.use.isLeftOff = isOff;
   page.use.selectors = selectors.used();
+  if (notes != nullptr) {
+    notes->countsFrame = !text.HasContent();
+    std::string outside;
+    for (size_t i = 0; i < static_cast<size_t>(region); ++i) outside += notes->texts[i];
+    if (!outside.empty()) notes->parts[NotePart(PartReason::kOutside, nullptr) - 1].text = outside;
+  }
   if (noindex) return;
   LeaveOutLinks(region);
   text.CopyTo(page.body, !text.HasContent(), region);

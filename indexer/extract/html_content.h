@@ -11,6 +11,7 @@
 #include "indexer/extract/microdata.h"
 #include "indexer/extract/page.h"
 #include "indexer/extract/page_text.h"
+#include "indexer/extract/reading_notes.h"
 #include "indexer/extract/text_rules.h"
 
 namespace vela::indexer {
@@ -24,7 +25,10 @@ class HtmlContent {
         choice(wanted),
         selectors(wanted.selectors, takenFrom),
         text(takenFrom),
-        microdata(filled) {}
+        microdata(filled),
+        notes(takenFrom.notes == nullptr ? nullptr : &takenFrom.notes->markup) {
+    if (notes != nullptr) *notes = {};
+  }
 
   // The attributes that the tags must have beside those of the table; null: none. Not owned.
   const AttributeNames* askedAttributes() const;
@@ -52,6 +56,10 @@ class HtmlContent {
 
  private:
   ElementRole RoleOf(const Tag& tag, bool isHtml, const TextState& around);
+  uint32_t NotePart(PartReason reason, const Tag* tag, uint32_t selector = 0);
+  void NoteRole(const Tag& tag, const TextState& around, ElementRole& role);
+  void NoteText(std::string_view added, const TextState& state);
+  void NoteLink(LinkReason reason, std::string address);
   void ApplyOwnersWishes(const Tag& tag, const TextState& around, ElementRole& role);
   void ReadAnchor(const Tag& tag, const TextState& around, ElementRole& role);
   void ReadHeadElement(const Tag& tag);
@@ -74,6 +82,8 @@ class HtmlContent {
   SelectorMatching selectors;
   PageText text;
   Microdata microdata;
+  MarkupNotes* notes;    // not owned; null: nobody asks
+  uint32_t offPart = 0;  // see TextState::part
   bool noindex = false;
   bool isOff = false;  // behind "vela:off"
   // In bytes that are no blanks, outside of what surrounds the content.

@@ -18,6 +18,7 @@ ReadingBudget StartReading(const ReadingLimits& limits, size_t pageBytes) {
   budget.deadline = std::chrono::steady_clock::now() + limits.time;
   budget.bytesLimit = limits.bytes + pageBytes * limits.factor;
   budget.stop = limits.stop;
+  budget.notes = limits.notes;
   return budget;
 }
 

@@ -12,18 +12,22 @@
 
 namespace vela::indexer {
 
+struct ReadingNotes;
+
 // What the reading of any page may cost.
 struct ReadingLimits {
   std::chrono::seconds time{60};  // a hundred megabytes of markup take a few
   size_t bytes = size_t{64} << 20;
   size_t factor = 8;                                 // and so many times the size of its file
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
+  ReadingNotes* notes = nullptr;  // not owned; null: nobody asks how the page is read
 };
 
 struct ReadingBudget {
   std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
   size_t bytesLimit = SIZE_MAX;                      // of memory, in all
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
+  ReadingNotes* notes = nullptr;                     // the same; null: nobody asks
 
   // Filled by the reader.
   // kNone; or why the reading ends: kMarkupTooSlow (the deadline has passed), kMarkupTooLarge (more

@@ -155,6 +155,7 @@ void SelectorMatching::Look(uint32_t number, const SelectorPath& path, SelectorF
   fit.parts |= part.bit;
   if (part.bit != 0) return;
   (part.use == SelectorUse::kExclude ? fit.isExcluded : fit.isChosen) = true;
+  if (part.use == SelectorUse::kExclude) fit.excludedBy = part.selector;
   if (isUsed_[number]) return;
   isUsed_[number] = true;
   used_.push_back(part.selector);

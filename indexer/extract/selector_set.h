@@ -33,7 +33,8 @@ struct SelectorPath {
 struct SelectorFit {
   bool isExcluded = false;
   bool isChosen = false;
-  uint64_t parts = 0;  // for the path inside it
+  uint32_t excludedBy = 0;  // the number of such a selector
+  uint64_t parts = 0;       // for the path inside it
 };
 
 class SelectorSet {

@@ -84,6 +84,7 @@ TextState StateInside(const TextState& around, const ElementRole& role) {
     inside.isInHeader = false;
   }
   inside.isInNavigation = around.isInNavigation || role.isNavigation;
+  if (role.part != 0 || role.isChosen || role.isHeadline) inside.part = role.part;
   inside.path = {role.selectorParts, around.path.ancestors | role.selectorParts};
   return inside;
 }

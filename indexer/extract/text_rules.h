@@ -28,6 +28,7 @@ struct ElementRole {
   uint32_t section = 0;               // see TextStyle; 0: as around it
   uint8_t weight = kWeightOfHeading;  // see TextStyle; kWeightOfHeading: as around it
   uint64_t selectorParts = 0;         // see SelectorFit
+  uint32_t part = 0;                  // see TextState
 };
 
 // What holds for text at some place.
@@ -40,6 +41,7 @@ struct TextState {
   bool isOfPage = true;  // no part of the page's content encloses it
   TextStyle style;
   SelectorPath path;
+  uint32_t part = 0;  // of MarkupNotes::parts, from 1 on; 0: none, or nobody asks
   PageText::Strand strand = PageText::kPageStrand;
 };
 

@@ -16,6 +16,7 @@ enum class ExitStatus {
   kBusy = 5,         // another run is writing this index
   kShrunk = 6,       // too few pages (stop_when_fewer); the old index is untouched
   kBrokenLinks = 7,  // links lead nowhere (--check-links=fail); the old index is untouched
+  kLeftOut = 8,      // the page to explain is in no index (--explain-page)
 };
 
 // Thrown by every stage that cannot go on; the message says what to do about it.

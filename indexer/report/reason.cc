@@ -98,6 +98,14 @@ constexpr ReasonWords kReasonWords[] = {
     {Reason::kArchiveDamaged, "archive_damaged", "the archive % is damaged"},
     {Reason::kStateNotKept, "state_not_kept",
      "what was made of the pages is not kept for the next run: %"},
+    {Reason::kExcluded, "excluded", "excluded by the pattern \"%\""},
+    {Reason::kNotIncluded, "not_included", "fits no pattern of include in [crawl]"},
+    {Reason::kHiddenName, "hidden_name", "\"%\" begins with a dot"},
+    {Reason::kToolFolder, "tool_folder", "\"%\" is no folder of pages"},
+    {Reason::kIndexFolder, "index_folder", "it lies in the folder of the index"},
+    {Reason::kNotListed, "not_listed", "not in the list (--list)"},
+    {Reason::kNotOfSite, "not_of_site", "not below %, the address of the site"},
+    {Reason::kNotFetched, "not_fetched", "no run has fetched such a page"},
 };
 
 constexpr bool EachReasonHasItsPlace() {

@@ -101,9 +101,19 @@ enum class Reason : uint8_t {
 
   // What is kept from run to run.
   kStateNotKept,  // `subject`: why
+
+  // Why something that an owner asks for is in no list of pages.
+  kExcluded,  // `subject`: the pattern
+  kNotIncluded,
+  kHiddenName,  // `subject`: the name
+  kToolFolder,  // the same
+  kIndexFolder,
+  kNotListed,
+  kNotOfSite,  // `subject`: the address of the site
+  kNotFetched,
 };
 
-constexpr Reason kLastReason = Reason::kStateNotKept;
+constexpr Reason kLastReason = Reason::kNotFetched;
 
 // The reason as programs know it: small letters and "_". It stays when the words change.
 std::string_view ReasonCode(Reason reason);

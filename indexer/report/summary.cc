@@ -7,18 +7,13 @@
 #include <utility>
 
 #include "indexer/report/progress.h"
+#include "indexer/report/terminal.h"
 #include "text/ascii.h"
 #include "text/shown_numbers.h"
 
 namespace vela::indexer {
 
 namespace {
-
-// What a file or page is called may hold bytes that a terminal obeys.
-std::string Shown(std::string text) {
-  std::ranges::replace_if(text, IsControl, '?');
-  return text;
-}
 
 // A path that would fill the line, without its middle: what it begins with tells the part of the
 // site, its end the file.

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "text/ascii.h"
+
 namespace vela::indexer {
 
 namespace {
@@ -26,6 +28,11 @@ bool ShowsColors(int descriptor) {
   const std::string_view terminal = Variable("TERM");
   return isatty(descriptor) != 0 && Variable("NO_COLOR").empty() && !terminal.empty() &&
          terminal != "dumb";
+}
+
+std::string Shown(std::string text) {
+  std::ranges::replace_if(text, IsControl, '?');
+  return text;
 }
 
 std::string Colored(const std::string& summary) {

@@ -9,6 +9,9 @@ namespace vela::indexer {
 // Whether `descriptor` is a terminal whose owner wants colours: NO_COLOR is unset or empty.
 bool ShowsColors(int descriptor);
 
+// What a file or page is called may hold bytes that a terminal obeys: "?" in their place.
+std::string Shown(std::string text);
+
 // A summary (summary.h) with its first line in bold and its warnings in yellow.
 std::string Colored(const std::string& summary);
 

@@ -58,6 +58,13 @@ std::string EndingOf(const std::string& name) {
   return dot == name.npos ? std::string() : LowerAsciiCopy(std::string_view(name).substr(dot));
 }
 
+// Whether the pattern of the owner's names a folder or file.
+bool FitsExclusion(std::string pattern, const std::string& name, const std::string& path) {
+  if (pattern.ends_with('/')) pattern.pop_back();  // "drafts/" is a folder
+  return fnmatch(pattern.c_str(), name.c_str(), 0) == 0 ||
+         fnmatch(pattern.c_str(), path.c_str(), 0) == 0;
+}
+
 bool IsXml(const std::string& name) {
   const std::string ending = EndingOf(name);
   return !ending.empty() &&
@@ -118,12 +125,7 @@ class Walk {
     for (size_t i = 0; i < site_.excluded.size(); ++i) {
       // One pattern is enough; the others are only looked at until each was of use.
       if (excluded && usedPatterns_[i]) continue;
-      std::string pattern = site_.excluded[i];
-      if (pattern.ends_with('/')) pattern.pop_back();  // "drafts/" is a folder
-      if (fnmatch(pattern.c_str(), name.c_str(), 0) != 0 &&
-          fnmatch(pattern.c_str(), path.c_str(), 0) != 0) {
-        continue;
-      }
+      if (!FitsExclusion(site_.excluded[i], name, path)) continue;
       usedPatterns_[i] = true;
       excluded = true;
     }
@@ -300,7 +302,44 @@ void KeepOnly(const SiteFolder& site, SiteListing& listing) {
   for (const std::string& path : missing) AddLeftOut(listing.leftOut, Reason::kFileNotFound, path);
 }
 
+// What the owner wants of the paths of a file or folder that is left out without a word, and of
+// each folder that it lies in; kNone where that is nothing.
+Finding WhyPassedOver(const SiteFolder& site, const std::string& path) {
+  for (size_t at = 0; at <= path.size();) {
+    const size_t end = std::min(path.find('/', at), path.size());
+    const std::string name = path.substr(at, end - at);
+    const std::string place = path.substr(0, end);
+    at = end + 1;
+    if (name.starts_with('.')) return {Reason::kHiddenName, {}, name};
+    if (std::ranges::find(kNeverPages, name) != std::end(kNeverPages)) {
+      return {Reason::kToolFolder, {}, name};
+    }
+    for (const std::string& pattern : site.excluded) {
+      if (FitsExclusion(pattern, name, place)) return {Reason::kExcluded, {}, pattern};
+    }
+    if (!site.excludedFolder.empty() && site.folder / place == site.excludedFolder) {
+      return {Reason::kIndexFolder, {}, {}};
+    }
+    std::error_code error;
+    if (fs::is_symlink(site.folder / place, error)) {
+      return {site.followLinks ? Reason::kLinkOutside : Reason::kSymbolicLink, {}, {}};
+    }
+  }
+  return {};
+}
+
 }  // namespace
+
+Finding FolderSource::WhyNotListed(const std::string& path) const {
+  Finding why = WhyPassedOver(site_, path);
+  if (why.reason != Reason::kNone) return why;
+  std::error_code error;
+  const fs::file_status status = fs::symlink_status(site_.folder / path, error);
+  if (!fs::exists(status)) return {Reason::kFileNotFound, {}, {}};
+  if (!fs::is_regular_file(status)) return {Reason::kNotRegular, {}, {}};
+  if (!TypeOf(path, site_).has_value()) return {Reason::kOtherKind, EndingOf(path), {}};
+  return {site_.only.has_value() ? Reason::kNotListed : Reason::kFileNotRead, {}, {}};
+}
 
 SiteListing FolderSource::List() {
   SiteListing listing = Walk(site_).List();

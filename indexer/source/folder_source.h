@@ -40,6 +40,7 @@ class FolderSource final : public Source {
   SiteListing List() override;
   [[nodiscard]] Reason Read(const SourceItem& item, FileContent& content) const override;
   std::string Version(const SourceItem& item) const override;
+  Finding WhyNotListed(const std::string& path) const override;
 
  private:
   std::string FileOf(const SourceItem& item) const;

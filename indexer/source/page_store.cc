@@ -67,7 +67,11 @@ WaitingAddress WaitingOf(const Query& row) {
 
 }  // namespace
 
-PageStore::PageStore(std::filesystem::path file) : file_(std::move(file)) {
+PageStore::PageStore(std::filesystem::path file, StoreUse use) : file_(std::move(file)) {
+  if (use == StoreUse::kRead) {
+    database_ = std::make_unique<Database>(file_, false, kWords);
+    return;
+  }
   MakePrivateFile(file_);
   database_ = std::make_unique<Database>(file_, true, kWords);
   database_->Run("PRAGMA journal_mode = WAL");

@@ -60,12 +60,14 @@ struct StoredPage {
   Reason reason = Reason::kNone;  // kNone: a page
 };
 
+enum class StoreUse : uint8_t { kWrite, kRead };
+
 // All functions throw IndexError when the database cannot be read or written.
 class PageStore {
  public:
   // Opens the database `file`, or makes it, for its owner alone. A run that writes it must be the
-  // only one.
-  explicit PageStore(std::filesystem::path file);
+  // only one. With kRead it is there already, and only List and Read may be called.
+  explicit PageStore(std::filesystem::path file, StoreUse use = StoreUse::kWrite);
   ~PageStore();
   PageStore(const PageStore&) = delete;
   PageStore& operator=(const PageStore&) = delete;

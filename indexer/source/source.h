@@ -40,6 +40,10 @@ class Source {
   // that can be. Asked before Read, it stands for what that gives or for something older. Empty:
   // not known. Any number of threads may call it at once.
   virtual std::string Version(const SourceItem& item) const = 0;
+
+  // Why what an owner asks for is not in the list, nor among what is left out there. The path is
+  // as that of an item.
+  virtual Finding WhyNotListed(const std::string&) const { return {Reason::kFileNotFound, {}, {}}; }
 };
 
 }  // namespace vela::indexer

@@ -43,4 +43,8 @@ std::string StoreSource::Version(const SourceItem& item) const {
          content.charset;
 }
 
+Finding StoreSource::WhyNotListed(const std::string&) const {
+  return {Reason::kNotFetched, {}, {}};
+}
+
 }  // namespace vela::indexer

@@ -29,6 +29,7 @@ class StoreSource final : public Source {
   SiteListing List() override;
   [[nodiscard]] Reason Read(const SourceItem& item, FileContent& content) const override;
   std::string Version(const SourceItem& item) const override;
+  Finding WhyNotListed(const std::string& path) const override;
 
  private:
   std::unique_ptr<PageStore> store_;

@@ -12,11 +12,13 @@ namespace vela::indexer {
 
 namespace fs = std::filesystem;
 
+fs::path DefaultStateFolder(const fs::path& indexFolder) {
+  return indexFolder.parent_path() / ("." + indexFolder.filename().string() + ".state");
+}
+
 StateFolder OpenStateFolder(const std::string& wanted, const fs::path& indexFolder) {
   StateFolder state = {.path = wanted, .lock = std::make_unique<RunLock>()};
-  if (wanted.empty()) {
-    state.path = indexFolder.parent_path() / ("." + indexFolder.filename().string() + ".state");
-  }
+  if (wanted.empty()) state.path = DefaultStateFolder(indexFolder);
   const auto fail = [&state](const std::string& why) {
     throw IndexError(ExitStatus::kFailed, "Cannot use the folder " + state.path.string() +
                                               " for what is kept from run to run: " + why +

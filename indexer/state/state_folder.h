@@ -16,6 +16,9 @@ struct StateFolder {
   std::unique_ptr<RunLock> lock;  // held as long as the folder is used
 };
 
+// The hidden one beside `indexFolder`, which is absolute.
+std::filesystem::path DefaultStateFolder(const std::filesystem::path& indexFolder);
+
 // Makes the folder when it is missing, for its owner alone, and locks it. `wanted` is that of the
 // options; empty: a hidden one beside `indexFolder`, which is absolute, or empty where none is
 // written. Throws IndexError: kUsage
