@@ -5,7 +5,9 @@
 #
 # HOSTS are names for ssh with "," between them, ":" is this machine; without it all is done here.
 # Site, configuration and state must lie under the same names on all of them, as on a shared disk,
-# and the program and its libraries must be of the same versions.
+# and the program and its libraries must be of the same versions. A part that fails on one host is
+# read on another, twice at most. PARALLEL_SSH may name another command than "ssh", such as one with
+# a configuration of its own ("ssh -F FILE").
 set -eu
 
 config=${CONFIG:-vela_index.toml}
@@ -15,7 +17,7 @@ program=${VELA_INDEX:-vela_index}
 
 mkdir -p "$state"
 # shellcheck disable=SC2086  # HOSTS is one word or none
-seq "$parts" | parallel ${HOSTS:+--sshlogin "$HOSTS"} --halt now,fail=1 --line-buffer \
+seq "$parts" | parallel ${HOSTS:+--sshlogin "$HOSTS" --retries 3} --halt now,fail=1 --line-buffer \
   "$program" --quiet --config "$config" --jobs 1 --part "{}/$parts" --state "$state/{}"
 
 set --

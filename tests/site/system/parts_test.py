@@ -1,16 +1,66 @@
 #!/usr/bin/env python3
-"""A site in parts, by the examples that docs/scaling.md names: what make and GNU parallel run is the
-index of one run; what needs a cluster is tried with a stand-in for its command, or read."""
+"""A site in parts, by the examples that docs/scaling.md names: what make and GNU parallel run, also by
+ssh, is the index of one run; what needs a cluster is tried with a stand-in for its command, or read."""
 
+import getpass
 import os
 import shutil
+import socket
 import subprocess
+import time
 import unittest
 
 import support
 
 EXAMPLES = support.PROJECT / "examples/parts"
 PARTS = 3
+
+
+def sshd_program():
+    return shutil.which("sshd", path=f"{os.environ['PATH']}:/usr/sbin")
+
+
+class SshServer:
+    """A server on this machine, for the user who runs the tests, known under several names."""
+
+    def __init__(self, folder, hosts):
+        folder.mkdir()
+        for key in ("host_key", "user_key"):
+            subprocess.run(["ssh-keygen", "-q", "-t", "ed25519", "-N", "", "-f", folder / key],
+                           check=True)
+        shutil.copy(folder / "user_key.pub", folder / "authorized_keys")
+        with socket.socket() as free:
+            free.bind(("127.0.0.1", 0))
+            port = free.getsockname()[1]
+        host_key = (folder / "host_key.pub").read_text()
+        (folder / "known_hosts").write_text(f"[127.0.0.1]:{port} {host_key}")
+        (folder / "sshd_config").write_text(
+            f"Port {port}\nListenAddress 127.0.0.1\nHostKey {folder}/host_key\n"
+            f"AuthorizedKeysFile {folder}/authorized_keys\nPidFile none\nStrictModes no\n"
+            "UsePAM no\nPasswordAuthentication no\nAcceptEnv VELA_HOST\n")
+        self.config = folder / "ssh_config"
+        self.config.write_text("".join(
+            f"Host {host}\n  SetEnv VELA_HOST={host}\n" for host in hosts) +
+            f"Host *\n  HostName 127.0.0.1\n  Port {port}\n  User {getpass.getuser()}\n"
+            f"  IdentityFile {folder}/user_key\n  IdentitiesOnly yes\n  BatchMode yes\n"
+            f"  UserKnownHostsFile {folder}/known_hosts\n  StrictHostKeyChecking yes\n")
+        if os.geteuid() == 0:
+            os.makedirs("/run/sshd", mode=0o755, exist_ok=True)  # as its service does
+        self.log = folder / "log"
+        with open(self.log, "wb") as log:
+            self.process = subprocess.Popen([sshd_program(), "-D", "-e", "-f",
+                                             folder / "sshd_config"], stderr=log)
+        for _ in range(100):
+            with socket.socket() as asked:
+                if asked.connect_ex(("127.0.0.1", port)) == 0:
+                    return
+            time.sleep(0.05)
+        self.stop()
+        raise AssertionError("sshd does not answer:\n" + self.log.read_text())
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait()
 
 
 class Parts(unittest.TestCase):
@@ -52,6 +102,25 @@ class Parts(unittest.TestCase):
         done = subprocess.run([EXAMPLES / "parallel.sh"], cwd=self.folder, capture_output=True,
                               env=dict(self.environment, HOME=str(self.folder)))
         self.assertNotEqual(done.returncode, 0)
+
+    def test_parallel_by_ssh(self):
+        if None in (shutil.which("parallel"), shutil.which("ssh"), sshd_program()):
+            self.skipTest("GNU parallel, openssh-client or openssh-server is not installed")
+        server = SshServer(self.folder / "ssh", ["sound", "broken"])
+        self.addCleanup(server.stop)
+        # Notes on which host it runs; on one of them it cannot.
+        program = self.folder / "vela_index"
+        program.write_text(f'#!/bin/sh\necho "${{VELA_HOST:-here}}" >>{self.folder}/ran\n'
+                           '[ "${VELA_HOST:-}" != broken ] || exit 1\n'
+                           f'exec {support.BIN / "vela_index"} "$@"\n')
+        program.chmod(0o755)
+        self.run_example(EXAMPLES / "parallel.sh", HOME=str(self.folder), HOSTS="sound,broken",
+                         PARALLEL_SSH=f"ssh -F {server.config}", VELA_INDEX=str(program))
+        ran = (self.folder / "ran").read_text().split()
+        self.assertEqual(ran.count("sound"), PARTS)
+        self.assertGreaterEqual(ran.count("broken"), 1)
+        self.assertEqual(ran[-1], "here")  # the merge
+        self.expect_index_of_one_run()
 
     def test_slurm(self):
         # In the place of the real one: runs the tasks of an array, or what is wrapped, at once.
