@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <utility>
 
 #include "indexer/open_source.h"
 #include "indexer/site/address.h"
@@ -46,15 +48,15 @@ std::string PathOfFile(const std::string& asked, const std::string& site) {
   return {};
 }
 
-const SourceItem* ItemAt(const std::string& address, const SiteListing& listing) {
-  const auto isIt = [&](const SourceItem& item) { return item.address == address; };
-  auto found = std::ranges::find_if(listing.items, isIt);
-  if (found == listing.items.end() && address.ends_with('/')) {
-    found = std::ranges::find(listing.items, address, [](const SourceItem& item) {
-      return FolderOfIndexPage(item.address);
-    });
+std::optional<SourceItem> ItemAt(const std::string& address, const SiteListing& listing) {
+  for (const SourceItem& item : listing.items) {
+    if (item.address == address) return item;
   }
-  return found == listing.items.end() ? nullptr : &*found;
+  if (!address.ends_with('/')) return std::nullopt;
+  for (const SourceItem& item : listing.items) {
+    if (FolderOfIndexPage(item.address) == address) return item;
+  }
+  return std::nullopt;
 }
 
 // What the list itself says of something that is no item.
@@ -93,9 +95,9 @@ AskedPage FindAskedPage(const std::string& asked, const Options& options, const 
       page.path = Decoded(std::string_view(address).substr(base.size()));
     }
   }
-  if (const SourceItem* item = ItemAt(address, listing); item != nullptr) {
-    page.item = *item;
+  if (std::optional<SourceItem> item = ItemAt(address, listing); item.has_value()) {
     page.path = item->path;
+    page.item = std::move(item);
     return page;
   }
   const Finding leftOut = WhyLeftOut(page.path, listing);
