@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "indexer/documents/epub_page.h"
+#include "indexer/documents/old_slides_page.h"
 #include "indexer/documents/open_document_page.h"
 #include "indexer/documents/rich_text_page.h"
 #include "indexer/documents/sheets_page.h"
@@ -24,9 +25,10 @@ struct DocumentReader {
 };
 
 constexpr DocumentReader kReaders[] = {
-    {FileType::kWord, &ReadWordPage},     {FileType::kSlides, &ReadSlidesPage},
-    {FileType::kSheets, &ReadSheetsPage}, {FileType::kOpenDocument, &ReadOpenDocumentPage},
-    {FileType::kEpub, &ReadEpubPage},     {FileType::kRichText, &ReadRichTextPage},
+    {FileType::kWord, &ReadWordPage},           {FileType::kSlides, &ReadSlidesPage},
+    {FileType::kSheets, &ReadSheetsPage},       {FileType::kOpenDocument, &ReadOpenDocumentPage},
+    {FileType::kEpub, &ReadEpubPage},           {FileType::kRichText, &ReadRichTextPage},
+    {FileType::kOldSlides, &ReadOldSlidesPage},
 };
 
 const DocumentReader* ReaderOf(FileType type) {

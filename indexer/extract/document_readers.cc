@@ -36,14 +36,13 @@ DocumentReaders::DocumentReaders(const std::string& folder, std::string_view pat
     : extract_(std::filesystem::path(folder) / kExtractProgram),
       pdfProgram_(FindProgram("pdftotext", path)),
       wordProgram_(FindProgram("catdoc", path)),
-      slidesProgram_(FindProgram("catppt", path)),
       sheetsProgram_(FindProgram("xls2csv", path)),
       workers_(extract_) {}
 
 DocumentReaders::DocumentReaders() : DocumentReaders(OwnFolder(), EnvironmentPath()) {}
 
 std::vector<std::string> DocumentReaders::Programs() const {
-  return {extract_, pdfProgram_, wordProgram_, slidesProgram_, sheetsProgram_};
+  return {extract_, pdfProgram_, wordProgram_, sheetsProgram_};
 }
 
 Reason DocumentReaders::ReadPdf(std::string_view document, ReadingBudget& budget,
@@ -70,7 +69,7 @@ Reason DocumentReaders::ReadOldOffice(const std::string& program,
   if (!document.starts_with(kContainerBegin)) return Reason::kDamaged;
   if (program.empty()) return Reason::kNoOldOfficeProgram;
   ProgramOutput result;
-  // Those of spreadsheets and slides need the name of a file.
+  // That of spreadsheets needs the name of a file.
   const Reason reason = RunOutsideProgram(extract_, program, arguments, document, budget, result);
   if (reason != Reason::kNone) return reason;
   if (result.exitStatus < 0) return Reason::kReaderFailed;
@@ -99,8 +98,6 @@ Reason DocumentReaders::Read(FileType type, std::string_view document, ReadingBu
         return workers_.Read(FileType::kWord, document, budget, page);
       }
       return ReadOldOffice(wordProgram_, {"-d", "utf-8", kInput}, document, budget, page);
-    case FileType::kOldSlides:
-      return ReadOldOffice(slidesProgram_, {"-d", "utf-8", kInput}, document, budget, page);
     case FileType::kOldSheets:
       // No quotes, and blanks between the cells. The first row is no title.
       reason = ReadOldOffice(sheetsProgram_, {"-d", "utf-8", "-q", "0", "-c", " ", kInput},

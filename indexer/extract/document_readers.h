@@ -37,7 +37,6 @@ class DocumentReaders {
   std::string extract_;     // vela_extract
   std::string pdfProgram_;  // these are empty where there is none
   std::string wordProgram_;
-  std::string slidesProgram_;
   std::string sheetsProgram_;
   DocumentWorkers workers_;
 };

@@ -64,8 +64,11 @@ class Documents(unittest.TestCase):
         (site / "zeros.epub").write_bytes(bytes(10000))
         expected = {"cut.docx": "damaged", "bomb.docx": "document_too_large",
                     "sealed.xlsx": "encrypted", "nonsense.rtf": "damaged",
-                    "zeros.epub": "damaged", "plain.xls": "damaged"}
+                    "zeros.epub": "damaged", "plain.xls": "damaged", "plain.ppt": "damaged",
+                    "zeros.ppt": "damaged"}
         (site / "plain.xls").write_bytes(b"a,b")
+        (site / "plain.ppt").write_bytes(b"slides")
+        (site / "zeros.ppt").write_bytes(b"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + bytes(10000))
         if shutil.which("pdftotext"):
             shutil.copy2(SEALED, site)
             (site / "empty.pdf").write_bytes(b"%PDF-1.7\n")

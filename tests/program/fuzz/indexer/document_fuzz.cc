@@ -1,11 +1,13 @@
 // document_fuzz.cc: the readers of documents that are archives. Input: a line, "word", "slides",
-// "sheets", "open", "epub" or "raw"; behind it the main part of such a document, which is packed
-// with what else it needs, or of "raw" a whole file, tried as each of them.
+// "sheets", "open", "epub", "show" or "raw"; behind it the main part of such a document, which is
+// packed with what else it needs ("show": the stream of an older presentation, its last record the
+// last edit), or of "raw" a whole file, tried as each of them.
 #include <string>
 
 #include "indexer/documents/documents.h"
 #include "program/fuzz/check.h"
 #include "program/fuzz/indexer/page_content.h"
+#include "support/compound_builder.h"
 #include "support/sample_documents.h"
 
 namespace vela::fuzz {
@@ -55,8 +57,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     support::ZipParts parts = support::EpubParts();
     parts[2].second = part;
     ReadAs(FileType::kEpub, support::ZipOf(parts));
+  } else if (kind == "show") {
+    constexpr size_t kEditBytes = 36;
+    const size_t edit = part.size() < kEditBytes ? 0 : part.size() - kEditBytes;
+    const std::string user =
+        std::string(16, '\0') + support::LittleEndian(static_cast<uint32_t>(edit), 4);
+    ReadAs(FileType::kOldSlides,
+           support::CompoundOf({{"Current User", user}, {"PowerPoint Document", part}}));
   } else if (kind == "raw") {
-    for (const FileType type : {FileType::kWord, FileType::kOpenDocument, FileType::kEpub}) {
+    for (const FileType type :
+         {FileType::kWord, FileType::kOpenDocument, FileType::kEpub, FileType::kOldSlides}) {
       ReadAs(type, part);
     }
   }
