@@ -1,6 +1,7 @@
 #include "indexer/collect/page_cutter.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "format/word_map.h"
 #include "indexer/collect/number_bytes.h"
@@ -75,6 +76,36 @@ void PageCutter::BeginPage(PageWords& out) {
   places_.clear();
   sections_.clear();
   inPhrase_ = afterPiece_ = false;
+}
+
+// Keeps the chunks that came again since the last time, unless they are most of them.
+void PageCutter::ThinOutChunks() {
+  const auto kept = static_cast<size_t>(std::ranges::count_if(chunks_, &KnownChunk::cameAgain));
+  if (kept > chunks_.size() / 2) {
+    ForgetChunks();
+    return;
+  }
+  const std::vector<KnownChunk> chunks = std::exchange(chunks_, {});
+  const std::vector<ChunkToken> tokens = std::exchange(chunkTokens_, {});
+  const std::vector<ChunkForm> forms = std::exchange(chunkForms_, {});
+  chunkTable_.Clear();
+  chunks_.reserve(chunks.size());
+  addsChunk_ = true;
+  for (const KnownChunk& each : chunks) {
+    if (!each.cameAgain) continue;
+    const auto next = static_cast<uint32_t>(chunks_.size());
+    chunkTable_.FindOrAdd(TextHash(TextOf(each)), next, [](uint32_t) { return false; });
+    KnownChunk& added = chunks_.emplace_back(each);
+    added.cameAgain = false;
+    Chunk& cut = added.chunk;
+    const auto firstToken = tokens.begin() + cut.firstToken;
+    const auto firstForm = forms.begin() + cut.firstForm;
+    cut.firstToken = static_cast<uint32_t>(chunkTokens_.size());
+    cut.firstForm = static_cast<uint32_t>(chunkForms_.size());
+    chunkTokens_.insert(chunkTokens_.end(), firstToken, firstToken + cut.tokens);
+    chunkForms_.insert(chunkForms_.end(), firstForm, firstForm + cut.forms);
+  }
+  addsChunk_ = false;
 }
 
 // The known form of that spelling of a known word.
@@ -156,22 +187,22 @@ PageCutter::Chunk PageCutter::CutNewChunk(std::string_view text) {
 PageCutter::Chunk PageCutter::ChunkOf(const ChunkAhead& ahead) {
   const std::string_view text = ahead.text;
   if (text.size() > kKeptChunkBytes) return CutNewChunk(text);
-  if (chunks_.size() >= mostChunks_) ForgetChunks();
+  if (chunks_.size() >= mostChunks_) ThinOutChunks();
   const auto next = static_cast<uint32_t>(chunks_.size());
-  const uint32_t number = chunkTable_.FindOrAdd(ahead.hash, next, [&](uint32_t known) {
-    const KnownChunk& chunk = chunks_[known];
-    return IsSameText({chunk.text.data(), chunk.bytes}, text);
-  });
-  if (number == next) {
-    addsChunk_ = true;
-    KnownChunk& added = chunks_.emplace_back();
-    added.bytes = static_cast<uint8_t>(text.size());
-    text.copy(added.text.data(), added.text.size());
-    added.chunk = CutNewChunk(text);
-    added.chunk.isKept = true;
-    addsChunk_ = false;
+  const uint32_t number = chunkTable_.FindOrAdd(
+      ahead.hash, next, [&](uint32_t known) { return IsSameText(TextOf(chunks_[known]), text); });
+  if (number != next) {
+    chunks_[number].cameAgain = true;
+    return chunks_[number].chunk;
   }
-  return chunks_[number].chunk;
+  addsChunk_ = true;
+  KnownChunk& added = chunks_.emplace_back();
+  added.bytes = static_cast<uint8_t>(text.size());
+  text.copy(added.text.data(), added.text.size());
+  added.chunk = CutNewChunk(text);
+  added.chunk.isKept = true;
+  addsChunk_ = false;
+  return added.chunk;
 }
 
 // Lets go of a chunk that is not kept.
@@ -379,6 +410,8 @@ class PageCutter::ChunksAhead {
   void BringForm(const ChunkAhead& chunk) const {
     const KnownChunk* const known = Guess(chunk);
     if (known == nullptr) return;
+    const uint32_t running = known->chunk.plainWord;
+    if (running != 0) __builtin_prefetch(&cutter_.knownRunning_[running - 1]);
     const uint32_t form = known->chunk.onlyForm;
     if (form != 0) {
       __builtin_prefetch(&cutter_.forms_[form - 1]);

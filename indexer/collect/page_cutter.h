@@ -106,15 +106,19 @@ class PageCutter {
     bool isKept = false;
   };
   // Longer ones hardly come again.
-  static constexpr size_t kKeptChunkBytes = 35;
+  static constexpr size_t kKeptChunkBytes = 34;
   // All that is looked at first lies in the 64 bytes that a processor brings into its cache at
   // once.
   struct alignas(64) KnownChunk {
     Chunk chunk;
-    uint8_t bytes = 0;  // of its text
+    bool cameAgain = false;  // since the list was thinned out last
+    uint8_t bytes = 0;       // of its text
     std::array<char, kKeptChunkBytes> text = {};
   };
   static_assert(sizeof(KnownChunk) == 64);
+  static std::string_view TextOf(const KnownChunk& known) {
+    return {known.text.data(), known.bytes};
+  }
   // A chunk of the text that is cut, before its turn.
   struct ChunkAhead {
     std::string_view text;
@@ -144,6 +148,7 @@ class PageCutter {
   void BeginPage(PageWords& out);
   void Forget();
   void ForgetChunks();
+  void ThinOutChunks();
   uint32_t KnownFormOf(uint32_t word, std::string_view surface);
   Chunk CutNewChunk(std::string_view chunk);
   Chunk ChunkOf(const ChunkAhead& ahead);
