@@ -46,6 +46,10 @@ CREATE TABLE IF NOT EXISTS block (id INTEGER PRIMARY KEY, bytes BLOB, anchors BL
 inline constexpr char kSelectPages[] =
     "SELECT path, address, type, item, version, content_high, content_low, modified, reason, block,"
     " packed, check_sum FROM page WHERE typeof(path) = 'blob' ORDER BY path";
+// That of a path.
+inline constexpr char kSelectPage[] =
+    "SELECT path, address, type, item, version, content_high, content_low, modified, reason, block,"
+    " packed, check_sum FROM page WHERE path = ?";
 
 inline constexpr std::string_view kFormName = "form";
 inline constexpr std::string_view kPartName = "part";
@@ -81,7 +85,8 @@ struct PageRow {
   int64_t modifiedTime = 0;
   KeptOutcome outcome;
 
-  // Takes a row of kSelectPages. False when it is no whole row that Write has written.
+  // Takes a row of kSelectPages or kSelectPage. False when it is no whole row that Write has
+  // written.
   [[nodiscard]] bool Read(const Query& query);
   void Write(Database& database) const;
 

@@ -20,6 +20,10 @@ namespace {
 
 constexpr size_t kTransactionBytes = size_t{16} << 20;
 
+// Of the number of a row, which counts from 1 on: what does not fit is of a file that is not ours,
+// and leads to a row whose fingerprint is another one.
+constexpr uint64_t kBlockBits = (uint64_t{1} << 48) - 1;
+
 constexpr char kPublished[] = "published";
 constexpr char kPublishedFiles[] = "published_files";
 
@@ -78,6 +82,19 @@ bool IsPassing(Reason reason) {
                                  Reason::kNoMemory,         Reason::kDocumentTooSlow,
                                  Reason::kDocumentTooLarge, Reason::kReaderFailed};
   return std::ranges::find(kPassing, reason) != std::end(kPassing);
+}
+
+void PageState::Known::Set(const KeptOutcome& outcome, Is which) {
+  packed = outcome.packed;
+  block = static_cast<uint64_t>(outcome.block) & kBlockBits;
+  reason = static_cast<uint8_t>(outcome.reason);
+  is = static_cast<uint8_t>(which);
+}
+
+KeptOutcome PageState::Known::Outcome() const {
+  return {.reason = static_cast<Reason>(reason),
+          .block = static_cast<int64_t>(block),
+          .packed = packed};
 }
 
 // Whatever goes wrong with the file ends its use, not the run.
@@ -192,20 +209,17 @@ void PageState::Compare(const Source& source, const ItemList& items, bool needsA
       ++next;
       ++item;
       if (!isWhole || row.item != ItemFingerprint(found)) {
-        if (isWhole) known.outcome.block = row.outcome.block;
+        if (isWhole) known.Set({.block = row.outcome.block}, Is::kNew);
         isUnchanged_ = false;
         continue;
       }
-      known = {.outcome = row.outcome,
-               .content = row.content,
-               .modifiedTime = row.modifiedTime,
-               .is = Is::kChanged};
+      known.Set(row.outcome, Is::kChanged);
       const bool counts = !IsPassing(row.outcome.reason);
       if (counts && !row.version.empty() && row.version == source.Version(found)) {
-        known.is = Is::kSame;
+        known.Set(row.outcome, Is::kSame);
       } else if (counts && isUnchanged_ && IsEqualNow(source, found, row)) {
         // Where all are the same there is no run to come that would look at its bytes.
-        known.is = Is::kSame;
+        known.Set(row.outcome, Is::kSame);
         if (!row.version.empty()) moved.emplace_back(next - 1, row);
       } else {
         isUnchanged_ = false;
@@ -226,6 +240,19 @@ void PageState::Compare(const Source& source, const ItemList& items, bool needsA
   });
 }
 
+// Whether the item held the same when it was read.
+bool PageState::HadContent(size_t item, const Fingerprint& content) {
+  const std::string path = (*items_)[item].path;
+  bool isSame = false;
+  const std::lock_guard lock(mutex_);
+  Guarded([&] {
+    Query query(*database_, kSelectPage);
+    PageRow row;
+    isSame = query.BindBytes(path).Next() && row.Read(query) && row.content == content;
+  });
+  return isSame;
+}
+
 bool PageState::ReadKept(size_t item, ItemOutcome& outcome) {
   std::unique_ptr<Database> reader;
   {
@@ -239,7 +266,7 @@ bool PageState::ReadKept(size_t item, ItemOutcome& outcome) {
   bool isThere = false;
   try {
     if (reader == nullptr) reader = std::make_unique<Database>(file_, false, kPageStateWords);
-    isThere = ReadOutcome(*reader, known_[item].outcome, (*items_)[item], needsAnchors_, outcome);
+    isThere = ReadOutcome(*reader, known_[item].Outcome(), (*items_)[item], needsAnchors_, outcome);
   } catch (const IndexError& error) {
     const std::lock_guard lock(mutex_);
     Break(error.what());
@@ -251,15 +278,15 @@ bool PageState::ReadKept(size_t item, ItemOutcome& outcome) {
 }
 
 bool PageState::Take(size_t item, ItemOutcome& outcome) {
-  if (known_[item].is != Is::kSame || !ReadKept(item, outcome)) return false;
+  if (known_[item].Which() != Is::kSame || !ReadKept(item, outcome)) return false;
   ++taken_;
   return true;
 }
 
 bool PageState::TakeEqual(size_t item, const ItemContent& content, ItemOutcome& outcome) {
   const Known& known = known_[item];
-  if (known.is == Is::kNew || known.content != content.bytes || IsPassing(known.outcome.reason) ||
-      !ReadKept(item, outcome)) {
+  if (known.Which() == Is::kNew || IsPassing(known.Outcome().reason) ||
+      !HadContent(item, content.bytes) || !ReadKept(item, outcome)) {
     return false;
   }
   if (outcome.reason == Reason::kNone &&
@@ -285,7 +312,7 @@ void PageState::Keep(size_t item, const ItemContent& content, const ItemOutcome&
                        .content = content.bytes,
                        .modifiedTime = content.modifiedTime,
                        .outcome = {.reason = outcome.reason,
-                                   .block = known_[item].outcome.block,
+                                   .block = known_[item].Outcome().block,
                                    .packed = PackedFingerprint(packed, anchors)}};
   const std::lock_guard lock(mutex_);
   Guarded([&] {
@@ -315,7 +342,7 @@ void PageState::Write(size_t item, const PageRow& given, const std::string* pack
     }
     query.Next();
     if (row.outcome.block == 0) row.outcome.block = database_->LastRow();
-    known_[item].outcome.block = row.outcome.block;
+    known_[item].block = static_cast<uint64_t>(row.outcome.block) & kBlockBits;
   }
   row.Write(*database_);
   CommitWhenMuch(packed == nullptr ? 0 : packed->size());

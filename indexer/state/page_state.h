@@ -92,13 +92,18 @@ class PageState {
 
  private:
   enum class Is : uint8_t { kNew, kChanged, kSame };
-  // What is known of an item.
+  // What is known of an item, in few bytes: there may be millions. The rest is in its row.
   struct Known {
-    KeptOutcome outcome;
-    Fingerprint content;
-    int64_t modifiedTime = 0;
-    Is is = Is::kNew;
+    uint64_t packed = 0;  // as in a KeptOutcome, like the next two
+    uint64_t block : 48 = 0;
+    uint64_t reason : 8 = 0;
+    uint64_t is : 8 = 0;  // an Is
+
+    void Set(const KeptOutcome& outcome, Is which);
+    KeptOutcome Outcome() const;
+    Is Which() const { return static_cast<Is>(is); }
   };
+  static_assert(sizeof(Known) == 16);
 
   template <typename Action>
   bool Guarded(Action action);
@@ -108,6 +113,7 @@ class PageState {
   void CommitWhenMuch(size_t bytes);
   bool IsEqualNow(const Source& source, const SourceItem& item, PageRow& row);
   void DropPublished();
+  bool HadContent(size_t item, const Fingerprint& content);
   bool ReadKept(size_t item, ItemOutcome& outcome);
   void Write(size_t item, const PageRow& row, const std::string* packed,
              const std::string* anchors);
