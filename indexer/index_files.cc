@@ -1,5 +1,7 @@
 #include "indexer/index_files.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -64,6 +66,12 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
         .titles = TitleMasses(facts.pages, facts.stopWords, vocabulary, collection.forms),
         .links = collection.linkTexts.Finish(collection.addresses, vocabulary)};
   }
+  // The text of the pages is written beside the word map, as neither needs the other.
+  const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
+  uint64_t bytes = 0;
+  SideTask text(JobsOf(run.options) > 1, [&] {
+    bytes = pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
+  });
   const WordMapResult wordMap =
       WriteWordMap(fresh / kWordMapFileName, collection.postings, vocabulary, collection.pages,
                    facts.tokenBytes, weights.has_value() ? &*weights : nullptr);
@@ -74,7 +82,6 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   weights.reset();
   CheckStop(run.stop);
   run.progress.Begin("Writing the index", 0);
-  const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
   // What is made of the words alone goes on beside what needs their places.
   const SiteConfig& config = run.options.config;
   uint64_t spellingBytes = 0;
@@ -92,8 +99,8 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
     }
   };
   SideTask spelling(JobsOf(run.options) > 1, writeSpelling);
-  uint64_t bytes = wordMap.fileBytes;
-  bytes += pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
+  text.Finish();
+  bytes += wordMap.fileBytes;
   if (config.extensions || !config.synonyms.empty()) {
     const SynonymSizes synonyms = WriteSynonyms(
         fresh, {.vocabulary = vocabulary,
@@ -113,6 +120,7 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   spelling.Finish();
   run.summary.words = vocabulary.words.size();
   collection.vocabulary = {};
+  malloc_trim(0);  // many words take more than all that follows
   return bytes + facts.dictionary.fileBytes + spellingBytes;
 }
 

@@ -108,16 +108,23 @@ void SuggestionList::Count(Entry& entry, uint64_t weight) const {
 
 // Of all entries the half that would be offered last.
 void SuggestionList::DropRarest() {
-  std::vector<decltype(entries_)::iterator> order;
+  struct Place {
+    uint64_t rank = 0;  // by kind, the last one first, then by weight
+    decltype(entries_)::iterator at;
+  };
+  constexpr unsigned kKindShift = 56;
+  std::vector<Place> order;
   order.reserve(entries_.size());
-  for (auto at = entries_.begin(); at != entries_.end(); ++at) order.push_back(at);
+  for (auto at = entries_.begin(); at != entries_.end(); ++at) {
+    const auto before =
+        static_cast<uint64_t>(Kind::kPhrase) - static_cast<uint64_t>(at->second.kind);
+    order.push_back({.rank = before << kKindShift | at->second.weight, .at = at});
+  }
   const auto middle = order.begin() + static_cast<ptrdiff_t>(order.size() / 2);
-  std::ranges::nth_element(order, middle, [](const auto& a, const auto& b) {
-    if (a->second.kind != b->second.kind) return a->second.kind > b->second.kind;
-    if (a->second.weight != b->second.weight) return a->second.weight < b->second.weight;
-    return a->first < b->first;
+  std::ranges::nth_element(order, middle, [](const Place& a, const Place& b) {
+    return a.rank != b.rank ? a.rank < b.rank : a.at->first < b.at->first;
   });
-  for (auto at = order.begin(); at != middle; ++at) entries_.erase(*at);
+  for (auto place = order.begin(); place != middle; ++place) entries_.erase(place->at);
   std::ranges::fill(known_, KnownPhrase());
 }
 
