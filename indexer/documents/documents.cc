@@ -9,6 +9,7 @@
 #include "indexer/documents/epub_page.h"
 #include "indexer/documents/old_slides_page.h"
 #include "indexer/documents/open_document_page.h"
+#include "indexer/documents/picture_page.h"
 #include "indexer/documents/rich_text_page.h"
 #include "indexer/documents/sheets_page.h"
 #include "indexer/documents/slides_page.h"
@@ -28,7 +29,7 @@ constexpr DocumentReader kReaders[] = {
     {FileType::kWord, &ReadWordPage},           {FileType::kSlides, &ReadSlidesPage},
     {FileType::kSheets, &ReadSheetsPage},       {FileType::kOpenDocument, &ReadOpenDocumentPage},
     {FileType::kEpub, &ReadEpubPage},           {FileType::kRichText, &ReadRichTextPage},
-    {FileType::kOldSlides, &ReadOldSlidesPage},
+    {FileType::kOldSlides, &ReadOldSlidesPage}, {FileType::kPicture, &ReadPicturePage},
 };
 
 const DocumentReader* ReaderOf(FileType type) {

@@ -50,7 +50,9 @@ std::string CanonicalAddress(const PageContent& content, const std::string& own)
   return AsEncoded(ResolveAddress(LinkBase(content, own), content.canonical));
 }
 
-std::string PageImage(const PageContent& content, const std::string& own) {
+std::string PageImage(const PageContent& content, const SourceItem& item) {
+  const std::string& own = item.address;
+  if (item.type == FileType::kPicture) return own;
   const std::string_view image = FactOf(content, PageFact::kImage);
   return image.empty() ? std::string() : ResolveAddress(LinkBase(content, own), image);
 }
@@ -128,7 +130,7 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
       .address = item.address,
       .canonical = CanonicalAddress(content, item.address),
       .title = PageTitle(content, item.path),
-      .image = wishes.images ? PageImage(content, item.address) : std::string(),
+      .image = wishes.images ? PageImage(content, item) : std::string(),
       .language = PageLanguage(content, wishes.recognisesLanguages),
       .fileSize = fileSize,
       .time = PageDate(content, fileTime, wishes.dates),

@@ -84,6 +84,8 @@ inline constexpr FileTypeEndings kFileTypeEndings[] = {
     {FileType::kOldWord, "doc", kOldWordEndings, kOldWordMedia},
     {FileType::kOldSlides, "ppt", kOldSlidesEndings, kOldSlidesMedia},
     {FileType::kOldSheets, "xls", kOldSheetsEndings, kOldSheetsMedia},
+    // Where an owner wants them; of folders alone, as no crawl keeps them.
+    {FileType::kPicture, "pictures", {}, {}},
 };
 
 constexpr bool EachTypeHasItsEndings() {

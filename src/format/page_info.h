@@ -73,7 +73,8 @@ enum class FileType : uint8_t {
   kOldWord = 11,  // the binary formats before Office Open XML
   kOldSlides = 12,
   kOldSheets = 13,
-  kCount,  // of the types; no type itself
+  kPicture = 14,  // by what it says of itself
+  kCount,         // of the types; no type itself
 };
 inline constexpr size_t kFileTypeCount = static_cast<size_t>(FileType::kCount);
 

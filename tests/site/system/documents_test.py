@@ -5,6 +5,7 @@ titles; what cannot be read costs nothing but itself, and is told."""
 import io
 import json
 import shutil
+import struct
 import subprocess
 import unittest
 import zipfile
@@ -37,6 +38,13 @@ def bomb():
             for _ in range(400):
                 part.write(b" " * (1 << 20))
     return packed.getvalue()
+
+
+def picture(description):
+    """A JPEG file that says this of itself (EXIF, one field)."""
+    text = description + b"\0"
+    exif = (b"Exif\0\0II*\0" + struct.pack("<IHHHIII", 8, 1, 0x010E, 2, len(text), 26, 0) + text)
+    return b"\xFF\xD8\xFF\xE1" + struct.pack(">H", len(exif) + 2) + exif + b"\xFF\xDA"
 
 
 class Documents(unittest.TestCase):
@@ -79,6 +87,29 @@ class Documents(unittest.TestCase):
         told = [json.loads(line) for line in report.read_text(encoding="utf-8").splitlines()]
         self.assertEqual({line["path"]: line["reason"] for line in told if "path" in line},
                          expected)
+
+    def test_pictures_are_pages_on_request(self):
+        folder = support.WORK / "pictures"
+        shutil.rmtree(folder, ignore_errors=True)
+        (folder / "site").mkdir(parents=True)
+        (folder / "site/index.html").write_text("<title>A page</title>text", encoding="utf-8")
+        (folder / "site/bridge.jpg").write_bytes(picture(b"A footbridge at dawn"))
+        (folder / "site/silent.jpg").write_bytes(b"\xFF\xD8\xFF\xDA")
+        config = folder / "vela_index.toml"
+        for wanted, pages in (("", 1), ('pictures = ["jpg"]\n', 2)):
+            config.write_text(f'[site]\nfolder = "site"\nbase_url = "/"\nout = "index"\n{wanted}',
+                              encoding="utf-8")
+            report = folder / "report.json"
+            subprocess.run([support.BIN / "vela_index", "--config", config, "--report", report],
+                           cwd=folder, check=True, stdout=subprocess.DEVNULL)
+            support.inspect(folder / "index")
+            told = json.loads(report.read_text(encoding="utf-8"))
+            self.assertEqual(told["counts"]["pages"], pages)
+        self.assertEqual([page["code"] for page in told["documents"]
+                          if page["path"] == "silent.jpg"], ["no_text"])
+        shutil.copy2(support.BIN / "vela_search", folder / "index/search.cgi")
+        self.assertEqual(support.search(folder / "index", "footbridge"),
+                         [("/bridge.jpg", "bridge.jpg")])
 
     def test_without_the_program_beside_it_pages_are_indexed_all_the_same(self):
         alone = support.WORK / "alone"

@@ -65,8 +65,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ReadAs(FileType::kOldSlides,
            support::CompoundOf({{"Current User", user}, {"PowerPoint Document", part}}));
   } else if (kind == "raw") {
-    for (const FileType type :
-         {FileType::kWord, FileType::kOpenDocument, FileType::kEpub, FileType::kOldSlides}) {
+    for (const FileType type : {FileType::kWord, FileType::kOpenDocument, FileType::kEpub,
+                                FileType::kOldSlides, FileType::kPicture}) {
       ReadAs(type, part);
     }
   }
