@@ -381,10 +381,12 @@ class PageCutter::ChunksAhead {
   const ChunkAhead* Next() {
     while (end_ - begin_ < kCount && Take(ahead_[end_ % kCount])) ++end_;
     if (begin_ == end_) return nullptr;
-    const size_t middle = begin_ + kCount / 2;
-    if (middle < end_) BringChunk(ahead_[middle % kCount]);
-    const size_t near = begin_ + kCount / 4;
-    if (near < end_) BringForm(ahead_[near % kCount]);
+    const auto at = [this](size_t ahead) {
+      return begin_ + ahead < end_ ? Guess(ahead_[(begin_ + ahead) % kCount]) : nullptr;
+    };
+    if (const KnownChunk* const known = at(kCount * 3 / 4)) __builtin_prefetch(known);
+    if (const KnownChunk* const known = at(kCount / 2)) BringForm(known->chunk);
+    if (const KnownChunk* const known = at(kCount / 4)) BringWord(known->chunk);
     return &ahead_[begin_++ % kCount];
   }
 
@@ -403,21 +405,21 @@ class PageCutter::ChunksAhead {
     const uint32_t number = cutter_.chunkTable_.Guess(chunk.hash);
     return number < cutter_.chunks_.size() ? &cutter_.chunks_[number] : nullptr;
   }
-  void BringChunk(const ChunkAhead& chunk) const {
-    const KnownChunk* const known = Guess(chunk);
-    if (known != nullptr) __builtin_prefetch(known);
-  }
-  void BringForm(const ChunkAhead& chunk) const {
-    const KnownChunk* const known = Guess(chunk);
-    if (known == nullptr) return;
-    const uint32_t running = known->chunk.plainWord;
-    if (running != 0) __builtin_prefetch(&cutter_.knownRunning_[running - 1]);
-    const uint32_t form = known->chunk.onlyForm;
-    if (form != 0) {
-      __builtin_prefetch(&cutter_.forms_[form - 1]);
-    } else if (known->chunk.tokens != 0) {
-      __builtin_prefetch(&cutter_.chunkTokens_[known->chunk.firstToken]);
+  void BringForm(const Chunk& chunk) const {
+    if (chunk.plainWord != 0) __builtin_prefetch(&cutter_.knownRunning_[chunk.plainWord - 1]);
+    if (chunk.onlyForm != 0) {
+      __builtin_prefetch(&cutter_.forms_[chunk.onlyForm - 1]);
+    } else if (chunk.tokens != 0) {
+      __builtin_prefetch(&cutter_.chunkTokens_[chunk.firstToken]);
     }
+  }
+  // Of what is new on the page more is looked at.
+  void BringWord(const Chunk& chunk) const {
+    if (chunk.onlyForm == 0) return;
+    const KnownForm& form = cutter_.forms_[chunk.onlyForm - 1];
+    if (form.inPage.page == cutter_.page_) return;
+    __builtin_prefetch(&cutter_.knownWords_[form.word]);
+    cutter_.words_.Prefetch(form.word);
   }
 
   const PageCutter& cutter_;

@@ -50,6 +50,8 @@ class TextNumbers {
   // Adds a text that is new: its number is then the former size().
   uint32_t FindOrAdd(std::string_view text);
   std::string_view operator[](uint32_t number) const { return texts_[number]; }
+  // Brings into the processor's cache where the text is.
+  void Prefetch(uint32_t number) const { __builtin_prefetch(&texts_[number]); }
   uint32_t size() const { return static_cast<uint32_t>(texts_.size()); }
   void Clear();
   size_t memory() const;
