@@ -61,24 +61,23 @@ std::string CharsetOfMeta(const Tag& tag) {
 
 }  // namespace
 
-std::vector<std::string> DeclaredCharsets(std::string_view markup) {
+void ForEachDeclaredCharset(std::string_view markup,
+                            const std::function<bool(const std::string& name)>& use) {
   markup = markup.substr(0, kDeclarationBytes);
-  std::vector<std::string> charsets;
-  const auto add = [&](std::string_view charset) {
-    if (!charset.empty()) charsets.emplace_back(charset);
-  };
-  if (markup.starts_with("<?xml")) add(CharsetOfXml(LowerAsciiCopy(markup)));
+  const auto isTaken = [&use](const std::string& name) { return !name.empty() && use(name); };
+  if (markup.starts_with("<?xml") && isTaken(std::string(CharsetOfXml(LowerAsciiCopy(markup))))) {
+    return;
+  }
   ReadingBudget budget;
   HtmlTokens tokens(markup, budget);
   for (TokenKind kind = tokens.Next(false); kind != TokenKind::kEnd; kind = tokens.Next(false)) {
     if (kind != TokenKind::kStartTag) continue;
     if (tokens.tag().element == Element::kMeta) {
-      add(CharsetOfMeta(tokens.tag()));
+      if (isTaken(CharsetOfMeta(tokens.tag()))) return;
     } else if (Has(tokens.tag().element, kRawText)) {
       tokens.TakeRawText();
     }
   }
-  return charsets;
 }
 
 }  // namespace vela::indexer

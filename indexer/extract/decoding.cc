@@ -128,11 +128,14 @@ std::string DeclaredConverter(std::string_view bytes, bool isHtml, std::string_v
     if (ReadsAscii(name)) return name;
   }
   if (!isHtml) return {};
-  for (const std::string& declared : DeclaredCharsets(bytes)) {
+  std::string first;
+  ForEachDeclaredCharset(bytes, [&first](const std::string& declared) {
     std::string name = ConverterName(declared);
-    if (ReadsAscii(name)) return name;
-  }
-  return {};
+    if (!ReadsAscii(name)) return false;
+    first = std::move(name);
+    return true;
+  });
+  return first;
 }
 
 // A sign of text, not the first half of a pair: no control character but for blanks.

@@ -52,8 +52,23 @@ TEST(DeclaredCharset, TheMarkupNamesIt) {
   };
   for (const auto& c : kCases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(DeclaredCharsets(c.markup), c.expected);
+    std::vector<std::string> names;
+    ForEachDeclaredCharset(c.markup, [&names](const std::string& name) {
+      names.push_back(name);
+      return false;
+    });
+    EXPECT_EQ(names, c.expected);
   }
+}
+
+TEST(DeclaredCharset, EndsAtTheNameThatIsTaken) {
+  std::vector<std::string> names;
+  ForEachDeclaredCharset("<meta charset=a><meta charset=b><meta charset=c>",
+                         [&names](const std::string& name) {
+                           names.push_back(name);
+                           return name == "b";
+                         });
+  EXPECT_EQ(names, (std::vector<std::string>{"a", "b"}));
 }
 
 }  // namespace
