@@ -58,13 +58,22 @@ void JoinWordList(const Joining& joining) {
   PageTokens& out = joining.out;
   const std::vector<WordOfPage>& words = joining.more.words;
   Vocabulary& vocabulary = joining.site.vocabulary;
-  // The table of all words is far too large for the processor's cache: all places are asked for
-  // before the first one is needed.
+  // Table and words of the site are far too large for the processor's cache: all places of the
+  // page's words are asked for before the first one is needed, then their words, then their texts.
   out.hashes.clear();
   Texts texts(joining.more.wordTexts);
   for (const WordOfPage& word : words) {
     out.hashes.push_back(TextHash(texts.Next(word.bytes)));
     vocabulary.table.Prefetch(out.hashes.back());
+  }
+  for (const uint64_t hash : out.hashes) {
+    const uint32_t likely = vocabulary.table.Guess(hash);
+    if (likely != NumberTable::kNone) __builtin_prefetch(&vocabulary.words[likely], 1);
+  }
+  for (const uint64_t hash : out.hashes) {
+    const uint32_t likely = vocabulary.table.Guess(hash);
+    if (likely == NumberTable::kNone) continue;
+    __builtin_prefetch(TextOf(vocabulary.words[likely], vocabulary).data());
   }
   out.numbers.clear();
   texts = Texts(joining.more.wordTexts);

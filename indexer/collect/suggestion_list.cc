@@ -124,8 +124,11 @@ void SuggestionList::DropRarest() {
   std::ranges::nth_element(order, middle, [](const Place& a, const Place& b) {
     return a.rank != b.rank ? a.rank < b.rank : a.at->first < b.at->first;
   });
+  for (auto place = order.begin(); place != middle; ++place) place->at->second.isDropped = true;
+  for (KnownPhrase& known : known_) {
+    if (known.entry != nullptr && known.entry->isDropped) known = KnownPhrase();
+  }
   for (auto place = order.begin(); place != middle; ++place) entries_.erase(place->at);
-  std::ranges::fill(known_, KnownPhrase());
 }
 
 void SuggestionList::AddEdgeWords(const std::string& text) {

@@ -61,6 +61,7 @@ class SuggestionList {
     uint64_t weight = 0;    // pages that have it
     uint32_t lastPage = 0;  // counted from 1, of the page that counted it last
     Kind kind = Kind::kPhrase;
+    bool isDropped = false;
   };
   // How often a phrase has been met, before it is worth keeping its text.
   struct PhraseCount {
