@@ -21,6 +21,8 @@ constexpr size_t kNestingLimit = 40;  // groups of shapes in one another
 
 enum RecordType : uint16_t {
   kSlide = 1006,
+  kSlideFacts = 1007,
+  kNotes = 1008,
   kSlideReference = 1011,
   kSlideShowInfo = 1017,
   kDrawing = 1036,
@@ -35,7 +37,8 @@ enum RecordType : uint16_t {
   kShapeFacts = 0xF011,
 };
 constexpr uint32_t kEncryptedToken = 0xF3D1C4DF;
-constexpr uint32_t kOfSlides = 0;  // instance of the list; others are of masters and notes
+constexpr uint32_t kOfSlides = 0;  // instances of lists; 1 is of masters
+constexpr uint32_t kOfNotes = 2;
 constexpr uint32_t kHiddenFlag = 4;
 constexpr uint32_t kTitle = 0;
 constexpr uint32_t kCentredTitle = 6;
@@ -79,8 +82,12 @@ class SlideShow {
  private:
   bool ReadEdits(uint32_t lastEdit);
   bool RecordAt(uint32_t offset, Record& record) const;
+  void ReadNotesList(std::string_view list);
   void ReadSlideList(std::string_view list);
   void StartSlide(uint32_t reference);
+  void EndSlide();
+  bool TakePart(uint32_t reference, uint16_t type, Record& part);
+  void AddDrawing(std::string_view parts);
   void AddShapes(std::string_view records, size_t depth);
   void AddTexts(std::string_view records);
   void AddText(const Record& record, uint32_t kind);
@@ -90,8 +97,10 @@ class SlideShow {
   Paragraphs paragraphs_;
   uint32_t documentReference_ = 0;
   std::unordered_map<uint32_t, uint32_t> places_;  // of a reference
-  std::set<uint32_t> read_;                        // slides, by their references
+  std::unordered_map<uint32_t, uint32_t> notes_;   // references, by their numbers
+  std::set<uint32_t> read_;                        // references of slides and notes
   std::string_view slide_;                         // the one whose outline is read
+  uint32_t notesOfSlide_ = 0;                      // their number
   bool isHidden_ = false;
 };
 
@@ -194,34 +203,56 @@ void SlideShow::AddShapes(std::string_view records, size_t depth) {
   }
 }
 
+// The slide or the notes of that reference, once: a list that has it twice would be read as often.
+bool SlideShow::TakePart(uint32_t reference, uint16_t type, Record& part) {
+  const auto place = places_.find(reference);
+  return place != places_.end() && TakeBytes(budget_, 48) && read_.insert(reference).second &&
+         RecordAt(place->second, part) && part.type == type;
+}
+
 void SlideShow::StartSlide(uint32_t reference) {
   slide_ = {};
+  notesOfSlide_ = 0;
   isHidden_ = false;
   Record slide;
-  // A slide that the list has twice would be read as often.
-  if (!places_.contains(reference) || !read_.insert(reference).second || !TakeBytes(budget_, 48) ||
-      !RecordAt(places_[reference], slide) || slide.type != kSlide) {
-    return;
-  }
+  if (!TakePart(reference, kSlide, slide)) return;
   slide_ = slide.content;
   std::string_view parts = slide_;
   for (Record part; TakeRecord(parts, part) && TakeSteps(budget_, 1);) {
     if (part.type == kSlideShowInfo) isHidden_ = NumberAt(part.content, 10, 1) & kHiddenFlag;
+    if (part.type == kSlideFacts) notesOfSlide_ = NumberAt(part.content, 16, 4);
+  }
+}
+
+void SlideShow::AddDrawing(std::string_view parts) {
+  for (Record part; TakeRecord(parts, part) && TakeSteps(budget_, 1);) {
+    if (part.type == kDrawing) AddShapes(part.content, 0);
+  }
+}
+
+void SlideShow::EndSlide() {
+  if (isHidden_) return;
+  AddDrawing(slide_);
+  const auto reference = notes_.find(notesOfSlide_);
+  Record notes;
+  if (reference != notes_.end() && TakePart(reference->second, kNotes, notes)) {
+    AddDrawing(notes.content);
+  }
+}
+
+void SlideShow::ReadNotesList(std::string_view list) {
+  for (Record record; TakeRecord(list, record) && TakeSteps(budget_, 1);) {
+    if (record.type != kSlideReference || !TakeBytes(budget_, 32)) continue;
+    notes_.emplace(NumberAt(record.content, 12, 4), NumberAt(record.content, 0, 4));
   }
 }
 
 void SlideShow::ReadSlideList(std::string_view list) {
-  const auto endSlide = [this] {
-    std::string_view parts = isHidden_ ? std::string_view() : slide_;
-    for (Record part; TakeRecord(parts, part) && TakeSteps(budget_, 1);) {
-      if (part.type == kDrawing) AddShapes(part.content, 0);
-    }
-  };
   uint32_t kind = UINT32_MAX;
   Record record;
   while (TakeRecord(list, record) && TakeSteps(budget_, 1)) {
     if (record.type == kSlideReference) {
-      endSlide();
+      EndSlide();
       StartSlide(NumberAt(record.content, 0, 4));
       kind = UINT32_MAX;
     } else if (record.type == kTextKind) {
@@ -230,7 +261,7 @@ void SlideShow::ReadSlideList(std::string_view list) {
       AddText(record, kind);
     }
   }
-  endSlide();
+  EndSlide();
 }
 
 Reason SlideShow::Read(uint32_t lastEdit, PageContent& page) {
@@ -239,9 +270,13 @@ Reason SlideShow::Read(uint32_t lastEdit, PageContent& page) {
       !RecordAt(places_[documentReference_], document)) {
     return budget_.status == Reason::kNone ? Reason::kDamaged : budget_.status;
   }
-  std::string_view parts = document.content;
-  for (Record part; TakeRecord(parts, part) && TakeSteps(budget_, 1);) {
-    if (part.type == kSlideList && part.instance == kOfSlides) ReadSlideList(part.content);
+  // The list of notes stands behind that of the slides.
+  for (const uint32_t instance : {kOfNotes, kOfSlides}) {
+    std::string_view parts = document.content;
+    for (Record part; TakeRecord(parts, part) && TakeSteps(budget_, 1);) {
+      if (part.type != kSlideList || part.instance != instance) continue;
+      instance == kOfNotes ? ReadNotesList(part.content) : ReadSlideList(part.content);
+    }
   }
   paragraphs_.CopyTo(page);
   return budget_.status;

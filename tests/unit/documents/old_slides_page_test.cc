@@ -130,10 +130,34 @@ TEST(OldSlidesPage, LeavesOutWhatNobodyReadsOnASlide) {
                              Shape(Narrow("foot."), 9) + Shape(Narrow("head."), 10) +
                              Shape(Narrow("*")) + Shape(Narrow("body."), 14)),
                        Slide(Shape(Narrow("in the hidden.")), true)},
-            .otherLists =
-                Holding(4080, Narrow("of a master."), 1) + Holding(4080, Narrow("of notes."), 2)};
+            .otherLists = Holding(4080, Narrow("of a master."), 1) +
+                          Holding(4080, Narrow("of a list of notes."), 2)};
   show.Build();
   EXPECT_EQ(RunsOf(show.File()), "shown. body.");
+}
+
+TEST(OldSlidesPage, TakesTheNotesBehindTheirSlide) {
+  const auto withNotes = [](const std::string& text, uint32_t notes, bool isHidden) {
+    const std::string facts =
+        Record(1007, std::string(16, '\0') + LittleEndian(notes, 4) + std::string(4, '\0'));
+    std::string slide = Slide(Shape(Narrow(text)), isHidden);
+    slide = slide.substr(8);
+    return Holding(1006, facts + slide);
+  };
+  const auto notesReference = [](uint32_t reference, uint32_t number) {
+    return Record(1011,
+                  LittleEndian(reference, 4) + std::string(8, '\0') + LittleEndian(number, 4));
+  };
+  const auto notes = [](const std::string& text) {
+    return Holding(1008, Holding(1036, Shape(Narrow("12"), 8) + Shape(Narrow(text), 12)));
+  };
+  Show show{
+      .outline = SlideReference(2) + SlideReference(3) + SlideReference(4),
+      .slides = {withNotes("One.", 700, false), withNotes("Two.", 0, false),
+                 withNotes("Hidden.", 701, true), notes("Said to one."), notes("Said to nobody.")},
+      .otherLists = Holding(4080, notesReference(5, 700) + notesReference(6, 701), 2)};
+  show.Build();
+  EXPECT_EQ(RunsOf(show.File()), "One. Said to one. Two.");
 }
 
 TEST(OldSlidesPage, OfASlideThatWasChangedTheLastFormCounts) {
