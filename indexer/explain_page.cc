@@ -108,6 +108,14 @@ std::string_view LinkReasonText(LinkReason reason) {
   return kTexts[static_cast<size_t>(reason)];
 }
 
+// With the meta element that it is from.
+std::string DescriptionText(const PageContent& content) {
+  if (content.description.empty()) return "none";
+  const auto from = std::ranges::find(content.metas, content.description, &MetaElement::second);
+  const std::string text = Quoted(content.description);
+  return from == content.metas.end() ? text : text + ": " + from->first;
+}
+
 // One page, and what a run would make of it.
 class Explainer {
  public:
@@ -230,7 +238,7 @@ class Explainer {
       origin += ", where it is " + Quoted(page.facts.title) + " (site_name)";
     }
     Say("Title", Quoted(seen.facts.title) + ": " + origin);
-    Say("Description", content.description.empty() ? "none" : Quoted(content.description));
+    Say("Description", DescriptionText(content));
     std::string language = page.facts.language + ": the page says so";
     PageContent silent;
     silent.metas = content.metas;

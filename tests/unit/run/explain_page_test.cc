@@ -163,7 +163,7 @@ TEST(ExplainPage, SaysWhereItsTextsAreFrom) {
   EXPECT_EQ(site.Said("heading.html", "Language"), "de: the page says so\n");
   EXPECT_EQ(site.Said("title.html", "Language"),
             "the page names none (recognise_languages is off)\n");
-  EXPECT_EQ(site.Said("name.html", "Description"), "\"Short.\"\n");
+  EXPECT_EQ(site.Said("name.html", "Description"), "\"Short.\": description\n");
   EXPECT_EQ(site.Said("name.html", "Date"), "2000-02-29 00:00 UTC: from its file (file)\n");
   EXPECT_EQ(site.Said("dated.html", "Date"),
             "2026-03-05 12:00 UTC: from what the page declares (meta)\n");
