@@ -93,16 +93,20 @@ std::string WideText(std::string_view bytes) {
 }
 
 // "2026-03-05T10:00:00" of "2026:03:05 10:00:00" (EXIF) and "2026-03-05" of "20260305" (IPTC).
-std::string DateText(std::string date) {
+std::string DateText(std::string_view date) {
   constexpr size_t kDay = 10;
   constexpr size_t kPlainDay = 8;
+  const auto joined = [](std::string_view year, std::string_view month, std::string_view day) {
+    return std::string(year).append("-").append(month).append("-").append(day);
+  };
   if (date.size() >= kDay && date[4] == ':' && date[7] == ':') {
-    date[4] = date[7] = '-';
-    if (date.size() > kDay) date[kDay] = 'T';
-  } else if (date.size() == kPlainDay && std::ranges::all_of(date, IsDigit)) {
-    date.insert(6, "-").insert(4, "-");
+    const std::string day = joined(date.substr(0, 4), date.substr(5, 2), date.substr(8, 2));
+    return date.size() == kDay ? day : day + "T" + std::string(date.substr(kDay + 1));
   }
-  return date;
+  if (date.size() == kPlainDay && std::ranges::all_of(date, IsDigit)) {
+    return joined(date.substr(0, 4), date.substr(4, 2), date.substr(6));
+  }
+  return std::string(date);
 }
 
 // Properties are elements or, where they are plain, attributes of the element that says what they
@@ -254,7 +258,7 @@ void Fill(Said said, ReadingBudget& budget, PageContent& page) {
   }
   AddMeta("keywords", std::move(keywords), page);
   AddMeta("author", std::move(text(Property::kAuthor)), page);
-  AddMeta("dcterms.date", DateText(std::move(text(Property::kDate))), page);
+  AddMeta("dcterms.date", DateText(text(Property::kDate)), page);
   paragraphs.CopyTo(page);
 }
 
