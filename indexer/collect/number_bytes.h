@@ -16,10 +16,10 @@ inline void AppendNumber(uint32_t number, std::string& bytes) {
 // Takes the next number off the start of `bytes`, which is not empty and was written by
 // AppendNumber; of other bytes whatever they make.
 inline uint32_t TakeNumber(std::string_view& bytes) {
-  if (!bytes.empty() && static_cast<unsigned char>(bytes.front()) < 0x80) {
-    const auto small = static_cast<uint32_t>(bytes.front());
+  const uint32_t first = bytes.empty() ? 0x80 : static_cast<unsigned char>(bytes.front());
+  if (first < 0x80) {
     bytes.remove_prefix(1);
-    return small;
+    return first;
   }
   uint32_t number = 0;
   for (unsigned shift = 0; !bytes.empty(); shift += 7) {
