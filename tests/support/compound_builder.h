@@ -8,7 +8,7 @@
 
 namespace vela::support {
 
-inline std::string LittleEndian(uint32_t number, size_t width) {
+inline std::string LittleEndian(uint64_t number, size_t width) {
   std::string bytes;
   for (size_t i = 0; i < width; ++i) bytes += static_cast<char>(number >> (8 * i));
   return bytes;
