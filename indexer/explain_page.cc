@@ -505,6 +505,13 @@ class Explainer {
       sections.push_back("#" + section.anchor + " " + section.heading);
     }
     SayList("Sections", " that results lead to", std::move(sections));
+    std::vector<std::string> pieces;
+    for (const PageBlock& piece : block_.pieces) {
+      pieces.push_back("#" + piece.anchor + " " + RepairedUtf8(piece.facts.title) + ": " +
+                       Words(piece.words.bodyWords));
+    }
+    SayList("Own results", " sections, beside what comes before them (section_pages)",
+            std::move(pieces));
   }
 
   // What stands where words do and is none for the index.

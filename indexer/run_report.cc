@@ -86,6 +86,7 @@ void AppendChanges(const IndexChanges& changes, std::string& out) {
 void AppendCounts(const IndexSummary& summary, std::string& out) {
   out += ",\n\"counts\":{";
   AppendMember("pages", summary.pages, out);
+  if (summary.sectionPages != 0) AppendMember("section_pages", summary.sectionPages, out);
   AppendMember("left_out", summary.files.total, out);
   AppendMember("other_kinds", summary.otherKinds.total, out);
   AppendMember("words", summary.words, out);

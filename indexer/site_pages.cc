@@ -24,7 +24,13 @@ namespace {
 Reason TakeBlock(const PageBlock& block, SitePages& pages, LeftOut& remarks) try {
   const Reason reason = AddPage(block, pages.collection, pages.entry);
   if (reason != Reason::kNone) return reason;
+  pages.number = pages.collection.pages.size() - 1;
   pages.table.AddPage(pages.entry);
+  PageEntry entry;
+  for (const PageBlock& section : block.pieces) {
+    AddSectionPage(section, pages.entry, pages.collection, entry);
+    pages.table.AddPage(entry);
+  }
   if (!block.markupFault.empty()) {
     AddLeftOut(remarks, Reason::kNotWellFormed, block.facts.path, {}, block.markupFault);
   }
@@ -48,7 +54,7 @@ void Report(const SourceItem& item, Reason reason, IndexRun& run, SitePages& pag
   if (!run.report.isWanted()) return;
   const PageCollection& collection = pages.collection;
   if (reason == Reason::kNone) {
-    run.report.AddPage(item, pages.entry, collection.pages.size() - 1, similar);
+    run.report.AddPage(item, pages.entry, pages.number, similar);
   } else {
     run.report.AddLeftOut(item, reason, OriginalOf(item, reason, collection, pages.table));
   }
@@ -90,6 +96,7 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
               [&](size_t item, Reason reason, const PageBlock& block) {
                 run.mayDiffer = run.mayDiffer || IsPassing(reason);
                 if (reason == Reason::kNone) reason = TakeBlock(block, pages, run.summary.remarks);
+                if (reason == Reason::kNone) run.summary.sectionPages += block.pieces.size();
                 CheckStop(run.stop);  // perhaps in the middle of the page
                 Report(items[item], reason, run, pages);
                 run.progress.Step(item + 1);

@@ -28,7 +28,8 @@ struct SitePages {
   PageCollection collection;
   PageTextWriter text;
   PageTableWriter table;
-  PageEntry entry;  // of the page that joined last
+  PageEntry entry;      // of the page that joined last
+  uint64_t number = 0;  // and its number
 };
 
 // Reads the pages that `source` has listed into `pages`, and says in the run's report and summary

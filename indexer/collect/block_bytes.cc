@@ -6,6 +6,7 @@
 #include "format/page_data.h"
 #include "indexer/collect/number_bytes.h"
 #include "indexer/collect/number_table.h"
+#include "indexer/collect/section_pages.h"
 #include "indexer/words/lower_copy.h"
 
 namespace vela::indexer {
@@ -356,7 +357,23 @@ void ReadUse(Reader& in, ContentUse& use) {
   }
 }
 
-bool ReadFields(Reader& in, PageBlock& block) {
+// What a block may hold beside its own fields.
+enum class Nesting : uint8_t { kPieces, kNone };
+
+bool ReadBlockOf(std::string_view bytes, Nesting nesting, PageBlock& block);
+
+// Each as the bytes of a block.
+void ReadPieces(Reader& in, Nesting nesting, PageBlock& block) {
+  constexpr size_t kLeastPiece = 30;
+  const size_t count = in.Count(kLeastPiece);
+  in.Check(count == 0 || nesting == Nesting::kPieces);
+  for (size_t i = 0; i < count && !in.bad(); ++i) {
+    PageBlock& piece = block.pieces.emplace_back();
+    in.Check(ReadBlockOf(in.Text(), Nesting::kNone, piece) && !piece.anchor.empty());
+  }
+}
+
+bool ReadFields(Reader& in, Nesting nesting, PageBlock& block) {
   in.Check(in.Byte() == kBlockVersion);
   ReadFacts(in, block.facts);
   block.description = in.Text(kPageDescriptionLimit);
@@ -376,7 +393,20 @@ bool ReadFields(Reader& in, PageBlock& block) {
   ReadSections(in, block);
   ReadLinkWords(in, block);
   ReadSuggestions(in, block.suggestions);
+  block.anchor = in.Text(kSectionAnchorLimit);
+  ReadPieces(in, nesting, block);
   return in.IsAtEnd();
+}
+
+bool ReadBlockOf(std::string_view bytes, Nesting nesting, PageBlock& block) {
+  block = {};
+  if (bytes.size() < kHashBytes) return false;
+  const std::string_view fields = bytes.substr(0, bytes.size() - kHashBytes);
+  Reader in(fields);
+  const bool isWhole = TextHash(fields) == Reader(bytes.substr(fields.size())).Fixed() &&
+                       ReadFields(in, nesting, block);
+  if (!isWhole) block = {};
+  return isWhole;
 }
 
 }  // namespace
@@ -413,18 +443,14 @@ std::string BlockBytes(const PageBlock& block) {
     out.Fixed(link.word);
   }
   WriteSuggestions(block.suggestions, out);
+  out.Text(block.anchor);
+  out.Number(block.pieces.size());
+  for (const PageBlock& piece : block.pieces) out.Text(BlockBytes(piece));
   return out.Finish();
 }
 
 bool ReadBlock(std::string_view bytes, PageBlock& block) {
-  block = {};
-  if (bytes.size() < kHashBytes) return false;
-  const std::string_view fields = bytes.substr(0, bytes.size() - kHashBytes);
-  Reader in(fields);
-  const bool isWhole =
-      TextHash(fields) == Reader(bytes.substr(fields.size())).Fixed() && ReadFields(in, block);
-  if (!isWhole) block = {};
-  return isWhole;
+  return ReadBlockOf(bytes, Nesting::kPieces, block);
 }
 
 }  // namespace vela::indexer

@@ -22,7 +22,7 @@
 
 namespace vela::indexer {
 
-constexpr uint8_t kBlockVersion = 4;
+constexpr uint8_t kBlockVersion = 5;
 
 std::string BlockBytes(const PageBlock& block);
 

@@ -1,7 +1,11 @@
 #include "indexer/collect/page_block.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "format/page_data.h"
 #include "indexer/collect/meta_values.h"
+#include "indexer/collect/section_pages.h"
 #include "indexer/collect/site_habits.h"
 #include "indexer/config/extensions.h"
 #include "indexer/site/address.h"
@@ -37,6 +41,20 @@ void AddMetaValues(const Page& page, const BlockInput& input, PageBlock& block) 
       EncodeMetaValues(input.config.fields, input.charset, page.content.metas, block.metaFaults);
 }
 
+// The number of words beyond which the sections of the page are pages of their own; 0: they are
+// none.
+uint32_t SectionWords(const SiteConfig& config, const ContentUse& use) {
+  const bool hasRule = use.rule != 0 && use.rule <= config.contentRules.size();
+  return (hasRule ? config.contentRules[use.rule - 1] : config.content).sectionWords;
+}
+
+// Whether every anchor has room behind each address of the page.
+bool HasRoomForAnchors(const PageBlock& block) {
+  return std::ranges::all_of(block.addresses, [](const AddressBlock& each) {
+    return StoredAddress(each.address).size() + SectionAddressBytes() <= kAddressLimit;
+  });
+}
+
 }  // namespace
 
 size_t MemoryOf(const PageBlock& block) {
@@ -51,6 +69,7 @@ size_t MemoryOf(const PageBlock& block) {
   for (const PageSuggestions::Text& each : block.suggestions.texts) {
     bytes += sizeof each + each.text.capacity();
   }
+  for (const PageBlock& each : block.pieces) bytes += MemoryOf(each);
   bytes += block.use.selectors.capacity() * sizeof(uint32_t);
   const RunningText& running = block.suggestions.running;
   return bytes + running.words.capacity() * sizeof(RunningText::Word) + running.texts.capacity() +
@@ -66,9 +85,30 @@ BlockMaker::BlockMaker(const BlockInput& input)
 
 Reason BlockMaker::Make(const Page& page, PageBlock& block) {
   const SiteHabits& habits = input_.config.habits;
-  if (!ChangesPage(habits, page)) return MakeOf(page, {}, block);
+  if (!ChangesPage(habits, page)) return MakeWhole(page, {}, block);
   const Page seen = AsSeen(habits, page);
-  return MakeOf(seen, TakenOffTitle(page.facts.title, seen.facts.title), block);
+  return MakeWhole(seen, TakenOffTitle(page.facts.title, seen.facts.title), block);
+}
+
+Reason BlockMaker::MakeWhole(const Page& page, const std::string& takenOff, PageBlock& block) {
+  const uint32_t words = SectionWords(input_.config, page.content.use);
+  if (words == 0) return MakeOf(page, takenOff, block);
+  Page first = page;
+  std::vector<SectionPage> sections = TakeSections(first, words);
+  const Reason reason = MakeOf(sections.empty() ? page : first, takenOff, block);
+  if (reason != Reason::kNone || sections.empty()) return reason;
+  if (!HasRoomForAnchors(block)) return MakeOf(page, takenOff, block);
+  block.prints = PrintsOf(page);  // by which copies of the whole are known
+  for (const SectionPage& section : sections) {
+    PageBlock piece;
+    const Reason ofPiece = MakeOf(section.page, takenOff, piece);
+    if (ofPiece != Reason::kNone) return ofPiece;
+    piece.anchor = section.anchor;
+    piece.sections.clear();           // its address leads there already
+    piece.suggestions.title.clear();  // it is offered as a heading
+    block.pieces.push_back(std::move(piece));
+  }
+  return Reason::kNone;
 }
 
 // `takenOff`: words that the page is found by beside its own, as by those of its address.

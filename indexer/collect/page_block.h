@@ -41,6 +41,8 @@ struct PageBlock {
   std::vector<PageSection> sections;
   std::vector<LinkWord> linkWords;  // empty where CountsLinkTexts says no
   PageSuggestions suggestions;
+  std::string anchor;             // of a section: by which the page's address leads to it
+  std::vector<PageBlock> pieces;  // sections that are pages of their own; a section has none
 };
 
 // Bytes that the block takes, nearly.
@@ -68,6 +70,7 @@ class BlockMaker {
 
  private:
   Reason MakeOf(const Page& page, const std::string& takenOff, PageBlock& block);
+  Reason MakeWhole(const Page& page, const std::string& takenOff, PageBlock& block);
 
   BlockInput input_;
   bool hasSections_;

@@ -169,6 +169,21 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
   return Reason::kNone;
 }
 
+void AddSectionPage(const PageBlock& section, const PageEntry& page, PageCollection& collection,
+                    PageEntry& entry) {
+  const std::string address = SectionAddress(PlainAddress(page.address), section.anchor);
+  entry = page;
+  entry.address = StoredAddress(address);
+  entry.title = section.facts.title;
+  entry.description = section.description;
+  entry.metaValues = section.metaValues;
+  entry.similarTo.reset();
+  CheckRoomForPage(collection);
+  collection.fileDates.AddPage(static_cast<uint32_t>(collection.pages.size()), section.facts);
+  AddWords(section, address, collection);
+  if (collection.input.config.suggestions) collection.suggestions.AddPage(section.suggestions);
+}
+
 void EndJoining(PageCollection& collection) {
   collection.equal = EqualPages();
   collection.similar = SimilarPages();

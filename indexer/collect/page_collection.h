@@ -77,6 +77,11 @@ struct PageCollection {
 // Throws IndexError when the index is full or a temporary file cannot be written.
 [[nodiscard]] Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry);
 
+// Joins a section of the page that joined as `page`, the last one of its own kind: a page by
+// itself, at a place of the other's address. Nothing leaves it out. Throws as AddPage does.
+void AddSectionPage(const PageBlock& section, const PageEntry& page, PageCollection& collection,
+                    PageEntry& entry);
+
 // Lets go of what only further pages would need. Once, when all have joined.
 void EndJoining(PageCollection& collection);
 

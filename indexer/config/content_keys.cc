@@ -51,6 +51,10 @@ void ReadContentKeys(ConfigTable& table, const std::string& where, SiteConfig& c
   if (table.Choice("navigation", kNavigation, place)) rule.indexesNavigation = place == 1;
   constexpr std::string_view kMain[] = {"all", "prefer"};
   if (table.Choice("main", kMain, place)) rule.prefersMain = place == 1;
+  int64_t words = 0;
+  if (table.Number("section_pages", 0, kSectionWordsLimit, words)) {
+    rule.sectionWords = static_cast<uint32_t>(words);
+  }
 }
 
 }  // namespace vela::indexer

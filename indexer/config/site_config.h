@@ -53,7 +53,8 @@ struct ContentRule {
   std::vector<ElementSelector> onlyElements = {};  // empty: all that is not left out
   bool indexesNavigation = false;
   bool prefersMain = false;
-  std::string where = {};  // for messages: the file and line
+  uint32_t sectionWords = 0;  // sections of a page of more words are pages of their own; 0: of none
+  std::string where = {};     // for messages: the file and line
 };
 
 // A selector as messages name it.

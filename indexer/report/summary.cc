@@ -131,6 +131,11 @@ std::string SummaryText(const IndexSummary& summary, const std::string& folder, 
   std::string text = "Indexed " + CountText(summary.pages) +
                      (summary.pages == 1 ? " page" : " pages") + " with " +
                      CountText(summary.words) + " different words in " + time + ".\n";
+  if (summary.sectionPages != 0) {
+    text += CountText(summary.sectionPages) +
+            (summary.sectionPages == 1 ? " of them is a section" : " of them are sections") +
+            " of a long page (section_pages).\n";
+  }
   text += "Read " + BytesText(summary.sourceBytes) + ", wrote " + BytesText(summary.indexBytes);
   if (summary.isDryRun) {
     text += " and removed it again: " + folder + " was not changed (--dry-run).\n";

@@ -22,12 +22,13 @@ struct ContentSummary {
 
 struct IndexSummary {
   uint64_t pages = 0;
-  uint64_t words = 0;        // different ones, reserved entries not counted
-  uint64_t occurrences = 0;  // words and signs of the page text
-  uint64_t sourceBytes = 0;  // of the pages' files
-  uint64_t indexBytes = 0;   // of the files written
-  std::string stemming;      // what was chosen for the site; empty: nothing had to be
-  uint64_t runs = 0;         // how often the memory for words was full
+  uint64_t sectionPages = 0;  // of these, sections of other pages
+  uint64_t words = 0;         // different ones, reserved entries not counted
+  uint64_t occurrences = 0;   // words and signs of the page text
+  uint64_t sourceBytes = 0;   // of the pages' files
+  uint64_t indexBytes = 0;    // of the files written
+  std::string stemming;       // what was chosen for the site; empty: nothing had to be
+  uint64_t runs = 0;          // how often the memory for words was full
   LeftOut files;
   LeftOut otherKinds;  // files of kinds that are not read, by ending
   LeftOut metaValues;  // of meta fields

@@ -224,6 +224,10 @@ std::string FolderOfIndexPage(const std::string& address) {
   return isIndexPage ? address.substr(0, name) : std::string();
 }
 
+std::string SectionAddress(std::string_view page, std::string_view anchor) {
+  return PageAddress(std::string(page) + "#", anchor);
+}
+
 std::string AddressText(std::string_view address, std::string_view base) {
   const std::string_view fullPath = SplitAddress(address).path;
   const std::string_view basePath = SplitAddress(base).path;

@@ -40,6 +40,10 @@ std::string PlainAddress(std::string_view stored);
 // another page.
 std::string FolderOfIndexPage(const std::string& address);
 
+// The address of the place `anchor` on a page; all of the anchor but what is plain is
+// percent-encoded.
+std::string SectionAddress(std::string_view page, std::string_view anchor);
+
 // The words of an address: the path below `base` decoded, without the name's extension.
 std::string AddressText(std::string_view address, std::string_view base);
 

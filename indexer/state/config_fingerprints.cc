@@ -34,12 +34,14 @@ void Add(const ElementSelector& selector, FingerprintOfAll& all) {
 }
 
 void Add(const ContentRule& rule, FingerprintOfAll& all) {
-  const auto& [pages, excludeElements, onlyElements, indexesNavigation, prefersMain, where] = rule;
+  const auto& [pages, excludeElements, onlyElements, indexesNavigation, prefersMain, sectionWords,
+               where] = rule;
   Add(pages, all);
   Add(excludeElements, all);
   Add(onlyElements, all);
   Add(indexesNavigation, all);
   Add(prefersMain, all);
+  Add(sectionWords, all);
   (void)where;  // for messages
 }
 

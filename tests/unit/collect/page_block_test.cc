@@ -118,6 +118,63 @@ PageBlock FullBlock() {
   return site.Make(page);
 }
 
+// A page with two sections of 40 words behind five of its own.
+Page LongPage() {
+  Page page = PageAt("https://x.example/a.html");
+  std::string text;
+  for (int i = 0; i < 40; ++i) text += "word ";
+  page.content.body.push_back({"First", 2, "first"});
+  page.content.body.push_back({text, 0});
+  page.content.body.push_back({"Zweiter \u00DC", 2, "zweiter \u00DC"});
+  page.content.body.push_back({text, 0});
+  return page;
+}
+
+TEST(PageBlock, SectionsArePagesWhereTheOwnerWantsThem) {
+  Site site;
+  EXPECT_TRUE(site.Make(LongPage()).pieces.empty());
+  const PagePrints whole = site.Make(LongPage()).prints;
+  site.config.content.sectionWords = 50;
+  const PageBlock block = site.Make(LongPage());
+  EXPECT_EQ(block.words.bodyWords, 5u);
+  EXPECT_EQ(block.prints.whole, whole.whole);
+  ASSERT_EQ(block.pieces.size(), 2u);
+  EXPECT_EQ(block.pieces[0].anchor, "first");
+  EXPECT_EQ(block.pieces[0].facts.title, "First - Title");
+  EXPECT_EQ(block.pieces[0].words.bodyWords, 41u);
+  EXPECT_EQ(block.pieces[0].suggestions.title, "");
+  ASSERT_EQ(block.pieces[0].suggestions.texts.size(), 1u);
+  EXPECT_EQ(block.pieces[0].suggestions.texts[0].text, "First");
+  // A table of its own for some pages.
+  site.config.contentRules.resize(1);
+  Page page = LongPage();
+  page.content.use.rule = 1;
+  EXPECT_TRUE(site.Make(page).pieces.empty());
+  // An address that leaves no room for anchors.
+  page = PageAt("https://x.example/" + std::string(1500, 'x'));
+  page.content.body = LongPage().content.body;
+  EXPECT_TRUE(site.Make(page).pieces.empty());
+  EXPECT_EQ(site.Make(page).words.bodyWords, 88u);
+}
+
+TEST(BlockBytes, SectionsReadBackInTheirPage) {
+  Site site;
+  site.config.content.sectionWords = 50;
+  PageBlock block = site.Make(LongPage());
+  const std::string bytes = BlockBytes(block);
+  PageBlock read;
+  ASSERT_TRUE(ReadBlock(bytes, read));
+  EXPECT_EQ(BlockBytes(read), bytes);
+  ASSERT_EQ(read.pieces.size(), 2u);
+  EXPECT_EQ(read.pieces[1].anchor, "zweiter \u00DC");
+  // A section has none of its own.
+  block.pieces[0].pieces.push_back(block.pieces[1]);
+  EXPECT_FALSE(ReadBlock(BlockBytes(block), read));
+  block.pieces[0].pieces.clear();
+  block.pieces[0].anchor.clear();
+  EXPECT_FALSE(ReadBlock(BlockBytes(block), read));
+}
+
 TEST(BlockBytes, ABlockReadsBackAsItWas) {
   const PageBlock block = FullBlock();
   const std::string bytes = BlockBytes(block);

@@ -502,6 +502,7 @@ navigation = "index"
 pages = ["news/it's/*"]
 only_elements = ["article"]
 main = "prefer"
+section_pages = 2000
 [[content]]
 pages = ["*"]
 exclude_elements = [".x"]
@@ -519,6 +520,8 @@ navigation = "leave_out"
   EXPECT_EQ(Told(news.onlyElements), "article:3");
   EXPECT_TRUE(news.indexesNavigation);
   EXPECT_TRUE(news.prefersMain);
+  EXPECT_EQ(config.content.sectionWords, 0u);
+  EXPECT_EQ(news.sectionWords, 2000u);
   EXPECT_EQ(news.where, "/owner/vela_index.toml, line 4");
   const ContentRule& others = config.contentRules[1];
   EXPECT_EQ(Told(others.excludeElements), ".x:4");
@@ -527,7 +530,7 @@ navigation = "leave_out"
   ASSERT_EQ(config.selectors.size(), 5u);
   EXPECT_EQ(config.selectors[2].text, "nav > a");
   EXPECT_EQ(config.selectors[2].where, "");
-  EXPECT_EQ(config.selectors[4].where, "/owner/vela_index.toml, line 8");
+  EXPECT_EQ(config.selectors[4].where, "/owner/vela_index.toml, line 9");
 }
 
 TEST(ConfigFile, SelectorsHaveLimits) {

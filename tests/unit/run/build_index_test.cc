@@ -491,6 +491,27 @@ pages = ["gone/*"]
             "the selector \".never\" fits nothing that is content otherwise");
 }
 
+TEST(BuildIndex, SectionsOfLongPagesAreResultsOnRequest) {
+  TestSite site;
+  ReadConfigText(
+      "[index]\nsection_pages = 60\n[[category]]\nname = \"All\"\npages = [\"a.html\"]\n",
+      "/owner/x.toml", site.options);
+  std::string text;
+  for (int i = 0; i < 40; ++i) text += "word ";
+  site.Add("a.html", "<title>Manual</title><p>intro<h2 id=knots>Knots</h2><p>" + text +
+                         "rope<h2 id='l&ouml;we'>Sails</h2><p>" + text + "mast");
+  site.Add("b.html", "<title>Short</title><h2 id=x>Rope</h2>");
+  const IndexSummary summary = site.Build();
+  EXPECT_EQ(summary.pages, 4u);
+  EXPECT_EQ(summary.sectionPages, 2u);
+  EXPECT_TRUE(summary.warnings.empty());
+  EXPECT_EQ(site.Read("vela_pagedata.vdat"),
+            "https://x.example/a.html|Manual|||\n"
+            "https://x.example/a.html#knots|Knots - Manual|||\n"
+            "https://x.example/a.html#l%C3%B6we|Sails - Manual|||\n"
+            "https://x.example/b.html|Short|||\n");
+}
+
 TEST(BuildIndex, LeavesOutAnAddressThatNoResultCanCarry) {
   const TestSite site;
   site.Add("a.html", "text");
