@@ -1,7 +1,6 @@
 #include "indexer/build_index.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
 #include <memory>
 #include <optional>
@@ -39,8 +38,6 @@
 namespace vela::indexer {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 // A site that lost many of its pages at once is more often half copied or not mounted than smaller.
 void CheckMissingPages(const IndexRun& run, uint64_t pages) {

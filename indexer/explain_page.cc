@@ -470,6 +470,7 @@ class Explainer {
       if (WeightLevel(run) != 0) byLevel[WeightLevel(run)].append(run.text).append(" ");
     }
     std::vector<std::string> details;
+    details.reserve(byLevel.size());
     for (const auto& [level, text] : byLevel) {
       details.push_back(Words(CountWords(text)) + " of the text weigh as a heading of level " +
                         std::to_string(level));
