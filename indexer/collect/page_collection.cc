@@ -173,7 +173,9 @@ void AddSectionPage(const PageBlock& section, const PageEntry& page, PageCollect
                     PageEntry& entry) {
   const std::string address = SectionAddress(PlainAddress(page.address), section.anchor);
   entry = page;
-  entry.address = StoredAddress(address);
+  // The maker leaves room for it; of a kept block that is not to be relied on.
+  const std::string stored = StoredAddress(address);
+  if (stored.size() <= kAddressLimit) entry.address = stored;
   entry.title = section.facts.title;
   entry.description = section.description;
   entry.metaValues = section.metaValues;

@@ -163,6 +163,7 @@ TEST(Incremental, EveryChangeOfTheWishesGivesTheIndexOfARunFromNothing) {
        },
        false},
       {"no suggestions", [](Options& o) { o.config.suggestions = false; }, false},
+      {"sections as pages", [](Options& o) { o.config.content.sectionWords = 10; }, false},
       {"another address", [](Options& o) { o.baseUrl = "https://y.example/"; }, false},
       {"smaller pages", [](Options& o) { o.maxFileMegabytes = 1; }, false},
       {"fresh", [](Options& o) { o.fresh = true; }, false},

@@ -39,6 +39,11 @@ struct PartedSite : TestSite {
     Add("c.html", "<title>C</title><link rel=canonical href=f1/p1.html><p>a copy");
     Add("d.html", same);
     Add("e.html", same);
+    std::string words;
+    for (int i = 0; i < 40; ++i) words += "Wort" + std::to_string(i) + " ";
+    Add("long.html", "<title>Lang</title><p>" + words + "<h2 id=a>Eins</h2><p>" + words +
+                         "<h2 id=b>Zwei</h2><p>" + words);
+    options.config.content.sectionWords = 100;
     Add("hidden.html", "<meta name=robots content=noindex><title>H</title>h");
     Add("picture.pdfx", "other");
     options.config.trustsFileDates = false;
@@ -95,17 +100,18 @@ TEST(Parts, MakeTheIndexOfOneRun) {
     uint64_t leftOut = 0;
     for (uint32_t i = count; i >= 1; --i) {  // the last first: their order does not count
       const IndexSummary part = site.Read(i, count);
-      EXPECT_EQ(part.siteItems, 24u);
+      EXPECT_EQ(part.siteItems, 25u);
       pages += part.pages;
       leftOut += part.files.total;
       numbers.push_back(i);
     }
-    EXPECT_EQ(pages, 23u);  // with the copies, which no part knows of
+    EXPECT_EQ(pages, 24u);  // with the copies, which no part knows of
     EXPECT_EQ(leftOut, 1u);
     const IndexSummary merged = site.Run(site.Merging(numbers));
     EXPECT_EQ(FilesOf(site.scratch.path() / "merged"), FilesOf(site.index));
     EXPECT_EQ(support::FaultsOf((site.scratch.path() / "merged").string()), "");
     EXPECT_EQ(merged.pages, whole.pages);
+    EXPECT_EQ(merged.sectionPages, 2u);
     EXPECT_EQ(merged.stemming, whole.stemming);
     EXPECT_EQ(merged.files.total, whole.files.total);
     EXPECT_EQ(merged.otherKinds.total, whole.otherKinds.total);
@@ -121,7 +127,7 @@ TEST(Parts, ReadOnlyWhatHasChanged) {
   fs::remove(site.folder / "f0/p0.html");
   uint64_t kept = 0;
   for (uint32_t i = 1; i <= 3; ++i) kept += site.Read(i, 3).keptPages;
-  EXPECT_EQ(kept, 23u);
+  EXPECT_EQ(kept, 24u);
   site.Build();
   site.Run(site.Merging({1, 2, 3}));
   EXPECT_EQ(FilesOf(site.scratch.path() / "merged"), FilesOf(site.index));
