@@ -1,7 +1,5 @@
 #include "indexer/index_files.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -14,6 +12,7 @@
 #include "indexer/collect/stop_words.h"
 #include "indexer/config/extensions.h"
 #include "indexer/extract/content_choice.h"
+#include "indexer/freed_memory.h"
 #include "indexer/page_reading.h"
 #include "indexer/report/index_error.h"
 #include "indexer/run_conditions.h"
@@ -120,7 +119,7 @@ uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   spelling.Finish();
   run.summary.words = vocabulary.words.size();
   collection.vocabulary = {};
-  malloc_trim(0);  // many words take more than all that follows
+  ReturnFreedMemory();  // many words take more than all that follows
   return bytes + facts.dictionary.fileBytes + spellingBytes;
 }
 

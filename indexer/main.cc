@@ -1,5 +1,4 @@
 // The indexer: reads a site's folder and writes the index that the search program answers from.
-#include <malloc.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -53,19 +52,9 @@ ExitStatus ExplainAndTell(const Options& options, Progress& progress) {
   return said.isTaken ? ExitStatus::kSuccess : ExitStatus::kLeftOut;
 }
 
-// What grows while pages are read is moved into a larger block again and again. Blocks of this size
-// and more go back to the system when they are freed; left to itself, the library would keep those
-// of each thread.
-void ReturnLargeBlocks() {
-  constexpr int kLargeBlock = 1 << 20;
-  mallopt(M_MMAP_THRESHOLD, kLargeBlock);
-  mallopt(M_TRIM_THRESHOLD, kLargeBlock);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  ReturnLargeBlocks();
   const vela::indexer::ParsedOptions parsed = vela::indexer::ParseOptions(argc, argv);
   if (parsed.exitStatus.has_value()) return *parsed.exitStatus;
   struct sigaction action = {};

@@ -1,13 +1,12 @@
 #include "indexer/site_pages.h"
 
-#include <malloc.h>
-
 #include <algorithm>
 #include <iterator>
 #include <new>
 #include <optional>
 #include <utility>
 
+#include "indexer/freed_memory.h"
 #include "indexer/link_check.h"
 #include "indexer/page_reading.h"
 #include "indexer/report/index_error.h"
@@ -108,7 +107,7 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
   if (links.has_value()) run.summary.links = links->Finish(pages.collection.addresses);
   listing.items = ItemList();
   EndJoining(pages.collection);
-  malloc_trim(0);  // what pages were read with is of no use to what follows
+  ReturnFreedMemory();  // what pages were read with is of no use to what follows
 }
 
 }  // namespace vela::indexer
