@@ -147,24 +147,12 @@ void SuggestionList::AddEdgeWords(const std::string& text) {
   }
 }
 
-void SuggestionList::AddPhrase(std::span<const PhraseWord> words) {
-  if (words.front().text.size() < kLeastEdgeBytes || words.back().text.size() < kLeastEdgeBytes) {
-    return;
-  }
-  size_t bytes = words.size() - 1;
-  uint64_t hash = words.size();
-  for (const PhraseWord& word : words) {
-    bytes += word.text.size();
-    hash = PhraseHash(hash, word.hash);
-  }
-  if (bytes > kPhraseBytesLimit) return;
-  __builtin_prefetch(&counts_[hash & (kPhrasePlaces - 1)], 1);
+void SuggestionList::AddPhrase(const Phrase& phrase) {
+  __builtin_prefetch(&counts_[phrase.hash & (kPhrasePlaces - 1)], 1);
   Phrase& waiting = waiting_[nextPhrase_];
   nextPhrase_ = (nextPhrase_ + 1) % waiting_.size();
   if (waiting.count != 0) CountPhrase(waiting);
-  waiting.hash = hash;
-  waiting.count = words.size();
-  std::ranges::copy(words, waiting.words.begin());
+  waiting = phrase;
 }
 
 // Before the next page: the texts of the words end with theirs.
@@ -194,8 +182,8 @@ void SuggestionList::CountPhrase(const Phrase& phrase) {
   KnownPhrase& known = known_[phrase.hash & (kKnownPhrases - 1)];
   if (known.entry != nullptr && known.hash == phrase.hash) return Count(*known.entry, weight);
   std::string text;
-  for (const PhraseWord& word : std::span(phrase.words).first(phrase.count)) {
-    text.append(text.empty() ? "" : " ").append(word.text);
+  for (const uint32_t word : std::span(phrase.words).first(phrase.count)) {
+    text.append(text.empty() ? "" : " ").append(words_[word].text);
   }
   Entry* const entry = Add(text, weight, Kind::kPhrase);
   known = {.hash = phrase.hash, .entry = entry};
@@ -205,10 +193,15 @@ void SuggestionList::AddPhrases(const RunningText& running) {
   words_.clear();
   std::string_view texts = running.texts;
   for (const RunningText::Word& word : running.words) {
-    words_.push_back({.text = texts.substr(0, word.bytes), .hash = word.hash});
+    words_.push_back({.text = texts.substr(0, word.bytes),
+                      .hash = word.hash,
+                      .mayEdge = word.bytes >= kLeastEdgeBytes,
+                      .beginsTwo = PhraseHash(2, word.hash),
+                      .beginsThree = PhraseHash(3, word.hash)});
     texts.remove_prefix(word.bytes);
   }
-  PhraseWord last[kPhraseWordLimit];
+  uint32_t first = 0;  // the words before, where there are so many
+  uint32_t middle = 0;
   size_t count = 0;
   for (std::string_view sequence = running.sequence; !sequence.empty();) {
     const uint32_t place = TakeNumber(sequence);
@@ -216,10 +209,25 @@ void SuggestionList::AddPhrases(const RunningText& running) {
       count = 0;
       continue;
     }
-    std::shift_left(std::begin(last), std::end(last), 1);
-    last[kPhraseWordLimit - 1] = words_[place - 1];
-    count = std::min(count + 1, kPhraseWordLimit);
-    for (size_t words = 2; words <= count; ++words) AddPhrase(std::span(last).last(words));
+    const uint32_t last = place - 1;
+    const PhraseWord& word = words_[last];
+    if (word.mayEdge && count >= 1 && words_[middle].mayEdge &&
+        words_[middle].text.size() + 1 + word.text.size() <= kPhraseBytesLimit) {
+      AddPhrase({.hash = PhraseHash(words_[middle].beginsTwo, word.hash),
+                 .count = 2,
+                 .words = {middle, last}});
+    }
+    if (word.mayEdge && count >= 2 && words_[first].mayEdge &&
+        words_[first].text.size() + words_[middle].text.size() + 2 + word.text.size() <=
+            kPhraseBytesLimit) {
+      AddPhrase({.hash = PhraseHash(PhraseHash(words_[first].beginsThree, words_[middle].hash),
+                                    word.hash),
+                 .count = 3,
+                 .words = {first, middle, last}});
+    }
+    first = middle;
+    middle = last;
+    ++count;
   }
   CountWaiting();
 }

@@ -69,17 +69,21 @@ class SuggestionList {
     uint32_t lastPage = 0;
     uint32_t pages = 0;
   };
-  // A phrase of the running text under way.
+  // A word of the page's running text.
   struct PhraseWord {
     std::string_view text;
-    uint64_t hash = 0;  // of the word in lower case
+    uint64_t hash = 0;     // of the word in lower case
+    bool mayEdge = false;  // a phrase may begin or end with it
+    // The hashes of phrases of two words and of three, as far as their first word makes them.
+    uint64_t beginsTwo = 0;
+    uint64_t beginsThree = 0;
   };
 
   static constexpr size_t kPhraseWordLimit = 3;
   struct Phrase {
     uint64_t hash = 0;
-    size_t count = 0;  // of its words
-    std::array<PhraseWord, kPhraseWordLimit> words;
+    uint32_t count = 0;                                 // of its words
+    std::array<uint32_t, kPhraseWordLimit> words = {};  // their places in `words_`
   };
 
   // Where an entry is, until some are dropped. Of a phrase that many pages have, most often the
@@ -94,7 +98,7 @@ class SuggestionList {
   void Count(Entry& entry, uint64_t weight) const;
   void AddEdgeWords(const std::string& text);
   void AddPhrases(const RunningText& running);
-  void AddPhrase(std::span<const PhraseWord> words);
+  void AddPhrase(const Phrase& phrase);
   void CountPhrase(const Phrase& phrase);
   void CountWaiting();
   void DropRarest();
