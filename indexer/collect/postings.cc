@@ -1,6 +1,7 @@
 #include "indexer/collect/postings.h"
 
 #include <algorithm>
+#include <functional>
 #include <numeric>
 #include <queue>
 #include <span>
@@ -116,27 +117,31 @@ void PostingRuns::Merge(const std::function<void(const Posting&)>& use) {
     reader.next += wanted;
     reader.left -= wanted;
   };
-  // The reader with the smallest posting on top; equal keys do not occur.
-  const auto later = [&](uint32_t a, uint32_t b) {
-    return SortKey(readers[a].window[readers[a].at]) > SortKey(readers[b].window[readers[b].at]);
+  // By the word that comes next in each run, and the run. Pages came in ascending order: the
+  // postings of a word in one run stand before those in the next.
+  std::priority_queue<uint64_t, std::vector<uint64_t>, std::greater<>> queue;
+  const auto add = [&](uint32_t r) {
+    queue.push(uint64_t{readers[r].window[readers[r].at].word} << 32 | r);
   };
-  std::priority_queue<uint32_t, std::vector<uint32_t>, decltype(later)> queue(later);
   for (uint32_t r = 0; r < readers.size(); ++r) {
     readers[r].next = runs_[r].offset;
     readers[r].left = runs_[r].length;
     fill(readers[r]);
-    queue.push(r);
+    add(r);
   }
   while (!queue.empty()) {
-    const uint32_t r = queue.top();
+    const auto r = static_cast<uint32_t>(queue.top());
+    const auto word = static_cast<uint32_t>(queue.top() >> 32);
     queue.pop();
     RunReader& reader = readers[r];
-    use(reader.window[reader.at]);
-    if (++reader.at == reader.window.size()) {
-      if (reader.left == 0) continue;
-      fill(reader);
+    bool hasMore = true;
+    while (hasMore && reader.window[reader.at].word == word) {
+      use(reader.window[reader.at]);
+      if (++reader.at != reader.window.size()) continue;
+      hasMore = reader.left != 0;
+      if (hasMore) fill(reader);
     }
-    queue.push(r);
+    if (hasMore) add(r);
   }
 }
 
