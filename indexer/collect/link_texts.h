@@ -11,10 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "indexer/collect/number_table.h"
 #include "indexer/collect/vocabulary.h"
 #include "indexer/config/site_config.h"
 #include "indexer/extract/page.h"
 #include "indexer/site/canonical_addresses.h"
+#include "indexer/words/index_charset.h"
 #include "indexer/words/word_cut.h"
 #include "indexer/words/word_forms.h"
 
@@ -28,10 +30,33 @@ struct LinkWord {
   auto operator<=>(const LinkWord&) const = default;
 };
 
-// The words of the page's links to others of the site, in order, each once for an address. `base`
-// is the site's address, ending in "/".
-std::vector<LinkWord> LinkWordsOf(const Page& page, const std::string& base, WordForms& forms,
-                                  RunCut runs);
+// Makes the words of one page's links after the other; each thread has its own. What a text was cut
+// into is kept for the pages that follow, which mostly lead to the same places by the same texts.
+class LinkWordCutter {
+ public:
+  // `base` is the site's address, ending in "/"; the others as for WordForms and CutChunk. `base`
+  // and `charset` outlive the cutter.
+  LinkWordCutter(const std::string& base, const IndexCharset& charset, int32_t stemming,
+                 RunCut runs);
+
+  // The words of the page's links to others of the site, in order, each once for an address. After
+  // std::bad_alloc the cutter can be used on.
+  std::vector<LinkWord> WordsOf(const Page& page);
+
+ private:
+  // A text of links, and fingerprints of its words.
+  struct KnownText {
+    std::string text;
+    std::vector<uint64_t> words;
+  };
+  const std::vector<uint64_t>& WordsOfText(const std::string& text);
+
+  const std::string& base_;
+  WordForms forms_;
+  RunCut runs_;
+  ChunkTokens chunk_;
+  std::vector<KnownText> known_;  // by the hash of the text; the one that came last has the place
+};
 
 // So many pages lead to `page` by `word`.
 struct LinkCount {
@@ -45,15 +70,15 @@ bool CountsLinkTexts(const SiteConfig& config);
 
 class LinkTexts {
  public:
-  // At most so many words of addresses are counted at a time, 24 bytes each; where there are more,
-  // those that the fewest pages have are forgotten.
+  // At most so many words of addresses are counted at a time, 40 bytes each with their places in
+  // the table; where there are more, those that the fewest pages have are forgotten.
   static constexpr size_t kMostCounted = size_t{1} << 20;
   explicit LinkTexts(size_t mostCounted = kMostCounted) : mostCounted_(mostCounted) {}
 
-  // Takes what LinkWordsOf made of one more page.
+  // Takes what LinkWordCutter made of one more page.
   void Add(std::span<const LinkWord> words);
 
-  size_t memory() const { return counted_.capacity() * sizeof(Counted); }
+  size_t memory() const { return counted_.capacity() * sizeof(Counted) + table_.memory(); }
 
   // What was counted of the pages of the index, by word and page; it is forgotten here. Once, when
   // all pages have joined.
@@ -64,12 +89,14 @@ class LinkTexts {
     LinkWord word;
     uint32_t pages = 0;
   };
-  void AddUp();
   void MakeRoom();
 
   size_t mostCounted_;
   uint32_t least_ = 1;  // words of fewer pages are forgotten when room is made
+  size_t met_ = 0;      // those that were left when room was made last, and all that came since
   std::vector<Counted> counted_;
+  NumberTable table_;             // of `counted_`
+  std::vector<uint64_t> hashes_;  // of the words that come, kept for its memory
 };
 
 // Reads the counts beside the postings, which come by ascending word and page.

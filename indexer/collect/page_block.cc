@@ -80,7 +80,7 @@ BlockMaker::BlockMaker(const BlockInput& input)
     : input_(input),
       hasSections_(ExtensionValue(input.config, "SectionLinks") != 0),
       rules_(CutRulesOf(input)),
-      linkForms_(input.charset, input.config.stemming),
+      links_(input.base, input.charset, input.config.stemming, rules_.runs),
       cutter_(input.charset, input.config.stemming, rules_) {}
 
 Reason BlockMaker::Make(const Page& page, PageBlock& block) {
@@ -137,7 +137,7 @@ Reason BlockMaker::MakeOf(const Page& page, const std::string& takenOff, PageBlo
     block.sections = SectionsOf(texts, block.words, cutter_.sections(), input_.charset);
   }
   if (CountsLinkTexts(input_.config)) {
-    block.linkWords = LinkWordsOf(page, input_.base, linkForms_, rules_.runs);
+    block.linkWords = links_.WordsOf(page);
   }
   block.addresses.push_back({.address = facts.address, .words = {}});
   std::string other = OtherAddress(input_.base, facts.address, facts.canonical);

@@ -75,7 +75,7 @@ class BlockMaker {
   BlockInput input_;
   bool hasSections_;
   CutRules rules_;
-  WordForms linkForms_;
+  LinkWordCutter links_;
   PageCutter cutter_;
 };
 

@@ -10,7 +10,7 @@ namespace {
 struct Site {
   std::string base = "https://x.example/";
   IndexCharset utf8;
-  WordForms forms = WordForms(utf8, kStemEnglish);
+  LinkWordCutter cutter = LinkWordCutter(base, utf8, kStemEnglish, RunCut::kWords);
   Vocabulary vocabulary;
   CanonicalAddresses addresses = CanonicalAddresses(base);
 
@@ -21,7 +21,7 @@ struct Site {
     page.facts.address = base + own;
     page.facts.canonical = canonical;
     page.content.links = links;
-    return LinkWordsOf(page, base, forms, RunCut::kWords);
+    return cutter.WordsOf(page);
   }
 
   void AddPage(const std::string& address, uint32_t number) {
