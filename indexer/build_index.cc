@@ -30,8 +30,6 @@
 #include "indexer/site/address.h"
 #include "indexer/site_look.h"
 #include "indexer/site_pages.h"
-#include "indexer/write/lookup_writer.h"
-#include "indexer/write/sections_writer.h"
 #include "indexer/write/settings_writer.h"
 #include "text/shown_numbers.h"
 
@@ -125,20 +123,7 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   SitePages pages(run);
   ReadPages(source, listing, run, pages);
   IndexFacts facts;
-  uint64_t bytes = WriteWords(run, pages, facts);
-  SettlePages(run, pages);
-  bytes += WriteHelp(run, pages, facts);
-  const PageTableWriter::Sizes table = pages.table.Finish();
-  facts.pageInfoBytes = table.infoBytes;
-  bytes += table.infoBytes + table.dataBytes;
-  const LookupSizes lookup = WriteLookup(
-      folder.fresh(), {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit});
-  facts.lookupGeneration = lookup.generation;
-  bytes += WriteSections(folder.fresh() / kSectionsFileName, pages.collection.sections,
-                         {.generation = lookup.generation,
-                          .pageTextSize = pages.collection.tokenCount * facts.tokenBytes,
-                          .tokenBytes = facts.tokenBytes});
-  bytes += lookup.fileBytes;
+  uint64_t bytes = WriteIndexFiles(run, pages, facts);
   bytes += WriteSettings(folder.fresh() / kSettingsFileName, facts, options.config, charset,
                          language.strings);
   WritePublicFiles(options.config, facts.autocomplete != 0, charset, folder);

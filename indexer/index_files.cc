@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "format/index_directory.h"
@@ -21,7 +22,9 @@
 #include "indexer/write/completions_writer.h"
 #include "indexer/write/corrections_writer.h"
 #include "indexer/write/dictionary_writer.h"
+#include "indexer/write/lookup_writer.h"
 #include "indexer/write/recommended_writer.h"
+#include "indexer/write/sections_writer.h"
 #include "indexer/write/spelling_writer.h"
 #include "indexer/write/synonyms_writer.h"
 #include "indexer/write/word_map_writer.h"
@@ -39,90 +42,34 @@ bool IsGerman(const Options& options) {
          (options.config.stemming < 0 && options.language == "german");
 }
 
-}  // namespace
+// The words of the site as its files have them.
+struct WordOrder {
+  ReservedEntries reserved;
+  uint64_t firstWord = 0;         // its number in the dictionary
+  std::vector<uint32_t> order;    // DictionaryOrder
+  std::vector<uint64_t> offsets;  // of the lists in the word map
+};
 
-uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts) {
-  const fs::path& fresh = run.folder.fresh();
-  PageCollection& collection = pages.collection;
-  const Vocabulary& vocabulary = collection.vocabulary;
-  facts.pages = collection.pages.size();
-  facts.stopWords = StopWordsOf(vocabulary, facts.pages, collection.forms);
-  const ReservedEntries reserved = collection.signs.Finish();
-  facts.reserved = reserved.numbers;
-  const uint64_t firstWord = reserved.texts.size();
-  facts.tokenBytes = TokenWidth(firstWord + vocabulary.words.size());
+TextShape ShapeOf(const IndexFacts& facts) {
+  return {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit};
+}
+
+// Fills what is known of the words when all pages are read. Throws IndexError when an index cannot
+// address all their text.
+void SetWordFacts(const PageCollection& collection, WordOrder& words, IndexFacts& facts) {
+  words.reserved = collection.signs.Finish();
+  words.firstWord = words.reserved.texts.size();
+  facts.reserved = words.reserved.numbers;
+  facts.tokenBytes = TokenWidth(words.firstWord + collection.vocabulary.words.size());
   if (facts.tokenBytes > kTokenWidthLimit ||
       collection.tokenCount * facts.tokenBytes > kPositionLimit) {
     throw IndexError(ExitStatus::kFailed,
                      "The site holds more text than one index can address. "
                      "Index its parts into several folders.");
   }
-  run.progress.Begin("Sorting words", 0);
-  run.summary.runs = collection.postings.runCount();
-  std::optional<WeightInput> weights;
-  if (ExtensionValue(run.options.config, "Ranking") != 0) {
-    weights = WeightInput{
-        .titles = TitleMasses(facts.pages, facts.stopWords, vocabulary, collection.forms),
-        .links = collection.linkTexts.Finish(collection.addresses, vocabulary)};
-  }
-  // The text of the pages is written beside the word map, as neither needs the other.
-  const std::vector<uint32_t> order = DictionaryOrder(vocabulary);
-  uint64_t bytes = 0;
-  SideTask text(JobsOf(run.options) > 1, [&] {
-    bytes = pages.text.Finish(fresh / kPageTextFileName, reserved, order, facts.tokenBytes);
-  });
-  const WordMapResult wordMap =
-      WriteWordMap(fresh / kWordMapFileName, collection.postings, vocabulary, collection.pages,
-                   facts.tokenBytes, weights.has_value() ? &*weights : nullptr);
-  for (uint32_t page = 0; weights.has_value() && page < facts.pages; ++page) {
-    pages.table.SetTitleMass(page, weights->titles.Of(page));
-  }
-  collection.pages = {};
-  weights.reset();
-  CheckStop(run.stop);
-  run.progress.Begin("Writing the index", 0);
-  // What is made of the words alone goes on beside what needs their places.
-  const SiteConfig& config = run.options.config;
-  uint64_t spellingBytes = 0;
-  const auto writeSpelling = [&] {
-    facts.dictionary = WriteDictionary(fresh / kDictionaryFileName, reserved.texts, vocabulary,
-                                       order, wordMap.offsets, run.charset);
-    if (!config.spelling) return;
-    const SpellingSizes spelling =
-        WriteSpelling(fresh / kSpellingFileName, vocabulary, order, firstWord);
-    facts.spellings = spelling.entries;
-    spellingBytes = spelling.fileBytes;
-    if (ExtensionValue(config, "SpellingDistance") != 0) {
-      spellingBytes +=
-          WriteCorrections(fresh / kCorrectionsFileName, vocabulary, order, run.charset.utf8());
-    }
-  };
-  SideTask spelling(JobsOf(run.options) > 1, writeSpelling);
-  text.Finish();
-  bytes += wordMap.fileBytes;
-  if (config.extensions || !config.synonyms.empty()) {
-    const SynonymSizes synonyms = WriteSynonyms(
-        fresh, {.vocabulary = vocabulary,
-                .order = order,
-                .offsets = wordMap.offsets,
-                .firstWord = firstWord,
-                .text = {.tokenBytes = facts.tokenBytes, .lastSign = facts.reserved.limit},
-                .utf8 = run.charset.utf8(),
-                .weighs = ExtensionValue(config, "Ranking") != 0,
-                .findsCompounds = config.extensions,
-                .isGerman = IsGerman(run.options),
-                .forms = collection.forms,
-                .rules = config.synonyms});
-    facts.synonyms = synonyms.keys;
-    bytes += synonyms.fileBytes;
-  }
-  spelling.Finish();
-  run.summary.words = vocabulary.words.size();
-  collection.vocabulary = {};
-  ReturnFreedMemory();  // many words take more than all that follows
-  return bytes + facts.dictionary.fileBytes + spellingBytes;
 }
 
+// Settles in the page table what is known of pages only when all are read.
 void SettlePages(IndexRun& run, SitePages& pages) {
   for (const MoreCategories& more : CategoriesOfCopies(pages.collection)) {
     pages.table.AddToCategories(more.page, more.categories);
@@ -144,37 +91,151 @@ void SettlePages(IndexRun& run, SitePages& pages) {
                     std::back_inserter(warnings));
 }
 
-uint64_t WriteHelp(IndexRun& run, SitePages& pages, IndexFacts& facts) {
-  const fs::path& fresh = run.folder.fresh();
+// Writes the word map, and into the page table what it says of titles. Returns its size.
+uint64_t WriteLists(IndexRun& run, SitePages& pages, size_t tokenBytes,
+                    std::optional<WeightInput>& weights, WordOrder& words) {
+  PageCollection& collection = pages.collection;
+  WordMapResult wordMap = WriteWordMap(run.folder.fresh() / kWordMapFileName, collection.postings,
+                                       collection.vocabulary, collection.pages, tokenBytes,
+                                       weights.has_value() ? &*weights : nullptr);
+  for (uint32_t page = 0; weights.has_value() && page < collection.pages.size(); ++page) {
+    pages.table.SetTitleMass(page, weights->titles.Of(page));
+  }
+  collection.pages = {};
+  weights.reset();
+  words.offsets = std::move(wordMap.offsets);
+  return wordMap.fileBytes;
+}
+
+uint64_t WriteRecommendations(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   const SiteConfig& config = run.options.config;
-  std::vector<Finding>& warnings = run.summary.warnings;
-  uint64_t bytes = 0;
-  size_t longest = 0;
+  RecommendedSizes sizes;
   if (!config.recommended.empty()) {
     std::vector<Recommendation> recommendations;
     for (const RecommendedRule& rule : config.recommended) {
       recommendations.push_back(FindRecommended(rule, pages.collection.addresses, run.base));
     }
-    RecommendedSizes sizes =
-        WriteRecommended(fresh / kRecommendedFileName, recommendations, pages.table, run.charset,
-                         CutsSigns(config, run.charset));
+    sizes = WriteRecommended(run.folder.fresh() / kRecommendedFileName, recommendations,
+                             pages.table, run.charset, CutsSigns(config, run.charset));
     facts.recommended = sizes.entries;
-    longest = sizes.longestLine;
-    bytes += sizes.fileBytes;
-    std::ranges::move(sizes.unused, std::back_inserter(warnings));
+    std::ranges::move(sizes.unused, std::back_inserter(run.summary.warnings));
   }
-  facts.lineLength = KeyWordLineLength(config, longest);
-  if (config.suggestions) {
-    const AutocompleteSizes sizes = WriteAutocomplete(
-        fresh / kAutoCompleteFileName, pages.collection.suggestions.Take(facts.stopWords),
-        config.mostSuggestions, facts.lineLength, run.charset);
-    facts.autocomplete = sizes.lines;
-    bytes += sizes.fileBytes;
-    if (run.charset.utf8() && ExtensionValue(config, "CompleteAnyWord") != 0) {
-      bytes += WriteCompletions(fresh, sizes.texts);
-    }
+  facts.lineLength = KeyWordLineLength(config, sizes.longestLine);
+  return sizes.fileBytes;
+}
+
+// What is made of the words alone. Returns the size of all.
+uint64_t WriteDictionaries(const IndexRun& run, const Vocabulary& vocabulary,
+                           const WordOrder& words, IndexFacts& facts) {
+  const fs::path& fresh = run.folder.fresh();
+  const SiteConfig& config = run.options.config;
+  facts.dictionary = WriteDictionary(fresh / kDictionaryFileName, words.reserved.texts, vocabulary,
+                                     words.order, words.offsets, run.charset);
+  uint64_t bytes = facts.dictionary.fileBytes;
+  if (!config.spelling) return bytes;
+  const SpellingSizes spelling =
+      WriteSpelling(fresh / kSpellingFileName, vocabulary, words.order, words.firstWord);
+  facts.spellings = spelling.entries;
+  bytes += spelling.fileBytes;
+  if (ExtensionValue(config, "SpellingDistance") != 0) {
+    bytes +=
+        WriteCorrections(fresh / kCorrectionsFileName, vocabulary, words.order, run.charset.utf8());
   }
   return bytes;
+}
+
+uint64_t WriteSuggestions(const IndexRun& run, SuggestionList& suggestions, IndexFacts& facts) {
+  const fs::path& fresh = run.folder.fresh();
+  const SiteConfig& config = run.options.config;
+  if (!config.suggestions) return 0;
+  const AutocompleteSizes sizes =
+      WriteAutocomplete(fresh / kAutoCompleteFileName, suggestions.Take(facts.stopWords),
+                        config.mostSuggestions, facts.lineLength, run.charset);
+  facts.autocomplete = sizes.lines;
+  const bool completesAnyWord =
+      run.charset.utf8() && ExtensionValue(config, "CompleteAnyWord") != 0;
+  return sizes.fileBytes + (completesAnyWord ? WriteCompletions(fresh, sizes.texts) : 0);
+}
+
+// The files that belong to others, which are complete.
+uint64_t WriteSideFiles(const IndexRun& run, PageCollection& collection, IndexFacts& facts) {
+  const fs::path& fresh = run.folder.fresh();
+  const LookupSizes lookup = WriteLookup(fresh, ShapeOf(facts));
+  facts.lookupGeneration = lookup.generation;
+  return lookup.fileBytes + WriteSections(fresh / kSectionsFileName, collection.sections,
+                                          {.generation = lookup.generation,
+                                           .pageTextSize = collection.tokenCount * facts.tokenBytes,
+                                           .tokenBytes = facts.tokenBytes});
+}
+
+uint64_t WriteOtherWords(const IndexRun& run, PageCollection& collection, const WordOrder& words,
+                         IndexFacts& facts) {
+  const SiteConfig& config = run.options.config;
+  if (!config.extensions && config.synonyms.empty()) return 0;
+  const SynonymSizes synonyms =
+      WriteSynonyms(run.folder.fresh(), {.vocabulary = collection.vocabulary,
+                                         .order = words.order,
+                                         .offsets = words.offsets,
+                                         .firstWord = words.firstWord,
+                                         .text = ShapeOf(facts),
+                                         .utf8 = run.charset.utf8(),
+                                         .weighs = ExtensionValue(config, "Ranking") != 0,
+                                         .findsCompounds = config.extensions,
+                                         .isGerman = IsGerman(run.options),
+                                         .forms = collection.forms,
+                                         .rules = config.synonyms});
+  facts.synonyms = synonyms.keys;
+  return synonyms.fileBytes;
+}
+
+}  // namespace
+
+// Three times two threads have about as much to do, and need nothing of each other.
+uint64_t WriteIndexFiles(IndexRun& run, SitePages& pages, IndexFacts& facts) {
+  const bool aside = JobsOf(run.options) > 1;
+  PageCollection& collection = pages.collection;
+  run.progress.Begin("Sorting words", 0);
+  run.summary.runs = collection.postings.runCount();
+  run.summary.words = collection.vocabulary.words.size();
+  facts.pages = collection.pages.size();
+  WordOrder words;
+  SetWordFacts(collection, words, facts);
+
+  SideTask ordering(aside, [&] { words.order = DictionaryOrder(collection.vocabulary); });
+  facts.stopWords = StopWordsOf(collection.vocabulary, facts.pages, collection.forms);
+  std::optional<WeightInput> weights;
+  if (ExtensionValue(run.options.config, "Ranking") != 0) {
+    weights = WeightInput{
+        .titles =
+            TitleMasses(facts.pages, facts.stopWords, collection.vocabulary, collection.forms),
+        .links = collection.linkTexts.Finish(collection.addresses, collection.vocabulary)};
+  }
+  ordering.Finish();
+
+  uint64_t textBytes = 0;
+  SideTask text(aside, [&] {
+    textBytes = pages.text.Finish(run.folder.fresh() / kPageTextFileName, words.reserved,
+                                  words.order, facts.tokenBytes);
+  });
+  uint64_t bytes = WriteLists(run, pages, facts.tokenBytes, weights, words);
+  SettlePages(run, pages);
+  bytes += WriteRecommendations(run, pages, facts);
+  const PageTableWriter::Sizes table = pages.table.Finish();
+  facts.pageInfoBytes = table.infoBytes;
+  text.Finish();
+  bytes += textBytes + table.infoBytes + table.dataBytes;
+  CheckStop(run.stop);
+
+  run.progress.Begin("Writing the index", 0);
+  uint64_t sideBytes = 0;
+  SideTask beside(aside, [&] {
+    sideBytes = WriteDictionaries(run, collection.vocabulary, words, facts);
+    sideBytes += WriteSuggestions(run, collection.suggestions, facts);
+    sideBytes += WriteSideFiles(run, collection, facts);
+  });
+  bytes += WriteOtherWords(run, collection, words, facts);
+  beside.Finish();
+  return bytes + sideBytes;
 }
 
 }  // namespace vela::indexer

@@ -9,13 +9,8 @@
 
 namespace vela::indexer {
 
-// The files by which words are found. Returns the size of all.
-uint64_t WriteWords(IndexRun& run, SitePages& pages, IndexFacts& facts);
-
-// Settles in the page table what is known of pages only when all are read.
-void SettlePages(IndexRun& run, SitePages& pages);
-
-// The files that help a visitor beside the words. Returns the size of all.
-uint64_t WriteHelp(IndexRun& run, SitePages& pages, IndexFacts& facts);
+// Writes all but the settings, whose facts are those of `facts`, and notes in the run's summary
+// what came of the owner's wishes. Returns the size of all. Throws IndexError.
+uint64_t WriteIndexFiles(IndexRun& run, SitePages& pages, IndexFacts& facts);
 
 }  // namespace vela::indexer
