@@ -37,6 +37,7 @@ inline bool IsSameText(std::string_view a, std::string_view b) {
 
 class NumberTable {
  public:
+  static constexpr uint32_t kNone = 0xFFFFFFFF;
   // The number that was added with that hash and for which `isSame(number)` holds; when there is
   // none, `next` is added and returned.
   template <typename IsSame>
@@ -53,11 +54,22 @@ class NumberTable {
       if (place.hash == kept && isSame(place.number)) return place.number;
     }
   }
+  // The number that was added with that hash and for which `isSame(number)` holds; kNone for none.
+  template <typename IsSame>
+  uint32_t Find(uint64_t hash, IsSame isSame) const {
+    if (places_.empty()) return kNone;
+    const auto kept = static_cast<uint32_t>(hash);
+    for (size_t at = PlaceOf(kept);; at = at + 1 == places_.size() ? 0 : at + 1) {
+      const Place& place = places_[at];
+      if (place.number == kNone || (place.hash == kept && isSame(place.number))) {
+        return place.number;
+      }
+    }
+  }
   // Brings the place of that hash into the processor's cache.
   void Prefetch(uint64_t hash) const {
     if (!places_.empty()) __builtin_prefetch(&places_[PlaceOf(static_cast<uint32_t>(hash))]);
   }
-  static constexpr uint32_t kNone = 0xFFFFFFFF;
   // The number with that hash, or another one; kNone where there is none nearby. For bringing into
   // the cache what it stands for.
   uint32_t Guess(uint64_t hash) const {

@@ -27,6 +27,13 @@ std::string_view FirstSign(std::string_view text) {
   return text.substr(0, length);
 }
 
+uint64_t HashOf(SignForm form, std::string_view text) { return TextHash(text) + form; }
+
+// Alike for equal runs alone.
+std::string KeyOf(SignForm form, std::string_view text) {
+  return std::string(1, static_cast<char>(form)).append(text);
+}
+
 }  // namespace
 
 void SignGap::Clear(bool blankBefore) {
@@ -68,23 +75,25 @@ SignForm FormOf(const SignGap& gap, bool blankBehind) {
   return blankBehind ? kSuffix : kBetween;
 }
 
-std::string SignEntries::Key(SignForm form, std::string_view text) {
-  return std::string(1, static_cast<char>(form)).append(text);
+uint32_t SignEntries::Find(SignForm form, std::string_view text) const {
+  return numbers_.Find(HashOf(form, text), [&](uint32_t number) {
+    return runs_[number].form == form && runs_[number].text == text;
+  });
 }
 
 uint32_t SignEntries::Add(SignForm form, std::string_view text, uint64_t count) {
-  auto found = numbers_.find(Key(form, text));
-  if (found == numbers_.end() && runs_.size() >= kRunLimit) {
+  uint32_t number = Find(form, text);
+  if (number == NumberTable::kNone && runs_.size() >= kRunLimit) {
     text = FirstSign(text);
-    found = numbers_.find(Key(form, text));
+    number = Find(form, text);
   }
-  if (found == numbers_.end()) {
-    const auto number = static_cast<uint32_t>(runs_.size());
-    found = numbers_.emplace(Key(form, text), number).first;
+  if (number == NumberTable::kNone) {
+    number = static_cast<uint32_t>(runs_.size());
+    numbers_.FindOrAdd(HashOf(form, text), number, [](uint32_t) { return false; });
     runs_.push_back({std::string(text), form, 0});
   }
-  runs_[found->second].count += count;
-  return kFirstSignWord + found->second;
+  runs_[number].count += count;
+  return kFirstSignWord + number;
 }
 
 ReservedEntries SignEntries::Finish() const {
@@ -94,14 +103,14 @@ ReservedEntries SignEntries::Finish() const {
     const Run& left = runs_[a];
     const Run& right = runs_[b];
     if (left.count != right.count) return left.count > right.count;
-    return Key(left.form, left.text) < Key(right.form, right.text);
+    return KeyOf(left.form, left.text) < KeyOf(right.form, right.text);
   });
   // By form, in the order of their numbers.
   std::vector<std::string> chosen[kSignFormCount];
-  std::map<std::string, uint32_t> places;  // within the form, by Key
+  std::map<std::string, uint32_t> places;  // within the form, by KeyOf
   const auto choose = [&](SignForm form, std::string_view text) {
     const auto [place, isNew] =
-        places.try_emplace(Key(form, text), static_cast<uint32_t>(chosen[form].size()));
+        places.try_emplace(KeyOf(form, text), static_cast<uint32_t>(chosen[form].size()));
     if (isNew) chosen[form].emplace_back(text);
     return place->second;
   };

@@ -10,8 +10,9 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
+
+#include "indexer/collect/number_table.h"
 
 namespace vela::indexer {
 
@@ -72,10 +73,10 @@ class SignEntries {
     SignForm form = kSuffix;
     uint64_t count = 0;
   };
-  static std::string Key(SignForm form, std::string_view text);
+  uint32_t Find(SignForm form, std::string_view text) const;
 
   std::vector<Run> runs_;
-  std::unordered_map<std::string, uint32_t> numbers_;  // by Key
+  NumberTable numbers_;  // of `runs_`
 };
 
 constexpr uint32_t kSignNumberLimit = 1 << 20;
