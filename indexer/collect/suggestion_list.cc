@@ -5,11 +5,13 @@
 #include <utility>
 
 #include "indexer/collect/number_bytes.h"
+#include "indexer/collect/vocabulary.h"
 #include "indexer/words/clean_text.h"
 #include "indexer/words/heading_text.h"
 #include "indexer/words/lower_copy.h"
 #include "indexer/words/plain_word.h"
 #include "indexer/words/word_cut.h"
+#include "text/lower.h"
 
 namespace vela::indexer {
 
@@ -26,7 +28,6 @@ constexpr size_t kEntryLimit = 40000;
 constexpr size_t kEndingLimit = 1000;
 constexpr size_t kEdgeWordLimit = 40000;
 constexpr size_t kPhrasePlaces = size_t{1} << 18;  // a power of two
-constexpr size_t kKnownPhrases = size_t{1} << 16;  // the same
 
 // On one line, without what the search program would put into a script.
 std::string Offered(std::string text) {
@@ -83,21 +84,32 @@ uint64_t PhraseHash(uint64_t hash, uint64_t ofNextWord) {
 
 }  // namespace
 
-SuggestionList::Entry* SuggestionList::Add(const std::string& text, uint64_t weight, Kind kind) {
+uint32_t SuggestionList::Add(std::string_view text, uint64_t weight, Kind kind) {
   const bool isTitle = kind == Kind::kTitle;
   if (text.empty() ||
       (!isTitle && (text.size() < kLeastTextBytes || text.size() > kSuggestedBytesLimit))) {
-    return nullptr;
+    return kNone;
   }
-  Entry& entry = entries_[LowerUtf8Copy(text)];
-  if (entry.text.empty() || kind < entry.kind) {
-    entry.text = text;
+  key_ = text;
+  LowerUtf8(key_.data(), key_.size());
+  const auto next = static_cast<uint32_t>(entries_.size());
+  const uint32_t number = table_.FindOrAdd(
+      TextHash(key_), next, [&](uint32_t known) { return entries_[known].key == key_; });
+  if (number == next) {
+    Entry& added = entries_.emplace_back();
+    added.key = texts_.Keep(key_);
+    added.text = key_ == text ? added.key : texts_.Keep(text);
+    added.kind = kind;
+  }
+  Entry& entry = entries_[number];
+  if (kind < entry.kind) {
+    entry.text = key_ == text ? entry.key : texts_.Keep(text);
     entry.kind = kind;
   }
   Count(entry, weight);
-  if (entries_.size() <= kEntryLimit) return &entry;
+  if (entries_.size() <= kEntryLimit) return number;
   DropRarest();
-  return nullptr;
+  return kNone;
 }
 
 void SuggestionList::Count(Entry& entry, uint64_t weight) const {
@@ -109,26 +121,43 @@ void SuggestionList::Count(Entry& entry, uint64_t weight) const {
 // Of all entries the half that would be offered last.
 void SuggestionList::DropRarest() {
   struct Place {
-    uint64_t rank = 0;  // by kind, the last one first, then by weight
-    decltype(entries_)::iterator at;
+    uint64_t rank = 0;   // by kind, the last one first, then by weight
+    uint64_t start = 0;  // of the key: few texts are looked at
+    uint32_t number = 0;
   };
   constexpr unsigned kKindShift = 56;
   std::vector<Place> order;
   order.reserve(entries_.size());
-  for (auto at = entries_.begin(); at != entries_.end(); ++at) {
-    const auto before =
-        static_cast<uint64_t>(Kind::kPhrase) - static_cast<uint64_t>(at->second.kind);
-    order.push_back({.rank = before << kKindShift | at->second.weight, .at = at});
+  for (uint32_t number = 0; number < entries_.size(); ++number) {
+    const Entry& entry = entries_[number];
+    const auto before = static_cast<uint64_t>(Kind::kPhrase) - static_cast<uint64_t>(entry.kind);
+    order.push_back({.rank = before << kKindShift | entry.weight,
+                     .start = StartNumber(entry.key),
+                     .number = number});
   }
   const auto middle = order.begin() + static_cast<ptrdiff_t>(order.size() / 2);
-  std::ranges::nth_element(order, middle, [](const Place& a, const Place& b) {
-    return a.rank != b.rank ? a.rank < b.rank : a.at->first < b.at->first;
+  std::ranges::nth_element(order, middle, [this](const Place& a, const Place& b) {
+    if (a.rank != b.rank) return a.rank < b.rank;
+    if (a.start != b.start) return a.start < b.start;
+    return entries_[a.number].key < entries_[b.number].key;
   });
-  for (auto place = order.begin(); place != middle; ++place) place->at->second.isDropped = true;
-  for (KnownPhrase& known : known_) {
-    if (known.entry != nullptr && known.entry->isDropped) known = KnownPhrase();
+  std::vector<uint32_t> numbers(entries_.size(), kNone);  // those that stay, by the former ones
+  const std::vector<Entry> former = std::exchange(entries_, {});
+  const TextStore formerTexts = std::exchange(texts_, {});
+  entries_.reserve(former.size());
+  table_.Clear();
+  for (auto place = middle; place != order.end(); ++place) {
+    const auto number = static_cast<uint32_t>(entries_.size());
+    numbers[place->number] = number;
+    Entry& entry = entries_.emplace_back(former[place->number]);
+    const bool isKey = entry.text.data() == entry.key.data();
+    entry.key = texts_.Keep(entry.key);
+    entry.text = isKey ? entry.key : texts_.Keep(entry.text);
+    table_.FindOrAdd(TextHash(entry.key), number, [](uint32_t) { return false; });
   }
-  for (auto place = order.begin(); place != middle; ++place) entries_.erase(place->at);
+  for (PhraseCount& count : counts_) {
+    if (count.entry != kNone) count.entry = numbers[count.entry];
+  }
 }
 
 void SuggestionList::AddEdgeWords(const std::string& text) {
@@ -173,20 +202,18 @@ void SuggestionList::CountPhrase(const Phrase& phrase) {
       --count.pages;
       return;
     }
-    count = {check, 0, 0};
+    count = {.check = check};
   }
   if (count.lastPage == page_) return;
   count.lastPage = page_;
   if (++count.pages < kLeastPhrasePages) return;
   const uint64_t weight = count.pages == kLeastPhrasePages ? kLeastPhrasePages : 1;
-  KnownPhrase& known = known_[phrase.hash & (kKnownPhrases - 1)];
-  if (known.entry != nullptr && known.hash == phrase.hash) return Count(*known.entry, weight);
-  std::string text;
+  if (count.entry != kNone) return Count(entries_[count.entry], weight);
+  phrase_.clear();
   for (const uint32_t word : std::span(phrase.words).first(phrase.count)) {
-    text.append(text.empty() ? "" : " ").append(words_[word].text);
+    phrase_.append(phrase_.empty() ? "" : " ").append(words_[word].text);
   }
-  Entry* const entry = Add(text, weight, Kind::kPhrase);
-  known = {.hash = phrase.hash, .entry = entry};
+  count.entry = Add(phrase_, weight, Kind::kPhrase);
 }
 
 void SuggestionList::AddPhrases(const RunningText& running) {
@@ -255,7 +282,6 @@ PageSuggestions SuggestionsOf(const PageContent& page, const std::string& title)
 
 void SuggestionList::AddPage(const PageSuggestions& page) {
   if (counts_.empty()) counts_.resize(kPhrasePlaces);
-  if (known_.empty()) known_.resize(kKnownPhrases);
   ++page_;
   Add(page.title, 1, Kind::kTitle);
   const size_t ending = EndingOf(page.title);
@@ -272,11 +298,10 @@ void SuggestionList::AddPage(const PageSuggestions& page) {
 }
 
 size_t SuggestionList::memory() const {
-  // Of a text and its key: both strings, and what the table adds.
-  constexpr size_t kBytesOfEntry = 220;
   constexpr size_t kBytesOfWord = 64;
-  return entries_.size() * kBytesOfEntry + (edgeWords_.size() + endings_.size()) * kBytesOfWord +
-         counts_.capacity() * sizeof(PhraseCount) + known_.capacity() * sizeof(KnownPhrase);
+  return entries_.capacity() * sizeof(Entry) + table_.memory() + texts_.memory() +
+         (edgeWords_.size() + endings_.size()) * kBytesOfWord +
+         counts_.capacity() * sizeof(PhraseCount);
 }
 
 // A title without what so many others end in that it is the site's name, or that of a part of it.
@@ -294,28 +319,33 @@ std::string SuggestionList::WithoutEnding(const std::string& title) const {
 std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
   const std::unordered_set<std::string> stops = WordSetOf(stopWords);
   // By the text in lower case, so that phrases stand just before those that go on from them.
-  std::map<std::string, Entry> merged;
-  for (const auto& [key, entry] : entries_) {
-    std::string text = entry.text;
+  struct Merged {
+    std::string text;
+    uint64_t weight = 0;
+    Kind kind = Kind::kPhrase;
+  };
+  std::map<std::string, Merged> merged;
+  for (const Entry& entry : entries_) {
+    std::string text(entry.text);
     if (entry.kind == Kind::kTitle) text = Shortened(WithoutEnding(text), kSuggestedBytesLimit);
     if (entry.kind == Kind::kPhrase) {
-      const std::string first = key.substr(0, key.find(' '));
-      const std::string last = key.substr(key.rfind(' ') + 1);
+      const std::string first(entry.key.substr(0, entry.key.find(' ')));
+      const std::string last(entry.key.substr(entry.key.rfind(' ') + 1));
       const bool isCommon = page_ > 2 * kLeastPhrasePages && entry.weight * 2 > page_;
       if (isCommon || stops.contains(first) || stops.contains(last) ||
           !edgeWords_.contains(first) || !edgeWords_.contains(last)) {
         continue;
       }
     }
-    Entry& into = merged[LowerUtf8Copy(text)];
-    // The order of the table is not defined: of two spellings the smaller one stays.
+    Merged& into = merged[LowerUtf8Copy(text)];
+    // In whatever order they come: of two spellings the smaller one stays.
     const bool better = into.text.empty() || entry.kind < into.kind ||
                         (into.kind == entry.kind && text < into.text);
     if (better) into.text = text;
     into.kind = into.weight == 0 ? entry.kind : std::min(into.kind, entry.kind);
     into.weight += entry.weight;
   }
-  std::vector<const Entry*> places;
+  std::vector<const Merged*> places;
   for (auto at = merged.begin(); at != merged.end(); ++at) {
     const auto next = std::next(at);
     const bool goesOn = next != merged.end() && next->first.starts_with(at->first + " ") &&
@@ -323,7 +353,7 @@ std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
     if (at->second.kind == Kind::kPhrase && goesOn) continue;
     places.push_back(&at->second);
   }
-  std::ranges::sort(places, [](const Entry* a, const Entry* b) {
+  std::ranges::sort(places, [](const Merged* a, const Merged* b) {
     if (a->kind != b->kind) return a->kind < b->kind;
     if (a->weight != b->weight) return a->weight > b->weight;
     if (a->text.size() != b->text.size()) return a->text.size() < b->text.size();
@@ -331,10 +361,11 @@ std::vector<std::string> SuggestionList::Take(std::string_view stopWords) {
   });
   std::vector<std::string> texts;
   texts.reserve(places.size());
-  for (const Entry* place : places) texts.push_back(place->text);
-  entries_.clear();
-  counts_ = std::vector<PhraseCount>();  // {} would keep the memory
-  known_ = std::vector<KnownPhrase>();
+  for (const Merged* place : places) texts.push_back(place->text);
+  entries_ = std::vector<Entry>();  // {} would keep the memory
+  table_ = NumberTable();
+  texts_.Clear();
+  counts_ = std::vector<PhraseCount>();
   return texts;
 }
 

@@ -14,7 +14,9 @@
 #include <unordered_set>
 #include <vector>
 
+#include "indexer/collect/number_table.h"
 #include "indexer/collect/running_text.h"
+#include "indexer/collect/text_store.h"
 #include "indexer/extract/page.h"
 
 namespace vela::indexer {
@@ -56,18 +58,22 @@ class SuggestionList {
  private:
   // In the order in which they are offered.
   enum class Kind : uint8_t { kTitle, kHeading, kName, kPhrase };
+  static constexpr uint32_t kNone = NumberTable::kNone;
+  // The texts stand in `texts_`.
   struct Entry {
-    std::string text;       // as it was met first
+    std::string_view key;   // in lower case
+    std::string_view text;  // as it was met first
     uint64_t weight = 0;    // pages that have it
     uint32_t lastPage = 0;  // counted from 1, of the page that counted it last
     Kind kind = Kind::kPhrase;
-    bool isDropped = false;
   };
-  // How often a phrase has been met, before it is worth keeping its text.
+  // How often a phrase has been met, before it is worth keeping its text, and its entry from then
+  // on, which is found without putting its text together.
   struct PhraseCount {
     uint32_t check = 0;  // tells phrases of one place apart
     uint32_t lastPage = 0;
     uint32_t pages = 0;
+    uint32_t entry = kNone;
   };
   // A word of the page's running text.
   struct PhraseWord {
@@ -86,15 +92,8 @@ class SuggestionList {
     std::array<uint32_t, kPhraseWordLimit> words = {};  // their places in `words_`
   };
 
-  // Where an entry is, until some are dropped. Of a phrase that many pages have, most often the
-  // entry alone is of interest: its text need not be put together to be found.
-  struct KnownPhrase {
-    uint64_t hash = 0;
-    Entry* entry = nullptr;
-  };
-
-  // The entry; null where there is none, or where it may have been dropped at once.
-  Entry* Add(const std::string& text, uint64_t weight, Kind kind);
+  // The number of the entry; kNone where there is none, or where it may have been dropped at once.
+  uint32_t Add(std::string_view text, uint64_t weight, Kind kind);
   void Count(Entry& entry, uint64_t weight) const;
   void AddEdgeWords(const std::string& text);
   void AddPhrases(const RunningText& running);
@@ -105,16 +104,19 @@ class SuggestionList {
   std::string WithoutEnding(const std::string& title) const;
 
   uint32_t page_ = 0;
-  std::unordered_map<std::string, Entry> entries_;  // by the text in lower case
+  std::vector<Entry> entries_;
+  NumberTable table_;  // of `entries_`, by their keys
+  TextStore texts_;
   std::unordered_map<std::string, uint32_t> endings_;
   std::unordered_set<std::string> edgeWords_;  // first and last words of titles and headings
   std::vector<PhraseCount> counts_;
-  std::vector<KnownPhrase> known_;
   std::vector<PhraseWord> words_;  // of the running text of the page, kept for its memory
   // Phrases whose places are on their way into the processor's cache, the first one at
   // `nextPhrase_`.
   std::array<Phrase, 8> waiting_;
   size_t nextPhrase_ = 0;
+  std::string key_;     // scratch
+  std::string phrase_;  // the same
 };
 
 }  // namespace vela::indexer
