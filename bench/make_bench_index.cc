@@ -301,7 +301,8 @@ int main(int argc, char** argv) {
   WriteFile(directory / "vela_dictionary.vdat", dictionary);
   WriteFile(directory / "vela_pageinfo.vdat", pageInfo);
   const int32_t generation =
-      vela::indexer::WriteLookup(directory, {.tokenBytes = 4, .lastSign = kReserved}).generation;
+      vela::indexer::WriteLookup(directory, {.tokenBytes = 4, .lastSign = kReserved}, UINT32_MAX)
+          .generation;
   number("LookupGeneration", static_cast<size_t>(generation));
   WriteFile(directory / "settings.vdat", settings);
   WriteFile(directory / "vela_pagedata.vdat", pageData);

@@ -69,6 +69,15 @@ void SetWordFacts(const PageCollection& collection, WordOrder& words, IndexFacts
   }
 }
 
+// The first word of the dictionary that is on too few pages for its pairs to be written.
+uint32_t PairedWords(const Vocabulary& vocabulary, const WordOrder& words) {
+  const auto behind = std::ranges::partition_point(words.order, [&](uint32_t word) {
+    return vocabulary.words[word].pageCount > kMostUnpairedPages;
+  });
+  return static_cast<uint32_t>(words.firstWord +
+                               static_cast<uint64_t>(behind - words.order.begin()));
+}
+
 // Settles in the page table what is known of pages only when all are read.
 void SettlePages(IndexRun& run, SitePages& pages) {
   for (const MoreCategories& more : CategoriesOfCopies(pages.collection)) {
@@ -160,7 +169,7 @@ uint64_t WriteSuggestions(const IndexRun& run, SuggestionList& suggestions, Inde
 // The files that belong to others, which are complete.
 uint64_t WriteSideFiles(const IndexRun& run, PageCollection& collection, IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
-  const LookupSizes lookup = WriteLookup(fresh, ShapeOf(facts));
+  const LookupSizes lookup = WriteLookup(fresh, ShapeOf(facts), facts.pairedWords);
   facts.lookupGeneration = lookup.generation;
   return lookup.fileBytes + WriteSections(fresh / kSectionsFileName, collection.sections,
                                           {.generation = lookup.generation,
@@ -211,6 +220,7 @@ uint64_t WriteIndexFiles(IndexRun& run, SitePages& pages, IndexFacts& facts) {
         .links = collection.linkTexts.Finish(collection.addresses, collection.vocabulary)};
   }
   ordering.Finish();
+  facts.pairedWords = PairedWords(collection.vocabulary, words);
 
   uint64_t textBytes = 0;
   SideTask text(aside, [&] {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "format/page_info.h"
 #include "indexer/write/in_file.h"
 #include "indexer/write/out_file.h"
+#include "indexer/write/pair_rows.h"
 #include "settings/index_directory.h"
 #include "text/ascii.h"
 #include "text/numbers.h"
@@ -53,7 +55,7 @@ bool EqualFolded(std::string_view a, std::string_view b) {
 LookupFileFacts FactsOf(std::string_view bytes) { return {bytes.size(), FileSample(bytes)}; }
 
 struct WordTables {
-  std::vector<LookupWordStart> starts;
+  std::vector<uint32_t> starts;  // of the lines of base words
   std::vector<LookupSortedWord> sorted;
   uint64_t baseWordBytes = 0;
   uint64_t variantBytes = 0;
@@ -77,7 +79,9 @@ bool ReadWords(std::string_view bytes, WordTables& tables) {
     const std::string_view offset = TakeField(line);
     if (!IsWordText(text) || !IsNumber(offset) || !IsNumber(line)) return false;
     const size_t word = tables.starts.size();
-    tables.starts.push_back(static_cast<uint32_t>(text.data() - bytes.data()));
+    const auto start = static_cast<uint32_t>(text.data() - bytes.data());
+    tables.starts.push_back(start);
+    if (start - tables.starts[word - word % kLookupStartsAtOnce] > UINT16_MAX) return false;
     tables.baseWordBytes += static_cast<uint64_t>(BasewordBufferBytes(text.size()));
     add(text, word);
     for (int32_t variants = ReadDecimal32(line); variants > 0; --variants) {
@@ -176,40 +180,40 @@ uint64_t LongestLine(std::string_view bytes) {
 }
 
 // Goes through a page text: calls `pair(first, second)` for two words beside each other, and
-// `end(next, words)` behind every text with the place of the next one and the number of its words.
+// `end(next)` behind every text with the place of the next one.
 template <typename Pair, typename End>
 void ReadTexts(InFile& text, const TextShape& shape, Pair pair, End end) {
   uint32_t former = kPageEndWord;  // the word before in this stretch of text; none yet
-  uint64_t words = 0;
+  bool isEnded = true;
   const uint64_t size = ForEachToken(text, shape, [&](uint32_t word, uint64_t at) {
     if (EndsRun(word)) {
       former = kPageEndWord;
       if (word != kPageEndWord) return;
-      end(at + shape.tokenBytes, words);
-      words = 0;
+      end(at + shape.tokenBytes);
+      isEnded = true;
     } else if (int64_t{word} > shape.lastSign) {
       if (former != kPageEndWord) pair(former, word);
       former = word;
-      ++words;
+      isEnded = false;
     }
   });
-  if (words > 0) end(size, words);
+  if (!isEnded) end(size);
 }
 
-// The table of texts; empty when nothing is said about this page text.
-std::vector<LookupText> TextsOf(InFile& text, const TextShape& shape) {
-  std::vector<LookupText> texts(1);
-  if (!CanBeRead(shape)) return {};
-  uint64_t records = 0;
-  ReadTexts(
-      text, shape, [](uint32_t, uint32_t) {},
-      [&](uint64_t next, uint64_t words) {
-        const uint64_t pairs = LookupPairRecords(words);
-        texts.back().pairs = static_cast<uint32_t>(pairs);
-        records += pairs;
-        texts.push_back({next, static_cast<uint32_t>(records), 0});
-      });
-  return records > UINT32_MAX ? std::vector<LookupText>() : texts;
+// Eight words each.
+std::vector<LookupWordStarts> InRecords(std::span<const uint32_t> starts) {
+  std::vector<LookupWordStarts> records;
+  records.reserve(LookupWordStartRecords(starts.size()));
+  for (size_t i = 0; i < starts.size(); ++i) {
+    const uint32_t first = starts[i - i % kLookupStartsAtOnce];
+    if (i % kLookupStartsAtOnce == 0) {
+      records.push_back({.firstLow = static_cast<uint16_t>(first),
+                         .firstHigh = static_cast<uint16_t>(first >> 16)});
+    } else {
+      records.back().behind[i % kLookupStartsAtOnce - 1] = static_cast<uint16_t>(starts[i] - first);
+    }
+  }
+  return records;
 }
 
 // Writes blocks with their checksums.
@@ -217,20 +221,22 @@ class BlockWriter {
  public:
   explicit BlockWriter(OutFile& file) : file_(file) {}
 
+  uint64_t count() const { return written_; }
+
+  // Writes a whole table.
   template <typename Record>
-  void Write(const std::vector<Record>& records) {
-    constexpr size_t kPerBlock = kLookupRecordsPerBlock<Record>;
-    for (size_t i = 0; i < records.size(); i += kPerBlock) {
-      WriteBlock(records.data() + i, std::min(kPerBlock, records.size() - i) * sizeof(Record));
-    }
+  LookupTablePlace Write(const std::vector<Record>& records) {
+    const LookupTablePlace place = {written_, records.size()};
+    for (const Record& record : records) Add(record);
+    End();
+    return place;
   }
   void WriteBlock(const void* content, size_t size) {
-    char block[kLookupBlockRoom] = {};
-    memcpy(block, content, size);
-    const std::string_view room(block, sizeof block);
-    file_.Write(room);
-    file_.WriteNumber(Checksum(room, written_), sizeof(uint64_t));
-    ++written_;
+    file_.Write(BlockOf(content, size, written_++));
+  }
+  // Writes another first block.
+  void ReplaceFirst(const void* content, size_t size) {
+    file_.Replace(0, BlockOf(content, size, 0));
   }
 
   // A record of a table that is written record by record.
@@ -247,48 +253,42 @@ class BlockWriter {
   }
 
  private:
+  static std::string BlockOf(const void* content, size_t size, uint64_t number) {
+    std::string block(kLookupBlockSize, '\0');
+    memcpy(block.data(), content, size);
+    const uint64_t sum = Checksum({block.data(), kLookupBlockRoom}, number);
+    memcpy(block.data() + kLookupBlockRoom, &sum, sizeof sum);
+    return block;
+  }
+
   OutFile& file_;
-  uint64_t written_ = 0;
+  uint64_t written_ = 0;  // blocks
   char started_[kLookupBlockRoom] = {};
   size_t startedSize_ = 0;
 };
 
-void WritePairs(BlockWriter& blocks, InFile& pageText, const TextShape& shape,
-                const std::vector<LookupText>& texts) {
-  size_t page = 0;
-  std::vector<LookupPairs> pairs(texts.empty() ? 0 : texts[0].pairs);
-  if (texts.empty()) return;
+// Writes the table of pairs and gives that of texts, which is empty where more is to be said of
+// this page text than the tables can hold.
+std::vector<LookupText> WritePairs(BlockWriter& blocks, InFile& pageText, const TextShape& shape,
+                                   uint32_t pairedWords) {
+  PairRows rows;
+  uint64_t written = 0;
+  std::vector<LookupText> texts = {MakeLookupText(0, 0)};
   ReadTexts(
       pageText, shape,
       [&](uint32_t first, uint32_t second) {
-        const LookupPairPlace place = LookupPairPlaceOf(first, second, texts[page].pairs);
-        pairs[place.record] |= place.bits;
+        if (first < pairedWords && second < pairedWords) rows.Add(first, second);
       },
-      [&](uint64_t, uint64_t) {
-        for (const LookupPairs& record : pairs) blocks.Add(record);
-        pairs.assign(texts[++page].pairs, 0);
+      [&](uint64_t next) {
+        const std::span<const WordPairs> records = rows.Finish();
+        for (const WordPairs& record : records) blocks.Add(record);
+        written += records.size();
+        texts.push_back(MakeLookupText(next, static_cast<uint32_t>(written)));
       });
   blocks.End();
+  const bool isTold = written <= UINT32_MAX && StartOf(texts.back()) <= kPositionLimit;
+  return isTold ? texts : std::vector<LookupText>();
 }
-
-// Gives tables their places, one behind the other.
-class TablePlaces {
- public:
-  template <typename Record>
-  LookupTablePlace Next(const std::vector<Record>& records) {
-    return Next<Record>(records.size());
-  }
-  template <typename Record>
-  LookupTablePlace Next(uint64_t count) {
-    constexpr size_t kPerBlock = kLookupRecordsPerBlock<Record>;
-    const LookupTablePlace place = {next_, count};
-    next_ += (count + kPerBlock - 1) / kPerBlock;
-    return place;
-  }
-
- private:
-  uint64_t next_ = 1;  // behind the header
-};
 
 // A number for this content, 1 to INT32_MAX.
 uint64_t GenerationOf(const LookupHeader& header) {
@@ -299,7 +299,8 @@ uint64_t GenerationOf(const LookupHeader& header) {
 
 }  // namespace
 
-LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text) {
+LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text,
+                        uint32_t pairedWords) {
   IndexDirectory directory;
   OpenIndexDirectory(directory, folder.string());
   FileImage dictionary;
@@ -339,37 +340,33 @@ LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& te
     header.longestSuggestion = LongestLine(autocomplete.bytes());
   }
 
-  InFile pageText(folder / kPageTextFileName);
-  std::vector<LookupText> texts;
-  if (FileImage whole; whole.Open(directory, kPageTextFileName, false)) {
-    if (!whole.bytes().empty()) texts = TextsOf(pageText, text);
-    header.pageText = FactsOf(whole.bytes());
-    header.tokenSize = text.tokenBytes;
-    header.lastSign = static_cast<uint64_t>(text.lastSign);
-  }
-
   std::vector<LookupKey> wordGuide;
   constexpr size_t kStep = kLookupGuideStep * kLookupRecordsPerBlock<LookupSortedWord>;
   for (size_t i = 0; i < words.sorted.size(); i += kStep) wordGuide.push_back(words.sorted[i].key);
 
-  TablePlaces places;
-  header.wordStarts = places.Next(words.starts);
-  header.sortedWords = places.Next(words.sorted);
-  header.wordGuide = places.Next(wordGuide);
-  header.spellingGuide = places.Next(guide.entries);
-  header.texts = places.Next(texts);
-  header.pairs = places.Next<LookupPairs>(texts.empty() ? 0 : texts.back().firstPairs);
-  header.generation = GenerationOf(header);
-
   OutFile file(folder / kLookupFileName);
   BlockWriter blocks(file);
-  blocks.WriteBlock(&header, sizeof header);
-  blocks.Write(words.starts);
-  blocks.Write(words.sorted);
-  blocks.Write(wordGuide);
-  blocks.Write(guide.entries);
-  blocks.Write(texts);
-  WritePairs(blocks, pageText, text, texts);
+  blocks.WriteBlock(&header, sizeof header);  // as it is by now
+  header.wordStarts = blocks.Write(InRecords(words.starts));
+  header.sortedWords = blocks.Write(words.sorted);
+  header.wordGuide = blocks.Write(wordGuide);
+  header.spellingGuide = blocks.Write(guide.entries);
+  words = {};
+  if (FileImage whole; whole.Open(directory, kPageTextFileName, false)) {
+    InFile pageText(folder / kPageTextFileName);
+    header.pageText = FactsOf(whole.bytes());
+    header.tokenSize = text.tokenBytes;
+    header.lastSign = static_cast<uint64_t>(text.lastSign);
+    header.pairedWords = pairedWords;
+    if (!whole.bytes().empty() && CanBeRead(text)) {
+      header.pairs.firstBlock = blocks.count();
+      const std::vector<LookupText> texts = WritePairs(blocks, pageText, text, pairedWords);
+      if (!texts.empty()) header.pairs.count = FirstPairsOf(texts.back());
+      header.texts = blocks.Write(texts);
+    }
+  }
+  header.generation = GenerationOf(header);
+  blocks.ReplaceFirst(&header, sizeof header);
   return {static_cast<int32_t>(header.generation), file.Finish()};
 }
 

@@ -8,6 +8,9 @@
 
 namespace vela::indexer {
 
+// The texts of so few pages are read as soon as what is told of pairs of words in them.
+inline constexpr uint32_t kMostUnpairedPages = 16;
+
 struct LookupSizes {
   int32_t generation = 0;  // LookupGeneration; 0 when no file was written
   uint64_t fileBytes = 0;
@@ -17,7 +20,9 @@ struct LookupSizes {
 // and the autocomplete file of the index in `folder`, which are complete, and writes the lookup
 // file beside them. Nothing is written about a file that is not in the form that the writers give
 // it, nothing at all for such a dictionary. It takes about 16 bytes of memory a word. The same
-// files give the same bytes and generation.
-LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text);
+// files give the same bytes and generation. Of words from number `pairedWords` on it is not told
+// beside which others they stand.
+LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text,
+                        uint32_t pairedWords);
 
 }  // namespace vela::indexer

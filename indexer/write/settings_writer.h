@@ -23,6 +23,7 @@ struct IndexFacts {
   uint64_t recommended = 0;   // NumRecommended
   uint64_t autocomplete = 0;  // lines of its file
   size_t lineLength = 256;    // MaxKeyWordLineLen; see KeyWordLineLength
+  uint32_t pairedWords = 0;   // words below this number are on more than kMostUnpairedPages pages
   int32_t lookupGeneration = 0;
   std::string stopWords;  // in UTF-8; see StopWordsOf
 };

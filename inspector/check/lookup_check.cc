@@ -4,11 +4,13 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "format/index_directory.h"
 #include "index/byte_cursor.h"
 #include "index/page_text.h"
+#include "index/text_pairs.h"
 #include "inspector/check/stored_texts.h"
 #include "inspector/findings/plain_text.h"
 #include "text/ascii.h"
@@ -116,8 +118,8 @@ class LookupCheck {
       input_.progress.Step(word);
       const DictEntry entry = index.dictionary.EntryAt(static_cast<int32_t>(word));
       const auto start = static_cast<uint64_t>(entry.word.data() - dictionary.data());
-      LookupWordStart said = 0;
-      if (Read(header.wordStarts, word, said) && said != start) {
+      size_t said = 0;
+      if (lookup_.ReadWordStart(word, said) && said != start) {
         AddContent("word " + std::to_string(word) + " begins at byte " + std::to_string(start) +
                    ", not " + std::to_string(said));
       }
@@ -133,7 +135,8 @@ class LookupCheck {
     Compare("the number of words", header.words, WordCount(index));
     Compare("the size of the words", header.baseWordBytes, wordBytes);
     Compare("the size of the spellings", header.variantBytes, variantBytes);
-    Compare("the length of the table of word starts", header.wordStarts.count, WordCount(index));
+    Compare("the length of the table of word starts", header.wordStarts.count,
+            LookupWordStartRecords(WordCount(index)));
     Compare("the length of the table of sorted words", header.sortedWords.count, sorted);
     CheckSortedWords();
   }
@@ -270,57 +273,45 @@ class LookupCheck {
     PageTextReader reader = {.file = input_.index.pageText.bytes(),
                              .tokenSize = settings.DictIDLen};
     SeekPageText(reader, 0);
+    const TextPairs told(lookup_, reader.file, settings);
     PageTextToken token;
-    uint64_t words = 0;
+    bool isEnded = true;
     uint32_t former = kPageEndWord;
     pairs_.clear();
     input_.progress.Begin(kLookupFileName, reader.file.size());
     while (ReadPageTextToken(reader, token) != 0) {
       if (EndsRun(token.word)) {
         former = kPageEndWord;
-        if (token.word == kPageEndWord) EndText(reader.position, words);
+        if (token.word == kPageEndWord) EndText(reader.position, told);
+        isEnded = isEnded || token.word == kPageEndWord;
       } else if (int64_t{token.word} > settings.DictReservedLimit) {
-        if (former != kPageEndWord) pairs_.push_back(uint64_t{former} << 32 | token.word);
+        if (former != kPageEndWord) pairs_.emplace_back(former, token.word);
         former = token.word;
-        ++words;
+        isEnded = false;
       }
     }
-    if (words > 0) EndText(reader.position, words);
+    if (!isEnded) EndText(reader.position, told);
     Compare("the number of texts", header.texts.count, text_ + 1);
-    Compare("the number of pair records", header.pairs.count, firstPairs_);
     LookupText last;
     if (Read(header.texts, text_, last) &&
-        (last.start != textStart_ || last.firstPairs != firstPairs_ || last.pairs != 0)) {
+        (StartOf(last) != textStart_ || FirstPairsOf(last) != header.pairs.count)) {
       AddContent("the end of the table of texts");
     }
   }
 
   // A text ends before byte `next`; its pairs are in `pairs_`.
-  void EndText(uint64_t next, uint64_t& words) {
-    const LookupHeader& header = lookup_.header();
-    const uint64_t records = LookupPairRecords(words);
-    words = 0;
+  void EndText(uint64_t next, const TextPairs& told) {
     LookupText said;
-    if (Read(header.texts, text_, said) &&
-        (said.start != textStart_ || said.firstPairs != firstPairs_ || said.pairs != records)) {
+    if (Read(lookup_.header().texts, text_, said) &&
+        (StartOf(said) != textStart_ || FirstPairsOf(said) < firstPairs_)) {
       AddContent("the text of page " + std::to_string(text_));
     }
-    expected_.assign(static_cast<size_t>(records), 0);
-    for (const uint64_t pair : pairs_) {
-      const LookupPairPlace place =
-          LookupPairPlaceOf(static_cast<uint32_t>(pair >> 32), static_cast<uint32_t>(pair),
-                            static_cast<uint32_t>(records));
-      expected_[place.record] |= place.bits;
-    }
-    for (size_t i = 0; i < expected_.size(); ++i) {
-      LookupPairs bits = 0;
-      if (!Read(header.pairs, static_cast<size_t>(firstPairs_) + i, bits)) continue;
-      if (bits == expected_[i]) continue;
-      AddContent("the word pairs of page " + std::to_string(text_));
-      break;
-    }
+    firstPairs_ = FirstPairsOf(said);
+    const bool isKnown = std::ranges::all_of(pairs_, [&](const auto& pair) {
+      return told.MayHold(text_, textStart_, textStart_, pair.first, pair.second);
+    });
+    if (!isKnown) AddContent("the word pairs of page " + std::to_string(text_));
     pairs_.clear();
-    firstPairs_ += records;
     textStart_ = next;
     ++text_;
     input_.progress.Step(next);
@@ -329,11 +320,10 @@ class LookupCheck {
   const CheckInput& input_;
   std::string_view bytes_;
   LookupFile lookup_;
-  uint64_t text_ = 0;            // number of the one at hand
-  uint64_t textStart_ = 0;       // in the page text
-  uint64_t firstPairs_ = 0;      // of its records
-  std::vector<uint64_t> pairs_;  // of words beside each other in it
-  std::vector<LookupPairs> expected_;
+  uint32_t text_ = 0;                                 // number of the one at hand
+  uint64_t textStart_ = 0;                            // in the page text
+  uint32_t firstPairs_ = 0;                           // of the text before
+  std::vector<std::pair<uint32_t, uint32_t>> pairs_;  // of words beside each other in it
 };
 
 }  // namespace

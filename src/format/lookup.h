@@ -15,9 +15,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "format/checksum.h"
+#include "format/word_map.h"
+#include "format/word_pairs.h"
 #include "text/ascii.h"
 
 namespace vela {
@@ -28,7 +31,7 @@ inline constexpr size_t kLookupBlockSize = 512;
 inline constexpr size_t kLookupBlockRoom = kLookupBlockSize - sizeof(uint64_t);
 
 inline constexpr uint64_t kLookupMagic = 0x0031'7075'6B6F'6F6CU;  // "lookup1" and a zero byte
-inline constexpr uint64_t kLookupVersion = 1;
+inline constexpr uint64_t kLookupVersion = 2;
 
 // A file as it was when the tables were made.
 struct LookupFileFacts {
@@ -59,18 +62,33 @@ struct LookupHeader {
   uint64_t longestSuggestion = 0;  // bytes of a line of the autocomplete file with its line feed
   uint64_t tokenSize = 0;          // DictIDLen that the page text was read with ...
   uint64_t lastSign = 0;           // ... and DictReservedLimit
-  LookupTablePlace wordStarts;     // LookupWordStart, by word number
+  LookupTablePlace wordStarts;     // LookupWordStarts, by word number
   LookupTablePlace sortedWords;    // LookupSortedWord, by folded text
   LookupTablePlace wordGuide;      // LookupKey of every kLookupGuideStep-th block of sortedWords
   LookupTablePlace spellingGuide;  // LookupSpelling of every kLookupSpellingStep-th entry
   LookupTablePlace texts;          // LookupText, a page each, and one more for the end of the file
-  LookupTablePlace pairs;          // LookupPairs, page after page
+  LookupTablePlace pairs;          // WordPairs, page after page
   uint64_t pagesWithoutBoost = 0;  // records of the page info file whose boost leaves scores
+  uint64_t pairedWords = 0;        // pairs of words below this number alone are told of
 };
 static_assert(sizeof(LookupHeader) <= kLookupBlockRoom);
 
-// Where the line of a base word begins in the dictionary.
-using LookupWordStart = uint32_t;
+// Where the lines of some base words, one behind the other, begin in the dictionary. Nothing is
+// written for a dictionary where they lie further apart.
+inline constexpr size_t kLookupStartsAtOnce = 8;
+struct LookupWordStarts {
+  uint16_t firstLow = 0;                          // of the first of them: the low ...
+  uint16_t firstHigh = 0;                         // ... and the high 16 bits
+  uint16_t behind[kLookupStartsAtOnce - 1] = {};  // how far behind it each other one is
+
+  uint32_t At(size_t i) const {
+    return (uint32_t{firstHigh} << 16 | firstLow) + (i == 0 ? 0 : behind[i - 1]);
+  }
+};
+static_assert(sizeof(LookupWordStarts) == 18);
+constexpr uint64_t LookupWordStartRecords(uint64_t words) {
+  return words / kLookupStartsAtOnce + (words % kLookupStartsAtOnce != 0 ? 1 : 0);
+}
 
 // The first eight bytes of a text, the first one the highest, filled up with zero bytes: such keys
 // are in the order of the bytes of their texts.
@@ -99,33 +117,29 @@ inline constexpr size_t kLookupSpellingStep = 32;
 // The longest line of a spelling file, its line feed included, that the guide is made for.
 inline constexpr size_t kLookupSpellingLine = 64;
 
-// The text of a page in the page text file, by page number.
+// The text of a page in the page text file, by page number. Its records of pairs end where those of
+// the next one begin; a text without any has no pair of words that pairs are told of.
 struct LookupText {
-  uint64_t start = 0;       // of its first token
-  uint32_t firstPairs = 0;  // its records in the table of pairs ...
-  uint32_t pairs = 0;       // ... and how many they are
+  uint8_t start[kWordMapPositionWidth] = {};  // of its first token
+  uint8_t firstPairs[sizeof(uint32_t)] = {};  // of its records in the table of pairs
 };
-static_assert(sizeof(LookupText) == 16);
+static_assert(sizeof(LookupText) == 9 && alignof(LookupText) == 1);
 
-// Which words stand beside each other in a text, signs between them passed over: for each such pair
-// bits are set in one of the records of the page, other pairs may share them. What has no bits set
-// is not there.
-using LookupPairs = uint64_t;
-// How many records a text of so many words has.
-constexpr uint64_t LookupPairRecords(uint64_t words) {
-  constexpr uint64_t kBitsPerWord = 6;
-  return words * kBitsPerWord / 64 + 1;
+inline LookupText MakeLookupText(uint64_t start, uint32_t firstPairs) {
+  LookupText text;
+  memcpy(text.start, &start, sizeof text.start);
+  memcpy(text.firstPairs, &firstPairs, sizeof text.firstPairs);
+  return text;
 }
-struct LookupPairPlace {
-  uint32_t record;  // of those of the page
-  LookupPairs bits;
-};
-constexpr LookupPairPlace LookupPairPlaceOf(uint32_t first, uint32_t second, uint32_t records) {
-  uint64_t mixed = (uint64_t{first} << 32 | second) * 0x9E37'79B9'7F4A'7C15U;
-  mixed = (mixed ^ mixed >> 32) * 0xD6E8'FEB8'6659'FD93U;
-  mixed ^= mixed >> 32;
-  return {static_cast<uint32_t>((mixed >> 32) * records >> 32),
-          uint64_t{1} << (mixed % 64) | uint64_t{1} << (mixed / 64 % 64)};
+inline uint64_t StartOf(const LookupText& text) {
+  uint64_t start = 0;
+  memcpy(&start, text.start, sizeof text.start);
+  return start;
+}
+inline uint32_t FirstPairsOf(const LookupText& text) {
+  uint32_t first = 0;
+  memcpy(&first, text.firstPairs, sizeof text.firstPairs);
+  return first;
 }
 
 template <typename Record>

@@ -219,7 +219,8 @@ bool Dictionary::UseLookup(const Settings& settings, const LookupFile& lookup) {
       !fits(header.baseWordBytes, settings.OutputBasewordBufferSize) ||
       VariantBlockSize(settings) < 0 || VariantBlockSize(settings) > INT32_MAX ||
       header.variantBytes > static_cast<uint64_t>(VariantBlockSize(settings)) ||
-      header.wordStarts.count != header.words || bytes_.size() > UINT32_MAX ||
+      header.wordStarts.count != LookupWordStartRecords(header.words) ||
+      bytes_.size() > UINT32_MAX ||
       !(file_.isOpen() ? IsFileOf(header.dictionary, file_, bytes_.size())
                        : IsFileOf(header.dictionary, bytes_))) {
     return false;
@@ -294,10 +295,8 @@ void Dictionary::Release() {
 size_t Dictionary::StartOf(int32_t number) const {
   const auto place = static_cast<size_t>(number);
   if (lookup_ != nullptr) {
-    LookupWordStart start = 0;
-    if (lookup_->Read(lookup_->header().wordStarts, place, start) && start < bytes_.size()) {
-      return start;
-    }
+    size_t start = 0;
+    if (lookup_->ReadWordStart(place, start) && start < bytes_.size()) return start;
     LeaveLookup();
   }
   return number < table_.count ? table_.starts[place] : bytes_.size();

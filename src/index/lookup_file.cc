@@ -38,12 +38,12 @@ void LookupFile::Use(std::string_view bytes, uint64_t generation) {
 
 bool LookupFile::HoldsTables() const {
   const size_t blocks = bytes_.size() / kLookupBlockSize;
-  return HoldsTable<LookupWordStart>(header_.wordStarts, blocks) &&
+  return HoldsTable<LookupWordStarts>(header_.wordStarts, blocks) &&
          HoldsTable<LookupSortedWord>(header_.sortedWords, blocks) &&
          HoldsTable<LookupKey>(header_.wordGuide, blocks) &&
          HoldsTable<LookupSpelling>(header_.spellingGuide, blocks) &&
          HoldsTable<LookupText>(header_.texts, blocks) &&
-         HoldsTable<LookupPairs>(header_.pairs, blocks);
+         HoldsTable<WordPairs>(header_.pairs, blocks);
 }
 
 void LookupFile::Close() {

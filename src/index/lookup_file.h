@@ -41,6 +41,14 @@ class LookupFile {
     return true;
   }
 
+  // Where the line of base word `word` begins in the dictionary. False as for Read.
+  [[nodiscard]] bool ReadWordStart(size_t word, size_t& start) const {
+    LookupWordStarts starts;
+    if (!Read(header_.wordStarts, word / kLookupStartsAtOnce, starts)) return false;
+    start = starts.At(word % kLookupStartsAtOnce);
+    return true;
+  }
+
  private:
   void Use(std::string_view bytes, uint64_t generation);
   bool HoldsTables() const;

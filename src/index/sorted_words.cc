@@ -133,8 +133,8 @@ bool FindEqualWord(const SortedWords& words, std::string_view word, int32_t from
     if (sorted.word >= static_cast<uint32_t>(words.count)) return false;
     const auto found = static_cast<int32_t>(sorted.word);
     if (found < from || TextOf(words, sorted) != word) continue;
-    LookupWordStart start = 0;
-    if (!words.lookup.Read(header.wordStarts, sorted.word, start)) return false;
+    size_t start = 0;
+    if (!words.lookup.ReadWordStart(sorted.word, start)) return false;
     if (start != sorted.start) continue;  // a variant
     number = found;
     break;

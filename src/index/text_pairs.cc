@@ -19,17 +19,25 @@ bool TextPairs::MayHold(uint32_t page, uint64_t position, uint64_t otherPosition
   const LookupHeader& header = lookup_->header();
   LookupText text;
   LookupText next;
-  if (!lookup_->Read(header.texts, page, text) ||
-      !lookup_->Read(header.texts, size_t{page} + 1, next) || text.pairs == 0) {
+  if (first >= header.pairedWords || second >= header.pairedWords ||
+      !lookup_->Read(header.texts, page, text) ||
+      !lookup_->Read(header.texts, size_t{page} + 1, next)) {
     return true;
   }
   for (const uint64_t place : {position, otherPosition}) {
-    if (place < text.start || place >= next.start) return true;
+    if (place < StartOf(text) || place >= StartOf(next)) return true;
   }
-  const LookupPairPlace place = LookupPairPlaceOf(first, second, text.pairs);
-  LookupPairs pairs = 0;
-  return !lookup_->Read(header.pairs, size_t{text.firstPairs} + place.record, pairs) ||
-         (pairs & place.bits) == place.bits;
+  const uint32_t from = FirstPairsOf(text);
+  if (FirstPairsOf(next) <= from) return FirstPairsOf(next) < from;
+  const WordPairMark mark = WordPairMarkOf(first, second, FirstPairsOf(next) - from);
+  const size_t record = size_t{from} + mark.slot / kWordPairSlots;
+  WordPairs pairs;
+  WordPairs behind;
+  if (!lookup_->Read(header.pairs, record, pairs) ||
+      (mark.slot % kWordPairSlots != 0 && !lookup_->Read(header.pairs, record + 1, behind))) {
+    return true;
+  }
+  return AddsUp(mark, pairs, behind);
 }
 
 uint64_t TextPairs::EndOfText(uint32_t page, uint64_t position) const {
@@ -40,7 +48,7 @@ uint64_t TextPairs::EndOfText(uint32_t page, uint64_t position) const {
       !lookup_->Read(lookup_->header().texts, size_t{page} + 1, next)) {
     return 0;
   }
-  return text.start <= position && position < next.start ? next.start : 0;
+  return StartOf(text) <= position && position < StartOf(next) ? StartOf(next) : 0;
 }
 
 }  // namespace vela

@@ -17,7 +17,8 @@ class TextPairs {
   TextPairs(const LookupFile& lookup, std::string_view pageText, const Settings& settings);
 
   // False only when, in the text of the page, the word `second` stands nowhere behind `first` with
-  // at most signs between them. Only told for places of the page text that lie, both, in that text.
+  // at most signs between them. Only told for places of the page text that lie, both, in that text,
+  // and not of words on few pages, whose texts are read as soon.
   bool MayHold(uint32_t page, uint64_t position, uint64_t otherPosition, uint32_t first,
                uint32_t second) const;
 

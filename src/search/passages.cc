@@ -368,7 +368,7 @@ void Planner::ShowBeginning() {
   LookupText page;
   const LookupHeader& header = input_.lookup.header();
   if (!input_.lookup.isOpen() || !input_.lookup.Read(header.texts, entry_.page, page)) return;
-  size_t token = text_.IndexOf(page.start);
+  size_t token = text_.IndexOf(StartOf(page));
   if (token >= text_.count() || (token > 0 && text_.WordAt(token - 1) != kPageEndWord)) return;
   const size_t found = text_.IndexOf(entry_.firstPosition);
   if (found >= text_.count()) return;

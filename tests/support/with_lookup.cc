@@ -19,7 +19,8 @@ bool AddLookup(const std::filesystem::path& directory) {
   if (ReadSettings(*read, former) != SettingsStatus::kOk || read->DictIDLen < 1) return false;
   const indexer::LookupSizes sizes = indexer::WriteLookup(
       directory,
-      {.tokenBytes = static_cast<size_t>(read->DictIDLen), .lastSign = read->DictReservedLimit});
+      {.tokenBytes = static_cast<size_t>(read->DictIDLen), .lastSign = read->DictReservedLimit},
+      UINT32_MAX);
   if (sizes.generation == 0) return false;
   // Ahead of all other lines, since the last one may lack its line feed.
   std::ofstream(settings, std::ios::binary | std::ios::trunc)

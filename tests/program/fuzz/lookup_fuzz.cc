@@ -42,7 +42,7 @@ std::string SoundFile(std::string_view input) {
   header.pageText = FactsOf(kPageText);
   header.tokenSize = 2;
   header.lastSign = 3;
-  header.wordStarts.count = header.words;
+  header.wordStarts.count = LookupWordStartRecords(header.words);
   memcpy(bytes.data(), &header, sizeof header);
   for (size_t block = 0; block < bytes.size() / kLookupBlockSize; ++block) {
     char* const at = bytes.data() + block * kLookupBlockSize;

@@ -287,7 +287,7 @@ const DamageCase kCases[] = {
     {"another dictionary", kWords, Text("\nkitten ", "\nkittem "), Fault::kOtherFile, kTables},
     {"a word that begins elsewhere", kTables,
      [](std::string& bytes, const Known&) {
-       const size_t at = LookupPlace<LookupWordStart>(&LookupHeader::wordStarts, bytes, 9);
+       const size_t at = LookupPlace<LookupWordStarts>(&LookupHeader::wordStarts, bytes, 1);
        Put(bytes, at, 3, 4);
        Seal(bytes, at);
      },
@@ -304,14 +304,14 @@ const DamageCase kCases[] = {
     {"the text of a page elsewhere", kTables,
      [](std::string& bytes, const Known&) {
        const size_t at = LookupPlace<LookupText>(&LookupHeader::texts, bytes, 1);
-       Put(bytes, at, 3, 8);
+       Put(bytes, at, 3, 5);
        Seal(bytes, at);
      },
      Fault::kOtherContent},
     {"words that do not stand side by side", kTables,
      [](std::string& bytes, const Known&) {
-       const size_t at = LookupPlace<LookupPairs>(&LookupHeader::pairs, bytes, 0);
-       Put(bytes, at, 0, 8);
+       const size_t at = LookupPlace<WordPairs>(&LookupHeader::pairs, bytes, 0);
+       for (size_t i = 0; i < sizeof(WordPairs); ++i) Put(bytes, at + i, 0, 1);
        Seal(bytes, at);
      },
      Fault::kOtherContent},
