@@ -62,8 +62,7 @@ void AddWords(const PageBlock& page, const std::string& address, PageCollection&
             tokens);
   collection.postings.SetMemory(PostingMemory(collection));
   for (const Posting& posting : tokens.postings) collection.postings.Add(posting);
-  AddSections(page.sections, number, collection.tokenCount, page.words.bodyTokens,
-              collection.sections);
+  AddSections(page.sections, collection.tokenCount, page.words.bodyTokens, collection.sections);
   collection.pages.push_back({.firstToken = collection.tokenCount,
                               .bodyWords = page.words.bodyWords,
                               .titleWords = page.words.titleWords,

@@ -39,14 +39,13 @@ std::vector<PageSection> SectionsOf(const PageTexts& page, const PageWords& word
   return sections;
 }
 
-void AddSections(std::span<const PageSection> page, uint32_t number, uint64_t firstToken,
-                 uint32_t bodyTokens, SiteSections& sections) {
+void AddSections(std::span<const PageSection> page, uint64_t firstToken, uint32_t bodyTokens,
+                 SiteSections& sections) {
   if (page.empty() || sections.textBytes() > kTextLimit) return;
   for (const PageSection& section : page) {
-    sections.Add({.token = firstToken + section.token, .page = number}, section.anchor,
-                 section.heading);
+    sections.Add({.token = firstToken + section.token}, section.anchor, section.heading);
   }
-  sections.AddEnd(firstToken + bodyTokens, number);
+  sections.AddEnd(firstToken + bodyTokens);
 }
 
 SiteSections::SiteSections(const std::filesystem::path& folder)
@@ -61,26 +60,27 @@ void SiteSections::Add(SiteSection section, std::string_view anchor, std::string
   texts_.Append(heading);
 }
 
-void SiteSections::AddEnd(uint64_t token, uint32_t page) {
-  const SiteSection end = {.token = token, .page = page};
-  sections_.Append({reinterpret_cast<const char*>(&end), sizeof end});
-}
+void SiteSections::AddEnd(uint64_t token) { Add({.token = token}, {}, {}); }
 
-void SiteSections::ForEach(const std::function<void(const SiteSection&)>& use,
-                           const std::function<void(std::string_view)>& useTexts) {
+void SiteSections::ForEach(
+    const std::function<void(const SiteSection& section, std::string_view anchor,
+                             std::string_view heading)>& use) {
   constexpr uint64_t kPortion = 4096;
   std::vector<SiteSection> portion;
+  std::string texts;
   for (uint64_t done = 0; done < size(); done += portion.size()) {
     portion.resize(static_cast<size_t>(std::min(kPortion, size() - done)));
     sections_.Read(done * sizeof(SiteSection),
                    {reinterpret_cast<char*>(portion.data()), portion.size() * sizeof(SiteSection)});
-    std::ranges::for_each(portion, use);
-  }
-  std::string texts;
-  for (uint64_t done = 0; done < textBytes(); done += texts.size()) {
-    texts.resize(static_cast<size_t>(std::min(kPortion * sizeof(SiteSection), textBytes() - done)));
-    texts_.Read(done, texts);
-    useTexts(texts);
+    const uint32_t first = portion.front().text;
+    const SiteSection& last = portion.back();
+    texts.resize(size_t{last.text} + last.anchorLength + last.headingLength - first);
+    if (!texts.empty()) texts_.Read(first, texts);
+    for (const SiteSection& section : portion) {
+      const std::string_view text = std::string_view(texts).substr(section.text - first);
+      use(section, text.substr(0, section.anchorLength),
+          text.substr(section.anchorLength, section.headingLength));
+    }
   }
 }
 

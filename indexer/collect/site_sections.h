@@ -19,8 +19,7 @@ namespace vela::indexer {
 // One of them, or where the running text of a page ends: then without an anchor.
 struct SiteSection {
   uint64_t token = 0;  // counted from the start of the page text
-  uint32_t page = 0;
-  uint32_t text = 0;  // where its texts begin
+  uint32_t text = 0;   // where its texts begin
   uint16_t anchorLength = 0;
   uint16_t headingLength = 0;
 };
@@ -33,14 +32,14 @@ class SiteSections {
 
   // Adds the next one in the order of the page text, with its anchor and its heading.
   void Add(SiteSection section, std::string_view anchor, std::string_view heading);
-  void AddEnd(uint64_t token, uint32_t page);
+  void AddEnd(uint64_t token);
 
   uint64_t size() const { return sections_.size() / sizeof(SiteSection); }
   // Of the texts, anchor and heading of each section, one behind the other.
   uint64_t textBytes() const { return texts_.size(); }
-  // Calls `use` for every section, then `useTexts` for the texts in portions.
-  void ForEach(const std::function<void(const SiteSection&)>& use,
-               const std::function<void(std::string_view)>& useTexts);
+  // Calls `use` for every section, with its anchor and its heading.
+  void ForEach(const std::function<void(const SiteSection& section, std::string_view anchor,
+                                        std::string_view heading)>& use);
 
  private:
   TemporaryFile sections_;
@@ -62,9 +61,9 @@ std::vector<PageSection> SectionsOf(const PageTexts& page, const PageWords& word
                                     std::span<const SectionStart> starts,
                                     const IndexCharset& charset);
 
-// Adds those of a page that joined as `number`, whose text begins at `firstToken` and has so many
-// tokens of running text.
-void AddSections(std::span<const PageSection> page, uint32_t number, uint64_t firstToken,
-                 uint32_t bodyTokens, SiteSections& sections);
+// Adds those of a page that joined, whose text begins at `firstToken` and has so many tokens of
+// running text.
+void AddSections(std::span<const PageSection> page, uint64_t firstToken, uint32_t bodyTokens,
+                 SiteSections& sections);
 
 }  // namespace vela::indexer

@@ -6,7 +6,7 @@ namespace vela {
 
 namespace {
 
-// Records that are read at once.
+// Guides that are read at once.
 constexpr uint64_t kAtOnce = 64;
 
 // What stands `part` of `whole` between the two numbers; `low` where `whole` is 0.
@@ -17,6 +17,55 @@ uint64_t Between(uint64_t low, uint64_t high, uint64_t part, uint64_t whole) {
 }
 
 }  // namespace
+
+uint64_t SectionBlock::ReadNumber() {
+  uint64_t number = 0;
+  for (int shift = 0; shift < 64; shift += 7) {
+    const uint64_t byte = TakeLittleEndian(cursor_, 1);
+    number |= (byte & 0x7F) << shift;
+    if (byte < 0x80) return number;
+  }
+  cursor_.bad = true;
+  return 0;
+}
+
+// Adds a text of that length to the others.
+bool SectionBlock::ReadText(size_t length) {
+  if (length > kSectionTextRoom - used_) return false;
+  for (const size_t end = used_ + length; used_ < end;) {
+    const auto first = static_cast<size_t>(TakeLittleEndian(cursor_, 1));
+    if (first < kSectionLiteralMost) {
+      const std::string_view bytes = Take(cursor_, first + 1);
+      if (bytes.empty() || bytes.size() > end - used_) return false;
+      used_ += bytes.copy(texts_ + used_, bytes.size());
+      continue;
+    }
+    const size_t behind =
+        ((first & 3) << 8 | static_cast<size_t>(TakeLittleEndian(cursor_, 1))) + 1;
+    const size_t count = (first >> 2 & 31) + kSectionCopyLeast;
+    if (cursor_.bad || behind > used_ || count > end - used_) return false;
+    // Byte by byte: the copy may reach into itself.
+    for (size_t i = 0; i < count; ++i, ++used_) texts_[used_] = texts_[used_ - behind];
+  }
+  return !cursor_.bad;
+}
+
+bool SectionBlock::Next(uint64_t last, PageSection& section) {
+  if (cursor_.bad || cursor_.rest.empty()) return false;
+  position_ += ReadNumber();
+  const uint64_t anchor = ReadNumber();
+  const uint64_t heading = anchor != 0 ? ReadNumber() : 0;
+  if (cursor_.bad || position_ > last) return false;
+  const char* const text = texts_ + used_;
+  if (anchor > kSectionTextRoom || heading > kSectionTextRoom ||
+      !ReadText(static_cast<size_t>(anchor + heading))) {
+    cursor_.bad = true;
+    return false;
+  }
+  section.anchor = {text, static_cast<size_t>(anchor)};
+  section.heading = {text + anchor, static_cast<size_t>(heading)};
+  return true;
+}
 
 void SectionsFile::Open(const IndexDirectory& directory, const Settings& settings,
                         uint64_t pageTextSize) {
@@ -33,35 +82,30 @@ void SectionsFile::Open(std::string_view bytes, int32_t generation, uint64_t pag
 }
 
 bool SectionsFile::Use(int32_t generation, uint64_t pageTextSize) {
-  SectionsHeader header;
-  if (generation <= 0 || !file_.Read(0, sizeof header, &header)) return false;
-  const uint64_t rest = file_.size() - sizeof header;
-  if (header.magic != kSectionsMagic || header.generation != static_cast<uint64_t>(generation) ||
-      header.pageTextSize != pageTextSize || header.count > rest / sizeof(SectionRecord)) {
-    return false;
-  }
-  const uint64_t recordBytes = header.count * sizeof(SectionRecord);
-  if (rest - recordBytes != header.textBytes) return false;
-  count_ = header.count;
-  textStart_ = sizeof header + recordBytes;
-  textBytes_ = header.textBytes;
-  pageTextSize_ = pageTextSize;
-  return true;
+  if (generation <= 0 || !file_.Read(0, sizeof header_, &header_)) return false;
+  const uint64_t rest = file_.size() - sizeof header_;
+  return header_.magic == kSectionsMagic &&
+         header_.generation == static_cast<uint64_t>(generation) &&
+         header_.pageTextSize == pageTextSize && header_.blockBytes <= rest &&
+         header_.count == (rest - header_.blockBytes) / sizeof(SectionGuide) &&
+         (rest - header_.blockBytes) % sizeof(SectionGuide) == 0;
 }
 
 void SectionsFile::Close() {
   file_.Close();
-  count_ = 0;
+  header_ = {};
 }
 
-// The last record that does not begin behind the place. Sections are spread over the text nearly as
-// its places are, so that the first guess is a good one; every other time the middle is looked at,
+// The last block that does not begin behind the place. They are spread over the text nearly as its
+// places are, so that the first guess is a good one; every other time the middle is looked at,
 // which comes to an end however they are spread.
-bool SectionsFile::FindRecord(uint64_t position, SectionRecord& record) const {
-  uint64_t low = 0;  // the first record behind the place is from here on ...
-  uint64_t high = count_;
+bool SectionsFile::FindBlock(uint64_t position, Block& block) const {
+  uint64_t low = 0;  // the first block behind the place is from here on ...
+  uint64_t high = header_.count;
   uint64_t lowPosition = 0;
-  uint64_t highPosition = pageTextSize_;
+  uint64_t highPosition = header_.pageTextSize;
+  SectionGuide behind = {.position = UINT64_MAX};
+  uint64_t behindStart = header_.blockBytes;
   bool isFound = false;
   for (bool guesses = true; low < high; guesses = !guesses) {
     const uint64_t middle =
@@ -70,43 +114,46 @@ bool SectionsFile::FindRecord(uint64_t position, SectionRecord& record) const {
             : low + (high - low) / 2;
     const uint64_t size = std::min(kAtOnce, high - low);
     const uint64_t first = std::clamp(middle, low + size / 2, high - (size - size / 2)) - size / 2;
-    SectionRecord records[kAtOnce];
-    if (!file_.Read(sizeof(SectionsHeader) + first * sizeof(SectionRecord),
-                    static_cast<size_t>(size) * sizeof(SectionRecord), records)) {
+    SectionGuide guides[kAtOnce];
+    if (!file_.Read(sizeof header_ + header_.blockBytes + first * sizeof(SectionGuide),
+                    static_cast<size_t>(size) * sizeof(SectionGuide), guides)) {
       return false;
     }
-    const SectionRecord* const end = records + size;
-    const SectionRecord* const behind = std::upper_bound(
-        static_cast<const SectionRecord*>(records), end, position,
-        [](uint64_t place, const SectionRecord& each) { return place < each.position; });
-    if (behind != records) {
-      record = behind[-1];
+    const SectionGuide* const end = guides + size;
+    const SectionGuide* const next = std::upper_bound(
+        static_cast<const SectionGuide*>(guides), end, position,
+        [](uint64_t place, const SectionGuide& each) { return place < each.position; });
+    if (next != guides) {
+      block.guide = next[-1];
       isFound = true;
-      low = first + static_cast<uint64_t>(behind - records);
-      lowPosition = record.position;
+      low = first + static_cast<uint64_t>(next - guides);
+      lowPosition = block.guide.position;
     }
-    if (behind != end) {
-      high = first + static_cast<uint64_t>(behind - records);
-      highPosition = behind->position;
+    if (next != end) {
+      behind = *next;
+      behindStart = next->start;
+      high = first + static_cast<uint64_t>(next - guides);
+      highPosition = next->position;
     }
   }
-  return isFound;
+  block.end = behind.position;
+  block.bytes = behindStart - block.guide.start;
+  return isFound && block.guide.start <= behindStart && behindStart <= header_.blockBytes;
 }
 
-bool SectionsFile::Find(uint32_t page, uint64_t position, PageSection& section) const {
-  SectionRecord record;
-  if (!FindRecord(position, record)) return false;
-  const size_t length = size_t{record.anchorLength} + record.headingLength;
-  if (record.page != page || record.anchorLength == 0 || record.text > textBytes_ ||
-      length > textBytes_ - record.text) {
-    return false;
-  }
-  if (text_.size() < length && !text_.TryAllocate(length)) return false;
-  if (!file_.Read(textStart_ + record.text, length, text_.data())) return false;
-  const std::string_view text(text_.data(), length);
-  section.anchor = text.substr(0, record.anchorLength);
-  section.heading = text.substr(record.anchorLength);
-  return true;
+bool SectionsFile::Find(uint64_t position, PageSection& section) const {
+  Block block;
+  if (!FindBlock(position, block) || block.bytes > kSectionBlockRoom) return false;
+  if (room_.size() == 0 && !room_.TryAllocate(kSectionBlockRoom + kSectionTextRoom)) return false;
+  const auto size = static_cast<size_t>(block.bytes);
+  if (!file_.Read(sizeof header_ + block.guide.start, size, room_.data())) return false;
+  const std::string_view bytes(room_.data(), size);
+  const uint64_t begin = block.guide.position;
+  if (SectionBlockSum(bytes, begin, block.end) != block.guide.sum) return false;
+  SectionBlock sections(bytes, begin, room_.data() + kSectionBlockRoom);
+  bool isFound = false;
+  for (PageSection next; sections.Next(position, next); isFound = true) section = next;
+  return isFound && !sections.isBad() && !section.anchor.empty();
 }
 
 }  // namespace vela

@@ -43,7 +43,7 @@ void LeadToSection(const ResultBlocks& blocks, Result& result) {
   const uint64_t position =
       result.plan != nullptr ? result.plan->answer : result.entry.firstPosition;
   PageSection section;
-  if (!blocks.files.sections.Find(result.entry.page, position, section) ||
+  if (!blocks.files.sections.Find(position, section) ||
       !AppendFragment(result.target, section.anchor)) {
     return;
   }

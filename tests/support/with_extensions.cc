@@ -67,9 +67,9 @@ bool SwitchExtensionsOn(const std::filesystem::path& directory) {
   const auto settings = std::make_unique<Settings>();
   if (ReadSettings(*settings, former) != SettingsStatus::kOk) return false;
   indexer::SiteSections sections(directory);
-  sections.Add({.token = 0, .page = 0}, "one", "First");
-  sections.Add({.token = 6, .page = 1}, "two", {});
-  sections.AddEnd(9, 1);
+  sections.Add({.token = 0}, "one", "First");
+  sections.Add({.token = 6}, "two", {});
+  sections.AddEnd(9);
   if (indexer::WriteSections(
           directory / kSectionsFileName, sections,
           {.generation = settings->LookupGeneration,

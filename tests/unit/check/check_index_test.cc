@@ -70,6 +70,18 @@ size_t LookupPlace(LookupTablePlace LookupHeader::*table, const std::string& byt
   return block * kLookupBlockSize + i % kPerBlock * sizeof(Record);
 }
 
+// Puts the checksum of the only block of sections right.
+void SealSections(std::string& bytes) {
+  SectionsHeader header;
+  memcpy(&header, bytes.data(), sizeof header);
+  const size_t at = sizeof header + static_cast<size_t>(header.blockBytes);
+  const std::string_view block(bytes.data() + sizeof header, at - sizeof header);
+  SectionGuide guide;
+  memcpy(&guide, bytes.data() + at, sizeof guide);
+  Put(bytes, at + offsetof(SectionGuide, sum), SectionBlockSum(block, guide.position, UINT64_MAX),
+      4);
+}
+
 struct DamageCase {
   const char* what;
   const char* file;  // that is changed
@@ -106,6 +118,13 @@ auto Appended(std::string_view text) {
 }
 auto CutBy(size_t count) {
   return [=](std::string& bytes, const Known&) { bytes.resize(bytes.size() - count); };
+}
+// A byte of the first section.
+auto SectionByte(size_t at, uint64_t byte) {
+  return [=](std::string& bytes, const Known&) {
+    Put(bytes, sizeof(SectionsHeader) + at, byte, 1);
+    SealSections(bytes);
+  };
 }
 auto Cleared() {
   return [](std::string& bytes, const Known&) { bytes.clear(); };
@@ -271,12 +290,27 @@ const DamageCase kCases[] = {
     {"a key behind the texts", kOthers, Number(kSynonymKeysAt, 60000, 4), Fault::kBeyondEnd},
     {"sections of another size", kParts, CutBy(1), Fault::kUnreadable},
     {"sections of another index", kParts, Number(8, 77, 8), Fault::kOtherFile},
-    {"a section of another page", kParts, Number(sizeof(SectionsHeader) + 8, 0, 4),
+    {"a block of sections that was changed", kParts, Number(sizeof(SectionsHeader), 1, 1),
+     Fault::kBadChecksum},
+    {"a section of another page", kParts, SectionByte(0, 0x7F), Fault::kMisplaced},
+    {"sections that do not end", kParts,
+     // The last one has no anchor; now it has one of a letter.
+     [](std::string& bytes, const Known&) {
+       SectionsHeader header;
+       memcpy(&header, bytes.data(), sizeof header);
+       const size_t end = sizeof header + static_cast<size_t>(header.blockBytes);
+       bytes.replace(end - 1, 1, std::string("\1\0\0x", 4));
+       Put(bytes, offsetof(SectionsHeader, blockBytes), header.blockBytes + 3, 8);
+       SealSections(bytes);
+     },
      Fault::kMisplaced},
-    {"a section out of order", kParts, Number(sizeof(SectionsHeader), 0xFFFFF, 8),
+    {"blocks of sections out of order", kParts,
+     [](std::string& bytes, const Known&) {
+       Put(bytes, offsetof(SectionsHeader, count), 2, 8);
+       bytes.append(sizeof(SectionGuide), '\0');
+     },
      Fault::kWrongOrder},
-    {"a heading behind the texts", kParts, Number(sizeof(SectionsHeader) + 12, 0xFFFFF, 4),
-     Fault::kBeyondEnd},
+    {"a heading behind the texts", kParts, SectionByte(2, 0x7F), Fault::kBeyondEnd},
     // Lookup.
     {"a block that was changed", kTables, Number(kLookupBlockSize + 8, 0xFFFF, 2),
      Fault::kBadChecksum},

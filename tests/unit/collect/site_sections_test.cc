@@ -18,22 +18,18 @@ std::string SectionsIn(std::vector<TextRun> body, const std::string& title,
   EXPECT_TRUE(cutter.Cut(page, words, nullptr));
   const support::ScratchDirectory scratch;
   SiteSections sections(scratch.path());
-  AddSections(SectionsOf(page, words, cutter.sections(), charset), 5, 1000, words.bodyTokens,
+  AddSections(SectionsOf(page, words, cutter.sections(), charset), 1000, words.bodyTokens,
               sections);
-  std::vector<SiteSection> all;
-  std::string texts;
-  sections.ForEach([&](const SiteSection& section) { all.push_back(section); },
-                   [&](std::string_view portion) { texts += portion; });
-  EXPECT_EQ(all.size(), sections.size());
-  EXPECT_EQ(texts.size(), sections.textBytes());
+  size_t count = 0;
   std::string text;
-  for (const SiteSection& section : all) {
-    EXPECT_EQ(section.page, 5u);
-    text += (text.empty() ? "" : " | ") + std::to_string(section.token);
-    if (section.anchorLength == 0) continue;
-    text += ":" + texts.substr(section.text, section.anchorLength) + ">" +
-            texts.substr(section.text + section.anchorLength, section.headingLength);
-  }
+  sections.ForEach(
+      [&](const SiteSection& section, std::string_view anchor, std::string_view heading) {
+        ++count;
+        text += (text.empty() ? "" : " | ") + std::to_string(section.token);
+        if (anchor.empty()) return;
+        text.append(":").append(anchor).append(">").append(heading);
+      });
+  EXPECT_EQ(count, sections.size());
   return text;
 }
 

@@ -19,70 +19,94 @@ std::string BytesOf(const Record& record) {
   return bytes;
 }
 
-// Page 1 has "intro" from 40 and "use" from 80 to 120, page 3 "api" from 200 on.
-std::string File() {
-  const std::string texts = "introFirst stepsuseHow to use itapi";
-  const std::vector<SectionRecord> records = {
-      {.position = 40, .page = 1, .text = 0, .anchorLength = 5, .headingLength = 11},
-      {.position = 80, .page = 1, .text = 16, .anchorLength = 3, .headingLength = 13},
-      {.position = 120, .page = 1},
-      {.position = 200, .page = 3, .text = 32, .anchorLength = 3}};
-  std::string file = BytesOf(SectionsHeader{.generation = kGeneration,
-                                            .pageTextSize = kPageTextSize,
-                                            .count = records.size(),
-                                            .textBytes = texts.size()});
-  for (const SectionRecord& record : records) file += BytesOf(record);
-  return file + texts;
+// A block of these bytes, which begins at that place, as the whole file.
+struct Block {
+  uint64_t position = 0;
+  std::string bytes;
+};
+std::string FileOf(const std::vector<Block>& blocks, uint64_t pageTextSize = kPageTextSize) {
+  std::string bytes;
+  std::string guides;
+  for (size_t i = 0; i < blocks.size(); ++i) {
+    const Block& block = blocks[i];
+    const uint64_t end = i + 1 < blocks.size() ? blocks[i + 1].position : UINT64_MAX;
+    guides += BytesOf(SectionGuide{.position = block.position,
+                                   .start = static_cast<uint32_t>(bytes.size()),
+                                   .sum = SectionBlockSum(block.bytes, block.position, end)});
+    bytes += block.bytes;
+  }
+  return BytesOf(SectionsHeader{.generation = kGeneration,
+                                .pageTextSize = pageTextSize,
+                                .blockBytes = bytes.size(),
+                                .count = blocks.size()}) +
+         bytes + guides;
 }
 
-std::string Found(const std::string& file, uint32_t page, uint64_t position,
-                  int32_t generation = kGeneration, uint64_t pageTextSize = kPageTextSize) {
+std::string Bytes(std::string_view text) { return std::string(text); }
+
+// One page has "intro" from 40 and "use" from 80 to 120, another "api" from 200 on, a third
+// "apiapi" from 1240 and an address of one letter, nine times, from 1244 on.
+std::string File() {
+  using namespace std::literals;
+  return FileOf(
+      {{40,
+        // At the block's place, 5 bytes of anchor and 11 of heading: 16 as they are.
+        Bytes("\0\5\x0B\x0FintroFirst steps"sv) +
+            // 40 bytes behind that, 3 and 9: "use", six bytes from 14 before, three from 9 before.
+            Bytes("\x28\3\x09\2use\x8C\x0D\x80\x08"sv) +
+            // An end, 40 bytes further.
+            Bytes("\x28\0"sv)},
+       {200, Bytes("\0\3\0\2api"sv) +
+                 // 1040 bytes behind: 16 + 8 * 128. Six bytes from three before.
+                 Bytes("\x90\x08\6\0\x8C\2"sv) +
+                 // One byte, then eight times the one before.
+                 Bytes("\4\x09\0\0z\x94\0"sv)}},
+      2000);
+}
+
+std::string Found(const std::string& file, uint64_t position, int32_t generation = kGeneration,
+                  uint64_t pageTextSize = 2000) {
   SectionsFile sections;
   sections.Open(file, generation, pageTextSize);
   PageSection section;
-  if (!sections.Find(page, position, section)) return "none";
+  if (!sections.Find(position, section)) return "none";
   return std::string(section.anchor) + "|" + std::string(section.heading);
 }
 
 TEST(SectionsFile, Table) {
   const struct {
     const char* what;
-    uint32_t page;
     uint64_t position;
     const char* expected;
   } cases[] = {
-      {"ahead of the first section", 1, 36, "none"},
-      {"its first word", 1, 40, "intro|First steps"},
-      {"its last", 1, 76, "intro|First steps"},
-      {"the next", 1, 80, "use|How to use it"},
-      {"behind the running text", 1, 120, "none"},
-      {"a page without sections", 2, 130, "none"},
-      {"a heading without a text", 3, 396, "api|"},
-      {"a place of another page", 2, 80, "none"},
-      {"beyond the page text", 3, UINT64_MAX, "api|"},
+      {"ahead of the first section", 36, "none"},
+      {"its first word", 40, "intro|First steps"},
+      {"its last", 76, "intro|First steps"},
+      {"the next, with a copy", 80, "use|First use"},
+      {"behind the running text", 120, "none"},
+      {"a page without sections", 196, "none"},
+      {"the next block, a heading without a text", 200, "api|"},
+      {"its last word", 1236, "api|"},
+      {"a copy that reaches into itself", 1240, "apiapi|"},
+      {"of one byte", 1244, "zzzzzzzzz|"},
+      {"beyond the page text", UINT64_MAX, "zzzzzzzzz|"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
-    EXPECT_EQ(Found(File(), c.page, c.position), c.expected);
+    EXPECT_EQ(Found(File(), c.position), c.expected);
   }
 }
 
-// A record for each of the positions, in ascending order.
+// A block for each of the positions, in ascending order.
 std::string FileWith(const std::vector<uint64_t>& positions, uint64_t pageTextSize) {
-  std::string records;
-  std::string texts;
+  std::vector<Block> blocks;
   for (const uint64_t position : positions) {
     const std::string anchor = std::to_string(position);
-    records += BytesOf(SectionRecord{.position = position,
-                                     .text = static_cast<uint32_t>(texts.size()),
-                                     .anchorLength = static_cast<uint16_t>(anchor.size())});
-    texts += anchor;
+    const auto length = static_cast<char>(anchor.size());
+    blocks.push_back({position, {'\0', length, '\0', static_cast<char>(length - 1)}});
+    blocks.back().bytes += anchor;
   }
-  return BytesOf(SectionsHeader{.generation = kGeneration,
-                                .pageTextSize = pageTextSize,
-                                .count = positions.size(),
-                                .textBytes = texts.size()}) +
-         records + texts;
+  return FileOf(blocks, pageTextSize);
 }
 
 TEST(SectionsFile, TheSectionIsFoundHoweverTheyAreSpread) {
@@ -101,13 +125,13 @@ TEST(SectionsFile, TheSectionIsFoundHoweverTheyAreSpread) {
     SectionsFile sections;
     sections.Open(file, kGeneration, pageTextSize);
     PageSection section;
-    EXPECT_FALSE(sections.Find(0, positions[0] - 1, section));
+    EXPECT_FALSE(sections.Find(positions[0] - 1, section));
     for (size_t i = 0; i < positions.size(); ++i) {
       const std::string expected = std::to_string(positions[i]);
-      ASSERT_TRUE(sections.Find(0, positions[i], section)) << i;
+      ASSERT_TRUE(sections.Find(positions[i], section)) << i;
       EXPECT_EQ(section.anchor, expected);
       const uint64_t last = i + 1 < positions.size() ? positions[i + 1] - 1 : UINT64_MAX;
-      ASSERT_TRUE(sections.Find(0, last, section)) << i;
+      ASSERT_TRUE(sections.Find(last, section)) << i;
       EXPECT_EQ(section.anchor, expected);
     }
   }
@@ -121,38 +145,64 @@ TEST(SectionsFile, PlacesInDisorderEndTheSearch) {
   sections.Open(file, kGeneration, 400);
   PageSection section;
   for (uint64_t position = 0; position < 400; ++position) {
-    (void)sections.Find(0, position, section);
+    (void)sections.Find(position, section);
   }
 }
 
 TEST(SectionsFile, IsNotUsedForAnotherIndex) {
-  EXPECT_EQ(Found(File(), 1, 80, 8), "none");
-  EXPECT_EQ(Found(File(), 1, 80, 0), "none");
-  EXPECT_EQ(Found(File(), 1, 80, kGeneration, kPageTextSize + 4), "none");
+  EXPECT_EQ(Found(File(), 80, 8), "none");
+  EXPECT_EQ(Found(File(), 80, 0), "none");
+  EXPECT_EQ(Found(File(), 80, kGeneration, 2004), "none");
 }
 
 TEST(SectionsFile, AFileOfAnotherLengthIsNone) {
   const std::string file = File();
   for (size_t length = 0; length < file.size(); ++length) {
-    EXPECT_EQ(Found(file.substr(0, length), 1, 80), "none") << length;
+    EXPECT_EQ(Found(file.substr(0, length), 80), "none") << length;
   }
-  EXPECT_EQ(Found(file + "x", 1, 80), "none");
+  EXPECT_EQ(Found(file + "x", 80), "none");
 }
 
-TEST(SectionsFile, ATextBeyondTheTextsIsNone) {
-  std::string file = File();
-  const size_t second = sizeof(SectionsHeader) + sizeof(SectionRecord);
-  file[second + offsetof(SectionRecord, text) + 3] = '\x7F';
-  EXPECT_EQ(Found(file, 1, 80), "none");
-  file = File();
-  file[second + offsetof(SectionRecord, headingLength) + 1] = '\x01';
-  EXPECT_EQ(Found(file, 1, 80), "none");
+// A section is the right one or none, whichever byte was changed.
+TEST(SectionsFile, ChangedBytesShowNoOtherSection) {
+  const std::string file = File();
+  const std::string right = Found(file, 80);
+  for (size_t at = 0; at < file.size(); ++at) {
+    for (const char change : {'\x01', '\x80', '\xFF'}) {
+      std::string bytes = file;
+      bytes[at] = static_cast<char>(bytes[at] ^ change);
+      const std::string found = Found(bytes, 80);
+      EXPECT_TRUE(found == right || found == "none") << at << ": " << found;
+    }
+  }
 }
 
-TEST(SectionsFile, MoreRecordsThanThereAreBytes) {
+TEST(SectionsFile, WhatDoesNotFitIsNone) {
+  using namespace std::literals;
+  const struct {
+    const char* what;
+    std::string_view block;
+  } cases[] = {
+      {"literals beyond the length", "\0\2\0\2abc"sv},
+      {"a copy beyond it", "\0\4\0\1ab\x80\1"sv},
+      {"a copy from ahead of the texts", "\0\5\0\1ab\x80\2"sv},
+      {"no bytes for the literals", "\0\2\0\1a"sv},
+      {"no bytes for a step", "\0\2\0"sv},
+      {"a number that does not end", "\x80\x80\x80\x80\x80\x80\x80\x80\x80\x80\0"sv},
+      {"a text that is longer than all may be", "\0\x81\x40\0\0a"sv},
+      {"a length that is none", "\0\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F\0\0a"sv},
+      {"nothing", ""sv},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(Found(FileOf({{40, Bytes(c.block)}}), 80, kGeneration, kPageTextSize), "none");
+  }
+}
+
+TEST(SectionsFile, MoreBlocksThanThereAreBytes) {
   std::string file = File();
   for (size_t i = 0; i < 8; ++i) file[offsetof(SectionsHeader, count) + i] = '\xFF';
-  EXPECT_EQ(Found(file, 1, 80), "none");
+  EXPECT_EQ(Found(file, 80), "none");
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ void CheckBlock(std::string_view bytes) {
     JoinWords(block.words, address.words, number++, {vocabulary, signs, sink}, tokens);
   }
   SiteSections sections(std::filesystem::temp_directory_path());
-  AddSections(block.sections, 0, 0, block.words.bodyTokens, sections);
+  AddSections(block.sections, 0, block.words.bodyTokens, sections);
   SuggestionList suggestions;
   suggestions.AddPage(block.suggestions);
   suggestions.Take("the");
