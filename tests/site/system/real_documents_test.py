@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Documents that people and programs made, forty of each kind where that many are free: each is read or
-left out for the right reason, and found by words that another reader sees in it."""
+"""Documents that people and programs made, forty of each kind: each is read or left out for the right
+reason, and found by words that another reader sees in it. Where fewer are free, other programs made the
+rest of documents of another kind (docs/licences.md)."""
 
 import json
 import os
@@ -51,7 +52,7 @@ class RealDocuments(unittest.TestCase):
         wanted = {name for name, _, _ in cls.documents}
         with tarfile.open(HERE / "real_documents.tar.xz") as archive:
             archive.extractall(site, [one for one in archive if one.name in wanted])
-        # Nobody gives subtitles away: the words of the Markdown files, said.
+        # Few give subtitles away: the words of the Markdown files, said.
         for name, why, words in cls.documents[:]:
             if name.startswith("md/"):
                 said = site / "vtt" / (name[3:-3] + ".vtt")
