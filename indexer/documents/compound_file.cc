@@ -81,7 +81,7 @@ Reason CompoundFile::Open(std::string_view bytes, ReadingBudget& budget) {
     for (size_t at = 0; at + 4 <= table.size() && next_.size() < sectors; at += 4) {
       next_.push_back(NumberAt(table, at, 4));
     }
-    return !table.empty() && next_.size() < sectors;
+    return table.size() >= sizeof next_[0] && next_.size() < sectors;
   };
   bool goesOn = true;
   for (size_t i = 0; i < kFirstTableSectors && goesOn; ++i) {

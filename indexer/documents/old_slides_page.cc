@@ -121,7 +121,8 @@ bool SlideShow::ReadEdits(uint32_t lastEdit) {
     if (documentReference_ == 0) documentReference_ = NumberAt(record.content, 16, 4);
     if (!RecordAt(directory, record)) return false;
     std::string_view places = record.content;
-    while (places.size() >= 4) {
+    // Any number of edits may have the same places.
+    while (places.size() >= 4 && TakeSteps(budget_, 1)) {
       const uint32_t run = NumberAt(places, 0, 4);
       places.remove_prefix(4);
       const uint32_t first = run & 0xFFFFF;

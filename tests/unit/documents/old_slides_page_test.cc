@@ -209,6 +209,39 @@ TEST(OldSlidesPage, TakesNoMoreMemoryThanItMay) {
   EXPECT_EQ(Read(show.File(), page, {.bytes = 1000, .factor = 0}), Reason::kMarkupTooLarge);
 }
 
+TEST(OldSlidesPage, PlacesThatManyEditsShareAreCounted) {
+  constexpr uint32_t kEdits = 100;
+  constexpr uint32_t kRuns = 1000;  // of no places
+  Show show = TwoSlides();
+  const auto shared = static_cast<uint32_t>(show.document.size());
+  show.document += Record(6002, std::string(kRuns * 4, '\0'));
+  auto before = static_cast<uint32_t>(shared - 36);
+  for (uint32_t i = 0; i < kEdits; ++i) {
+    const auto edit = static_cast<uint32_t>(show.document.size());
+    show.document +=
+        Record(4085, std::string(8, '\0') + LittleEndian(before, 4) + LittleEndian(shared, 4) +
+                         LittleEndian(1, 4) + std::string(8, '\0'));
+    before = edit;
+  }
+  show.user.replace(16, 4, LittleEndian(before, 4));
+  const std::string file = show.File();
+  ReadingBudget budget = StartReading({}, file.size());
+  PageContent page;
+  EXPECT_EQ(ReadOldSlidesPage(file, budget, page), Reason::kNone);
+  EXPECT_EQ(RunsOf(file), kTwoSlides);
+  EXPECT_GT(budget.steps, uint64_t{kEdits} * kRuns);
+}
+
+// All that the header names of the table, and all that a sector of more of it names, which goes on
+// in itself, is the last sector, of two bytes: it adds nothing.
+TEST(OldSlidesPage, ATableThatDoesNotGrowEnds) {
+  std::string file = TwoSlides().File().substr(0, 68) + LittleEndian(0, 8);
+  for (int i = 0; i < 109; ++i) file += LittleEndian(1, 4);
+  for (int i = 0; i < 127; ++i) file += LittleEndian(1, 4);
+  file += LittleEndian(0, 4) + "xx";
+  EXPECT_EQ(RunsOf(file), "damaged");
+}
+
 // What the sectors are is told by the file: with any of its bytes changed, or cut anywhere, the
 // reading ends.
 TEST(OldSlidesPage, EndsWhateverIsDamaged) {
