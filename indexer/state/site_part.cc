@@ -71,7 +71,7 @@ bool TakeLook(std::string_view& text, SiteLook& look) {
   for (int64_t i = 0; i < languages.value_or(0); ++i) {
     const std::optional<std::string> code = TakeText(text);
     const std::optional<int64_t> pages = TakeNumberText(text);
-    if (!code.has_value() || !pages.has_value()) return false;
+    if (!code.has_value() || !pages.has_value() || *pages < 0) return false;
     look.languages[*code] = static_cast<size_t>(*pages);
   }
   if (!languages.has_value() || !TakeTexts(text, look.habits.names)) return false;
@@ -90,6 +90,36 @@ bool TakeLook(std::string_view& text, SiteLook& look) {
 void AppendFingerprint(const Fingerprint& fingerprint, std::string& text) {
   AppendNumber(static_cast<int64_t>(fingerprint.high), text);
   AppendNumber(static_cast<int64_t>(fingerprint.low), text);
+}
+
+bool ReadAll(std::string_view text, PartNotes& notes) {
+  const std::optional<int64_t> number = TakeNumberText(text);
+  const std::optional<int64_t> count = TakeNumberText(text);
+  const std::optional<int64_t> high = TakeNumberText(text);
+  const std::optional<int64_t> low = TakeNumberText(text);
+  std::optional<std::string> base = TakeText(text);
+  if (!TakeLook(text, notes.look)) return false;
+  std::optional<std::string> sought = TakeText(text);
+  if (!number.has_value() || !count.has_value() || !high.has_value() || !low.has_value() ||
+      !base.has_value() || !sought.has_value() || *number < 1 || *number > *count ||
+      *count > int64_t{kPartLimit}) {
+    return false;
+  }
+  notes.part = {.number = static_cast<uint32_t>(*number), .count = static_cast<uint32_t>(*count)};
+  notes.list = {.high = static_cast<uint64_t>(*high), .low = static_cast<uint64_t>(*low)};
+  notes.base = std::move(*base);
+  notes.listing.sought = std::move(*sought);
+  if (!TakeLeftOut(text, notes.listing.leftOut) || !TakeLeftOut(text, notes.listing.otherKinds)) {
+    return false;
+  }
+  while (!text.empty()) {
+    const std::optional<Reason> reason = ReasonOfCode(TakeText(text).value_or("?"));
+    std::optional<std::string> where = TakeText(text);
+    std::optional<std::string> subject = TakeText(text);
+    if (!reason.has_value() || !where.has_value() || !subject.has_value()) return false;
+    notes.listing.unused.push_back({*reason, std::move(*where), std::move(*subject)});
+  }
+  return true;
 }
 
 }  // namespace
@@ -137,33 +167,10 @@ std::string PartText(const PartNotes& notes) {
 
 bool ReadPartText(std::string_view text, PartNotes& notes) {
   notes = PartNotes();
-  const std::optional<int64_t> number = TakeNumberText(text);
-  const std::optional<int64_t> count = TakeNumberText(text);
-  const std::optional<int64_t> high = TakeNumberText(text);
-  const std::optional<int64_t> low = TakeNumberText(text);
-  std::optional<std::string> base = TakeText(text);
-  if (!TakeLook(text, notes.look)) return false;
-  std::optional<std::string> sought = TakeText(text);
-  if (!number.has_value() || !count.has_value() || !high.has_value() || !low.has_value() ||
-      !base.has_value() || !sought.has_value() || *number < 1 || *number > *count ||
-      *count > int64_t{kPartLimit}) {
-    return false;
-  }
-  notes.part = {.number = static_cast<uint32_t>(*number), .count = static_cast<uint32_t>(*count)};
-  notes.list = {.high = static_cast<uint64_t>(*high), .low = static_cast<uint64_t>(*low)};
-  notes.base = std::move(*base);
-  notes.listing.sought = std::move(*sought);
-  if (!TakeLeftOut(text, notes.listing.leftOut) || !TakeLeftOut(text, notes.listing.otherKinds)) {
-    return false;
-  }
-  while (!text.empty()) {
-    const std::optional<Reason> reason = ReasonOfCode(TakeText(text).value_or("?"));
-    std::optional<std::string> where = TakeText(text);
-    std::optional<std::string> subject = TakeText(text);
-    if (!reason.has_value() || !where.has_value() || !subject.has_value()) return false;
-    notes.listing.unused.push_back({*reason, std::move(*where), std::move(*subject)});
-  }
-  return true;
+  // What stands twice in a list, or in another order, is noticed, too.
+  if (ReadAll(text, notes) && PartText(notes) == text) return true;
+  notes = PartNotes();
+  return false;
 }
 
 }  // namespace vela::indexer

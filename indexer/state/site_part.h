@@ -63,7 +63,7 @@ Fingerprint ListFingerprintOf(const ItemList& items);
 void KeepPart(const PartNumber& part, ItemList& items);
 
 std::string PartText(const PartNotes& notes);
-// False when `text` is not what PartText makes.
+// False when `text` is not what PartText makes; `notes` are then empty.
 [[nodiscard]] bool ReadPartText(std::string_view text, PartNotes& notes);
 
 }  // namespace vela::indexer

@@ -10,6 +10,8 @@ namespace {
 template <typename Number>
 std::optional<Number> NumberIn(std::string_view digits) {
   Number number = 0;
+  // A number has one form only: what is read back is what was written.
+  if (digits.starts_with("-0") || (digits.starts_with('0') && digits.size() > 1)) return {};
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   if (error != std::errc() || end != digits.data() + digits.size()) return {};
   return number;
