@@ -39,12 +39,17 @@ std::vector<std::string_view> TakeBlock(std::string_view& text) {
 // Without "<i>", "<v Ann>", "<00:00:01.000>" and "{\an8}", and with references resolved.
 std::string Spoken(std::string_view line) {
   std::string out;
+  // Behind the last of these nothing closes; a line is as long as its author wants.
+  const size_t length = line.size();
+  const size_t angles = line.rfind('>') + 1;
+  const size_t braces = line.rfind('}') + 1;
   while (!line.empty()) {
+    const size_t at = length - line.size();
     const char c = line.front();
-    const char end = c == '<' ? '>' : '}';
-    const bool opens = c == '<' || line.starts_with("{\\");
-    if (const size_t close = opens ? line.find(end) : line.npos; close != line.npos) {
-      line.remove_prefix(close + 1);
+    const bool opensAngle = c == '<' && at < angles;
+    const bool opensBrace = line.starts_with("{\\") && at < braces;
+    if (opensAngle || opensBrace) {
+      line.remove_prefix(line.find(opensAngle ? '>' : '}') + 1);
       continue;
     }
     const CharacterReference reference =
@@ -69,7 +74,11 @@ void ParseSubtitlesPage(std::string_view text, PageContent& page) {
   if (text.starts_with(kSignature)) {
     const std::vector<std::string_view> head = TakeBlock(text);
     std::string_view title = head.front().substr(kSignature.size());
-    title.remove_prefix(std::min(title.find_first_not_of(" \t-:\u2013"), title.size()));
+    constexpr std::string_view kDash = "\u2013";
+    const auto trim = [&title] {
+      title.remove_prefix(std::min(title.find_first_not_of(" \t-:"), title.size()));
+    };
+    for (trim(); title.starts_with(kDash); trim()) title.remove_prefix(kDash.size());
     page.title = OneLine(std::string(title));
   }
   TextRun said;

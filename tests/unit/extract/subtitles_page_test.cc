@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <string>
+
 namespace vela::indexer {
 namespace {
 
@@ -29,6 +32,9 @@ TEST(SubtitlesPage, TakesWhatIsSaid) {
        "two\n\n00:03.000 --> 00:04.000\ntwo\nthree\n",
        "", "one two three "},
       {"what opens and does not close is text", "0:1 --> 0:2\na < b {\\c\n", "", "a < b {\\c "},
+      {"a title in quotes", "WEBVTT \u2013 \u201CRain\u201D\n\n0:1 --> 0:2\nx\n",
+       "\u201CRain\u201D", "x "},
+      {"what closes twice", "0:1 --> 0:2\n<i>a> {\\b}c} <d\n", "", "a> c} <d "},
       {"nothing with times", "WEBVTT\n\nNOTE x\n", "", ""},
       {"nothing", "", "", ""},
   };
@@ -39,6 +45,21 @@ TEST(SubtitlesPage, TakesWhatIsSaid) {
     EXPECT_EQ(page.title, c.title);
     EXPECT_EQ(page.body.empty() ? "" : page.body[0].text, c.said);
     EXPECT_LE(page.body.size(), 1u);
+  }
+}
+
+// A line of two megabytes in which every character opens something.
+TEST(SubtitlesPage, LongLinesTakeNoLonger) {
+  constexpr size_t kMany = 1'000'000;
+  std::string braces;
+  for (size_t i = 0; i < kMany; ++i) braces += "{\\";
+  for (const std::string& line : {std::string(2 * kMany, '<'), braces, "a>" + braces}) {
+    PageContent page;
+    const auto begin = std::chrono::steady_clock::now();
+    ParseSubtitlesPage("0:1 --> 0:2\n" + line, page);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
+    ASSERT_EQ(page.body.size(), 1u);
+    EXPECT_EQ(page.body[0].text, line + " ");
   }
 }
 
