@@ -77,8 +77,8 @@ class EncryptionReader : public XmlHandler {
 // The package document: properties, parts, and in which order to read them.
 class PackageReader : public XmlHandler {
  public:
-  PackageReader(std::string_view part, PageContent& filled)
-      : part_(part), page_(filled), properties_(filled) {}
+  PackageReader(std::string_view part, ReadingBudget& budget, PageContent& filled)
+      : part_(part), budget_(budget), page_(filled), properties_(filled) {}
 
   void Start(const XmlTag& tag) override {
     const std::string_view name = tag.name();
@@ -86,10 +86,15 @@ class PackageReader : public XmlHandler {
       isModified_ = tag.Value("property") == "dcterms:modified";
       modified_.clear();
     } else if (name == "item") {
-      items_.emplace(tag.Value("id"), PartOf(part_, tag.Value("href")));
+      std::string item = PartOf(part_, tag.Value("href"));
+      // The folder of the package may have a long name.
+      if (!TakeBytes(budget_, item.size() + kItemBytes)) return;
+      items_.emplace(tag.Value("id"), std::move(item));
     } else if (name == "itemref") {
       const auto found = items_.find(tag.Value("idref"));
-      if (found != items_.end() && tag.Value("linear") != "no") chapters.push_back(found->second);
+      if (found != items_.end() && tag.Value("linear") != "no") {
+        chapters.emplace_back(found->second);
+      }
     } else {
       properties_.Start(tag);
     }
@@ -107,10 +112,13 @@ class PackageReader : public XmlHandler {
     properties_.Text(text);
   }
 
-  std::vector<std::string> chapters;
+  std::vector<std::string_view> chapters;  // of items_
 
  private:
+  static constexpr size_t kItemBytes = 128;  // beside its name
+
   std::string_view part_;
+  ReadingBudget& budget_;
   PageContent& page_;
   DocumentProperties properties_;
   std::map<std::string, std::string, std::less<>> items_;  // parts by their ids
@@ -147,7 +155,7 @@ Reason ReadEpubPage(std::string_view bytes, ReadingBudget& budget, PageContent& 
   ContainerReader container;
   reason = ReadXml(package.Part(kContainerPart), budget, container);
   if (reason != Reason::kNone) return reason;
-  PackageReader book(container.part, page);
+  PackageReader book(container.part, budget, page);
   reason = ReadXml(package.Part(container.part), budget, book);
   if (reason != Reason::kNone) return reason;
   EncryptionReader encryption;
@@ -155,10 +163,10 @@ Reason ReadEpubPage(std::string_view bytes, ReadingBudget& budget, PageContent& 
     reason = ReadXml(package.Part(kEncryptionPart), budget, encryption);
     if (reason != Reason::kNone) return reason;
   }
-  std::unordered_set<std::string> seen;
-  for (const std::string& chapter : book.chapters) {
+  std::unordered_set<std::string_view> seen;
+  for (const std::string_view chapter : book.chapters) {
     if (!package.Has(chapter) || !seen.insert(chapter).second) continue;
-    if (encryption.parts.contains(chapter)) return Reason::kEncrypted;
+    if (encryption.parts.contains(std::string(chapter))) return Reason::kEncrypted;
     reason = ReadChapter(package.Part(chapter), budget, page);
     if (reason != Reason::kNone) return reason;
   }

@@ -1,5 +1,7 @@
 #include "indexer/documents/office_package.h"
 
+#include <utility>
+
 #include "indexer/documents/document_properties.h"
 #include "indexer/documents/xml_reading.h"
 #include "text/ascii.h"
@@ -12,21 +14,27 @@ bool IsXmlPart(std::string_view name) { return name.ends_with(".xml") || name.en
 
 class RelationshipReader : public XmlHandler {
  public:
-  RelationshipReader(std::string_view part, Relationships& filled) : part_(part), out_(filled) {}
+  RelationshipReader(std::string_view part, ReadingBudget& budget, Relationships& filled)
+      : part_(part), budget_(budget), out_(filled) {}
 
   void Start(const XmlTag& tag) override {
     if (tag.name() != "Relationship") return;
     const std::string_view type = tag.Value("Type");
     const bool isInside = tag.Value("TargetMode") != "External";
+    std::string target;
+    if (isInside) target = ResolvePart(part_, tag.Value("Target"));
+    // The folder of the part may have a long name.
+    if (!TakeBytes(budget_, target.size() + sizeof(Relationship))) return;
     out_.emplace(tag.Value("Id"),
                  Relationship{.type = std::string(type.substr(type.rfind('/') + 1)),
-                              .target = isInside ? ResolvePart(part_, tag.Value("Target")) : ""});
+                              .target = std::move(target)});
   }
   void End(std::string_view) override {}
   void Text(std::string_view) override {}
 
  private:
   std::string_view part_;
+  ReadingBudget& budget_;
   Relationships& out_;
 };
 
@@ -40,7 +48,7 @@ Reason ReadRelationships(const Package& package, std::string_view part, ReadingB
   std::string relationships(part.substr(0, name));
   relationships.append("_rels/").append(part.substr(name)).append(".rels");
   if (!package.Has(relationships)) return Reason::kNone;
-  RelationshipReader reader(part, out);
+  RelationshipReader reader(part, budget, out);
   return ReadXml(package.Part(relationships), budget, reader);
 }
 

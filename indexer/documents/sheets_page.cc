@@ -2,6 +2,8 @@
 
 #include <charconv>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "indexer/documents/office_package.h"
@@ -136,9 +138,13 @@ Reason ReadSheetsPage(std::string_view bytes, ReadingBudget& budget, PageContent
     if (reason != Reason::kNone) return reason;
   }
   Paragraphs paragraphs(budget);
+  std::unordered_set<std::string_view> seen;  // a part is read once, however often it is named
   for (const Sheet& sheet : list.sheets) {
     const auto found = office.relationships.find(sheet.relationship);
-    if (found == office.relationships.end() || !package.Has(found->second.target)) continue;
+    if (found == office.relationships.end() || !package.Has(found->second.target) ||
+        !seen.insert(found->second.target).second) {
+      continue;
+    }
     if (!IsGivenSheetName(sheet.name)) {
       paragraphs.Begin(2);
       paragraphs.Append(sheet.name);

@@ -1,6 +1,7 @@
 #include "indexer/documents/slides_page.h"
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "indexer/documents/office_package.h"
@@ -82,12 +83,12 @@ class SlideReader : public XmlHandler {
 
 // What the speaker says to the slide of that part. Notes that are damaged are none.
 Reason ReadNotes(const Package& package, std::string_view slide, ReadingBudget& budget,
-                 Paragraphs& paragraphs) {
+                 std::unordered_set<std::string>& seen, Paragraphs& paragraphs) {
   Relationships ofSlide;
   const Reason reason = ReadRelationships(package, slide, budget, ofSlide);
   if (reason != Reason::kNone) return reason == Reason::kDamaged ? Reason::kNone : reason;
   const std::string_view notes = TargetOf(ofSlide, "notesSlide");
-  if (!package.Has(notes)) return Reason::kNone;
+  if (!package.Has(notes) || !seen.emplace(notes).second) return Reason::kNone;
   SlideReader reader(paragraphs);
   return ReadXmlBeside(package.Part(notes), budget, reader);
 }
@@ -102,13 +103,17 @@ Reason ReadSlidesPage(std::string_view bytes, ReadingBudget& budget, PageContent
   reason = ReadXml(office.package.Part(office.main), budget, slides);
   if (reason != Reason::kNone) return reason;
   Paragraphs paragraphs(budget);
+  std::unordered_set<std::string> seen;  // each part is read once, however often it is named
   for (const std::string& id : slides.ids) {
     const auto found = office.relationships.find(id);
-    if (found == office.relationships.end() || !office.package.Has(found->second.target)) continue;
+    if (found == office.relationships.end() || !office.package.Has(found->second.target) ||
+        !seen.insert(found->second.target).second) {
+      continue;
+    }
     SlideReader slide(paragraphs);
     reason = ReadXml(office.package.Part(found->second.target), budget, slide);
     if (reason == Reason::kNone && !slide.isHidden()) {
-      reason = ReadNotes(office.package, found->second.target, budget, paragraphs);
+      reason = ReadNotes(office.package, found->second.target, budget, seen, paragraphs);
     }
     if (reason != Reason::kNone) return reason;
   }

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <string>
+#include <vector>
+
 #include "support/sample_documents.h"
 
 namespace vela::indexer {
@@ -281,6 +285,162 @@ TEST(Documents, DeclareNoEntities) {
   std::string deep;
   for (int i = 0; i < 3000; ++i) deep += "<w:p>";
   EXPECT_EQ(RunsOf(FileType::kWord, WordParts(deep)), "damaged");
+}
+
+// The part of a document of that type which holds its text: its number.
+struct Kind {
+  const char* what;
+  FileType type;
+  ZipParts parts;
+  size_t main;
+};
+std::vector<Kind> Kinds() {
+  ZipParts slides = OfficeParts("a.xml", "<p xmlns:r='r'><sldId r:id='r1'/></p>");
+  slides.emplace_back("_rels/a.xml.rels", RelationshipsXml({{"r1", "slide", "s.xml"}}));
+  slides.emplace_back("s.xml", "");
+  ZipParts sheets = OfficeParts("a.xml", "<w xmlns:r='r'><sheet name='S1' r:id='r1'/></w>");
+  sheets.emplace_back("_rels/a.xml.rels", RelationshipsXml({{"r1", "worksheet", "s.xml"}}));
+  sheets.emplace_back("s.xml", "");
+  return {{"word", FileType::kWord, WordParts(""), 2},
+          {"slides", FileType::kSlides, slides, 4},
+          {"sheets", FileType::kSheets, sheets, 4},
+          {"open", FileType::kOpenDocument, OpenDocumentParts(""), 3},
+          {"the properties of an open one", FileType::kOpenDocument, OpenDocumentParts("x"), 2},
+          {"the package of a book", FileType::kEpub, EpubParts(), 2},
+          {"a chapter", FileType::kEpub, EpubParts(), 4}};
+}
+
+TEST(Documents, OfEachKindEndWhateverTheirPartsAre) {
+  const ReadingLimits small = {.bytes = size_t{2} << 20};
+  for (const Kind& kind : Kinds()) {
+    SCOPED_TRACE(kind.what);
+    const auto reasonOf = [&](const std::string& part, const ReadingLimits& limits) {
+      ZipParts parts = kind.parts;
+      parts[kind.main].second = part;
+      PageContent page;
+      const Reason reason = Read(kind.type, ZipOf(parts), page, limits);
+      size_t bytes = page.title.size() + page.description.size();
+      for (const TextRun& run : page.body) bytes += run.text.size();
+      EXPECT_LT(bytes, part.size() + 1000);
+      return reason;
+    };
+    EXPECT_EQ(reasonOf("<d>" + std::string(10'000'000, ' ') + "</d>", small),
+              Reason::kMarkupTooLarge);
+    std::string deep;
+    for (int i = 0; i < 100'000; ++i) deep += "<p>";
+    (void)reasonOf(deep, small);
+    // Each of these entities holds ten of the one before it: three gigabytes in all.
+    std::string entities = "<!DOCTYPE d [<!ENTITY e0 'ten bytes!'>";
+    for (int i = 1; i < 9; ++i) {
+      const std::string before = "&e" + std::to_string(i - 1) + ";";
+      entities += "<!ENTITY e" + std::to_string(i) + " '";
+      for (int each = 0; each < 10; ++each) entities += before;
+      entities += "'>";
+    }
+    (void)reasonOf(entities + "]><d><p>&e8;</p></d>", small);
+    (void)reasonOf("<!DOCTYPE d [<!ENTITY a SYSTEM 'file:///etc/passwd'>]><d><p>&a;</p></d>", {});
+    (void)reasonOf("\xFF\xFE<\0d", {});
+    (void)reasonOf("", {});
+  }
+}
+
+// Four gigabytes, or less than there is, where the archive says how large a part is.
+TEST(Documents, WrongLengthsAreNoticed) {
+  for (const Kind& kind : Kinds()) {
+    SCOPED_TRACE(kind.what);
+    ZipParts parts = kind.parts;
+    parts[kind.main].second = "<d><p>Some text that packs &amp; unpacks</p></d>";
+    const std::string whole = ZipOf(parts);
+    for (const char* field : {"PK\1\2", "PK\3\4"}) {
+      const size_t lengths = field[2] == '\1' ? 20 : 18;
+      for (const char value : {'\0', '\1', '\xFF'}) {
+        std::string changed = whole;
+        for (size_t at = whole.find(field); at != whole.npos; at = whole.find(field, at + 4)) {
+          changed.replace(at + lengths, 8, 8, value);
+        }
+        PageContent page;
+        const Reason reason = Read(kind.type, changed, page, {.bytes = size_t{1} << 20});
+        EXPECT_TRUE(lengths != 20 || reason != Reason::kNone);
+        EXPECT_LT(page.body.size(), 3u);
+      }
+    }
+  }
+}
+
+TEST(OpenDocumentPage, RepetitionsAreNotWrittenOut) {
+  EXPECT_EQ(RunsOf(FileType::kOpenDocument,
+                   OpenDocumentParts(
+                       "<o:spreadsheet><table:table table:name='Ropes'>"
+                       "<table:table-row table:number-rows-repeated='1048576'>"
+                       "<table:table-cell table:number-columns-repeated='16384'><text:p>hemp"
+                       "<text:s text:c='4000000000'/>wire</text:p></table:table-cell>"
+                       "</table:table-row></table:table></o:spreadsheet>")),
+            "2 Ropes|hemp wire");
+}
+
+TEST(OpenDocumentPage, FramesInFramesEnd) {
+  std::string open;
+  std::string close;
+  for (int i = 0; i < 500; ++i) {
+    open += "<draw:frame p:class='title'><text:p>";
+    close += "</text:p></draw:frame>";
+  }
+  const std::string body = "<draw:page>" + open + "Rope" + close + "</draw:page>";
+  EXPECT_EQ(RunsOf(FileType::kOpenDocument, OpenDocumentParts(body)), "2 Rope");
+}
+
+// However often a part is named, and however long the name of its folder is.
+TEST(Documents, APartIsReadOnce) {
+  const std::string folder(30'000, 'f');
+  const ReadingLimits small = {.bytes = size_t{1} << 20, .factor = 0};
+  std::string list;
+  std::vector<std::array<std::string, 3>> relationships;
+  std::string items;
+  std::string chapters;
+  for (int i = 0; i < 1000; ++i) {
+    const std::string id = "r" + std::to_string(i);
+    relationships.push_back({id, "slide", "s.xml"});
+    list += "<sldId r:id='" + id + "'/><sheet name='S1' r:id='" + id + "'/>";
+    items += "<item id='" + id + "' href='c.html'/>";
+    chapters += "<itemref idref='" + id + "'/>";
+  }
+  const auto office = [&](const std::string& in) {
+    ZipParts parts = OfficeParts(in + "a.xml", "<p xmlns:r='r'>" + list + "</p>");
+    parts.emplace_back(in + "_rels/a.xml.rels", RelationshipsXml(relationships));
+    parts.emplace_back(in + "s.xml",
+                       "<s><sp><txBody><p><r><t>Once.</t></r></p></txBody></sp>"
+                       "<row><c t='inlineStr'><is><t>Once.</t></is></c></row></s>");
+    return parts;
+  };
+  const auto book = [&](const std::string& in) {
+    return ZipParts{
+        {"META-INF/container.xml", "<c><rootfile full-path='" + in +
+                                       "b.opf' media-type='application/oebps-package+xml'/></c>"},
+        {in + "b.opf", "<p>" + items + chapters + "</p>"},
+        {in + "c.html", "<html><body><p>Once.</p></body></html>"}};
+  };
+  EXPECT_EQ(RunsOf(FileType::kSlides, office("")), "Once.");
+  EXPECT_EQ(RunsOf(FileType::kSheets, office("")), "Once.");
+  EXPECT_EQ(RunsOf(FileType::kEpub, book("")), "Once.");
+  PageContent page;
+  EXPECT_EQ(Read(FileType::kSlides, ZipOf(office(folder + "/")), page, small),
+            Reason::kMarkupTooLarge);
+  EXPECT_EQ(Read(FileType::kEpub, ZipOf(book(folder + "/")), page, small), Reason::kMarkupTooLarge);
+}
+
+// What a book names outside of its archive is not there.
+TEST(EpubPage, ReadsNothingOutsideOfTheBook) {
+  for (const char* reference : {"../../../../etc/passwd", "/etc/passwd", "file:///etc/passwd",
+                                "http://127.0.0.1/x.html", "book.opf", ""}) {
+    SCOPED_TRACE(reference);
+    ZipParts parts = EpubParts();
+    parts[2].second = "<p><manifest><item id='a' href='" + std::string(reference) +
+                      "'/></manifest><spine><itemref idref='a'/></spine></p>";
+    EXPECT_EQ(RunsOf(FileType::kEpub, parts), "");
+    parts[1].second = "<c><rootfile full-path='" + std::string(reference) +
+                      "' media-type='application/oebps-package+xml'/></c>";
+    EXPECT_EQ(RunsOf(FileType::kEpub, parts), "damaged");
+  }
 }
 
 TEST(Documents, EveryCutOfOneEnds) {

@@ -166,6 +166,12 @@ TEST(PicturePage, EndsOnWhateverItIsGiven) {
        "|||"},
       {"XML that declares entities", Jpeg(XmpSegment("<!DOCTYPE x [<!ENTITY a 'b'>]><x>&a;</x>")),
        "|||"},
+      {"a resource of four gigabytes",
+       Jpeg(Segment(0xED, "Photoshop 3.0\0"s + "8BIM\4\4\0\0\xFF\xFF\xFF\xFF"s)), "|||"},
+      {"a resource whose name is longer than the rest",
+       Jpeg(Segment(0xED, "Photoshop 3.0\0"s + "8BIM\4\4\xFFx"s)), "|||"},
+      {"a packed text, which is not unpacked",
+       Png(Chunk("iTXt", "Title\0\1\0\0\0"s + "\x78\x9C\xED\xC1"s)), "|||"},
       {"a dataset longer than the rest", Jpeg(IptcSegment("\x1C\x02\x05\x7F\xFFx")), "|||"},
   };
   for (const auto& c : kCases) {
