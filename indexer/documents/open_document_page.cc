@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <unordered_set>
+#include <utility>
 
 #include "indexer/documents/document_properties.h"
 #include "indexer/documents/office_package.h"
@@ -40,7 +43,8 @@ class ContentReader : public XmlHandler {
 
   void Start(const XmlTag& tag) override {
     const std::string_view name = tag.name();
-    if (leftOut_ != 0 || IsLeftOut(tag)) {
+    NoteHiding(tag);
+    if (leftOut_ != 0 || IsLeftOut(tag) || IsHidden(tag)) {
       ++leftOut_;
     } else if (name == "p") {
       paragraphs_.Begin(frameLevel_);
@@ -59,6 +63,7 @@ class ContentReader : public XmlHandler {
     }
   }
   void End(std::string_view name) override {
+    if (name == "style") style_.clear();
     if (leftOut_ != 0) {
       --leftOut_;
     } else if (name == "p" || name == "h") {
@@ -72,6 +77,30 @@ class ContentReader : public XmlHandler {
   }
 
  private:
+  static std::string StyleKey(std::string_view family, std::string_view name) {
+    return std::string(family).append(" ").append(name);
+  }
+  // The document's own styles stand before its text. Those of hidden sheets and slides say so, and
+  // those of hidden text.
+  void NoteHiding(const XmlTag& tag) {
+    const std::string_view name = tag.name();
+    if (name == "style") style_ = StyleKey(tag.Value("family"), tag.Value("name"));
+    const bool hides = (name == "text-properties" && tag.Value("display") == "none") ||
+                       (name == "table-properties" && tag.Value("display") == "false") ||
+                       (name == "drawing-page-properties" && tag.Value("visibility") == "hidden");
+    if (hides && !style_.empty()) hidden_.insert(style_);
+  }
+  bool IsHidden(const XmlTag& tag) const {
+    constexpr std::pair<std::string_view, std::string_view> kFamilies[] = {
+        {"p", "paragraph"}, {"h", "paragraph"},       {"span", "text"},
+        {"table", "table"}, {"page", "drawing-page"},
+    };
+    if (hidden_.empty()) return false;
+    const auto* family =
+        std::ranges::find(kFamilies, tag.name(), [](const auto& e) { return e.first; });
+    return family != std::end(kFamilies) &&
+           hidden_.contains(StyleKey(family->second, tag.Value("style-name")));
+  }
   static bool IsLeftOut(const XmlTag& tag) {
     constexpr std::string_view kElements[] = {
         "tracked-changes", "annotation",  "note-citation", "ruby-text",        "forms",
@@ -93,6 +122,8 @@ class ContentReader : public XmlHandler {
   size_t leftOut_ = 0;      // elements that are open inside of one that is left out, and itself
   uint8_t frameLevel_ = 0;  // of the paragraphs in the frame that is open
   bool isSpreadsheet_ = false;
+  std::string style_;                       // StyleKey of the one that is told; or empty
+  std::unordered_set<std::string> hidden_;  // styles of what nobody sees
 };
 
 }  // namespace

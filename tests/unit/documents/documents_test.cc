@@ -378,6 +378,33 @@ TEST(OpenDocumentPage, RepetitionsAreNotWrittenOut) {
             "2 Ropes|hemp wire");
 }
 
+TEST(OpenDocumentPage, LeavesOutWhatIsHidden) {
+  const std::string styles =
+      "<o:automatic-styles><o:style o:name='a' o:family='table'>"
+      "<o:table-properties table:display='false'/></o:style>"
+      "<o:style o:name='b' o:family='drawing-page'>"
+      "<o:drawing-page-properties p:visibility='hidden'/></o:style>"
+      "<o:style o:name='c' o:family='text'><o:text-properties text:display='none'/></o:style>"
+      "<o:style o:name='d' o:family='paragraph'><o:text-properties text:display='none'/></o:style>"
+      "<o:style o:name='e' o:family='text'><o:text-properties o:color='#000000'/></o:style>"
+      "</o:automatic-styles>";
+  EXPECT_EQ(RunsOf(FileType::kOpenDocument,
+                   OpenDocumentParts(styles +
+                                     "<text:p text:style-name='a'>Of another family,</text:p>"
+                                     "<text:p text:style-name='d'>hidden</text:p>"
+                                     "<text:p>shown <text:span text:style-name='c'>hidden"
+                                     "<text:span>too</text:span></text:span>"
+                                     "<text:span text:style-name='e'>as well</text:span></text:p>"
+                                     "<o:spreadsheet><table:table table:name='Hidden ones' "
+                                     "table:style-name='a'><text:p>hidden</text:p></table:table>"
+                                     "<table:table table:name='Shown' table:style-name='c'>"
+                                     "<text:p>cell</text:p></table:table></o:spreadsheet>"
+                                     "<draw:page draw:style-name='b'><text:p>hidden</text:p>"
+                                     "<p:notes><text:p>too</text:p></p:notes></draw:page>"
+                                     "<draw:page><text:p>slide</text:p></draw:page>")),
+            "Of another family, shown as well|2 Shown|cell slide");
+}
+
 TEST(OpenDocumentPage, FramesInFramesEnd) {
   std::string open;
   std::string close;
