@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "indexer/extract/character_references.h"
 #include "indexer/extract/meta_elements.h"
@@ -23,17 +22,6 @@ std::string_view TakeLine(std::string_view& text) {
   text.remove_prefix(std::min(end + 1, text.size()));
   line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
   return line.substr(0, line.find_last_not_of(kBlanks) + 1);
-}
-
-// The lines up to the next empty one.
-std::vector<std::string_view> TakeBlock(std::string_view& text) {
-  std::vector<std::string_view> lines;
-  while (!text.empty()) {
-    const std::string_view line = TakeLine(text);
-    if (line.empty() && !lines.empty()) break;
-    if (!line.empty()) lines.push_back(line);
-  }
-  return lines;
 }
 
 // Without "<i>", "<v Ann>", "<00:00:01.000>" and "{\an8}", and with references resolved.
@@ -72,29 +60,31 @@ void ParseSubtitlesPage(std::string_view text, PageContent& page) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   if (text.starts_with(kSignature)) {
-    const std::vector<std::string_view> head = TakeBlock(text);
-    std::string_view title = head.front().substr(kSignature.size());
+    std::string_view title = TakeLine(text).substr(kSignature.size());
     constexpr std::string_view kDash = "\u2013";
     const auto trim = [&title] {
       title.remove_prefix(std::min(title.find_first_not_of(" \t-:"), title.size()));
     };
     for (trim(); title.starts_with(kDash); trim()) title.remove_prefix(kDash.size());
     page.title = OneLine(std::string(title));
+    while (!TakeLine(text).empty()) {
+    }
   }
   TextRun said;
   std::string before;
-  for (std::vector<std::string_view> block = TakeBlock(text); !block.empty();
-       block = TakeBlock(text)) {
-    // Comments, styles and regions have no times.
-    const auto times = std::ranges::find_if(
-        block, [](std::string_view line) { return line.find(kArrow) != line.npos; });
-    if (times == block.end()) continue;
-    for (auto line = times + 1; line != block.end(); ++line) {
-      std::string spoken = OneLine(Spoken(*line));
-      if (spoken.empty() || spoken == before) continue;
-      said.text.append(spoken).append(" ");
-      before = std::move(spoken);
+  // Comments, styles and regions have no times.
+  bool isBehindTimes = false;
+  while (!text.empty()) {
+    const std::string_view line = TakeLine(text);
+    if (line.empty()) isBehindTimes = false;
+    if (!isBehindTimes) {
+      isBehindTimes = line.find(kArrow) != line.npos;
+      continue;
     }
+    std::string spoken = OneLine(Spoken(line));
+    if (spoken.empty() || spoken == before) continue;
+    said.text.append(spoken).append(" ");
+    before = std::move(spoken);
   }
   CleanText(said.text);
   if (!said.text.empty()) page.body.push_back(std::move(said));

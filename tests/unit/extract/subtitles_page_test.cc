@@ -35,6 +35,8 @@ TEST(SubtitlesPage, TakesWhatIsSaid) {
       {"a title in quotes", "WEBVTT \u2013 \u201CRain\u201D\n\n0:1 --> 0:2\nx\n",
        "\u201CRain\u201D", "x "},
       {"what closes twice", "0:1 --> 0:2\n<i>a> {\\b}c} <d\n", "", "a> c} <d "},
+      {"times in what is said", "0:1 --> 0:2\nto --> from\n\n\nno\n0:3 --> 0:4\nbye", "",
+       "to --> from bye "},
       {"nothing with times", "WEBVTT\n\nNOTE x\n", "", ""},
       {"nothing", "", "", ""},
   };
