@@ -13,6 +13,7 @@
 #include "indexer/write/in_file.h"
 #include "indexer/write/out_file.h"
 #include "indexer/write/pair_rows.h"
+#include "indexer/write/sorted_block.h"
 #include "settings/index_directory.h"
 #include "text/ascii.h"
 #include "text/numbers.h"
@@ -54,9 +55,16 @@ bool EqualFolded(std::string_view a, std::string_view b) {
 
 LookupFileFacts FactsOf(std::string_view bytes) { return {bytes.size(), FileSample(bytes)}; }
 
+// A base word, or one of its variants.
+struct SortedText {
+  LookupKey key = 0;   // of the text with ASCII letters in lower case
+  uint32_t word = 0;   // number of the base word
+  uint32_t start = 0;  // where the text begins in the dictionary
+};
+
 struct WordTables {
   std::vector<uint32_t> starts;  // of the lines of base words
-  std::vector<LookupSortedWord> sorted;
+  std::vector<SortedText> sorted;
   uint64_t baseWordBytes = 0;
   uint64_t variantBytes = 0;
 };
@@ -77,7 +85,10 @@ bool ReadWords(std::string_view bytes, WordTables& tables) {
     if (line.size() > kDictionaryLineLimit) return false;
     const std::string_view text = TakeField(line);
     const std::string_view offset = TakeField(line);
-    if (!IsWordText(text) || !IsNumber(offset) || !IsNumber(line)) return false;
+    if (!IsWordText(text) || text.size() > kLookupTextLimit || !IsNumber(offset) ||
+        !IsNumber(line)) {
+      return false;
+    }
     const size_t word = tables.starts.size();
     const auto start = static_cast<uint32_t>(text.data() - bytes.data());
     tables.starts.push_back(start);
@@ -85,7 +96,8 @@ bool ReadWords(std::string_view bytes, WordTables& tables) {
     tables.baseWordBytes += static_cast<uint64_t>(BasewordBufferBytes(text.size()));
     add(text, word);
     for (int32_t variants = ReadDecimal32(line); variants > 0; --variants) {
-      if (!TakeLine(rest, line) || !IsWordText(line) || line.size() > kVariantLimit) return false;
+      if (!TakeLine(rest, line) || !IsWordText(line) || line.size() > kLookupTextLimit)
+        return false;
       tables.variantBytes += static_cast<uint64_t>(VariantBufferBytes(line.size()));
       if (!EqualFolded(line, text)) add(line, word);
     }
@@ -93,15 +105,16 @@ bool ReadWords(std::string_view bytes, WordTables& tables) {
   return rest.empty() && !tables.starts.empty();
 }
 
-void SortWords(std::string_view dictionary, std::vector<LookupSortedWord>& sorted) {
-  const auto textOf = [dictionary](const LookupSortedWord& word) {
-    const std::string_view rest = dictionary.substr(word.start);
-    return rest.substr(0, rest.find_first_of(" \n"));
-  };
-  const auto isBelow = [&](const LookupSortedWord& a, const LookupSortedWord& b) {
+std::string_view TextOf(const SortedText& word, std::string_view dictionary) {
+  const std::string_view rest = dictionary.substr(word.start);
+  return rest.substr(0, rest.find_first_of(" \n"));
+}
+
+void SortWords(std::string_view dictionary, std::vector<SortedText>& sorted) {
+  const auto isBelow = [&](const SortedText& a, const SortedText& b) {
     if (a.key != b.key) return a.key < b.key;
-    const std::string_view left = textOf(a);
-    const std::string_view right = textOf(b);
+    const std::string_view left = TextOf(a, dictionary);
+    const std::string_view right = TextOf(b, dictionary);
     const auto [l, r] = std::ranges::mismatch(left, right, {}, ToLowerAscii, ToLowerAscii);
     if (l == left.end() || r == right.end()) {
       if (left.size() != right.size()) return left.size() < right.size();
@@ -267,6 +280,31 @@ class BlockWriter {
   size_t startedSize_ = 0;
 };
 
+// Writes the blocks of the sorted words and gathers the guide to them.
+LookupTablePlace WriteSorted(BlockWriter& blocks, const WordTables& words,
+                             std::string_view dictionary, std::vector<LookupKey>& guide) {
+  LookupTablePlace place = {blocks.count(), 0};
+  SortedBlock block;
+  const auto end = [&] {
+    blocks.WriteBlock(block.content().data(), block.content().size());
+    block.Clear();
+    ++place.count;
+  };
+  std::string text;
+  for (const SortedText& sorted : words.sorted) {
+    text = TextOf(sorted, dictionary);
+    std::ranges::transform(text, text.begin(), ToLowerAscii);
+    const bool isVariant = sorted.start != words.starts[sorted.word];
+    if (!block.Add(text, sorted.word, isVariant)) {
+      end();
+      static_cast<void>(block.Add(text, sorted.word, isVariant));
+    }
+    if (guide.size() * kLookupGuideStep <= place.count) guide.push_back(sorted.key);
+  }
+  end();
+  return place;
+}
+
 // Writes the table of pairs and gives that of texts, which is empty where more is to be said of
 // this page text than the tables can hold.
 std::vector<LookupText> WritePairs(BlockWriter& blocks, InFile& pageText, const TextShape& shape,
@@ -340,15 +378,12 @@ LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& te
     header.longestSuggestion = LongestLine(autocomplete.bytes());
   }
 
-  std::vector<LookupKey> wordGuide;
-  constexpr size_t kStep = kLookupGuideStep * kLookupRecordsPerBlock<LookupSortedWord>;
-  for (size_t i = 0; i < words.sorted.size(); i += kStep) wordGuide.push_back(words.sorted[i].key);
-
   OutFile file(folder / kLookupFileName);
   BlockWriter blocks(file);
   blocks.WriteBlock(&header, sizeof header);  // as it is by now
   header.wordStarts = blocks.Write(InRecords(words.starts));
-  header.sortedWords = blocks.Write(words.sorted);
+  std::vector<LookupKey> wordGuide;
+  header.sortedWords = WriteSorted(blocks, words, dictionary.bytes(), wordGuide);
   header.wordGuide = blocks.Write(wordGuide);
   header.spellingGuide = blocks.Write(guide.entries);
   words = {};

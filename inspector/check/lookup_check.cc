@@ -10,6 +10,7 @@
 #include "format/index_directory.h"
 #include "index/byte_cursor.h"
 #include "index/page_text.h"
+#include "index/sorted_words.h"
 #include "index/text_pairs.h"
 #include "inspector/check/stored_texts.h"
 #include "inspector/findings/plain_text.h"
@@ -61,7 +62,6 @@ class LookupCheck {
     if (IsOf(lookup_.header().dictionary, index.dictionaryFile.bytes(), kDictionaryFileName) &&
         WordCount(index) != 0) {
       CheckWords();
-      CheckGuide();
     }
     CheckSpellings();
     if (IsOf(lookup_.header().pageInfo, index.pages.file.bytes(), kPageInfoFileName)) {
@@ -137,72 +137,58 @@ class LookupCheck {
     Compare("the size of the spellings", header.variantBytes, variantBytes);
     Compare("the length of the table of word starts", header.wordStarts.count,
             LookupWordStartRecords(WordCount(index)));
-    Compare("the length of the table of sorted words", header.sortedWords.count, sorted);
-    CheckSortedWords();
+    Compare("the number of sorted words", CheckSortedWords(), sorted);
   }
 
-  // Whether the text of `word` in the dictionary, its own or that of a spelling, begins there.
-  bool IsTextOf(const LookupSortedWord& entry) const {
+  // Whether the word has the text, as its own or that of a spelling.
+  bool IsTextOf(const SortedTexts& texts) const {
     const OpenedIndex& index = input_.index;
-    if (entry.word >= WordCount(index)) return false;
-    const char* at = index.dictionaryFile.bytes().data() + entry.start;
-    const DictEntry word = index.dictionary.EntryAt(static_cast<int32_t>(entry.word));
-    if (word.word.data() == at) return true;
+    if (texts.word() >= WordCount(index)) return false;
+    const DictEntry word = index.dictionary.EntryAt(static_cast<int32_t>(texts.word()));
+    if (!texts.isVariant()) return CompareFolded(word.word, texts.text()) == 0;
     VariantReader variants(index.dictionary, word);
     std::string_view variant;
     while (variants.Next(variant)) {
-      if (variant.data() == at) return true;
+      if (CompareFolded(variant, texts.text()) == 0) return true;
     }
     return false;
   }
 
-  // Entries that are all valid, in strict order and as many as there are texts are those texts.
-  void CheckSortedWords() {
-    const std::string_view dictionary = input_.index.dictionaryFile.bytes();
-    const LookupTablePlace& place = lookup_.header().sortedWords;
-    LookupSortedWord former;
-    std::string_view formerText;
-    for (size_t i = 0; i < place.count; ++i) {
-      LookupSortedWord entry;
-      if (!Read(place, i, entry)) {
-        formerText = {};
-        former = {};
-        continue;
+  // Gives the number of entries. Those that are all valid, in order and as many as there are texts
+  // are those texts.
+  uint64_t CheckSortedWords() {
+    const LookupHeader& header = lookup_.header();
+    uint64_t count = 0;
+    std::string former;
+    uint32_t formerWord = 0;
+    for (size_t block = 0; block < header.sortedWords.count; ++block) {
+      SortedTexts texts(lookup_, block, block + 1);
+      bool isFirst = true;
+      for (; texts.Next(); isFirst = false, ++count) {
+        if (!IsTextOf(texts)) {
+          AddContent("sorted word " + std::to_string(count) + ", " + Quoted(texts.text()) +
+                     ", is no text of word " + std::to_string(texts.word()));
+        }
+        const int order = CompareFolded(former, texts.text());
+        if (order > 0 || (order == 0 && formerWord > texts.word())) {
+          AddContent("the order of sorted word " + std::to_string(count));
+        }
+        former = texts.text();
+        formerWord = texts.word();
+        if (isFirst && block % kLookupGuideStep == 0) CheckGuide(block, texts.text());
       }
-      if (entry.start >= dictionary.size() || !IsTextOf(entry)) {
-        AddContent("sorted word " + std::to_string(i) + " is no text of word " +
-                   std::to_string(entry.word));
-        continue;
-      }
-      const std::string_view rest = dictionary.substr(entry.start);
-      const std::string_view text = rest.substr(0, rest.find_first_of(" \n"));
-      if (entry.key != FoldedLookupKeyOf(text)) {
-        AddContent("the key of sorted word " + std::to_string(i) + ", " + Quoted(text));
-      }
-      if (!formerText.empty()) {
-        const int order = CompareFolded(formerText, text);
-        const bool ascends = order != 0 ? order < 0
-                                        : (former.word != entry.word ? former.word < entry.word
-                                                                     : former.start < entry.start);
-        if (!ascends) AddContent("the order of sorted word " + std::to_string(i));
-      }
-      former = entry;
-      formerText = text;
+      if (texts.isDamaged()) AddContent("block " + std::to_string(block) + " of the sorted words");
     }
+    Compare("the length of the guide to the words", header.wordGuide.count,
+            (header.sortedWords.count + kLookupGuideStep - 1) / kLookupGuideStep);
+    return count;
   }
 
-  void CheckGuide() {
-    const LookupHeader& header = lookup_.header();
-    constexpr size_t kStep = kLookupGuideStep * kLookupRecordsPerBlock<LookupSortedWord>;
-    Compare("the length of the guide to the words", header.wordGuide.count,
-            (header.sortedWords.count + kStep - 1) / kStep);
-    for (size_t i = 0; i < header.wordGuide.count; ++i) {
-      LookupKey key = 0;
-      LookupSortedWord entry;
-      if (Read(header.wordGuide, i, key) && Read(header.sortedWords, i * kStep, entry) &&
-          key != entry.key) {
-        AddContent("key " + std::to_string(i) + " of the guide to the words");
-      }
+  void CheckGuide(size_t block, std::string_view text) {
+    LookupKey key = 0;
+    if (Read(lookup_.header().wordGuide, block / kLookupGuideStep, key) &&
+        key != FoldedLookupKeyOf(text)) {
+      AddContent("key " + std::to_string(block / kLookupGuideStep) + " of the guide to the words");
     }
   }
 

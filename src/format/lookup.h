@@ -63,7 +63,7 @@ struct LookupHeader {
   uint64_t tokenSize = 0;          // DictIDLen that the page text was read with ...
   uint64_t lastSign = 0;           // ... and DictReservedLimit
   LookupTablePlace wordStarts;     // LookupWordStarts, by word number
-  LookupTablePlace sortedWords;    // LookupSortedWord, by folded text
+  LookupTablePlace sortedWords;    // whole blocks of sorted words
   LookupTablePlace wordGuide;      // LookupKey of every kLookupGuideStep-th block of sortedWords
   LookupTablePlace spellingGuide;  // LookupSpelling of every kLookupSpellingStep-th entry
   LookupTablePlace texts;          // LookupText, a page each, and one more for the end of the file
@@ -94,17 +94,51 @@ constexpr uint64_t LookupWordStartRecords(uint64_t words) {
 // are in the order of the bytes of their texts.
 using LookupKey = uint64_t;
 
-// A base word, or one of its stored variants where ASCII letters in lower case do not make the two
-// equal. In the order of their texts with ASCII letters in lower case, equal ones by `word`.
-struct LookupSortedWord {
-  LookupKey key = 0;   // of the text in lower case
-  uint32_t word = 0;   // number of the base word
-  uint32_t start = 0;  // where the text begins in the dictionary
-};
-static_assert(sizeof(LookupSortedWord) == 16);
+// The sorted words: base words, and those of their stored variants that differ from them by more
+// than ASCII letters in either case. In the order of their texts with ASCII letters in lower case,
+// equal ones by the numbers of their base words. Each block is filled with entries of bytes, the
+// rest is zero:
+//
+//   byte     how many bytes the text has in common with the one before in the block
+//   byte f   f & kLookupAddedMost: how many bytes of the text are added to these; if that is
+//            kLookupAddedMost, so many and those that the next byte says
+//            f & kLookupVariantBit: it is a variant
+//            f >> kLookupRecentShift: if below kLookupRecentWords, the number of its base word is
+//            that of LookupRecentWords::TakeNext
+//   bytes    those that are added
+//   number   otherwise the number of its base word: seven bits a byte, the lowest first, and the
+//            highest bit set in all bytes but the last
+inline constexpr size_t kLookupTextLimit = 255;  // of a text; with a longer one there is no file
+inline constexpr size_t kLookupAddedMost = 15;
+inline constexpr size_t kLookupVariantBit = 16;
+inline constexpr int kLookupRecentShift = 5;
 
-// How many blocks of sortedWords there are for one key of wordGuide.
-inline constexpr size_t kLookupGuideStep = 16;
+// The words of a block that were met last, the last one first: words on as many pages are numbered
+// in the order of their texts, so that most come behind one of these.
+inline constexpr size_t kLookupRecentWords = 7;
+struct LookupRecentWords {
+  uint32_t numbers[kLookupRecentWords] = {};
+
+  // The word behind number `i` of them, which takes its place.
+  uint32_t TakeNext(size_t i) {
+    const uint32_t next = numbers[i] + 1;
+    std::copy_backward(numbers, numbers + i, numbers + i + 1);
+    return numbers[0] = next;
+  }
+  void Add(uint32_t number) {
+    std::copy_backward(numbers, numbers + kLookupRecentWords - 1, numbers + kLookupRecentWords);
+    numbers[0] = number;
+  }
+  // Of which of them `number` is the word behind; kLookupRecentWords: of none.
+  size_t Before(uint32_t number) const {
+    size_t i = 0;
+    while (i < kLookupRecentWords && numbers[i] + 1 != number) ++i;
+    return i;
+  }
+};
+
+// Of how many blocks of sorted words one has its first text's key in the guide to them.
+inline constexpr size_t kLookupGuideStep = 8;
 
 // An entry of the spelling file.
 struct LookupSpelling {

@@ -4,6 +4,11 @@ namespace vela {
 
 namespace {
 
+// A table of whole blocks.
+struct LookupBlockRoom {
+  char bytes[kLookupBlockRoom];
+};
+
 template <typename Record>
 bool HoldsTable(const LookupTablePlace& place, size_t blocks) {
   constexpr size_t kPerBlock = kLookupRecordsPerBlock<Record>;
@@ -39,7 +44,7 @@ void LookupFile::Use(std::string_view bytes, uint64_t generation) {
 bool LookupFile::HoldsTables() const {
   const size_t blocks = bytes_.size() / kLookupBlockSize;
   return HoldsTable<LookupWordStarts>(header_.wordStarts, blocks) &&
-         HoldsTable<LookupSortedWord>(header_.sortedWords, blocks) &&
+         HoldsTable<LookupBlockRoom>(header_.sortedWords, blocks) &&
          HoldsTable<LookupKey>(header_.wordGuide, blocks) &&
          HoldsTable<LookupSpelling>(header_.spellingGuide, blocks) &&
          HoldsTable<LookupText>(header_.texts, blocks) &&

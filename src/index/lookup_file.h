@@ -41,6 +41,13 @@ class LookupFile {
     return true;
   }
 
+  // What block `i` of the table at `place`, one of the header's that counts blocks, holds; empty
+  // when there is none or it is damaged.
+  std::string_view Block(const LookupTablePlace& place, size_t i) const {
+    if (i >= place.count || !IsSound(place.firstBlock + i)) return {};
+    return bytes_.substr((place.firstBlock + i) * kLookupBlockSize, kLookupBlockRoom);
+  }
+
   // Where the line of base word `word` begins in the dictionary. False as for Read.
   [[nodiscard]] bool ReadWordStart(size_t word, size_t& start) const {
     LookupWordStarts starts;

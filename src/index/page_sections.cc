@@ -19,6 +19,11 @@ uint64_t Between(uint64_t low, uint64_t high, uint64_t part, uint64_t whole) {
 }  // namespace
 
 uint64_t SectionBlock::ReadNumber() {
+  if (!cursor_.rest.empty() && static_cast<unsigned char>(cursor_.rest.front()) < 0x80) {
+    const auto number = static_cast<unsigned char>(cursor_.rest.front());
+    cursor_.rest.remove_prefix(1);
+    return number;
+  }
   uint64_t number = 0;
   for (int shift = 0; shift < 64; shift += 7) {
     const uint64_t byte = TakeLittleEndian(cursor_, 1);
@@ -32,22 +37,29 @@ uint64_t SectionBlock::ReadNumber() {
 // Adds a text of that length to the others.
 bool SectionBlock::ReadText(size_t length) {
   if (length > kSectionTextRoom - used_) return false;
-  for (const size_t end = used_ + length; used_ < end;) {
-    const auto first = static_cast<size_t>(TakeLittleEndian(cursor_, 1));
+  const char* from = cursor_.rest.data();
+  const char* const fromEnd = from + cursor_.rest.size();
+  char* to = texts_ + used_;
+  char* const toEnd = to + length;
+  while (to < toEnd) {
+    if (fromEnd - from < 2) return false;
+    const auto first = static_cast<unsigned char>(*from++);
     if (first < kSectionLiteralMost) {
-      const std::string_view bytes = Take(cursor_, first + 1);
-      if (bytes.empty() || bytes.size() > end - used_) return false;
-      used_ += bytes.copy(texts_ + used_, bytes.size());
+      const ptrdiff_t count = first + 1;
+      if (count > fromEnd - from || count > toEnd - to) return false;
+      to = std::copy_n(from, count, to);
+      from += count;
       continue;
     }
-    const size_t behind =
-        ((first & 3) << 8 | static_cast<size_t>(TakeLittleEndian(cursor_, 1))) + 1;
-    const size_t count = (first >> 2 & 31) + kSectionCopyLeast;
-    if (cursor_.bad || behind > used_ || count > end - used_) return false;
+    const ptrdiff_t behind = ((first & 3) << 8 | static_cast<unsigned char>(*from++)) + 1;
+    const ptrdiff_t count = (first >> 2 & 31) + static_cast<ptrdiff_t>(kSectionCopyLeast);
+    if (behind > to - texts_ || count > toEnd - to) return false;
     // Byte by byte: the copy may reach into itself.
-    for (size_t i = 0; i < count; ++i, ++used_) texts_[used_] = texts_[used_ - behind];
+    for (const char* const end = to + count; to < end; ++to) *to = *(to - behind);
   }
-  return !cursor_.bad;
+  used_ += length;
+  cursor_.rest.remove_prefix(static_cast<size_t>(from - cursor_.rest.data()));
+  return true;
 }
 
 bool SectionBlock::Next(uint64_t last, PageSection& section) {
@@ -144,7 +156,7 @@ bool SectionsFile::FindBlock(uint64_t position, Block& block) const {
 bool SectionsFile::Find(uint64_t position, PageSection& section) const {
   Block block;
   if (!FindBlock(position, block) || block.bytes > kSectionBlockRoom) return false;
-  if (room_.size() == 0 && !room_.TryAllocate(kSectionBlockRoom + kSectionTextRoom)) return false;
+  if (room_.empty() && !room_.TryAllocate(kSectionBlockRoom + kSectionTextRoom)) return false;
   const auto size = static_cast<size_t>(block.bytes);
   if (!file_.Read(sizeof header_ + block.guide.start, size, room_.data())) return false;
   const std::string_view bytes(room_.data(), size);

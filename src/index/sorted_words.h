@@ -19,6 +19,38 @@ struct WordSet {
 // The first number of the set from `from` on; `end` when there is none below it.
 int32_t NextInSet(const WordSet& words, int32_t from, int32_t end);
 
+// Goes through the sorted words of a lookup file.
+class SortedTexts {
+ public:
+  // From the first one of a block on, to the last one of all blocks ahead of `end`.
+  SortedTexts(const LookupFile& lookup, size_t block, size_t end = SIZE_MAX)
+      : lookup_(lookup), block_(block), end_(end) {}
+
+  // The next entry; false behind the last one, and where a block is damaged.
+  bool Next();
+  bool isDamaged() const { return isDamaged_; }
+
+  // Of the entry.
+  std::string_view text() const { return {text_, length_}; }  // with ASCII letters in lower case
+  uint32_t word() const { return word_; }
+  bool isVariant() const { return isVariant_; }
+
+ private:
+  bool BeginBlock();
+  bool ReadEntry();
+
+  const LookupFile& lookup_;
+  size_t block_;  // the one that is begun next
+  size_t end_;
+  std::string_view rest_;  // of the one at hand
+  char text_[kLookupTextLimit] = {};
+  size_t length_ = 0;
+  uint32_t word_ = 0;
+  bool isVariant_ = false;
+  bool isDamaged_ = false;
+  LookupRecentWords recent_;
+};
+
 // The words of a dictionary that the lookup file belongs to.
 struct SortedWords {
   const LookupFile& lookup;

@@ -61,6 +61,10 @@ void Seal(std::string& bytes, size_t at) {
   Put(bytes, block * kLookupBlockSize + kLookupBlockRoom, Checksum(room, block), 8);
 }
 
+struct SortedBytes {
+  char bytes[kLookupBlockRoom];
+};
+
 template <typename Record>
 size_t LookupPlace(LookupTablePlace LookupHeader::*table, const std::string& bytes, size_t i) {
   LookupHeader header;
@@ -326,12 +330,11 @@ const DamageCase kCases[] = {
        Seal(bytes, at);
      },
      Fault::kOtherContent},
-    {"sorted words out of order", kTables,
+    {"a sorted word that is none", kTables,
      [](std::string& bytes, const Known&) {
-       const size_t at = LookupPlace<LookupSortedWord>(&LookupHeader::sortedWords, bytes, 3);
-       for (size_t i = 0; i < sizeof(LookupSortedWord); ++i) {
-         std::swap(bytes[at + i], bytes[at + sizeof(LookupSortedWord) + i]);
-       }
+       // The first byte that is added to no other text.
+       const size_t at = LookupPlace<SortedBytes>(&LookupHeader::sortedWords, bytes, 0) + 2;
+       Put(bytes, at, '~', 1);
        Seal(bytes, at);
      },
      Fault::kOtherContent},

@@ -50,6 +50,9 @@ std::string ManyWords() {
   add("\u00FCber", {"\u00DCber"});
   add("\xFF\xFE");
   add("a/b:c");
+  // Of the longest texts that are taken only one fits into a block.
+  for (const char last : {'d', 'b', 'c', 'a'}) add(std::string(254, 'y') + last);
+  add(std::string(200, 'y'), {std::string(200, 'Y') + "es"});
   return lines;
 }
 
@@ -108,9 +111,19 @@ TEST(Lookup, EntriesAreThoseOfAPass) {
 
 TEST(Lookup, EveryWordIsFoundWhereAPassFindsIt) {
   const TwoDictionaries both(ManyWords());
-  std::set<std::string> words = {
-      "none", "configuration", "configuration9999", "W0", "mixe", "MIXED", "1", "zebras",
-      "~",    "\x01"};
+  std::set<std::string> words = {"none",
+                                 "configuration",
+                                 "configuration9999",
+                                 "W0",
+                                 "mixe",
+                                 "MIXED",
+                                 "1",
+                                 "zebras",
+                                 "~",
+                                 "\x01",
+                                 std::string(254, 'y'),
+                                 std::string(255, 'y'),
+                                 std::string(300, 'y')};
   for (int32_t i = 0; i < both.plain.size(); ++i) words.emplace(both.plain.WordAt(i));
   for (const std::string& word : words) {
     for (const int32_t from : {0, 2, 5001}) {
@@ -121,9 +134,26 @@ TEST(Lookup, EveryWordIsFoundWhereAPassFindsIt) {
 
 TEST(Lookup, BeginningsCollectWordsByTheirVariantsToo) {
   const TwoDictionaries both(ManyWords());
-  for (const std::string beginning :
-       {"c", "C", "configuration", "CONFIGURATION1", "configurat", "configurations", "w", "W1", "z",
-        "z\u00EB", "mix", "1234567", "12345678", "123456789", "\xC3", "\xFF", "none", "~"}) {
+  for (const std::string beginning : {"c",
+                                      "C",
+                                      "configuration",
+                                      "CONFIGURATION1",
+                                      "configurat",
+                                      "configurations",
+                                      "w",
+                                      "W1",
+                                      "z",
+                                      "z\u00EB",
+                                      "mix",
+                                      "1234567",
+                                      "12345678",
+                                      "123456789",
+                                      "\xC3",
+                                      "\xFF",
+                                      "none",
+                                      "~",
+                                      "Yy",
+                                      "configuration2999"}) {
     WordSet found;
     ASSERT_TRUE(both.fast.CollectByBeginning(beginning, found));
     for (int32_t i = 0; i < both.plain.size(); ++i) {
@@ -258,10 +288,23 @@ TEST(Lookup, SettingsThatDoNotFitAreRefusedAsByAPass) {
 }
 
 TEST(Lookup, NothingIsWrittenForADictionaryOfAnotherForm) {
-  for (const std::string words :
-       {"", "run 40 0", "run\n", "run 40\n", " run 40 0\n", "run 40 0\n\n", "run x 0\n",
-        "run 40 0 0\n", "run 40 1\n", "run 40 1\nR un\n", "run 40 1\n\n", "r\x01n 40 0\n",
-        "run 40 0\r\n"}) {
+  const std::string tooLong(256, 'x');
+  const std::vector<std::string> cases = {"",
+                                          "run 40 0",
+                                          "run\n",
+                                          "run 40\n",
+                                          " run 40 0\n",
+                                          "run 40 0\n\n",
+                                          "run x 0\n",
+                                          "run 40 0 0\n",
+                                          "run 40 1\n",
+                                          "run 40 1\nR un\n",
+                                          "run 40 1\n\n",
+                                          "r\x01n 40 0\n",
+                                          "run 40 0\r\n",
+                                          tooLong + " 40 0\n",
+                                          "run 40 1\n" + tooLong + "\n"};
+  for (const std::string& words : cases) {
     SCOPED_TRACE(words);
     OpenDirectory site;
     site.Write(kDictionaryFileName, words);
