@@ -53,7 +53,26 @@ bool IsNoun(const Vocabulary& vocabulary, const Word& word, bool utf8) {
   return !word.isOwnForm;
 }
 
-bool IsKnown(const WordsByForm& forms, std::string_view text) { return forms.contains(text); }
+// Tells most texts that no page writes from the forms by a bit that their hash points at.
+class KnownForms {
+ public:
+  explicit KnownForms(const WordsByForm& forms) : forms_(forms), bits_(kBits / 64) {
+    for (const auto& [form, number] : forms) {
+      const uint64_t bit = TextHash(form) % kBits;
+      bits_[bit / 64] |= uint64_t{1} << bit % 64;
+    }
+  }
+  bool Has(std::string_view text) const {
+    const uint64_t bit = TextHash(text) % kBits;
+    return (bits_[bit / 64] >> bit % 64 & 1) != 0 && forms_.contains(text);
+  }
+
+ private:
+  // Half a megabyte, which stays in the processor's cache.
+  static constexpr uint64_t kBits = uint64_t{1} << 22;
+  const WordsByForm& forms_;
+  std::vector<uint64_t> bits_;
+};
 
 }  // namespace
 
@@ -89,10 +108,11 @@ std::vector<SameWord> SameWords(const WordsByForm& forms) {
 
 std::vector<ApartWord> ApartWords(const WordsByForm& forms) {
   std::vector<ApartWord> apart;
+  const KnownForms known(forms);
   const auto add = [&](const std::string& whole, std::string_view first, std::string_view second,
                        bool isJoined) {
     if (first.size() < kApartPieceLeast || second.size() < kApartPieceLeast || IsLone(first) ||
-        IsLone(second) || !IsKnown(forms, first) || !IsKnown(forms, second)) {
+        IsLone(second) || !known.Has(first) || !known.Has(second)) {
       return;
     }
     apart.push_back({whole, std::string(first), std::string(second), isJoined});
@@ -117,6 +137,7 @@ std::vector<ApartWord> ApartWords(const WordsByForm& forms) {
 std::vector<CompoundPart> GermanCompounds(const Vocabulary& vocabulary, const WordsByForm& forms,
                                           bool utf8) {
   std::vector<CompoundPart> parts;
+  const KnownForms known(forms);
   for (const auto& [form, number] : forms) {
     const std::string_view text = form;
     if (text.size() < 2 * kGermanPieceLeast || !IsOfLetters(text) ||
@@ -127,12 +148,12 @@ std::vector<CompoundPart> GermanCompounds(const Vocabulary& vocabulary, const Wo
     for (size_t at = kGermanPieceLeast; at + kGermanPieceLeast <= text.size(); ++at) {
       if (!StartsCharacter(text, at)) continue;
       const std::string_view second = text.substr(at);
-      if (IsLone(second) || !IsKnown(forms, second)) continue;
+      if (IsLone(second) || !known.Has(second)) continue;
       for (const std::string_view joint : kGermanJoints) {
         const std::string_view before = text.substr(0, at);
         if (!before.ends_with(joint)) continue;
         const std::string_view first = before.substr(0, before.size() - joint.size());
-        if (first.size() < kGermanPieceLeast || !IsKnown(forms, first)) continue;
+        if (first.size() < kGermanPieceLeast || !known.Has(first)) continue;
         found.emplace(first);
         found.emplace(second);
       }
