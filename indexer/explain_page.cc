@@ -296,7 +296,7 @@ class Explainer {
                                .config = options_.config,
                                .charset = charset_,
                                .memory = size_t{64} << 20,
-                               .sink = [](const std::vector<PageToken>&) {}},
+                               .sink = [](const TextStretch&) {}},
                               folder.path());
     for (const SourceItem& each : listing_.items) collection.addresses.AddItem(each.address);
     std::vector<std::string> joined;

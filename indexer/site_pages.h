@@ -20,7 +20,7 @@ struct SitePages {
                     .config = run.options.config,
                     .charset = run.charset,
                     .memory = run.memory.collection,
-                    .sink = [this](const std::vector<PageToken>& tokens) { text.Add(tokens); }},
+                    .sink = [this](const TextStretch& stretch) { text.Add(stretch); }},
                    run.folder.fresh()),
         text(run.folder.fresh()),
         table(run.folder.fresh() / kPageInfoFileName, run.folder.fresh() / kPageDataFileName) {}

@@ -36,7 +36,7 @@ struct CollectionInput {
   const SiteConfig& config;
   const IndexCharset& charset;
   size_t memory = 0;  // bytes that all of it may take, nearly; what can goes to disk before that
-  TokenSink sink;     // takes the tokens of the pages that join
+  TextSink sink;      // takes the text of the pages that join
 };
 
 // A page that is left out for another one.
@@ -72,7 +72,7 @@ struct PageCollection {
   uint64_t sourceBytes = 0;         // of the pages' files
 };
 
-// Joins the block of one page to the collection: its tokens have then gone to the sink, what the
+// Joins the block of one page to the collection: its text has then gone to the sink, what the
 // page table keeps of it is in `entry`. kCopy, kEqual, kSimilar, kAddressTooLong: it is left out.
 // Throws IndexError when the index is full or a temporary file cannot be written.
 [[nodiscard]] Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry);

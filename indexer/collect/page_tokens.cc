@@ -3,16 +3,11 @@
 #include <algorithm>
 #include <string_view>
 
-#include "format/page_text.h"
-#include "indexer/collect/number_bytes.h"
-
 namespace vela::indexer {
 
 namespace {
 
 constexpr uint8_t kCountLimit = 255;
-// Tokens that are handed on at once.
-constexpr size_t kPortionTokens = 4096;
 
 // Walks through texts that stand one behind the other.
 class Texts {
@@ -116,54 +111,35 @@ void JoinSigns(const Joining& joining) {
   }
 }
 
-void HandOn(const Joining& joining) {
-  joining.site.sink(joining.out.tokens);
-  joining.out.tokens.clear();
-}
-
-void WriteToken(PageToken token, const Joining& joining) {
-  joining.out.tokens.push_back(token);
-  ++joining.out.tokenCount;
-  if (joining.out.tokens.size() >= kPortionTokens) HandOn(joining);
-}
-
-void Join(const Joining& joining) {
+// `end` is the token behind the stretch, or kNone32.
+void Join(const Joining& joining, uint32_t end) {
   PageTokens& out = joining.out;
   JoinWordList(joining);
   JoinForms(joining);
   JoinSigns(joining);
-  for (std::string_view tokens = joining.more.tokens; !tokens.empty();) {
-    const uint32_t token = TakeNumber(tokens);
-    if (token == kRunEndToken) {
-      WriteToken({kRunEndWord, 0}, joining);
-    } else if (token % 2 != 0) {
-      WriteToken(out.ofSigns[token / 2], joining);
-    } else {
-      WriteToken(out.ofForms[token / 2 - 1], joining);
-    }
-  }
+  joining.site.sink({.tokens = joining.more.tokens,
+                     .tokenCount = joining.more.tokenCount,
+                     .forms = out.ofForms,
+                     .signs = out.ofSigns,
+                     .end = end});
+  out.tokenCount += joining.more.tokenCount + (end != kNone32 ? 1 : 0);
 }
 
 }  // namespace
 
 void JoinWords(const PageWords& page, const PageWords& address, uint32_t pageNumber,
                const SiteWords& site, PageTokens& out) {
-  out.tokens.clear();
   out.postings.clear();
   out.tokenCount = 0;
-  const Joining joining = {
-      .more = page, .pageNumber = pageNumber, .firstToken = 0, .site = site, .out = out};
-  Join(joining);
-  const bool isBehind = out.tokenCount != 0 && address.tokenCount != 0;
-  if (isBehind) WriteToken({kRunEndWord, 0}, joining);
-  const Joining ofAddress = {.more = address,
-                             .pageNumber = pageNumber,
-                             .firstToken = out.tokenCount,
-                             .site = site,
-                             .out = out};
-  Join(ofAddress);
-  WriteToken({kPageEndWord, 0}, ofAddress);
-  HandOn(ofAddress);
+  const bool isBehind = page.tokenCount != 0 && address.tokenCount != 0;
+  Join({.more = page, .pageNumber = pageNumber, .firstToken = 0, .site = site, .out = out},
+       isBehind ? kRunEndWord : kNone32);
+  Join({.more = address,
+        .pageNumber = pageNumber,
+        .firstToken = out.tokenCount,
+        .site = site,
+        .out = out},
+       kPageEndWord);
   for (const Posting& posting : out.postings) {
     Word& word = site.vocabulary.words[posting.word];
     word.mostOnPage = std::max(word.mostOnPage, posting.total);

@@ -4,8 +4,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
+#include <string_view>
 #include <vector>
 
+#include "format/page_text.h"
+#include "indexer/collect/number_bytes.h"
 #include "indexer/collect/page_words.h"
 #include "indexer/collect/postings.h"
 #include "indexer/collect/sign_entries.h"
@@ -21,8 +25,47 @@ struct PageToken {
   uint8_t variant = 0;
 };
 
-// Takes the tokens of a page, in their order and in portions.
-using TokenSink = std::function<void(const std::vector<PageToken>&)>;
+// A stretch of a page's text, with its words and signs as the site numbers them. It refers to what
+// holds only while it is taken.
+struct TextStretch {
+  // As PageWords has them, among the forms and signs of this stretch.
+  std::string_view tokens = {};
+  uint32_t tokenCount = 0;
+  std::span<const PageToken> forms = {};
+  std::span<const PageToken> signs = {};
+  uint32_t end = kNone32;  // the token behind them: kRunEndWord, kPageEndWord, or kNone32 for none
+};
+
+// Takes the stretches of the pages, in their order.
+using TextSink = std::function<void(const TextStretch&)>;
+
+// Calls `use(token)` for every token of the stretch, the one behind them included. `forms` and
+// `signs` stand for those of the stretch, and may be of another type; `ofNumber(number)` is the
+// token of a reserved number.
+template <typename Token, typename OfNumber, typename Use>
+void ForEachToken(const TextStretch& stretch, std::span<const Token> forms,
+                  std::span<const Token> signs, OfNumber ofNumber, Use use) {
+  for (std::string_view rest = stretch.tokens; !rest.empty();) {
+    const uint32_t token = TakeNumber(rest);
+    if (token == kRunEndToken) {
+      use(ofNumber(kRunEndWord));
+    } else {
+      use(token % 2 != 0 ? signs[token / 2] : forms[token / 2 - 1]);
+    }
+  }
+  if (stretch.end != kNone32) use(ofNumber(stretch.end));
+}
+
+// The same for the tokens as they are.
+template <typename Use>
+void ForEachToken(const TextStretch& stretch, Use use) {
+  ForEachToken(
+      stretch, stretch.forms, stretch.signs,
+      [](uint32_t number) {
+        return PageToken{number, 0};
+      },
+      use);
+}
 
 // How long a page is, and where its tokens begin.
 struct PageLengths {
@@ -37,7 +80,6 @@ struct PageTokens {
   uint32_t tokenCount = 0;        // of the page, of its address, and the end of the page
   std::vector<Posting> postings;  // in order of the words' first appearance
 
-  std::vector<PageToken> tokens;   // those not handed on yet
   std::vector<uint32_t> numbers;   // of the words, in the vocabulary
   std::vector<uint64_t> hashes;    // of their texts
   std::vector<PageToken> ofForms;  // beside the forms
@@ -48,11 +90,11 @@ struct PageTokens {
 struct SiteWords {
   Vocabulary& vocabulary;
   SignEntries& signs;
-  const TokenSink& sink;
+  const TextSink& sink;
 };
 
-// Joins the page of that number, higher than those before, to the site; all its tokens have then
-// gone to the sink. `address` are the words of its address, which stand at the end.
+// Joins the page of that number, higher than those before, to the site; its text has then gone to
+// the sink. `address` are the words of its address, which stand at the end.
 void JoinWords(const PageWords& page, const PageWords& address, uint32_t pageNumber,
                const SiteWords& site, PageTokens& out);
 

@@ -17,8 +17,8 @@ struct Site {
   IndexCharset charset;
 
   PageCollection Collection() {
-    const auto take = [this](const std::vector<PageToken>& portion) {
-      tokens.insert(tokens.end(), portion.begin(), portion.end());
+    const auto take = [this](const TextStretch& stretch) {
+      ForEachToken(stretch, [this](PageToken token) { tokens.push_back(token); });
     };
     return {{.base = base, .config = config, .charset = charset, .memory = 1 << 20, .sink = take},
             scratch.path()};

@@ -23,13 +23,16 @@ void CheckJoining(const indexer::PageBlock& block) {
   Vocabulary vocabulary;
   SignEntries signs;
   PageTokens tokens;
-  const TokenSink sink = [&](const std::vector<PageToken>& portion) {
-    for (const PageToken& token : portion) {
-      if (token.number < kWordBase) continue;
+  const TextSink sink = [&](const TextStretch& stretch) {
+    uint32_t count = 0;
+    ForEachToken(stretch, [&](PageToken token) {
+      ++count;
+      if (token.number < kWordBase) return;
       const uint32_t word = token.number - kWordBase;
       VELA_CHECK(word < vocabulary.words.size());
       VELA_CHECK(token.variant <= vocabulary.words[word].variantCount);
-    }
+    });
+    VELA_CHECK(count == stretch.tokenCount + (stretch.end != kNone32 ? 1 : 0));
   };
   uint32_t number = 0;
   for (const AddressBlock& address : block.addresses) {
