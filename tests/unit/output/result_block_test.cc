@@ -507,11 +507,15 @@ TEST(Item, InXml) {
 // Page 0 has a section from byte 8 of the page text on.
 IndexBuilder WithSection(const std::string& url, const std::string& anchor,
                          const std::string& heading) {
+  // At the block's place; its texts as they are, in one step.
+  const std::string texts = anchor + heading;
+  const std::string block = LittleEndian(0, 1) + LittleEndian(anchor.size(), 1) +
+                            LittleEndian(heading.size(), 1) + LittleEndian(texts.size() - 1, 1) +
+                            texts;
   const std::string file = LittleEndian(kSectionsMagic, 8) + LittleEndian(7, 8) +
-                           LittleEndian(16, 8) + LittleEndian(1, 8) +
-                           LittleEndian(anchor.size() + heading.size(), 8) + LittleEndian(8, 8) +
-                           LittleEndian(0, 8) + LittleEndian(anchor.size(), 2) +
-                           LittleEndian(heading.size(), 2) + LittleEndian(0, 4) + anchor + heading;
+                           LittleEndian(16, 8) + LittleEndian(block.size(), 8) +
+                           LittleEndian(1, 8) + block + LittleEndian(8, 8) + LittleEndian(0, 4) +
+                           LittleEndian(SectionBlockSum(block, 8, UINT64_MAX), 4);
   IndexBuilder builder = Pages({NewPage(url, "Manual")});
   builder.Set("DisplayContext", "1").Set("SectionLinks", "1").Set("LookupGeneration", "7");
   return builder.Tokens(std::vector<support::PageTextToken>(4)).File("vela_sections.vdat", file);
