@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <sstream>
 #include <thread>
 
+#include "format/word_map.h"
+#include "index/byte_cursor.h"
 #include "index/lookup_file.h"
 #include "indexer/config/config_file.h"
 #include "indexer/report/index_error.h"
@@ -56,6 +59,38 @@ TEST(BuildIndex, TheLookupFileBelongsToAllFiles) {
   EXPECT_EQ(header.texts.count, 3001u);
   EXPECT_EQ(header.pageInfoLength, 17u);
   EXPECT_EQ(header.pagesWithoutBoost, 3000u);
+}
+
+// The pages of the word in line `number` of a dictionary without other spellings.
+uint64_t PagesOf(const TestSite& site, uint64_t number) {
+  std::istringstream lines(site.Read("vela_dictionary.vdat"));
+  std::string line;
+  for (uint64_t i = 0; i <= number; ++i) std::getline(lines, line);
+  std::istringstream fields(line);
+  std::string word;
+  size_t offset = 0;
+  fields >> word >> offset;
+  return ReadLittleEndian(site.Read("vela_wordmap.vdat"), offset, kWordListCountWidth);
+}
+
+TEST(BuildIndex, TheLookupFileTellsOfPairsOfWordsOnManyPages) {
+  TestSite site;
+  site.options.config.extensions = false;
+  for (int i = 0; i < 30; ++i) {
+    std::string words = "all";
+    if (i < 16) words += " few";
+    if (i < 17) words += " enough";
+    site.Add("p" + std::to_string(i) + ".html", "<title>one</title>" + words);
+  }
+  site.Build();
+  LookupFile lookup;
+  const std::string bytes = site.Read("vela_lookup.vdat");
+  lookup.Open(bytes, static_cast<int32_t>(Setting(site, "LookupGeneration")));
+  ASSERT_TRUE(lookup.isOpen());
+  const uint64_t paired = lookup.header().pairedWords;
+  ASSERT_LT(paired, lookup.header().words);
+  EXPECT_EQ(PagesOf(site, paired - 1), 17u);
+  EXPECT_EQ(PagesOf(site, paired), 16u);
 }
 
 TEST(BuildIndex, TheLookupFileCountsThePagesThatABoostLeaves) {
