@@ -211,22 +211,26 @@ void SuggestionList::CountPhrase(const Phrase& phrase) {
   if (count.entry != kNone) return Count(entries_[count.entry], weight);
   phrase_.clear();
   for (const uint32_t word : std::span(phrase.words).first(phrase.count)) {
-    phrase_.append(phrase_.empty() ? "" : " ").append(words_[word].text);
+    const std::string_view text = pageTexts_.substr(words_[word].at, words_[word].bytes);
+    phrase_.append(phrase_.empty() ? "" : " ").append(text);
   }
   count.entry = Add(phrase_, weight, Kind::kPhrase);
 }
 
 void SuggestionList::AddPhrases(const RunningText& running) {
+  pageTexts_ = running.texts;
   words_.clear();
-  std::string_view texts = running.texts;
+  words_.reserve(running.words.size());
+  uint32_t at = 0;
   for (const RunningText::Word& word : running.words) {
-    words_.push_back({.text = texts.substr(0, word.bytes),
+    words_.push_back({.at = at,
+                      .bytes = word.bytes,
                       .hash = word.hash,
-                      .mayEdge = word.bytes >= kLeastEdgeBytes,
                       .beginsTwo = PhraseHash(2, word.hash),
                       .beginsThree = PhraseHash(3, word.hash)});
-    texts.remove_prefix(word.bytes);
+    at += word.bytes;
   }
+  const auto mayEdge = [](const PhraseWord& word) { return word.bytes >= kLeastEdgeBytes; };
   uint32_t first = 0;  // the words before, where there are so many
   uint32_t middle = 0;
   size_t count = 0;
@@ -238,25 +242,30 @@ void SuggestionList::AddPhrases(const RunningText& running) {
     }
     const uint32_t last = place - 1;
     const PhraseWord& word = words_[last];
-    if (word.mayEdge && count >= 1 && words_[middle].mayEdge &&
-        words_[middle].text.size() + 1 + word.text.size() <= kPhraseBytesLimit) {
-      AddPhrase({.hash = PhraseHash(words_[middle].beginsTwo, word.hash),
-                 .count = 2,
-                 .words = {middle, last}});
+    const bool ends = mayEdge(word);
+    if (ends && count >= 1) {
+      const PhraseWord& before = words_[middle];
+      if (mayEdge(before) && before.bytes + 1U + word.bytes <= kPhraseBytesLimit) {
+        AddPhrase(
+            {.hash = PhraseHash(before.beginsTwo, word.hash), .count = 2, .words = {middle, last}});
+      }
     }
-    if (word.mayEdge && count >= 2 && words_[first].mayEdge &&
-        words_[first].text.size() + words_[middle].text.size() + 2 + word.text.size() <=
-            kPhraseBytesLimit) {
-      AddPhrase({.hash = PhraseHash(PhraseHash(words_[first].beginsThree, words_[middle].hash),
-                                    word.hash),
-                 .count = 3,
-                 .words = {first, middle, last}});
+    if (ends && count >= 2) {
+      const PhraseWord& start = words_[first];
+      const PhraseWord& between = words_[middle];
+      if (mayEdge(start) &&
+          start.bytes + 1U + between.bytes + 1U + word.bytes <= kPhraseBytesLimit) {
+        AddPhrase({.hash = PhraseHash(PhraseHash(start.beginsThree, between.hash), word.hash),
+                   .count = 3,
+                   .words = {first, middle, last}});
+      }
     }
     first = middle;
     middle = last;
     ++count;
   }
   CountWaiting();
+  pageTexts_ = {};
 }
 
 PageSuggestions SuggestionsOf(const PageContent& page, const std::string& title) {

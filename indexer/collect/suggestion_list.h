@@ -77,9 +77,9 @@ class SuggestionList {
   };
   // A word of the page's running text.
   struct PhraseWord {
-    std::string_view text;
-    uint64_t hash = 0;     // of the word in lower case
-    bool mayEdge = false;  // a phrase may begin or end with it
+    uint32_t at = 0;    // where it begins in `pageTexts_`
+    uint8_t bytes = 0;  // of it
+    uint64_t hash = 0;  // of the word in lower case
     // The hashes of phrases of two words and of three, as far as their first word makes them.
     uint64_t beginsTwo = 0;
     uint64_t beginsThree = 0;
@@ -110,6 +110,7 @@ class SuggestionList {
   std::unordered_map<std::string, uint32_t> endings_;
   std::unordered_set<std::string> edgeWords_;  // first and last words of titles and headings
   std::vector<PhraseCount> counts_;
+  std::string_view pageTexts_;     // of the words of the page's running text
   std::vector<PhraseWord> words_;  // of the running text of the page, kept for its memory
   // Phrases whose places are on their way into the processor's cache, the first one at
   // `nextPhrase_`.

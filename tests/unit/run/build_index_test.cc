@@ -672,7 +672,7 @@ TEST(BuildIndex, AnErrorForLackOfMemoryNamesThePage) {
     site.Add("words/" + std::to_string(page) + ".html", text);
   }
   WriteFile(site.index / "settings.vdat", "old");
-  const support::LargestAllocation largest(size_t{6} << 20);
+  const support::LargestAllocation largest(size_t{4} << 20);
   try {
     site.Build();
     ADD_FAILURE();
