@@ -1,6 +1,7 @@
 #include "indexer/site/address.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "indexer/report/index_error.h"
@@ -12,11 +13,17 @@ namespace vela::indexer {
 
 namespace {
 
+constexpr auto kPlainBytes = [] {
+  std::array<bool, 256> plain{};
+  for (int byte = 0; byte < 256; ++byte) {
+    plain[static_cast<size_t>(byte)] = IsAlphaNumeric(static_cast<char>(byte));
+  }
+  for (const char c : std::string_view("-._~/@:,;=+$!*()")) plain[static_cast<size_t>(c)] = true;
+  return plain;
+}();
+
 // What stands in an address as it is.
-bool IsPlain(char c) {
-  constexpr std::string_view kPlain = "-._~/@:,;=+$!*()";
-  return IsAlphaNumeric(c) || kPlain.find(c) != kPlain.npos;
-}
+bool IsPlain(char c) { return kPlainBytes[static_cast<unsigned char>(c)]; }
 
 struct AddressParts {
   std::string_view root;  // "https://host" or, for a rooted address, empty
@@ -127,6 +134,10 @@ std::string AsEncoded(std::string_view address) {
   std::string out(address.substr(0, hasHost ? address.find_first_of("/?#", scheme + 3) : 0));
   bool inPath = true;
   for (size_t i = out.size(); i < address.size(); ++i) {
+    const size_t plain = i;
+    while (i < address.size() && IsPlain(address[i])) ++i;
+    out.append(address, plain, i - plain);
+    if (i == address.size()) break;
     const char c = address[i];
     if (c == '?') inPath = false;
     const int code = ReadPercentCode(address.substr(i));
@@ -139,7 +150,7 @@ std::string AsEncoded(std::string_view address) {
       } else {
         out += PercentCode(decoded).view();
       }
-    } else if (IsPlain(c) || c == '?' || c == '#' || (!inPath && c == '&')) {
+    } else if (c == '?' || c == '#' || (!inPath && c == '&')) {
       out += c;
     } else {
       out += PercentCode(c).view();

@@ -144,17 +144,15 @@ void CleanText(std::string& text) {
 std::string CollapseBlanks(const std::string& text) {
   std::string out(text.size(), '\0');
   size_t length = 0;
-  bool isWanted = false;  // a blank
+  bool followsBlank = true;
+  // Without a branch: where words end cannot be told ahead.
   for (const char c : text) {
-    if (c == ' ') {
-      if (isWanted) out[length++] = ' ';
-      isWanted = false;
-    } else {
-      out[length++] = c;
-      isWanted = true;
-    }
+    out[length] = c;
+    const bool isBlank = c == ' ';
+    length += isBlank && followsBlank ? 0 : 1;
+    followsBlank = isBlank;
   }
-  if (length != 0 && !isWanted) --length;
+  if (length != 0 && followsBlank) --length;
   out.resize(length);
   return out;
 }
