@@ -16,7 +16,6 @@ namespace {
 void PlanContext(const ResultBlocks& blocks, Result& result, PassagePlan& plan) {
   PlanPassages({.settings = blocks.settings,
                 .dictionary = blocks.dictionary,
-                .lookup = blocks.files.lookup,
                 .pageText = blocks.files.pageText.bytes(),
                 .words = *blocks.passageWords},
                result.entry, plan);

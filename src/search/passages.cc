@@ -7,7 +7,6 @@
 #include "format/page_text.h"
 #include "index/byte_cursor.h"
 #include "search/highlight_terms.h"
-#include "search/lookup.h"
 #include "search/query.h"
 #include "text/ascii.h"
 #include "text/run_cut.h"
@@ -24,6 +23,9 @@ constexpr size_t kHitLimit = 256;
 
 // A title, a description and an address are seldom longer; they stand behind the running text.
 constexpr size_t kTailTokens = 256;
+
+// A page's beginning is looked for so far ahead of its title. None of more text is shown by it.
+constexpr size_t kPageTokens = size_t{1} << 20;
 
 // Windows that are looked at more closely.
 constexpr size_t kShortListed = 8;
@@ -142,6 +144,7 @@ class Planner {
   void FindHits();
   size_t Scan(size_t from, size_t end);
   bool IsInTail(size_t token) const;
+  size_t StartOfPage(size_t token) const;
   void ShowBeginning();
   Window BestWindow(size_t length, PassageWords::Terms wanted, const PassagePiece* taken) const;
   Window WindowFrom(size_t hit, size_t length, PassageWords::Terms wanted) const;
@@ -363,15 +366,20 @@ Window Planner::BestWindow(size_t length, PassageWords::Terms wanted,
   return best;
 }
 
+// The first token of the page that the token is on; of a page of more than kPageTokens, one of
+// them.
+size_t Planner::StartOfPage(size_t token) const {
+  const size_t least = token - std::min(token, kPageTokens);
+  while (token > least && text_.WordAt(token - 1) != kPageEndWord) --token;
+  return token;
+}
+
 // How the running text of the page begins, without the title when it is repeated there.
 void Planner::ShowBeginning() {
-  LookupText page;
-  const LookupHeader& header = input_.lookup.header();
-  if (!input_.lookup.isOpen() || !input_.lookup.Read(header.texts, entry_.page, page)) return;
-  size_t token = text_.IndexOf(StartOf(page));
-  if (token >= text_.count() || (token > 0 && text_.WordAt(token - 1) != kPageEndWord)) return;
   const size_t found = text_.IndexOf(entry_.firstPosition);
   if (found >= text_.count()) return;
+  size_t token = StartOfPage(found);
+  if (token > 0 && text_.WordAt(token - 1) != kPageEndWord) return;
   size_t title = found;
   for (size_t i = 0; i < kTailTokens && title > 0 && !EndsRun(text_.WordAt(title - 1)); ++i) {
     --title;

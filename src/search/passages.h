@@ -11,7 +11,6 @@
 #include <string_view>
 
 #include "index/dictionary.h"
-#include "index/lookup_file.h"
 #include "search/ranking.h"
 #include "search/term_search.h"
 #include "settings/settings.h"
@@ -102,12 +101,12 @@ struct PassagePlan {
 struct PassageInput {
   const Settings& settings;
   const Dictionary& dictionary;
-  const LookupFile& lookup;
   std::string_view pageText;
   const PassageWords& words;
 };
 
-// Reads a few thousand tokens of the page at most.
+// Reads a few thousand tokens of the page at most; where its running text has none of the words,
+// all ahead of its title.
 void PlanPassages(const PassageInput& input, const ResultEntry& entry, PassagePlan& plan);
 
 }  // namespace vela

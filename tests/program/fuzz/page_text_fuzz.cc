@@ -111,14 +111,10 @@ void CheckPlan(const SnippetSource& source, const ResultEntry& entry, std::strin
   VELA_CHECK(StartTermSearch(search, list, source.settings));
   PassageWords words;
   words.Collect({search.terms.data(), search.terms.size()}, dictionary, source.settings);
-  const LookupFile noLookup;
   PassagePlan plan;
-  PlanPassages({.settings = source.settings,
-                .dictionary = dictionary,
-                .lookup = noLookup,
-                .pageText = file,
-                .words = words},
-               entry, plan);
+  PlanPassages(
+      {.settings = source.settings, .dictionary = dictionary, .pageText = file, .words = words},
+      entry, plan);
   VELA_CHECK(plan.count <= static_cast<int32_t>(PassagePlan::kPieceLimit));
   for (int32_t i = 0; i < plan.count; ++i) {
     const PassagePiece& piece = plan.pieces[static_cast<size_t>(i)];

@@ -89,7 +89,6 @@ struct Site {
     PassagePlan plan;
     PlanPassages({.settings = settings,
                   .dictionary = dictionary,
-                  .lookup = files.lookup,
                   .pageText = files.pageText.bytes(),
                   .words = words},
                  entry, plan);
@@ -202,6 +201,8 @@ TEST(Passages, ShowsHowAPageBeginsThatHasTheWordInItsTitleOnly) {
       "guide", 5);
   EXPECT_EQ(site.Shown({site.Place("Guide")}, 1), "Some pets are kept in");
   EXPECT_FALSE(site.isInText);
+  Site first("Some pets are kept in houses . / Cats Guide / pets.html | Guide |", "guide", 5);
+  EXPECT_EQ(first.Shown({first.Place("Guide")}), "Some pets are kept in");
 }
 
 TEST(Passages, NoPieceOfSignsAndNumbers) {
