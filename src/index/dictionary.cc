@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "text/find_folded.h"
+#include "text/fixed_text.h"
 #include "text/low_bytes.h"
 #include "text/numbers.h"
 
@@ -338,11 +339,50 @@ bool Dictionary::CollectByBeginning(std::string_view beginning, WordSet& found) 
 }
 
 size_t Dictionary::ListByBeginning(std::string_view beginning, std::span<uint32_t> numbers) const {
+  // No text of the lookup file is longer, so that none is listed without it.
+  if (beginning.empty() || beginning.size() > kLookupTextLimit) return 0;
+  if (lookup_ != nullptr) {
+    size_t count = 0;
+    if (vela::ListByBeginning(Sorted(), beginning, numbers, count)) return count;
+    LeaveLookup();
+  }
+  return ListInTable(beginning, numbers);
+}
+
+// By the bytes of the file: each of its texts is a line or begins one.
+size_t Dictionary::ListInTable(std::string_view beginning, std::span<uint32_t> numbers) const {
+  FixedText<kLookupTextLimit + 2> piece;
+  Append(piece, "\n");
+  Append(piece, beginning);
+  // While they are sorted, the places of the texts stand for the words.
   size_t count = 0;
-  if (lookup_ == nullptr || beginning.empty()) return 0;
-  if (vela::ListByBeginning(Sorted(), beginning, numbers, count)) return count;
-  LeaveLookup();
-  return 0;
+  int32_t number = 0;
+  const auto add = [&](size_t at) {
+    const std::string_view text = WordFrom(at);
+    number = WordAtPosition(at, number);
+    if (const size_t start = StartOf(number);
+        start != at && CompareFolded(text, WordFrom(start)) == 0) {
+      return;
+    }
+    size_t place = count;
+    while (place > 0 && CompareFolded(text, WordFrom(numbers[place - 1])) < 0) --place;
+    if (place == numbers.size()) return;
+    count = std::min(count + 1, numbers.size());
+    const std::span<uint32_t> behind = numbers.first(count).subspan(place);
+    std::shift_right(behind.begin(), behind.end(), 1);
+    behind[0] = static_cast<uint32_t>(at);
+  };
+  if (count_ != 0 && StartOf(0) == 0 &&
+      CompareFolded(bytes_.substr(0, beginning.size()), beginning) == 0) {
+    add(0);
+  }
+  for (size_t at = 0; (at = FindFolded(bytes_, View(piece), at)) != bytes_.npos;) {
+    if (++at >= StartOf(0)) add(at);
+  }
+  for (uint32_t& each : numbers.first(count)) {
+    each = static_cast<uint32_t>(WordAtPosition(each, 0));
+  }
+  return count;
 }
 
 // The last word from `from` on that begins at or before the position; `from` itself does.

@@ -68,8 +68,8 @@ class Dictionary {
   // every word.
   [[nodiscard]] bool CollectByBeginning(std::string_view beginning, WordSet& found) const;
 
-  // Lists the numbers of such words, as many as there is room for, and returns how many; 0 where
-  // that takes looking at every word.
+  // Lists the numbers of such words, as many as there is room for, in the order of the texts that
+  // begin so; one for each of those that differ from the word itself. Returns how many.
   size_t ListByBeginning(std::string_view beginning, std::span<uint32_t> numbers) const;
 
   // Collects those of words that hold `piece` anywhere, and of some others: by looking at the bytes
@@ -103,6 +103,7 @@ class Dictionary {
   std::string_view WordFrom(size_t start) const;
   int32_t WordAtPosition(size_t position, int32_t from) const;
   int32_t FindInTable(std::string_view word, int32_t from) const;
+  size_t ListInTable(std::string_view beginning, std::span<uint32_t> numbers) const;
 
   FileImage file_;
   std::string_view bytes_;  // up to where loading went

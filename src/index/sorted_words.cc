@@ -4,23 +4,11 @@
 #include <bit>
 
 #include "format/dictionary.h"
-#include "text/ascii.h"
+#include "text/find_folded.h"
 
 namespace vela {
 
 namespace {
-
-// Compares as if all ASCII letters were in lower case.
-int CompareFolded(std::string_view a, std::string_view b) {
-  const size_t shared = std::min(a.size(), b.size());
-  for (size_t i = 0; i < shared; ++i) {
-    const auto left = static_cast<unsigned char>(ToLowerAscii(a[i]));
-    const auto right = static_cast<unsigned char>(ToLowerAscii(b[i]));
-    if (left != right) return left < right ? -1 : 1;
-  }
-  if (a.size() == b.size()) return 0;
-  return a.size() < b.size() ? -1 : 1;
-}
 
 // The word whose line begins at `start`; empty where that lies beyond the dictionary.
 std::string_view WordFrom(const SortedWords& words, size_t start) {

@@ -79,4 +79,15 @@ size_t FindFolded(std::string_view text, std::string_view piece, size_t from) {
   return text.npos;
 }
 
+int CompareFolded(std::string_view a, std::string_view b) {
+  const size_t shared = std::min(a.size(), b.size());
+  for (size_t i = 0; i < shared; ++i) {
+    const auto left = static_cast<unsigned char>(ToLowerAscii(a[i]));
+    const auto right = static_cast<unsigned char>(ToLowerAscii(b[i]));
+    if (left != right) return left < right ? -1 : 1;
+  }
+  if (a.size() == b.size()) return 0;
+  return a.size() < b.size() ? -1 : 1;
+}
+
 }  // namespace vela

@@ -1,4 +1,4 @@
-// find_folded.h: finding a piece of text with ASCII letters alike in either case, in long texts.
+// find_folded.h: texts in which ASCII letters are alike in either case.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,11 @@
 
 namespace vela {
 
-// The first place from `from` on where `piece` (not empty) stands; npos for none.
+// The first place in a long text from `from` on where `piece` (not empty) stands; npos for none.
 size_t FindFolded(std::string_view text, std::string_view piece, size_t from);
+
+// Below 0, 0 or above 0, as `a` comes before `b` by its bytes, is the same text, or comes behind
+// it.
+int CompareFolded(std::string_view a, std::string_view b);
 
 }  // namespace vela

@@ -357,6 +357,30 @@ TEST(Dictionary, FindExact) {
   }
 }
 
+TEST(Dictionary, ListsWordsByHowTheyBegin) {
+  const std::string bytes =
+      "json 1 1\nJson\njson.load 2 1\njson.LOAD\nload 3 1\nJson-x\njson.a 4 0\nxjson.b 5 0\n";
+  Settings settings;
+  Prepare(settings);
+  Dictionary dictionary;
+  ASSERT_EQ(dictionary.Load(bytes, settings, kNoLookup).status, DictionaryStatus::kOk);
+  const auto list = [&](std::string_view beginning, size_t room) {
+    std::vector<uint32_t> numbers(room);
+    numbers.resize(dictionary.ListByBeginning(beginning, numbers));
+    return numbers;
+  };
+  // By the texts "json", "json-x", "json.a", "json.load"; spellings in other letters are none.
+  EXPECT_EQ(list("json", 8), (std::vector<uint32_t>{0, 2, 3, 1}));
+  EXPECT_EQ(list("json", 4), (std::vector<uint32_t>{0, 2, 3, 1}));
+  EXPECT_EQ(list("json", 2), (std::vector<uint32_t>{0, 2}));
+  EXPECT_EQ(list("JSON.", 8), (std::vector<uint32_t>{3, 1}));
+  EXPECT_EQ(list("load", 8), (std::vector<uint32_t>{2}));
+  EXPECT_EQ(list("b", 8), std::vector<uint32_t>());
+  EXPECT_EQ(list("json", 0), std::vector<uint32_t>());
+  EXPECT_EQ(list("", 8), std::vector<uint32_t>());
+  EXPECT_EQ(list(std::string(300, 'j'), 8), std::vector<uint32_t>());
+}
+
 TEST(Dictionary, DisplayTextByVariantNumber) {
   const std::string bytes = "run 40 3\nRun\n\nRUN\nwalk 50 0\n";
   Settings settings;

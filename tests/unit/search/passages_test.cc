@@ -182,6 +182,10 @@ TEST(Passages, RareWordsBeforeCommonOnes) {
 TEST(Passages, KnowsTheWordsThatAreJoinedWithIt) {
   Site site("json x1 x2 x3 x4 x5 x6 x7 x8 . Call json.load with files . |", "json files", 6);
   EXPECT_EQ(site.Shown({0, 14}), "Call [json.load] with [files] .");
+  const LookupFile none;
+  ASSERT_EQ(site.dictionary.Load(site.directory, site.settings, none).status,
+            DictionaryStatus::kOk);
+  EXPECT_EQ(site.Shown({0, 14}), "Call [json.load] with [files] .");
 }
 
 TEST(Passages, TakesTheWordFoundForATermThatIsNotWritten) {
