@@ -18,7 +18,8 @@ constexpr auto kPlainBytes = [] {
   for (int byte = 0; byte < 256; ++byte) {
     plain[static_cast<size_t>(byte)] = IsAlphaNumeric(static_cast<char>(byte));
   }
-  for (const char c : std::string_view("-._~/@:,;=+$!*()")) plain[static_cast<size_t>(c)] = true;
+  for (const char c : std::string_view("-._~/@:,;=+$!*()"))
+    plain[static_cast<unsigned char>(c)] = true;
   return plain;
 }();
 

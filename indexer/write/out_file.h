@@ -22,7 +22,7 @@ class OutFile {
 
   void Write(std::string_view bytes) {
     if (bytes.size() > kBufferBytes - used_) return WriteMore(bytes);
-    memcpy(buffer_.get() + used_, bytes.data(), bytes.size());
+    bytes.copy(buffer_.get() + used_, bytes.size());  // none of an empty one, wherever it is
     used_ += bytes.size();
   }
   // The low `bytes` bytes (1 to 8) of `value`, lowest first.
