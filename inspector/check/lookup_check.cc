@@ -14,22 +14,11 @@
 #include "index/text_pairs.h"
 #include "inspector/check/stored_texts.h"
 #include "inspector/findings/plain_text.h"
-#include "text/ascii.h"
+#include "text/find_folded.h"
 
 namespace vela::inspector {
 
 namespace {
-
-// Negative, 0 or positive, as the texts are in the order of the table.
-int CompareFolded(std::string_view a, std::string_view b) {
-  const size_t common = std::min(a.size(), b.size());
-  for (size_t i = 0; i < common; ++i) {
-    const auto left = static_cast<unsigned char>(ToLowerAscii(a[i]));
-    const auto right = static_cast<unsigned char>(ToLowerAscii(b[i]));
-    if (left != right) return left < right ? -1 : 1;
-  }
-  return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
-}
 
 class LookupCheck {
  public:
