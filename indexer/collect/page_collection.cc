@@ -55,7 +55,7 @@ void AddWords(const PageBlock& page, const std::string& address, PageCollection&
   const PageWords& ofAddress =
       chosen != page.addresses.end() ? chosen->words : page.addresses.front().words;
   PageTokens& tokens = collection.tokens;
-  JoinWords(page.words, ofAddress, number,
+  JoinWords({&page.words, &ofAddress}, number,
             {.vocabulary = collection.vocabulary,
              .signs = collection.signs,
              .sink = collection.input.sink},

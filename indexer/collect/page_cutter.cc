@@ -499,6 +499,13 @@ bool PageCutter::Cut(const PageTexts& page, PageWords& out, RunningText* running
   return !IsStopped();
 }
 
+void PageCutter::CutNames(std::string_view title, std::span<const std::string> texts,
+                          PageWords& out) {
+  BeginPage(out);
+  AddRun(title, kInTitle);
+  for (const std::string& text : texts) AddRun(text, kInDescription);
+}
+
 bool PageCutter::CutAddress(std::string_view text, PageWords& out) {
   BeginPage(out);
   AddRun(text, kInAddress);

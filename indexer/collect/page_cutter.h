@@ -7,6 +7,7 @@
 #include <array>
 #include <csignal>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,6 +53,9 @@ class PageCutter {
   // anything is before it. Fills `running` as well, unless it is null. False: it was stopped, and
   // what was filled is of half a page. After std::bad_alloc the cutter can be used on.
   [[nodiscard]] bool Cut(const PageTexts& page, PageWords& out, RunningText* running);
+  // Cuts what others say of a page, as far as it is not stopped: a title, and in kInDescription
+  // `texts`; each a run by itself, empty ones none.
+  void CutNames(std::string_view title, std::span<const std::string> texts, PageWords& out);
   // Cuts the words of an address, all of them in kInAddress.
   [[nodiscard]] bool CutAddress(std::string_view text, PageWords& out);
 

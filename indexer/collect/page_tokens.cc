@@ -23,7 +23,7 @@ class Texts {
   std::string_view rest_;
 };
 
-// `more` words of the page, or of its address, whose tokens begin at `firstToken`.
+// `more` words of the page, whose tokens begin at `firstToken`.
 struct Joining {
   const PageWords& more;
   uint32_t pageNumber = 0;
@@ -40,7 +40,7 @@ void AddTo(uint8_t& count, uint8_t more) {
 Posting& PostingOf(const Joining& joining, uint32_t number, uint32_t token) {
   Word& word = joining.site.vocabulary.words[number];
   if (word.lastPage == joining.pageNumber) {
-    // One of the few words of its address that stand on the page too.
+    // One of the few words of its address, or of another stretch, that stand on the page too.
     return *std::ranges::find(joining.out.postings, number, &Posting::word);
   }
   word.lastPage = joining.pageNumber;
@@ -127,19 +127,22 @@ void Join(const Joining& joining, uint32_t end) {
 
 }  // namespace
 
-void JoinWords(const PageWords& page, const PageWords& address, uint32_t pageNumber,
+void JoinWords(std::initializer_list<const PageWords*> stretches, uint32_t pageNumber,
                const SiteWords& site, PageTokens& out) {
   out.postings.clear();
   out.tokenCount = 0;
-  const bool isBehind = page.tokenCount != 0 && address.tokenCount != 0;
-  Join({.more = page, .pageNumber = pageNumber, .firstToken = 0, .site = site, .out = out},
-       isBehind ? kRunEndWord : kNone32);
-  Join({.more = address,
-        .pageNumber = pageNumber,
-        .firstToken = out.tokenCount,
-        .site = site,
-        .out = out},
-       kPageEndWord);
+  for (const PageWords* const* at = stretches.begin(); at != stretches.end(); ++at) {
+    const bool isLast = at + 1 == stretches.end();
+    const bool isRun = (*at)->tokenCount != 0 &&
+                       std::any_of(at + 1, stretches.end(),
+                                   [](const PageWords* words) { return words->tokenCount != 0; });
+    Join({.more = **at,
+          .pageNumber = pageNumber,
+          .firstToken = out.tokenCount,
+          .site = site,
+          .out = out},
+         isLast ? kPageEndWord : (isRun ? kRunEndWord : kNone32));
+  }
   for (const Posting& posting : out.postings) {
     Word& word = site.vocabulary.words[posting.word];
     word.mostOnPage = std::max(word.mostOnPage, posting.total);

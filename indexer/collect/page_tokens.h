@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -94,8 +95,9 @@ struct SiteWords {
 };
 
 // Joins the page of that number, higher than those before, to the site; its text has then gone to
-// the sink. `address` are the words of its address, which stand at the end.
-void JoinWords(const PageWords& page, const PageWords& address, uint32_t pageNumber,
+// the sink. Its words stand in `stretches`, one behind the other, each a run of its own where it is
+// not empty: those of the page itself come first, those of its address last.
+void JoinWords(std::initializer_list<const PageWords*> stretches, uint32_t pageNumber,
                const SiteWords& site, PageTokens& out);
 
 }  // namespace vela::indexer

@@ -24,7 +24,8 @@ struct CutResult {
     const TextSink sink = [this](const TextStretch& stretch) {
       ForEachToken(stretch, [this](PageToken token) { tokens.push_back(token); });
     };
-    JoinWords(page, address, number, {.vocabulary = site, .signs = siteSigns, .sink = sink}, words);
+    JoinWords({&page, &address}, number, {.vocabulary = site, .signs = siteSigns, .sink = sink},
+              words);
     EXPECT_EQ(tokens.size(), words.tokenCount);
   }
   const Posting* Find(std::string_view text) const {
@@ -92,6 +93,48 @@ TEST(PageTokens, RunsStandInOrder) {
   EXPECT_EQ(CutOf({}, "Title").Tokens(), "title .");
   EXPECT_EQ(CutOf({{"body", 0}}, "...", "", "a").Tokens(), "body | a .");
   EXPECT_EQ(CutOf({}, "").Tokens(), ".");
+}
+
+TEST(PageTokens, WhatOthersSayStandsBeforeTheAddress) {
+  const IndexCharset utf8;
+  PageCutter cutter(utf8, -1, {});
+  const struct {
+    const char *what, *title, *expected;
+    std::vector<std::string> texts;
+  } kCases[] = {
+      {"texts", "", "own | a heron | heron fishing | dir .", {"A heron", "heron fishing"}},
+      {"a title", "Reeds", "own | reeds | a heron | dir .", {"A heron"}},
+      {"no words", "", "own | dir .", {"...", ""}},
+      {"nothing", "", "own | dir .", {}},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    CutResult page = CutOf({{"own", 0}}, "", "", "dir");
+    PageWords names;
+    cutter.CutNames(c.title, c.texts, names);
+    page.tokens.clear();
+    Vocabulary site;
+    SignEntries signs;
+    JoinWords({&page.page, &names, &page.address}, 0,
+              {.vocabulary = site,
+               .signs = signs,
+               .sink =
+                   [&page](const TextStretch& stretch) {
+                     ForEachToken(stretch,
+                                  [&page](PageToken token) { page.tokens.push_back(token); });
+                   }},
+              page.words);
+    page.vocabulary = std::move(site);
+    EXPECT_EQ(page.Tokens(), c.expected);
+    EXPECT_EQ(page.words.tokenCount, page.tokens.size());
+    const Posting* heron = page.Find("heron");
+    ASSERT_EQ(heron == nullptr, std::string_view(c.expected).find("heron") == std::string::npos);
+    if (heron == nullptr) continue;
+    EXPECT_EQ(heron->zones, kInDescription);
+    EXPECT_EQ(heron->total, c.texts.size());
+    EXPECT_EQ(heron->body, 0u);
+    EXPECT_EQ(page.tokens[heron->token].number, kWordBase + heron->word);
+  }
 }
 
 TEST(PageTokens, BetweenPiecesABlankIsATokenAndNothingIsNone) {

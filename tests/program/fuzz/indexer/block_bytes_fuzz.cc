@@ -36,7 +36,7 @@ void CheckJoining(const indexer::PageBlock& block) {
   };
   uint32_t number = 0;
   for (const AddressBlock& address : block.addresses) {
-    JoinWords(block.words, address.words, number++, {vocabulary, signs, sink}, tokens);
+    JoinWords({&block.words, &address.words}, number++, {vocabulary, signs, sink}, tokens);
   }
   SiteSections sections(std::filesystem::temp_directory_path());
   AddSections(block.sections, 0, block.words.bodyTokens, sections);
