@@ -62,13 +62,14 @@ IndexSummary BuildPart(const Options& given, Progress& progress,
                        .stop = stop,
                        .memory = memory});
   reading.state = state.get();
+  size_t done = 0;
   ForEachItem(reading, JobsOf(options), memory.waiting,
               [&](size_t item, Reason reason, const PageBlock& block) {
                 CheckStop(stop);
                 summary.sourceBytes += block.facts.fileSize;
                 if (reason == Reason::kNone) ++summary.pages;
                 if (reason != Reason::kNone) AddLeftOut(summary.files, reason, items[item].path);
-                progress.Step(item + 1);
+                progress.Step(++done);
               });
   state->NotePart(PartText(notes));
   summary.part = std::to_string(part->number) + " of " + std::to_string(part->count);

@@ -18,6 +18,7 @@
 #include "indexer/extract/page_date.h"
 #include "indexer/extract/read_page.h"
 #include "indexer/extract/reading_notes.h"
+#include "indexer/joining_order.h"
 #include "indexer/link_check.h"
 #include "indexer/open_source.h"
 #include "indexer/passing_folder.h"
@@ -233,6 +234,7 @@ class Explainer {
     std::string origin = "its own title";
     if (content.title.empty()) {
       origin = HeadingTitle(content).empty() ? "the name of its file" : "its first heading";
+      if (!SaysAnything(content)) origin += ", unless a page has an alternative text for it";
     }
     if (seen.facts.title != page.facts.title) {
       origin += ", where it is " + Quoted(page.facts.title) + " (site_name)";
@@ -299,9 +301,11 @@ class Explainer {
                                .sink = [](const TextStretch&) {}},
                               folder.path());
     for (const SourceItem& each : listing_.items) collection.addresses.AddItem(each.address);
+    AddPictures(listing_.items, collection);
     std::vector<std::string> joined;
     const bool compares = listing_.items.size() <= kComparedPages;
     if (compares) JoinPagesBefore(item, collection, joined);
+    if (item.type == FileType::kPicture) SayPictureTexts(item, compares, collection);
     Reason reason = maker_->Make(page, block_);
     CheckStop(stop_);
     PageEntry entry;
@@ -332,21 +336,39 @@ class Explainer {
   void JoinPagesBefore(const SourceItem& item, PageCollection& collection,
                        std::vector<std::string>& joined) {
     progress_.Begin("Comparing with the pages before", listing_.items.size());
-    for (size_t i = 0; i < listing_.items.size() && listing_.items[i].path != item.path; ++i) {
+    const JoiningOrder order(listing_.items, IndexesPictures(options_.config));
+    for (size_t i = 0; i < listing_.items.size(); ++i) {
+      const SourceItem before = listing_.items[order[i]];
+      if (before.path == item.path) break;
       CheckStop(stop_);
       FileContent file;
       Page page;
       PageEntry entry;
       progress_.Step(i + 1);
-      if (opened_.source->Read(listing_.items[i], file) != Reason::kNone ||
-          ReadPage(listing_.items[i], std::move(file), wishes_, {.stop = &stop_}, page) !=
-              Reason::kNone ||
+      if (opened_.source->Read(before, file) != Reason::kNone ||
+          ReadPage(before, std::move(file), wishes_, {.stop = &stop_}, page) != Reason::kNone ||
           maker_->Make(page, block_) != Reason::kNone ||
           AddPage(block_, collection, entry) != Reason::kNone) {
         continue;
       }
       joined.push_back(PlainAddress(entry.address));
     }
+  }
+
+  // What the pages, which have joined `collection`, say of a picture.
+  void SayPictureTexts(const SourceItem& item, bool areKnown, const PageCollection& collection) {
+    std::string what =
+        "not looked for, as the site has more than " + CountText(kComparedPages) + " pages";
+    std::vector<std::string> details;
+    if (areKnown) {
+      for (const std::string& text : collection.pictures->texts.Of(item.address)) {
+        details.push_back(Quoted(Excerpt(text)));
+      }
+      what = details.empty() ? "no page has one for it"
+                             : Counted(details.size(), "text", "texts") +
+                                   " of pages that show it, by which it is found";
+    }
+    Say("Alternatives", what, std::move(details));
   }
 
   void SayRules(const PageEntry& entry) {

@@ -72,12 +72,14 @@ Reason MakeItemBlock(PageReading& reading, size_t number, BlockMaker& maker, Pag
 void ForEachItem(PageReading& reading, unsigned jobs, size_t waitingBytes, const UseBlock& use) {
   const auto newMaker = [&]() -> MakeBlock {
     const auto maker = std::make_shared<BlockMaker>(reading.blocks);
-    return [&reading, maker](size_t item, PageBlock& block) {
-      return MakeItemBlock(reading, item, *maker, block);
+    return [&reading, maker](size_t place, PageBlock& block) {
+      return MakeItemBlock(reading, reading.order[place], *maker, block);
     };
   };
   ForEachBlock({.items = reading.items.size(), .jobs = jobs, .waitingBytes = waitingBytes},
-               newMaker, use);
+               newMaker, [&](size_t place, Reason reason, PageBlock& block) {
+                 use(reading.order[place], reason, block);
+               });
 }
 
 }  // namespace vela::indexer

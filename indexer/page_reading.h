@@ -12,6 +12,7 @@
 #include "indexer/extract/content_choice.h"
 #include "indexer/extract/document_readers.h"
 #include "indexer/extract/read_page.h"
+#include "indexer/joining_order.h"
 #include "indexer/link_check.h"
 #include "indexer/memory_plan.h"
 #include "indexer/page_workers.h"
@@ -38,6 +39,7 @@ struct PageReading {
   explicit PageReading(const ReadingInput& input)
       : source(input.source),
         items(input.items),
+        order(input.items, IndexesPictures(input.config)),
         content(input.config, input.base),
         wishes{.images = input.config.images,
                .recognisesLanguages = input.config.recognisesLanguages,
@@ -53,6 +55,7 @@ struct PageReading {
 
   const Source& source;
   const ItemList& items;
+  const JoiningOrder order;
   DocumentReaders documents;
   const ContentChoices content;
   const PageWishes wishes;
@@ -64,7 +67,8 @@ struct PageReading {
   const MergedParts* parts = nullptr;  // not owned; null: the site is read by this run
 };
 
-// Makes the items that `reading` is about into blocks, each of which `use` takes in its turn.
+// Makes the items that `reading` is about into blocks, each of which `use` takes in its turn, which
+// PageReading::order gives.
 void ForEachItem(PageReading& reading, unsigned jobs, size_t waitingBytes, const UseBlock& use);
 
 }  // namespace vela::indexer

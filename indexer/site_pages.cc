@@ -80,6 +80,7 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
   run.summary.otherKinds = std::move(listing.otherKinds);
   std::ranges::move(listing.unused, std::back_inserter(run.summary.warnings));
   for (const SourceItem& item : items) pages.collection.addresses.AddItem(item.address);
+  AddPictures(items, pages.collection);
   run.progress.Begin("Reading pages", items.size());
   PageReading reading({.source = source,
                        .items = items,
@@ -91,6 +92,7 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
   reading.links = links.has_value() ? &*links : nullptr;
   reading.state = run.state;
   reading.parts = run.parts;
+  size_t done = 0;
   ForEachItem(reading, JobsOf(run.options), run.memory.waiting,
               [&](size_t item, Reason reason, const PageBlock& block) {
                 run.mayDiffer = run.mayDiffer || IsPassing(reason);
@@ -98,7 +100,7 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
                 if (reason == Reason::kNone) run.summary.sectionPages += block.pieces.size();
                 CheckStop(run.stop);  // perhaps in the middle of the page
                 Report(items[item], reason, run, pages);
-                run.progress.Step(item + 1);
+                run.progress.Step(++done);
               });
   if (pages.collection.pages.empty()) {
     WriteTextReport(run.options, run.summary);

@@ -1,4 +1,4 @@
-// site_pages.h: the pages of the site as they join the index, in the order of the site's list.
+// site_pages.h: the pages of the site as they join the index, in the order of JoiningOrder.
 #pragma once
 
 #include <vector>

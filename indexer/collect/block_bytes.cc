@@ -318,6 +318,16 @@ void ReadLinkWords(Reader& in, PageBlock& block) {
   }
 }
 
+void ReadPictureTexts(Reader& in, PageBlock& block) {
+  constexpr size_t kLeastText = 10;
+  block.pictureTexts.resize(in.Count(kLeastText));
+  for (PictureText& each : block.pictureTexts) {
+    each.picture = in.Fixed();
+    each.text = in.Text(kPictureTextLimit);
+    in.Check(!each.text.empty());
+  }
+}
+
 void ReadAddresses(Reader& in, PageBlock& block) {
   constexpr size_t kLeastAddress = 11;
   block.addresses.resize(in.Count(kLeastAddress));
@@ -392,6 +402,8 @@ bool ReadFields(Reader& in, Nesting nesting, PageBlock& block) {
   ReadAddresses(in, block);
   ReadSections(in, block);
   ReadLinkWords(in, block);
+  ReadPictureTexts(in, block);
+  block.isSilent = in.Flag();
   ReadSuggestions(in, block.suggestions);
   block.anchor = in.Text(kSectionAnchorLimit);
   ReadPieces(in, nesting, block);
@@ -442,6 +454,12 @@ std::string BlockBytes(const PageBlock& block) {
     out.Fixed(link.address);
     out.Fixed(link.word);
   }
+  out.Number(block.pictureTexts.size());
+  for (const PictureText& each : block.pictureTexts) {
+    out.Fixed(each.picture);
+    out.Text(each.text);
+  }
+  out.Number(block.isSilent ? 1 : 0);
   WriteSuggestions(block.suggestions, out);
   out.Text(block.anchor);
   out.Number(block.pieces.size());

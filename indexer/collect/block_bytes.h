@@ -22,7 +22,7 @@
 
 namespace vela::indexer {
 
-constexpr uint8_t kBlockVersion = 5;
+constexpr uint8_t kBlockVersion = 6;
 
 std::string BlockBytes(const PageBlock& block);
 

@@ -18,12 +18,10 @@ namespace vela::indexer {
 namespace {
 
 CutRules CutRulesOf(const BlockInput& input) {
-  // The scripts concerned are those of UTF-8 alone, as for the search.
-  const bool cutsPieces = input.charset.utf8() && ExtensionValue(input.config, "CutRuns") != 0;
-  return {.runs = cutsPieces ? RunCut::kPieces : RunCut::kWords,
-          .endsHeadings = ExtensionValue(input.config, "Passages") != 0,
-          .memory = input.memory,
-          .stop = input.stop};
+  CutRules rules = CutRulesOf(input.config, input.charset);
+  rules.memory = input.memory;
+  rules.stop = input.stop;
+  return rules;
 }
 
 // What of `title` is not in `seen`: the names around it, or all of it.
@@ -66,6 +64,7 @@ size_t MemoryOf(const PageBlock& block) {
     bytes += sizeof each + each.anchor.capacity() + each.heading.capacity();
   }
   bytes += block.linkWords.capacity() * sizeof(LinkWord);
+  for (const PictureText& each : block.pictureTexts) bytes += sizeof each + each.text.capacity();
   for (const PageSuggestions::Text& each : block.suggestions.texts) {
     bytes += sizeof each + each.text.capacity();
   }
@@ -74,6 +73,13 @@ size_t MemoryOf(const PageBlock& block) {
   const RunningText& running = block.suggestions.running;
   return bytes + running.words.capacity() * sizeof(RunningText::Word) + running.texts.capacity() +
          running.sequence.capacity();
+}
+
+CutRules CutRulesOf(const SiteConfig& config, const IndexCharset& charset) {
+  // The scripts concerned are those of UTF-8 alone, as for the search.
+  const bool cutsPieces = charset.utf8() && ExtensionValue(config, "CutRuns") != 0;
+  return {.runs = cutsPieces ? RunCut::kPieces : RunCut::kWords,
+          .endsHeadings = ExtensionValue(config, "Passages") != 0};
 }
 
 BlockMaker::BlockMaker(const BlockInput& input)
@@ -85,9 +91,15 @@ BlockMaker::BlockMaker(const BlockInput& input)
 
 Reason BlockMaker::Make(const Page& page, PageBlock& block) {
   const SiteHabits& habits = input_.config.habits;
-  if (!ChangesPage(habits, page)) return MakeWhole(page, {}, block);
-  const Page seen = AsSeen(habits, page);
-  return MakeWhole(seen, TakenOffTitle(page.facts.title, seen.facts.title), block);
+  Reason reason = Reason::kNone;
+  if (!ChangesPage(habits, page)) {
+    reason = MakeWhole(page, {}, block);
+  } else {
+    const Page seen = AsSeen(habits, page);
+    reason = MakeWhole(seen, TakenOffTitle(page.facts.title, seen.facts.title), block);
+  }
+  block.isSilent = !SaysAnything(page.content) && page.facts.fileType == FileType::kPicture;
+  return reason;
 }
 
 Reason BlockMaker::MakeWhole(const Page& page, const std::string& takenOff, PageBlock& block) {
@@ -138,6 +150,9 @@ Reason BlockMaker::MakeOf(const Page& page, const std::string& takenOff, PageBlo
   }
   if (CountsLinkTexts(input_.config)) {
     block.linkWords = links_.WordsOf(page);
+  }
+  if (!page.content.pictures.empty()) {
+    block.pictureTexts = PictureTextsOf(page, input_.base, input_.config.endings);
   }
   block.addresses.push_back({.address = facts.address, .words = {}});
   std::string other = OtherAddress(input_.base, facts.address, facts.canonical);

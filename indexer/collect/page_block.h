@@ -11,6 +11,7 @@
 #include "indexer/collect/link_texts.h"
 #include "indexer/collect/page_cutter.h"
 #include "indexer/collect/page_words.h"
+#include "indexer/collect/picture_texts.h"
 #include "indexer/collect/site_sections.h"
 #include "indexer/collect/suggestion_list.h"
 #include "indexer/config/site_config.h"
@@ -39,7 +40,9 @@ struct PageBlock {
   PageWords words;                      // of body, title, description
   std::vector<AddressBlock> addresses;  // its own, and the other one if it names one
   std::vector<PageSection> sections;
-  std::vector<LinkWord> linkWords;  // empty where CountsLinkTexts says no
+  std::vector<LinkWord> linkWords;        // empty where CountsLinkTexts says no
+  std::vector<PictureText> pictureTexts;  // empty where pictures are no pages
+  bool isSilent = false;  // a picture that says nothing of itself: a page where others do
   PageSuggestions suggestions;
   std::string anchor;             // of a section: by which the page's address leads to it
   std::vector<PageBlock> pieces;  // sections that are pages of their own; a section has none
@@ -56,6 +59,9 @@ struct BlockInput {
   const volatile std::sig_atomic_t* stop = nullptr;  // not owned; null: nobody can stop it
   size_t memory = CutRules().memory;                 // see there
 };
+
+// By which rules the texts of an index are cut.
+CutRules CutRulesOf(const SiteConfig& config, const IndexCharset& charset);
 
 // Makes one block after the other; several makers share nothing.
 class BlockMaker {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <utility>
 
 #include "format/page_data.h"
@@ -9,6 +10,7 @@
 #include "indexer/config/extensions.h"
 #include "indexer/report/index_error.h"
 #include "indexer/site/address.h"
+#include "indexer/words/stored_text.h"
 
 namespace vela::indexer {
 
@@ -40,22 +42,38 @@ void CheckRoomForPage(const PageCollection& collection) {
 // What postings may take beside the rest.
 size_t PostingMemory(const PageCollection& collection) {
   const size_t memory = collection.input.memory;
+  const size_t ofPictures =
+      collection.pictures.has_value() ? collection.pictures->texts.memory() : 0;
   const size_t taken = MemoryOf(collection.vocabulary) + collection.linkTexts.memory() +
-                       collection.suggestions.memory() + collection.pages.memory() +
+                       ofPictures + collection.suggestions.memory() + collection.pages.memory() +
                        collection.addresses.memory() + collection.equal.memory() +
                        collection.similar.memory();
   return std::clamp(memory - std::min(memory, taken), memory / kLeastPostingPart,
                     kMostPostingBytes);
 }
 
+// What the pages before say of the picture `page`, beside what it says itself.
+std::vector<std::string> PictureTextsFor(const PageBlock& page, const PageCollection& collection) {
+  std::vector<std::string> texts;
+  if (!collection.pictures.has_value() || page.facts.fileType != FileType::kPicture) return texts;
+  for (const std::string& text : collection.pictures->texts.Of(page.facts.address)) {
+    const std::string stored = StoredText(text, collection.input.charset);
+    if (stored != page.facts.title && stored != page.description) texts.push_back(text);
+  }
+  return texts;
+}
+
 // Hands the page's tokens and postings on. `address` is the one that it is indexed under.
-void AddWords(const PageBlock& page, const std::string& address, PageCollection& collection) {
+void AddWords(const PageBlock& page, const std::string& address, PageCollection& collection,
+              std::span<const std::string> pictureTexts = {}) {
   const auto number = static_cast<uint32_t>(collection.pages.size());
   const auto chosen = std::ranges::find(page.addresses, address, &AddressBlock::address);
   const PageWords& ofAddress =
       chosen != page.addresses.end() ? chosen->words : page.addresses.front().words;
+  PageWords ofTexts;
+  if (!pictureTexts.empty()) collection.pictures->cutter.CutNames({}, pictureTexts, ofTexts);
   PageTokens& tokens = collection.tokens;
-  JoinWords({&page.words, &ofAddress}, number,
+  JoinWords({&page.words, &ofTexts, &ofAddress}, number,
             {.vocabulary = collection.vocabulary,
              .signs = collection.signs,
              .sink = collection.input.sink},
@@ -69,6 +87,7 @@ void AddWords(const PageBlock& page, const std::string& address, PageCollection&
                               .linkShare = page.linkShare});
   collection.tokenCount += tokens.tokenCount;
   if (CountsLinkTexts(collection.input.config)) collection.linkTexts.Add(page.linkWords);
+  if (collection.pictures.has_value()) collection.pictures->texts.Add(page.pictureTexts);
 }
 
 // The addresses by which rules may name a page: those of its file, of the folder whose index page
@@ -101,19 +120,16 @@ std::optional<uint32_t> SimilarTo(const PagePrints& page, const PageCollection& 
   return collection.similar.SimilarTo(page.similar);
 }
 
-}  // namespace
+// Texts of pictures are short and few: what is known of the words before is worth little memory.
+CutRules RulesForPictures(const CollectionInput& input) {
+  CutRules rules = CutRulesOf(input.config, input.charset);
+  rules.memory = size_t{1} << 20;
+  return rules;
+}
 
-PageCollection::PageCollection(const CollectionInput& collectionInput,
-                               const std::filesystem::path& folder)
-    : input(collectionInput),
-      addresses(input.base),
-      forms(input.charset, input.config.stemming),
-      postings(folder, input.memory),
-      sections(folder),
-      rules(input.config),
-      usedFields(input.config.fields.size()) {}
-
-Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry) {
+// AddPage, for a page of which others say `pictureTexts`.
+Reason AddWith(std::span<const std::string> pictureTexts, const PageBlock& page,
+               PageCollection& collection, PageEntry& entry) {
   const PageFacts& facts = page.facts;
   std::string address;
   const Reason reason = collection.addresses.Choose(facts.address, facts.canonical, address);
@@ -162,10 +178,57 @@ Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& ent
   collection.fileDates.AddPage(number, facts);
   CountContent(page.use, collection.content);
   NoteMetaValues(page, collection);
-  AddWords(page, address, collection);
+  if (entry.description.empty() && !pictureTexts.empty()) {
+    entry.description =
+        StoredText(pictureTexts.front(), kPageDescriptionLimit, collection.input.charset);
+  }
+  AddWords(page, address, collection, pictureTexts);
   if (collection.input.config.suggestions) collection.suggestions.AddPage(page.suggestions);
   collection.sourceBytes += facts.fileSize;
   return Reason::kNone;
+}
+
+// A picture that says nothing of itself has the first of `texts`, which others say of it, as its
+// title, in the place of the name of its file.
+Reason AddSilentPicture(std::span<const std::string> texts, const PageBlock& page,
+                        PageCollection& collection, PageEntry& entry) {
+  if (texts.empty()) return Reason::kNoText;
+  const CollectionInput& input = collection.input;
+  PageBlock titled = page;
+  titled.facts.title = StoredText(texts.front(), kPageTitleLimit, input.charset);
+  collection.pictures->cutter.CutNames(texts.front(), {}, titled.words);
+  if (input.config.suggestions) titled.suggestions = SuggestionsOf(PageContent(), texts.front());
+  return AddWith(texts.subspan(1), titled, collection, entry);
+}
+
+}  // namespace
+
+SitePictures::SitePictures(const CollectionInput& input)
+    : cutter(input.charset, input.config.stemming, RulesForPictures(input)) {}
+
+PageCollection::PageCollection(const CollectionInput& collectionInput,
+                               const std::filesystem::path& folder)
+    : input(collectionInput),
+      addresses(input.base),
+      forms(input.charset, input.config.stemming),
+      postings(folder, input.memory),
+      sections(folder),
+      rules(input.config),
+      usedFields(input.config.fields.size()) {
+  if (IndexesPictures(input.config)) pictures.emplace(input);
+}
+
+void AddPictures(const ItemList& items, PageCollection& collection) {
+  if (!collection.pictures.has_value()) return;
+  for (const SourceItem& item : items) {
+    if (item.type == FileType::kPicture) collection.pictures->texts.AddPicture(item.address);
+  }
+}
+
+Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry) {
+  const std::vector<std::string> texts = PictureTextsFor(page, collection);
+  if (page.isSilent) return AddSilentPicture(texts, page, collection, entry);
+  return AddWith(texts, page, collection, entry);
 }
 
 void AddSectionPage(const PageBlock& section, const PageEntry& page, PageCollection& collection,
@@ -188,6 +251,7 @@ void AddSectionPage(const PageBlock& section, const PageEntry& page, PageCollect
 void EndJoining(PageCollection& collection) {
   collection.equal = EqualPages();
   collection.similar = SimilarPages();
+  collection.pictures.reset();
   collection.vocabulary.table = NumberTable();
   collection.tokens = PageTokens();
 }

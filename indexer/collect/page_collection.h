@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "indexer/collect/page_block.h"
 #include "indexer/collect/page_entry.h"
 #include "indexer/collect/page_tokens.h"
+#include "indexer/collect/picture_texts.h"
 #include "indexer/collect/postings.h"
 #include "indexer/collect/sign_entries.h"
 #include "indexer/collect/similar_pages.h"
@@ -25,6 +27,7 @@
 #include "indexer/extract/page.h"
 #include "indexer/report/left_out.h"
 #include "indexer/site/canonical_addresses.h"
+#include "indexer/source/item_list.h"
 #include "indexer/words/index_charset.h"
 #include "indexer/words/word_forms.h"
 
@@ -37,6 +40,14 @@ struct CollectionInput {
   const IndexCharset& charset;
   size_t memory = 0;  // bytes that all of it may take, nearly; what can goes to disk before that
   TextSink sink;      // takes the text of the pages that join
+};
+
+// Of a site whose pictures are pages: what its pages say of them, and what cuts it.
+struct SitePictures {
+  explicit SitePictures(const CollectionInput& input);
+
+  PictureTexts texts;
+  PageCutter cutter;
 };
 
 // A page that is left out for another one.
@@ -52,6 +63,7 @@ struct PageCollection {
   CollectionInput input;
   CanonicalAddresses addresses;
   LinkTexts linkTexts;
+  std::optional<SitePictures> pictures;  // none where they are no pages
   EqualPages equal;
   SimilarPages similar;
   WordForms forms;
@@ -72,8 +84,12 @@ struct PageCollection {
   uint64_t sourceBytes = 0;         // of the pages' files
 };
 
+// Tells what of the items are pictures, where these are pages. Before the first page.
+void AddPictures(const ItemList& items, PageCollection& collection);
+
 // Joins the block of one page to the collection: its text has then gone to the sink, what the
-// page table keeps of it is in `entry`. kCopy, kEqual, kSimilar, kAddressTooLong: it is left out.
+// page table keeps of it is in `entry`. kCopy, kEqual, kSimilar, kAddressTooLong, kNoText: it is
+// left out. A picture comes behind the pages that show it.
 // Throws IndexError when the index is full or a temporary file cannot be written.
 [[nodiscard]] Reason AddPage(const PageBlock& page, PageCollection& collection, PageEntry& entry);
 

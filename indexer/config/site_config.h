@@ -156,4 +156,9 @@ struct SiteConfig {
   std::map<std::string, SettingValue, std::less<>> settings;
 };
 
+// Whether pictures are pages of their own.
+inline bool IndexesPictures(const SiteConfig& config) {
+  return !config.endings[static_cast<size_t>(FileType::kPicture)].empty();
+}
+
 }  // namespace vela::indexer

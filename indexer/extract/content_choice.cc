@@ -9,7 +9,7 @@ namespace vela::indexer {
 
 namespace {
 
-ContentChoice ChoiceOf(const ContentRule& rule, uint32_t number) {
+ContentChoice ChoiceOf(const ContentRule& rule, bool namesPictures, uint32_t number) {
   ContentChoice choice;
   for (const ElementSelector& each : rule.excludeElements) {
     choice.selectors.Add(each, SelectorUse::kExclude);
@@ -20,6 +20,7 @@ ContentChoice ChoiceOf(const ContentRule& rule, uint32_t number) {
   choice.hasOnly = !rule.onlyElements.empty();
   choice.indexesNavigation = rule.indexesNavigation;
   choice.prefersMain = rule.prefersMain;
+  choice.namesPictures = namesPictures;
   choice.rule = number;
   return choice;
 }
@@ -27,15 +28,15 @@ ContentChoice ChoiceOf(const ContentRule& rule, uint32_t number) {
 }  // namespace
 
 const ContentChoice& PlainContentChoice() {
-  static const ContentChoice plain = ChoiceOf(ContentRule(), 0);
+  static const ContentChoice plain = ChoiceOf(ContentRule(), false, 0);
   return plain;
 }
 
 ContentChoices::ContentChoices(const SiteConfig& config, std::string base)
-    : base_(std::move(base)), site_(ChoiceOf(config.content, 0)) {
+    : base_(std::move(base)), site_(ChoiceOf(config.content, IndexesPictures(config), 0)) {
   for (const ContentRule& rule : config.contentRules) {
     const auto number = static_cast<uint32_t>(rules_.size() + 1);
-    rules_.push_back({rule.pages, ChoiceOf(rule, number)});
+    rules_.push_back({rule.pages, ChoiceOf(rule, site_.namesPictures, number)});
   }
 }
 

@@ -16,7 +16,8 @@ struct ContentChoice {
   bool hasOnly = false;  // some of them choose
   bool indexesNavigation = false;
   bool prefersMain = false;
-  uint32_t rule = 0;  // see ContentUse
+  bool namesPictures = false;  // what pages say of pictures is kept for these
+  uint32_t rule = 0;           // see ContentUse
 };
 
 // Where the configuration says nothing.

@@ -136,6 +136,21 @@ std::string TagText(const Tag& tag) {
   return text + ">";
 }
 
+// Leaves out what stands outside of the region `from` and those within it; `regions` stand beside
+// `things`.
+template <typename Thing>
+void LeaveOutBefore(TextRegion from, const std::vector<TextRegion>& regions,
+                    std::vector<Thing>& things) {
+  if (from == TextRegion::kPage) return;
+  size_t kept = 0;
+  for (size_t i = 0; i < things.size(); ++i) {
+    if (regions[i] < from) continue;
+    if (kept != i) things[kept] = std::move(things[i]);
+    ++kept;
+  }
+  things.resize(kept);
+}
+
 // Whether it is one to another page.
 bool LeadsToPage(const Tag& tag) {
   return tag.element == Element::kA && HasAttribute(tag, Attribute::kHref) && !IsSkipLink(tag);
@@ -266,6 +281,7 @@ ElementRole HtmlContent::Begin(const Tag& tag, bool isHtml, const TextState& aro
     AddText(alternative, around);
     if (notes != nullptr && around.part == 0) notes->pictureTexts.append(alternative).append(" ");
     Break(around);
+    if (choice.namesPictures) AddPicture(tag, alternative, around);
     return role;
   }
   if (role.breaksWords) AddToLink(" ");
@@ -361,6 +377,25 @@ void HtmlContent::EndLink() {
   linkRegions.push_back(openLinkRegion);
 }
 
+// Of what surrounds the content of a page pictures get no texts, as links there name nothing. The
+// text of a small picture that leads to a large one is that of both.
+void HtmlContent::AddPicture(const Tag& tag, std::string alternative, const TextState& around) {
+  if (around.style.share == TextShare::kFrame || around.isInNavigation) return;
+  alternative = OneLine(std::move(alternative));
+  if (alternative.size() > kPictureTextLimit) {
+    size_t end = kPictureTextLimit;
+    while ((static_cast<unsigned char>(alternative[end]) >> 6) == 2) --end;
+    alternative.resize(end);
+  }
+  if (alternative.empty()) return;
+  for (const std::string& address : {AttributeValue(tag, Attribute::kSrc), openLink.address}) {
+    const size_t bytes = sizeof(PagePicture) + address.size() + alternative.size();
+    if (address.empty() || !TakeBytes(budget, bytes)) continue;
+    page.pictures.push_back({address, alternative});
+    pictureRegions.push_back(around.style.region);
+  }
+}
+
 void HtmlContent::AddText(std::string_view added, const TextState& state) {
   if (notes != nullptr) NoteText(added, state);
   if (state.isInert) return;
@@ -418,7 +453,8 @@ void HtmlContent::Finish() {
     if (!outside.empty()) notes->parts[NotePart(PartReason::kOutside, nullptr) - 1].text = outside;
   }
   if (noindex) return;
-  LeaveOutLinks(region);
+  LeaveOutBefore(region, linkRegions, page.links);
+  LeaveOutBefore(region, pictureRegions, page.pictures);
   text.CopyTo(page.body, !text.HasContent(), region);
   // Content may still be nothing but marks that take no room.
   if (page.body.empty()) text.CopyTo(page.body, true);
@@ -432,17 +468,6 @@ TextRegion HtmlContent::RegionOfText() const {
   const uint64_t main = bytes(TextRegion::kMain);
   const bool isEnough = main != 0 && main >= (main + bytes(TextRegion::kPage)) / kMainPart;
   return choice.prefersMain && isEnough ? TextRegion::kMain : TextRegion::kPage;
-}
-
-void HtmlContent::LeaveOutLinks(TextRegion from) {
-  if (from == TextRegion::kPage) return;
-  size_t kept = 0;
-  for (size_t i = 0; i < page.links.size(); ++i) {
-    if (linkRegions[i] < from) continue;
-    if (kept != i) page.links[kept] = std::move(page.links[i]);
-    ++kept;
-  }
-  page.links.resize(kept);
 }
 
 void HtmlContent::ReadHeadElement(const Tag& tag) {

@@ -73,8 +73,8 @@ class HtmlContent {
   void BeginLink(const Tag& tag, const TextState& inside);
   void AddToLink(std::string_view added);
   void EndLink();
+  void AddPicture(const Tag& tag, std::string alternative, const TextState& around);
   TextRegion RegionOfText() const;
-  void LeaveOutLinks(TextRegion from);
 
   PageContent& page;
   ReadingBudget& budget;
@@ -94,6 +94,7 @@ class HtmlContent {
   };
   std::array<TextCount, kTextRegionCount> counts;  // of each region alone
   std::vector<TextRegion> linkRegions;             // beside page.links
+  std::vector<TextRegion> pictureRegions;          // beside page.pictures
   TextRegion openLinkRegion = TextRegion::kPage;
   PageLink openLink;            // whose text is being read; its address is empty when there is none
   bool sawMainHeading = false;  // the first h1

@@ -45,6 +45,15 @@ struct PageLink {
 // A longer text of a link tells of what it leads to, and is no name for it.
 inline constexpr size_t kLinkTextLimit = 200;
 
+// A picture that a page shows, or leads to by another one.
+struct PagePicture {
+  std::string address;  // as in PageLink
+  std::string text;     // its alternative text: one line, trimmed; never empty
+};
+
+// Of an alternative text, in bytes; a longer one is cut.
+inline constexpr size_t kPictureTextLimit = 1000;
+
 // What came of what the owner says about the content of pages (docs/content.md).
 struct ContentUse {
   uint32_t rule = 0;         // of the configuration that held: 0, or 1 on for one of [[content]]
@@ -67,10 +76,16 @@ struct PageContent {
   std::string time;                // of the first time element: its datetime, else its text
   std::vector<TextRun> body;       // in reading order
   std::vector<PageLink> links;     // with texts up to kLinkTextLimit bytes, in the page's order
-  float linkShare = 0;             // of its text, what stands in links to other pages; 0 to 1
+  std::vector<PagePicture> pictures;  // the same, where pictures are pages
+  float linkShare = 0;                // of its text, what stands in links to other pages; 0 to 1
   ContentUse use;
   std::string markupFault;  // where and why a page that browsers take for XML is none; else empty
 };
+
+// Whether there is anything to find the page by, beside its address.
+inline bool SaysAnything(const PageContent& page) {
+  return !page.body.empty() || !page.title.empty() || !page.description.empty();
+}
 
 // The content of the first meta element of that name; empty when there is none.
 inline std::string_view MetaContent(const PageContent& page, std::string_view name) {

@@ -57,13 +57,15 @@ std::string PageImage(const PageContent& content, const SourceItem& item) {
   return image.empty() ? std::string() : ResolveAddress(LinkBase(content, own), image);
 }
 
-// Leaves those that lead to pages, with their whole addresses.
+// Leaves those that lead somewhere on the web, with their whole addresses.
 void ResolveLinks(const std::string& own, PageContent& content) {
   const std::string from = LinkBase(content, own);
-  for (PageLink& link : content.links) {
-    link.address = AsEncoded(ResolveAddress(from, link.address));
-  }
-  std::erase_if(content.links, [](const PageLink& link) { return link.address.empty(); });
+  const auto resolve = [&from](auto& links) {
+    for (auto& link : links) link.address = AsEncoded(ResolveAddress(from, link.address));
+    std::erase_if(links, [](const auto& link) { return link.address.empty(); });
+  };
+  resolve(content.links);
+  resolve(content.pictures);
 }
 
 // The text with which the page begins, enough to tell its language by.
@@ -119,9 +121,8 @@ Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wish
       ReadContent(item, std::move(file), wishes.documents, choice, budget, page.content);
   if (reason != Reason::kNone) return reason;
   const PageContent& content = page.content;
-  if (content.body.empty() && content.title.empty() && content.description.empty()) {
-    return Reason::kNoText;
-  }
+  // Others may say something of a picture.
+  if (!SaysAnything(content) && item.type != FileType::kPicture) return Reason::kNoText;
   if (IsRefreshStub(content)) return Reason::kRefresh;
   ResolveLinks(item.address, page.content);
   AddFacts(page.content);

@@ -24,7 +24,8 @@ struct PageWishes {
 };
 
 // Reads what `file` holds of `item` into `page`, within `limits`. kNone, or why the page is left
-// out. Throws std::bad_alloc when there is no memory, also for less than the limits allow.
+// out; a picture that says nothing of itself is none of those. Throws std::bad_alloc when there is
+// no memory, also for less than the limits allow.
 [[nodiscard]] Reason ReadPage(const SourceItem& item, FileContent file, const PageWishes& wishes,
                               const ReadingLimits& limits, Page& page);
 

@@ -106,6 +106,8 @@ ConfigFingerprints FingerprintsOf(const SiteConfig& config) {
                extensions, searchAddress, searchName, searchDescription, styleSheet, logging,
                logFile, settings] = config;
   FingerprintOfAll blocks;
+  (void)endings;  // which items there are, and their types, is told by the list
+  Add(IndexesPictures(config), blocks);
   Add(charset, blocks);
   Add(stemming, blocks);
   Add(images, blocks);
@@ -123,7 +125,6 @@ ConfigFingerprints FingerprintsOf(const SiteConfig& config) {
   for (const NumberKey& key : ExtensionKeys()) Add(ExtensionValue(config, key.key), blocks);
 
   FingerprintOfAll index;
-  (void)endings;  // which items there are, and their types, is told by the list
   Add(trustsFileDates, index);
   Add(categories, index);
   (void)languageCategories;  // they have joined the others

@@ -112,10 +112,38 @@ PageBlock FullBlock() {
       .rule = 7, .excluded = 300, .isChosen = true, .isLeftOff = true, .selectors = {5, 200000}};
   page.content.metas = {{"price", "cheap"}};
   page.content.links = {{"https://x.example/c", "C contact"}, {"https://y.example/c", "D"}};
+  site.config.endings[static_cast<size_t>(FileType::kPicture)] = {"jpg"};
+  page.content.pictures = {{"https://x.example/c.jpg", "A cat"}, {"https://x.example/c", "no"}};
   std::string words;
   for (int i = 0; i < 400; ++i) words += "Word" + std::to_string(i % 150) + ", (more) ";
   page.content.body = {{"Caf\u00E9 node.js", 2, "cafe"}, {words, 0}};
   return site.Make(page);
+}
+
+TEST(BlockBytes, APictureMayBeSilent) {
+  Site site;
+  Page page = PageAt("https://x.example/a.jpg");
+  page.facts.fileType = FileType::kPicture;
+  EXPECT_FALSE(site.Make(page).isSilent);
+  page.content.body.clear();
+  PageBlock read;
+  ASSERT_TRUE(ReadBlock(BlockBytes(site.Make(page)), read));
+  EXPECT_TRUE(read.isSilent);
+  // What is taken off it as repeated was said all the same.
+  page.content.title = "Title";
+  site.config.habits.sharedTitle = "Title";
+  EXPECT_FALSE(site.Make(page).isSilent);
+}
+
+TEST(BlockBytes, TextsOfPicturesAreChecked) {
+  PageBlock block = FullBlock();
+  PageBlock read;
+  block.pictureTexts[0].text = std::string(kPictureTextLimit, 'x');
+  EXPECT_TRUE(ReadBlock(BlockBytes(block), read));
+  block.pictureTexts[0].text += 'x';
+  EXPECT_FALSE(ReadBlock(BlockBytes(block), read));
+  block.pictureTexts[0].text.clear();
+  EXPECT_FALSE(ReadBlock(BlockBytes(block), read));
 }
 
 // A page with two sections of 40 words behind five of its own.
@@ -140,6 +168,7 @@ TEST(PageBlock, SectionsArePagesWhereTheOwnerWantsThem) {
   EXPECT_EQ(block.prints.whole, whole.whole);
   ASSERT_EQ(block.pieces.size(), 2u);
   EXPECT_EQ(block.pieces[0].anchor, "first");
+  EXPECT_TRUE(block.pieces[0].pictureTexts.empty());
   EXPECT_EQ(block.pieces[0].facts.title, "First - Title");
   EXPECT_EQ(block.pieces[0].words.bodyWords, 41u);
   EXPECT_EQ(block.pieces[0].suggestions.title, "");
@@ -207,6 +236,10 @@ TEST(BlockBytes, ABlockReadsBackAsItWas) {
   EXPECT_EQ(read.sections[0].anchor, "cafe");
   ASSERT_EQ(read.linkWords.size(), 2u);
   EXPECT_EQ(read.linkWords, block.linkWords);
+  ASSERT_EQ(read.pictureTexts.size(), 1u);
+  EXPECT_EQ(read.pictureTexts[0].picture, AddressPrint("https://x.example/c.jpg"));
+  EXPECT_EQ(read.pictureTexts[0].text, "A cat");
+  EXPECT_FALSE(read.isSilent);
   ASSERT_EQ(read.suggestions.texts.size(), 1u);
   EXPECT_EQ(read.suggestions.running.sequence, block.suggestions.running.sequence);
   ASSERT_FALSE(block.suggestions.running.words.empty());

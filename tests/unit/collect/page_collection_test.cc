@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "format/page_data.h"
 #include "settings/settings.h"
 #include "support/scratch_directory.h"
@@ -89,6 +91,96 @@ TEST(PageCollection, ThePageIsKnownByBothItsAddresses) {
   EXPECT_EQ(collection.addresses.PageAt("/pretty?x=1&y=2"), 0u);
   EXPECT_EQ(collection.addresses.PageAt("/b.html"), 0u);
   EXPECT_EQ(entry.image, "");  // too long to be linked
+}
+
+// A site whose pictures are pages, "/a.jpg" among them, and whose page calls that so.
+struct SiteWithPictures : Site {
+  SiteWithPictures() { config.endings[static_cast<size_t>(FileType::kPicture)] = {"jpg"}; }
+
+  Reason AddShown(const std::vector<std::string>& texts, const Page& picture,
+                  PageCollection& collection, PageEntry& entry) const {
+    ItemList items;
+    items.Add({"a.jpg", "/a.jpg", FileType::kPicture});
+    items.Add({"b.html", "/b.html", FileType::kHtml});
+    AddPictures(items, collection);
+    Page page = PageAt("/b.html", "text");
+    for (const std::string& text : texts) page.content.pictures.push_back({"/a.jpg", text});
+    EXPECT_EQ(AddPage(page, collection, entry), Reason::kNone);
+    return AddPage(picture, collection, entry);
+  }
+  // The words by which the page of that number is found, in their order.
+  static std::string WordsOf(uint32_t page, PageCollection& collection) {
+    std::string words;
+    std::vector<Posting> found;
+    collection.postings.ForEachSorted([&](const Posting& posting) {
+      if (posting.page == page) found.push_back(posting);
+    });
+    std::ranges::sort(found, {}, &Posting::token);
+    for (const Posting& posting : found) {
+      const Word& word = collection.vocabulary.words[posting.word];
+      words.append(TextOf(word, collection.vocabulary)).append("/");
+      words += std::to_string(posting.zones & (kInTitle | kInDescription | kInAddress)) + " ";
+    }
+    return words;
+  }
+};
+
+Page PictureAt(const std::string& address) {
+  Page page = PageAt(address, "");
+  page.content.body.clear();
+  page.facts.title = "a.jpg";
+  page.facts.fileType = FileType::kPicture;
+  return page;
+}
+
+TEST(PageCollection, ASilentPictureIsThePageThatOthersMakeIt) {
+  SiteWithPictures site;
+  PageCollection collection = site.Collection();
+  PageEntry entry;
+  ASSERT_EQ(site.AddShown({"A \"heron\"", "Grey bird"}, PictureAt("/a.jpg"), collection, entry),
+            Reason::kNone);
+  EXPECT_EQ(entry.address, "/a.jpg");
+  EXPECT_EQ(entry.title, "A &#34;heron&#34;");
+  EXPECT_EQ(entry.description, "Grey bird");
+  EXPECT_EQ(collection.pages[1].titleWords, 2u);
+  EXPECT_EQ(collection.pages[1].bodyWords, 0u);
+  EXPECT_EQ(SiteWithPictures::WordsOf(1, collection), "a/33 heron/1 grey/16 bird/16 ");
+}
+
+TEST(PageCollection, APictureThatNobodySpeaksOfIsNone) {
+  SiteWithPictures site;
+  PageCollection collection = site.Collection();
+  PageEntry entry;
+  EXPECT_EQ(site.AddShown({}, PictureAt("/a.jpg"), collection, entry), Reason::kNoText);
+  // The name of its file says nothing.
+  EXPECT_EQ(site.AddShown({"a.jpg"}, PictureAt("/a.jpg"), collection, entry), Reason::kNoText);
+  EXPECT_EQ(collection.pages.size(), 2u);
+  EXPECT_EQ(collection.addresses.PageAt("/a.jpg"), std::nullopt);
+}
+
+TEST(PageCollection, APictureIsFoundByItsOwnTextsAndThoseOfOthers) {
+  SiteWithPictures site;
+  PageCollection collection = site.Collection();
+  PageEntry entry;
+  Page picture = PictureAt("/a.jpg");
+  picture.facts.title = picture.content.title = "Reeds";
+  picture.content.body = {{"Ann", 0}};
+  ASSERT_EQ(site.AddShown({"Reeds", "A heron"}, picture, collection, entry), Reason::kNone);
+  EXPECT_EQ(entry.title, "Reeds");
+  EXPECT_EQ(entry.description, "A heron");
+  // What it says itself does not count twice.
+  EXPECT_EQ(SiteWithPictures::WordsOf(1, collection), "ann/0 reeds/1 a/48 heron/16 ");
+}
+
+TEST(PageCollection, ThePicturesOwnDescriptionIsShown) {
+  SiteWithPictures site;
+  PageCollection collection = site.Collection();
+  PageEntry entry;
+  Page picture = PictureAt("/a.jpg");
+  picture.content.description = "Its own";
+  ASSERT_EQ(site.AddShown({"A heron"}, picture, collection, entry), Reason::kNone);
+  EXPECT_EQ(entry.title, "a.jpg");
+  EXPECT_EQ(entry.description, "Its own");
 }
 
 TEST(PageCollection, CountsTheValuesThatDoNotFitTheirField) {

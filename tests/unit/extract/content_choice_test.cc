@@ -200,6 +200,59 @@ TEST(ContentChoice, LinksOutsideOfTheContentNameNothing) {
   EXPECT_TRUE(PageOf("<!--vela:off--><a href=/1>one</a><!--vela:on-->a", {}).links.empty());
 }
 
+// "ADDRESS: TEXT|" of each.
+std::string PicturesOf(std::string_view html, SiteConfig config = {}) {
+  config.endings[static_cast<size_t>(FileType::kPicture)] = {"jpg"};
+  std::string all;
+  for (const PagePicture& each : PageOf(html, config).pictures) {
+    all += each.address + ": " + each.text + "|";
+  }
+  return all;
+}
+
+TEST(ContentChoice, PicturesOfTheContentHaveTexts) {
+  const std::string html = "<main><img src=a.jpg alt='A heron'></main> text";
+  EXPECT_TRUE(PageOf(html, {}).pictures.empty());  // unless pictures are pages
+  const struct {
+    const char *what, *html, *expected;
+  } kCases[] = {
+      {"a picture", "<img src=a.jpg alt='A heron'>", "a.jpg: A heron|"},
+      {"its text on one line", "<img src=a.jpg alt=' A\n&auml;  heron '>",
+       "a.jpg: A \u00E4 heron|"},
+      {"an empty text", "<img src=a.jpg alt=''><img src=a.jpg alt=' '><img src=a.jpg>", ""},
+      {"no address", "<img alt=x><img src='' alt=y>", ""},
+      {"an area is none", "<map><area href=a.jpg alt=x></map>", ""},
+      {"the small one of a large one", "<a href=l.jpg><b><img src=s.jpg alt=x></b></a>",
+       "s.jpg: x|l.jpg: x|"},
+      {"behind the link", "<a href=l.jpg>l</a><img src=s.jpg alt=x>", "s.jpg: x|"},
+      {"each time", "<img src=a.jpg alt=x><p><img src=a.jpg alt=x>", "a.jpg: x|a.jpg: x|"},
+      {"what the page leaves out", "<p data-vela-ignore><img src=a.jpg alt=x>", ""},
+      {"its own attribute", "<img src=a.jpg alt=x data-vela-ignore>", ""},
+      {"between remarks", "<!--vela:off--><img src=a.jpg alt=x><!--vela:on-->", ""},
+      {"hidden", "<div hidden><img src=a.jpg alt=x></div>", ""},
+      {"a template", "<template><img src=a.jpg alt=x></template>", ""},
+      {"navigation", "<nav><img src=a.jpg alt=x></nav>text", ""},
+      {"what surrounds the content", "<header><img src=a.jpg alt=x></header><p>text", ""},
+      {"a header in the content", "<article><header><img src=a.jpg alt=x></header></article>",
+       "a.jpg: x|"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.what);
+    EXPECT_EQ(PicturesOf(c.html), c.expected);
+  }
+  EXPECT_EQ(PicturesOf("<p class=x><img src=a.jpg alt=x></p>", ConfigOf(".x", "")), "");
+  EXPECT_EQ(PicturesOf("<img src=a.jpg alt=x><p class=y><img src=b.jpg alt=y>text</p>",
+                       ConfigOf("", ".y")),
+            "b.jpg: y|");
+}
+
+TEST(ContentChoice, LongTextsOfPicturesAreCutBetweenCharacters) {
+  const std::string text = std::string(kPictureTextLimit - 1, 'x') + "\u00E4 and more";
+  const std::string kept(kPictureTextLimit - 1, 'x');
+  EXPECT_EQ(PicturesOf("<img src=a.jpg alt='" + text + "'>"), "a.jpg: " + kept + "|");
+  EXPECT_EQ(PicturesOf("<img src=a.jpg alt='" + kept + "y'>"), "a.jpg: " + kept + "y|");
+}
+
 TEST(ContentChoice, WhatIsNotContentStillSaysTheFactsOfThePage) {
   const PageContent page = PageOf(
       "<title>T</title><div data-vela-ignore><time datetime=2026-03-05>5 March</time></div>"

@@ -44,6 +44,24 @@ TEST(ReadPage, LinksHaveWholeAddresses) {
   EXPECT_EQ(page.content.links[1].address, "https://y.example/");
 }
 
+TEST(ReadPage, PicturesHaveWholeAddressesToo) {
+  SiteConfig config;
+  config.endings[static_cast<size_t>(FileType::kPicture)] = {"jpg"};
+  const ContentChoices choices(config, "https://x.example/");
+  PageWishes wishes = kWishes;
+  wishes.content = &choices;
+  const std::string html =
+      "<base href=/b/><img src='\u00FC.jpg' alt=one><img src=data:, alt=two>text";
+  const SourceItem item = {"a/x.html", "https://x.example/a/x.html", FileType::kHtml, {}, false};
+  Page page;
+  ASSERT_EQ(
+      ReadPage(item, {.bytes = html, .size = html.size(), .modifiedTime = 7}, wishes, {}, page),
+      Reason::kNone);
+  ASSERT_EQ(page.content.pictures.size(), 1u);
+  EXPECT_EQ(page.content.pictures[0].address, "https://x.example/b/%C3%BC.jpg");
+  EXPECT_EQ(page.content.pictures[0].text, "one");
+}
+
 TEST(ReadPage, TitlesComeFromWhatThereIs) {
   const struct {
     const char* what;

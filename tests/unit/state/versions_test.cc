@@ -20,6 +20,8 @@ TEST(ConfigFingerprints, TellWhatHasToBeMadeAnew) {
   } cases[] = {
       {"charset", kBlocks, [](SiteConfig& c) { c.charset = "iso-8859-1"; }},
       {"stemming", kBlocks, [](SiteConfig& c) { c.stemming = 0; }},
+      {"pictures as pages", kBlocks,
+       [](SiteConfig& c) { c.endings[static_cast<size_t>(FileType::kPicture)] = {"png"}; }},
       {"images", kBlocks, [](SiteConfig& c) { c.images = false; }},
       {"link texts", kBlocks, [](SiteConfig& c) { c.linkTexts = false; }},
       {"dates", kBlocks, [](SiteConfig& c) { c.dates.pop_back(); }},
