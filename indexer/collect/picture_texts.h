@@ -48,8 +48,8 @@ class PictureTexts {
 
   // Bytes that it takes, nearly.
   size_t memory() const {
-    return places_.memory() + texts_.capacity() * sizeof(texts_[0]) + count_ * sizeof(std::string) +
-           bytes_;
+    return places_.memory() + texts_.capacity() * sizeof(std::vector<std::string>) +
+           count_ * sizeof(std::string) + bytes_;
   }
 
  private:
