@@ -1,8 +1,8 @@
 // block_bytes_fuzz.cc: the blocks of pages that are kept between runs. Input: a line, "page" or
 // "piece", with pairs of numbers behind it; then a page, a line for each stretch of text: level of
-// heading, anchor, "|", text. The block of the page, or that of its first section, is changed where
-// the pairs say, an offset and the byte to put there, and its hash put right. Other input is tried
-// as a block, as it is and with its hash put right.
+// heading, anchor, "|", text; or "!", the text of a picture. The block of the page, or that of its
+// first section, is changed where the pairs say, an offset and the byte to put there, and its hash
+// put right. Other input is tried as a block, as it is and with its hash put right.
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -80,6 +80,11 @@ std::optional<indexer::PageBlock> BlockOf(std::string_view lines) {
   page.facts.title = "Title";
   while (!lines.empty()) {
     const std::string_view line = TakeLine(lines);
+    if (line.starts_with('!') && line.size() <= indexer::kPictureTextLimit / 3) {
+      page.content.pictures.push_back(
+          {"https://x.example/a.jpg", "a" + indexer::RepairedUtf8(line.substr(1))});
+      continue;
+    }
     const size_t bar = line.find('|');
     if (bar == 0 || bar == line.npos || line[0] < '0' || line[0] > '6') return {};
     page.content.body.push_back({.text = indexer::RepairedUtf8(line.substr(bar + 1)),
@@ -90,6 +95,7 @@ std::optional<indexer::PageBlock> BlockOf(std::string_view lines) {
   const indexer::IndexCharset charset;
   indexer::SiteConfig config;
   config.extensions = true;
+  config.endings[static_cast<size_t>(FileType::kPicture)] = {"jpg"};
   config.content.sectionWords = 10;
   indexer::BlockMaker maker({.base = base, .config = config, .charset = charset});
   indexer::PageBlock block;
