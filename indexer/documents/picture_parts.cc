@@ -1,6 +1,7 @@
 #include "indexer/documents/picture_parts.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -129,6 +130,19 @@ void ReadWebp(std::string_view bytes, PictureParts& parts) {
   }
 }
 
+// GIF, AVIF, HEIC and SVG.
+bool IsSilentFormat(std::string_view bytes) {
+  constexpr size_t kHead = 1024;  // of SVG: declarations and comments stand before its element
+  constexpr std::array kBrands = {"avif"sv, "avis"sv, "heic"sv, "heix"sv, "mif1"sv};
+  if (bytes.starts_with("GIF87a"sv) || bytes.starts_with("GIF89a"sv)) return true;
+  if (bytes.size() >= 12 && bytes.substr(4, 4) == "ftyp"sv) {
+    return std::ranges::find(kBrands, bytes.substr(8, 4)) != kBrands.end();
+  }
+  const size_t start = bytes.find_first_not_of("\xEF\xBB\xBF \t\r\n"sv);
+  return start < kHead && bytes[start] == '<' &&
+         bytes.substr(0, kHead).find("<svg"sv) != bytes.npos;
+}
+
 }  // namespace
 
 bool FindPictureParts(std::string_view bytes, PictureParts& parts) {
@@ -141,7 +155,7 @@ bool FindPictureParts(std::string_view bytes, PictureParts& parts) {
   } else if (bytes.starts_with("II*\0"sv) || bytes.starts_with("MM\0*"sv)) {
     parts.exif = bytes;
   } else {
-    return false;
+    return IsSilentFormat(bytes);
   }
   return true;
 }

@@ -1,7 +1,8 @@
 // picture_parts.h: where a picture keeps what it says of itself.
 //
 // JPEG has it in segments before the picture, PNG and WebP in chunks, TIFF in its directories. What
-// is cut short or damaged holds what stands before that.
+// is cut short or damaged holds what stands before that. GIF, AVIF, HEIC and SVG are pictures of
+// which nothing is taken.
 #pragma once
 
 #include <string>
@@ -19,7 +20,7 @@ struct PictureParts {
   std::vector<std::pair<std::string_view, std::string_view>> texts;  // of PNG: keyword and text
 };
 
-// False when `bytes` are no picture of these formats.
+// False when `bytes` begin as none of these formats does.
 [[nodiscard]] bool FindPictureParts(std::string_view bytes, PictureParts& parts);
 
 }  // namespace vela::indexer

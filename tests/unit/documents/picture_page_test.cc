@@ -156,6 +156,27 @@ TEST(PicturePage, EndsOnWhateverItIsGiven) {
   } kCases[] = {
       {"nothing", "", "damaged"},
       {"a page", "<html>", "damaged"},
+      {"GIF", "GIF89a\1\0\1\0"s, "|||"},
+      {"GIF of the year before", "GIF87a", "|||"},
+      {"AVIF",
+       "\0\0\0\x1C"
+       "ftypavif\0\0\0\0"s,
+       "|||"},
+      {"HEIC",
+       "\0\0\0\x18"
+       "ftypheic"s,
+       "|||"},
+      {"a film",
+       "\0\0\0\x18"
+       "ftypisom"s,
+       "damaged"},
+      {"half a box",
+       "\0\0\0\x18"
+       "ftyp"s,
+       "damaged"},
+      {"SVG", "\xEF\xBB\xBF<?xml version='1.0'?>\n<!-- a --><svg></svg>", "|||"},
+      {"a text about SVG", "how to write <svg>", "damaged"},
+      {"SVG far behind", "<!--" + std::string(1100, '-') + "--><svg>", "damaged"},
       {"more fields than bytes", Jpeg(ExifSegment(many)), "|||"},
       {"a directory that follows itself", Jpeg(ExifSegment(loop)), "|||"},
       {"a directory in itself", Jpeg(ExifSegment(inItself)), "|||"},
