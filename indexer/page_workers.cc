@@ -15,6 +15,9 @@ namespace {
 
 // Blocks that one thread may be ahead of another, whatever their size.
 constexpr size_t kAheadOfEach = 32;
+// Blocks that are joined one after the other: for each to wake a thread takes longer than to join
+// it.
+constexpr size_t kTakenAtOnce = 16;
 
 struct Made {
   Reason reason = Reason::kNone;
@@ -32,38 +35,44 @@ class Waiting {
   // The next item to be made; none when there is none or the work is given up.
   std::optional<size_t> Claim() {
     std::unique_lock lock(mutex_);
-    room_.wait(lock, [this] {
-      const bool hasRoom =
-          next_ - taken_ < made_.size() && (bytes_ < work_.waitingBytes || next_ == taken_);
-      return givenUp_ || next_ == work_.items || hasRoom;
-    });
+    room_.wait(lock, [this] { return givenUp_ || next_ == work_.items || HasRoom(); });
     if (givenUp_ || next_ == work_.items) return std::nullopt;
     return next_++;
   }
 
   void Put(size_t item, Made made) {
     made.bytes = MemoryOf(made.block);
+    bool isWorthwhile = false;
     {
       const std::lock_guard lock(mutex_);
       bytes_ += made.bytes;
+      ++ready_;
       made_[item % made_.size()] = std::move(made);
+      isWorthwhile = IsWorthwhile();
     }
-    ready_.notify_one();
+    if (isWorthwhile) taking_.notify_one();
   }
 
-  // Waits for the item whose turn it is.
-  Made Take() {
-    std::optional<Made> made;
+  // Waits for the item whose turn it is, and takes it and those ready behind it in the place of
+  // those in `out`, which were taken before.
+  void Take(std::vector<Made>& out) {
+    size_t before = 0;
+    for (const Made& made : out) before += made.bytes;
+    out.clear();
     {
       std::unique_lock lock(mutex_);
-      std::optional<Made>& place = made_[taken_ % made_.size()];
-      ready_.wait(lock, [&place] { return place.has_value(); });
-      made.swap(place);
-      bytes_ -= made->bytes;
-      ++taken_;
+      bytes_ -= before;
+      room_.notify_all();
+      taking_.wait(lock, [this] { return IsWorthwhile(); });
+      while (out.size() < kTakenAtOnce && IsReady()) {
+        std::optional<Made>& place = made_[taken_ % made_.size()];
+        out.push_back(std::move(*place));
+        place.reset();
+        --ready_;
+        ++taken_;
+      }
     }
     room_.notify_all();
-    return std::move(*made);
   }
 
   void GiveUp() {
@@ -75,14 +84,26 @@ class Waiting {
   }
 
  private:
+  bool HasRoom() const {
+    return next_ - taken_ < made_.size() && (bytes_ < work_.waitingBytes || next_ == taken_);
+  }
+  // Whether the item whose turn it is has been made.
+  bool IsReady() const { return made_[taken_ % made_.size()].has_value(); }
+  // Whether it is taken now, or when more are ready: while there is room for the others to go on.
+  bool IsWorthwhile() const {
+    return IsReady() && (ready_ >= kTakenAtOnce || bytes_ >= work_.waitingBytes / 2 ||
+                         next_ == work_.items || !HasRoom());
+  }
+
   const PageWork& work_;
   std::mutex mutex_;
   std::condition_variable room_;
-  std::condition_variable ready_;
+  std::condition_variable taking_;
   std::vector<std::optional<Made>> made_;  // item i at i % size
   size_t next_ = 0;                        // to be given out
   size_t taken_ = 0;                       // taken so far
-  size_t bytes_ = 0;                       // of those in `made_`
+  size_t ready_ = 0;                       // blocks in `made_`
+  size_t bytes_ = 0;                       // of those, and of those taken last
   bool givenUp_ = false;
 };
 
@@ -136,10 +157,18 @@ void ForEachBlock(const PageWork& work, const std::function<MakeBlock()>& newMak
     for (unsigned i = 0; i < work.jobs && workers.Add(newMaker()); ++i) continue;
   }
   const MakeBlock ownMaker = workers.empty() ? newMaker() : MakeBlock();
-  for (size_t item = 0; item < work.items; ++item) {
-    Made made = ownMaker ? MakeOne(ownMaker, item) : waiting.Take();
-    if (made.failure) std::rethrow_exception(made.failure);
-    use(item, made.reason, made.block);
+  std::vector<Made> taken;
+  for (size_t item = 0; item < work.items;) {
+    if (ownMaker) {
+      taken.clear();
+      taken.push_back(MakeOne(ownMaker, item));
+    } else {
+      waiting.Take(taken);
+    }
+    for (Made& made : taken) {
+      if (made.failure) std::rethrow_exception(made.failure);
+      use(item++, made.reason, made.block);
+    }
   }
 }
 

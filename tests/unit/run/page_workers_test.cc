@@ -55,6 +55,20 @@ TEST(PageWorkers, BlocksComeInTheirOrder) {
   }
 }
 
+// Blocks are joined several at once; what is left in the end may be any number of them.
+TEST(PageWorkers, TheLastBlocksComeHoweverManyTheyAre) {
+  for (const unsigned jobs : {2U, 3U}) {
+    for (size_t items = 1; items <= 40; ++items) {
+      for (const size_t bytes : {size_t{1}, size_t{1} << 30}) {
+        SCOPED_TRACE(std::to_string(jobs) + " jobs, " + std::to_string(items) + " items");
+        const Result result = RunOf({.items = items, .jobs = jobs, .waitingBytes = bytes});
+        ASSERT_EQ(result.items.size(), items);
+        for (size_t i = 0; i < items; ++i) ASSERT_EQ(result.items[i], i);
+      }
+    }
+  }
+}
+
 TEST(PageWorkers, NoItemsAreNoWork) {
   EXPECT_TRUE(RunOf({.items = 0, .jobs = 3, .waitingBytes = 1}).items.empty());
 }
