@@ -248,10 +248,16 @@ bool MostlyUtf8(std::string_view text) {
   return bad * 10 <= good;
 }
 
-}  // namespace
-
-Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget, std::string& utf8,
-                     std::string_view serverCharset) {
+// `own` is the text of `bytes` where it need not stay, else null.
+Reason ToUtf8(std::string_view bytes, std::string* own, bool isHtml, ReadingBudget& budget,
+              std::string& utf8, std::string_view serverCharset) {
+  const auto takeAsItIs = [&] {
+    if (own != nullptr) {
+      utf8 = std::move(*own);
+    } else {
+      utf8.assign(bytes);
+    }
+  };
   constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
   bool isMarked = false;
   if (bytes.starts_with(kUtf8Mark)) {
@@ -278,12 +284,12 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
     if (budget.status != Reason::kNone) return budget.status;
     const bool valid = IsValidUtf8(bytes);
     if (valid && (declared.empty() || declared == "utf-8")) {
-      utf8.assign(bytes);
+      takeAsItIs();
     } else if (declared == "utf-8" && MostlyUtf8(bytes)) {
       utf8 = RepairedUtf8(bytes);
     } else if (declared.empty() || declared == "utf-8" || !Convert(bytes, declared, budget, utf8)) {
       if (valid) {
-        utf8.assign(bytes);
+        takeAsItIs();
         NoteCharset(budget, CharsetOrigin::kValidUtf8, "utf-8");
       } else if (const std::string detected = DetectedCharset(bytes);
                  !detected.empty() && Convert(bytes, ConverterName(detected), budget, utf8)) {
@@ -297,6 +303,18 @@ Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
   CheckBudget(budget);
   for (size_t at = utf8.find('\0'); at != utf8.npos; at = utf8.find('\0', at)) utf8[at] = ' ';
   return budget.status;
+}
+
+}  // namespace
+
+Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget, std::string& utf8,
+                     std::string_view serverCharset) {
+  return ToUtf8(bytes, nullptr, isHtml, budget, utf8, serverCharset);
+}
+
+Reason TurnIntoUtf8(std::string bytes, bool isHtml, ReadingBudget& budget, std::string& utf8,
+                    std::string_view serverCharset) {
+  return ToUtf8(bytes, &bytes, isHtml, budget, utf8, serverCharset);
 }
 
 }  // namespace vela::indexer

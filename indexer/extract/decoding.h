@@ -18,5 +18,8 @@ namespace vela::indexer {
 // std::bad_alloc when there is no memory.
 [[nodiscard]] Reason ConvertToUtf8(std::string_view bytes, bool isHtml, ReadingBudget& budget,
                                    std::string& utf8, std::string_view serverCharset = {});
+// The same for whoever needs the bytes no more: those that are UTF-8 as they stand are not copied.
+[[nodiscard]] Reason TurnIntoUtf8(std::string bytes, bool isHtml, ReadingBudget& budget,
+                                  std::string& utf8, std::string_view serverCharset = {});
 
 }  // namespace vela::indexer

@@ -24,9 +24,8 @@ namespace {
 Reason ReadHtml(const SourceItem& item, FileContent file, const ContentChoice& choice,
                 ReadingBudget& budget, PageContent& content) {
   std::string text;
-  Reason reason = ConvertToUtf8(file.bytes, true, budget, text, file.charset);
+  Reason reason = TurnIntoUtf8(std::move(file.bytes), true, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
-  file.bytes = {};
   std::string fault;
   if (item.isXml || text.starts_with("<?xml")) {
     const ReadingBudget whole = budget;
@@ -44,18 +43,16 @@ Reason ReadHtml(const SourceItem& item, FileContent file, const ContentChoice& c
 Reason ReadMarkdown(const SourceItem&, FileContent file, const ContentChoice& choice,
                     ReadingBudget& budget, PageContent& content) {
   std::string text;
-  const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
+  const Reason reason = TurnIntoUtf8(std::move(file.bytes), false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
-  file.bytes = {};
   return ParseMarkdownPage(text, budget, content, choice);
 }
 
 Reason ReadSubtitles(const SourceItem&, FileContent file, const ContentChoice&,
                      ReadingBudget& budget, PageContent& content) {
   std::string text;
-  const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
+  const Reason reason = TurnIntoUtf8(std::move(file.bytes), false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
-  file.bytes = {};
   if (!TakeBytes(budget, text.size())) return budget.status;
   ParseSubtitlesPage(text, content);
   return Reason::kNone;
@@ -64,9 +61,8 @@ Reason ReadSubtitles(const SourceItem&, FileContent file, const ContentChoice&,
 Reason ReadPlainText(const SourceItem&, FileContent file, const ContentChoice&,
                      ReadingBudget& budget, PageContent& content) {
   std::string text;
-  const Reason reason = ConvertToUtf8(file.bytes, false, budget, text, file.charset);
+  const Reason reason = TurnIntoUtf8(std::move(file.bytes), false, budget, text, file.charset);
   if (reason != Reason::kNone) return reason;
-  file.bytes = {};
   if (!TakeBytes(budget, text.size())) return budget.status;
   ParsePlainTextPage(text, content);
   return Reason::kNone;

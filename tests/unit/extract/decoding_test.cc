@@ -11,7 +11,12 @@ using namespace std::string_literals;
 
 Reason ConvertToUtf8(std::string_view bytes, bool isHtml, std::string& utf8) {
   ReadingBudget budget;
-  return ConvertToUtf8(bytes, isHtml, budget, utf8);
+  const Reason reason = ConvertToUtf8(bytes, isHtml, budget, utf8);
+  ReadingBudget other;
+  std::string turned;
+  EXPECT_EQ(TurnIntoUtf8(std::string(bytes), isHtml, other, turned), reason);
+  EXPECT_EQ(turned, utf8);
+  return reason;
 }
 
 // `text`, of ASCII, in UTF-16 or UTF-32.
@@ -160,6 +165,19 @@ TEST(Decoding, KnowsJapaneseBySwitches) {
     std::string utf8;
     EXPECT_EQ(ConvertToUtf8(c.bytes, c.isHtml, utf8), Reason::kNone);
     EXPECT_EQ(utf8, c.expected);
+  }
+}
+
+TEST(Decoding, DoesNotCopyWhatIsUtf8AndNeededNoMore) {
+  for (const bool isHtml : {true, false}) {
+    std::string bytes = "<meta charset=utf-8>caf\u00E9 " + std::string(1000, 'x');
+    const std::string expected = bytes;
+    const char* const place = bytes.data();
+    ReadingBudget budget;
+    std::string utf8;
+    EXPECT_EQ(TurnIntoUtf8(std::move(bytes), isHtml, budget, utf8), Reason::kNone);
+    EXPECT_EQ(utf8, expected);
+    EXPECT_EQ(utf8.data(), place);
   }
 }
 
