@@ -1,5 +1,7 @@
 #include "text/word_split.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace vela {
@@ -64,10 +66,23 @@ size_t DropBeforeBlank(char* text, size_t length, char c) {
   return out;
 }
 
+// The signs that any of the rules is about.
+constexpr std::array<bool, 256> kSigns = [] {
+  std::array<bool, 256> signs = {};
+  for (const char c : std::string_view(".-#+_'$,:&/\\@()^[]|{}%!")) {
+    signs[static_cast<unsigned char>(c)] = true;
+  }
+  return signs;
+}();
+
+bool HasSign(std::string_view text) {
+  return std::ranges::any_of(text, [](char c) { return kSigns[static_cast<unsigned char>(c)]; });
+}
+
 }  // namespace
 
 size_t SeparateWords(char* text, size_t length, std::string_view joinChars) {
-  if (length == 0) return 0;
+  if (!HasSign({text, length})) return length;
   const auto joins = [joinChars](char c) { return joinChars.find(c) != joinChars.npos; };
   const auto blankUnlessJoining = [&](char c) {
     if (!joins(c)) BlankAll(text, length, c);

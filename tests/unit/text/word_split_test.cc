@@ -33,6 +33,14 @@ TEST(WordSplit, ATrailingCommaOrFullStopIsRemoved) {
   EXPECT_EQ(Separate("hello.", "."), "hello");
 }
 
+// A text without any of the signs is left at once; with one of them, whichever it is, it is not.
+TEST(WordSplit, EverySignAloneEndsAWord) {
+  for (const char sign : std::string_view(".-#+_'$,:&/\\@()^[]|{}%!")) {
+    SCOPED_TRACE(sign);
+    EXPECT_EQ(Separate(std::string("ab") + sign + "cd"), "ab cd");
+  }
+}
+
 TEST(WordSplit, Separates) {
   const struct {
     const char* what;
