@@ -90,6 +90,14 @@ struct Place {
   std::string file;  // the same, links resolved
 };
 
+// What the entry itself is. The folder says so of most, for which the file is not asked.
+fs::file_type KindOf(const fs::directory_entry& entry, std::error_code& error) {
+  if (entry.is_symlink(error)) return fs::file_type::symlink;
+  if (!error && entry.is_directory(error)) return fs::file_type::directory;
+  if (!error && entry.is_regular_file(error)) return fs::file_type::regular;
+  return error ? fs::file_type::none : entry.symlink_status(error).type();
+}
+
 Place Inside(const Place& folder, const std::string& name) {
   if (folder.path.empty()) return {name, name};
   return {(fs::path(folder.path) / name).string(), (fs::path(folder.file) / name).string()};
@@ -194,7 +202,7 @@ class Walk {
     std::string name = entry.path().filename().string();
     Place place = Inside(folder.place, name);
     std::error_code error;
-    const fs::file_type type = entry.symlink_status(error).type();
+    const fs::file_type type = KindOf(entry, error);
     if (error) {
       AddLeftOut(out_.leftOut, Reason::kFileNotRead, place.path);
     } else if (IsExcluded(name, place.path)) {
