@@ -23,6 +23,7 @@
 #include "indexer/write/corrections_writer.h"
 #include "indexer/write/dictionary_writer.h"
 #include "indexer/write/lookup_writer.h"
+#include "indexer/write/pair_table.h"
 #include "indexer/write/recommended_writer.h"
 #include "indexer/write/sections_writer.h"
 #include "indexer/write/spelling_writer.h"
@@ -167,9 +168,10 @@ uint64_t WriteSuggestions(const IndexRun& run, SuggestionList& suggestions, Inde
 }
 
 // The files that belong to others, which are complete.
-uint64_t WriteSideFiles(const IndexRun& run, PageCollection& collection, IndexFacts& facts) {
+uint64_t WriteSideFiles(const IndexRun& run, PageCollection& collection, PairTable& pairs,
+                        IndexFacts& facts) {
   const fs::path& fresh = run.folder.fresh();
-  const LookupSizes lookup = WriteLookup(fresh, ShapeOf(facts), facts.pairedWords);
+  const LookupSizes lookup = WriteLookup(fresh, ShapeOf(facts), facts.pairedWords, pairs);
   facts.lookupGeneration = lookup.generation;
   return lookup.fileBytes + WriteSections(fresh / kSectionsFileName, collection.sections,
                                           {.generation = lookup.generation,
@@ -199,7 +201,8 @@ uint64_t WriteOtherWords(const IndexRun& run, PageCollection& collection, const 
 
 }  // namespace
 
-// Three times two threads have about as much to do, and need nothing of each other.
+// Twice two threads have about as much to do, and need nothing of each other. In the end there are
+// three, of which one needs what another has made before it is done itself.
 uint64_t WriteIndexFiles(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   const bool aside = JobsOf(run.options) > 1;
   PageCollection& collection = pages.collection;
@@ -237,11 +240,16 @@ uint64_t WriteIndexFiles(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   CheckStop(run.stop);
 
   run.progress.Begin("Writing the index", 0);
+  std::optional<PairTable> pairs;
+  SideTask pairing(aside, [&, shape = ShapeOf(facts), pairedWords = facts.pairedWords] {
+    pairs.emplace(run.folder.fresh(), shape, pairedWords);
+  });
   uint64_t sideBytes = 0;
   SideTask beside(aside, [&] {
     sideBytes = WriteDictionaries(run, collection.vocabulary, words, facts);
     sideBytes += WriteSuggestions(run, collection.suggestions, facts);
-    sideBytes += WriteSideFiles(run, collection, facts);
+    pairing.Finish();
+    sideBytes += WriteSideFiles(run, collection, *pairs, facts);
   });
   bytes += WriteOtherWords(run, collection, words, facts);
   beside.Finish();

@@ -10,9 +10,7 @@
 #include "format/index_directory.h"
 #include "format/lookup.h"
 #include "format/page_info.h"
-#include "indexer/write/in_file.h"
 #include "indexer/write/out_file.h"
-#include "indexer/write/pair_rows.h"
 #include "indexer/write/sorted_block.h"
 #include "settings/index_directory.h"
 #include "text/ascii.h"
@@ -192,27 +190,6 @@ uint64_t LongestLine(std::string_view bytes) {
   return longest;
 }
 
-// Goes through a page text: calls `pair(first, second)` for two words beside each other, and
-// `end(next)` behind every text with the place of the next one.
-template <typename Pair, typename End>
-void ReadTexts(InFile& text, const TextShape& shape, Pair pair, End end) {
-  uint32_t former = kPageEndWord;  // the word before in this stretch of text; none yet
-  bool isEnded = true;
-  const uint64_t size = ForEachToken(text, shape, [&](uint32_t word, uint64_t at) {
-    if (EndsRun(word)) {
-      former = kPageEndWord;
-      if (word != kPageEndWord) return;
-      end(at + shape.tokenBytes);
-      isEnded = true;
-    } else if (int64_t{word} > shape.lastSign) {
-      if (former != kPageEndWord) pair(former, word);
-      former = word;
-      isEnded = false;
-    }
-  });
-  if (!isEnded) end(size);
-}
-
 // Eight words each.
 std::vector<LookupWordStarts> InRecords(std::span<const uint32_t> starts) {
   std::vector<LookupWordStarts> records;
@@ -305,29 +282,6 @@ LookupTablePlace WriteSorted(BlockWriter& blocks, const WordTables& words,
   return place;
 }
 
-// Writes the table of pairs and gives that of texts, which is empty where more is to be said of
-// this page text than the tables can hold.
-std::vector<LookupText> WritePairs(BlockWriter& blocks, InFile& pageText, const TextShape& shape,
-                                   uint32_t pairedWords) {
-  PairRows rows;
-  uint64_t written = 0;
-  std::vector<LookupText> texts = {MakeLookupText(0, 0)};
-  ReadTexts(
-      pageText, shape,
-      [&](uint32_t first, uint32_t second) {
-        if (first < pairedWords && second < pairedWords) rows.Add(first, second);
-      },
-      [&](uint64_t next) {
-        const std::span<const WordPairs> records = rows.Finish();
-        for (const WordPairs& record : records) blocks.Add(record);
-        written += records.size();
-        texts.push_back(MakeLookupText(next, static_cast<uint32_t>(written)));
-      });
-  blocks.End();
-  const bool isTold = written <= UINT32_MAX && StartOf(texts.back()) <= kPositionLimit;
-  return isTold ? texts : std::vector<LookupText>();
-}
-
 // A number for this content, 1 to INT32_MAX.
 uint64_t GenerationOf(const LookupHeader& header) {
   char bytes[sizeof header];
@@ -339,6 +293,12 @@ uint64_t GenerationOf(const LookupHeader& header) {
 
 LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text,
                         uint32_t pairedWords) {
+  PairTable pairs(folder, text, pairedWords);
+  return WriteLookup(folder, text, pairedWords, pairs);
+}
+
+LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text,
+                        uint32_t pairedWords, PairTable& pairs) {
   IndexDirectory directory;
   OpenIndexDirectory(directory, folder.string());
   FileImage dictionary;
@@ -388,14 +348,15 @@ LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& te
   header.spellingGuide = blocks.Write(guide.entries);
   words = {};
   if (FileImage whole; whole.Open(directory, kPageTextFileName, false)) {
-    InFile pageText(folder / kPageTextFileName);
     header.pageText = FactsOf(whole.bytes());
     header.tokenSize = text.tokenBytes;
     header.lastSign = static_cast<uint64_t>(text.lastSign);
     header.pairedWords = pairedWords;
     if (!whole.bytes().empty() && CanBeRead(text)) {
       header.pairs.firstBlock = blocks.count();
-      const std::vector<LookupText> texts = WritePairs(blocks, pageText, text, pairedWords);
+      pairs.ForEach([&](const WordPairs& record) { blocks.Add(record); });
+      blocks.End();
+      const std::vector<LookupText>& texts = pairs.texts();
       if (!texts.empty()) header.pairs.count = FirstPairsOf(texts.back());
       header.texts = blocks.Write(texts);
     }

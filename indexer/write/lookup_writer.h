@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "indexer/write/page_text_scan.h"
+#include "indexer/write/pair_table.h"
 
 namespace vela::indexer {
 
@@ -24,5 +25,8 @@ struct LookupSizes {
 // beside which others they stand.
 LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text,
                         uint32_t pairedWords);
+// The same for whoever has made `pairs` of the page text before, of the same words.
+LookupSizes WriteLookup(const std::filesystem::path& folder, const TextShape& text,
+                        uint32_t pairedWords, PairTable& pairs);
 
 }  // namespace vela::indexer
