@@ -13,6 +13,8 @@
 #include "indexer/config/language_file.h"
 #include "indexer/index_files.h"
 #include "indexer/index_run.h"
+#include "indexer/memory_keeper.h"
+#include "indexer/memory_plan.h"
 #include "indexer/open_source.h"
 #include "indexer/page_reading.h"
 #include "indexer/publish/compare_indexes.h"
@@ -77,6 +79,8 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   const IndexCharset charset(options.config.charset);
   const Language language = LoadLanguage(options.language);
   IndexFolder folder(options.out, PublishSystemOf(options, progress, stop));
+  const MemoryPlan memory = MemoryOf(options);
+  const MemoryKeeper keeper(folder.fresh(), memory);
   // Before the template and the program, which may take a while.
   progress.Begin("Looking for pages", 0);
   const SiteSource site = OpenSite(options, givenBase, folder.target(), progress, stop);
@@ -92,7 +96,8 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
                   .progress = progress,
                   .stop = stop,
                   .report = report,
-                  .memory = MemoryOf(options),
+                  .memory = memory,
+                  .keeper = keeper,
                   .state = nullptr,
                   .parts = site.parts,
                   .summary = {}};
@@ -143,6 +148,7 @@ IndexSummary Build(const Options& given, Progress& progress, const volatile std:
   CheckMissingPages(run, summary.pages);
   CheckBrokenLinks(run);
   CheckStop(stop);
+  keeper.Check();
   if (options.dryRun || report.isWanted()) {
     progress.Begin("Comparing with the index before", 0);
     summary.changes = CompareIndexes(folder.target(), folder.fresh());

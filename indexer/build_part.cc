@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "indexer/memory_keeper.h"
+#include "indexer/memory_plan.h"
 #include "indexer/open_source.h"
 #include "indexer/page_reading.h"
 #include "indexer/report/index_error.h"
@@ -38,6 +40,8 @@ IndexSummary BuildPart(const Options& given, Progress& progress,
   if (!index.empty() && !index.has_filename()) index = index.parent_path();
   const SiteSource site = OpenSite(options, CheckedBaseUrl(options.baseUrl), index, progress, stop);
   const OpenedSource& opened = site.opened;
+  const MemoryPlan memory = MemoryOf(options);
+  const MemoryKeeper keeper(opened.state.path, memory);
   SiteListing listing = opened.source->List();
   PartNotes notes = {
       .part = *part,
@@ -53,7 +57,6 @@ IndexSummary BuildPart(const Options& given, Progress& progress,
   notes.listing = std::move(listing);
   const std::unique_ptr<PageState> state = OpenPageState(options, opened, items);
   progress.Begin("Reading pages", items.size());
-  const MemoryPlan memory = MemoryOf(options);
   PageReading reading({.source = *opened.source,
                        .items = items,
                        .base = opened.base,
@@ -66,6 +69,7 @@ IndexSummary BuildPart(const Options& given, Progress& progress,
   ForEachItem(reading, JobsOf(options), memory.waiting,
               [&](size_t item, Reason reason, const PageBlock& block) {
                 CheckStop(stop);
+                keeper.Check();
                 summary.sourceBytes += block.facts.fileSize;
                 if (reason == Reason::kNone) ++summary.pages;
                 if (reason != Reason::kNone) AddLeftOut(summary.files, reason, items[item].path);

@@ -238,6 +238,7 @@ uint64_t WriteIndexFiles(IndexRun& run, SitePages& pages, IndexFacts& facts) {
   text.Finish();
   bytes += textBytes + table.infoBytes + table.dataBytes;
   CheckStop(run.stop);
+  run.keeper.Check();
 
   run.progress.Begin("Writing the index", 0);
   std::optional<PairTable> pairs;

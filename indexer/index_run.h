@@ -5,6 +5,7 @@
 #include <string>
 
 #include "indexer/config/options.h"
+#include "indexer/memory_keeper.h"
 #include "indexer/memory_plan.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/report/progress.h"
@@ -26,6 +27,7 @@ struct IndexRun {
   const volatile std::sig_atomic_t& stop;
   RunReport& report;
   MemoryPlan memory;
+  const MemoryKeeper& keeper;
   PageState* state;          // not owned; null: nothing is kept of the pages
   const MergedParts* parts;  // the same; null: the site is read by this run
   IndexSummary summary;

@@ -12,6 +12,9 @@ constexpr uint64_t kProgramBytes = 32 * kMegabyte;
 // More is of no use to a thread, or for waiting.
 constexpr uint64_t kMostKnown = 24 * kMegabyte;
 constexpr uint64_t kMostWaiting = 16 * kMegabyte;
+// What the process may hold beyond its memory before it lets go of some. Until that is noticed, it
+// may take some fifty megabytes more.
+constexpr uint64_t kBeyondBytes = 8 * kMegabyte;
 
 }  // namespace
 
@@ -21,7 +24,11 @@ MemoryPlan PlanMemory(uint64_t bytes, unsigned jobs) {
   const uint64_t others = kProgramBytes + waiting + known * jobs;
   // With many threads and little memory the threads' part counts as extra.
   const uint64_t collection = std::max(bytes / 4, bytes - std::min(bytes, others));
-  return {.collection = collection, .waiting = waiting, .known = known};
+  return {.collection = collection,
+          .waiting = waiting,
+          .known = known,
+          .ordinary = bytes / 8 * 5,
+          .resident = bytes + kBeyondBytes};
 }
 
 }  // namespace vela::indexer

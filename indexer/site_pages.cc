@@ -99,6 +99,7 @@ void ReadPages(const Source& source, SiteListing& listing, IndexRun& run, SitePa
                 if (reason == Reason::kNone) reason = TakeBlock(block, pages, run.summary.remarks);
                 if (reason == Reason::kNone) run.summary.sectionPages += block.pieces.size();
                 CheckStop(run.stop);  // perhaps in the middle of the page
+                run.keeper.Check();
                 Report(items[item], reason, run, pages);
                 run.progress.Step(++done);
               });

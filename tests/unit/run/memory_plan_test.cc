@@ -15,13 +15,15 @@ TEST(MemoryPlan, DividesWhatThereIs) {
     uint64_t collection;
     uint64_t waiting;
     uint64_t known;
+    uint64_t ordinary;
+    uint64_t resident;
   } cases[] = {
       // 32 are the program's.
-      {"usual", 256, 2, 184, 8, 16},
-      {"one thread keeps no more than it can use", 256, 1, 192, 8, 24},
-      {"many threads share their part", 256, 32, 184, 8, 1},
-      {"much memory", 4096, 2, 4000, 16, 24},
-      {"a quarter at least is for what is collected", 32, 8, 8, 1, 1},
+      {"usual", 256, 2, 184, 8, 16, 160, 264},
+      {"one thread keeps no more than it can use", 256, 1, 192, 8, 24, 160, 264},
+      {"many threads share their part", 256, 32, 184, 8, 1, 160, 264},
+      {"much memory", 4096, 2, 4000, 16, 24, 2560, 4104},
+      {"a quarter at least is for what is collected", 32, 8, 8, 1, 1, 20, 40},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -29,6 +31,8 @@ TEST(MemoryPlan, DividesWhatThereIs) {
     EXPECT_EQ(plan.collection, c.collection * kMegabyte);
     EXPECT_EQ(plan.waiting, c.waiting * kMegabyte);
     EXPECT_EQ(plan.known, c.known * kMegabyte);
+    EXPECT_EQ(plan.ordinary, c.ordinary * kMegabyte);
+    EXPECT_EQ(plan.resident, c.resident * kMegabyte);
   }
 }
 
