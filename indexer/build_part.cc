@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
-#include "indexer/memory_keeper.h"
-#include "indexer/memory_plan.h"
+#include "indexer/memory/memory_keeper.h"
+#include "indexer/memory/memory_plan.h"
 #include "indexer/open_source.h"
 #include "indexer/page_reading.h"
 #include "indexer/report/index_error.h"

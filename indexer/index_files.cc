@@ -13,7 +13,7 @@
 #include "indexer/collect/stop_words.h"
 #include "indexer/config/extensions.h"
 #include "indexer/extract/content_choice.h"
-#include "indexer/freed_memory.h"
+#include "indexer/memory/freed_memory.h"
 #include "indexer/page_reading.h"
 #include "indexer/report/index_error.h"
 #include "indexer/run_conditions.h"

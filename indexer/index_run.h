@@ -5,8 +5,8 @@
 #include <string>
 
 #include "indexer/config/options.h"
-#include "indexer/memory_keeper.h"
-#include "indexer/memory_plan.h"
+#include "indexer/memory/memory_keeper.h"
+#include "indexer/memory/memory_plan.h"
 #include "indexer/publish/index_folder.h"
 #include "indexer/report/progress.h"
 #include "indexer/report/summary.h"

@@ -14,7 +14,7 @@
 #include "indexer/extract/read_page.h"
 #include "indexer/joining_order.h"
 #include "indexer/link_check.h"
-#include "indexer/memory_plan.h"
+#include "indexer/memory/memory_plan.h"
 #include "indexer/page_workers.h"
 #include "indexer/source/source.h"
 #include "indexer/state/merged_parts.h"

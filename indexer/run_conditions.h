@@ -4,7 +4,7 @@
 #include <csignal>
 
 #include "indexer/config/options.h"
-#include "indexer/memory_plan.h"
+#include "indexer/memory/memory_plan.h"
 #include "indexer/publish/index_place.h"
 #include "indexer/report/progress.h"
 

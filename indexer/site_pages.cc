@@ -6,8 +6,8 @@
 #include <optional>
 #include <utility>
 
-#include "indexer/freed_memory.h"
 #include "indexer/link_check.h"
+#include "indexer/memory/freed_memory.h"
 #include "indexer/page_reading.h"
 #include "indexer/report/index_error.h"
 #include "indexer/report/report_text.h"

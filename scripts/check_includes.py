@@ -17,7 +17,7 @@ import sys
 # and know nothing of each other; what lies in indexer/ and inspector/ themselves runs their rooms and
 # is called "run" and "inspect".
 SEARCH_ROOMS = ["text", "format", "settings", "index", "search", "output", "request"]
-INDEXER_ROOMS = ["report", "words", "site", "source", "config", "extract", "documents", "crawl",
+INDEXER_ROOMS = ["report", "memory", "words", "site", "source", "config", "extract", "documents", "crawl",
                  "collect", "write", "publish", "state", "run"]
 INSPECTOR_ROOMS = ["findings", "opened", "check", "show", "explain", "inspect"]
 ROOMS_OF = {"src": SEARCH_ROOMS, "indexer": INDEXER_ROOMS, "inspector": INSPECTOR_ROOMS}

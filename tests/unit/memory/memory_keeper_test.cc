@@ -1,4 +1,4 @@
-#include "indexer/memory_keeper.h"
+#include "indexer/memory/memory_keeper.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <thread>
 
-#include "indexer/memory_plan.h"
+#include "indexer/memory/memory_plan.h"
 
 namespace vela::indexer {
 

@@ -1,4 +1,4 @@
-#include "indexer/memory_keeper.h"
+#include "indexer/memory/memory_keeper.h"
 
 #include <fcntl.h>
 #include <jemalloc/jemalloc.h>
@@ -14,7 +14,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "indexer/file_memory.h"
+#include "indexer/memory/file_memory.h"
 #include "indexer/report/index_error.h"
 
 // Of the allocator that vela_index is linked with; null in what is linked with the C library's

@@ -1,4 +1,4 @@
-#include "indexer/memory_plan.h"
+#include "indexer/memory/memory_plan.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "indexer/file_memory.h"
+#include "indexer/memory/file_memory.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,4 +1,4 @@
-#include "indexer/freed_memory.h"
+#include "indexer/memory/freed_memory.h"
 
 #include <malloc.h>
 
