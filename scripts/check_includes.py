@@ -18,7 +18,7 @@ import sys
 # is called "run" and "inspect".
 SEARCH_ROOMS = ["text", "format", "settings", "index", "search", "output", "request"]
 INDEXER_ROOMS = ["report", "memory", "words", "site", "source", "config", "extract", "documents", "crawl",
-                 "collect", "write", "publish", "state", "run"]
+                 "collect", "explanation", "write", "publish", "state", "run"]
 INSPECTOR_ROOMS = ["findings", "opened", "check", "show", "explain", "inspect"]
 ROOMS_OF = {"src": SEARCH_ROOMS, "indexer": INDEXER_ROOMS, "inspector": INSPECTOR_ROOMS}
 ALL_ROOMS = SEARCH_ROOMS + INDEXER_ROOMS + INSPECTOR_ROOMS

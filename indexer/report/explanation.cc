@@ -1,9 +1,21 @@
 #include "indexer/report/explanation.h"
 
+#include <utility>
+
 #include "indexer/report/terminal.h"
 #include "text/shown_numbers.h"
 
 namespace vela::indexer {
+
+void Explanation::Add(std::string label, std::string text, std::vector<std::string> details) {
+  lines.push_back({std::move(label), std::move(text), std::move(details)});
+}
+
+void Explanation::AddList(std::string label, const char* what, std::vector<std::string> details) {
+  if (details.empty()) return;
+  std::string text = CountText(details.size()) + what;
+  Add(std::move(label), std::move(text), std::move(details));
+}
 
 std::string ExplanationText(const Explanation& explanation, bool showsAll) {
   constexpr size_t kLabelWidth = 14;

@@ -19,6 +19,10 @@ struct Explanation {
   bool isTaken = false;  // it is in the index, or would be in that of a run now
   std::string outcome;   // "left out: noindex"
   std::vector<ExplanationLine> lines;
+
+  void Add(std::string label, std::string text, std::vector<std::string> details = {});
+  // A line that says how many there are: "3" and `what`. None where there are none.
+  void AddList(std::string label, const char* what, std::vector<std::string> details);
 };
 
 // For a person: what became of the page, then a line for each label. Of many details the first are
