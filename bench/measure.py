@@ -46,6 +46,20 @@ def run_timed(command, stdin=None):
     return float(last[0]) + float(last[1]), wall, int(last[2])
 
 
+def read_anew(files):
+    """Brings the files into the system's cache from the disk, whole and in order.
+
+    Where they lie there as they were written, in smaller or larger pieces, a program that maps them
+    takes up to a fifth less or more time for the same work.
+    """
+    for path in files:
+        with open(path, "rb", buffering=0) as file:
+            os.fsync(file.fileno())
+            os.posix_fadvise(file.fileno(), 0, 0, os.POSIX_FADV_DONTNEED)
+            while file.read(1 << 20):
+                pass
+
+
 def time_commands(binaries, runs, commands):
     """Times `commands`, name -> Command, by turns, and a program that does nothing as "empty".
 
